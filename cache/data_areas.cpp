@@ -1,0 +1,138 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// Find-or-create and monitor marks. Areas are always reached by key: a position is used before
+// the next callback only, since the host may call back in and add areas.
+
+#include "cache/data_areas.h"
+
+#include <limits>
+
+namespace {
+
+constexpr int bitsInInt = 32;
+constexpr int wordIsMonitored = 1;  // bit 0 of monitorFlags
+
+_DATA_ newArea(int stationNo, const QString& registerType, int startIndex)
+{
+    _DATA_ area;
+    area.stationNo = stationNo;
+    area.registerType = registerType;
+    area.startIndex = startIndex;
+    return area;
+}
+
+// For lists other than the driver's own, which has an index.
+int scanForArea(const QList<_DATA_>& areas, int stationNo, const QString& registerType,
+                int startIndex)
+{
+    for (int position = 0; position < areas.size(); ++position) {
+        const _DATA_& area = areas.at(position);
+        if (area.stationNo == stationNo && area.registerType == registerType &&
+            area.startIndex == startIndex)
+            return position;
+    }
+    return -1;
+}
+
+int findOrCreate(int stationNo, const QString& registerType, int startIndex)
+{
+    const int found = driver.areaIndex.find(driver.dataAreas, stationNo, registerType, startIndex);
+    if (found >= 0)
+        return found;
+    return driver.areaIndex.append(driver.dataAreas, newArea(stationNo, registerType, startIndex));
+}
+
+void markElement(const RegisterType& type, int position, int address)
+{
+    const _DATA_& area = driver.dataAreas.at(position);
+    const int changeFlags =
+        isBit(type) ? _setBitValue(area.changeFlags, bitInArea(address), 1) : area.changeFlags;
+    const int monitorFlags = isBit(type) ? area.monitorFlags : area.monitorFlags | wordIsMonitored;
+    if (changeFlags == area.changeFlags && monitorFlags == area.monitorFlags)
+        return;
+    const AreaIndex::Edit edit(driver.areaIndex, driver.dataAreas);
+    driver.dataAreas[position].changeFlags = changeFlags;
+    driver.dataAreas[position].monitorFlags = monitorFlags;
+}
+
+// `count`, less what would be numbered past the largest int.
+int upToLargestInt(int startIndex, int count)
+{
+    const qint64 numbers = static_cast<qint64>(std::numeric_limits<int>::max()) - startIndex + 1;
+    return static_cast<int>(qMin<qint64>(count, numbers));
+}
+
+}  // namespace
+
+int getIndexOfDataArea(int stationNo, QString registerType, int startIndex, QList<_DATA_>& areas)
+{
+    if (&areas == &driver.dataAreas)
+        return findOrCreate(stationNo, registerType, startIndex);
+    const int found = scanForArea(areas, stationNo, registerType, startIndex);
+    if (found >= 0)
+        return found;
+    areas.append(newArea(stationNo, registerType, startIndex));
+    return static_cast<int>(areas.size()) - 1;
+}
+
+int _setBitValue(int value, int bit, int on)
+{
+    if (bit < 0 || bit >= bitsInInt)
+        return value;
+    const unsigned int mask = 1U << bit;
+    const unsigned int bits = static_cast<unsigned int>(value);
+    return static_cast<int>(on != 0 ? bits | mask : bits & ~mask);
+}
+
+bool isBitSet(int value, int bit)
+{
+    return bit >= 0 && bit < bitsInInt && ((static_cast<unsigned int>(value) >> bit) & 1U) != 0;
+}
+
+int areaPositionAt(int stationNo, const RegisterType& type, int startIndex)
+{
+    return findOrCreate(stationNo, registerTypeName(type), startIndex);
+}
+
+int areaPosition(int stationNo, const RegisterType& type, int address)
+{
+    return areaPositionAt(stationNo, type, isBit(type) ? bitAreaStart(address) : address);
+}
+
+const unsigned char* currentValue(const _DATA_& area)
+{
+    return area.bufferSelect != 0 ? area.valueBuffer1 : area.valueBuffer0;
+}
+
+int servedElements(const RegisterType& type, int startIndex, int count)
+{
+    return upToLargestInt(startIndex, elementCount(type, qMin(count, maxElements)));
+}
+
+int servedWords(int startIndex, int count)
+{
+    return upToLargestInt(startIndex, qMin(count, maxElements));
+}
+
+int _setDataAreaMonitorFlag(int stationNo, QString registerType, int startIndex, int count)
+{
+    const RegisterType* type = findRegisterType(registerType);
+    if (type == nullptr)
+        return 0;
+    const int elements = servedElements(*type, startIndex, count);
+    for (int i = 0; i < elements; ++i) {
+        const int address = startIndex + i;
+        markElement(*type, areaPosition(stationNo, *type, address), address);
+    }
+    return 0;
+}
+
+void clearMonitorFlags()
+{
+    const AreaIndex::Edit edit(driver.areaIndex, driver.dataAreas);
+    for (_DATA_& area : driver.dataAreas) {
+        area.monitorFlags = 0;
+        area.changeFlags = 0;
+    }
+}

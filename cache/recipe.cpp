@@ -1,0 +1,70 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// Recipe entries and recipe memory, whose size only the host knows.
+
+#include "cache/recipe.h"
+
+#include "cache/notification.h"
+
+#include <cstring>
+
+namespace {
+
+constexpr int bytesPerWord = 2;
+constexpr int recipeLink = 0;      // a recipe word is reported with these in place of link and
+constexpr int recipeStation = -1;  // station
+
+bool fits(const _RCP_VAR_PRO& entry, int wordLimit)
+{
+    return driver.recipeWords != nullptr && entry.recipeWordOffset >= 0 && entry.count >= 0 &&
+           entry.count <= wordLimit;
+}
+
+unsigned char* recipeBytes(qint64 recipeWord)
+{
+    return reinterpret_cast<unsigned char*>(driver.recipeWords + recipeWord);
+}
+
+}  // namespace
+
+int intf_setRcpAddress(QVector<_RCP_VAR_PRO>& list)
+{
+    const QVector<_RCP_VAR_PRO> entries = list;
+    driver.recipeVars = QVector<_RCP_VAR_PRO>();
+    for (const _RCP_VAR_PRO& entry : entries) {
+        if (entry.linkNo == driver.linkNo)
+            driver.recipeVars.append(entry);
+    }
+    return static_cast<int>(driver.recipeVars.size());
+}
+
+void rcpAddrToVar(_RCP_VAR_PRO rcp, VARIABLE& var, int withData)
+{
+    var.stationNo = rcp.stationNo;
+    var.registerType = rcp.registerType;
+    var.addressIndex = rcp.addressIndex;
+    var.count = rcp.count;
+    std::memset(var.data, 0, sizeof var.data);
+    if (withData != 0 && fits(rcp, maxRecipeWords))
+        std::memcpy(var.data, recipeBytes(rcp.recipeWordOffset),
+                    static_cast<std::size_t>(bytesPerWord) * static_cast<std::size_t>(rcp.count));
+}
+
+bool isDownloadable(const _RCP_VAR_PRO& entry)
+{
+    return fits(entry, maxWriteWords);
+}
+
+bool isUploadable(const _RCP_VAR_PRO& entry)
+{
+    return fits(entry, maxRecipeWords);
+}
+
+void storeRecipeWord(qint64 recipeWord, const unsigned char* bytes)
+{
+    if (driver.recipeWords == nullptr || recipeWord < 0)
+        return;
+    std::memcpy(recipeBytes(recipeWord), bytes, bytesPerWord);
+    callHost(recipeLink, recipeStation, QLatin1String("RWI"), static_cast<int>(recipeWord));
+}

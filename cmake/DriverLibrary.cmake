@@ -1,0 +1,41 @@
+# SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+# SPDX-License-Identifier: MIT
+#
+# The five library folders, compiled once: into the shared object and, as objects, into the tests,
+# which reach the internal functions that the shared object hides.
+
+add_library(fx_driver_objects OBJECT
+    address/address_check.cpp
+    address/catalogue.cpp
+    address/multi_copy.cpp
+    address/register_types.cpp
+    cache/data_areas.cpp
+    cache/notification.cpp
+    cache/read_values.cpp
+    cache/recipe.cpp
+    cache/write_values.cpp
+    driver/area_index.cpp
+    driver/mitsubishi_fx1s.cpp
+    driver/parameters.cpp
+    driver/request_queue.cpp
+    driver/set_up.cpp
+    plan/address_merge.cpp
+    plan/conditional_reads.cpp
+    protocol/end_of_exchange.cpp
+    protocol/error_report.cpp
+    protocol/frame_codec.cpp
+    protocol/recipe_requests.cpp
+    protocol/reply_decoding.cpp
+    protocol/reply_handling.cpp
+    protocol/send_scheduling.cpp)
+target_include_directories(fx_driver_objects PUBLIC ${PROJECT_SOURCE_DIR})
+target_link_libraries(fx_driver_objects PUBLIC fx_qt_core PRIVATE fx_warnings)
+set_target_properties(fx_driver_objects PROPERTIES
+    CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+
+add_library(mitsubishi_fx1s SHARED)
+target_link_libraries(mitsubishi_fx1s PRIVATE fx_driver_objects)
+target_include_directories(mitsubishi_fx1s INTERFACE ${PROJECT_SOURCE_DIR}/driver)
+set(export_list ${PROJECT_SOURCE_DIR}/cmake/exports.map)
+target_link_options(mitsubishi_fx1s PRIVATE -Wl,--version-script=${export_list})
+set_target_properties(mitsubishi_fx1s PROPERTIES LINK_DEPENDS ${export_list})

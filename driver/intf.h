@@ -1,0 +1,177 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// The public header: every exported entry point of the driver, in the order in which a host
+// needs them. The driver opens no port, starts no thread, sleeps nowhere, reads no file: the host
+// owns the link and all timing.
+//
+// Conventions
+//  1. Call one entry point at a time; calls may come from any thread, never from two at once.
+//  2. From inside the value-change callback the host may call intf_getData, intf_setData and
+//     intf_addConditionRead, and nothing else.
+//  3. Nothing throws and nothing is logged. Results are the integer codes given here.
+//  4. A null pointer in place of an output or a buffer is left alone: the call does what it can
+//     without it. A request that makes no sense is left out in silence.
+//  5. Register types are exact texts: bits "X" "Y" "M" "S" "SM" "T" "C", words "D" "SD" "TV" "CV",
+//     and the 32-bit counters "32CV". "X" and "Y" are numbered in octal on paper; every integer
+//     here is the value of that number (X17 is 15). "SM" and "SD" count from 8000, "32CV" from 200.
+//  6. Values travel as the PLC stores them: low byte first, one byte (0 or 1) for a bit.
+//  7. One call serves at most 65,536 elements, more than the PLC can address; elements beyond
+//     them, or whose number does not fit 32 bits, are left out.
+//  8. Build the library with the Qt of its host (4.8, 5 or 6): Qt value types cross the interface.
+//  9. The link is the FX programming port: 9600 baud, 7 data bits, even parity, 1 stop bit.
+
+#ifndef DRIVER_INTF_H
+#define DRIVER_INTF_H
+
+#include "records.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+#include <QVector>
+
+class QMutex;
+
+#define FX_EXPORT __attribute__((visibility("default")))
+#define FX_ENTRY_POINT extern "C" FX_EXPORT
+
+// ---- Set-up -----------------------------------------------------------------------------------
+
+// The default settings of a new device: 22 comma-separated fields: a host setting, baud rate, data
+// bits, parity, stop bits, two host settings, network address, network port, model name, and the
+// twelve register types.
+FX_ENTRY_POINT void intf_getDriverParameter(QString& text);
+
+// The identifier of the property page to show: "0_0".
+FX_ENTRY_POINT void intf_getDriverPropertyPage(QString& text);
+
+// Empties `text`, whatever it held; the driver keeps nothing of it.
+FX_ENTRY_POINT void intf_SetDriverPropertyPage(QString& text);
+
+// Writes the protocol type to `*type`: always 0.
+FX_ENTRY_POINT void intf_getProtocolType(int* type);
+
+// Registers the host's callback in place of any earlier one; null: no calls. It is called on the
+// thread and inside the call that caused it, with no lock held, its result is ignored, and `text`
+// is valid during the call only:
+//   (link, station, register type, number)   a monitored element changed, or its write has ended
+//   (-1, -1, "-1", 0 or -1)                  the one-off read queued last ended well or failed
+//   (0, -1, "RWI", word)                     an upload stored a word of recipe memory
+// Bits that change in the PLC are cached but not reported: read them with intf_getData.
+FX_ENTRY_POINT void intf_setAddrValueChangeCallBack(int (*callback)(int linkNo, int stationNo,
+                                                                    QString& text, int value));
+
+// Sets a connection up, or up anew: empties the plan, the queues and the cache, forgets the
+// exchange in flight, keeps the recipe list and the callback. Always 1, with *status = 0.
+//   hostMemory      the host's memory, 60,117 bytes at least: byte 60115 = 1 requests a recipe
+//                   download, byte 60116 = 1 an upload; null: no recipe requests
+//   hostContext     stored only
+//   recipeWords     the host's recipe memory, large enough for every entry; the driver does not
+//                   know its size; null: no recipe can be carried
+//   status          out
+//   propertyString  Latin-1, NUL-terminated, decimal numbers separated by '#':
+//                     link number, cache-only writes (nonzero: nothing is written to the PLC),
+//                     (stored), rejections in a row that end an exchange (below 2: the first does),
+//                     words in one frame (below 1 counts as 1), (optional, stored)
+//                   a field that is no number is 0; below five fields all keep their values
+//   hostMutex       guards the two request bytes; null: no recipe requests
+// The host keeps all four pointers valid until the next set-up or until it unloads the library.
+FX_ENTRY_POINT int intf_initProperty(unsigned char* hostMemory, unsigned int hostContext,
+                                     unsigned short* recipeWords, int* status,
+                                     const char* propertyString, QMutex* hostMutex);
+
+// ---- Planning ---------------------------------------------------------------------------------
+
+// Replaces the polling plan and the monitor marks by those of `keys`; call it whenever the set of
+// monitored addresses changes. Used of a key: station, type, start and length (bits, words,
+// counters; for "32CV" the marks count words, two a counter). Station 0 is marked, not polled.
+// Returns the number of read requests in the plan.
+FX_ENTRY_POINT int intf_addrMerge(QList<KEY_ADDRESS>& keys);
+
+// Queues a one-off read, cut to the limit that `key.bitIndex` chooses. A bit type reads `length`
+// bytes from the byte that holds `startIndex`. Queued ahead of the plan, behind the host's
+// writes; 513 requests wait at most, a further one replaces the last. Always 1.
+FX_ENTRY_POINT int intf_addConditionRead(KEY_ADDRESS& key, int tag);
+
+// ---- Exchange ---------------------------------------------------------------------------------
+
+// Gives the next frame to send.
+//   1  *out is a frame: send the first frameLength bytes of out->frame, hand over the reply
+//   0  nothing to send; *out is left as it was
+// Until its exchange has ended the same frame is given again.
+FX_ENTRY_POINT int intf_getSendFrame(FRAME_PRO* out);
+
+// Takes the reply to the frame in flight (empty after a time-out). `errorText` becomes
+// "station#register(count)(reply bytes)" of the frame in flight, whatever the result.
+//   0  no frame was in flight: the reply is ignored, `errorText` is empty
+//   1  accepted: the exchange has ended
+//   8  rejected: send the same frame again
+//   2  rejected as often as the property string allows: the exchange has ended as failed
+FX_ENTRY_POINT int intf_dealRcvFrame(QByteArray& reply, QString& errorText);
+
+// ---- Values -----------------------------------------------------------------------------------
+
+// Reads values from the cache, never from the link; what was neither polled nor written is 0.
+// Always 1; an unknown type or a count below 1 (below 2 for "32CV") leaves `out` alone.
+//   count  bits, words, or for "32CV" words, two a counter
+//   out    count bytes for bits, 2 x count for words, 4 x (count / 2) for "32CV"
+FX_ENTRY_POINT int intf_getData(int stationNo, QString registerType, int startIndex, int count,
+                                unsigned char* out);
+
+// Writes values: into the cache at once, to the PLC by queued requests (one a bit; words cut to
+// the frame limit, 253 at most). "X" reaches the cache only. 513 requests wait at most, a further
+// one replaces the last. Always 1.
+//   count, data  as in intf_getData; a bit is on only if its byte is exactly 1
+//   tag          carried with each request
+FX_ENTRY_POINT int intf_setData(int stationNo, QString registerType, int startIndex, int count,
+                                unsigned char* data, int tag);
+
+// ---- Recipes ----------------------------------------------------------------------------------
+
+// Replaces the recipe list by the entries of `list` that carry this link's number, so call it
+// after intf_initProperty. Returns the number of entries kept.
+// A transfer starts when the host sets a request byte to 1, under its mutex, and has ended when
+// the driver has set it back to 0. An entry that no frame can carry (count below 0, above 253 to
+// download, above 512 to upload, offset below 0) ends the transfer.
+FX_ENTRY_POINT int intf_setRcpAddress(QVector<_RCP_VAR_PRO>& list);
+
+// ---- Address services for the editor ----------------------------------------------------------
+
+// Checks the number part of an address. `addressIndex` receives the number once the text was
+// parsed (0 if it is none), also with a result other than 0.
+//   dataType    -1 = bit, anything else = word; "32CV" takes 1, 3, 5, 6 and 9
+//   count       registers that the address covers
+//   accessMode  1 and 2 write
+//   0  valid
+//   1  the width does not suit the register type
+//   2  out of the type's range, or running past its end
+//   3  unknown register type
+//   4  holds a sign, or is no number in the type's base
+//   5  "32CV" with another data type
+//   6  write access to "X"
+FX_ENTRY_POINT int intf_checkAddr(const QString& registerType, const QString& addressText,
+                                  int* addressIndex, int dataType, int count, int accessMode);
+
+// The same where only the width of the access is known; 5 and 6 do not occur.
+FX_ENTRY_POINT int intf_checkAddrValidity(const QString& registerType, const QString& addressText,
+                                          int* addressIndex, int count, int wordAccess);
+
+// Appends the names of the bit types (kind 0) or word types (kind 1) to `names`.
+// 1 for these kinds, else 0 with nothing appended.
+FX_ENTRY_POINT int intf_getRegListByType(int kind, QList<QString>& names);
+
+// Appends five texts that describe a type to `fields`: number format ('o' an octal digit, 'd' a
+// decimal one), lowest and highest number, width ("0" bit, "1" word, "2" 32 bits), "1" if it can
+// be written, else "0". Nothing for an unknown type. 1 for "32CV", else 0: go by the texts.
+FX_ENTRY_POINT int intf_getRegDiscription(const QString& registerType, QList<QString>& fields);
+
+// Appends the addresses of `copies` copies of an object, `step` apart, as texts and as numbers.
+//   step  -1 = 1; -2 = a 32-bit value: 2 for words, else 1; anything else below 1 = 1
+//   0  unknown register type, nothing appended
+//   1  every number fitted
+//   2  at least one was past the type's end and became its last number
+FX_ENTRY_POINT int intf_multiCopy(const QString& registerType, int startIndex, int copies, int step,
+                                  QVector<QString>& texts, QVector<int>& values);
+
+#endif

@@ -1,0 +1,24 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// The one object: constructed when the library is loaded, destroyed when it is unloaded. What the
+// host owns is never freed here.
+
+#include "driver/mitsubishi_fx1s.h"
+
+Mitsubishi_fx1s driver;
+
+Mitsubishi_fx1s::Mitsubishi_fx1s() = default;
+
+Mitsubishi_fx1s::~Mitsubishi_fx1s() = default;
+
+int wordsPerRequest()
+{
+    return qBound(1, driver.maxWordsPerFrame, maxElements);
+}
+
+int bitsPerRequest()
+{
+    return driver.maxBitsPerFrame < 1 ? bitsPerArea
+                                      : qMin(driver.maxBitsPerFrame, maxElements * bitsPerArea);
+}

@@ -1,0 +1,99 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// The one object that holds all state of the driver, and its named limits. Loading the library
+// constructs `driver`, unloading destroys it. The planning side fills its lists, the protocol
+// side empties them, the cache lives in it; it knows none of them.
+
+#ifndef DRIVER_MITSUBISHI_FX1S_H
+#define DRIVER_MITSUBISHI_FX1S_H
+
+#include "driver/area_index.h"
+#include "driver/intf.h"
+#include "driver/records.h"
+
+#include <QList>
+#include <QMutex>
+#include <QVector>
+
+constexpr int maxBurst = 3;         // writes and one-off reads between two cyclic reads
+constexpr int maxElements = 65536;  // longer runs exceed what the 16-bit wire address can reach
+constexpr int maxWriteWords = 253;  // 11 + 4 x 253 = 1023 bytes: the longest write in one record
+constexpr int maxRecipeWords = recordBytes / 2;  // recipe words that one request can hold
+constexpr int bitsPerArea = 8;                   // bit devices are cached by the byte
+
+constexpr int downloadRequestByte = 60115;  // position in host memory: recipe to the PLC
+constexpr int uploadRequestByte = 60116;    // position in host memory: recipe from the PLC
+
+// Tells the host about a change; the result is ignored, `text` is valid during the call only.
+typedef int (*ValueChangeCallback)(int linkNo, int stationNo, QString& text, int value);
+
+// Kinds of the exchange in progress, as `operationKind` holds them. There is no kind 1.
+enum class OperationKind
+{
+    Idle = 0,
+    HostWrite = 2,
+    ConditionalRead = 3,
+    CyclicRead = 4,
+    RecipeDownload = 5,
+    RecipeUpload = 6
+};
+
+class Mitsubishi_fx1s
+{
+public:
+    Mitsubishi_fx1s();
+    ~Mitsubishi_fx1s();
+    Mitsubishi_fx1s(const Mitsubishi_fx1s&) = delete;
+    Mitsubishi_fx1s& operator=(const Mitsubishi_fx1s&) = delete;
+
+    ValueChangeCallback valueChangeCallback = nullptr;
+
+    // The six numbers of the property string.
+    int linkNo = 0;
+    int cacheOnlyWrites = 0;  // nonzero = host writes reach the cache only
+    int propertyField2 = 0;   // stored, never read
+    int failLimit = 0;        // rejections in a row that end an exchange
+    int frameWordLimit = 0;
+    int propertyField5 = 0;  // stored, never read
+
+    // Owned by the host.
+    unsigned char* hostMemory = nullptr;    // the two request bytes are read under hostMutex
+    unsigned int hostContext = 0;           // stored, never read
+    unsigned short* recipeWords = nullptr;  // the recipe memory
+    QMutex* hostMutex = nullptr;
+
+    // Requests, head first.
+    QList<VARIABLE> readList;           // the cyclic polling plan
+    QList<VARIABLE> writeList;          // host writes; the head is in flight or next
+    QList<VARIABLE> conditionReadList;  // one-off reads
+
+    QList<_DATA_> dataAreas;           // the cache
+    QVector<_RCP_VAR_PRO> recipeVars;  // the recipe entries of this link
+
+    VARIABLE lastConditionRead;  // the one-off read queued last; its end is reported
+    VARIABLE current;            // the request of the exchange in progress
+    int operationKind = 0;       // see OperationKind
+    int burstCount = 0;          // writes and one-off reads since the last cyclic read
+    int spareCounter0 = 0;       // set at set-up, never read
+    int failCount = 0;           // rejections in a row
+    int maxBitsPerFrame = 0;
+    int maxWordsPerFrame = 0;
+    int lastExchangeFailed = 0;
+    int spareCounter1 = 0;        // set at set-up, never read
+    int propertyInitialised = 0;  // set at set-up, never read
+    QList<FRAME_PRO> frames;      // the frame in flight, if any
+    int recipeIndex = 0;          // the recipe entry being transferred
+
+    AreaIndex areaIndex;  // finds data areas without a scan
+};
+
+// Exported beside the entry points.
+extern FX_EXPORT Mitsubishi_fx1s driver;
+
+// The limits by which requests are cut: what the property string said, but never less than one
+// word or one byte of bits, and never more than the wire can address.
+int wordsPerRequest();
+int bitsPerRequest();
+
+#endif

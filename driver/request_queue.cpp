@@ -1,0 +1,27 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// The duplicate rule of the queues.
+
+#include "driver/request_queue.h"
+
+bool isSameRequest(const VARIABLE& a, const VARIABLE& b)
+{
+    return a.stationNo == b.stationNo && a.registerType == b.registerType &&
+           a.addressIndex == b.addressIndex && a.count == b.count;
+}
+
+void enqueueRequest(QList<VARIABLE>& queue, const VARIABLE& request)
+{
+    const int size = static_cast<int>(queue.size());
+    for (int i = size - 1; i > 0; --i) {
+        if (isSameRequest(queue.at(i), request)) {
+            queue[i] = request;
+            return;
+        }
+    }
+    if (size < maxQueuedRequests)
+        queue.append(request);
+    else
+        queue[maxQueuedRequests - 1] = request;
+}

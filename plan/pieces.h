@@ -1,0 +1,38 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// Cuts a range of elements into pieces that fit one frame each: full ones and, when something is
+// left over, a shorter last one.
+
+#ifndef PLAN_PIECES_H
+#define PLAN_PIECES_H
+
+#include "driver/mitsubishi_fx1s.h"
+
+#include <limits>
+
+class PieceCutter
+{
+public:
+    // `limit` is at least 1. Of `length` at most maxElements are cut; none when it is below 1.
+    PieceCutter(int startIndex, int length, int limit)
+        : m_startIndex(startIndex), m_length(qBound(0, length, maxElements)), m_limit(limit)
+    {}
+
+    // Pieces whose start is numbered within 32 bits; the rest is left out.
+    int pieceCount() const
+    {
+        const int pieces = m_length / m_limit + (m_length % m_limit != 0 ? 1 : 0);
+        const qint64 numbers = std::numeric_limits<int>::max() - static_cast<qint64>(m_startIndex);
+        return static_cast<int>(qMin<qint64>(pieces, numbers / m_limit + 1));
+    }
+    int start(int piece) const { return m_startIndex + piece * m_limit; }
+    int length(int piece) const { return qMin(m_limit, m_length - piece * m_limit); }
+
+private:
+    int m_startIndex;
+    int m_length;
+    int m_limit;
+};
+
+#endif

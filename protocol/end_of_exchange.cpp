@@ -1,0 +1,84 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// The end-of-exchange half of the state machine. A request stays at the head of its list until
+// here; the state itself changes only with the next choice.
+
+#include "protocol/end_of_exchange.h"
+
+#include "cache/notification.h"
+#include "driver/mitsubishi_fx1s.h"
+#include "driver/request_queue.h"
+#include "protocol/recipe_requests.h"
+
+namespace {
+
+constexpr int noLink = -1;
+constexpr int noStation = -1;
+
+void endHostWrite()
+{
+    if (!driver.writeList.isEmpty())
+        driver.writeList.removeFirst();
+}
+
+void reportConditionRead()
+{
+    callHost(noLink, noStation, QLatin1String("-1"), driver.lastExchangeFailed != 0 ? -1 : 0);
+}
+
+void endConditionRead()
+{
+    if (driver.conditionReadList.isEmpty())
+        return;
+    if (isSameRequest(driver.conditionReadList.at(0), driver.lastConditionRead))
+        reportConditionRead();
+    if (driver.lastExchangeFailed != 0)
+        driver.conditionReadList.clear();  // one failure drops all that wait
+    else if (!driver.conditionReadList.isEmpty())
+        driver.conditionReadList.removeFirst();
+}
+
+void rotatePlan()
+{
+    const int last = static_cast<int>(driver.readList.size()) - 1;
+    if (last > 0)
+        driver.readList.move(0, last);
+}
+
+void endRecipeEntry(int requestByte)
+{
+    if (driver.lastExchangeFailed == 0) {
+        ++driver.recipeIndex;
+        if (driver.recipeIndex < driver.recipeVars.size())
+            return;
+    }
+    driver.recipeIndex = 0;
+    clearRecipeRequest(requestByte);
+}
+
+}  // namespace
+
+void dealListWhenFinish()
+{
+    switch (static_cast<OperationKind>(driver.operationKind)) {
+    case OperationKind::Idle:
+        return;
+    case OperationKind::HostWrite:
+        return endHostWrite();
+    case OperationKind::ConditionalRead:
+        return endConditionRead();
+    case OperationKind::CyclicRead:
+        return rotatePlan();
+    case OperationKind::RecipeDownload:
+        return endRecipeEntry(downloadRequestByte);
+    case OperationKind::RecipeUpload:
+        return endRecipeEntry(uploadRequestByte);
+    }
+}
+
+void abandonRecipe()
+{
+    driver.lastExchangeFailed = 1;
+    dealListWhenFinish();
+}
