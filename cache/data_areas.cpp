@@ -6,7 +6,7 @@
 
 #include "cache/data_areas.h"
 
-#include <limits>
+#include "driver/integers.h"
 
 namespace {
 
@@ -59,8 +59,7 @@ void markElement(const RegisterType& type, int position, int address)
 // `count`, less what would be numbered past the largest int.
 int upToLargestInt(int startIndex, int count)
 {
-    const qint64 numbers = static_cast<qint64>(std::numeric_limits<int>::max()) - startIndex + 1;
-    return static_cast<int>(qMin<qint64>(count, numbers));
+    return static_cast<int>(qMin<qint64>(count, intsFrom(startIndex)));
 }
 
 }  // namespace

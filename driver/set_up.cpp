@@ -4,12 +4,11 @@
 // The reset point of a connection: reads the property string, keeps the host's pointers, empties
 // plan, queues, cache and exchange state. The recipe list and the callback survive.
 
+#include "driver/integers.h"
 #include "driver/intf.h"
 #include "driver/mitsubishi_fx1s.h"
 
 #include <QStringList>
-
-#include <limits>
 
 namespace {
 
@@ -37,13 +36,6 @@ void resetLists()
     driver.frames.clear();
 }
 
-int bitsOfWords(int words)
-{
-    const qint64 bits = static_cast<qint64>(words) * bitsPerArea;
-    return static_cast<int>(
-        qBound<qint64>(std::numeric_limits<int>::min(), bits, std::numeric_limits<int>::max()));
-}
-
 void resetExchange()
 {
     driver.operationKind = static_cast<int>(OperationKind::Idle);
@@ -52,7 +44,7 @@ void resetExchange()
     driver.failCount = 0;
     driver.lastExchangeFailed = 0;
     driver.maxWordsPerFrame = driver.frameWordLimit;
-    driver.maxBitsPerFrame = bitsOfWords(driver.frameWordLimit);
+    driver.maxBitsPerFrame = saturated(qint64(driver.frameWordLimit) * bitsPerArea);
     driver.spareCounter1 = 0;
     driver.propertyInitialised = 1;
 }

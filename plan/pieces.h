@@ -7,9 +7,8 @@
 #ifndef PLAN_PIECES_H
 #define PLAN_PIECES_H
 
+#include "driver/integers.h"
 #include "driver/mitsubishi_fx1s.h"
-
-#include <limits>
 
 class PieceCutter
 {
@@ -23,8 +22,7 @@ public:
     int pieceCount() const
     {
         const int pieces = m_length / m_limit + (m_length % m_limit != 0 ? 1 : 0);
-        const qint64 numbers = std::numeric_limits<int>::max() - static_cast<qint64>(m_startIndex);
-        return static_cast<int>(qMin<qint64>(pieces, numbers / m_limit + 1));
+        return static_cast<int>(qMin<qint64>(pieces, (intsFrom(m_startIndex) - 1) / m_limit + 1));
     }
     int start(int piece) const { return m_startIndex + piece * m_limit; }
     int length(int piece) const { return qMin(m_limit, m_length - piece * m_limit); }

@@ -7,9 +7,8 @@
 #include "protocol/frame_codec.h"
 
 #include "address/register_types.h"
+#include "driver/integers.h"
 #include "protocol/frame_format.h"
-
-#include <limits>
 
 namespace {
 
@@ -56,12 +55,6 @@ private:
     unsigned char* m_next;
     unsigned int m_sum = 0;
 };
-
-int saturated(qint64 value)
-{
-    return static_cast<int>(
-        qBound<qint64>(std::numeric_limits<int>::min(), value, std::numeric_limits<int>::max()));
-}
 
 qint64 offset(const RegisterType& type, int addressIndex)
 {

@@ -9,10 +9,10 @@
 #include "cache/data_areas.h"
 #include "cache/notification.h"
 #include "cache/recipe.h"
+#include "driver/integers.h"
 #include "protocol/frame_format.h"
 
 #include <algorithm>
-#include <limits>
 
 namespace {
 
@@ -60,7 +60,7 @@ bool areaStart(const ReadRange& range, int k, int& startIndex)
     const qint64 step = isBit(*range.type) ? bitsPerArea : 1;
     const qint64 start = range.addressIndex + step * k;
     startIndex = static_cast<int>(start);
-    return start <= std::numeric_limits<int>::max();
+    return start <= largestInt;
 }
 
 void notifyRead(int stationNo, const RegisterType& type, int startIndex, unsigned char newBits)
