@@ -26,8 +26,8 @@ unsigned int packName(const QString& name)
     if (name.size() > longestName)
         return noName;
     unsigned int packed = 0;
-    for (int i = 0; i < name.size(); ++i) {
-        const unsigned int character = name.at(i).unicode();
+    for (const QChar letter : name) {
+        const unsigned int character = letter.unicode();
         if (character == 0 || character > 0x7F)
             return noName;  // would alias another name in one byte
         packed = (packed << 8) | character;

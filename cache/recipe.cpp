@@ -30,12 +30,13 @@ unsigned char* recipeBytes(qint64 recipeWord)
 
 int intf_setRcpAddress(QVector<_RCP_VAR_PRO>& list)
 {
-    const QVector<_RCP_VAR_PRO> entries = list;
-    driver.recipeVars = QVector<_RCP_VAR_PRO>();
+    const QVector<_RCP_VAR_PRO>& entries = list;
+    QVector<_RCP_VAR_PRO> ownEntries;
     for (const _RCP_VAR_PRO& entry : entries) {
         if (entry.linkNo == driver.linkNo)
-            driver.recipeVars.append(entry);
+            ownEntries.append(entry);
     }
+    driver.recipeVars = ownEntries;
     return static_cast<int>(driver.recipeVars.size());
 }
 

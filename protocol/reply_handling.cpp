@@ -57,7 +57,8 @@ ReplyResult reject()
     return ReplyResult::Failed;
 }
 
-ReplyResult handleReply(const QByteArray& reply)
+// Takes the reply by value: the host may reuse its buffer in a callback.
+ReplyResult handleReply(QByteArray reply)
 {
     const unsigned char* bytes = reinterpret_cast<const unsigned char*>(reply.constData());
     switch (judgeReply(bytes, static_cast<int>(reply.size()), driver.frames.at(0))) {
@@ -82,6 +83,5 @@ int intf_dealRcvFrame(QByteArray& reply, QString& errorText)
     if (driver.frames.isEmpty())
         return static_cast<int>(ReplyResult::NoFrame);
     errorText = getErrorInfo(reply);
-    const QByteArray received = reply;  // the host may reuse its buffer in a callback
-    return static_cast<int>(handleReply(received));
+    return static_cast<int>(handleReply(reply));
 }
