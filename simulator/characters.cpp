@@ -1,0 +1,55 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// See characters.h.
+
+#include "simulator/characters.h"
+
+namespace fxsim {
+
+int hexDigitValue(char digit)
+{
+    if (digit >= '0' && digit <= '9')
+        return digit - '0';
+    if (digit >= 'A' && digit <= 'F')
+        return digit - 'A' + 10;
+    return -1;
+}
+
+int hexNumber(const QByteArray& digits)
+{
+    int number = 0;
+    for (const char digit : digits) {
+        const int value = hexDigitValue(digit);
+        if (value < 0)
+            return -1;
+        number = number << 4 | value;
+    }
+    return number;
+}
+
+QByteArray hexOfBytes(const QByteArray& bytes)
+{
+    return bytes.toHex().toUpper();
+}
+
+QByteArray bytesOfHex(const QByteArray& digits)
+{
+    return QByteArray::fromHex(digits);
+}
+
+QByteArray sumOf(const QByteArray& fromCommandToEtx)
+{
+    quint8 sum = 0;
+    for (const char character : fromCommandToEtx)
+        sum = quint8(sum + quint8(character));
+    return hexOfBytes(QByteArray(1, char(sum)));
+}
+
+QByteArray framed(const QByteArray& content)
+{
+    const QByteArray summed = content + etx;
+    return stx + summed + sumOf(summed);
+}
+
+}  // namespace fxsim

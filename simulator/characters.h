@@ -1,0 +1,36 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// The characters of the FX programming port: control characters, upper-case hex digits and the sum
+// that ends a frame. Frame reader, frame server, faults and trace speak through these few
+// functions.
+
+#pragma once
+
+#include <QByteArray>
+
+namespace fxsim {
+
+constexpr char stx = 0x02;
+constexpr char etx = 0x03;
+constexpr char enq = 0x05;
+constexpr char ack = 0x06;
+constexpr char nak = 0x15;
+
+constexpr int sumDigits = 2;
+
+// -1 when the character is no digit; lower case is none, the port speaks upper case only.
+int hexDigitValue(char digit);
+
+// The number that `digits` spell, or -1 when one of them is no digit. Up to four digits.
+int hexNumber(const QByteArray& digits);
+
+QByteArray hexOfBytes(const QByteArray& bytes);   // two digits a byte
+QByteArray bytesOfHex(const QByteArray& digits);  // all digits were checked before
+
+// The two digits of the sum over everything after STX up to ETX, both given to it.
+QByteArray sumOf(const QByteArray& fromCommandToEtx);
+
+QByteArray framed(const QByteArray& content);  // STX, content, ETX, sum
+
+}  // namespace fxsim

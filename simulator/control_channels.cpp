@@ -1,0 +1,99 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// See control_channels.h.
+
+#include "simulator/control_channels.h"
+
+#include <QFileInfo>
+#include <QLocalSocket>
+#include <cstdio>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace fxsim {
+
+namespace {
+
+constexpr int readBytes = 4096;
+constexpr int longestLine = 65536;  // more without a line end is no command
+
+void print(const QByteArray& text)
+{
+    std::fwrite(text.constData(), 1, size_t(text.size()), stdout);
+    std::fflush(stdout);
+}
+
+bool isSocket(const QString& path)
+{
+    struct stat status
+    {};
+    return ::stat(QFile::encodeName(path).constData(), &status) == 0 && S_ISSOCK(status.st_mode);
+}
+
+bool somebodyAnswersAt(const QString& path)
+{
+    constexpr int connectMs = 500;
+    QLocalSocket probe;
+    probe.connectToServer(path);
+    return probe.waitForConnected(connectMs);
+}
+
+}  // namespace
+
+InputControl::InputControl(Control& control, int inputDescriptor)
+    : m_control(control), m_notifier(inputDescriptor, QSocketNotifier::Read)
+{
+    connect(&m_notifier, &QSocketNotifier::activated, this, &InputControl::readAvailable);
+}
+
+void InputControl::readAvailable()
+{
+    char buffer[readBytes];
+    const ssize_t got = ::read(int(m_notifier.socket()), buffer, sizeof buffer);
+    if (got <= 0) {
+        m_notifier.setEnabled(false);  // the end, or a terminal that is not ours to read
+        return;
+    }
+    m_partLine.append(buffer, int(got));
+    int end = 0;
+    while ((end = m_partLine.indexOf('\n')) >= 0) {
+        print(m_control.run(QString::fromUtf8(m_partLine.left(end))));
+        m_partLine.remove(0, end + 1);
+    }
+    if (m_partLine.size() > longestLine)
+        m_partLine.clear();
+}
+
+SocketControl::SocketControl(Control& control) : m_control(control)
+{
+    connect(&m_server, &QLocalServer::newConnection, this, &SocketControl::welcome);
+}
+
+// A socket that an earlier run left behind is replaced; one that somebody listens on stays, and so
+// does any other file.
+QString SocketControl::listen(const QString& path)
+{
+    if (isSocket(path) && !somebodyAnswersAt(path))
+        QLocalServer::removeServer(path);
+    m_server.setSocketOptions(QLocalServer::UserAccessOption);
+    const QString fullPath =
+        QFileInfo(path).absoluteFilePath();  // a bare name would mean one in the temporary folder
+    return m_server.listen(fullPath)
+               ? QString()
+               : QStringLiteral("control socket %1: %2").arg(path, m_server.errorString());
+}
+
+void SocketControl::welcome()
+{
+    while (QLocalSocket* socket = m_server.nextPendingConnection()) {
+        connect(socket, &QLocalSocket::readyRead, this, [this, socket] {
+            while (socket->canReadLine())
+                socket->write(m_control.run(QString::fromUtf8(socket->readLine())));
+            socket->flush();
+        });
+        connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
+    }
+}
+
+}  // namespace fxsim

@@ -1,0 +1,41 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// See end_signals.h. A handler may do little: it writes a byte into a pipe, and the event loop does
+// the rest.
+
+#include "simulator/end_signals.h"
+
+#include <QCoreApplication>
+#include <csignal>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace fxsim {
+
+namespace {
+
+int pipeEnds[2] = {-1, -1};
+
+void onSignal(int)
+{
+    const char byte = 0;
+    const ssize_t written = ::write(pipeEnds[1], &byte, 1);
+    static_cast<void>(written);  // a full pipe has told the loop already
+}
+
+}  // namespace
+
+EndSignals::EndSignals()
+{
+    if (::pipe2(pipeEnds, O_NONBLOCK | O_CLOEXEC) != 0)
+        return;  // the signals then end the program at once, as they do by themselves
+    m_notifier = std::make_unique<QSocketNotifier>(pipeEnds[0], QSocketNotifier::Read);
+    QObject::connect(m_notifier.get(), &QSocketNotifier::activated, &QCoreApplication::quit);
+    std::signal(SIGINT, onSignal);
+    std::signal(SIGTERM, onSignal);
+    std::signal(SIGPIPE, SIG_IGN);  // a client that left is no reason to end
+    std::signal(SIGTTIN, SIG_IGN);  // in the background the terminal's input is simply not ours
+}
+
+}  // namespace fxsim

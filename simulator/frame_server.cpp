@@ -1,0 +1,171 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// See frame_server.h. The order of the tests is that of a PLC: the sum first, then what the
+// characters say.
+
+#include "simulator/frame_server.h"
+
+#include "simulator/characters.h"
+
+namespace fxsim {
+
+namespace {
+
+constexpr int addressDigits = 4;
+constexpr int countDigits = 2;
+constexpr int digitsPerByte = 2;
+constexpr int frameAround = 1 + 1 + sumDigits;  // STX, ETX, sum
+
+Command commandOf(char character)
+{
+    switch (character) {
+    case '0':
+        return Command::Read;
+    case '1':
+        return Command::Write;
+    case '7':
+        return Command::ForceOn;
+    case '8':
+        return Command::ForceOff;
+    }
+    return Command::None;
+}
+
+bool allDigits(const QByteArray& text)
+{
+    for (const char character : text) {
+        if (hexDigitValue(character) < 0)
+            return false;
+    }
+    return true;
+}
+
+Verdict judgeRange(const Request& request, const PlcMemory& memory, int maxBytes)
+{
+    if (request.byteCount == 0)
+        return Verdict::NoBytes;
+    if (request.byteCount > maxBytes)
+        return Verdict::TooMany;
+    return memory.has(request.address, request.byteCount) ? Verdict::Good : Verdict::NoMemory;
+}
+
+// `fields` is what stands between the command and ETX, all digits.
+void judgeBytes(Request& request, const QByteArray& fields, const PlcMemory& memory, int maxBytes)
+{
+    if (fields.size() < addressDigits + countDigits)
+        return;
+    request.address = hexNumber(fields.left(addressDigits));
+    request.byteCount = hexNumber(fields.mid(addressDigits, countDigits));
+    const QByteArray dataDigits = fields.mid(addressDigits + countDigits);
+    const int dataBytes = request.command == Command::Write ? request.byteCount : 0;
+    if (dataDigits.size() != digitsPerByte * dataBytes)
+        return;
+    request.data = bytesOfHex(dataDigits);
+    request.verdict = judgeRange(request, memory, maxBytes);
+}
+
+// A bit address is the only number of the protocol that travels low byte first.
+void judgeForce(Request& request, const QByteArray& fields, const PlcMemory& memory)
+{
+    if (fields.size() != addressDigits)
+        return;
+    request.address = hexNumber(fields.mid(2, 2) + fields.left(2));
+    const bool present = memory.has(request.address / bitsPerByte, 1);
+    request.verdict = present ? Verdict::Good : Verdict::NoMemory;
+}
+
+}  // namespace
+
+const char* verdictText(Verdict verdict)
+{
+    switch (verdict) {
+    case Verdict::Good:
+        return "good";
+    case Verdict::WrongSum:
+        return "wrong sum";
+    case Verdict::UnknownCommand:
+        return "unknown command";
+    case Verdict::Malformed:
+        return "malformed";
+    case Verdict::TooMany:
+        return "too many bytes";
+    case Verdict::NoBytes:
+        return "no bytes asked for";
+    case Verdict::NoMemory:
+        return "no such memory";
+    }
+    return "";
+}
+
+Request judgeFrame(const QByteArray& frame, const PlcMemory& memory, int maxBytes)
+{
+    Request request;
+    if (frame.size() < frameAround)
+        return request;
+    const QByteArray summed = frame.mid(1, frame.size() - 1 - sumDigits);
+    if (sumOf(summed) != frame.right(sumDigits)) {
+        request.verdict = Verdict::WrongSum;
+        return request;
+    }
+    request.command = commandOf(summed[0]);
+    if (request.command == Command::None) {
+        request.verdict = Verdict::UnknownCommand;
+        return request;
+    }
+    const QByteArray fields = summed.mid(1, summed.size() - 2);
+    if (!allDigits(fields))
+        return request;
+    if (request.command == Command::Read || request.command == Command::Write)
+        judgeBytes(request, fields, memory, maxBytes);
+    else
+        judgeForce(request, fields, memory);
+    return request;
+}
+
+QByteArray carryOut(const Request& request, PlcMemory& memory)
+{
+    switch (request.command) {
+    case Command::Read:
+        return framed(hexOfBytes(memory.read(request.address, request.byteCount)));
+    case Command::Write:
+        memory.write(request.address, request.data);
+        break;
+    case Command::ForceOn:
+        memory.forceBit(request.address, true);
+        break;
+    case Command::ForceOff:
+        memory.forceBit(request.address, false);
+        break;
+    case Command::None:
+        return QByteArray();
+    }
+    return QByteArray(1, ack);
+}
+
+QByteArray requestText(const Request& request)
+{
+    const auto number = [](int value) {
+        return QByteArray("0x") + QByteArray::number(value, 16).toUpper().rightJustified(4, '0');
+    };
+    const QByteArray bytes =
+        QByteArray::number(request.byteCount) + " bytes at " + number(request.address);
+    const QByteArray bit = number(request.address) + " (byte " +
+                           number(request.address / bitsPerByte) + " bit " +
+                           QByteArray::number(request.address % bitsPerByte) + ")";
+    switch (request.command) {
+    case Command::Read:
+        return "read " + bytes;
+    case Command::Write:
+        return "write " + bytes;
+    case Command::ForceOn:
+        return "force on bit " + bit;
+    case Command::ForceOff:
+        return "force off bit " + bit;
+    case Command::None:
+        break;
+    }
+    return "frame";
+}
+
+}  // namespace fxsim

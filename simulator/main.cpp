@@ -1,0 +1,24 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// fxsim: reads the command line, starts the application, runs until a signal or `quit`.
+
+#include <QCoreApplication>
+
+#include "simulator/application.h"
+#include "simulator/end_signals.h"
+
+int main(int argumentCount, char** arguments)
+{
+    const fxsim::ParsedOptions parsed = fxsim::parseOptions(argumentCount, arguments);
+    if (!parsed.runs)
+        return parsed.exitCode;
+    QCoreApplication loop(argumentCount, arguments);
+    const fxsim::EndSignals endSignals;
+    fxsim::Application application(parsed.options);
+    const int code = application.start();
+    if (code != fxsim::exitGood)
+        return code;
+    QCoreApplication::exec();
+    return application.finish();
+}

@@ -1,0 +1,70 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// The memory of the simulated PLC: 64 KiB of bytes under the addresses that frames carry. It knows
+// no registers: what a byte stands for is the business of whoever reads the wire. Some of the 64
+// KiB may be missing (ranges that the PLC does not have), and what a frame writes in one window can
+// show in a second one as well (mirrors). The frame server reads and writes here for the host;
+// programs, images and the control commands do so for the bench.
+
+#pragma once
+
+#include <QByteArray>
+#include <QVector>
+
+namespace fxsim {
+
+constexpr int addressableBytes = 0x10000;  // a frame carries four hex digits of address
+constexpr int bitsPerByte = 8;
+
+struct AddressRange
+{
+    int first = 0;
+    int last = 0;  // included
+};
+
+// What the host writes at `from` shows at `to` too; a mirror does not feed another one.
+struct MirrorWindow
+{
+    int from = 0;
+    int to = 0;
+    int byteCount = 0;
+};
+
+class PlcMemory
+{
+public:
+    PlcMemory();
+
+    void setPresent(const QVector<AddressRange>& ranges);
+    void setMissing(const QVector<AddressRange>& ranges);
+    void setMirrors(const QVector<MirrorWindow>& mirrors);
+
+    bool has(int address, int byteCount) const;
+
+    // The host's road: the caller has asked has() before; mirrors apply to writes.
+    QByteArray read(int address, int byteCount) const;
+    void write(int address, const QByteArray& bytes);
+    void forceBit(int bitAddress, bool on);
+
+    // The bench's road: programs, images and control commands reach every byte and bypass the
+    // mirrors.
+    quint8 byte(int address) const;
+    void setByte(int address, quint8 value);
+    bool bit(int address, int bitNumber) const;
+    void setBit(int address, int bitNumber, bool on);
+    quint32 value(int address, int byteCount) const;  // lowest byte first, 1 to 4 bytes
+    void setValue(int address, int byteCount, quint32 value);
+
+    const QByteArray& image() const { return m_bytes; }
+    void setImage(const QByteArray& image);
+
+private:
+    void mirrorByte(int address);
+
+    QByteArray m_bytes;
+    QVector<bool> m_present;
+    QVector<MirrorWindow> m_mirrors;
+};
+
+}  // namespace fxsim

@@ -1,0 +1,59 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// See serial_link.h.
+
+#include "simulator/serial_link.h"
+
+namespace fxsim {
+
+namespace {
+
+constexpr int unpluggedMs = 1000;
+
+}  // namespace
+
+SerialLink::SerialLink(Simulator& simulator, const Clock& clock, const QString& device, int baud)
+    : Link(simulator, clock), m_device(device)
+{
+    m_port.setPortName(device);
+    m_port.setBaudRate(baud);
+    m_port.setDataBits(QSerialPort::Data7);
+    m_port.setParity(QSerialPort::EvenParity);
+    m_port.setStopBits(QSerialPort::OneStop);
+    m_port.setFlowControl(QSerialPort::NoFlowControl);
+    connect(&m_port, &QSerialPort::readyRead, this, [this] { m_host->receive(m_port.readAll()); });
+    connect(&m_port, &QSerialPort::errorOccurred, this, &SerialLink::onError, Qt::QueuedConnection);
+}
+
+QString SerialLink::open()
+{
+    if (!m_port.open(QIODevice::ReadWrite))
+        return QStringLiteral("%1: %2").arg(m_device, m_port.errorString());
+    m_host = std::make_unique<HostConnection>(
+        simulator(), clock(), m_device.toLocal8Bit(), [this](const QByteArray& bytes) {
+            return bytes.size() - int(std::max<qint64>(0, m_port.write(bytes)));
+        });
+    m_host->session().setTiming({0, simulator().settings().timing.scanMs});
+    connect(m_host.get(), &HostConnection::linkTaken, this, &Link::drop, Qt::QueuedConnection);
+    return QString();
+}
+
+void SerialLink::close()
+{
+    m_port.close();
+    m_host.reset();
+}
+
+QString SerialLink::name() const
+{
+    return m_device;
+}
+
+void SerialLink::onError(QSerialPort::SerialPortError error)
+{
+    if (error == QSerialPort::ResourceError && m_port.isOpen())
+        drop(unpluggedMs);
+}
+
+}  // namespace fxsim

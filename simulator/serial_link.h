@@ -1,0 +1,35 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// A real serial port, seven data bits, even parity, one stop bit. The hardware paces the characters
+// here.
+
+#pragma once
+
+#include <QSerialPort>
+#include <memory>
+
+#include "simulator/link.h"
+
+namespace fxsim {
+
+class SerialLink : public Link
+{
+    Q_OBJECT
+
+public:
+    SerialLink(Simulator& simulator, const Clock& clock, const QString& device, int baud);
+
+    QString open() override;
+    void close() override;
+    QString name() const override;
+
+private:
+    void onError(QSerialPort::SerialPortError error);
+
+    QString m_device;
+    QSerialPort m_port;
+    std::unique_ptr<HostConnection> m_host;
+};
+
+}  // namespace fxsim
