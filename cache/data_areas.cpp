@@ -13,36 +13,6 @@ namespace {
 constexpr int bitsInInt = 32;
 constexpr int wordIsMonitored = 1;  // bit 0 of monitorFlags
 
-_DATA_ newArea(int stationNo, const QString& registerType, int startIndex)
-{
-    _DATA_ area;
-    area.stationNo = stationNo;
-    area.registerType = registerType;
-    area.startIndex = startIndex;
-    return area;
-}
-
-// For lists other than the driver's own, which has an index.
-int scanForArea(const QList<_DATA_>& areas, int stationNo, const QString& registerType,
-                int startIndex)
-{
-    for (int position = 0; position < areas.size(); ++position) {
-        const _DATA_& area = areas.at(position);
-        if (area.stationNo == stationNo && area.registerType == registerType &&
-            area.startIndex == startIndex)
-            return position;
-    }
-    return -1;
-}
-
-int findOrCreate(int stationNo, const QString& registerType, int startIndex)
-{
-    const int found = driver.areaIndex.find(driver.dataAreas, stationNo, registerType, startIndex);
-    if (found >= 0)
-        return found;
-    return driver.areaIndex.append(driver.dataAreas, newArea(stationNo, registerType, startIndex));
-}
-
 void markElement(const RegisterType& type, int position, int address)
 {
     const _DATA_& area = driver.dataAreas.at(position);
@@ -67,12 +37,8 @@ int upToLargestInt(int startIndex, int count)
 int getIndexOfDataArea(int stationNo, QString registerType, int startIndex, QList<_DATA_>& areas)
 {
     if (&areas == &driver.dataAreas)
-        return findOrCreate(stationNo, registerType, startIndex);
-    const int found = scanForArea(areas, stationNo, registerType, startIndex);
-    if (found >= 0)
-        return found;
-    areas.append(newArea(stationNo, registerType, startIndex));
-    return static_cast<int>(areas.size()) - 1;
+        return AreaFinder(stationNo, registerType).position(startIndex);
+    return AreaIndex().findOrAppend(areas, stationNo, registerType, startIndex);
 }
 
 int _setBitValue(int value, int bit, int on)
@@ -87,16 +53,6 @@ int _setBitValue(int value, int bit, int on)
 bool isBitSet(int value, int bit)
 {
     return bit >= 0 && bit < bitsInInt && ((static_cast<unsigned int>(value) >> bit) & 1U) != 0;
-}
-
-int areaPositionAt(int stationNo, const RegisterType& type, int startIndex)
-{
-    return findOrCreate(stationNo, registerTypeName(type), startIndex);
-}
-
-int areaPosition(int stationNo, const RegisterType& type, int address)
-{
-    return areaPositionAt(stationNo, type, isBit(type) ? bitAreaStart(address) : address);
 }
 
 const unsigned char* currentValue(const _DATA_& area)
@@ -119,10 +75,11 @@ int _setDataAreaMonitorFlag(int stationNo, QString registerType, int startIndex,
     const RegisterType* type = findRegisterType(registerType);
     if (type == nullptr)
         return 0;
+    const AreaFinder finder(stationNo, registerTypeName(*type));
     const int elements = servedElements(*type, startIndex, count);
     for (int i = 0; i < elements; ++i) {
         const int address = startIndex + i;
-        markElement(*type, areaPosition(stationNo, *type, address), address);
+        markElement(*type, finder.position(areaStart(*type, address)), address);
     }
     return 0;
 }

@@ -37,10 +37,33 @@ constexpr int bitInArea(int address)
     return address % bitsPerArea;
 }
 
-// Position in the driver's cache of the area that starts at `startIndex`, aligned or not, and of
-// the one that holds the element numbered `address`. Both create what is missing.
-int areaPositionAt(int stationNo, const RegisterType& type, int startIndex);
-int areaPosition(int stationNo, const RegisterType& type, int address);
+// Start of the area that holds the element numbered `address`.
+constexpr int areaStart(const RegisterType& type, int address)
+{
+    return isBit(type) ? bitAreaStart(address) : address;
+}
+
+// Finds the areas of one station and register type in the driver's cache, creating those that are
+// missing. A position holds until the next callback only: the host may add areas from inside it.
+class AreaFinder
+{
+public:
+    AreaFinder(int stationNo, const QString& registerType)
+        : m_stationNo(stationNo), m_registerType(registerType)
+    {}
+
+    // The area that starts at `startIndex`, aligned or not.
+    int position(int startIndex) const
+    {
+        return driver.areaIndex.findOrAppend(driver.dataAreas, m_stationNo, m_registerType,
+                                             startIndex);
+    }
+    const _DATA_& area(int startIndex) const { return driver.dataAreas.at(position(startIndex)); }
+
+private:
+    int m_stationNo;
+    const QString& m_registerType;
+};
 
 // The bytes that a reader sees: what the host wrote, while that is not confirmed, else what the
 // PLC holds.

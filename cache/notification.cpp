@@ -9,28 +9,22 @@
 
 namespace {
 
-const _DATA_& areaOf(int stationNo, const QString& registerType, int startIndex)
-{
-    return driver.dataAreas.at(
-        getIndexOfDataArea(stationNo, registerType, startIndex, driver.dataAreas));
-}
-
 void notifyWord(int stationNo, const QString& registerType, int address)
 {
-    if (isBitSet(areaOf(stationNo, registerType, address).monitorFlags, 0))
+    if (isBitSet(AreaFinder(stationNo, registerType).area(address).monitorFlags, 0))
         callHost(driver.linkNo, stationNo, registerType, address);
 }
 
 void notifyBit(int stationNo, const QString& registerType, int address)
 {
-    const int marks = areaOf(stationNo, registerType, bitAreaStart(address)).changeFlags;
+    const int marks = AreaFinder(stationNo, registerType).area(bitAreaStart(address)).changeFlags;
     if (isBitSet(marks, bitInArea(address)))
         callHost(driver.linkNo, stationNo, registerType, address);
 }
 
 void notifyByte(int stationNo, const QString& registerType, int address, int changedBits)
 {
-    const int marks = areaOf(stationNo, registerType, bitAreaStart(address)).changeFlags;
+    const int marks = AreaFinder(stationNo, registerType).area(bitAreaStart(address)).changeFlags;
     for (int bit = 0; bit < bitsPerArea; ++bit) {
         if (isBitSet(marks & changedBits, bit))
             callHost(driver.linkNo, stationNo, registerType,
@@ -61,6 +55,8 @@ void _OnlyOneDataTypeDataChange(int stationNo, QString registerType, int address
 
 void notifyElement(int stationNo, const RegisterType& type, int address)
 {
-    _OnlyOneDataTypeDataChange(stationNo, registerTypeName(type), address, isBit(type) ? 1 : 0, 0,
-                               0, 0);
+    if (isBit(type))
+        notifyBit(stationNo, registerTypeName(type), address);
+    else
+        notifyWord(stationNo, registerTypeName(type), address);
 }

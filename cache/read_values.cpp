@@ -9,24 +9,20 @@
 
 namespace {
 
-void copyBits(int stationNo, const RegisterType& type, int startIndex, int bitCount,
-              unsigned char* out)
+void copyBits(const AreaFinder& finder, int startIndex, int bitCount, unsigned char* out)
 {
     for (int i = 0; i < bitCount; ++i) {
         const int address = startIndex + i;
-        const _DATA_& area = driver.dataAreas.at(areaPosition(stationNo, type, address));
+        const _DATA_& area = finder.area(bitAreaStart(address));
         out[i] = isBitSet(currentValue(area)[0], bitInArea(address)) ? 1 : 0;
     }
 }
 
-void copyValues(int stationNo, const RegisterType& type, int startIndex, int elements,
-                unsigned char* out)
+template <std::size_t valueBytes>
+void copyValues(const AreaFinder& finder, int startIndex, int elements, unsigned char* out)
 {
-    const int elementBytes = valueBytes(type);
-    for (int i = 0; i < elements; ++i, out += elementBytes) {
-        const _DATA_& area = driver.dataAreas.at(areaPosition(stationNo, type, startIndex + i));
-        std::memcpy(out, currentValue(area), static_cast<std::size_t>(elementBytes));
-    }
+    for (int i = 0; i < elements; ++i, out += valueBytes)
+        std::memcpy(out, currentValue(finder.area(startIndex + i)), valueBytes);
 }
 
 }  // namespace
@@ -36,10 +32,18 @@ int intf_getData(int stationNo, QString registerType, int startIndex, int count,
     const RegisterType* type = findRegisterType(registerType);
     if (type == nullptr || out == nullptr)
         return 1;
+    const AreaFinder finder(stationNo, registerTypeName(*type));
     const int elements = servedElements(*type, startIndex, count);
-    if (isBit(*type))
-        copyBits(stationNo, *type, startIndex, elements, out);
-    else
-        copyValues(stationNo, *type, startIndex, elements, out);
+    switch (type->kind) {
+    case RegisterKind::Bit:
+        copyBits(finder, startIndex, elements, out);
+        break;
+    case RegisterKind::Word:
+        copyValues<2>(finder, startIndex, elements, out);
+        break;
+    case RegisterKind::DoubleWord:
+        copyValues<4>(finder, startIndex, elements, out);
+        break;
+    }
     return 1;
 }

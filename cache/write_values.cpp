@@ -89,12 +89,14 @@ bool differs(const RegisterType& type, const _DATA_& area, const MirroredValue& 
 
 void mirrorElement(int stationNo, const RegisterType& type, int address, const unsigned char* data)
 {
-    const _DATA_& area = driver.dataAreas.at(areaPosition(stationNo, type, address));
+    const AreaFinder finder(stationNo, registerTypeName(type));
+    const int start = areaStart(type, address);
+    const _DATA_& area = finder.area(start);
     if (differs(type, area, mirrored(type, area, address, data)))
         notifyElement(stationNo, type, address);
 
     // Found and made up again: the host may have written a neighbouring bit meanwhile.
-    const int position = areaPosition(stationNo, type, address);
+    const int position = finder.position(start);
     const MirroredValue value = mirrored(type, driver.dataAreas.at(position), address, data);
     const AreaIndex::Edit edit(driver.areaIndex, driver.dataAreas);
     _DATA_& mirror = driver.dataAreas[position];
@@ -104,7 +106,8 @@ void mirrorElement(int stationNo, const RegisterType& type, int address, const u
 
 void endElement(int stationNo, const RegisterType& type, int address, bool isConfirmed)
 {
-    const int position = areaPosition(stationNo, type, address);
+    const int position =
+        AreaFinder(stationNo, registerTypeName(type)).position(areaStart(type, address));
     {
         const AreaIndex::Edit edit(driver.areaIndex, driver.dataAreas);
         _DATA_& area = driver.dataAreas[position];

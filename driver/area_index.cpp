@@ -10,17 +10,6 @@ namespace {
 
 constexpr int fewestSlots = 16;  // a power of two, as every number of slots is
 
-bool isSameText(const QString& a, const QString& b)
-{
-    return a.constData() == b.constData() || a == b;  // areas of one type share their text
-}
-
-bool hasKey(const _DATA_& area, int stationNo, const QString& registerType, int startIndex)
-{
-    return area.startIndex == startIndex && area.stationNo == stationNo &&
-           isSameText(area.registerType, registerType);
-}
-
 // The first and last character tell all register types apart.
 unsigned int hashText(const QString& text)
 {
@@ -38,35 +27,34 @@ unsigned int hashKey(int stationNo, const QString& registerType, int startIndex)
 
 }  // namespace
 
-int AreaIndex::find(const QList<_DATA_>& areas, int stationNo, const QString& registerType,
-                    int startIndex)
+int AreaIndex::findByHash(QList<_DATA_>& areas, int stationNo, const QString& registerType,
+                          int startIndex)
 {
-    if (!areas.isSharedWith(m_witness))
+    if (m_slots.isEmpty() || !areas.isSharedWith(m_witness))
         rebuild(areas);
-    if (m_keysAreUnique) {
-        const int nearbyEnd = qMin(m_lastFound + 2, static_cast<int>(areas.size()));
-        for (int position = m_lastFound; position < nearbyEnd; ++position) {
-            if (hasKey(areas.at(position), stationNo, registerType, startIndex))
-                return m_lastFound = position;
-        }
-    }
-    const int position =
-        m_slots.isEmpty() ? -1 : m_slots.at(slotOf(areas, stationNo, registerType, startIndex)) - 1;
+    const int slot = slotOf(areas, stationNo, registerType, startIndex);
+    const int position = m_slots.at(slot) - 1;
     if (position >= 0)
-        m_lastFound = position;
-    return position;
+        return position;
+    _DATA_ area;
+    area.stationNo = stationNo;
+    area.registerType = registerType;
+    area.startIndex = startIndex;
+    return append(areas, slot, area);
 }
 
-int AreaIndex::append(QList<_DATA_>& areas, const _DATA_& area)
+int AreaIndex::append(QList<_DATA_>& areas, int slot, const _DATA_& area)
 {
     const int position = static_cast<int>(areas.size());
     {
         const Edit edit(*this, areas);
         areas.append(area);
     }
-    if (areas.isSharedWith(m_witness))
-        insert(areas, position);
-    m_lastFound = position;
+    const qint64 areaCount = static_cast<qint64>(position) + 1;
+    if (2 * areaCount > m_slots.size())
+        rebuild(areas);
+    else
+        m_slots[slot] = position + 1;
     return position;
 }
 
@@ -84,26 +72,6 @@ int AreaIndex::slotOf(const QList<_DATA_>& areas, int stationNo, const QString& 
     return static_cast<int>(slot);
 }
 
-void AreaIndex::insert(const QList<_DATA_>& areas, int position)
-{
-    const qint64 areasWithThis = static_cast<qint64>(position) + 1;
-    if (2 * areasWithThis > m_slots.size()) {
-        rebuild(areas);
-        return;
-    }
-    place(areas, position);
-}
-
-void AreaIndex::place(const QList<_DATA_>& areas, int position)
-{
-    const _DATA_& area = areas.at(position);
-    int& slot = m_slots[slotOf(areas, area.stationNo, area.registerType, area.startIndex)];
-    if (slot != 0)
-        m_keysAreUnique = false;  // an earlier area answers for this key
-    else
-        slot = position + 1;
-}
-
 void AreaIndex::rebuild(const QList<_DATA_>& areas)
 {
     const int areaCount = static_cast<int>(areas.size());
@@ -113,8 +81,14 @@ void AreaIndex::rebuild(const QList<_DATA_>& areas)
     m_slots = QVector<int>(slotCount, 0);
     m_keysAreUnique = true;
     m_lastFound = 0;
-    for (int position = 0; position < areaCount; ++position)
-        place(areas, position);
+    for (int position = 0; position < areaCount; ++position) {
+        const _DATA_& area = areas.at(position);
+        int& slot = m_slots[slotOf(areas, area.stationNo, area.registerType, area.startIndex)];
+        if (slot == 0)
+            slot = position + 1;
+        else
+            m_keysAreUnique = false;  // an earlier area answers for this key
+    }
     m_witness = areas;
 }
 

@@ -17,12 +17,19 @@
 class AreaIndex
 {
 public:
-    // Position of the first area with that key, -1 when there is none.
-    int find(const QList<_DATA_>& areas, int stationNo, const QString& registerType,
-             int startIndex);
-
-    // Appends `area`, whose key no area has yet, and returns its position.
-    int append(QList<_DATA_>& areas, const _DATA_& area);
+    // Position of the first area with that key; a missing one is appended, all zero.
+    int findOrAppend(QList<_DATA_>& areas, int stationNo, const QString& registerType,
+                     int startIndex)
+    {
+        if (m_keysAreUnique && areas.isSharedWith(m_witness)) {
+            const int nearbyEnd = qMin(m_lastFound + 2, static_cast<int>(areas.size()));
+            for (int position = m_lastFound; position < nearbyEnd; ++position) {
+                if (hasKey(areas.at(position), stationNo, registerType, startIndex))
+                    return m_lastFound = position;
+            }
+        }
+        return m_lastFound = findByHash(areas, stationNo, registerType, startIndex);
+    }
 
     // Lets `areas` be written to in place while it lives. Keys must stay as they are.
     class Edit
@@ -40,10 +47,22 @@ public:
     };
 
 private:
+    static bool isSameText(const QString& a, const QString& b)
+    {
+        return a.constData() == b.constData() || a == b;  // areas of one type share their text
+    }
+    static bool hasKey(const _DATA_& area, int stationNo, const QString& registerType,
+                       int startIndex)
+    {
+        return area.startIndex == startIndex && area.stationNo == stationNo &&
+               isSameText(area.registerType, registerType);
+    }
+
+    int findByHash(QList<_DATA_>& areas, int stationNo, const QString& registerType,
+                   int startIndex);
     int slotOf(const QList<_DATA_>& areas, int stationNo, const QString& registerType,
                int startIndex) const;
-    void insert(const QList<_DATA_>& areas, int position);
-    void place(const QList<_DATA_>& areas, int position);
+    int append(QList<_DATA_>& areas, int slot, const _DATA_& area);
     void rebuild(const QList<_DATA_>& areas);
 
     QVector<int> m_slots;  // area position + 1 by hash of its key; 0 = free; never over half full

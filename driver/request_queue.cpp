@@ -7,8 +7,8 @@
 
 bool isSameRequest(const VARIABLE& a, const VARIABLE& b)
 {
-    return a.stationNo == b.stationNo && a.registerType == b.registerType &&
-           a.addressIndex == b.addressIndex && a.count == b.count;
+    return a.addressIndex == b.addressIndex && a.count == b.count && a.stationNo == b.stationNo &&
+           a.registerType == b.registerType;  // the text last: it costs most
 }
 
 void enqueueRequest(QList<VARIABLE>& queue, const VARIABLE& request)

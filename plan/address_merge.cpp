@@ -9,6 +9,7 @@
 #include "plan/pieces.h"
 
 #include <algorithm>
+#include <map>
 #include <tuple>
 #include <vector>
 
@@ -17,48 +18,60 @@ namespace {
 constexpr int planTag = 4;  // the number of a cyclic read, as OperationKind gives it
 constexpr int unpolledStation = 0;
 
-// A piece of a key, and later a block of the plan. `count` is bits or words of a piece; bytes of
-// eight bits, or words, of a block.
-struct PlanEntry
+// What one frame could read of one key. `count` is in bits or words.
+struct Piece
+{
+    int addressIndex;
+    int count;
+};
+
+// Pieces are merged only with their own type and station; the plan lists these groups in order.
+struct Group
 {
     const RegisterType* type;
     int stationNo;
-    int addressIndex;
-    int count;
-    std::size_t sequence;  // the order in which pieces were cut
 };
 
-// By type and station, then by address; of equal addresses the piece that was cut last comes first.
-bool isPolledBefore(const PlanEntry& a, const PlanEntry& b)
+bool operator<(const Group& a, const Group& b)
 {
-    return std::tie(a.type->planOrder, a.stationNo, a.addressIndex, b.sequence) <
-           std::tie(b.type->planOrder, b.stationNo, b.addressIndex, a.sequence);
+    return std::tie(a.type->planOrder, a.stationNo) < std::tie(b.type->planOrder, b.stationNo);
 }
 
-bool isSameGroup(const PlanEntry& a, const PlanEntry& b)
+using PieceMap = std::map<Group, std::vector<Piece>>;
+
+// One read request of the plan. `count` is in bytes of eight bits, or in words.
+struct Block
 {
-    return a.type == b.type && a.stationNo == b.stationNo;
+    Group group;
+    int addressIndex;
+    int count;
+};
+
+int requestLimit(const RegisterType& type)
+{
+    return isBit(type) ? bitsPerRequest() : wordsPerRequest();
 }
 
-void appendPieces(const KEY_ADDRESS& key, std::vector<PlanEntry>& pieces)
+void filePieces(const KEY_ADDRESS& key, PieceMap& pieces)
 {
     const RegisterType* type = findRegisterType(key.registerType);
     if (key.stationNo == unpolledStation || type == nullptr)
         return;
-    const int limit = isBit(*type) ? bitsPerRequest() : wordsPerRequest();
-    const PieceCutter cutter(key.startIndex, key.length, limit);
+    const PieceCutter cutter(key.startIndex, key.length, requestLimit(*type));
+    if (cutter.pieceCount() == 0)
+        return;
+    std::vector<Piece>& group = pieces[{type, key.stationNo}];
     for (int i = 0; i < cutter.pieceCount(); ++i)
-        pieces.push_back({type, key.stationNo, cutter.start(i), cutter.length(i), pieces.size()});
+        group.push_back({cutter.start(i), cutter.length(i)});
 }
 
-std::vector<PlanEntry> sortedPieces(const QList<KEY_ADDRESS>& keys)
+// By address; of equal addresses the piece that was cut last comes first.
+void sortPieces(std::vector<Piece>& pieces)
 {
-    std::vector<PlanEntry> pieces;
-    pieces.reserve(static_cast<std::size_t>(keys.size()));
-    for (const KEY_ADDRESS& key : keys)
-        appendPieces(key, pieces);
-    std::sort(pieces.begin(), pieces.end(), isPolledBefore);
-    return pieces;
+    std::reverse(pieces.begin(), pieces.end());
+    std::stable_sort(pieces.begin(), pieces.end(), [](const Piece& a, const Piece& b) {
+        return a.addressIndex < b.addressIndex;
+    });
 }
 
 qint64 bytesOfBits(qint64 bits)
@@ -66,63 +79,81 @@ qint64 bytesOfBits(qint64 bits)
     return bits / bitsPerArea + (bits % bitsPerArea != 0 ? 1 : 0);
 }
 
-// A bit piece in whole bytes. Its byte count comes from its own count alone, not from where it
-// starts within its first byte: M5 with 8 bits reads M0 to M7.
-PlanEntry inBytes(PlanEntry piece)
+// A bit piece opens a block of whole bytes. Their number comes from its own count alone, not from
+// where it starts within its first byte: M5 with 8 bits reads M0 to M7.
+Block openBlock(const Group& group, const Piece& piece)
 {
-    piece.addressIndex = bitAreaStart(piece.addressIndex);
-    piece.count = static_cast<int>(bytesOfBits(piece.count));
-    return piece;
+    if (!isBit(*group.type))
+        return {group, piece.addressIndex, piece.count};
+    return {group, bitAreaStart(piece.addressIndex), static_cast<int>(bytesOfBits(piece.count))};
 }
 
 // Stretches `block` to the end of `next` when that fits a frame. False: `next` opens a new block.
-bool joins(PlanEntry& block, const PlanEntry& next)
+bool joins(Block& block, const Block& next)
 {
-    const bool bits = isBit(*next.type);
-    const qint64 elementsPerCount = bits ? bitsPerArea : 1;
-    const qint64 limit = bits ? bitsPerRequest() : wordsPerRequest();
+    const RegisterType& type = *block.group.type;
+    const qint64 elementsPerCount = isBit(type) ? bitsPerArea : 1;
     const qint64 end = next.addressIndex + elementsPerCount * next.count;
     if (end <= block.addressIndex + elementsPerCount * block.count)
         return true;  // already covered
     const qint64 span = end - block.addressIndex;
-    if (span > limit)
+    if (span > requestLimit(type))
         return false;
-    block.count = static_cast<int>(bits ? bytesOfBits(span) : span);
+    block.count = static_cast<int>(isBit(type) ? bytesOfBits(span) : span);
     return true;
 }
 
-std::vector<PlanEntry> mergedBlocks(const std::vector<PlanEntry>& pieces)
+// Only the block opened last can grow; there is no limit on the gap that it bridges.
+void mergeGroup(const Group& group, const std::vector<Piece>& pieces, std::vector<Block>& blocks)
 {
-    std::vector<PlanEntry> blocks;
-    for (const PlanEntry& piece : pieces) {
-        const PlanEntry next = isBit(*piece.type) ? inBytes(piece) : piece;
-        if (blocks.empty() || !isSameGroup(blocks.back(), next) || !joins(blocks.back(), next))
+    const std::size_t firstOfGroup = blocks.size();
+    for (const Piece& piece : pieces) {
+        const Block next = openBlock(group, piece);
+        if (blocks.size() == firstOfGroup || !joins(blocks.back(), next))
             blocks.push_back(next);
     }
-    return blocks;
 }
 
-VARIABLE readRequest(const PlanEntry& block)
+void fillRequest(VARIABLE& request, const Block& block)
 {
-    VARIABLE request;
     request.tag = planTag;
-    request.stationNo = block.stationNo;
-    request.registerType = registerTypeName(*block.type);
+    request.stationNo = block.group.stationNo;
+    request.registerType = registerTypeName(*block.group.type);
     request.addressIndex = block.addressIndex;
     request.count = block.count;
-    return request;
+}
+
+// Requests of the old plan are filled anew where they lie: at a kilobyte each, giving them back and
+// taking them again would cost most of a merge. Their data has no meaning for a read.
+void replacePlan(const std::vector<Block>& blocks)
+{
+    QList<VARIABLE>& plan = driver.readList;
+    const int blockCount = static_cast<int>(blocks.size());
+    if (plan.size() > blockCount)
+        plan.erase(plan.begin() + blockCount, plan.end());
+    plan.reserve(blockCount);
+    while (plan.size() < blockCount)
+        plan.append(VARIABLE());
+    for (int i = 0; i < blockCount; ++i)
+        fillRequest(plan[i], blocks[static_cast<std::size_t>(i)]);
 }
 
 }  // namespace
 
 int intf_addrMerge(QList<KEY_ADDRESS>& keys)
 {
-    clearMonitorFlags();
     const QList<KEY_ADDRESS>& monitored = keys;
-    for (const KEY_ADDRESS& key : monitored)
+    PieceMap pieces;
+    clearMonitorFlags();
+    for (const KEY_ADDRESS& key : monitored) {
         _setDataAreaMonitorFlag(key.stationNo, key.registerType, key.startIndex, key.length);
-    driver.readList.clear();
-    for (const PlanEntry& block : mergedBlocks(sortedPieces(monitored)))
-        driver.readList.append(readRequest(block));
+        filePieces(key, pieces);
+    }
+    std::vector<Block> blocks;
+    for (auto& group : pieces) {
+        sortPieces(group.second);
+        mergeGroup(group.first, group.second, blocks);
+    }
+    replacePlan(blocks);
     return static_cast<int>(driver.readList.size());
 }

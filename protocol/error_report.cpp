@@ -8,13 +8,19 @@
 #include "address/register_types.h"
 #include "driver/mitsubishi_fx1s.h"
 
+#include <charconv>
+
 namespace {
 
-QString addressText(const VARIABLE& request)
+constexpr int longestNumber = 11;  // "-2147483648", or eleven octal digits
+
+// Writes `number` and then `end`; returns where the next character goes.
+template <typename Number>
+char* putNumber(char* next, Number number, int base, char end)
 {
-    const RegisterType* type = findRegisterType(request.registerType);
-    const int numberBase = type == nullptr ? 10 : type->numberBase;
-    return QString::number(static_cast<uint>(request.addressIndex), numberBase);
+    next = std::to_chars(next, next + longestNumber, number, base).ptr;
+    *next = end;
+    return next + 1;
 }
 
 }  // namespace
@@ -24,10 +30,23 @@ QString getErrorInfo(QByteArray reply)
     if (driver.frames.isEmpty())
         return QString();
     const VARIABLE& request = driver.frames.at(0).variable;
-    return QString::fromLatin1("%1#%2%3(%4)(%5)")
-        .arg(request.stationNo)
-        .arg(request.registerType)
-        .arg(addressText(request))
-        .arg(request.count)
-        .arg(reply.size());
+    const RegisterType* type = findRegisterType(request.registerType);
+    const int numberBase = type == nullptr ? 10 : type->numberBase;
+
+    char station[longestNumber + 2];  // "1#"
+    *putNumber(station, request.stationNo, 10, '#') = '\0';
+    char numbers[3 * (longestNumber + 1) + 3];  // "100(2)(0)"
+    char* next =
+        putNumber(numbers, static_cast<unsigned int>(request.addressIndex), numberBase, '(');
+    next = putNumber(next, request.count, 10, ')');
+    *next++ = '(';
+    *putNumber(next, static_cast<int>(reply.size()), 10, ')') = '\0';
+
+    QString text;
+    text.reserve(static_cast<int>(sizeof station + sizeof numbers) +
+                 static_cast<int>(request.registerType.size()));
+    text += QLatin1String(station);
+    text += request.registerType;
+    text += QLatin1String(numbers);
+    return text;
 }

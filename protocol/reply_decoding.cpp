@@ -13,13 +13,9 @@
 #include "protocol/frame_format.h"
 
 #include <algorithm>
+#include <array>
 
 namespace {
-
-struct Value
-{
-    unsigned char bytes[4];
-};
 
 // Lower-case digits decode like upper-case ones, anything else to some digit: a reply that passed
 // its sum is taken as it is.
@@ -31,6 +27,17 @@ constexpr unsigned int nibble(unsigned int character)
         return character - 0x30;
     return (character - 0x37) % 16;
 }
+
+constexpr std::array<unsigned char, 256> makeNibbles()
+{
+    std::array<unsigned char, 256> nibbles = {};
+    for (std::size_t character = 0; character < nibbles.size(); ++character)
+        nibbles[character] =
+            static_cast<unsigned char>(nibble(static_cast<unsigned int>(character)));
+    return nibbles;
+}
+
+constexpr std::array<unsigned char, 256> nibbles = makeNibbles();
 
 class ReplyReader
 {
@@ -47,7 +54,7 @@ public:
 private:
     unsigned int nibbleAt(int position) const
     {
-        return position < m_length ? nibble(m_reply[position]) : 0;
+        return position < m_length ? nibbles[m_reply[position]] : 0U;
     }
 
     const unsigned char* m_reply;
@@ -55,7 +62,7 @@ private:
 };
 
 // Start of area `k` of a run; false past the largest number.
-bool areaStart(const ReadRange& range, int k, int& startIndex)
+bool startOfArea(const ReadRange& range, int k, int& startIndex)
 {
     const qint64 step = isBit(*range.type) ? bitsPerArea : 1;
     const qint64 start = range.addressIndex + step * k;
@@ -63,33 +70,31 @@ bool areaStart(const ReadRange& range, int k, int& startIndex)
     return start <= largestInt;
 }
 
-void notifyRead(int stationNo, const RegisterType& type, int startIndex, unsigned char newBits)
+// Stores one value; true when it changed.
+template <std::size_t valueBytes>
+bool storeValue(int position, const unsigned char* value)
 {
-    // A bit area hands over the new byte as the old one too: bits that change in the PLC are not
-    // reported, the host learns them by reading.
-    _OnlyOneDataTypeDataChange(stationNo, registerTypeName(type), startIndex, isBit(type) ? 1 : 0,
-                               isBit(type) ? newBits : 0, isBit(type) ? newBits : 0,
-                               isBit(type) ? 1 : 0);
+    const _DATA_& stored = driver.dataAreas.at(position);
+    const bool isChanged = !std::equal(value, value + valueBytes, stored.valueBuffer0);
+    if (!isChanged && stored.flag0 == 0)
+        return false;
+    const AreaIndex::Edit edit(driver.areaIndex, driver.dataAreas);
+    _DATA_& area = driver.dataAreas[position];
+    area.flag0 = 0;
+    std::copy(value, value + valueBytes, area.valueBuffer0);
+    if (isChanged)
+        area.bufferSelect = 0;  // the PLC's value replaces a write that waits
+    return isChanged;
 }
 
-void storeValue(int stationNo, const RegisterType& type, int startIndex, const Value& value)
+void notifyRead(const ReadRange& range, int startIndex, unsigned char newBits)
 {
-    const int position = areaPositionAt(stationNo, type, startIndex);
-    const _DATA_& stored = driver.dataAreas.at(position);
-    const int byteCount = valueBytes(type);
-    const bool isChanged = !std::equal(value.bytes, value.bytes + byteCount, stored.valueBuffer0);
-    if (!isChanged && stored.flag0 == 0)
-        return;
-    {
-        const AreaIndex::Edit edit(driver.areaIndex, driver.dataAreas);
-        _DATA_& area = driver.dataAreas[position];
-        area.flag0 = 0;
-        std::copy(value.bytes, value.bytes + byteCount, area.valueBuffer0);
-        if (isChanged)
-            area.bufferSelect = 0;  // the PLC's value replaces a write that waits
-    }
-    if (isChanged)
-        notifyRead(stationNo, type, startIndex, value.bytes[0]);
+    if (!isBit(*range.type))
+        return notifyElement(range.stationNo, *range.type, startIndex);
+    // The new byte is handed over as the old one too: bits that change in the PLC are not
+    // reported, the host learns them by reading.
+    _OnlyOneDataTypeDataChange(range.stationNo, registerTypeName(*range.type), startIndex, 1,
+                               newBits, newBits, 1);
 }
 
 // First recipe word that the upload in progress fills; none when there is no upload, or when its
@@ -102,6 +107,29 @@ bool uploadTarget(qint64& recipeWord)
         return false;
     recipeWord = driver.recipeVars.at(index).recipeWordOffset;
     return true;
+}
+
+template <std::size_t valueBytes>
+void storeValues(const ReadRange& range, const ReplyReader& reader)
+{
+    const AreaFinder finder(range.stationNo, registerTypeName(*range.type));
+    const int areaCount = range.dataChars / (charsPerByte * static_cast<int>(valueBytes));
+    qint64 recipeWord = 0;
+    const bool isUpload = valueBytes >= bytesPerWord && uploadTarget(recipeWord);
+
+    int startIndex = 0;
+    int characters = range.dataStart;
+    for (int k = 0; k < areaCount && startOfArea(range, k, startIndex); ++k) {
+        unsigned char value[valueBytes];
+        for (unsigned char& byte : value) {
+            byte = reader.byteAt(characters);
+            characters += charsPerByte;
+        }
+        if (storeValue<valueBytes>(finder.position(startIndex), value))
+            notifyRead(range, startIndex, value[0]);
+        for (std::size_t i = 0; isUpload && i < valueBytes; i += bytesPerWord)
+            storeRecipeWord(recipeWord++, value + i);
+    }
 }
 
 }  // namespace
@@ -117,19 +145,13 @@ void storeReply(const ReadRange& range, const QByteArray& reply)
     if (range.type == nullptr)
         return;
     const ReplyReader reader(reply);
-    const int byteCount = valueBytes(*range.type);
-    const int areaCount = range.dataChars / (charsPerByte * byteCount);
-    qint64 recipeWord = 0;
-    const bool isUpload = uploadTarget(recipeWord) && !isBit(*range.type);
-
-    int startIndex = 0;
-    for (int k = 0; k < areaCount && areaStart(range, k, startIndex); ++k) {
-        Value value = {};
-        for (int i = 0; i < byteCount; ++i)
-            value.bytes[i] = reader.byteAt(range.dataStart + charsPerByte * (k * byteCount + i));
-        storeValue(range.stationNo, *range.type, startIndex, value);
-        for (int i = 0; isUpload && i < byteCount; i += bytesPerWord)
-            storeRecipeWord(recipeWord++, value.bytes + i);
+    switch (range.type->kind) {
+    case RegisterKind::Bit:
+        return storeValues<1>(range, reader);
+    case RegisterKind::Word:
+        return storeValues<2>(range, reader);
+    case RegisterKind::DoubleWord:
+        return storeValues<4>(range, reader);
     }
 }
 
@@ -137,10 +159,11 @@ void markStale(const ReadRange& range)
 {
     if (range.type == nullptr)
         return;
+    const AreaFinder finder(range.stationNo, registerTypeName(*range.type));
     const int areaCount = isBit(*range.type) ? range.dataChars : range.dataChars / charsPerByte;
     int startIndex = 0;
-    for (int k = 0; k < areaCount && areaStart(range, k, startIndex); ++k) {
-        const int position = areaPositionAt(range.stationNo, *range.type, startIndex);
+    for (int k = 0; k < areaCount && startOfArea(range, k, startIndex); ++k) {
+        const int position = finder.position(startIndex);
         const AreaIndex::Edit edit(driver.areaIndex, driver.dataAreas);
         driver.dataAreas[position].flag0 = 1;
     }
