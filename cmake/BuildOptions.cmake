@@ -1,7 +1,8 @@
 # SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 # SPDX-License-Identifier: MIT
 #
-# fx_warnings: the compiler's warnings, sanitizers and coverage, for every target of the project.
+# fx_warnings: the compiler's warnings, for every target of the project; fx_hardening: what makes
+# the built objects hard to abuse; and, for whole builds, sanitizers and coverage.
 
 add_library(fx_warnings INTERFACE)
 target_compile_options(fx_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
@@ -9,6 +10,16 @@ target_compile_options(fx_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -
     -Wformat=2 -Wundef)
 if(FX_WARNINGS_AS_ERRORS)
     target_compile_options(fx_warnings INTERFACE -Werror)
+endif()
+
+add_library(fx_hardening INTERFACE)
+target_compile_options(fx_hardening INTERFACE -fstack-protector-strong)
+target_link_options(fx_hardening INTERFACE -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
+if(NOT FX_SANITIZE)
+    # A sanitizer brings checks of its own, and symbols that only the program defines.
+    target_compile_options(fx_hardening INTERFACE
+        $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
+    target_link_options(fx_hardening INTERFACE -Wl,-z,defs)
 endif()
 
 if(FX_SANITIZE)

@@ -29,12 +29,13 @@ add_library(fx_driver_objects OBJECT
     protocol/reply_handling.cpp
     protocol/send_scheduling.cpp)
 target_include_directories(fx_driver_objects PUBLIC ${PROJECT_SOURCE_DIR})
-target_link_libraries(fx_driver_objects PUBLIC fx_qt_core PRIVATE fx_warnings)
+target_link_libraries(fx_driver_objects PUBLIC fx_qt_core
+                      PRIVATE fx_warnings fx_hardening)
 set_target_properties(fx_driver_objects PROPERTIES
     CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
 
 add_library(mitsubishi_fx1s SHARED)
-target_link_libraries(mitsubishi_fx1s PRIVATE fx_driver_objects)
+target_link_libraries(mitsubishi_fx1s PRIVATE fx_driver_objects fx_hardening)
 target_include_directories(mitsubishi_fx1s INTERFACE ${PROJECT_SOURCE_DIR}/driver)
 set(export_list ${PROJECT_SOURCE_DIR}/cmake/exports.map)
 target_link_options(mitsubishi_fx1s PRIVATE -Wl,--version-script=${export_list})
