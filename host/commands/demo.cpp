@@ -1,0 +1,98 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// fxhost demo: everything that the driver does, shown on a simulated PLC in half a minute.
+
+#include "host/commands/command.h"
+#include "host/demo/chapters.h"
+#include "host/interrupt.h"
+#include "host/link_address.h"
+
+#include <QLoggingCategory>
+
+#include <memory>
+
+namespace fxhost {
+
+namespace {
+
+constexpr int liveValuesMs = 6000;
+const QString simulatedLine = QStringLiteral("sim:?baud=9600");
+
+struct DemoOptions
+{
+    bool live = false;
+    std::string control;
+};
+
+// The other side of the PLC: of the simulator inside, or of one whose control socket was named.
+class Control
+{
+public:
+    Control(Link& link, const std::string& path)
+    {
+        if (!path.empty())
+            m_socket = std::make_unique<SocketBenchControl>(QString::fromStdString(path));
+        m_control = m_socket ? m_socket.get() : dynamic_cast<BenchControl*>(&link);
+    }
+    BenchControl* get() const { return m_control; }
+
+private:
+    std::unique_ptr<SocketBenchControl> m_socket;
+    BenchControl* m_control = nullptr;
+};
+
+void showChapters(DemoBench& bench, bool live)
+{
+    using Chapter = std::function<void(DemoBench&)>;
+    const Chapter chapters[] = {showRegisterTypes,
+                                showPlan,
+                                [](DemoBench& b) { showLiveValues(b, liveValuesMs); },
+                                showWrites,
+                                showConditionalRead,
+                                showRecipe,
+                                showTrouble};
+    for (const Chapter& chapter : chapters) {
+        if (interrupted() || !bench.linkIsGood())
+            break;
+        chapter(bench);
+    }
+    if (live && !interrupted() && bench.linkIsGood())
+        showLiveValues(bench, -1);
+    showSummary(bench);
+}
+
+ExitCode runDemo(const CommonOptions& common, const DemoOptions& options)
+{
+    const DriverLibrary library(QString::fromStdString(common.library));
+    const std::unique_ptr<Link> link =
+        makeLink(common.link.empty() ? simulatedLine : QString::fromStdString(common.link));
+    link->open();
+    const Control control(*link, options.control);
+    DriverSession session(library, {});
+    ExchangeLoop loop(session, *link);
+    const RegisterCatalogue catalogue(library);
+    DemoBench bench(loop, catalogue, control.get());
+    bench.console().line(QStringLiteral("driver %1\nlink   %2, property string \"%3\"")
+                             .arg(library.fileName(), link->name(), session.propertyString()));
+    showChapters(bench, options.live);
+    if (bench.refuted() > 0)
+        return ExitCode::SomeFailed;
+    return interrupted() && !options.live ? ExitCode::Interrupted : ExitCode::Good;
+}
+
+}  // namespace
+
+void addDemoCommand(CLI::App& app, const CommonOptions& common, Action& action)
+{
+    CLI::App* command = app.add_subcommand("demo", "Show everything on a simulated PLC");
+    const auto options = std::make_shared<DemoOptions>();
+    command->add_flag("--live", options->live, "Go on with live values until Ctrl-C");
+    command->add_option("--control", options->control,
+                        "Control socket of the simulator at the other end of the link");
+    command->callback([&action, &common, options] {
+        action = [&common, options] { return runDemo(common, *options); };
+    });
+}
+
+}  // namespace fxhost

@@ -1,0 +1,41 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// Rounds of the exchange loop: until the plan has had its turn, until the queued writes have gone,
+// until anything else has happened. Commands and the demo are made of them.
+
+#pragma once
+
+#include "host/exchange_loop.h"
+
+namespace fxhost {
+
+// What became of the exchanges of one round.
+struct Round
+{
+    QVector<Exchange> ended;  // in their order, accepted or failed
+    bool linkLost = false;
+
+    bool allGood() const;
+    int failed() const;
+};
+
+using Enough = std::function<bool(const Round&)>;
+
+// Steps until `enough` says so, the link is lost, the user interrupts or there is nothing to send.
+Round runUntil(ExchangeLoop& loop, const Enough& enough);
+
+// Until each of the plan's blocks was read once, whatever else went out in between.
+Round pollCycle(ExchangeLoop& loop, int blocks);
+
+// Until `writes` host writes have ended. Needs a plan: without one the driver sends three at most.
+Round flushWrites(ExchangeLoop& loop, int writes);
+
+// Reads a range once, ahead of the plan; the result that the driver's completion callback gave, or
+// false when it did not come. Needs a plan as well.
+bool readOnce(ExchangeLoop& loop, const RegisterRange& range);
+
+// How many frames a write takes: one a bit, else as many as the words need.
+int writeFrames(const RegisterRange& range, const SessionSettings& settings);
+
+}  // namespace fxhost

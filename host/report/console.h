@@ -1,0 +1,44 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// Where texts for people go: plain lines anywhere, colours and redrawing in place on a terminal
+// only. Everything that a command prints for people passes here.
+
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace fxhost {
+
+class Console
+{
+public:
+    Console();  // standard output
+
+    bool isTerminal() const { return m_isTerminal; }
+
+    void line(const QString& text = {});
+    void heading(const QString& text);
+
+    QString bold(const QString& text) const { return styled(text, "1"); }
+    QString dim(const QString& text) const { return styled(text, "2"); }
+    QString good(const QString& text) const { return styled(text, "32"); }
+    QString bad(const QString& text) const { return styled(text, "1;31"); }
+    QString changed(const QString& text) const { return styled(text, "1;33"); }
+
+    // Draws over what was drawn last, or below it where nothing can be drawn over.
+    void redraw(const QStringList& lines);
+    void endRedraw() { m_drawnLines = 0; }
+
+    // A bar that grows; without a terminal one line when it is full.
+    void progress(const QString& label, int done, int total);
+
+private:
+    QString styled(const QString& text, const char* code) const;
+
+    bool m_isTerminal;
+    int m_drawnLines = 0;
+};
+
+}  // namespace fxhost

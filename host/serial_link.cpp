@@ -1,0 +1,40 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// See serial_link.h.
+
+#include "host/serial_link.h"
+
+namespace fxhost {
+
+SerialLink::SerialLink(const QString& path, const LineSettings& settings) : m_settings(settings)
+{
+    m_port.setPortName(path);
+}
+
+QString SerialLink::name() const
+{
+    return "serial:" + m_port.portName();
+}
+
+void SerialLink::open()
+{
+    m_port.close();
+    m_port.setBaudRate(m_settings.baud);
+    m_port.setDataBits(m_settings.dataBits);
+    m_port.setParity(m_settings.parity);
+    m_port.setStopBits(m_settings.stopBits);
+    if (!m_port.open(QIODevice::ReadWrite)) {
+        throw LinkError("cannot open " + m_port.portName().toStdString() + ": " +
+                        m_port.errorString().toStdString());
+    }
+    m_port.clear();
+}
+
+bool SerialLink::isOpen() const
+{
+    // A port whose device went away stays open in name only.
+    return m_port.isOpen() && m_port.error() != QSerialPort::ResourceError;
+}
+
+}  // namespace fxhost

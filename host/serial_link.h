@@ -1,0 +1,40 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// A serial port, or a pseudo-terminal by its path: Qt SerialPort with the line settings of the FX
+// programming port unless others are given.
+
+#pragma once
+
+#include "host/device_link.h"
+
+#include <QSerialPort>
+
+namespace fxhost {
+
+struct LineSettings
+{
+    int baud = 9600;
+    QSerialPort::DataBits dataBits = QSerialPort::Data7;
+    QSerialPort::Parity parity = QSerialPort::EvenParity;
+    QSerialPort::StopBits stopBits = QSerialPort::OneStop;
+};
+
+class SerialLink : public DeviceLink
+{
+public:
+    SerialLink(const QString& path, const LineSettings& settings);
+
+    QString name() const override;
+    void open() override;
+    bool isOpen() const override;
+
+protected:
+    QIODevice& device() override { return m_port; }
+
+private:
+    LineSettings m_settings;
+    QSerialPort m_port;
+};
+
+}  // namespace fxhost
