@@ -6,6 +6,7 @@
 #include "simulator/application.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <cstdio>
 #include <unistd.h>
 
@@ -33,6 +34,12 @@ int fail(ExitCode code, const QString& text)
 {
     std::fprintf(stderr, "fxsim: %s\n", qPrintable(text));
     return code;
+}
+
+// Told before the run, not after it, when the memory would be lost.
+bool folderIsWritable(const QString& path)
+{
+    return QFileInfo(QFileInfo(path).absolutePath()).isWritable();
 }
 
 }  // namespace
@@ -85,6 +92,10 @@ int Application::prepareProgram()
 
 int Application::prepareMemory()
 {
+    if (!m_options.savePath.isEmpty() && !folderIsWritable(m_options.savePath))
+        return fail(
+            exitFile,
+            QStringLiteral("%1: nothing can be saved in this folder").arg(m_options.savePath));
     PlcMemory memory;
     memory.setPresent(m_options.present);
     memory.setMissing(m_options.missing);

@@ -148,15 +148,14 @@ QByteArray Control::poke(const Arguments& arguments)
 
 QByteArray Control::faults(const Arguments& arguments)
 {
-    FaultPlan& plan = m_simulator.settings().faults;
     if (arguments.isEmpty())
-        return faultPlanText(plan).toUtf8() + '\n' + ok;
+        return faultPlanText(m_simulator.settings().faults).toUtf8() + '\n' + ok;
     if (arguments[0] == QLatin1String("help"))
         return faultHelp() + ok;
     const ParsedFaults parsed = parseFaults(arguments[0]);
     if (!parsed.error.isEmpty())
         return failure(parsed.error);
-    plan = parsed.plan;
+    m_simulator.setFaults(parsed.plan);
     return ok;
 }
 

@@ -71,25 +71,29 @@ SocketControl::SocketControl(Control& control) : m_control(control)
 }
 
 // A socket that an earlier run left behind is replaced; one that somebody listens on stays, and so
-// does any other file.
+// does any other file (the server would rename its socket over it).
 QString SocketControl::listen(const QString& path)
 {
-    if (isSocket(path) && !somebodyAnswersAt(path))
-        QLocalServer::removeServer(path);
+    const QString fullPath = QFileInfo(path).absoluteFilePath();  // a bare name means one in /tmp
+    if (isSocket(fullPath) && !somebodyAnswersAt(fullPath))
+        QLocalServer::removeServer(fullPath);
+    if (QFileInfo::exists(fullPath))
+        return QStringLiteral("control socket %1: the file exists").arg(path);
     m_server.setSocketOptions(QLocalServer::UserAccessOption);
-    const QString fullPath =
-        QFileInfo(path).absoluteFilePath();  // a bare name would mean one in the temporary folder
-    return m_server.listen(fullPath)
-               ? QString()
-               : QStringLiteral("control socket %1: %2").arg(path, m_server.errorString());
+    if (!m_server.listen(fullPath))
+        return QStringLiteral("control socket %1: %2").arg(path, m_server.errorString());
+    return QString();
 }
 
 void SocketControl::welcome()
 {
     while (QLocalSocket* socket = m_server.nextPendingConnection()) {
+        socket->setReadBufferSize(longestLine);
         connect(socket, &QLocalSocket::readyRead, this, [this, socket] {
             while (socket->canReadLine())
                 socket->write(m_control.run(QString::fromUtf8(socket->readLine())));
+            if (socket->bytesAvailable() >= longestLine)
+                socket->abort();
             socket->flush();
         });
         connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);

@@ -14,7 +14,9 @@ namespace fxsim {
 class Dice
 {
 public:
-    Dice(quint64 seed, qint64 exchange) : m_state(seed ^ mixed(quint64(exchange))) {}
+    Dice(quint64 seed, qint64 exchange)
+        : m_state(mixed(mixed(seed + increment) + quint64(exchange)))
+    {}
 
     quint64 next() { return mixed(m_state += increment); }
     int below(int limit) { return int(next() % quint64(limit)); }            // 0 to limit - 1

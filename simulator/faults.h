@@ -8,8 +8,8 @@
 //   delay:800@3+12+20-      with a value of its own (here milliseconds), in exchanges 3, 12 and
 //   from 20 on
 //
-// Exchanges are counted from 1 over all links, a frame each; an ENQ is none. Several faults may
-// meet in one exchange.
+// Exchanges are counted over all links from 1, the first after the plan was given: a frame each; an
+// ENQ is none. Several faults may meet in one exchange.
 
 #pragma once
 

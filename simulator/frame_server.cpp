@@ -75,6 +75,11 @@ void judgeForce(Request& request, const QByteArray& fields, const PlcMemory& mem
     request.verdict = present ? Verdict::Good : Verdict::NoMemory;
 }
 
+QByteArray addressText(int address)
+{
+    return "0x" + QByteArray::number(address, 16).toUpper().rightJustified(4, '0');
+}
+
 }  // namespace
 
 const char* verdictText(Verdict verdict)
@@ -145,27 +150,27 @@ QByteArray carryOut(const Request& request, PlcMemory& memory)
 
 QByteArray requestText(const Request& request)
 {
-    const auto number = [](int value) {
-        return QByteArray("0x") + QByteArray::number(value, 16).toUpper().rightJustified(4, '0');
-    };
+    const QByteArray verdict = request.verdict == Verdict::Good
+                                   ? QByteArray()
+                                   : QByteArray(": ") + verdictText(request.verdict);
     const QByteArray bytes =
-        QByteArray::number(request.byteCount) + " bytes at " + number(request.address);
-    const QByteArray bit = number(request.address) + " (byte " +
-                           number(request.address / bitsPerByte) + " bit " +
+        QByteArray::number(request.byteCount) + " bytes at " + addressText(request.address);
+    const QByteArray bit = "bit " + addressText(request.address) + " (byte " +
+                           addressText(request.address / bitsPerByte) + " bit " +
                            QByteArray::number(request.address % bitsPerByte) + ")";
     switch (request.command) {
     case Command::Read:
-        return "read " + bytes;
+        return "read " + bytes + verdict;
     case Command::Write:
-        return "write " + bytes;
+        return "write " + bytes + verdict;
     case Command::ForceOn:
-        return "force on bit " + bit;
+        return "force on " + bit + verdict;
     case Command::ForceOff:
-        return "force off bit " + bit;
+        return "force off " + bit + verdict;
     case Command::None:
         break;
     }
-    return "frame";
+    return "frame" + verdict;
 }
 
 }  // namespace fxsim

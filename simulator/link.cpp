@@ -47,6 +47,9 @@ void HostConnection::sendDue()
 
 void Link::drop(int forMs)
 {
+    if (m_down)
+        return;  // it is on its way back already
+    m_down = true;
     const QString gone = name();
     close();
     m_failureTold = false;
@@ -58,6 +61,7 @@ void Link::reopen()
 {
     const QString error = open();
     if (error.isEmpty()) {
+        m_down = false;
         emit message(QStringLiteral("ready on %1").arg(name()));
         return;
     }

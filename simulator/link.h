@@ -68,6 +68,7 @@ private:
 
     Simulator& m_simulator;
     const Clock& m_clock;
+    bool m_down = false;
     bool m_failureTold = false;
 };
 

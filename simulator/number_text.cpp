@@ -53,8 +53,10 @@ std::optional<QVector<Item>> parseList(const QString& text, Parse parse)
 
 std::optional<int> parseNumber(const QString& text, int lowest, int highest)
 {
-    bool ok = false;
     const bool hex = text.startsWith(QLatin1String("0x"), Qt::CaseInsensitive);
+    if (hex && text.size() > 2 && !text[2].isLetterOrNumber())
+        return std::nullopt;  // a sign behind the prefix, which the conversion would take
+    bool ok = false;
     const int number = hex ? text.mid(2).toInt(&ok, 16) : text.toInt(&ok, 10);
     if (!ok || number < lowest || number > highest)
         return std::nullopt;

@@ -34,13 +34,16 @@ qint64 PacedLine::arrivalUs(int characters, qint64 nowUs)
     return m_receivingUntilUs;
 }
 
-void PacedLine::send(const QByteArray& bytes, const QByteArray& note, qint64 notBeforeUs)
+bool PacedLine::send(const QByteArray& bytes, const QByteArray& note, qint64 notBeforeUs)
 {
     if (bytes.isEmpty())
-        return;
+        return true;
+    if (m_pieces.size() == mostQueuedPieces)
+        return false;
     const qint64 startUs = std::max(notBeforeUs, m_sendingUntilUs);
     m_pieces.enqueue({{bytes, note}, startUs, 0});
     m_sendingUntilUs = startUs + bytes.size() * m_timing.characterTimeUs();
+    return true;
 }
 
 QByteArray PacedLine::takeDue(qint64 nowUs, QVector<Sent>& whole)

@@ -15,6 +15,7 @@ namespace fxsim {
 
 constexpr int bitsPerCharacter = 10;  // start, seven data, even parity, stop
 constexpr qint64 nothingDue = -1;
+constexpr int mostQueuedPieces = 1000;  // a host that asks on and on and takes nothing gets no more
 
 struct LineTiming
 {
@@ -35,7 +36,8 @@ public:
     qint64 arrivalUs(int characters, qint64 nowUs);
 
     // Queues bytes whose first may leave at `notBeforeUs`, and after all that was queued before.
-    void send(const QByteArray& bytes, const QByteArray& note, qint64 notBeforeUs);
+    // False: the queue is full and they are lost.
+    bool send(const QByteArray& bytes, const QByteArray& note, qint64 notBeforeUs);
 
     struct Sent
     {

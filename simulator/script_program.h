@@ -13,7 +13,8 @@
 //
 // Times are milliseconds from power-on; "every" starts after its first interval, or at "after".
 // "bytes" is 1, 2 or 4 for set and add (2 unless given) and 1 to 65536 for copy. A sum past "to"
-// starts again at "from". Steps that are due together run in the order of the file.
+// starts again at "from". Steps that are due together run in the order of the file. A "comment" may
+// stand in any step and beside "steps".
 
 #pragma once
 

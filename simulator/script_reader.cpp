@@ -87,7 +87,7 @@ public:
 
 private:
     QJsonObject m_object;
-    QStringList m_read;
+    QStringList m_read{QStringLiteral("comment")};  // which JSON has no other place for
 };
 
 void readTimes(StepReader& reader, ScriptStep& step)
@@ -190,7 +190,8 @@ QJsonArray stepsOf(const QByteArray& json)
         throw ScriptError{QStringLiteral("line %1: %2").arg(line).arg(problem.errorString())};
     }
     const QJsonObject top = document.object();
-    if (!top[QLatin1String("steps")].isArray() || top.size() != 1)
+    const int comments = top.contains(QLatin1String("comment")) ? 1 : 0;
+    if (!top[QLatin1String("steps")].isArray() || top.size() != 1 + comments)
         throw ScriptError{QStringLiteral("a script is { \"steps\": [ ... ] }")};
     return top[QLatin1String("steps")].toArray();
 }

@@ -107,42 +107,41 @@ void Session::greet()
     if (m_simulator.settings().enquiry == EnquiryMode::Ignored)
         return;
     m_greeted = true;
-    m_line.send(QByteArray(1, ack), "here", m_simulator.settings().timing.scanEndUs(m_arrivedUs));
+    send(QByteArray(1, ack), QByteArray(), scanEndUs());
 }
 
 void Session::exchange(const QByteArray& frame)
 {
-    const qint64 number = ++m_simulator.statistics().exchanges;
+    ++m_simulator.statistics().exchanges;
+    const Request request =
+        judgeFrame(frame, m_simulator.memory(), m_simulator.settings().maxBytes);
+    trace(TraceEntry::Direction::FromHost, frame, requestText(request));
     if (m_simulator.settings().enquiry == EnquiryMode::Needed && !m_greeted) {
         ++m_simulator.statistics().ungreetedFrames;
-        trace(TraceEntry::Direction::FromHost, frame, "frame before an ENQ, not answered");
+        trace(TraceEntry::Direction::Note, QByteArray(), "no ENQ came before: not answered");
         return;
     }
+    const qint64 number = m_simulator.exchangeOfPlan();
     Dice dice(m_simulator.settings().seed, number);
     const ActiveFaults faults(m_simulator.settings().faults, number, dice);
-    countFaults(faults);
+    noteFaults(faults);
     if (const ActiveFault* powerCycle = faults.find(FaultKind::PowerCycle))
         m_simulator.powerCycle(powerCycle->value, m_nowUs);
     else if (const ActiveFault* linkDrop = faults.find(FaultKind::LinkDrop))
         m_linkDropMs = linkDrop->value;
     else
-        answer(frame, faults, dice);
+        answer(request, frame, faults, dice);
 }
 
-void Session::answer(const QByteArray& frame, const ActiveFaults& faults, Dice& dice)
+void Session::answer(const Request& request, const QByteArray& frame, const ActiveFaults& faults,
+                     Dice& dice)
 {
-    const Request request =
-        judgeFrame(frame, m_simulator.memory(), m_simulator.settings().maxBytes);
     m_simulator.statistics().countRequest(request);
-    trace(TraceEntry::Direction::FromHost, frame,
-          requestText(request) + (request.verdict == Verdict::Good
-                                      ? ""
-                                      : QByteArray(": ") + verdictText(request.verdict)));
     const QByteArray reply = replyTo(request, faults.has(FaultKind::Nak));
-    qint64 notBeforeUs = m_simulator.settings().timing.scanEndUs(m_arrivedUs);
+    qint64 notBeforeUs = scanEndUs();
     for (const Chunk& chunk : damaged(reply, frame, faults, dice)) {
         notBeforeUs += chunk.pauseMs * usPerMs;
-        m_line.send(chunk.bytes, names(faults), notBeforeUs);
+        send(chunk.bytes, names(faults), notBeforeUs);
         notBeforeUs = std::max(notBeforeUs, m_line.queuedUntilUs());
     }
 }
@@ -159,18 +158,26 @@ void Session::refuseOverlong()
 {
     ++m_simulator.statistics().overlongFrames;
     trace(TraceEntry::Direction::FromHost, QByteArray(), "frame without end, given up");
-    m_line.send(replyTo(Request(), false), "overlong frame",
-                m_simulator.settings().timing.scanEndUs(m_arrivedUs));
+    send(replyTo(Request(), false), QByteArray(), scanEndUs());
 }
 
-void Session::countFaults(const ActiveFaults& faults)
+void Session::noteFaults(const ActiveFaults& faults)
 {
     for (const ActiveFault& fault : faults.all())
         ++m_simulator.statistics().faults[size_t(fault.kind)];
     if (!faults.all().isEmpty())
-        trace(TraceEntry::Direction::Note, QByteArray(),
-              "exchange " + QByteArray::number(m_simulator.statistics().exchanges) +
-                  " meets: " + names(faults));
+        trace(TraceEntry::Direction::Note, QByteArray(), "meets " + names(faults));
+}
+
+void Session::send(const QByteArray& bytes, const QByteArray& note, qint64 notBeforeUs)
+{
+    if (!m_line.send(bytes, note, notBeforeUs))
+        m_simulator.statistics().charactersLost += bytes.size();
+}
+
+qint64 Session::scanEndUs() const
+{
+    return m_simulator.settings().timing.scanEndUs(m_arrivedUs);
 }
 
 void Session::trace(TraceEntry::Direction direction, const QByteArray& bytes,

@@ -35,10 +35,13 @@ private:
     void handle(const LineEvent& event);
     void greet();
     void exchange(const QByteArray& frame);
-    void answer(const QByteArray& frame, const ActiveFaults& faults, Dice& dice);
+    void answer(const Request& request, const QByteArray& frame, const ActiveFaults& faults,
+                Dice& dice);
     QByteArray replyTo(const Request& request, bool refused);
     void refuseOverlong();
-    void countFaults(const ActiveFaults& faults);
+    void noteFaults(const ActiveFaults& faults);
+    void send(const QByteArray& bytes, const QByteArray& note, qint64 notBeforeUs);
+    qint64 scanEndUs() const;
     void trace(TraceEntry::Direction direction, const QByteArray& bytes,
                const QByteArray& text) const;
 

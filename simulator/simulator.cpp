@@ -32,6 +32,12 @@ void Simulator::advance(qint64 nowUs)
         m_program->advance(m_memory, (nowUs - m_programStartUs) / usPerMs);
 }
 
+void Simulator::setFaults(const FaultPlan& plan)
+{
+    m_settings.faults = plan;
+    m_exchangesBeforePlan = m_statistics.exchanges;
+}
+
 void Simulator::powerCycle(int offMs, qint64 nowUs)
 {
     ++m_statistics.powerCycles;

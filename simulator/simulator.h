@@ -75,11 +75,16 @@ public:
     // Sets the memory as it is at every power-on, and starts the program on it.
     void powerOnWith(const PlcMemory& memory, qint64 nowUs);
     void advance(qint64 nowUs);
+
+    // A new plan counts its exchanges from 1 again.
+    void setFaults(const FaultPlan& plan);
+    qint64 exchangeOfPlan() const { return m_statistics.exchanges - m_exchangesBeforePlan; }
+
     void powerCycle(int offMs, qint64 nowUs);
     bool isOff(qint64 nowUs) const { return nowUs < m_offUntilUs; }
 
     PlcMemory& memory() { return m_memory; }
-    Settings& settings() { return m_settings; }
+    const Settings& settings() const { return m_settings; }
     Statistics& statistics() { return m_statistics; }
     void setTrace(TraceSink sink) { m_trace = std::move(sink); }
     void trace(const TraceEntry& entry) const;
@@ -95,6 +100,7 @@ private:
     TraceSink m_trace;
     qint64 m_programStartUs = 0;
     qint64 m_offUntilUs = 0;
+    qint64 m_exchangesBeforePlan = 0;
 };
 
 }  // namespace fxsim

@@ -11,12 +11,22 @@ namespace fxsim {
 
 namespace {
 
+constexpr qint64 mostUnsentBytes = 1 << 20;
+
 QString addressText(const QHostAddress& address, quint16 port)
 {
     const bool v6 = address.protocol() == QAbstractSocket::IPv6Protocol;
     return QStringLiteral("tcp:%1:%2")
         .arg(v6 ? '[' + address.toString() + ']' : address.toString())
         .arg(port);
+}
+
+// What a client has not taken waits in the socket, within reason.
+int write(QTcpSocket& socket, const QByteArray& bytes)
+{
+    if (socket.bytesToWrite() > mostUnsentBytes)
+        return bytes.size();
+    return bytes.size() - int(std::max<qint64>(0, socket.write(bytes)));
 }
 
 }  // namespace
@@ -54,9 +64,7 @@ void TcpLink::welcome()
         socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
         auto* host = new HostConnection(
             simulator(), clock(), addressText(socket->peerAddress(), socket->peerPort()).toLatin1(),
-            [socket](const QByteArray& bytes) {
-                return bytes.size() - int(std::max<qint64>(0, socket->write(bytes)));
-            });
+            [socket](const QByteArray& bytes) { return write(*socket, bytes); });
         host->setParent(socket);
         connect(host, &HostConnection::linkTaken, this, &Link::drop, Qt::QueuedConnection);
         connect(socket, &QTcpSocket::readyRead, host,
