@@ -257,6 +257,7 @@ ParsedOptions parseOptions(int argumentCount, char** arguments)
     RawOptions raw;
     CLI::App app(description, "fxsim");
     app.footer(footer);
+    app.option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
     app.set_version_flag("--version", "fxsim " FXSIM_VERSION);
     addLinks(app, raw);
     addTiming(app, raw);

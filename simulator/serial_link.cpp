@@ -5,11 +5,14 @@
 
 #include "simulator/serial_link.h"
 
+#include <poll.h>
+
 namespace fxsim {
 
 namespace {
 
-constexpr int unpluggedMs = 1000;
+constexpr int unpluggedMs = 1000;  // until the first attempt to open the port again
+constexpr int watchMs = 200;
 
 }  // namespace
 
@@ -23,7 +26,7 @@ SerialLink::SerialLink(Simulator& simulator, const Clock& clock, const QString& 
     m_port.setStopBits(QSerialPort::OneStop);
     m_port.setFlowControl(QSerialPort::NoFlowControl);
     connect(&m_port, &QSerialPort::readyRead, this, [this] { m_host->receive(m_port.readAll()); });
-    connect(&m_port, &QSerialPort::errorOccurred, this, &SerialLink::onError, Qt::QueuedConnection);
+    connect(&m_watch, &QTimer::timeout, this, &SerialLink::lookForHangup);
 }
 
 QString SerialLink::open()
@@ -36,11 +39,13 @@ QString SerialLink::open()
         });
     m_host->session().setTiming({0, simulator().settings().timing.scanMs});
     connect(m_host.get(), &HostConnection::linkTaken, this, &Link::drop, Qt::QueuedConnection);
+    m_watch.start(watchMs);
     return QString();
 }
 
 void SerialLink::close()
 {
+    m_watch.stop();
     m_port.close();
     m_host.reset();
 }
@@ -50,9 +55,11 @@ QString SerialLink::name() const
     return m_device;
 }
 
-void SerialLink::onError(QSerialPort::SerialPortError error)
+// An adapter that was pulled out hangs up its port, on which reads then give nothing and no error.
+void SerialLink::lookForHangup()
 {
-    if (error == QSerialPort::ResourceError && m_port.isOpen())
+    pollfd port{m_port.handle(), 0, 0};
+    if (::poll(&port, 1, 0) > 0)
         drop(unpluggedMs);
 }
 

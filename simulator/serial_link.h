@@ -25,10 +25,11 @@ public:
     QString name() const override;
 
 private:
-    void onError(QSerialPort::SerialPortError error);
+    void lookForHangup();
 
     QString m_device;
     QSerialPort m_port;
+    QTimer m_watch;
     std::unique_ptr<HostConnection> m_host;
 };
 

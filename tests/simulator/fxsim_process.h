@@ -1,0 +1,105 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// fxsim as its users meet it: a process that is started, told to be ready, talked to over a real
+// pseudo-terminal or TCP and ended. Every wait has an end (deadlineMs); none of them is a fixed
+// sleep.
+
+#pragma once
+
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QString>
+#include <QStringList>
+#include <QTcpSocket>
+
+constexpr int deadlineMs = 10000;
+
+// A running fxsim. Ends with the test, whatever happens in between.
+class FxsimProcess
+{
+public:
+    explicit FxsimProcess(const QStringList& arguments);
+    ~FxsimProcess();
+
+    // What stands after "fxsim: ready on ", or nothing if it ended before.
+    QString waitReady() { return waitLine(QStringLiteral("fxsim: ready on ")); }
+
+    // The rest of the next line that starts so; lines before it are skipped.
+    QString waitLine(const QString& start);
+
+    QByteArray command(const QByteArray& line);  // what came back, up to and with ok or error
+
+    void closeInput() { m_process.closeWriteChannel(); }
+
+    int waitEnd();    // the exit code; -1 if it did not end or crashed
+    int terminate();  // SIGTERM, then the same
+    int interrupt();  // SIGINT
+
+    QByteArray restOfOutput() { return m_process.readAllStandardOutput(); }
+    QByteArray errors() { return m_process.readAllStandardError(); }
+
+private:
+    QByteArray readLine();
+
+    QProcess m_process;
+};
+
+// Runs fxsim to its end with arguments that do not let it start; gives the exit code and what it
+// said.
+struct FailedStart
+{
+    int exitCode = -1;
+    QByteArray errors;
+    QByteArray output;
+};
+FailedStart runToEnd(const QStringList& arguments);
+
+// The host's end of a link.
+class HostEnd
+{
+public:
+    virtual ~HostEnd() = default;
+    virtual void send(const QByteArray& bytes) = 0;
+    virtual QByteArray take(int byteCount) = 0;  // fewer if the deadline passes or the link goes
+    virtual bool waitGone() = 0;                 // until the other side closed it
+
+    QByteArray ask(const QByteArray& bytes, int byteCount)
+    {
+        send(bytes);
+        return take(byteCount);
+    }
+};
+
+class PtyEnd : public HostEnd
+{
+public:
+    explicit PtyEnd(const QString& path);
+    PtyEnd();  // the master of a new terminal, whose other end is a device for fxsim
+    ~PtyEnd() override;
+    PtyEnd(const PtyEnd&) = delete;
+    PtyEnd& operator=(const PtyEnd&) = delete;
+
+    bool isOpen() const { return m_descriptor >= 0; }
+    QString otherEnd() const;
+    void send(const QByteArray& bytes) override;
+    QByteArray take(int byteCount) override;
+    bool waitGone() override;
+
+private:
+    int m_descriptor;
+};
+
+class TcpEnd : public HostEnd
+{
+public:
+    explicit TcpEnd(const QString& name);  // tcp:ADDRESS:PORT, as in the line that says ready
+
+    bool isOpen() const { return m_socket.state() == QAbstractSocket::ConnectedState; }
+    void send(const QByteArray& bytes) override;
+    QByteArray take(int byteCount) override;
+    bool waitGone() override;
+
+private:
+    QTcpSocket m_socket;
+};
