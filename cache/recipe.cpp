@@ -62,10 +62,11 @@ bool isUploadable(const _RCP_VAR_PRO& entry)
     return fits(entry, maxRecipeWords);
 }
 
-void storeRecipeWord(qint64 recipeWord, const unsigned char* bytes)
+void storeRecipeWord(qint64 recipeWord, unsigned int value)
 {
     if (driver.recipeWords == nullptr || recipeWord < 0)
         return;
-    std::memcpy(recipeBytes(recipeWord), bytes, bytesPerWord);
+    recipeBytes(recipeWord)[0] = static_cast<unsigned char>(value);
+    recipeBytes(recipeWord)[1] = static_cast<unsigned char>(value >> 8);
     callHost(recipeLink, recipeStation, QLatin1String("RWI"), static_cast<int>(recipeWord));
 }

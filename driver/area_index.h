@@ -49,7 +49,7 @@ public:
 private:
     static bool isSameText(const QString& a, const QString& b)
     {
-        return a.constData() == b.constData() || a == b;  // areas of one type share their text
+        return a.isSharedWith(b) || a == b;  // areas of one type share their text
     }
     static bool hasKey(const _DATA_& area, int stationNo, const QString& registerType,
                        int startIndex)

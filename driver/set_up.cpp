@@ -33,6 +33,7 @@ void resetLists()
     driver.writeList.clear();
     driver.conditionReadList.clear();
     driver.dataAreas.clear();
+    driver.areaIndex = AreaIndex();  // it shares the areas, which would live on in it
     driver.frames.clear();
 }
 

@@ -126,7 +126,8 @@ void buildForce(const VARIABLE& request, const RegisterType& type, FRAME_PRO& fr
 
 FRAME_PRO& appendedFrame(const VARIABLE& request)
 {
-    driver.frames.append(FRAME_PRO());
+    static const FRAME_PRO unbuilt;
+    driver.frames.append(unbuilt);
     FRAME_PRO& frame = driver.frames.last();
     frame.variable = request;
     return frame;

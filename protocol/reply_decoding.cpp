@@ -12,7 +12,6 @@
 #include "driver/integers.h"
 #include "protocol/frame_format.h"
 
-#include <algorithm>
 #include <array>
 
 namespace {
@@ -39,6 +38,16 @@ constexpr std::array<unsigned char, 256> makeNibbles()
 
 constexpr std::array<unsigned char, 256> nibbles = makeNibbles();
 
+// Values are handled as numbers, their first byte lowest.
+template <int valueBytes>
+unsigned int packedBytes(const unsigned char* bytes)
+{
+    unsigned int value = 0;
+    for (int i = 0; i < valueBytes; ++i)
+        value |= static_cast<unsigned int>(bytes[i]) << (8 * i);
+    return value;
+}
+
 class ReplyReader
 {
 public:
@@ -46,12 +55,21 @@ public:
         : m_reply(reinterpret_cast<const unsigned char*>(reply.constData())),
           m_length(static_cast<int>(reply.size()))
     {}
-    unsigned char byteAt(int position) const
+
+    template <int valueBytes>
+    unsigned int valueAt(int position) const
     {
-        return static_cast<unsigned char>(nibbleAt(position) << 4 | nibbleAt(position + 1));
+        unsigned int value = 0;
+        for (int i = 0; i < valueBytes; ++i)
+            value |= byteAt(position + charsPerByte * i) << (8 * i);
+        return value;
     }
 
 private:
+    unsigned int byteAt(int position) const
+    {
+        return nibbleAt(position) << 4 | nibbleAt(position + 1);
+    }
     unsigned int nibbleAt(int position) const
     {
         return position < m_length ? nibbles[m_reply[position]] : 0U;
@@ -71,20 +89,22 @@ bool startOfArea(const ReadRange& range, int k, int& startIndex)
 }
 
 // Stores one value; true when it changed.
-template <std::size_t valueBytes>
-bool storeValue(int position, const unsigned char* value)
+template <int valueBytes>
+bool storeValue(int position, unsigned int value)
 {
     const _DATA_& stored = driver.dataAreas.at(position);
-    const bool isChanged = !std::equal(value, value + valueBytes, stored.valueBuffer0);
+    const bool isChanged = packedBytes<valueBytes>(stored.valueBuffer0) != value;
     if (!isChanged && stored.flag0 == 0)
         return false;
     const AreaIndex::Edit edit(driver.areaIndex, driver.dataAreas);
     _DATA_& area = driver.dataAreas[position];
     area.flag0 = 0;
-    std::copy(value, value + valueBytes, area.valueBuffer0);
-    if (isChanged)
-        area.bufferSelect = 0;  // the PLC's value replaces a write that waits
-    return isChanged;
+    if (!isChanged)
+        return false;
+    for (int i = 0; i < valueBytes; ++i)
+        area.valueBuffer0[i] = static_cast<unsigned char>(value >> (8 * i));
+    area.bufferSelect = 0;  // the PLC's value replaces a write that waits
+    return true;
 }
 
 void notifyRead(const ReadRange& range, int startIndex, unsigned char newBits)
@@ -109,26 +129,22 @@ bool uploadTarget(qint64& recipeWord)
     return true;
 }
 
-template <std::size_t valueBytes>
+template <int valueBytes>
 void storeValues(const ReadRange& range, const ReplyReader& reader)
 {
+    constexpr int valueChars = charsPerByte * valueBytes;
     const AreaFinder finder(range.stationNo, registerTypeName(*range.type));
-    const int areaCount = range.dataChars / (charsPerByte * static_cast<int>(valueBytes));
+    const int areaCount = range.dataChars / valueChars;
     qint64 recipeWord = 0;
     const bool isUpload = valueBytes >= bytesPerWord && uploadTarget(recipeWord);
 
     int startIndex = 0;
-    int characters = range.dataStart;
     for (int k = 0; k < areaCount && startOfArea(range, k, startIndex); ++k) {
-        unsigned char value[valueBytes];
-        for (unsigned char& byte : value) {
-            byte = reader.byteAt(characters);
-            characters += charsPerByte;
-        }
+        const unsigned int value = reader.valueAt<valueBytes>(range.dataStart + valueChars * k);
         if (storeValue<valueBytes>(finder.position(startIndex), value))
-            notifyRead(range, startIndex, value[0]);
-        for (std::size_t i = 0; isUpload && i < valueBytes; i += bytesPerWord)
-            storeRecipeWord(recipeWord++, value + i);
+            notifyRead(range, startIndex, static_cast<unsigned char>(value));
+        for (int word = 0; isUpload && word < valueBytes / bytesPerWord; ++word)
+            storeRecipeWord(recipeWord++, value >> (8 * bytesPerWord * word));
     }
 }
 
