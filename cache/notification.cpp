@@ -6,6 +6,7 @@
 #include "cache/notification.h"
 
 #include "cache/data_areas.h"
+#include "driver/integers.h"
 
 namespace {
 
@@ -25,10 +26,9 @@ void notifyBit(int stationNo, const QString& registerType, int address)
 void notifyByte(int stationNo, const QString& registerType, int address, int changedBits)
 {
     const int marks = AreaFinder(stationNo, registerType).area(bitAreaStart(address)).changeFlags;
-    for (int bit = 0; bit < bitsPerArea; ++bit) {
+    for (int bit = 0; bit < bitsPerArea && bit < intsFrom(address); ++bit) {
         if (isBitSet(marks & changedBits, bit))
-            callHost(driver.linkNo, stationNo, registerType,
-                     static_cast<int>(static_cast<qint64>(address) + bit));
+            callHost(driver.linkNo, stationNo, registerType, address + bit);
     }
 }
 
