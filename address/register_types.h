@@ -39,7 +39,7 @@ struct RegisterType
 
 // Rows stand in the order of the catalogue: bit types, word types, the double-word type.
 // clang-format off
-constexpr std::array<RegisterType, 12> registerTypes = {{
+inline constexpr std::array<RegisterType, 12> registerTypes = {{
 //   name    kind                      base  first  last   end    read    write   force   plan  format   writable
     {"X",    RegisterKind::Bit,        8,    0,     255,   256,   0x0080, noBase, 0x0000, 0,    "ooo",   false},  // forces go out with the base of "S": inputs have none
     {"Y",    RegisterKind::Bit,        8,    0,     255,   256,   0x00A0, noBase, 0x0500, 1,    "ooo",   true},

@@ -36,7 +36,11 @@ set_target_properties(fx_driver_objects PROPERTIES
 
 add_library(mitsubishi_fx1s SHARED)
 target_link_libraries(mitsubishi_fx1s PRIVATE fx_driver_objects fx_hardening)
-target_include_directories(mitsubishi_fx1s INTERFACE ${PROJECT_SOURCE_DIR}/driver)
+target_link_libraries(mitsubishi_fx1s INTERFACE ${FX_QT_CORE})
+target_compile_features(mitsubishi_fx1s INTERFACE cxx_std_17)
+target_include_directories(mitsubishi_fx1s INTERFACE
+    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/driver>)
 set(export_list ${PROJECT_SOURCE_DIR}/cmake/exports.map)
 target_link_options(mitsubishi_fx1s PRIVATE -Wl,--version-script=${export_list})
-set_target_properties(mitsubishi_fx1s PROPERTIES LINK_DEPENDS ${export_list})
+set_target_properties(mitsubishi_fx1s PROPERTIES LINK_DEPENDS ${export_list}
+    VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})

@@ -1,0 +1,112 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// A recipe moved to the PLC and back, step by step: hand the list over, raise a request byte under
+// the mutex, exchange until the driver has taken it back. The link is a PLC of two thousand bytes
+// in this program, so that the frames can be seen.
+
+#include <mitsubishi_fx1s/intf.h>
+
+#include <QMutex>
+
+#include <cstdio>
+#include <vector>
+
+namespace {
+
+constexpr int downloadRequest = 60115;
+constexpr int uploadRequest = 60116;
+constexpr int linkNo = 1;
+constexpr int firstDataRegister = 0x1000;  // byte address of D0
+
+std::vector<unsigned char> hostMemory(60117, 0);
+unsigned short recipeWords[8] = {};
+QMutex hostMutex;
+unsigned char dataRegisters[2000] = {};
+
+QByteArray framed(const QByteArray& content)
+{
+    const QByteArray summed = content + '\x03';
+    unsigned char sum = 0;
+    for (const char character : summed)
+        sum = static_cast<unsigned char>(sum + static_cast<unsigned char>(character));
+    return '\x02' + summed + QByteArray(1, static_cast<char>(sum)).toHex().toUpper();
+}
+
+// Answers reads ("0") and word writes ("1") of data registers.
+QByteArray answer(const QByteArray& frame)
+{
+    const int place = frame.mid(2, 4).toInt(nullptr, 16) - firstDataRegister;
+    const int byteCount = frame.mid(6, 2).toInt(nullptr, 16);
+    if (frame[1] == '0')
+        return framed(QByteArray(reinterpret_cast<char*>(dataRegisters) + place, byteCount)
+                          .toHex()
+                          .toUpper());
+    const QByteArray data = QByteArray::fromHex(frame.mid(8, 2 * byteCount));
+    for (int i = 0; i < byteCount; ++i)
+        dataRegisters[place + i] = static_cast<unsigned char>(data[i]);
+    return QByteArray(1, '\x06');
+}
+
+unsigned char& requestByte(int position)
+{
+    return hostMemory[static_cast<std::size_t>(position)];
+}
+
+// Raises the request and exchanges until the driver has taken it back.
+void transfer(int position)
+{
+    hostMutex.lock();
+    requestByte(position) = 1;
+    hostMutex.unlock();
+    FRAME_PRO frame;
+    while (requestByte(position) == 1 && intf_getSendFrame(&frame) == 1) {
+        const QByteArray request(reinterpret_cast<char*>(frame.frame), frame.frameLength);
+        QByteArray reply = answer(request);
+        QString errorText;
+        const int result = intf_dealRcvFrame(reply, errorText);
+        std::printf("  %s -> result %d\n", request.mid(1, request.size() - 4).constData(), result);
+    }
+}
+
+int recipeWordStored(int, int stationNo, QString& text, int word)
+{
+    if (stationNo == -1 && text == "RWI")
+        std::printf("  recipe word %d is now %u\n", word, unsigned(recipeWords[word]));
+    return 0;
+}
+
+_RCP_VAR_PRO entry(int addressIndex, int count, int recipeWordOffset)
+{
+    _RCP_VAR_PRO recipe;
+    recipe.linkNo = linkNo;
+    recipe.stationNo = 1;
+    recipe.registerType = "D";
+    recipe.addressIndex = addressIndex;
+    recipe.count = count;
+    recipe.recipeWordOffset = recipeWordOffset;
+    return recipe;
+}
+
+}  // namespace
+
+int main()
+{
+    int status = 0;
+    intf_setAddrValueChangeCallBack(recipeWordStored);
+    intf_initProperty(hostMemory.data(), 0, recipeWords, &status, "1#0#0#3#32", &hostMutex);
+    QVector<_RCP_VAR_PRO> list;
+    list << entry(100, 2, 0) << entry(200, 1, 2);
+    std::printf("%d entries belong to this link\n", intf_setRcpAddress(list));
+
+    recipeWords[0] = 180;  // temperature
+    recipeWords[1] = 45;   // seconds
+    recipeWords[2] = 7;    // programme
+    std::printf("Download\n");
+    transfer(downloadRequest);
+
+    dataRegisters[2 * 100] = 181;  // the PLC corrects the temperature
+    std::printf("Upload\n");
+    transfer(uploadRequest);
+    return recipeWords[0] == 181 && recipeWords[1] == 45 && recipeWords[2] == 7 ? 0 : 1;
+}
