@@ -7,7 +7,7 @@
 
 #include <QCoreApplication>
 #include <QFileInfo>
-#include <cstdio>
+#include <iostream>
 #include <unistd.h>
 
 #include "simulator/memory_image.h"
@@ -26,13 +26,12 @@ constexpr int shortestScanMs = 10;  // often enough for a program of tenths of a
 
 void say(const QString& text)
 {
-    std::printf("fxsim: %s\n", qPrintable(text));
-    std::fflush(stdout);
+    std::cout << "fxsim: " << qPrintable(text) << std::endl;
 }
 
 int fail(ExitCode code, const QString& text)
 {
-    std::fprintf(stderr, "fxsim: %s\n", qPrintable(text));
+    std::cerr << "fxsim: " << qPrintable(text) << std::endl;
     return code;
 }
 
@@ -67,7 +66,7 @@ int Application::finish()
     for (const std::unique_ptr<Link>& link : m_links)
         link->close();
     if (m_options.stats)
-        std::printf("%s", m_simulator->statistics().text().constData());
+        std::cout << m_simulator->statistics().text().constData();
     if (m_options.savePath.isEmpty())
         return exitGood;
     const QString error = saveImage(m_options.savePath, m_simulator->memory().image());

@@ -7,7 +7,7 @@
 
 #include <QFileInfo>
 #include <QLocalSocket>
-#include <cstdio>
+#include <iostream>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -20,8 +20,7 @@ constexpr int longestLine = 65536;  // more without a line end is no command
 
 void print(const QByteArray& text)
 {
-    std::fwrite(text.constData(), 1, size_t(text.size()), stdout);
-    std::fflush(stdout);
+    std::cout << text.constData() << std::flush;
 }
 
 bool isSocket(const QString& path)

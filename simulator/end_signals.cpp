@@ -24,6 +24,14 @@ void onSignal(int)
     static_cast<void>(written);  // a full pipe has told the loop already
 }
 
+void answer(int signalNumber, void (*handler)(int))
+{
+    struct sigaction action = {};
+    action.sa_handler = handler;
+    action.sa_flags = SA_RESTART;
+    ::sigaction(signalNumber, &action, nullptr);
+}
+
 }  // namespace
 
 EndSignals::EndSignals()
@@ -32,10 +40,10 @@ EndSignals::EndSignals()
         return;  // the signals then end the program at once, as they do by themselves
     m_notifier = std::make_unique<QSocketNotifier>(pipeEnds[0], QSocketNotifier::Read);
     QObject::connect(m_notifier.get(), &QSocketNotifier::activated, &QCoreApplication::quit);
-    std::signal(SIGINT, onSignal);
-    std::signal(SIGTERM, onSignal);
-    std::signal(SIGPIPE, SIG_IGN);  // a client that left is no reason to end
-    std::signal(SIGTTIN, SIG_IGN);  // in the background the terminal's input is simply not ours
+    answer(SIGINT, onSignal);
+    answer(SIGTERM, onSignal);
+    answer(SIGPIPE, SIG_IGN);  // a client that left is no reason to end
+    answer(SIGTTIN, SIG_IGN);  // in the background the terminal's input is simply not ours
 }
 
 }  // namespace fxsim

@@ -17,23 +17,23 @@ constexpr int maxCount = 1000;
 
 // clang-format off
 const FaultFacts facts[faultKinds] = {
-    // kind                   name           value  least most      text
-    {FaultKind::PowerCycle,  "power-cycle",    500,  0, maxMs,    "the PLC goes off for VALUE ms; memory and program start anew"},
-    {FaultKind::LinkDrop,    "link-drop",     1000,  0, maxMs,    "the link is closed under the host and comes back after VALUE ms"},
-    {FaultKind::Silence,     "silence",          0,  0, 0,        "the request is carried out, its reply is lost"},
-    {FaultKind::Nak,         "nak",              0,  0, 0,        "the request is refused with NAK and not carried out"},
-    {FaultKind::Delay,       "delay",         1500,  0, maxMs,    "the reply comes VALUE ms late"},
-    {FaultKind::WrongSum,    "wrong-sum",        0,  0, 0,        "the reply carries a wrong sum (not on a lone ACK)"},
-    {FaultKind::FlippedBits, "flipped-bits",     1,  1, maxCount, "VALUE bits of the reply are flipped (two can hide from the sum)"},
-    {FaultKind::Bit7,        "bit7",             0,  0, 0,        "bit 7 carries even parity, as when a 7E1 line is read as 8N1"},
-    {FaultKind::Truncated,   "truncated",        0,  0, maxCount, "only the first VALUE characters arrive (0: a number at random)"},
-    {FaultKind::LostStx,     "lost-stx",         0,  0, 0,        "the STX is missing (not on a lone ACK)"},
-    {FaultKind::LostEtx,     "lost-etx",         0,  0, 0,        "the ETX is missing (not on a lone ACK)"},
-    {FaultKind::JunkBefore,  "junk-before",      0,  0, maxCount, "VALUE stray characters come before the reply (0: 1 to 8)"},
-    {FaultKind::JunkAfter,   "junk-after",       0,  0, maxCount, "VALUE stray characters come after the reply (0: 1 to 8)"},
-    {FaultKind::Duplicate,   "duplicate",        0,  0, maxMs,    "the reply comes twice, VALUE ms apart"},
-    {FaultKind::Slices,      "slices",          20,  0, maxMs,    "the reply comes in slices of 32 characters, VALUE ms apart"},
-    {FaultKind::Echo,        "echo",             0,  0, 0,        "the request comes back before the reply"},
+    // kind                    value  least  most      name             text
+    {FaultKind::PowerCycle,     500,     0, maxMs,    "power-cycle",   "the PLC goes off for VALUE ms; memory and program start anew"},
+    {FaultKind::LinkDrop,      1000,     0, maxMs,    "link-drop",     "the link is closed under the host and comes back after VALUE ms"},
+    {FaultKind::Silence,          0,     0, 0,        "silence",       "the request is carried out, its reply is lost"},
+    {FaultKind::Nak,              0,     0, 0,        "nak",           "the request is refused with NAK and not carried out"},
+    {FaultKind::Delay,         1500,     0, maxMs,    "delay",         "the reply comes VALUE ms late"},
+    {FaultKind::WrongSum,         0,     0, 0,        "wrong-sum",     "the reply carries a wrong sum (not on a lone ACK)"},
+    {FaultKind::FlippedBits,      1,     1, maxCount, "flipped-bits",  "VALUE bits of the reply are flipped (two can hide from the sum)"},
+    {FaultKind::Bit7,             0,     0, 0,        "bit7",          "bit 7 carries even parity, as when a 7E1 line is read as 8N1"},
+    {FaultKind::Truncated,        0,     0, maxCount, "truncated",     "only the first VALUE characters arrive (0: a number at random)"},
+    {FaultKind::LostStx,          0,     0, 0,        "lost-stx",      "the STX is missing (not on a lone ACK)"},
+    {FaultKind::LostEtx,          0,     0, 0,        "lost-etx",      "the ETX is missing (not on a lone ACK)"},
+    {FaultKind::JunkBefore,       0,     0, maxCount, "junk-before",   "VALUE stray characters come before the reply (0: 1 to 8)"},
+    {FaultKind::JunkAfter,        0,     0, maxCount, "junk-after",    "VALUE stray characters come after the reply (0: 1 to 8)"},
+    {FaultKind::Duplicate,        0,     0, maxMs,    "duplicate",     "the reply comes twice, VALUE ms apart"},
+    {FaultKind::Slices,          20,     0, maxMs,    "slices",        "the reply comes in slices of 32 characters, VALUE ms apart"},
+    {FaultKind::Echo,             0,     0, 0,        "echo",          "the request comes back before the reply"},
 };
 // clang-format on
 
@@ -59,6 +59,11 @@ const FaultFacts* findFacts(const QString& name)
     return nullptr;
 }
 
+[[noreturn]] void refuse(const QString& item, const QString& why)
+{
+    throw PlanError{QStringLiteral("fault '%1': %2").arg(item, why)};
+}
+
 double parseRate(const QString& item, QString text)
 {
     const bool percent = text.endsWith('%');
@@ -67,8 +72,7 @@ double parseRate(const QString& item, QString text)
     bool ok = false;
     const double rate = text.toDouble(&ok) / (percent ? 100 : 1);
     if (!ok || !(rate >= 0 && rate <= 1))
-        throw PlanError{
-            QStringLiteral("fault '%1': the rate must be 0 to 1, or 0% to 100%").arg(item)};
+        refuse(item, QStringLiteral("the rate must be 0 to 1, or 0% to 100%"));
     return rate;
 }
 
@@ -77,10 +81,8 @@ qint64 parseExchange(const QString& item, const QString& text)
     bool ok = false;
     const qint64 number = text.toLongLong(&ok);
     if (!ok || number < 1)
-        throw PlanError{
-            QStringLiteral(
-                "fault '%1': exchanges are numbers from 1, as in @3, @7-9, @20- or @3+7-9")
-                .arg(item)};
+        refuse(item,
+               QStringLiteral("exchanges are numbers from 1, as in @3, @7-9, @20- or @3+7-9"));
     return number;
 }
 
@@ -96,21 +98,19 @@ ExchangeSpan parseSpan(const QString& item, const QString& text)
                             end.isEmpty() ? std::numeric_limits<qint64>::max()
                                           : parseExchange(item, end)};
     if (span.last < span.first)
-        throw PlanError{QStringLiteral("fault '%1': the span ends before it begins").arg(item)};
+        refuse(item, QStringLiteral("the span ends before it begins"));
     return span;
 }
 
 int parseValue(const QString& item, const QString& text, const FaultFacts& row)
 {
     if (row.highestValue == 0)
-        throw PlanError{QStringLiteral("fault '%1': %2 takes no value").arg(item, row.name)};
+        refuse(item, QStringLiteral("%1 takes no value").arg(row.name));
     bool ok = false;
     const int value = text.toInt(&ok);
+    const QString range = QStringLiteral("%1 to %2").arg(row.lowestValue).arg(row.highestValue);
     if (!ok || value < row.lowestValue || value > row.highestValue)
-        throw PlanError{QStringLiteral("fault '%1': the value must be %2 to %3")
-                            .arg(item)
-                            .arg(row.lowestValue)
-                            .arg(row.highestValue)};
+        refuse(item, QStringLiteral("the value must be %1").arg(range));
     return value;
 }
 
@@ -118,8 +118,7 @@ int parseValue(const QString& item, const QString& text, const FaultFacts& row)
 FaultRule parseWhen(const QString& item, int whenAt)
 {
     if (whenAt < 0)
-        throw PlanError{
-            QStringLiteral("fault '%1': say when, as in NAME=0.05 or NAME@3").arg(item)};
+        refuse(item, QStringLiteral("say when, as in NAME=0.05 or NAME@3"));
     FaultRule rule;
     const QString when = item.mid(whenAt + 1);
     if (item[whenAt] == '=') {
@@ -142,15 +141,14 @@ int whenPosition(const QString& item)
 void appendMixed(FaultPlan& plan, const QString& item, const FaultRule& when, const QString& value)
 {
     if (!when.spans.isEmpty())
-        throw PlanError{QStringLiteral("fault '%1': %2 goes by rate only").arg(item, mixedName)};
+        refuse(item, QStringLiteral("%1 goes by rate only").arg(mixedName));
     const FaultFacts& delay = factsOf(FaultKind::Delay);
     const int delayMs = value.isEmpty() ? delay.value : parseValue(item, value, delay);
     const int kinds = int(std::size(lineFaults));
-    for (const FaultKind kind : lineFaults)
-        plan.append({kind,
-                     kind == FaultKind::Delay ? delayMs : factsOf(kind).value,
-                     when.rate / kinds,
-                     {}});
+    for (const FaultKind kind : lineFaults) {
+        const int faultValue = kind == FaultKind::Delay ? delayMs : factsOf(kind).value;
+        plan.append({kind, faultValue, when.rate / kinds, {}});
+    }
 }
 
 void appendItem(FaultPlan& plan, const QString& item)

@@ -43,10 +43,10 @@ constexpr int faultKinds = 16;
 struct FaultFacts
 {
     FaultKind kind;
-    const char* name;
     int value;  // when the plan gives none; what it means stands in the text
     int lowestValue;
     int highestValue;
+    const char* name;
     const char* text;
 };
 

@@ -45,6 +45,12 @@ void HostConnection::sendDue()
         m_timer.start(int(std::max<qint64>(0, (nextUs - nowUs + usPerMs - 1) / usPerMs)));
 }
 
+Link::Link(Simulator& simulator, const Clock& clock) : m_simulator(simulator), m_clock(clock)
+{
+    m_return.setSingleShot(true);
+    connect(&m_return, &QTimer::timeout, this, &Link::reopen);
+}
+
 void Link::drop(int forMs)
 {
     if (m_down)
@@ -54,7 +60,7 @@ void Link::drop(int forMs)
     close();
     m_failureTold = false;
     emit message(QStringLiteral("link down: %1, back in %2 ms").arg(gone).arg(forMs));
-    QTimer::singleShot(forMs, this, &Link::reopen);
+    m_return.start(forMs);
 }
 
 void Link::reopen()
@@ -68,7 +74,7 @@ void Link::reopen()
     if (!m_failureTold)
         emit message(QStringLiteral("%1; trying again").arg(error));
     m_failureTold = true;
-    QTimer::singleShot(reopenMs, this, &Link::reopen);
+    m_return.start(reopenMs);
 }
 
 }  // namespace fxsim

@@ -48,7 +48,7 @@ class Link : public QObject
     Q_OBJECT
 
 public:
-    Link(Simulator& simulator, const Clock& clock) : m_simulator(simulator), m_clock(clock) {}
+    Link(Simulator& simulator, const Clock& clock);
 
     virtual QString open() = 0;  // what went wrong, or nothing
     virtual void close() = 0;
@@ -68,6 +68,7 @@ private:
 
     Simulator& m_simulator;
     const Clock& m_clock;
+    QTimer m_return;
     bool m_down = false;
     bool m_failureTold = false;
 };

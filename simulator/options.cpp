@@ -184,11 +184,10 @@ EnquiryMode enquiryMode(const std::string& text)
 Settings readSettings(const RawOptions& raw)
 {
     Settings settings;
+    const QString speeds = QStringLiteral("%1 to %2").arg(slowestBaud).arg(fastestBaud);
     if (raw.baud != 0 && (raw.baud < slowestBaud || raw.baud > fastestBaud))
-        throw UsageError{QStringLiteral("--baud: %1 is no speed; wanted is 0 or %2 to %3")
-                             .arg(raw.baud)
-                             .arg(slowestBaud)
-                             .arg(fastestBaud)};
+        throw UsageError{
+            QStringLiteral("--baud: %1 is no speed; wanted is 0 or %2").arg(raw.baud).arg(speeds)};
     if (raw.baud == 0 && !raw.serial.empty())
         throw UsageError{QStringLiteral("--serial: a serial port needs a speed, --baud 0 is none")};
     settings.timing = {raw.baud, raw.scanMs};

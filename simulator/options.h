@@ -26,26 +26,27 @@ constexpr quint16 defaultPort = 8888;
 
 struct Options
 {
-    bool pty = false;
+    Settings settings;
+
     QString linkPath;
-    bool tcp = false;
     QHostAddress tcpAddress = QHostAddress(QHostAddress::LocalHost);
-    quint16 tcpPort = defaultPort;
     QString serialDevice;
 
-    Settings settings;
     QVector<AddressRange> present;
     QVector<AddressRange> missing;
     QVector<MirrorWindow> mirrors;
-
     QString program;  // "sample", "none" or a file
     QString loadPath;
     QString savePath;
 
-    bool trace = false;
     QString tracePath;  // empty: standard error
-    bool stats = false;
     QString controlPath;
+
+    quint16 tcpPort = defaultPort;
+    bool pty = false;
+    bool tcp = false;
+    bool trace = false;
+    bool stats = false;
     bool commands = true;  // from standard input
 };
 

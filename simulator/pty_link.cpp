@@ -57,7 +57,7 @@ PtyLink::PtyLink(Simulator& simulator, const Clock& clock, const QString& linkPa
 
 PtyLink::~PtyLink()
 {
-    close();
+    PtyLink::close();
 }
 
 QString PtyLink::open()

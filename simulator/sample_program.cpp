@@ -24,7 +24,7 @@ constexpr int wideCounter = 0x0C00;
 constexpr int words = 0x1000;
 
 constexpr int wordBytes = 2;
-constexpr int inputStepMs = 500;
+constexpr qint64 inputStepMs = 500;
 constexpr int relayStepMs = 250;
 constexpr int tenthMs = 100;
 constexpr int timerCount = 4;
@@ -36,7 +36,7 @@ constexpr int wideStart = 65000;
 constexpr int widePerTenth = 37;
 constexpr int movingBits = 64;
 constexpr int movingStepMs = 200;
-constexpr int triangleTop = 1000;
+constexpr qint64 triangleTop = 1000;
 constexpr int triangleStepMs = 10;
 constexpr int sawTop = 100;
 constexpr double sinePeriodMs = 20000;
@@ -95,8 +95,8 @@ void setWords(PlcMemory& memory, qint64 elapsedMs)
     setWord(1, triangle <= triangleTop ? triangle : 2 * triangleTop - triangle);
     setWord(2, std::lround(1000 * std::sin(turn)));
     setWord(3, elapsedMs / tenthMs % sawTop);
-    for (int word = 0; word < 4; ++word)
-        setWord(4 + word, qint64(moving >> (16 * word) & 0xFFFF));
+    memory.setValue(words + wordBytes * 4, 2 * wordBytes, quint32(moving));
+    memory.setValue(words + wordBytes * 6, 2 * wordBytes, quint32(moving >> 32));
     memory.setValue(words + wordBytes * 8, 2 * wordBytes, quint32(elapsedMs));
 }
 

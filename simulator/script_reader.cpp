@@ -39,12 +39,11 @@ public:
         m_read.append(QLatin1String(key));
         const QJsonValue value = m_object[QLatin1String(key)];
         const double number = value.toDouble();
-        if (!value.isDouble() || number != std::floor(number) || number < double(lowest) ||
-            number > double(highest))
-            throw ScriptError{QStringLiteral("\"%1\" must be a whole number from %2 to %3")
-                                  .arg(key)
-                                  .arg(lowest)
-                                  .arg(highest)};
+        const bool whole = value.isDouble() && number == std::floor(number);
+        const QString wanted =
+            QStringLiteral("a whole number from %1 to %2").arg(lowest).arg(highest);
+        if (!whole || number < double(lowest) || number > double(highest))
+            throw ScriptError{QStringLiteral("\"%1\" must be %2").arg(key, wanted)};
         return qint64(number);
     }
 
@@ -199,7 +198,8 @@ QJsonArray stepsOf(const QByteArray& json)
 QVector<ScriptStep> readSteps(const QByteArray& json)
 {
     QVector<ScriptStep> steps;
-    for (const QJsonValue& value : stepsOf(json)) {
+    const QJsonArray array = stepsOf(json);
+    for (const QJsonValue& value : array) {
         try {
             steps.append(readStep(value.toObject()));
         } catch (const ScriptError& error) {

@@ -54,7 +54,7 @@ QByteArray Session::takeDue(qint64 nowUs)
 {
     noticePowerCycle();
     QVector<PacedLine::Sent> whole;
-    const QByteArray due = m_line.takeDue(nowUs, whole);
+    QByteArray due = m_line.takeDue(nowUs, whole);
     m_nowUs = nowUs;
     for (const PacedLine::Sent& sent : whole)
         trace(TraceEntry::Direction::ToHost, sent.bytes, sent.note);
