@@ -44,6 +44,7 @@ public:
     DriverSession& operator=(const DriverSession&) = delete;
 
     const DriverLibrary& library() const { return m_library; }
+    const SessionSettings& settings() const { return m_settings; }
     QString propertyString() const;
 
     // Replaces the polling plan; the number of blocks.

@@ -5,6 +5,8 @@
 
 #include "host/exchange_loop.h"
 
+#include <QElapsedTimer>
+
 #include <algorithm>
 
 namespace fxhost {
@@ -34,7 +36,11 @@ bool isTimeout(ReplyVerdict verdict)
 ExchangeLoop::ExchangeLoop(DriverSession& session, Link& link, const LoopSettings& settings)
     : m_session(session), m_link(link), m_settings(settings), m_timeout(settings.timeout)
 {
-    m_clock.start();
+    if (m_settings.clockUs)
+        return;
+    QElapsedTimer clock;
+    clock.start();
+    m_settings.clockUs = [clock] { return clock.nsecsElapsed() / 1000; };
 }
 
 std::optional<Exchange> ExchangeLoop::step()

@@ -20,8 +20,7 @@
 #include "host/link.h"
 #include "host/statistics.h"
 
-#include <QElapsedTimer>
-
+#include <functional>
 #include <optional>
 
 namespace fxhost {
@@ -29,7 +28,8 @@ namespace fxhost {
 struct LoopSettings
 {
     TimeoutLimits timeout;
-    int betweenBytesMs = 100;  // a USB adapter hands bytes over in slices with pauses
+    int betweenBytesMs = 100;         // a USB adapter hands bytes over in slices with pauses
+    std::function<qint64()> clockUs;  // empty: the real time; a simulated link may bring its own
 };
 
 class ExchangeLoop
@@ -52,7 +52,7 @@ public:
     const Statistics& statistics() const { return m_statistics; }
     Statistics& statistics() { return m_statistics; }
     const AdaptiveTimeout& timeout() const { return m_timeout; }
-    qint64 elapsedUs() const { return m_clock.nsecsElapsed() / 1000; }
+    qint64 elapsedUs() const { return m_settings.clockUs(); }
 
 private:
     void sendAndReceive(Exchange& exchange);
@@ -70,7 +70,6 @@ private:
     LoopSettings m_settings;
     AdaptiveTimeout m_timeout;
     Statistics m_statistics;
-    QElapsedTimer m_clock;
     bool m_repeating = false;  // the driver will give the same frame again
     ExchangeKind m_kind = ExchangeKind::CyclicRead;
     int m_enquiriesUnanswered = 0;  // in a row

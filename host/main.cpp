@@ -9,6 +9,7 @@
 #include "host/driver_library.h"
 #include "host/interrupt.h"
 #include "host/link_address.h"
+#include "host/values.h"
 
 #include <QCoreApplication>
 
@@ -30,22 +31,73 @@ int runAction(const Action& action)
         return static_cast<int>(action());
     } catch (const AddressError& error) {
         return complain(error, ExitCode::Usage);
+    } catch (const ValueError& error) {
+        return complain(error, ExitCode::Usage);
+    } catch (const UsageError& error) {
+        return complain(error, ExitCode::Usage);
     } catch (const LinkAddressError& error) {
         return complain(error, ExitCode::Usage);
     } catch (const LinkError& error) {
         return complain(error, ExitCode::LinkNotOpened);
     } catch (const LibraryError& error) {
         return complain(error, ExitCode::File);
+    } catch (const FileError& error) {
+        return complain(error, ExitCode::File);
     }
+}
+
+void addLinkOptions(CLI::App& app, CommonOptions& common)
+{
+    app.add_option("--link", common.link,
+                   "sim: (the default), serial:PATH?baud=9600, tcp:HOST:PORT or pty:PATH")
+        ->group("Link");
+    app.add_option("-b,--baud", common.baud, "Speed of a serial port, or of the simulator inside")
+        ->check(CLI::Range(50, 4000000))
+        ->group("Link");
+    app.add_option("--line", common.line, "Data bits, parity and stop bits of a serial port: 7E1")
+        ->group("Link");
+    app.add_option("-o,--timeout", common.timeoutMs,
+                   "Milliseconds to wait for an answer; without it the time adapts to the line")
+        ->check(CLI::Range(1, 60000))
+        ->group("Link");
+    app.add_option("--retries", common.retries, "How often a frame is sent again")
+        ->capture_default_str()
+        ->check(CLI::Range(0, 100))
+        ->group("Link");
+    app.add_option("--words", common.wordsPerFrame, "Words in one frame")
+        ->capture_default_str()
+        ->check(CLI::Range(1, 253))
+        ->group("Link");
+}
+
+void addOutputOptions(CLI::App& app, CommonOptions& common)
+{
+    OutputOptions& output = common.output;
+    app.add_flag_callback(
+           "--json", [&output] { output.mode = OutputMode::Json; }, "JSON")
+        ->group("Output");
+    app.add_flag_callback(
+           "--csv", [&output] { output.mode = OutputMode::Csv; }, "CSV")
+        ->group("Output");
+    app.add_flag("--timestamps", output.timestamps, "The time in front of everything")
+        ->group("Output");
+    app.add_flag("-q,--quiet", output.quiet, "No titles and no closing words")->group("Output");
 }
 
 void addCommands(CLI::App& app, CommonOptions& common, Action& action)
 {
     app.require_subcommand(1);
-    app.add_option("--library", common.library, "The driver library; else FX_DRIVER or nearby");
-    app.add_option("--link", common.link,
-                   "sim: (the default), serial:PATH?baud=9600, tcp:HOST:PORT or pty:PATH");
     app.fallthrough();
+    app.add_option("--library", common.library, "The driver library; else FX_DRIVER or nearby");
+    addLinkOptions(app, common);
+    addOutputOptions(app, common);
+    addTypesCommand(app, common, action);
+    addCheckCommand(app, common, action);
+    addSeriesCommand(app, common, action);
+    addPlanCommand(app, common, action);
+    addReadCommand(app, common, action);
+    addWriteCommand(app, common, action);
+    addWatchCommand(app, common, action);
     addDemoCommand(app, common, action);
 }
 

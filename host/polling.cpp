@@ -20,6 +20,33 @@ int endedOfKind(const Round& round, ExchangeKind kind)
                       [kind](const Exchange& exchange) { return exchange.kind == kind; }));
 }
 
+// The driver holds 513 writes at most and overwrites the last of them silently.
+constexpr int mostQueuedFrames = 256;
+
+int framesFor(const RegisterRange& range, int wordsPerFrame)
+{
+    if (range.type.isBit())
+        return range.count;
+    const int words = range.type.driverCount(range.count);
+    return (words + wordsPerFrame - 1) / wordsPerFrame;
+}
+
+void noteWrites(const Round& round, WriteOutcome& outcome)
+{
+    for (const Exchange& exchange : round.ended) {
+        if (exchange.kind != ExchangeKind::Write)
+            continue;
+        outcome.acknowledged += !exchange.hasFailed();
+        if (exchange.hasFailed() && !outcome.problem)
+            outcome.problem = exchange.verdict;
+    }
+}
+
+bool hasFailed(const Exchange& exchange, ExchangeKind kind)
+{
+    return exchange.kind == kind && exchange.hasFailed();
+}
+
 }  // namespace
 
 bool Round::allGood() const
@@ -63,22 +90,41 @@ Round flushWrites(ExchangeLoop& loop, int writes)
     });
 }
 
-bool readOnce(ExchangeLoop& loop, const RegisterRange& range)
+ReplyVerdict readOnce(ExchangeLoop& loop, const RegisterRange& range)
 {
     std::optional<bool> result;
+    std::optional<ReplyVerdict> failure;
     loop.session().onReadEnded = [&result](bool good) { result = good; };
     loop.session().queueRead(range);
-    runUntil(loop, [&result](const Round&) { return result.has_value(); });
+    const Round round = runUntil(loop, [&](const Round& soFar) {
+        // The driver drops what is queued behind a failed read, and reports only the last one.
+        if (!soFar.ended.isEmpty() && hasFailed(soFar.ended.last(), ExchangeKind::ConditionalRead))
+            failure = soFar.ended.last().verdict;
+        return result.has_value() || failure.has_value();
+    });
     loop.session().onReadEnded = nullptr;
-    return result.value_or(false);
+    if (round.linkLost)
+        return ReplyVerdict::LinkLost;
+    return result.value_or(false) ? ReplyVerdict::Good : failure.value_or(ReplyVerdict::Silence);
 }
 
-int writeFrames(const RegisterRange& range, const SessionSettings& settings)
+WriteOutcome writeRegisters(ExchangeLoop& loop, const RegisterRange& range,
+                            const QVector<quint32>& values)
 {
-    if (range.type.isBit())
-        return range.count;
-    const int words = range.type.driverCount(range.count);
-    return (words + settings.wordsPerFrame - 1) / settings.wordsPerFrame;
+    const int wordsPerFrame = loop.session().settings().wordsPerFrame;
+    const int portion = range.type.isBit() ? mostQueuedFrames : mostQueuedFrames * wordsPerFrame;
+    WriteOutcome outcome;
+    loop.session().setPlan({range.part(0, 1)});
+    for (int done = 0; done < range.count && outcome.isGood(); done += portion) {
+        const int count = std::min(portion, range.count - done);
+        loop.session().write(range.part(done, count), values.mid(done, count));
+        const int frames = framesFor(range.part(done, count), wordsPerFrame);
+        outcome.frames += frames;
+        noteWrites(flushWrites(loop, frames), outcome);
+        if (outcome.isGood() && outcome.acknowledged < outcome.frames)
+            outcome.problem = ReplyVerdict::LinkLost;
+    }
+    return outcome;
 }
 
 }  // namespace fxhost

@@ -31,11 +31,23 @@ Round pollCycle(ExchangeLoop& loop, int blocks);
 // Until `writes` host writes have ended. Needs a plan: without one the driver sends three at most.
 Round flushWrites(ExchangeLoop& loop, int writes);
 
-// Reads a range once, ahead of the plan; the result that the driver's completion callback gave, or
-// false when it did not come. Needs a plan as well.
-bool readOnce(ExchangeLoop& loop, const RegisterRange& range);
+// Reads a range once, ahead of the plan: good when the driver's completion callback said so, else
+// why not. Needs a plan as well. A read in several frames ends with the first that fails.
+ReplyVerdict readOnce(ExchangeLoop& loop, const RegisterRange& range);
 
-// How many frames a write takes: one a bit, else as many as the words need.
-int writeFrames(const RegisterRange& range, const SessionSettings& settings);
+// What became of a write, frame by frame: one a bit, else as many as the words need.
+struct WriteOutcome
+{
+    int frames = 0;
+    int acknowledged = 0;
+    std::optional<ReplyVerdict> problem;  // of the first frame that failed, or was not sent
+
+    bool isGood() const { return !problem; }
+};
+
+// Writes and waits for the acknowledges, a portion at a time that the driver's queue can hold.
+// Stops at the first portion that fails. Replaces the plan by the range's first register.
+WriteOutcome writeRegisters(ExchangeLoop& loop, const RegisterRange& range,
+                            const QVector<quint32>& values);
 
 }  // namespace fxhost

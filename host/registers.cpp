@@ -41,6 +41,19 @@ RegisterType describe(const DriverLibrary& library, const QString& name)
 
 }  // namespace
 
+QString widthText(RegisterWidth width)
+{
+    switch (width) {
+    case RegisterWidth::Bit:
+        return QStringLiteral("bit");
+    case RegisterWidth::Word:
+        return QStringLiteral("16 bits");
+    case RegisterWidth::DoubleWord:
+        return QStringLiteral("32 bits");
+    }
+    return {};
+}
+
 int RegisterType::valueBytes() const
 {
     switch (width) {
@@ -62,6 +75,14 @@ int RegisterType::driverCount(int count) const
 QString RegisterType::numberText(int number) const
 {
     return QString::number(number, numberBase);
+}
+
+RegisterRange RegisterRange::part(int offset, int partCount) const
+{
+    RegisterRange range = *this;
+    range.first += offset;
+    range.count = partCount;
+    return range;
 }
 
 QString RegisterRange::nameOf(int index) const

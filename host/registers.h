@@ -20,6 +20,8 @@ enum class RegisterWidth
     DoubleWord = 2,
 };
 
+QString widthText(RegisterWidth width);  // "bit", "16 bits", "32 bits"
+
 struct RegisterType
 {
     QString name;
@@ -44,6 +46,7 @@ struct RegisterRange
     int first = 0;
     int count = 1;
 
+    RegisterRange part(int offset, int partCount) const;
     QString nameOf(int index) const;  // "D100"; "2#D100" on another station than 1
     QString text() const;             // "D100" or "D100:32"
 };

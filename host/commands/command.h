@@ -1,15 +1,18 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// What every command of fxhost shares: the options that stand before it, its exit codes, and how
-// it is added to the command line.
+// What every command of fxhost shares: the options that may stand before or behind it, its exit
+// codes, and how it is added to the command line. A file of this folder is one command.
 
 #pragma once
+
+#include "host/report/records.h"
 
 #include <CLI/CLI.hpp>
 
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace fxhost {
 
@@ -30,12 +33,39 @@ enum class ExitCode
 struct CommonOptions
 {
     std::string library;
-    std::string link;  // empty: what the command takes unless told otherwise
+    std::string link;   // empty: what the command takes unless told otherwise
+    int baud = 0;       // 0: the link's own
+    std::string line;   // empty: the link's own
+    int timeoutMs = 0;  // 0: adapts to the line
+    int retries = 2;
+    int wordsPerFrame = 32;
+    OutputOptions output;
+};
+
+// A file that cannot be read or written, or whose content is wrong; the text names file and line.
+class FileError : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// A command line that parses but makes no sense; the text says what would.
+class UsageError : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
 };
 
 // What is run once the whole command line was read and found good.
 using Action = std::function<ExitCode()>;
 
+void addCheckCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addDemoCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addPlanCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addReadCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addSeriesCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addTypesCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addWatchCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addWriteCommand(CLI::App& app, const CommonOptions& common, Action& action);
 
 }  // namespace fxhost

@@ -3,12 +3,9 @@
 //
 // fxhost demo: everything that the driver does, shown on a simulated PLC in half a minute.
 
-#include "host/commands/command.h"
+#include "host/commands/connection.h"
 #include "host/demo/chapters.h"
 #include "host/interrupt.h"
-#include "host/link_address.h"
-
-#include <QLoggingCategory>
 
 #include <memory>
 
@@ -64,17 +61,12 @@ void showChapters(DemoBench& bench, bool live)
 
 ExitCode runDemo(const CommonOptions& common, const DemoOptions& options)
 {
-    const DriverLibrary library(QString::fromStdString(common.library));
-    const std::unique_ptr<Link> link =
-        makeLink(common.link.empty() ? simulatedLine : QString::fromStdString(common.link));
-    link->open();
-    const Control control(*link, options.control);
-    DriverSession session(library, {});
-    ExchangeLoop loop(session, *link);
-    const RegisterCatalogue catalogue(library);
-    DemoBench bench(loop, catalogue, control.get());
+    Connection connection(common, simulatedLine);
+    const Control control(connection.link(), options.control);
+    DemoBench bench(connection.loop(), connection.catalogue(), control.get());
     bench.console().line(QStringLiteral("driver %1\nlink   %2, property string \"%3\"")
-                             .arg(library.fileName(), link->name(), session.propertyString()));
+                             .arg(connection.library().fileName(), connection.link().name(),
+                                  connection.session().propertyString()));
     showChapters(bench, options.live);
     if (bench.refuted() > 0)
         return ExitCode::SomeFailed;

@@ -49,7 +49,7 @@ bool plcHolds(DemoBench& bench, const QVector<RegisterRange>& entries,
 {
     size_t word = 0;
     for (const RegisterRange& entry : entries) {
-        if (!readOnce(bench.loop(), entry))
+        if (readOnce(bench.loop(), entry) != ReplyVerdict::Good)
             return false;
         for (const quint32 value : bench.session().values(entry)) {
             if (value != recipeNumber(entry.type, words, word))

@@ -5,49 +5,13 @@
 // does not show its plan, but its first cycle of frames is the plan.
 
 #include "host/addresses.h"
+#include "host/blocks.h"
 #include "host/demo/chapters.h"
 #include "host/report/table.h"
 
 namespace fxhost {
 
 namespace {
-
-QString widthText(RegisterWidth width)
-{
-    switch (width) {
-    case RegisterWidth::Bit:
-        return QStringLiteral("bit");
-    case RegisterWidth::Word:
-        return QStringLiteral("16 bits");
-    case RegisterWidth::DoubleWord:
-        return QStringLiteral("32 bits");
-    }
-    return {};
-}
-
-// What one block of the plan reads, as a range.
-RegisterRange blockRange(const RegisterCatalogue& catalogue, const VARIABLE& block)
-{
-    RegisterRange range;
-    range.type = *catalogue.find(block.registerType);
-    range.station = block.stationNo;
-    range.first = block.addressIndex;
-    range.count = range.type.isBit() ? 8 * block.count : block.count;
-    return range;
-}
-
-QString fromToText(const RegisterRange& range)
-{
-    return range.count == 1
-               ? range.nameOf(0)
-               : range.nameOf(0) + QStringLiteral(" … ") + range.nameOf(range.count - 1);
-}
-
-bool isInside(const RegisterRange& inner, const RegisterRange& outer)
-{
-    return inner.type.name == outer.type.name && inner.station == outer.station &&
-           inner.first >= outer.first && inner.first < outer.first + outer.count;
-}
 
 QString askedFor(const QVector<ScreenItem>& screen, const RegisterRange& block)
 {

@@ -63,7 +63,7 @@ void showConditionalRead(DemoBench& bench)
     const RegisterRange range = bench.range("D100:40");
     const qint64 framesBefore =
         bench.loop().statistics().of(ExchangeKind::ConditionalRead).accepted;
-    const bool good = readOnce(bench.loop(), range);
+    const bool good = readOnce(bench.loop(), range) == ReplyVerdict::Good;
     const qint64 frames =
         bench.loop().statistics().of(ExchangeKind::ConditionalRead).accepted - framesBefore;
     bench.console().line(

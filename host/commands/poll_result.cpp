@@ -1,0 +1,56 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// See poll_result.h.
+
+#include "host/commands/poll_result.h"
+
+#include "host/interrupt.h"
+
+namespace fxhost {
+
+QJsonValue PolledValue::error() const
+{
+    return problem ? QJsonValue(verdictText(*problem)) : QJsonValue(QJsonValue::Undefined);
+}
+
+QVector<PolledValue> polledValues(const Poller& poller, const RegisterRange& range,
+                                  ValueFormat format)
+{
+    const QVector<quint32> registers = poller.values(range);
+    const int step = registersPerValue(range.type, format);
+    if (range.count % step != 0) {
+        throw UsageError(range.text().toStdString() +
+                         ": these values take two words each, so the count must be even");
+    }
+    QVector<PolledValue> values;
+    for (int index = 0; index < range.count; index += step) {
+        PolledValue polled;
+        polled.name = range.nameOf(index);
+        polled.problem = poller.problemOf(range, index);
+        if (!polled.problem && step > 1)
+            polled.problem = poller.problemOf(range, index + 1);
+        if (!polled.problem)
+            polled.value = valueOf(&registers[index], range.type, format);
+        values.append(polled);
+    }
+    return values;
+}
+
+void PollResult::count(const PolledValue& polled)
+{
+    ++(polled.problem ? m_failed : m_good);
+    if (!m_firstProblem)
+        m_firstProblem = polled.problem;
+}
+
+ExitCode PollResult::exitCode() const
+{
+    if (interrupted())
+        return ExitCode::Interrupted;
+    if (m_failed == 0)
+        return ExitCode::Good;
+    return m_good > 0 ? ExitCode::SomeFailed : exitCodeOf(*m_firstProblem);
+}
+
+}  // namespace fxhost

@@ -1,0 +1,41 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// The values of one polling cycle as commands show them, and what the cycle means for the exit
+// code.
+
+#pragma once
+
+#include "host/commands/connection.h"
+#include "host/poller.h"
+#include "host/values.h"
+
+namespace fxhost {
+
+struct PolledValue
+{
+    QString name;
+    QJsonValue value = QJsonValue::Undefined;  // undefined when it was not read
+    std::optional<ReplyVerdict> problem;
+
+    QJsonValue error() const;  // the problem's text, or undefined
+};
+
+QVector<PolledValue> polledValues(const Poller& poller, const RegisterRange& range,
+                                  ValueFormat format);
+
+class PollResult
+{
+public:
+    void count(const PolledValue& polled);
+
+    // Good; or that some values failed; or, when all failed, the reason of the first.
+    ExitCode exitCode() const;
+
+private:
+    int m_good = 0;
+    int m_failed = 0;
+    std::optional<ReplyVerdict> m_firstProblem;
+};
+
+}  // namespace fxhost
