@@ -1,0 +1,52 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// The limits by which requests are cut, for every word limit that a property string can bring.
+
+#include "tests/support/driver_fixture.h"
+
+#include <ostream>
+
+namespace {
+struct Row
+{
+    const char* name;
+    const char* propertyString;
+    int words;
+    int bits;
+};
+
+std::ostream& operator<<(std::ostream& out, const Row& row)
+{
+    return out << row.propertyString;
+}
+
+class RequestLimits : public DriverTest, public ::testing::WithParamInterface<Row>
+{};
+
+TEST_P(RequestLimits, NeverDivideByLessThanOneWordOrEightBits)
+{
+    setUpDriver(GetParam().propertyString);
+    EXPECT_EQ(GetParam().words, wordsPerRequest());
+    EXPECT_EQ(GetParam().bits, bitsPerRequest());
+}
+
+const Row rows[] = {
+    {"Usual", "1#0#0#3#32", 32, 256},
+    {"One", "1#0#0#3#1", 1, 8},
+    {"ZeroCountsAsOne", "1#0#0#3#0", 1, 8},
+    {"MinusOneCountsAsOne", "1#0#0#3#-1", 1, 8},
+    {"SmallestIntegerCountsAsOne", "1#0#0#3#-2147483648", 1, 8},
+    {"NoNumberCountsAsOne", "1#0#0#3#x", 1, 8},
+};
+
+INSTANTIATE_TEST_SUITE_P(PropertyStrings, RequestLimits, ::testing::ValuesIn(rows),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST_F(DriverTest, HugeLimitStaysPositiveForWordsAndBits)
+{
+    setUpDriver("1#0#0#3#2147483647");
+    EXPECT_GE(wordsPerRequest(), 65536);
+    EXPECT_GE(bitsPerRequest(), 65536);
+}
+}  // namespace
