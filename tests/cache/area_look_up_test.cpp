@@ -1,0 +1,237 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// Finding or creating a data area, through whatever happens to the list in between, and the
+// setting of single bits.
+
+#include "cache/data_areas.h"
+#include "tests/support/driver_fixture.h"
+
+#include <ostream>
+#include <random>
+
+namespace {
+int indexOf(const char* registerType, int startIndex, int stationNo = 1)
+{
+    return getIndexOfDataArea(stationNo, QString::fromLatin1(registerType), startIndex,
+                              driver.dataAreas);
+}
+
+_DATA_ areaWithKey(const char* registerType, int startIndex, int stationNo = 1)
+{
+    _DATA_ made;
+    made.stationNo = stationNo;
+    made.registerType = QString::fromLatin1(registerType);
+    made.startIndex = startIndex;
+    return made;
+}
+
+using AreaLookUp = DriverTest;
+
+TEST_F(AreaLookUp, MissingAreaIsAppendedAllZero)
+{
+    EXPECT_EQ(0, indexOf("D", 100, 7));
+    ASSERT_EQ("7#D100", textOf(driver.dataAreas));
+    const _DATA_& made = driver.dataAreas.at(0);
+    EXPECT_EQ(0, made.flag0);
+    EXPECT_EQ(0, made.bufferSelect);
+    EXPECT_EQ(0, made.word1);
+    EXPECT_EQ(0, made.monitorFlags);
+    EXPECT_EQ(0, made.changeFlags);
+    EXPECT_EQ(Bytes(4, 0), firstBytes(made.valueBuffer0, 4));
+    EXPECT_EQ(Bytes(4, 0), firstBytes(made.valueBuffer1, 4));
+}
+
+TEST_F(AreaLookUp, ExistingAreaIsFoundAndNeverMoves)
+{
+    EXPECT_EQ(0, indexOf("D", 5));
+    EXPECT_EQ(1, indexOf("D", 3));
+    EXPECT_EQ(2, indexOf("M", 8));
+    EXPECT_EQ(1, indexOf("D", 3));
+    EXPECT_EQ(0, indexOf("D", 5));
+    EXPECT_EQ("1#D5 1#D3 1#M8", textOf(driver.dataAreas));
+}
+
+TEST_F(AreaLookUp, StationTypeAndStartTellAreasApart)
+{
+    EXPECT_EQ(0, indexOf("D", 5, 1));
+    EXPECT_EQ(1, indexOf("D", 5, 2));
+    EXPECT_EQ(2, indexOf("SD", 5, 1));
+    EXPECT_EQ(3, indexOf("d", 5, 1));
+    EXPECT_EQ(4, indexOf("D", 6, 1));
+    EXPECT_EQ(5, driver.dataAreas.size());
+}
+
+TEST_F(AreaLookUp, AnyTextIsAKey)
+{
+    EXPECT_EQ(0, indexOf("", 0));
+    EXPECT_EQ(1, indexOf("no such type", 0));
+    EXPECT_EQ(0, getIndexOfDataArea(1, QString(), 0, driver.dataAreas));
+}
+
+TEST_F(AreaLookUp, BitStartsAreTakenAsTheyAre)
+{
+    EXPECT_EQ(0, indexOf("M", 13));
+    EXPECT_EQ(1, indexOf("M", 8));
+}
+
+TEST_F(AreaLookUp, FoundAreaKeepsItsContents)
+{
+    indexOf("D", 5);
+    driver.dataAreas[0].valueBuffer0[0] = 9;
+    driver.dataAreas[0].flag0 = 1;
+    EXPECT_EQ(0, indexOf("D", 5));
+    EXPECT_EQ(9, driver.dataAreas.at(0).valueBuffer0[0]);
+    EXPECT_EQ(1, driver.dataAreas.at(0).flag0);
+}
+
+TEST_F(AreaLookUp, FirstOfEqualAreasIsTheAnswer)
+{
+    driver.dataAreas << areaWithKey("D", 1) << areaWithKey("D", 5) << areaWithKey("D", 5);
+    EXPECT_EQ(1, indexOf("D", 5));
+    EXPECT_EQ(3, driver.dataAreas.size());
+}
+
+TEST_F(AreaLookUp, EmptiedListBeginsAnew)
+{
+    indexOf("D", 5);
+    indexOf("D", 6);
+    driver.dataAreas.clear();
+    EXPECT_EQ(0, indexOf("D", 6));
+    EXPECT_EQ("1#D6", textOf(driver.dataAreas));
+}
+
+TEST_F(AreaLookUp, ReplacedListOfTheSameSizeIsSeen)
+{
+    indexOf("D", 5);
+    indexOf("D", 6);
+    QList<_DATA_> other;
+    other << areaWithKey("D", 6) << areaWithKey("M", 0);
+    driver.dataAreas = other;
+    EXPECT_EQ(0, indexOf("D", 6));
+    EXPECT_EQ(1, indexOf("M", 0));
+    EXPECT_EQ(2, indexOf("D", 5));
+}
+
+TEST_F(AreaLookUp, AreaAppendedDirectlyIsSeen)
+{
+    indexOf("D", 5);
+    driver.dataAreas << areaWithKey("TV", 9);
+    EXPECT_EQ(1, indexOf("TV", 9));
+    EXPECT_EQ(2, driver.dataAreas.size());
+}
+
+TEST_F(AreaLookUp, KeyEditedInPlaceIsSeen)
+{
+    indexOf("D", 5);
+    indexOf("D", 6);
+    driver.dataAreas[0].startIndex = 77;
+    EXPECT_EQ(0, indexOf("D", 77));
+    EXPECT_EQ(2, indexOf("D", 5));
+    driver.dataAreas[1].registerType = QString::fromLatin1("TV");
+    EXPECT_EQ(1, indexOf("TV", 6));
+    driver.dataAreas[1].stationNo = 4;
+    EXPECT_EQ(1, indexOf("TV", 6, 4));
+}
+
+TEST_F(AreaLookUp, RemovedAreaIsSeen)
+{
+    indexOf("D", 5);
+    indexOf("D", 6);
+    driver.dataAreas.removeAt(0);
+    EXPECT_EQ(0, indexOf("D", 6));
+    EXPECT_EQ(1, indexOf("D", 5));
+}
+
+TEST_F(AreaLookUp, AnotherListIsServedToo)
+{
+    indexOf("D", 5);
+    QList<_DATA_> other;
+    EXPECT_EQ(0, getIndexOfDataArea(1, QString::fromLatin1("M"), 8, other));
+    EXPECT_EQ(1, getIndexOfDataArea(1, QString::fromLatin1("D"), 5, other));
+    EXPECT_EQ(0, indexOf("D", 5));
+    EXPECT_EQ(1, driver.dataAreas.size());
+    EXPECT_EQ(2, other.size());
+}
+
+TEST_F(AreaLookUp, CopyOfTheListStaysAsItWas)
+{
+    indexOf("D", 5);
+    const QList<_DATA_> copy = driver.dataAreas;
+    indexOf("D", 6);
+    write("D", 5, {1, 2}, 1);
+    EXPECT_EQ(1, copy.size());
+    EXPECT_EQ(0, copy.at(0).bufferSelect);
+    EXPECT_EQ(0, indexOf("D", 5));
+}
+
+// A plain scan is the judge; the list is emptied, appended to and edited on the way.
+TEST_F(AreaLookUp, AnswersAsAScanThroughAnyRunOfChanges)
+{
+    static const char* const types[] = {"D", "M", "32CV"};
+    std::minstd_rand random(42);
+    const auto below = [&random](int limit) {
+        return static_cast<int>(random() % static_cast<unsigned int>(limit));
+    };
+    for (int step = 0; step < 5000; ++step) {
+        const char* type = types[below(3)];
+        const int start = below(60);
+        const int station = below(2);
+        const int known = areaOf(type, start, station);
+        const int wanted = known < 0 ? static_cast<int>(driver.dataAreas.size()) : known;
+        ASSERT_EQ(wanted, indexOf(type, start, station)) << "step " << step;
+        if (below(300) == 0)
+            driver.dataAreas.clear();
+        else if (below(10) == 0)
+            driver.dataAreas << areaWithKey(types[below(3)], below(60), below(2));
+        else if (below(10) == 0)
+            driver.dataAreas[below(static_cast<int>(driver.dataAreas.size()))].startIndex =
+                below(60);
+    }
+}
+
+struct Row
+{
+    const char* name;
+    int value;
+    int bit;
+    int on;
+    int result;
+};
+
+std::ostream& operator<<(std::ostream& out, const Row& row)
+{
+    return out << row.value << " bit " << row.bit << " on " << row.on;
+}
+
+class BitValue : public ::testing::TestWithParam<Row>
+{};
+
+TEST_P(BitValue, IsSetOrCleared)
+{
+    EXPECT_EQ(GetParam().result, _setBitValue(GetParam().value, GetParam().bit, GetParam().on));
+}
+
+constexpr int smallest = -2147483647 - 1;
+
+const Row bits[] = {
+    {"SetsBit0", 0, 0, 1, 1},
+    {"SetsBit7", 0, 7, 1, 128},
+    {"SetsBit30", 0, 30, 1, 1073741824},
+    {"SetsBit31", 0, 31, 1, smallest},
+    {"ClearsBit0", 3, 0, 0, 2},
+    {"ClearsBit7", 255, 7, 0, 127},
+    {"ClearsBit31", -1, 31, 0, 2147483647},
+    {"SetsASetBit", 128, 7, 1, 128},
+    {"ClearsAClearedBit", 127, 7, 0, 127},
+    {"AnyNonzeroSets", 0, 3, -5, 8},
+    {"Bit32ChangesNothing", 5, 32, 1, 5},
+    {"Bit32ClearsNothing", -1, 32, 0, -1},
+    {"BitMinusOneChangesNothing", 5, -1, 1, 5},
+    {"LargestBitChangesNothing", 5, 2147483647, 1, 5},
+    {"SmallestBitChangesNothing", 5, smallest, 0, 5},
+};
+
+INSTANTIATE_TEST_SUITE_P(Bits, BitValue, ::testing::ValuesIn(bits),
+                         [](const auto& row) { return std::string(row.param.name); });
+}  // namespace
