@@ -1,0 +1,368 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// Recipe transfers from the host's request byte to its clearing: entry by entry, ahead of
+// everything else, and what becomes of a transfer that cannot go on.
+
+#include "tests/support/driver_fixture.h"
+
+namespace {
+class RecipeTransfer : public DriverTest
+{
+protected:
+    RecipeTransfer() { setUpDriver(); }
+
+    void setRecipeBytes(int word, const Bytes& bytes)
+    {
+        unsigned char* next = recipeBytes() + 2 * word;
+        for (const int value : bytes)
+            *next++ = static_cast<unsigned char>(value);
+    }
+    unsigned char* recipeBytes() { return reinterpret_cast<unsigned char*>(recipeWords.data()); }
+    Bytes recipeAt(int word, int wordCount)
+    {
+        return firstBytes(recipeBytes() + 2 * word, 2 * wordCount);
+    }
+    static void setList(const QVector<_RCP_VAR_PRO>& list)
+    {
+        QVector<_RCP_VAR_PRO> copy = list;
+        intf_setRcpAddress(copy);
+    }
+    static QVector<_RCP_VAR_PRO> entries(const _RCP_VAR_PRO& first)
+    {
+        return QVector<_RCP_VAR_PRO>() << first;
+    }
+};
+
+TEST_F(RecipeTransfer, DownloadWritesEveryEntryThenClearsItsByte)
+{
+    setRecipeBytes(0, {0x34, 0x12, 0x78, 0x56});
+    setRecipeBytes(10, {0x01, 0x00});
+    setList(entries(recipeEntry("D", 100, 2, 0)) << recipeEntry("D", 200, 1, 10));
+    requestDownload();
+    EXPECT_EQ("<STX>110C80434127856<ETX>18", nextFrame());
+    EXPECT_EQ(5, driver.operationKind);
+    EXPECT_EQ(1, acknowledge());
+    EXPECT_EQ(1, driver.recipeIndex);
+    EXPECT_EQ(1, hostMemory[60115]);
+    EXPECT_EQ("<STX>11190020100<ETX>22", nextFrame());
+    EXPECT_EQ(1, acknowledge());
+    EXPECT_EQ(0, driver.recipeIndex);
+    EXPECT_EQ(0, hostMemory[60115]);
+    EXPECT_EQ("", nextFrame());
+    EXPECT_EQ(Texts(), calls);
+}
+
+TEST_F(RecipeTransfer, DownloadTouchesNoDataArea)
+{
+    setList(entries(recipeEntry("D", 100, 2, 0)));
+    requestDownload();
+    nextFrame();
+    acknowledge();
+    EXPECT_TRUE(driver.dataAreas.isEmpty());
+}
+
+TEST_F(RecipeTransfer, DownloadOfABitForcesIt)
+{
+    setRecipeBytes(3, {1, 0});
+    setList(entries(recipeEntry("M", 5, 1, 3)));
+    requestDownload();
+    EXPECT_EQ("<STX>70508<ETX>07", nextFrame());
+}
+
+// A counter's entry counts words on the way down and counters on the way up.
+TEST_F(RecipeTransfer, CountOfCountersGoesIntoTheFrameAsItStands)
+{
+    setRecipeBytes(0, {0x34, 0x12, 0x78, 0x56});
+    setList(entries(recipeEntry("32CV", 200, 2, 0)));
+    requestDownload();
+    EXPECT_EQ("<STX>10C000434127856<ETX>0F", nextFrame());
+    acknowledge();
+    requestUpload();
+    EXPECT_EQ("<STX>00C0008<ETX>6E", nextFrame());
+}
+
+TEST_F(RecipeTransfer, UploadStoresEveryEntryThenClearsItsByte)
+{
+    setList(entries(recipeEntry("D", 100, 2, 40)) << recipeEntry("TV", 0, 1, 50));
+    requestUpload();
+    EXPECT_EQ("<STX>010C804<ETX>73", nextFrame());
+    EXPECT_EQ(6, driver.operationKind);
+    EXPECT_EQ(1, reply("<STX>12345678<ETX>A7"));
+    EXPECT_EQ((Bytes{0, 0, 0x12, 0x34, 0x56, 0x78, 0, 0}), recipeAt(39, 4));
+    EXPECT_EQ((Texts{"0,-1,RWI,40", "0,-1,RWI,41"}), calls);
+    EXPECT_EQ(1, driver.recipeIndex);
+    EXPECT_EQ(1, hostMemory[60116]);
+    EXPECT_EQ("<STX>0080002<ETX>5D", nextFrame());
+    EXPECT_EQ(1, reply("<STX>ABCD<ETX>0D"));
+    EXPECT_EQ((Bytes{0xAB, 0xCD}), recipeAt(50, 1));
+    EXPECT_EQ(0, driver.recipeIndex);
+    EXPECT_EQ(0, hostMemory[60116]);
+}
+
+TEST_F(RecipeTransfer, UploadStoresInTheCacheToo)
+{
+    QList<KEY_ADDRESS> keys;
+    keys << watch("D", 100, 2);
+    intf_addrMerge(keys);
+    setList(entries(recipeEntry("D", 100, 2, 10)));
+    requestUpload();
+    nextFrame();
+    reply("<STX>12340000<ETX>8D");
+    EXPECT_EQ((Bytes{0x12, 0x34, 0, 0}), values("D", 100, 2, 4));
+    EXPECT_EQ((Texts{"1,1,D,100"}), callsWith("D"));
+    EXPECT_EQ((Texts{"0,-1,RWI,10", "0,-1,RWI,11"}), callsWith("RWI"));
+}
+
+TEST_F(RecipeTransfer, UploadOfUnchangedWordsStillStoresAndReportsThem)
+{
+    setList(entries(recipeEntry("D", 100, 1, 10)));
+    for (int round = 0; round < 2; ++round) {
+        calls.clear();
+        recipeWords[10] = 0xFFFF;
+        requestUpload();
+        nextFrame();
+        reply("<STX>1234<ETX>CD");
+        EXPECT_EQ((Texts{"0,-1,RWI,10"}), calls);
+        EXPECT_EQ((Bytes{0x12, 0x34}), recipeAt(10, 1));
+    }
+}
+
+TEST_F(RecipeTransfer, UploadOfACounterFillsTwoWords)
+{
+    setList(entries(recipeEntry("32CV", 200, 2, 10)));
+    requestUpload();
+    nextFrame();
+    EXPECT_EQ(1, reply("<STX>7856341201020304<ETX>31"));
+    EXPECT_EQ((Bytes{0x78, 0x56, 0x34, 0x12, 1, 2, 3, 4, 0, 0}), recipeAt(10, 5));
+    EXPECT_EQ((Texts{"0,-1,RWI,10", "0,-1,RWI,11", "0,-1,RWI,12", "0,-1,RWI,13"}), calls);
+}
+
+TEST_F(RecipeTransfer, UploadOfBitsStaysOutOfRecipeMemory)
+{
+    setList(entries(recipeEntry("M", 8, 1, 10)));
+    requestUpload();
+    nextFrame();
+    EXPECT_EQ(1, reply("<STX>FF<ETX>8F"));
+    EXPECT_EQ((Bytes{0, 0}), recipeAt(10, 1));
+    EXPECT_EQ(Texts(), calls);
+    EXPECT_EQ(0xFF, area("M", 8).valueBuffer0[0]);
+    EXPECT_EQ(0, hostMemory[60116]);
+}
+
+TEST_F(RecipeTransfer, ShortReplyUploadsZeros)
+{
+    recipeWords[10] = recipeWords[11] = 0xFFFF;
+    setList(entries(recipeEntry("D", 100, 4, 10)));
+    requestUpload();
+    nextFrame();
+    reply("<STX>12345678<ETX>A7");
+    EXPECT_EQ((Bytes{0x12, 0x34, 0x56, 0x78}), recipeAt(10, 2));
+    EXPECT_EQ((Texts{"0,-1,RWI,10", "0,-1,RWI,11", "0,-1,RWI,12", "0,-1,RWI,13"}), calls);
+}
+
+TEST_F(RecipeTransfer, HostThatChangesTheTextStillGetsTheNextOneRight)
+{
+    setList(entries(recipeEntry("32CV", 200, 1, 10)));
+    onCall = [](QString& text, int) { text = QString::fromLatin1("changed"); };
+    requestUpload();
+    nextFrame();
+    reply("<STX>12345678<ETX>A7");
+    EXPECT_EQ((Texts{"0,-1,RWI,10", "0,-1,RWI,11"}), calls);
+}
+
+TEST_F(RecipeTransfer, DownloadGoesBeforeUpload)
+{
+    setList(entries(recipeEntry("D", 100, 1, 0)) << recipeEntry("D", 101, 1, 1));
+    requestDownload();
+    requestUpload();
+    for (int i = 0; i < 2; ++i) {
+        nextRequest();
+        EXPECT_EQ(5, driver.operationKind);
+        acknowledge();
+    }
+    EXPECT_EQ(0, hostMemory[60115]);
+    EXPECT_EQ(1, hostMemory[60116]);
+    EXPECT_EQ("1#D100/1", nextRequest());
+    EXPECT_EQ(6, driver.operationKind);
+}
+
+TEST_F(RecipeTransfer, GoesBeforeWritesAndReads)
+{
+    driver.writeList << request("D", 1, 1);
+    driver.conditionReadList << request("D", 2, 1);
+    driver.readList << request("D", 3, 1);
+    setList(entries(recipeEntry("D", 100, 1, 0)));
+    requestDownload();
+    EXPECT_EQ("1#D100/1", nextRequest());
+    acknowledge();
+    requestUpload();
+    EXPECT_EQ("1#D100/1", nextRequest());
+    reply("<STX>0000<ETX>C3");
+    EXPECT_EQ("1#D1/1", nextRequest());
+}
+
+TEST_F(RecipeTransfer, OnlyEntriesOfThisLinkAreTransferred)
+{
+    setList(entries(recipeEntry("D", 1, 1, 0, 2))
+            << recipeEntry("D", 2, 1, 0) << recipeEntry("D", 3, 1, 0, 0)
+            << recipeEntry("D", 4, 1, 0) << recipeEntry("D", 5, 1, 0, 2));
+    requestDownload();
+    EXPECT_EQ("1#D2/1", nextRequest());
+    acknowledge();
+    EXPECT_EQ("1#D4/1", nextRequest());
+    acknowledge();
+    EXPECT_EQ(0, hostMemory[60115]);
+}
+
+TEST_F(RecipeTransfer, TagOfTheLastRequestStays)
+{
+    driver.current.tag = 77;
+    setList(entries(recipeEntry("D", 100, 1, 0)));
+    requestDownload();
+    nextRequest();
+    EXPECT_EQ(77, driver.frames.at(0).variable.tag);
+}
+
+TEST_F(RecipeTransfer, FailedDownloadAbandonsTheRest)
+{
+    setUpDriver("1#0#0#1#32");
+    setList(entries(recipeEntry("D", 100, 1, 0))
+            << recipeEntry("D", 101, 1, 0) << recipeEntry("D", 102, 1, 0));
+    requestDownload();
+    nextRequest();
+    acknowledge();
+    nextRequest();
+    EXPECT_EQ(2, reply("<NAK>"));
+    EXPECT_EQ(0, driver.recipeIndex);
+    EXPECT_EQ(0, hostMemory[60115]);
+    EXPECT_EQ("", nextRequest());
+    EXPECT_EQ(Texts(), calls);
+}
+
+TEST_F(RecipeTransfer, FailedUploadAbandonsTheRest)
+{
+    setUpDriver("1#0#0#1#32");
+    setList(entries(recipeEntry("D", 100, 1, 7)) << recipeEntry("D", 101, 1, 0));
+    recipeWords[7] = 0x5555;
+    requestUpload();
+    nextRequest();
+    EXPECT_EQ(2, reply(""));
+    EXPECT_EQ(0, driver.recipeIndex);
+    EXPECT_EQ(0, hostMemory[60116]);
+    EXPECT_EQ(0x5555, recipeWords[7]);
+    EXPECT_EQ(Texts(), calls);
+}
+
+TEST_F(RecipeTransfer, NewListWhileATransferRunsGoesOnAtTheSameIndex)
+{
+    setList(entries(recipeEntry("D", 100, 1, 0)) << recipeEntry("D", 101, 1, 0));
+    requestDownload();
+    nextRequest();
+    acknowledge();
+    setList(entries(recipeEntry("D", 200, 1, 0)) << recipeEntry("D", 201, 1, 0));
+    EXPECT_EQ("1#D201/1", nextRequest());
+}
+
+TEST_F(RecipeTransfer, WithoutEntriesTheSameCyclicReadIsRepeated)
+{
+    driver.readList << request("D", 1, 1) << request("D", 2, 1);
+    nextRequest();
+    reply("<STX>0000<ETX>C3");
+    driver.writeList << request("D", 3, 1);
+    requestDownload();
+    for (int i = 0; i < 5; ++i) {
+        EXPECT_EQ("1#D1/1", nextRequest());
+        EXPECT_EQ(4, driver.operationKind);
+        EXPECT_EQ(1, reply("<STX>0000<ETX>C3"));
+    }
+    EXPECT_EQ(1, hostMemory[60115]);
+    hostMemory[60115] = 0;
+    EXPECT_EQ("1#D3/1", nextRequest());
+}
+
+TEST_F(RecipeTransfer, WithoutEntriesTheUploadByteRepeatsToo)
+{
+    driver.readList << request("D", 1, 1);
+    nextRequest();
+    reply("<STX>0000<ETX>C3");
+    requestUpload();
+    EXPECT_EQ("1#D1/1", nextRequest());
+    EXPECT_EQ(4, driver.operationKind);
+}
+
+TEST_F(RecipeTransfer, WithoutEntriesARepeatedWriteIsAWrite)
+{
+    VARIABLE queued = request("D", 100, 1);
+    queued.data[0] = 0x34;
+    queued.data[1] = 0x12;
+    driver.writeList << queued;
+    nextRequest();
+    acknowledge();
+    requestDownload();
+    EXPECT_EQ("<STX>110C8023412<ETX>3C", nextFrame());
+    EXPECT_EQ(2, driver.operationKind);
+    EXPECT_EQ(1, driver.burstCount);
+}
+
+TEST_F(RecipeTransfer, RepeatedWriteEndsLikeAnyOtherAndTakesTheNextFromTheQueue)
+{
+    driver.writeList << request("D", 1, 1) << request("D", 2, 1);
+    nextRequest();
+    acknowledge();
+    requestDownload();
+    EXPECT_EQ("1#D1/1", nextRequest());
+    EXPECT_EQ(1, acknowledge());
+    EXPECT_TRUE(driver.writeList.isEmpty());
+}
+
+TEST_F(RecipeTransfer, RepeatedConditionalReadOfAnEmptyQueueEndsInSilence)
+{
+    KEY_ADDRESS key = watch("D", 1, 1);
+    intf_addConditionRead(key, 0);
+    nextRequest();
+    reply("<STX>0000<ETX>C3");
+    EXPECT_EQ((Texts{"-1,-1,-1,0"}), calls);
+    calls.clear();
+    requestUpload();
+    EXPECT_EQ("1#D1/1", nextRequest());
+    EXPECT_EQ(3, driver.operationKind);
+    EXPECT_EQ(1, reply("<STX>0000<ETX>C3"));
+    EXPECT_EQ(Texts(), calls);
+}
+
+TEST_F(RecipeTransfer, RepeatedDownloadIsAWriteAndRepeatedUploadARead)
+{
+    setList(entries(recipeEntry("D", 100, 1, 0)));
+    requestDownload();
+    nextRequest();
+    acknowledge();
+    setList(QVector<_RCP_VAR_PRO>());
+    requestDownload();
+    EXPECT_EQ("<STX>110C8020000<ETX>32", nextFrame());
+    EXPECT_EQ(5, driver.operationKind);
+    acknowledge();
+    EXPECT_EQ(0, hostMemory[60115]);
+
+    setList(entries(recipeEntry("D", 100, 1, 0)));
+    requestUpload();
+    nextRequest();
+    reply("<STX>0000<ETX>C3");
+    setList(QVector<_RCP_VAR_PRO>());
+    requestUpload();
+    EXPECT_EQ("1#D100/1", nextRequest());
+    EXPECT_EQ(6, driver.operationKind);
+}
+
+TEST_F(RecipeTransfer, WithoutEntriesAndNothingToRepeatThereIsNothingToSend)
+{
+    driver.readList << request("D", 1, 1);
+    requestDownload();
+    for (const int kind : {0, 1, 7, -1}) {
+        driver.operationKind = kind;
+        EXPECT_EQ("", nextRequest()) << kind;
+        EXPECT_TRUE(driver.frames.isEmpty());
+        EXPECT_EQ(kind, driver.operationKind);
+    }
+}
+}  // namespace

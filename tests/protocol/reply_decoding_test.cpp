@@ -1,0 +1,270 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// How the data characters of a good reply become cached values, and whom that tells.
+
+#include "tests/support/driver_fixture.h"
+
+namespace {
+class ReplyDecoding : public DriverTest
+{
+protected:
+    ReplyDecoding() { setUpDriver(); }
+
+    // One exchange that reads the given run, answered with the given reply.
+    void poll(const char* registerType, int start, int count, const std::string& text)
+    {
+        driver.readList.clear();
+        driver.readList << request(registerType, start, count);
+        ASSERT_NE("", nextFrame());
+        ASSERT_EQ(1, reply(text));
+    }
+    void monitor(const char* registerType, int start, int length)
+    {
+        QList<KEY_ADDRESS> keys;
+        keys << watch(registerType, start, length);
+        intf_addrMerge(keys);
+    }
+    Bytes stored(const char* registerType, int start)
+    {
+        return firstBytes(area(registerType, start).valueBuffer0, 4);
+    }
+};
+
+TEST_F(ReplyDecoding, WordsComeLowByteFirst)
+{
+    poll("D", 100, 2, "<STX>12345678<ETX>A7");
+    EXPECT_EQ((Bytes{0x12, 0x34, 0, 0}), stored("D", 100));
+    EXPECT_EQ((Bytes{0x56, 0x78, 0, 0}), stored("D", 101));
+    EXPECT_EQ("1#D100 1#D101", textOf(driver.dataAreas));
+    EXPECT_EQ((Bytes{0x12, 0x34, 0x56, 0x78}), values("D", 100, 2, 4));
+}
+
+TEST_F(ReplyDecoding, EveryWordTypeIsStored)
+{
+    for (const char* type : {"D", "SD", "TV", "CV"}) {
+        poll(type, 8005, 1, "<STX>ABCD<ETX>0D");
+        EXPECT_EQ((Bytes{0xAB, 0xCD, 0, 0}), stored(type, 8005)) << type;
+    }
+}
+
+TEST_F(ReplyDecoding, EveryBitTypeIsStoredByTheByte)
+{
+    for (const char* type : {"X", "Y", "M", "S", "SM", "T", "C"}) {
+        poll(type, 8, 2, "<STX>3041<ETX>CB");
+        EXPECT_EQ((Bytes{0x30, 0, 0, 0}), stored(type, 8)) << type;
+        EXPECT_EQ((Bytes{0x41, 0, 0, 0}), stored(type, 16)) << type;
+    }
+}
+
+TEST_F(ReplyDecoding, CountersComeInFourBytes)
+{
+    poll("32CV", 200, 2, "<STX>7856341201020304<ETX>31");
+    EXPECT_EQ((Bytes{0x78, 0x56, 0x34, 0x12}), stored("32CV", 200));
+    EXPECT_EQ((Bytes{1, 2, 3, 4}), stored("32CV", 201));
+    EXPECT_EQ("1#32CV200 1#32CV201", textOf(driver.dataAreas));
+}
+
+TEST_F(ReplyDecoding, UnknownTypeIsAcceptedAndNotStored)
+{
+    poll("Z", 5, 1, "<STX>1234<ETX>CD");
+    EXPECT_TRUE(driver.dataAreas.isEmpty());
+}
+
+TEST_F(ReplyDecoding, OutputsReadAcrossTwoAreas)
+{
+    poll("Y", 0, 2, "<STX>3001<ETX>C7");
+    EXPECT_EQ((Bytes{1, 0, 0, 1}), values("Y", 5, 4, 4));
+}
+
+// A changed byte is looked up for its report by the start of the area, which creates that too.
+TEST_F(ReplyDecoding, UnalignedBitReadFillsUnalignedAreas)
+{
+    poll("M", 13, 2, "<STX>3041<ETX>CB");
+    EXPECT_EQ("1#M13 1#M8 1#M21 1#M16", textOf(driver.dataAreas));
+    EXPECT_EQ((Bytes{0, 0, 0, 0}), stored("M", 8));
+    EXPECT_EQ((Bytes{0x41, 0, 0, 0}), stored("M", 21));
+    EXPECT_EQ((Bytes{0x30, 0, 0, 0}), stored("M", 13));
+}
+
+TEST_F(ReplyDecoding, LowerCaseDataDecodes)
+{
+    poll("D", 0, 1, "<STX>abcd<ETX>8D");
+    EXPECT_EQ((Bytes{0xAB, 0xCD, 0, 0}), stored("D", 0));
+}
+
+// Rows of sixteen codes from 00 to FF, one hexadecimal digit each.
+constexpr char nibbleOfCode[] = "0000000000000000"
+                                "0000000000000000"
+                                "0000000000000000"
+                                "0123456789ABCDEF"
+                                "0ABCDEF012345678"
+                                "9ABCDEF012345678"
+                                "9ABCDEF012345678"
+                                "9ABCDEF012345678"
+                                "9ABCDEF012345678"
+                                "9ABCDEF012345678"
+                                "9ABCDEF012345678"
+                                "9ABCDEF012345678"
+                                "9ABCDEF012345678"
+                                "9ABCDEF012345678"
+                                "9ABCDEF012345678"
+                                "9ABCDEF012345678";
+
+int wantedNibble(int code)
+{
+    const char digit = nibbleOfCode[code];
+    return digit <= '9' ? digit - '0' : digit - 'A' + 10;
+}
+
+TEST_F(ReplyDecoding, EveryCharacterCodeDecodesInEitherPlace)
+{
+    for (int code = 0; code < 256; ++code) {
+        const char hex[] = {"0123456789ABCDEF"[code / 16], "0123456789ABCDEF"[code % 16], '\0'};
+        const std::string character = std::string("<") + hex + '>';
+        const QByteArray high = framedReply(character + '0');
+        const QByteArray low = framedReply('0' + character);
+        for (const QByteArray& good : {high, low}) {
+            driver.readList.clear();
+            driver.readList << request("M", 0, 1);
+            nextFrame();
+            QByteArray copy = good;
+            QString error;
+            ASSERT_EQ(1, intf_dealRcvFrame(copy, error)) << "code " << code;
+            ASSERT_EQ(wantedNibble(code) * (good == high ? 16 : 1), area("M", 0).valueBuffer0[0])
+                << "code " << code;
+        }
+    }
+}
+
+TEST_F(ReplyDecoding, ReplyWithoutDataDecodesItsOwnFrameCharacters)
+{
+    poll("D", 100, 2, "<STX><ETX>03");
+    // ETX and "0" give 00, "3" and nothing give 30.
+    EXPECT_EQ((Bytes{0x00, 0x30, 0, 0}), stored("D", 100));
+    EXPECT_EQ((Bytes{0, 0, 0, 0}), stored("D", 101));
+}
+
+TEST_F(ReplyDecoding, ShortReplyDecodesEtxAndSumThenZeros)
+{
+    poll("D", 100, 3, "<STX>1234<ETX>CD");
+    EXPECT_EQ((Bytes{0x12, 0x34, 0, 0}), stored("D", 100));
+    // ETX and "C" give 0C, "D" and nothing give D0.
+    EXPECT_EQ((Bytes{0x0C, 0xD0, 0, 0}), stored("D", 101));
+    EXPECT_EQ((Bytes{0, 0, 0, 0}), stored("D", 102));
+}
+
+TEST_F(ReplyDecoding, ShortReplyUpdatesAllAreasOfTheRequest)
+{
+    poll("D", 100, 2, "<STX>12345678<ETX>A7");
+    poll("D", 100, 2, "<STX>1234<ETX>CD");
+    EXPECT_EQ((Bytes{0x0C, 0xD0, 0, 0}), stored("D", 101));
+}
+
+TEST_F(ReplyDecoding, LongReplyUpdatesNoMoreThanWasAskedFor)
+{
+    poll("D", 100, 1, "<STX>12345678<ETX>A7");
+    EXPECT_EQ("1#D100", textOf(driver.dataAreas));
+}
+
+TEST_F(ReplyDecoding, MonitoredWordIsReportedWhenItChanges)
+{
+    monitor("D", 100, 2);
+    poll("D", 100, 2, "<STX>12345678<ETX>A7");
+    EXPECT_EQ((Texts{"1,1,D,100", "1,1,D,101"}), calls);
+    calls.clear();
+    poll("D", 100, 2, "<STX>12345678<ETX>A7");
+    EXPECT_EQ(Texts(), calls);
+    poll("D", 100, 2, "<STX>12340000<ETX>8D");
+    EXPECT_EQ((Texts{"1,1,D,101"}), calls);
+}
+
+TEST_F(ReplyDecoding, ChangeOfEitherByteOfAWordIsReported)
+{
+    monitor("D", 0, 1);
+    poll("D", 0, 1, "<STX>0100<ETX>C4");
+    poll("D", 0, 1, "<STX>0300<ETX>C6");
+    poll("D", 0, 1, "<STX>0000<ETX>C3");
+    EXPECT_EQ((Texts{"1,1,D,0", "1,1,D,0", "1,1,D,0"}), calls);
+}
+
+TEST_F(ReplyDecoding, MonitoredCounterIsReportedWhenAnyByteChanges)
+{
+    monitor("32CV", 200, 2);
+    poll("32CV", 200, 1, "<STX>12345678<ETX>A7");
+    poll("32CV", 200, 1, "<STX>12345678<ETX>A7");
+    poll("32CV", 200, 1, "<STX>12340000<ETX>8D");
+    EXPECT_EQ((Texts{"1,1,32CV,200", "1,1,32CV,200"}), calls);
+}
+
+TEST_F(ReplyDecoding, UnmonitoredWordIsNotReported)
+{
+    monitor("D", 101, 1);
+    poll("D", 100, 2, "<STX>12345678<ETX>A7");
+    EXPECT_EQ((Texts{"1,1,D,101"}), calls);
+}
+
+TEST_F(ReplyDecoding, LinkNumberIsReported)
+{
+    setUpDriver("5#0#0#3#32");
+    monitor("D", 100, 1);
+    poll("D", 100, 1, "<STX>1234<ETX>CD");
+    EXPECT_EQ((Texts{"5,1,D,100"}), calls);
+}
+
+TEST_F(ReplyDecoding, BitsThatChangeInThePlcAreNeverReported)
+{
+    monitor("M", 0, 8);
+    poll("M", 0, 1, "<STX>FF<ETX>8F");
+    poll("M", 0, 1, "<STX>00<ETX>63");
+    EXPECT_EQ(Texts(), calls);
+}
+
+TEST_F(ReplyDecoding, PolledChangeReplacesAPendingWrite)
+{
+    write("D", 100, {1, 2}, 1);
+    driver.writeList.clear();
+    poll("D", 100, 1, "<STX>1234<ETX>CD");
+    EXPECT_EQ(0, area("D", 100).bufferSelect);
+    EXPECT_EQ((Bytes{0x12, 0x34}), values("D", 100, 1, 2));
+}
+
+TEST_F(ReplyDecoding, PolledOldValueLeavesAPendingWriteAlone)
+{
+    poll("D", 100, 1, "<STX>1234<ETX>CD");
+    write("D", 100, {1, 2}, 1);
+    driver.writeList.clear();
+    poll("D", 100, 1, "<STX>1234<ETX>CD");
+    EXPECT_EQ(1, area("D", 100).bufferSelect);
+    EXPECT_EQ((Bytes{1, 2}), values("D", 100, 1, 2));
+}
+
+TEST_F(ReplyDecoding, PolledBitsReplaceAPendingWriteOfTheirByte)
+{
+    write("M", 3, {1}, 1);
+    driver.writeList.clear();
+    poll("M", 0, 1, "<STX>FF<ETX>8F");
+    EXPECT_EQ(0, area("M", 0).bufferSelect);
+    EXPECT_EQ((Bytes{1, 1, 1, 1, 1, 1, 1, 1}), values("M", 0, 8, 8));
+}
+
+TEST_F(ReplyDecoding, PolledCounterReplacesAPendingWrite)
+{
+    write("32CV", 200, {9, 9, 9, 9}, 2);
+    driver.writeList.clear();
+    poll("32CV", 200, 1, "<STX>12345678<ETX>A7");
+    EXPECT_EQ(0, area("32CV", 200).bufferSelect);
+    EXPECT_EQ((Bytes{0x12, 0x34, 0x56, 0x78}), values("32CV", 200, 2, 4));
+}
+
+TEST_F(ReplyDecoding, StationsAreStoredApart)
+{
+    driver.readList << request("D", 0, 1, 1) << request("D", 0, 1, 2);
+    nextFrame();
+    reply("<STX>1234<ETX>CD");
+    nextFrame();
+    reply("<STX>ABCD<ETX>0D");
+    EXPECT_EQ("1#D0 2#D0", textOf(driver.dataAreas));
+    EXPECT_EQ(0xAB, area("D", 0, 2).valueBuffer0[0]);
+}
+}  // namespace
