@@ -6,6 +6,7 @@
 #include <QCoreApplication>
 
 #include "simulator/application.h"
+#include "simulator/control_client.h"
 #include "simulator/end_signals.h"
 
 int main(int argumentCount, char** arguments)
@@ -14,6 +15,8 @@ int main(int argumentCount, char** arguments)
     if (!parsed.runs)
         return parsed.exitCode;
     QCoreApplication loop(argumentCount, arguments);
+    if (!parsed.options.tellCommand.isEmpty())
+        return fxsim::tell(parsed.options.controlPath, parsed.options.tellCommand);
     const fxsim::EndSignals endSignals;
     fxsim::Application application(parsed.options);
     const int code = application.start();

@@ -42,7 +42,7 @@ struct RawOptions
 {
     std::string link, tcp, serial, enquiry = "optional", onError = "nak", faults = "none";
     std::string memory = "0x0000-0x7FFF", holes, mirrors = "0x0F00:0x0E00:256";
-    std::string program = "sample", load, save, trace, control;
+    std::string program = "sample", load, save, trace, control, tell;
     bool pty = false, stats = false, noCommands = false;
     int baud = 9600, scanMs = 0, maxBytes = 64;
     quint64 seed = 1;
@@ -143,6 +143,11 @@ void addBench(CLI::App& app, RawOptions& raw)
     app.add_option("--control", raw.control, "Take commands on a local socket at PATH")
         ->type_name("PATH")
         ->group("Bench");
+    app.add_option(
+           "--tell", raw.tell,
+           "Give COMMAND to the simulator that listens at --control, print its answer and end")
+        ->type_name("COMMAND")
+        ->group("Bench");
     app.add_flag("--no-commands", raw.noCommands, "Take no commands on standard input")
         ->group("Bench");
 }
@@ -239,6 +244,9 @@ Options readOptions(const CLI::App& app, const RawOptions& raw)
     options.tracePath = QString::fromStdString(raw.trace);
     options.stats = raw.stats;
     options.controlPath = QString::fromStdString(raw.control);
+    options.tellCommand = QString::fromStdString(raw.tell);
+    if (!raw.tell.empty() && raw.control.empty())
+        throw UsageError{QStringLiteral("--tell: --control says which simulator")};
     options.commands = !raw.noCommands;
     return options;
 }

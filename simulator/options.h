@@ -41,6 +41,7 @@ struct Options
 
     QString tracePath;  // empty: standard error
     QString controlPath;
+    QString tellCommand;  // for the simulator that listens there; then nothing else is done
 
     quint16 tcpPort = defaultPort;
     bool pty = false;

@@ -10,6 +10,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QLocalSocket>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <memory>
 
@@ -610,6 +611,25 @@ TEST(FxsimControl, socketLeftBehindIsReplaced)
     EXPECT_NE(process.waitReady(), "");
 }
 
+TEST(FxsimControl, tellGivesOneCommand)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("control");
+    FxsimProcess process({"--control", path, "--program", "none"});
+    process.waitReady();
+    EXPECT_EQ(runToEnd({"--control", path, "--tell", "poke 0x1000 1 2"}).exitCode, 0);
+    const FailedStart peek = runToEnd({"--control", path, "--tell", "peek 0x1000 2"});
+    EXPECT_EQ(peek.exitCode, 0);
+    EXPECT_EQ(peek.output, "1000: 01 02\n");
+    const FailedStart refused = runToEnd({"--control", path, "--tell", "jump"});
+    EXPECT_EQ(refused.exitCode, 2);
+    EXPECT_EQ(refused.errors, "fxsim: there is no command 'jump'; help lists them\n");
+    EXPECT_EQ(runToEnd({"--control", path, "--tell", "quit"}).exitCode, 0);
+    EXPECT_EQ(process.waitEnd(), 0);
+    EXPECT_EQ(runToEnd({"--control", path, "--tell", "help"}).exitCode, 3);
+    EXPECT_EQ(runToEnd({"--tell", "help"}).exitCode, 2);
+}
+
 TEST(FxsimControl, inputThatEndsDoesNotEndTheSimulator)
 {
     FxsimProcess process({"--baud", "0", "--program", "none"});
@@ -667,4 +687,32 @@ TEST(FxsimUsage, helpAndVersionAreNoFaults)
     const FailedStart faults = runToEnd({"--faults", "help"});
     EXPECT_EQ(faults.exitCode, 0);
     EXPECT_TRUE(faults.output.contains("\n  lost-etx     the ETX is missing"));
+}
+
+TEST(FxsimUsage, manualAndCompletionKnowEveryOptionAndFault)
+{
+    const auto contents = [](const char* path) {
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path;
+        return QString::fromUtf8(file.readAll());
+    };
+    const QString manual = contents(FX_SOURCE_FOLDER "/simulator/fxsim.1").remove('\\');
+    const QString completion = contents(FX_SOURCE_FOLDER "/packaging/completion/fxsim");
+    const QString help = QString::fromUtf8(runToEnd({"--help"}).output);
+    QRegularExpressionMatchIterator options =
+        QRegularExpression("^  (?:-h,)?(--[a-z-]+)", QRegularExpression::MultilineOption)
+            .globalMatch(help);
+    int optionCount = 0;
+    for (; options.hasNext(); ++optionCount) {
+        const QString option = options.next().captured(1);
+        EXPECT_TRUE(manual.contains(option)) << option.toStdString();
+        EXPECT_TRUE(completion.contains(option)) << option.toStdString();
+    }
+    EXPECT_EQ(optionCount, 24);
+    for (const char* fault : {"power-cycle", "link-drop", "silence", "nak", "delay", "wrong-sum",
+                              "flipped-bits", "bit7", "truncated", "lost-stx", "lost-etx",
+                              "junk-before", "junk-after", "duplicate", "slices", "echo", "mixed"})
+        EXPECT_TRUE(manual.contains(
+            QRegularExpression(QString("^\\.BR? .*") + fault, QRegularExpression::MultilineOption)))
+            << fault;
 }

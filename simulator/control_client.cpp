@@ -1,0 +1,49 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// See control_client.h.
+
+#include "simulator/control_client.h"
+
+#include <QFileInfo>
+#include <QLocalSocket>
+#include <iostream>
+
+#include "simulator/options.h"
+
+namespace fxsim {
+
+namespace {
+
+constexpr int answerMs = 5000;
+
+int fail(ExitCode code, const QString& text)
+{
+    std::cerr << "fxsim: " << qPrintable(text) << std::endl;
+    return code;
+}
+
+}  // namespace
+
+int tell(const QString& controlPath, const QString& command)
+{
+    QLocalSocket socket;
+    socket.connectToServer(QFileInfo(controlPath).absoluteFilePath());
+    if (!socket.waitForConnected(answerMs))
+        return fail(exitLink,
+                    QStringLiteral("control socket %1: %2").arg(controlPath, socket.errorString()));
+    socket.write(command.toUtf8() + '\n');
+    while (socket.canReadLine() || socket.waitForReadyRead(answerMs)) {
+        if (!socket.canReadLine())
+            continue;
+        const QByteArray line = socket.readLine();
+        if (line == "ok\n")
+            return exitGood;
+        if (line.startsWith("error: "))
+            return fail(exitUsage, QString::fromUtf8(line.mid(7)).trimmed());
+        std::cout << line.constData();
+    }
+    return fail(exitLink, QStringLiteral("control socket %1: no answer").arg(controlPath));
+}
+
+}  // namespace fxsim
