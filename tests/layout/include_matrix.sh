@@ -1,0 +1,59 @@
+#!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+# SPDX-License-Identifier: MIT
+#
+# Checks every #include of the library, the host and the simulator against the floors of the
+# house: who may look at whom. Prints each offending line; exits 1 when there is one, 2 when a
+# folder is missing or empty, 0 when all is well.
+#
+#   include_matrix.sh ROOT    ROOT is the directory that holds the folders
+
+set -euo pipefail
+set -f # patterns are matched, never expanded to files
+
+cd "${1:?usage: include_matrix.sh ROOT}"
+
+# What the sources of each folder may include of the others, as patterns of paths.
+declare -A allowed=(
+    [driver]="driver/*"
+    [address]="driver/* address/*"
+    [cache]="driver/* address/register_types.h cache/*"
+    [plan]="driver/* address/register_types.h cache/data_areas.h plan/*"
+    [protocol]="driver/* address/register_types.h cache/* protocol/*"
+    [host]="driver/intf.h host/* simulator/*"
+    [simulator]="simulator/*"
+)
+include_line='^([^:]+):([0-9]+):[[:space:]]*#[[:space:]]*include[[:space:]]*(["<])([^">]+)[">]'
+
+is_allowed() { # FOLDER PATH
+    local pattern
+    for pattern in ${allowed[$1]}; do
+        # shellcheck disable=SC2053  # the pattern is meant as one
+        [[ $2 == $pattern ]] && return 0
+    done
+    return 1
+}
+
+# Whether an include names something of the project: by a path with one of its folders, by a path
+# that climbs, or by a plain name in quotes, which is then a path from the including file.
+offence=0
+check_include() { # FILE LINE QUOTE PATH
+    local folder=${1%%/*} path=$4
+    if [[ $path != *..* && -z ${allowed[${path%%/*}]-} ]]; then
+        [[ $3 == '"' ]] || return 0
+        [[ ! -f ${1%/*}/$path ]] || path=${1%/*}/$path
+    fi
+    is_allowed "$folder" "$path" && [[ $path != *..* ]] && return 0
+    echo "$1:$2: includes \"$4\"; $folder/ may include ${allowed[$folder]}"
+    offence=1
+}
+
+for folder in "${!allowed[@]}"; do
+    [[ -n $(find "$folder" \( -name '*.h' -o -name '*.cpp' \) -print -quit 2>/dev/null) ]] ||
+        { echo "$PWD/$folder: no sources there" && exit 2; }
+    while read -r line; do
+        [[ $line =~ $include_line ]] || { echo "cannot read: $line" && exit 2; }
+        check_include "${BASH_REMATCH[@]:1:4}"
+    done < <(grep -rnE --include='*.h' --include='*.cpp' '^[[:space:]]*#[[:space:]]*include' "$folder")
+done
+exit "$offence"
