@@ -234,7 +234,7 @@ QByteArray faultHelp()
         help += '\n';
     }
     help += "  " + QByteArray(mixedName).leftJustified(13) +
-            "one of those from silence to echo, in RATE of the exchanges; VALUE is the ms of its "
+            "all from silence to echo, each at a fourteenth of RATE; VALUE is the ms of the "
             "delays\n"
             "Example: --faults silence=0.05,nak=2%,delay:800@3,wrong-sum@7-9+20-\n";
     return help;

@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QLocalSocket>
@@ -45,6 +44,11 @@ enum class Way
     Pty,
     Tcp,
 };
+
+void PrintTo(Way way, std::ostream* out)
+{
+    *out << (way == Way::Pty ? "pty" : "tcp");
+}
 
 // A simulator without a program, as fast as it goes, and a host connected to it.
 struct Connected
@@ -385,10 +389,12 @@ TEST_P(FxsimOver, endsCleanlyOnSigint)
 
 TEST_P(FxsimOver, traceGoesToAFile)
 {
-    Connected plc(GetParam(), {"--trace", QDir::tempPath() + "/fxsim_trace_test.log"});
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("trace");
+    Connected plc(GetParam(), {"--trace", path});
     plc.ask(readD100, 12);
     EXPECT_EQ(plc.process.terminate(), 0);
-    QFile file(QDir::tempPath() + "/fxsim_trace_test.log");
+    QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QByteArray text = file.readAll();
     EXPECT_TRUE(text.contains(" > 02 30 31 30 43 38 30 34 03 37 33 | <STX>010C804<ETX>73 | read 4 "
@@ -396,7 +402,6 @@ TEST_P(FxsimOver, traceGoesToAFile)
         << text;
     EXPECT_TRUE(text.contains(" < 02 30 30 30 30 30 30 30 30 03 38 33 | <STX>00000000<ETX>83\n"))
         << text;
-    file.remove();
 }
 
 TEST(FxsimTcp, servesSeveralClientsTogetherAndInTurn)

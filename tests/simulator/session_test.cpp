@@ -302,3 +302,21 @@ TEST(Session, hostThatTakesNothingLosesWhatIsTooMuch)
         bench.session.receive(readD100, 0);
     EXPECT_EQ(bench.plc.statistics().charactersLost, 10 * 12);
 }
+
+// Whatever came before, an ENQ and a frame behind it are answered as if nothing had.
+TEST(Session, noGarbageOutlivesAnEnquiry)
+{
+    const QByteArray likely = fromHex("0203050615") + "0178" + "0123456789ABCDEF";
+    Bench bench;
+    Dice dice(1, 1);
+    for (int round = 0; round < 2000; ++round) {
+        QByteArray garbage;
+        for (int length = dice.below(60); length > 0; --length) {
+            const bool anything = dice.below(4) == 0;
+            garbage += anything ? char(dice.below(256)) : likely[dice.below(likely.size())];
+        }
+        bench.answer(garbage);
+        bench.plc.memory().setImage(QByteArray());
+        ASSERT_EQ(bench.answer("\x05" + readD100), "\x06" + zerosOfD100) << garbage;
+    }
+}
