@@ -59,6 +59,8 @@ public:
     QMutex mutex;
     Record record;
     std::deque<NestedCall> nested;  // one is made in each callback, while they last
+    // Sees each callback before the host acts on it.
+    std::function<void(int linkNo, int stationNo, const QString& text, int value)> observe;
 
     void note(const std::string& line) { record.push_back(line); }
     // What the host sees of its recipe memory from that word on, as it is told of the word.
@@ -93,6 +95,8 @@ private:
     {
         note("callback " + std::to_string(linkNo) + "," + std::to_string(stationNo) + "," +
              text.toStdString() + "," + std::to_string(value));
+        if (observe)
+            observe(linkNo, stationNo, text, value);
         if (text == "RWI")
             noteRecipeWords(value);
         if (!mutex.tryLock())

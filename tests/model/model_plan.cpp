@@ -60,11 +60,10 @@ std::vector<ModelDriver::Piece> ModelDriver::cut(int start, int length, int limi
 {
     std::vector<Piece> pieces;
     length = std::min(length, modelMostElements);
-    for (int done = 0; done < length; done += std::min(limit, length - done)) {
-        const long long from = static_cast<long long>(start) + done;
-        if (modelFitsInt(from))
-            pieces.push_back({static_cast<int>(from), std::min(limit, length - done)});
-    }
+    while (length > 0 && !modelFitsInt(static_cast<long long>(start) + length - 1))
+        --length;
+    for (int done = 0; done < length; done += std::min(limit, length - done))
+        pieces.push_back({start + done, std::min(limit, length - done)});
     return pieces;
 }
 

@@ -5,9 +5,7 @@
 
 #include "tests/model/session.h"
 
-#include "tests/model/state_difference.h"
-
-#include <cstring>
+#include <algorithm>
 
 namespace {
 
@@ -29,7 +27,6 @@ std::string textOf(const KEY_ADDRESS& key)
 
 Session::Session(Choices& source) : choices(source), world(source)
 {
-    reloadDriver();
     const int flood = choices.oneIn(5) ? 10 : 1;       // sessions that fill the queues
     const int planning = choices.oneIn(5) ? 5 : 1;     // sessions that change the plan a lot
     const int recipes = choices.oneIn(4) ? 8 : 1;      // sessions full of recipe transfers
@@ -51,11 +48,6 @@ Session::Session(Choices& source) : choices(source), world(source)
             {1, &Session::passNull},
             {2, &Session::askEditor},
             {1, &Session::copyAddresses}};
-}
-
-Session::~Session()
-{
-    reloadDriver();
 }
 
 std::string Session::play(int calls)
@@ -92,43 +84,29 @@ Session::Act Session::draw()
     return &Session::getFrame;
 }
 
-template <class Call>
-void Session::both(const std::string& text, const Call& call)
-{
-    if (!difference.empty())
-        return;
-    const std::deque<NestedCall> inside = world.nestedCalls();
-    library.run(call, inside);
-    model.run(call, inside);
-    compare(text);
-}
-
-void Session::compare(const std::string& text)
+// Adds a call to the history, and what it showed to be different.
+void Session::keep(const std::string& text, const std::string& found)
 {
     history.push_back(text);
-    for (const std::string& line : model.record)
+    for (const std::string& line : sides.model.record)
         history.back() += "\n    " + line.substr(0, 300);
     if (history.size() > keptCalls)
         history.pop_front();
-    for (std::size_t i = 0; i < std::max(library.record.size(), model.record.size()); ++i) {
-        const std::string got = i < library.record.size() ? library.record[i] : "(nothing)";
-        const std::string expected = i < model.record.size() ? model.record[i] : "(nothing)";
-        if (got != expected) {
-            difference += "library: " + got + "\nmodel:   " + expected + "\n";
-            return;
-        }
-    }
-    difference += stateDifference(model.driver, false);
+    difference += found;
+    if (inspect)
+        difference += inspect();
 }
 
 void Session::compareDeeply()
 {
     if (difference.empty())
-        difference += stateDifference(model.driver, true);
-    if (library.memory != model.memory)
-        difference += "host memory differs\n";
-    if (library.recipe != model.recipe)
-        difference += "recipe memory differs\n";
+        difference += sides.deepDifference();
+}
+
+template <class Call>
+void Session::both(const std::string& text, const Call& call)
+{
+    keep(text, sides.both(call, world.nestedCalls()));
 }
 
 void Session::setUp()
@@ -177,34 +155,19 @@ void Session::mergeAddresses()
     std::string text = "addrMerge";
     for (const KEY_ADDRESS& key : keys)
         text += " [" + textOf(key) + "]";
-    both(text, [&](auto& driver, Host& host) {
-        QList<KEY_ADDRESS> own = keys;
-        host.note(std::to_string(driver.addrMerge(own)));
-    });
+    keep(text, sides.merge(keys));
 }
 
 void Session::queueRead()
 {
     const KEY_ADDRESS key = world.key();
     const int tag = world.tag();
-    both("addConditionRead " + textOf(key), [&](auto& driver, Host& host) {
-        KEY_ADDRESS own = key;
-        host.note(std::to_string(driver.addConditionRead(own, tag)));
-    });
+    keep("addConditionRead " + textOf(key), sides.queueRead(key, tag, world.nestedCalls()));
 }
 
 void Session::getFrame()
 {
-    FRAME_PRO given;
-    both("getSendFrame", [&](auto& driver, Host& host) {
-        FRAME_PRO out;
-        out.frame[0] = 99;
-        out.frameLength = 1;
-        out.spare = 77;
-        host.note(std::to_string(driver.getSendFrame(&out)) + " " + ::textOf(out));
-        given = out;
-    });
-    lastFrame = given;
+    keep("getSendFrame", sides.getFrame(lastFrame));
 }
 
 void Session::getFrameIntoNothing()
@@ -216,29 +179,21 @@ void Session::getFrameIntoNothing()
 void Session::giveReply()
 {
     const QByteArray reply = world.replyTo(lastFrame);
-    both("dealRcvFrame " + reply.toHex().toStdString(), [&](auto& driver, Host& host) {
-        QByteArray own = reply;
-        QString errorText = "old";
-        const int result = driver.dealRcvFrame(own, errorText);
-        host.note(std::to_string(result) + " " + plain(errorText));
-    });
+    keep("dealRcvFrame " + reply.toHex().toStdString(),
+         sides.giveReply(reply, world.nestedCalls()));
 }
 
 void Session::exchange()
 {
     getFrame();
-    giveReply();
+    if (difference.empty())
+        giveReply();
 }
 
 void Session::readData()
 {
     const KEY_ADDRESS key = world.key();
-    both("getData " + textOf(key), [&](auto& driver, Host& host) {
-        std::vector<unsigned char> out(static_cast<std::size_t>(bufferBytes(key.length)), 0xEE);
-        const int result =
-            driver.getData(key.stationNo, key.registerType, key.startIndex, key.length, out.data());
-        host.note(std::to_string(result) + " " + hexOf(out.data(), out.size()));
-    });
+    keep("getData " + textOf(key), sides.read(key));
 }
 
 void Session::writeData()
@@ -246,13 +201,9 @@ void Session::writeData()
     const KEY_ADDRESS key = world.key();
     const int tag = world.tag();
     const std::vector<unsigned char> data = world.bytes(bufferBytes(key.length));
-    both("setData " + textOf(key) + " data " +
-             hexOf(data.data(), std::min<std::size_t>(data.size(), 16)),
-         [&](auto& driver, Host& host) {
-             std::vector<unsigned char> own = data;
-             host.note(std::to_string(driver.setData(key.stationNo, key.registerType,
-                                                     key.startIndex, key.length, own.data(), tag)));
-         });
+    const std::size_t shown = std::min<std::size_t>(data.size(), 16);
+    keep("setData " + textOf(key) + " data " + hexOf(data.data(), shown),
+         sides.write(key, data, tag, world.nestedCalls()));
 }
 
 void Session::passNull()
@@ -278,10 +229,7 @@ void Session::setRecipe()
         text += " [" + std::to_string(entry.linkNo) + ":" + std::to_string(entry.stationNo) + "#" +
                 plain(entry.registerType) + std::to_string(entry.addressIndex) + "(" +
                 std::to_string(entry.count) + ")" + std::to_string(entry.recipeWordOffset) + "]";
-    both(text, [&](auto& driver, Host& host) {
-        QVector<_RCP_VAR_PRO> own = list;
-        host.note(std::to_string(driver.setRcpAddress(own)));
-    });
+    keep(text, sides.setRecipe(list));
 }
 
 void Session::request()

@@ -8,22 +8,20 @@
 #define TESTS_MODEL_SESSION_H
 
 #include "tests/model/choices.h"
-#include "tests/model/host_side.h"
-#include "tests/model/library_driver.h"
-#include "tests/model/model_driver.h"
 #include "tests/model/session_world.h"
+#include "tests/model/side_by_side.h"
 
 class Session
 {
 public:
     explicit Session(Choices& choices);
-    ~Session();
-    Session(const Session&) = delete;
-    Session& operator=(const Session&) = delete;
 
     // Makes at most `calls` calls. "" when library and model agree, else what differed and the
     // last calls before it.
     std::string play(int calls);
+
+    // Asked after each call; a text that is not empty ends the session like a difference.
+    std::function<std::string()> inspect;
 
 private:
     using Act = void (Session::*)();
@@ -35,7 +33,7 @@ private:
 
     template <class Call>
     void both(const std::string& text, const Call& call);
-    void compare(const std::string& text);
+    void keep(const std::string& text, const std::string& found);
     void compareDeeply();
     Act draw();
 
@@ -60,8 +58,7 @@ private:
     Choices& choices;
     SessionWorld world;
     std::vector<Weighted> acts;
-    HostSide<LibraryDriver> library;
-    HostSide<ModelDriver> model;
+    SideBySide sides;
     FRAME_PRO lastFrame;
     std::deque<std::string> history;
     std::string difference;

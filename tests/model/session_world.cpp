@@ -30,11 +30,6 @@ char hexDigit(int nibble, bool lower)
 
 }  // namespace
 
-int bufferBytes(int count)
-{
-    return 4 * std::max(0, std::min(count, 65536));
-}
-
 SessionWorld::SessionWorld(Choices& source) : choices(source)
 {
     stations = choices.oneOf<std::vector<int>>(

@@ -9,7 +9,7 @@
 #define TESTS_MODEL_SESSION_WORLD_H
 
 #include "tests/model/choices.h"
-#include "tests/model/host_side.h"
+#include "tests/model/side_by_side.h"
 
 #include <QByteArray>
 #include <QList>
@@ -53,9 +53,5 @@ private:
     std::vector<Window> windows;
     int wordLimit = 32;
 };
-
-// Bytes that a buffer for `count` elements takes, whatever the type; 0 below 1. Huge counts are
-// served only up to the 65,536 elements that one call takes.
-int bufferBytes(int count);
 
 #endif
