@@ -62,11 +62,14 @@ bool isUploadable(const _RCP_VAR_PRO& entry)
     return fits(entry, maxRecipeWords);
 }
 
-void storeRecipeWord(qint64 recipeWord, unsigned int value)
+void storeRecipeValue(qint64 firstRecipeWord, int wordCount, unsigned int value)
 {
-    if (driver.recipeWords == nullptr || recipeWord < 0)
+    if (driver.recipeWords == nullptr || firstRecipeWord < 0)
         return;
-    recipeBytes(recipeWord)[0] = static_cast<unsigned char>(value);
-    recipeBytes(recipeWord)[1] = static_cast<unsigned char>(value >> 8);
-    callHost(recipeLink, recipeStation, QLatin1String("RWI"), static_cast<int>(recipeWord));
+    unsigned char* bytes = recipeBytes(firstRecipeWord);
+    for (int i = 0; i < bytesPerWord * wordCount; ++i)
+        bytes[i] = static_cast<unsigned char>(value >> (8 * i));
+    for (int word = 0; word < wordCount; ++word)
+        callHost(recipeLink, recipeStation, QLatin1String("RWI"),
+                 static_cast<int>(firstRecipeWord + word));
 }

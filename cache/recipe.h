@@ -16,7 +16,7 @@ void rcpAddrToVar(_RCP_VAR_PRO rcp, VARIABLE& var, int withData);
 bool isDownloadable(const _RCP_VAR_PRO& entry);
 bool isUploadable(const _RCP_VAR_PRO& entry);
 
-// Stores the low 16 bits of `value` as one uploaded word, low byte first, and tells the host.
-void storeRecipeWord(qint64 recipeWord, unsigned int value);
+// Stores an uploaded value of `wordCount` words, lowest byte first, then tells the host of each.
+void storeRecipeValue(qint64 firstRecipeWord, int wordCount, unsigned int value);
 
 #endif

@@ -22,9 +22,10 @@ public:
                      int startIndex)
     {
         if (m_keysAreUnique && areas.isSharedWith(m_witness)) {
-            const int nearbyEnd = qMin(m_lastFound + 2, static_cast<int>(areas.size()));
-            for (int position = m_lastFound; position < nearbyEnd; ++position) {
-                if (hasKey(areas.at(position), stationNo, registerType, startIndex))
+            const int areaCount = static_cast<int>(areas.size());
+            for (const int position : {m_lastFound + 1, m_lastFound}) {
+                if (position < areaCount &&
+                    hasKey(areas.at(position), stationNo, registerType, startIndex))
                     return m_lastFound = position;
             }
         }

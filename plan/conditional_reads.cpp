@@ -27,14 +27,13 @@ int intf_addConditionRead(KEY_ADDRESS& key, int tag)
     request.stationNo = key.stationNo;
     request.registerType = key.registerType;
     request.addressIndex = key.startIndex;
-    request.count = qMin(key.length, maxElements);
-
-    // By bitIndex alone, whatever the register type.
-    const int limit = key.bitIndex == splitByBits ? bitsPerRequest() : wordsPerRequest();
-    if (limit >= request.count) {
-        queueRead(request);  // as it stands, a length of 0 or less included
+    request.count = key.length;
+    if (key.length < 1) {
+        queueRead(request);  // as it stands
         return 1;
     }
+    // By bitIndex alone, whatever the register type.
+    const int limit = key.bitIndex == splitByBits ? bitsPerRequest() : wordsPerRequest();
     const PieceCutter cutter(key.startIndex, key.length, limit);
     for (int i = 0; i < cutter.pieceCount(); ++i) {
         request.addressIndex = cutter.start(i);

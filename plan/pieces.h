@@ -13,17 +13,16 @@
 class PieceCutter
 {
 public:
-    // `limit` is at least 1. Of `length` at most maxElements are cut; none when it is below 1.
+    // `limit` is at least 1. Of `length` at most maxElements are cut, and none that is numbered
+    // past the largest int; nothing when it is below 1.
     PieceCutter(int startIndex, int length, int limit)
-        : m_startIndex(startIndex), m_length(qBound(0, length, maxElements)), m_limit(limit)
+        : m_startIndex(startIndex),
+          m_length(
+              static_cast<int>(qMin<qint64>(qBound(0, length, maxElements), intsFrom(startIndex)))),
+          m_limit(limit)
     {}
 
-    // Pieces whose start is numbered within 32 bits; the rest is left out.
-    int pieceCount() const
-    {
-        const int pieces = m_length / m_limit + (m_length % m_limit != 0 ? 1 : 0);
-        return static_cast<int>(qMin<qint64>(pieces, (intsFrom(m_startIndex) - 1) / m_limit + 1));
-    }
+    int pieceCount() const { return m_length / m_limit + (m_length % m_limit != 0 ? 1 : 0); }
     int start(int piece) const { return m_startIndex + piece * m_limit; }
     int length(int piece) const { return qMin(m_limit, m_length - piece * m_limit); }
 

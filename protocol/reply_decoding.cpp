@@ -133,18 +133,19 @@ template <int valueBytes>
 void storeValues(const ReadRange& range, const ReplyReader& reader)
 {
     constexpr int valueChars = charsPerByte * valueBytes;
+    constexpr int valueWords = valueBytes / bytesPerWord;  // 0 for bits, which recipes do not take
     const AreaFinder finder(range.stationNo, registerTypeName(*range.type));
     const int areaCount = range.dataChars / valueChars;
     qint64 recipeWord = 0;
-    const bool isUpload = valueBytes >= bytesPerWord && uploadTarget(recipeWord);
+    const bool isUpload = valueWords > 0 && uploadTarget(recipeWord);
 
     int startIndex = 0;
     for (int k = 0; k < areaCount && startOfArea(range, k, startIndex); ++k) {
         const unsigned int value = reader.valueAt<valueBytes>(range.dataStart + valueChars * k);
         if (storeValue<valueBytes>(finder.position(startIndex), value))
             notifyRead(range, startIndex, static_cast<unsigned char>(value));
-        for (int word = 0; isUpload && word < valueBytes / bytesPerWord; ++word)
-            storeRecipeWord(recipeWord++, value >> (8 * bytesPerWord * word));
+        if (isUpload)
+            storeRecipeValue(recipeWord + qint64(valueWords) * k, valueWords, value);
     }
 }
 
