@@ -2,7 +2,8 @@
 # SPDX-License-Identifier: MIT
 #
 # What `cmake --install` puts where, in three components: runtime (the library), dev (header, CMake
-# and pkg-config files) and tools. Nothing in it names an absolute path, so the tree can be moved.
+# and pkg-config files, guides, examples) and tools. Nothing in it names an absolute path, so the
+# installed tree can be moved.
 
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
@@ -12,11 +13,12 @@ set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/mitsubishi_fx1s)
 install(TARGETS mitsubishi_fx1s EXPORT mitsubishi_fx1s
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT dev
     INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT runtime)
+
 install(FILES driver/intf.h driver/records.h
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/mitsubishi_fx1s COMPONENT dev)
 install(EXPORT mitsubishi_fx1s NAMESPACE mitsubishi_fx1s:: DESTINATION ${package_dir}
     FILE mitsubishi_fx1s-targets.cmake COMPONENT dev)
-
 configure_package_config_file(cmake/mitsubishi_fx1s-config.cmake.in
     ${PROJECT_BINARY_DIR}/mitsubishi_fx1s-config.cmake INSTALL_DESTINATION ${package_dir})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/mitsubishi_fx1s-config-version.cmake
@@ -32,6 +34,26 @@ configure_file(cmake/mitsubishi_fx1s.pc.in ${PROJECT_BINARY_DIR}/mitsubishi_fx1s
 install(FILES ${PROJECT_BINARY_DIR}/mitsubishi_fx1s.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT dev)
 
+# The documents keep their places to each other, so that the links between them work.
+install(FILES CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT dev)
+install(FILES docs/host-guide.md docs/entry-points.md docs/frames.md docs/compatibility.md
+    DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT dev)
+install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT dev)
+
 if(TARGET fxhost)
     install(TARGETS fxhost fxsim RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+    foreach(manual host/fxhost.1 simulator/fxsim.1)
+        if(EXISTS ${PROJECT_SOURCE_DIR}/${manual})
+            install(FILES ${manual} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+        endif()
+    endforeach()
+    install(DIRECTORY packaging/completion/ COMPONENT tools
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+
+    # fxhost loads the library by name, as panels do, and finds it from its own folder.
+    file(RELATIVE_PATH library_beside_tools
+        /prefix/${CMAKE_INSTALL_BINDIR} /prefix/${CMAKE_INSTALL_LIBDIR})
+    target_compile_definitions(fx_host_core PRIVATE
+        FX_LIBRARY_FILE="$<TARGET_SONAME_FILE_NAME:mitsubishi_fx1s>"
+        FX_LIBRARY_FOLDER="${library_beside_tools}")
 endif()

@@ -13,8 +13,9 @@ namespace fxhost {
 
 namespace {
 
-const QString libraryName = QStringLiteral("mitsubishi_fx1s");
-const QString libraryFile = QStringLiteral("libmitsubishi_fx1s.so");
+// The name with the version of the interface: without it only a development package has one.
+const QString libraryFile = QStringLiteral(FX_LIBRARY_FILE);
+const QString libraryFolder = QStringLiteral(FX_LIBRARY_FOLDER);  // from that of the executable
 
 QString choosePath(const QString& given)
 {
@@ -36,8 +37,8 @@ QStringList driverLibraryPlaces()
     if (!fromEnvironment.isEmpty())
         return {fromEnvironment};
     const QDir folder(QCoreApplication::applicationDirPath());
-    return {folder.filePath(libraryFile), folder.filePath("../lib/" + libraryFile),
-            folder.filePath("../" + libraryFile), libraryName};
+    return {folder.filePath(libraryFile), folder.filePath(libraryFolder + '/' + libraryFile),
+            folder.filePath("../" + libraryFile), libraryFile};
 }
 
 DriverLibrary::DriverLibrary(const QString& path) : m_library(choosePath(path))

@@ -60,7 +60,7 @@ private:
 };
 
 // Where the library is looked for, best place first: FX_DRIVER alone if it is set, else beside the
-// executable, in the lib folder beside its folder, in the folder above, and last the loader's path.
+// executable, where it is installed beside it, in the folder above, and last the loader's path.
 QStringList driverLibraryPlaces();
 
 }  // namespace fxhost

@@ -10,6 +10,7 @@
 
 #include <QMutex>
 
+#include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
 #include <poll.h>
@@ -32,9 +33,12 @@ int openLink(const char* device)
         return -1;
     cfmakeraw(&settings);
     cfsetspeed(&settings, B9600);
+    if (tcsetattr(link, TCSAFLUSH, &settings) != 0)
+        return -1;
     settings.c_cflag &= ~static_cast<tcflag_t>(CSIZE | PARODD | CSTOPB);
     settings.c_cflag |= CS7 | PARENB;  // the FX programming port: 7 data bits, even parity
-    return tcsetattr(link, TCSAFLUSH, &settings) == 0 ? link : -1;
+    const bool isSet = tcsetattr(link, TCSAFLUSH, &settings) == 0;
+    return isSet || errno == EINVAL ? link : -1;  // a pseudo-terminal has no parity, and says so
 }
 
 void sendBytes(int link, const unsigned char* bytes, int length)

@@ -1,0 +1,78 @@
+# SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+# SPDX-License-Identifier: MIT
+#
+# The three Debian packages that cpack makes of the three components; scripts/package builds them.
+# DebianControl.cmake and DebianFiles.cmake add what Debian's policy wants beyond that.
+
+set(library_package libmitsubishi-fx1s${PROJECT_VERSION_MAJOR})
+set(dev_package libmitsubishi-fx1s-dev)
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME mitsubishi-fx1s)
+set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+set(CPACK_PACKAGE_CONTACT "The mitsubishi_fx1s authors <mitsubishi-fx1s@packages.invalid>"
+    CACHE STRING "Maintainer of the packages: name and address")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/packages)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+    OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+
+set(CPACK_COMPONENTS_ALL runtime dev)
+if(TARGET fxhost)
+    list(APPEND CPACK_COMPONENTS_ALL tools)
+endif()
+set(CPACK_COMPONENTS_GROUPING IGNORE)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SOURCE mitsubishi-fx1s)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
+set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS OFF)
+
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${library_package})
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_RUNTIME_DESCRIPTION
+"communication driver for FX-series programmable controllers
+Operator panels load this library and drive it through flat entry points: it
+plans what to poll, builds the frames of the FX programming port, judges the
+replies, caches values, moves recipes and reports changes. The host owns the
+link and all timing.")
+
+set(qt_dev_package qtbase5-dev)
+if(FX_QT_MAJOR EQUAL 6)
+    set(qt_dev_package qt6-base-dev)
+endif()
+set(CPACK_DEBIAN_DEV_PACKAGE_NAME ${dev_package})
+set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS
+    "${library_package} (= ${PROJECT_VERSION}), ${qt_dev_package}")
+set(CPACK_DEBIAN_DEV_DESCRIPTION
+"communication driver for FX-series controllers - development files
+The public header, the CMake package, the pkg-config file, the guides and the
+examples for whoever writes a host of the driver.")
+
+set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME fx-tools)
+set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION utils)
+set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${library_package} (= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_TOOLS_DESCRIPTION
+"reference host and simulator for FX-series programmable controllers
+fxhost reads, writes, watches and measures a controller from the command line,
+through the same library that operator panels load. fxsim is a simulated
+controller on a pseudo-terminal, TCP or a serial port that can misbehave.")
+
+# The Debian changelog points to this project's own; SOURCE_DATE_EPOCH fixes its date.
+string(TIMESTAMP package_date "%a, %d %b %Y %H:%M:%S +0000" UTC)
+set(control_files ${PROJECT_BINARY_DIR}/debian)
+configure_file(packaging/debian/changelog.in ${control_files}/changelog @ONLY)
+configure_file(packaging/debian/shlibs.in ${control_files}/shlibs @ONLY)
+configure_file(packaging/debian/triggers ${control_files}/triggers COPYONLY)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${control_files}/shlibs ${control_files}/triggers)
+
+configure_file(cmake/DebianFiles.cmake.in ${PROJECT_BINARY_DIR}/DebianFiles.cmake @ONLY)
+set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_BINARY_DIR}/DebianFiles.cmake)
+configure_file(cmake/DebianControl.cmake.in ${PROJECT_BINARY_DIR}/DebianControl.cmake @ONLY)
+set(CPACK_PROJECT_CONFIG_FILE ${PROJECT_BINARY_DIR}/DebianControl.cmake)
+
+include(CPack)

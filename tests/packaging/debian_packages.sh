@@ -1,0 +1,107 @@
+#!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+# SPDX-License-Identifier: MIT
+#
+# Makes the three Debian packages, looks into them, installs them into an empty root beside the
+# machine's, runs what they bring, and removes them again. lintian must have nothing to say.
+
+source "$(dirname "$0")/support.sh"
+
+if ! command -v dpkg-deb >/dev/null || ! command -v dpkg-shlibdeps >/dev/null; then
+    echo "no Debian tools here: no Debian packages"
+    exit 77
+fi
+
+quietly "$FX_CPACK" --config "$FX_BUILD/CPackConfig.cmake" -G DEB -B "$work/packages"
+packages=$work/packages
+architecture=$(dpkg --print-architecture)
+runtime=$packages/libmitsubishi-fx1s0_${FX_VERSION}_$architecture.deb
+dev=$packages/libmitsubishi-fx1s-dev_${FX_VERSION}_$architecture.deb
+tools=$packages/fx-tools_${FX_VERSION}_$architecture.deb
+[ "$(find "$packages" -maxdepth 1 -name '*.deb' | wc -l)" -eq 3 ] || fail "not three packages: $(ls "$packages")"
+
+# expect_files PACKAGE: it holds the files named on standard input, folders left out, no others.
+expect_files() {
+    dpkg-deb -c "$1" | awk '$1 !~ /^d/ { print $6 }' | LC_ALL=C sort >"$work/holds"
+    LC_ALL=C sort >"$work/should_hold"
+    diff "$work/should_hold" "$work/holds" || fail "the contents of $1"
+    ! dpkg-deb -c "$1" | grep -v ' root/root ' || fail "$1 holds files that are not root's"
+}
+
+# expect_field PACKAGE FIELD PATTERN
+expect_field() {
+    local value
+    value=$(dpkg-deb -f "$1" "$2")
+    # shellcheck disable=SC2053  # the pattern is meant as one
+    [[ $value == $3 ]] || fail "$1 has $2: $value"
+}
+
+expect_files "$runtime" <<END
+./usr/$FX_LIBDIR/libmitsubishi_fx1s.so.0
+./usr/$FX_LIBDIR/libmitsubishi_fx1s.so.$FX_VERSION
+./usr/share/doc/libmitsubishi-fx1s0/changelog.gz
+./usr/share/doc/libmitsubishi-fx1s0/copyright
+END
+expect_files "$dev" <<END
+./usr/$FX_LIBDIR/cmake/mitsubishi_fx1s/mitsubishi_fx1s-config-version.cmake
+./usr/$FX_LIBDIR/cmake/mitsubishi_fx1s/mitsubishi_fx1s-config.cmake
+./usr/$FX_LIBDIR/cmake/mitsubishi_fx1s/mitsubishi_fx1s-targets-release.cmake
+./usr/$FX_LIBDIR/cmake/mitsubishi_fx1s/mitsubishi_fx1s-targets.cmake
+./usr/$FX_LIBDIR/libmitsubishi_fx1s.so
+./usr/$FX_LIBDIR/pkgconfig/mitsubishi_fx1s.pc
+./usr/include/mitsubishi_fx1s/intf.h
+./usr/include/mitsubishi_fx1s/records.h
+./usr/share/doc/libmitsubishi-fx1s-dev/CHANGELOG.md
+./usr/share/doc/libmitsubishi-fx1s-dev/changelog.gz
+./usr/share/doc/libmitsubishi-fx1s-dev/copyright
+./usr/share/doc/libmitsubishi-fx1s-dev/docs/compatibility.md
+./usr/share/doc/libmitsubishi-fx1s-dev/docs/entry-points.md
+./usr/share/doc/libmitsubishi-fx1s-dev/docs/frames.md
+./usr/share/doc/libmitsubishi-fx1s-dev/docs/host-guide.md
+./usr/share/doc/libmitsubishi-fx1s-dev/examples/CMakeLists.txt
+./usr/share/doc/libmitsubishi-fx1s-dev/examples/editor_services/editor_services.cpp
+./usr/share/doc/libmitsubishi-fx1s-dev/examples/minimal_host/minimal_host.cpp
+./usr/share/doc/libmitsubishi-fx1s-dev/examples/recipes/recipes.cpp
+END
+expect_files "$tools" <<END
+./usr/bin/fxhost
+./usr/bin/fxsim
+./usr/share/bash-completion/completions/fxhost
+./usr/share/bash-completion/completions/fxsim
+./usr/share/doc/fx-tools/changelog.gz
+./usr/share/doc/fx-tools/copyright
+./usr/share/man/man1/fxhost.1.gz
+./usr/share/man/man1/fxsim.1.gz
+END
+expect_field "$runtime" Depends "*libqt5core5a (>= *"
+expect_field "$dev" Depends "libmitsubishi-fx1s0 (= $FX_VERSION), qtbase5-dev"
+expect_field "$tools" Depends "libmitsubishi-fx1s0 (= $FX_VERSION), *libqt5serialport5 (>= *"
+
+if command -v lintian >/dev/null; then
+    lintian --allow-root --fail-on error,warning "$packages"/*.deb >"$work/lintian" 2>&1 ||
+        { cat "$work/lintian" >&2; fail "lintian"; }
+else
+    echo "lintian is not installed: not asked"
+fi
+
+root=$work/root
+mkdir -p "$root"/var/lib/dpkg/{info,updates,triggers}
+touch "$root"/var/lib/dpkg/{status,available}
+as_root=()
+[ "$(id -u)" -eq 0 ] || as_root=(fakeroot)
+# What the packages depend on is the machine's: the new root has nothing.
+dpkg_there=("${as_root[@]}" dpkg --root="$root" --force-depends --log=/dev/null)
+quietly "${dpkg_there[@]}" --install "$runtime" "$dev" "$tools"
+
+expect_text "fxhost as installed" "32CV" "$root/usr/bin/fxhost" types
+export PKG_CONFIG_PATH=$root/usr/$FX_LIBDIR/pkgconfig
+# shellcheck disable=SC2046  # flags are words
+quietly "$FX_CXX" "$root/usr/share/doc/libmitsubishi-fx1s-dev/examples/minimal_host/minimal_host.cpp" \
+    -o "$work/minimal_host" $(pkg-config --define-prefix --cflags --libs mitsubishi_fx1s)
+start_simulator "$root/usr/bin/fxsim"
+expect_text "minimal_host" "D100 = 1337" \
+    env LD_LIBRARY_PATH="$root/usr/$FX_LIBDIR" "$work/minimal_host" "$work/plc"
+stop_simulator
+
+quietly "${dpkg_there[@]}" --purge fx-tools libmitsubishi-fx1s-dev libmitsubishi-fx1s0
+[ ! -e "$root/usr" ] || fail "left behind: $(find "$root/usr")"

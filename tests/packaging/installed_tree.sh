@@ -1,0 +1,46 @@
+#!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+# SPDX-License-Identifier: MIT
+#
+# Installs into an empty folder, moves that folder, and uses it there as a host programmer would:
+# builds the installed examples against it by CMake and by pkg-config and runs them.
+
+source "$(dirname "$0")/support.sh"
+
+quietly "$FX_CMAKE" --install "$FX_BUILD" --prefix "$work/first place"
+mkdir "$work/elsewhere"
+mv "$work/first place" "$work/elsewhere/moved"
+prefix=$work/elsewhere/moved
+examples=$prefix/share/doc/mitsubishi_fx1s/examples
+
+for place in "first place" "$FX_SOURCE" "$FX_BUILD"; do
+    found=$(grep -rlI -- "$place" "$prefix" || true)
+    [ -z "$found" ] || fail "'$place' stands in the installed $found"
+done
+for file in "$prefix/$FX_LIBDIR/libmitsubishi_fx1s.so.0" "$prefix/bin/fxhost" "$prefix/bin/fxsim"; do
+    readelf -d "$file" >"$work/dynamic"
+    ! grep -E 'R(UN)?PATH' "$work/dynamic" || fail "$file looks for libraries at a fixed place"
+done
+
+expect_text "fxhost" "32CV" "$prefix/bin/fxhost" types
+start_simulator "$prefix/bin/fxsim"
+
+quietly "$FX_CMAKE" -S "$examples" -B "$work/by_cmake" -DCMAKE_PREFIX_PATH="$prefix" \
+    -DCMAKE_CXX_COMPILER="$FX_CXX"
+grep -q "mitsubishi_fx1s_DIR:PATH=$prefix/" "$work/by_cmake/CMakeCache.txt" ||
+    fail "another mitsubishi_fx1s was found than the installed one"
+quietly "$FX_CMAKE" --build "$work/by_cmake"
+run_examples "$work/by_cmake"
+
+mkdir "$work/by_pkg_config"
+export PKG_CONFIG_PATH=$prefix/$FX_LIBDIR/pkgconfig
+[ "$(pkg-config --modversion mitsubishi_fx1s)" = "$FX_VERSION" ] || fail "wrong version in the .pc file"
+for example in minimal_host editor_services recipes; do
+    # shellcheck disable=SC2046  # flags are words
+    quietly "$FX_CXX" "$examples/$example/$example.cpp" -o "$work/by_pkg_config/$example" \
+        $(pkg-config --cflags --libs mitsubishi_fx1s)
+done
+export LD_LIBRARY_PATH=$prefix/$FX_LIBDIR
+run_examples "$work/by_pkg_config"
+
+stop_simulator
