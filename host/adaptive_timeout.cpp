@@ -12,6 +12,8 @@ namespace fxhost {
 namespace {
 
 constexpr int maxBackOff = 5;
+constexpr int quickFactor =
+    20;  // at 9600 baud the shortest answer takes a twentieth of the longest
 
 }  // namespace
 
@@ -37,8 +39,10 @@ int AdaptiveTimeout::milliseconds() const
 {
     if (m_smoothedUs == 0)
         return m_limits.ceilingMs;
+    const qint64 floorMs =
+        qBound<qint64>(m_limits.quickFloorMs, quickFactor * m_smoothedUs / 1000, m_limits.floorMs);
     const qint64 expectedMs = (m_smoothedUs + 4 * m_variationUs) / 1000 + 1;
-    const qint64 waitMs = std::max<qint64>(expectedMs, m_limits.floorMs) << m_backOff;
+    const qint64 waitMs = std::max(expectedMs, floorMs) << m_backOff;
     return static_cast<int>(std::min<qint64>(waitMs, m_limits.ceilingMs));
 }
 

@@ -12,8 +12,11 @@ namespace fxhost {
 
 struct TimeoutLimits
 {
-    int floorMs = 250;     // the longest frame takes 150 ms at 9600 baud before it can be answered
-    int ceilingMs = 1000;  // what is waited before anything is known
+    int floorMs = 250;      // the longest frame takes 150 ms at 9600 baud before it can be answered
+    int ceilingMs = 1000;   // what is waited before anything is known
+    int quickFloorMs = 50;  // on a line that answers so fast that it cannot be a slow one
+
+    static TimeoutLimits fixed(int timeoutMs) { return {timeoutMs, timeoutMs, timeoutMs}; }
 };
 
 class AdaptiveTimeout

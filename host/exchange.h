@@ -39,6 +39,7 @@ struct Exchange
     FRAME_PRO frame;
     QByteArray reply;       // as far as it came in time
     QByteArray thrownAway;  // what came behind a bad or missing reply until the line was quiet
+    QByteArray handed;      // what the driver got of it
     ReplyVerdict verdict = ReplyVerdict::Silence;
     DriverAnswer answer = DriverAnswer::NoFrame;
     QString errorText;      // of the driver

@@ -100,8 +100,8 @@ void ExchangeLoop::settle(Exchange& exchange)
 void ExchangeLoop::handOver(Exchange& exchange)
 {
     const bool exactLength = exchange.reply.size() == exchange.frame.replyLength;
-    QByteArray reply = exactLength ? exchange.reply : QByteArray(exchange.reply.size(), nak);
-    const int result = m_session.library().dealRcvFrame(reply, exchange.errorText);
+    exchange.handed = exactLength ? exchange.reply : QByteArray(exchange.reply.size(), nak);
+    const int result = m_session.library().dealRcvFrame(exchange.handed, exchange.errorText);
     exchange.answer = static_cast<DriverAnswer>(result);
     m_repeating = exchange.answer == DriverAnswer::Repeat;
 }
@@ -111,13 +111,18 @@ QByteArray ExchangeLoop::receive(int byteCount)
 {
     QByteArray reply;
     while (reply.size() < byteCount) {
-        const int waitMs = reply.isEmpty() ? m_timeout.milliseconds() : m_settings.betweenBytesMs;
+        const int waitMs = reply.isEmpty() ? m_timeout.milliseconds() : betweenBytesMs();
         const QByteArray more = m_link.receive(waitMs);
         reply += more;
         if (more.isEmpty() || reply.front() == nak)
             break;
     }
     return reply;
+}
+
+int ExchangeLoop::betweenBytesMs() const
+{
+    return std::min(m_settings.betweenBytesMs, m_timeout.milliseconds());
 }
 
 QByteArray ExchangeLoop::drain(int forQuietMs)
@@ -137,8 +142,8 @@ bool ExchangeLoop::resynchronise()
     const bool worthAsking =
         m_enquiryWasAnswered || m_enquiriesUnanswered < enquiriesBeforeGivingUp;
     const bool answered = worthAsking && enquire();
-    // Without an answer to ENQ only time tells that nothing late is on its way any more.
-    throwAway(drain(answered ? quietMs() : m_timeout.milliseconds()));
+    // Time has to tell the same where ENQ is not answered, or not in its turn.
+    throwAway(drain(m_timeout.milliseconds()));
     return answered;
 }
 

@@ -11,7 +11,7 @@
 //   2. Before a frame goes out the line must be empty, for a moment that suits its speed.
 //   3. After anything but a good answer or a clean NAK the line is drained until it is quiet, and
 //      after a time-out ENQ must be answered by ACK before the next frame: a PLC answers in order,
-//      so nothing older can come behind that ACK.
+//      so nothing older can come behind that ACK; one time-out more is left for those that do not.
 
 #pragma once
 
@@ -64,6 +64,7 @@ private:
     void throwAway(const QByteArray& bytes);
     void clearLine();
     int quietMs() const;
+    int betweenBytesMs() const;
 
     DriverSession& m_session;
     Link& m_link;

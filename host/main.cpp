@@ -9,6 +9,7 @@
 #include "host/driver_library.h"
 #include "host/interrupt.h"
 #include "host/link_address.h"
+#include "host/register_file.h"
 #include "host/values.h"
 
 #include <QCoreApplication>
@@ -98,6 +99,14 @@ void addCommands(CLI::App& app, CommonOptions& common, Action& action)
     addReadCommand(app, common, action);
     addWriteCommand(app, common, action);
     addWatchCommand(app, common, action);
+    addRecipeCommand(app, common, action);
+    addDumpCommand(app, common, action);
+    addRestoreCommand(app, common, action);
+    addMonitorCommand(app, common, action);
+    addStatsCommand(app, common, action);
+    addRecordCommand(app, common, action);
+    addReplayCommand(app, common, action);
+    addDoctorCommand(app, common, action);
     addDemoCommand(app, common, action);
 }
 

@@ -47,6 +47,24 @@ bool hasFailed(const Exchange& exchange, ExchangeKind kind)
     return exchange.kind == kind && exchange.hasFailed();
 }
 
+ReplyVerdict readPortion(ExchangeLoop& loop, const RegisterRange& range)
+{
+    std::optional<bool> result;
+    std::optional<ReplyVerdict> failure;
+    loop.session().onReadEnded = [&result](bool good) { result = good; };
+    loop.session().queueRead(range);
+    const Round round = runUntil(loop, [&](const Round& soFar) {
+        // The driver drops what is queued behind a failed read, and reports only the last one.
+        if (!soFar.ended.isEmpty() && hasFailed(soFar.ended.last(), ExchangeKind::ConditionalRead))
+            failure = soFar.ended.last().verdict;
+        return result.has_value() || failure.has_value();
+    });
+    loop.session().onReadEnded = nullptr;
+    if (round.linkLost)
+        return ReplyVerdict::LinkLost;
+    return result.value_or(false) ? ReplyVerdict::Good : failure.value_or(ReplyVerdict::Silence);
+}
+
 }  // namespace
 
 bool Round::allGood() const
@@ -92,20 +110,15 @@ Round flushWrites(ExchangeLoop& loop, int writes)
 
 ReplyVerdict readOnce(ExchangeLoop& loop, const RegisterRange& range)
 {
-    std::optional<bool> result;
-    std::optional<ReplyVerdict> failure;
-    loop.session().onReadEnded = [&result](bool good) { result = good; };
-    loop.session().queueRead(range);
-    const Round round = runUntil(loop, [&](const Round& soFar) {
-        // The driver drops what is queued behind a failed read, and reports only the last one.
-        if (!soFar.ended.isEmpty() && hasFailed(soFar.ended.last(), ExchangeKind::ConditionalRead))
-            failure = soFar.ended.last().verdict;
-        return result.has_value() || failure.has_value();
-    });
-    loop.session().onReadEnded = nullptr;
-    if (round.linkLost)
-        return ReplyVerdict::LinkLost;
-    return result.value_or(false) ? ReplyVerdict::Good : failure.value_or(ReplyVerdict::Silence);
+    // The driver cuts a read by its registers, so that one of counters could be twice too long.
+    const int most = range.type.mostInFrame(loop.session().settings().wordsPerFrame);
+    for (int done = 0; done < range.count; done += most) {
+        const int count = std::min(most, range.count - done);
+        const ReplyVerdict verdict = readPortion(loop, range.part(done, count));
+        if (verdict != ReplyVerdict::Good)
+            return verdict;
+    }
+    return ReplyVerdict::Good;
 }
 
 WriteOutcome writeRegisters(ExchangeLoop& loop, const RegisterRange& range,

@@ -72,6 +72,12 @@ int RegisterType::driverCount(int count) const
     return width == RegisterWidth::DoubleWord ? 2 * count : count;
 }
 
+int RegisterType::mostInFrame(int wordsPerFrame) const
+{
+    constexpr int bitsPerByte = 8;  // the driver reads as many bytes of bits as words
+    return isBit() ? bitsPerByte * wordsPerFrame : qMax(wordsPerFrame / driverCount(1), 1);
+}
+
 QString RegisterType::numberText(int number) const
 {
     return QString::number(number, numberBase);

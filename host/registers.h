@@ -33,8 +33,9 @@ struct RegisterType
 
     bool isBit() const { return width == RegisterWidth::Bit; }
     int registers() const { return highest - lowest + 1; }
-    int valueBytes() const;            // of one value in the buffers of the driver
-    int driverCount(int count) const;  // what intf_getData and intf_setData call `count`
+    int valueBytes() const;                    // of one value in the buffers of the driver
+    int driverCount(int count) const;          // what intf_getData and intf_setData call `count`
+    int mostInFrame(int wordsPerFrame) const;  // registers whose values fit so many words
     QString numberText(int number) const;
 };
 

@@ -7,14 +7,15 @@
 
 namespace fxhost {
 
-SerialLink::SerialLink(const QString& path, const LineSettings& settings) : m_settings(settings)
+SerialLink::SerialLink(const QString& path, const LineSettings& settings)
+    : m_path(path), m_settings(settings)
 {
     m_port.setPortName(path);
 }
 
 QString SerialLink::name() const
 {
-    return "serial:" + m_port.portName();
+    return "serial:" + m_path;
 }
 
 void SerialLink::open()
@@ -25,7 +26,7 @@ void SerialLink::open()
     m_port.setParity(m_settings.parity);
     m_port.setStopBits(m_settings.stopBits);
     if (!m_port.open(QIODevice::ReadWrite)) {
-        throw LinkError("cannot open " + m_port.portName().toStdString() + ": " +
+        throw LinkError("cannot open " + m_path.toStdString() + ": " +
                         m_port.errorString().toStdString());
     }
     m_port.clear();

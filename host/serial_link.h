@@ -33,6 +33,7 @@ protected:
     QIODevice& device() override { return m_port; }
 
 private:
+    QString m_path;
     LineSettings m_settings;
     QSerialPort m_port;
 };

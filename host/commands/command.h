@@ -42,13 +42,6 @@ struct CommonOptions
     OutputOptions output;
 };
 
-// A file that cannot be read or written, or whose content is wrong; the text names file and line.
-class FileError : public std::runtime_error
-{
-public:
-    using std::runtime_error::runtime_error;
-};
-
 // A command line that parses but makes no sense; the text says what would.
 class UsageError : public std::runtime_error
 {
@@ -61,9 +54,17 @@ using Action = std::function<ExitCode()>;
 
 void addCheckCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addDemoCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addDoctorCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addDumpCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addMonitorCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addPlanCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addReadCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addRecipeCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addRecordCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addReplayCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addRestoreCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addSeriesCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addStatsCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addTypesCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addWatchCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addWriteCommand(CLI::App& app, const CommonOptions& common, Action& action);

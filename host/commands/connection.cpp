@@ -40,7 +40,7 @@ LoopSettings loopSettings(const CommonOptions& common)
 {
     LoopSettings settings;
     if (common.timeoutMs > 0)
-        settings.timeout = {common.timeoutMs, common.timeoutMs};
+        settings.timeout = TimeoutLimits::fixed(common.timeoutMs);
     return settings;
 }
 

@@ -4,6 +4,7 @@
 // A recipe goes to the PLC, is changed there, and comes back.
 
 #include "host/demo/chapters.h"
+#include "host/recipe_transfer.h"
 
 #include <algorithm>
 
@@ -25,16 +26,8 @@ quint16 recipeValue(size_t word)
 bool transfer(DemoBench& bench, RecipeDirection direction, const QString& label,
               const QVector<RegisterRange>& entries)
 {
-    const int total = bench.session().startRecipe(direction, entries);
-    int shownDone = -1;
-    const Round round = runUntil(bench.loop(), [&](const Round& soFar) {
-        if (soFar.ended.size() != shownDone) {
-            shownDone = soFar.ended.size();
-            bench.console().progress(label, shownDone, total);
-        }
-        return !bench.session().recipeRuns(direction);
-    });
-    return round.allGood() && round.ended.size() == total;
+    const auto show = [&](int done, int total) { bench.console().progress(label, done, total); };
+    return transferRecipe(bench.loop(), direction, entries, show).isGood();
 }
 
 quint32 recipeNumber(const RegisterType& type, const std::vector<quint16>& words, size_t word)

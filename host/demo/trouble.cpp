@@ -5,6 +5,7 @@
 // The driver repeats, gives up where it must, goes on with the plan, and is right again afterwards.
 
 #include "host/demo/chapters.h"
+#include "host/report/frame_text.h"
 
 namespace fxhost {
 
@@ -14,21 +15,6 @@ constexpr int noiseMs = 6000;
 constexpr int linesShown = 12;
 const char* const noise = "faults silence=0.05,wrong-sum=0.08,flipped-bits=0.06,truncated=0.06,"
                           "nak=0.06,junk-before=0.06";
-
-QString answerText(DriverAnswer answer)
-{
-    switch (answer) {
-    case DriverAnswer::NoFrame:
-        return QStringLiteral("ignored");
-    case DriverAnswer::Accepted:
-        return QStringLiteral("accepted");
-    case DriverAnswer::Failed:
-        return QStringLiteral("given up");
-    case DriverAnswer::Repeat:
-        return QStringLiteral("sent again");
-    }
-    return {};
-}
 
 // Shows each rejected reply with the driver's error text, as far as there is room.
 class RejectionLog

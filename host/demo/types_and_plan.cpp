@@ -7,6 +7,7 @@
 #include "host/addresses.h"
 #include "host/blocks.h"
 #include "host/demo/chapters.h"
+#include "host/report/frame_text.h"
 #include "host/report/table.h"
 
 namespace fxhost {
@@ -21,12 +22,6 @@ QString askedFor(const QVector<ScreenItem>& screen, const RegisterRange& block)
             names += item.range.text();
     }
     return names.join(' ');
-}
-
-QString visibleFrame(const QByteArray& frame)
-{
-    QString text = QString::fromLatin1(frame);
-    return text.replace(QChar(stx), QStringLiteral("␂")).replace(QChar(etx), QStringLiteral("␃"));
 }
 
 // A PLC that lets the very first exchange fail is not there: no use in asking for every block.
@@ -65,7 +60,7 @@ void showPlan(DemoBench& bench)
     for (const Exchange& exchange : cycle.ended) {
         const RegisterRange block = blockRange(bench.catalogue(), exchange.frame.variable);
         table.add({fromToText(block), QString::number(exchange.frame.replyDataChars / 2),
-                   visibleFrame(requestBytes(exchange.frame)), askedFor(bench.screen(), block)});
+                   visibleBytes(requestBytes(exchange.frame)), askedFor(bench.screen(), block)});
     }
     for (const QString& line : table.lines())
         bench.console().line(line);

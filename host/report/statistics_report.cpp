@@ -7,13 +7,61 @@
 
 #include "host/report/table.h"
 
+#include <QJsonDocument>
+#include <QJsonObject>
+
 namespace fxhost {
 
 namespace {
 
+constexpr int longestBar = 40;
+
 QString milliseconds(qint64 timeUs)
 {
-    return QString::number(static_cast<double>(timeUs) / 1000.0, 'f', timeUs < 10000 ? 2 : 0);
+    return QString::number(static_cast<double>(timeUs) / 1000.0, 'f',
+                           timeUs < 1000    ? 3
+                           : timeUs < 10000 ? 2
+                                            : 0);
+}
+
+double asMilliseconds(qint64 timeUs)
+{
+    return static_cast<double>(timeUs) / 1000.0;
+}
+
+// One line a doubling of the time, with a bar as long as its share.
+QStringList histogramLines(const Histogram& times)
+{
+    QStringList lines;
+    for (qint64 fromUs = 1; fromUs <= times.largestUs(); fromUs *= 2) {
+        const qint64 number = times.between(fromUs, 2 * fromUs);
+        if (number == 0)
+            continue;
+        const auto width =
+            static_cast<int>((number * longestBar + times.total() - 1) / times.total());
+        lines += QStringLiteral("  %1 to %2 ms  %3 %4")
+                     .arg(milliseconds(fromUs), 8)
+                     .arg(milliseconds(2 * fromUs), 6)
+                     .arg(QStringLiteral("█").repeated(width), -longestBar)
+                     .arg(number);
+    }
+    return lines;
+}
+
+QJsonObject percentilesOf(const Histogram& times)
+{
+    return {{"p50", asMilliseconds(times.percentileUs(50))},
+            {"p95", asMilliseconds(times.percentileUs(95))},
+            {"p99", asMilliseconds(times.percentileUs(99))},
+            {"longest", asMilliseconds(times.largestUs())}};
+}
+
+QJsonObject countsOf(const KindCounts& counts)
+{
+    return {{"frames", counts.sent},
+            {"good", counts.accepted},
+            {"sentAgain", counts.repeated},
+            {"givenUp", counts.failed}};
 }
 
 QStringList kindRow(const QString& title, const KindCounts& counts)
@@ -75,6 +123,49 @@ QStringList statisticsLines(const Statistics& statistics, qint64 elapsedUs)
                  .arg(static_cast<double>(elapsedUs) / 1e6, 0, 'f', 1)
                  .arg(busyShare, 0, 'f', 0);
     return lines;
+}
+
+QStringList lineReportLines(const LineReport& report)
+{
+    QStringList lines = statisticsLines(report.statistics, report.elapsedUs);
+    lines += QStringLiteral("  cycle time: p50 %1 ms, p95 %2 ms, longest %3 ms")
+                 .arg(milliseconds(report.cycleTimes.percentileUs(50)),
+                      milliseconds(report.cycleTimes.percentileUs(95)),
+                      milliseconds(report.cycleTimes.largestUs()));
+    lines += QString();
+    lines += QStringLiteral("  response times; the time-out is %1 ms now").arg(report.timeoutMs);
+    return lines + histogramLines(report.statistics.responses);
+}
+
+QStringList lineReportJson(const LineReport& report)
+{
+    const Statistics& statistics = report.statistics;
+    QJsonObject kinds;
+    QJsonObject rejected;
+    for (int index = 0; index < exchangeKinds; ++index) {
+        const auto kind = static_cast<ExchangeKind>(index);
+        kinds.insert(kindText(kind), countsOf(statistics.of(kind)));
+    }
+    for (int index = 0; index < replyVerdicts; ++index) {
+        const auto verdict = static_cast<ReplyVerdict>(index);
+        if (verdict != ReplyVerdict::Good)
+            rejected.insert(verdictName(verdict), statistics.of(verdict));
+    }
+    const QJsonObject object = {{"exchanges", kinds},
+                                {"rejected", rejected},
+                                {"bytesSent", statistics.bytesSent},
+                                {"bytesReceived", statistics.bytesReceived},
+                                {"bytesThrownAway", statistics.bytesThrownAway},
+                                {"enquiriesSent", statistics.enquiriesSent},
+                                {"enquiriesAnswered", statistics.enquiriesAnswered},
+                                {"linksLost", statistics.linksLost},
+                                {"reconnects", statistics.reconnects},
+                                {"responseMs", percentilesOf(statistics.responses)},
+                                {"cycleMs", percentilesOf(report.cycleTimes)},
+                                {"timeoutMs", report.timeoutMs},
+                                {"busyMs", asMilliseconds(statistics.busyUs)},
+                                {"elapsedMs", asMilliseconds(report.elapsedUs)}};
+    return QString::fromUtf8(QJsonDocument(object).toJson().trimmed()).split('\n');
 }
 
 }  // namespace fxhost

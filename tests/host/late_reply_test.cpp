@@ -64,7 +64,7 @@ TEST_P(LateReplies, NeverStandUnderAnothersName)
     DriverSession session(driver(), {});
     LoopSettings settings = line.loopSettings();
     if (GetParam().timeoutMs > 0)
-        settings.timeout = {GetParam().timeoutMs, GetParam().timeoutMs};
+        settings.timeout = TimeoutLimits::fixed(GetParam().timeoutMs);
     ExchangeLoop loop(session, line, settings);
     RegisterRange all = range("D0");
     all.count = blocks * wordsPerBlock;
@@ -86,7 +86,7 @@ TEST_P(LateReplies, NeverStandUnderAnothersName)
 
 INSTANTIATE_TEST_SUITE_P(
     Lines, LateReplies,
-    testing::Values(LateLine{"a little late, at once", 0, "delay:260=0.1",
+    testing::Values(LateLine{"a little late, at once", 0, "delay:60=0.1",
                              fxsim::EnquiryMode::Optional, 1000000, 0},
                     LateLine{"just at the time-out at 9600", 9600, "delay:238=0.2",
                              fxsim::EnquiryMode::Optional, 300000, 250},
@@ -99,7 +99,12 @@ INSTANTIATE_TEST_SUITE_P(
                     LateLine{"late and everything else", 19200,
                              "delay:300=0.05,silence=0.02,truncated=0.02,junk-before=0.02,"
                              "junk-after=0.02,slices=0.05,wrong-sum=0.02,echo=0.02,duplicate=0.05",
-                             fxsim::EnquiryMode::Optional, 300000, 0}));
+                             fxsim::EnquiryMode::Optional, 300000, 0},
+                    LateLine{"a hundred thousand exchanges, five in a hundred bad", 0,
+                             "silence=0.004,nak=0.004,delay:60=0.004,wrong-sum=0.004,bit7=0.004,"
+                             "truncated=0.004,lost-stx=0.004,lost-etx=0.004,junk-before=0.004,"
+                             "junk-after=0.004,duplicate=0.004,slices=0.004,echo=0.004",
+                             fxsim::EnquiryMode::Optional, 3200000, 0}));
 
 // The same line under a host that hands over whatever comes next: the pattern does show it.
 TEST(LateReplies, WouldShowInAHostThatDoesNotCare)

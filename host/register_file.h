@@ -1,0 +1,54 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// Registers and their values in a CSV file: a line "address,value" each, as `read --csv` prints
+// them; lines that start with "#" and a title line are passed over. Dumps and recipes are kept so.
+
+#pragma once
+
+#include "host/addresses.h"
+
+#include <QFile>
+
+namespace fxhost {
+
+// A file that cannot be read or written, or whose content is wrong; the text names file and line.
+class FileError : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// Neighbouring registers with their values.
+struct RegisterRun
+{
+    RegisterRange range;
+    QVector<quint32> values;
+};
+
+// The registers of a file in its order, neighbours joined up to `mostRegisters`. Throws FileError.
+QVector<RegisterRun> readRegisterFile(const QString& path, const RegisterCatalogue& catalogue,
+                                      const DriverLibrary& library, int mostRegisters);
+
+// Writes such a file line by line, so that what was written survives an interruption.
+class RegisterFileWriter
+{
+public:
+    enum class Mode
+    {
+        Replace,
+        Append,
+    };
+
+    RegisterFileWriter(const QString& path, Mode mode);  // throws FileError
+
+    void add(const QString& address, quint32 value);
+    void addComment(const QString& text);
+
+private:
+    void put(const QString& line);
+
+    QFile m_file;
+};
+
+}  // namespace fxhost

@@ -1,0 +1,130 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// fxhost from its command line, against a simulated PLC on a real pseudo-terminal and over TCP.
+
+#include "support/programs.h"
+
+#include <gtest/gtest.h>
+
+using namespace fxhost_tests;
+
+class Commands : public testing::TestWithParam<Road>
+{
+protected:
+    // A PLC whose memory only the host changes.
+    RunningSimulator plc{GetParam(), {"--baud", "0", "--program", "none"}};
+
+    Ended run(const QStringList& arguments)
+    {
+        return fxhost(QStringList{"--link", plc.link()} + arguments);
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Roads, Commands, testing::Values(Road::PseudoTerminal, Road::Tcp),
+                         [](const auto& row) { return testing::PrintToString(row.param); });
+
+TEST_P(Commands, ReadShowsWhatThePlcHolds)
+{
+    plc.command("poke 0x10C8 0x39 0x30");  // D100
+    plc.command("poke 0x0080.2 1");        // X2
+    const Ended ended = run({"read", "D100", "X2", "X3", "--csv"});
+    EXPECT_EQ(ended.code, 0);
+    EXPECT_EQ(ended.out, "address,value,error\nD100,12345,\nX2,1,\nX3,0,\n");
+}
+
+TEST_P(Commands, ReadKnowsTheFormats)
+{
+    plc.command("poke 0x1000 0xC3 0xF5 0x48 0x40");  // D0, D1: 3.14 as a floating-point number
+    EXPECT_EQ(run({"read", "D0:2", "--as", "float", "--csv", "-q"}).out, "D0,3.14,\n");
+    EXPECT_EQ(run({"read", "D0", "--as", "signed", "--csv", "-q"}).out, "D0,-2621,\n");
+    EXPECT_EQ(run({"read", "D0", "--as", "hex", "--csv", "-q"}).out, "D0,0xF5C3,\n");
+    EXPECT_EQ(run({"read", "D0:2", "--as", "long", "--csv", "-q"}).out, "D0,1078523331,\n");
+}
+
+TEST_P(Commands, WriteReachesThePlcAndIsVerified)
+{
+    const Ended ended =
+        run({"write", "D10=7,-1", "M5=on", "32CV201=70000", "D20=3.14", "--verify", "--csv", "-q"});
+    EXPECT_EQ(ended.code, 0);
+    EXPECT_EQ(ended.out, "D10:2,\"7,-1\",verified\nM5,on,verified\n32CV201,70000,verified\n"
+                         "D20:2,3.14,verified\n");
+    EXPECT_EQ(run({"read", "D10:2", "M5", "32CV201", "--csv", "-q"}).out,
+              "D10,7,\nD11,65535,\nM5,1,\n32CV201,70000,\n");
+}
+
+TEST_P(Commands, WriteOfManyBitsLosesNone)
+{
+    const QString ones = QStringList(QVector<QString>(600, "1").toList()).join(',');
+    EXPECT_EQ(run({"write", "M0=" + ones, "--verify"}).code, 0);
+}
+
+TEST_P(Commands, WatchShowsEachChangeOnce)
+{
+    const Ended ended = run({"watch", "D0:2", "-c", "3", "-l", "1", "--json"});
+    EXPECT_EQ(ended.code, 0);
+    EXPECT_EQ(ended.out, "{\"address\":\"D0\",\"value\":0}\n{\"address\":\"D1\",\"value\":0}\n");
+}
+
+TEST_P(Commands, RecipeGoesDownAndComesBack)
+{
+    const QTemporaryDir folder;
+    const QByteArray recipe = "address,value\nD1000,1\nD1001,65535\nD1100,3\n32CV210,70000\n";
+    const QString file = newFile(folder, "recipe.csv", recipe);
+    EXPECT_EQ(run({"recipe", "download", file}).code, 0);
+    const QString back = folder.filePath("back.csv");
+    EXPECT_EQ(run({"recipe", "upload", back, "D1000:2", "D1100", "32CV210"}).code, 0);
+    EXPECT_EQ(contentOf(back), recipe);
+}
+
+TEST_P(Commands, DumpIsRestoredAndResumed)
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("dump.csv");
+    ASSERT_EQ(run({"write", "D0=11", "D99=12", "M7=1", "32CV255=123456"}).code, 0);
+    EXPECT_EQ(run({"dump", file, "D0:50"}).code, 0);
+    EXPECT_EQ(run({"dump", file, "D0:100", "M0:16", "32CV200:56", "--resume"}).code, 0);
+    EXPECT_EQ(contentOf(file).count('\n'), 1 + 100 + 16 + 56);
+    ASSERT_EQ(run({"write", "D0=0", "D99=0", "M7=0", "32CV255=0"}).code, 0);
+    EXPECT_EQ(run({"restore", file}).code, 0);
+    EXPECT_EQ(run({"read", "D0", "D99", "M7", "32CV255", "--csv", "-q"}).out,
+              "D0,11,\nD99,12,\nM7,1,\n32CV255,123456,\n");
+}
+
+TEST_P(Commands, MonitorMakesFramesVisible)
+{
+    const Ended ended = run({"monitor", "D100:2", "--csv", "-q"});
+    EXPECT_EQ(ended.code, 0);
+    EXPECT_TRUE(holds(ended.out, "read D100 … D101,␂010C804␃73,␂00000000␃83,good,accepted"))
+        << ended.out;
+}
+
+TEST_P(Commands, RecordingIsReplayedWithoutThePlc)
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("session.jsonl");
+    EXPECT_EQ(run({"record", file, "D0:64", "X0:8", "-c", "2"}).code, 0);
+    const Ended replayed = fxhost({"replay", file});
+    EXPECT_EQ(replayed.code, 0);
+    EXPECT_EQ(replayed.out, "6 exchanges, all alike\n");
+
+    QByteArray changed = contentOf(file);
+    changed.replace("1#D32(32)", "1#D33(32)");
+    const Ended differs = fxhost({"replay", newFile(folder, "changed.jsonl", changed)});
+    EXPECT_EQ(differs.code, 1);
+    EXPECT_TRUE(holds(differs.err, "line 4: the driver answers"));
+}
+
+TEST_P(Commands, StatsCountTheExchanges)
+{
+    const Ended ended = run({"stats", "D0:64", "-c", "5", "--json"});
+    EXPECT_EQ(ended.code, 0);
+    EXPECT_TRUE(holds(ended.out, "\"bytesSent\": 110,")) << ended.out;
+}
+
+TEST_P(Commands, DoctorFindsNothingWrong)
+{
+    const Ended ended = run({"doctor"});
+    EXPECT_EQ(ended.code, 0);
+    EXPECT_TRUE(holds(ended.out, "All is well."));
+}

@@ -1,0 +1,118 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// See programs.h.
+
+#include "programs.h"
+
+#include <QFile>
+#include <QRegularExpression>
+
+#include <stdexcept>
+
+namespace fxhost_tests {
+
+namespace {
+
+constexpr int patienceMs = 30000;  // of a loaded machine, under sanitizers
+
+}  // namespace
+
+void PrintTo(Road road, std::ostream* out)
+{
+    *out << (road == Road::Tcp ? "Tcp" : "PseudoTerminal");
+}
+
+void PrintTo(const Ended& ended, std::ostream* out)
+{
+    *out << "exit code " << ended.code << "\n" << ended.out << "\n" << ended.err;
+}
+
+RunningSimulator::RunningSimulator(Road road, const QStringList& options)
+{
+    QStringList arguments = options;
+    if (road == Road::Tcp)
+        arguments << QStringLiteral("--tcp") << QStringLiteral("127.0.0.1:0");
+    else
+        arguments << QStringLiteral("--pty");
+    m_process.start(QStringLiteral(FXSIM_FILE), arguments);
+    const QString place = readyPlace();
+    m_link = road == Road::Tcp ? place : "pty:" + place;
+}
+
+RunningSimulator::~RunningSimulator()
+{
+    m_process.terminate();
+    if (!m_process.waitForFinished(patienceMs))
+        m_process.kill();
+}
+
+QString RunningSimulator::readyPlace()
+{
+    static const QRegularExpression ready(QStringLiteral("fxsim: ready on (\\S+)"));
+    QString said;
+    while (m_process.waitForReadyRead(patienceMs)) {
+        said += QString::fromUtf8(m_process.readAllStandardOutput());
+        const QRegularExpressionMatch match = ready.match(said);
+        if (match.hasMatch() && said.contains('\n'))
+            return match.captured(1);
+    }
+    throw std::runtime_error("the simulator did not come up: " +
+                             m_process.readAllStandardError().toStdString());
+}
+
+void RunningSimulator::command(const QString& line)
+{
+    m_process.write(line.toUtf8() + '\n');
+    QByteArray said;
+    while (!said.endsWith("ok\n") && m_process.waitForReadyRead(patienceMs))
+        said += m_process.readAllStandardOutput();
+    if (!said.endsWith("ok\n"))
+        throw std::runtime_error("the simulator did not carry out: " + line.toStdString());
+}
+
+bool holds(const std::string& text, const std::string& part)
+{
+    return text.find(part) != std::string::npos;
+}
+
+int times(const std::string& text, const std::string& part)
+{
+    int found = 0;
+    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
+        ++found;
+    return found;
+}
+
+Ended fxhost(const QStringList& arguments)
+{
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("FX_DRIVER"), QStringLiteral(FX_DRIVER_FILE));
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(FXHOST_FILE), arguments);
+    Ended ended;
+    if (!process.waitForFinished(patienceMs))
+        process.kill();
+    else if (process.exitStatus() == QProcess::NormalExit)
+        ended.code = process.exitCode();
+    ended.out = process.readAllStandardOutput().toStdString();
+    ended.err = process.readAllStandardError().toStdString();
+    return ended;
+}
+
+QString newFile(const QTemporaryDir& folder, const char* name, const QByteArray& content)
+{
+    QFile file(folder.filePath(QString::fromLatin1(name)));
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+        throw std::runtime_error("cannot write a file for the test");
+    return file.fileName();
+}
+
+QByteArray contentOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+}  // namespace fxhost_tests

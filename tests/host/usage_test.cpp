@@ -1,0 +1,144 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// Mistakes at the command line: one clear line that says what and where, a documented exit code,
+// and nothing sent.
+
+#include "support/programs.h"
+
+#include <gtest/gtest.h>
+
+using namespace fxhost_tests;
+
+namespace {
+
+struct Mistake
+{
+    const char* name;
+    QStringList arguments;
+    int exitCode;
+    const char* says;
+};
+
+void PrintTo(const Mistake& mistake, std::ostream* out)
+{
+    *out << mistake.name;
+}
+
+}  // namespace
+
+class Mistakes : public testing::TestWithParam<Mistake>
+{};
+
+TEST_P(Mistakes, AreNamedInOneLine)
+{
+    const Ended ended = fxhost(GetParam().arguments);
+    EXPECT_EQ(ended.code, GetParam().exitCode);
+    EXPECT_EQ(ended.err, std::string(GetParam().says) + "\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    CommandLines, Mistakes,
+    testing::Values(
+        Mistake{"OctalDigit",
+                {"read", "X18"},
+                2,
+                "fxhost: 'X18' has a number that does not fit: X0 to X377 in octal"},
+        Mistake{"OutOfRange",
+                {"read", "D8256"},
+                2,
+                "fxhost: 'D8256' is out of range: SD8000 to SD8255"},
+        Mistake{"PastTheEnd",
+                {"read", "D7990:32"},
+                2,
+                "fxhost: 'D7990:32' is out of range: D0 to D7999"},
+        Mistake{
+            "UnknownType",
+            {"read", "Q7"},
+            2,
+            "fxhost: 'Q7' has no known register type; there are X Y M S SM T C D SD TV CV 32CV"},
+        Mistake{"NoAddress",
+                {"read", "D"},
+                2,
+                "fxhost: 'D' is no address; write for example D100, X17, D100:32 or 2#M8"},
+        Mistake{"InputWritten", {"write", "X0=1"}, 2, "fxhost: 'X0=1': X cannot be written"},
+        Mistake{
+            "NoBit", {"write", "M0=2"}, 2, "fxhost: value '2' is no bit; write 1, 0, on or off"},
+        Mistake{"TooLarge",
+                {"write", "D0=5000000000"},
+                2,
+                "fxhost: value '5000000000' does not fit 32 bits"},
+        Mistake{"NothingAssigned",
+                {"write", "D0"},
+                2,
+                "fxhost: 'D0' assigns nothing; write for example D100=5 or M0=on"},
+        Mistake{"WordsPastTheEnd",
+                {"write", "D7999=1,2"},
+                2,
+                "fxhost: 'D7999:2' is out of range: D0 to D7999"},
+        Mistake{"OddFloat",
+                {"read", "D0:3", "--as", "float"},
+                2,
+                "fxhost: D0:3: these values take two words each, so the count must be even"},
+        Mistake{"BitInARecipe",
+                {"recipe", "upload", "/dev/null", "M0:8"},
+                2,
+                "fxhost: M0:8: a recipe carries words, no bits"},
+        Mistake{"UnknownLink",
+                {"--link", "usb:1", "read", "D0"},
+                2,
+                "fxhost: link 'usb:1': write sim:, serial:/dev/ttyUSB0?baud=9600, tcp:HOST:PORT or "
+                "pty:PATH"},
+        Mistake{"NoSuchPort",
+                {"--link", "serial:/dev/no-such-port", "read", "D0"},
+                3,
+                "fxhost: cannot open /dev/no-such-port: No such file or directory"},
+        Mistake{"NobodyListens",
+                {"--link", "tcp:127.0.0.1:1", "read", "D0"},
+                3,
+                "fxhost: cannot connect to 127.0.0.1 port 1: Connection refused"},
+        Mistake{"NoSuchFile",
+                {"restore", "/no/such/file"},
+                7,
+                "fxhost: /no/such/file: No such file or directory"}),
+    [](const auto& row) { return row.param.name; });
+
+TEST(Usage, TypesNeedNoPlc)
+{
+    const Ended ended = fxhost({"types", "--csv"});
+    EXPECT_EQ(ended.code, 0);
+    EXPECT_EQ(ended.out, "type,lowest,highest,base,width,writable\n"
+                         "X,0,377,8,bit,false\nY,0,377,8,bit,true\nM,0,3071,10,bit,true\n"
+                         "S,0,999,10,bit,true\nSM,8000,8255,10,bit,true\nT,0,255,10,bit,true\n"
+                         "C,0,255,10,bit,true\nD,0,7999,10,16 bits,true\n"
+                         "SD,8000,8255,10,16 bits,true\nTV,0,255,10,16 bits,true\n"
+                         "CV,0,199,10,16 bits,true\n32CV,200,255,10,32 bits,true\n");
+}
+
+TEST(Usage, CheckNamesWhatIsWrong)
+{
+    const Ended ended = fxhost({"check", "M8000", "2#D5:3", "CV200", "X8", "--csv", "-q"});
+    EXPECT_EQ(ended.code, 1);
+    EXPECT_EQ(
+        ended.out,
+        "M8000,true,\"SM8000 of station 1, bit\"\n2#D5:3,true,\"D5:3 of station 2, 16 bits\"\n"
+        "CV200,true,\"32CV200 of station 1, 32 bits\"\n"
+        "X8,false,'X8' has a number that does not fit: X0 to X377 in octal\n");
+}
+
+TEST(Usage, SeriesCountsInTheTypesBase)
+{
+    EXPECT_EQ(fxhost({"series", "Y6", "-c", "3", "--csv", "-q"}).out, "1,Y6\n2,Y7\n3,Y10\n");
+    const Ended clamped = fxhost({"series", "D7998", "-c", "3", "--csv", "-q"});
+    EXPECT_EQ(clamped.code, 1);
+    EXPECT_EQ(clamped.out, "1,D7998\n2,D7999\n3,D7999\n");
+}
+
+TEST(Usage, PlanShowsTheBlocks)
+{
+    const Ended ended =
+        fxhost({"plan", "D100:10", "D105:20", "D140:5", "D10:70", "M5", "M20:3", "--csv", "-q"});
+    EXPECT_EQ(ended.code, 0);
+    EXPECT_EQ(ended.out, "M0 … M23,24,3,20,21\nD10 … D41,32,64,0,143\nD42 … D73,32,64,0,143\n"
+                         "D74 … D79,6,12,0,39\nD100 … D124,25,50,0,115\nD140 … D144,5,10,0,35\n");
+}
