@@ -70,8 +70,34 @@ TEST(RegisterTypes, UnknownNamesHaveNoRow)
     EXPECT_EQ(nullptr, findRegisterType(QString()));
 }
 
-TEST(RegisterTypes, NameWithATrailingNulIsUnknown)
+TEST(RegisterTypes, LongNamesAreUnknown)
+{
+    for (const char* name : {"32CVX", "X32CV", "DDDDDDDD", "32CV 32CV", "SMSMSMSMSMSMSMSMSMSM"})
+        EXPECT_EQ(nullptr, findRegisterType(QString::fromLatin1(name))) << '"' << name << '"';
+}
+
+TEST(RegisterTypes, NamesWithNulsAreUnknown)
 {
     EXPECT_EQ(nullptr, findRegisterType(QString::fromLatin1("D\0", 2)));
+    EXPECT_EQ(nullptr, findRegisterType(QString::fromLatin1("\0D", 2)));
+    EXPECT_EQ(nullptr, findRegisterType(QString::fromLatin1("\0", 1)));
+}
+
+// Whatever a look-up makes of a name, no other text of one or two characters may pass for one:
+// U+0144 shares its low byte with "D".
+TEST(RegisterTypes, NoOtherShortTextPassesForAName)
+{
+    constexpr int someCharacters = 0x160;
+    int found = 0;
+    for (int first = 0; first < someCharacters; ++first) {
+        QString text = QString(QChar(first));
+        found += findRegisterType(text) != nullptr ? 1 : 0;
+        text += QLatin1Char('?');
+        for (int second = 0; second < someCharacters; ++second) {
+            text[1] = QChar(second);
+            found += findRegisterType(text) != nullptr ? 1 : 0;
+        }
+    }
+    EXPECT_EQ(7 + 4, found);  // X Y M S T C D, SM SD TV CV
 }
 }  // namespace

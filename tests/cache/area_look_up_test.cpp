@@ -232,6 +232,15 @@ const Row bits[] = {
     {"SmallestBitChangesNothing", 5, smallest, 0, 5},
 };
 
+TEST(BitOfAValue, IsSetOnlyWithin32Bits)
+{
+    EXPECT_TRUE(isBitSet(1, 0));
+    EXPECT_TRUE(isBitSet(smallest, 31));
+    EXPECT_FALSE(isBitSet(-1, 32));
+    EXPECT_FALSE(isBitSet(-1, -1));
+    EXPECT_FALSE(isBitSet(-2, 0));
+}
+
 INSTANTIATE_TEST_SUITE_P(Bits, BitValue, ::testing::ValuesIn(bits),
                          [](const auto& row) { return std::string(row.param.name); });
 }  // namespace

@@ -66,6 +66,11 @@ INSTANTIATE_TEST_SUITE_P(Requests, ErrorReport, ::testing::ValuesIn(rows),
 
 using ErrorReportOfAReply = DriverTest;
 
+TEST_F(ErrorReportOfAReply, WithoutAFrameInFlightIsEmpty)
+{
+    EXPECT_EQ("", plain(getErrorInfo(QByteArray("x"))));
+}
+
 TEST_F(ErrorReportOfAReply, UsesTheLengthOnly)
 {
     FRAME_PRO frame;

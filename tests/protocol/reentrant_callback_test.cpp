@@ -186,6 +186,43 @@ TEST_F(ReentrantCallback, HundredsOfWritesFromInsideAPollFillTheQueueAndNoMore)
     EXPECT_EQ((Bytes{0x12, 0x34}), values("D", 100, 1, 2));
 }
 
+TEST_F(ReentrantCallback, HostMayReuseItsReplyBufferAtOnce)
+{
+    driver.readList << request("D", 100, 2);
+    nextFrame();
+    QByteArray bytes = wireBytes("<STX>12345678<ETX>A7");
+    QString error;
+    onCall = [&bytes](QString&, int) { bytes.fill('?'); };
+    EXPECT_EQ(1, intf_dealRcvFrame(bytes, error));
+    EXPECT_EQ((Bytes{0x12, 0x34, 0x56, 0x78}), values("D", 100, 2, 4));
+    EXPECT_EQ("1#D100(2)(12)", plain(error));
+}
+
+// Against the rules of the interface, but no reason to fall over.
+TEST_F(ReentrantCallback, HostThatSetsUpAnewFromInsideIsLeftWithAFreshConnection)
+{
+    onCall = [this](QString&, int) {
+        onCall = nullptr;
+        setUpDriver();
+    };
+    driver.readList << request("D", 100, 2);
+    nextFrame();
+    reply("<STX>12345678<ETX>A7");
+    EXPECT_TRUE(driver.frames.isEmpty());
+    EXPECT_EQ("", nextFrame());
+
+    KEY_ADDRESS key = watch("D", 100, 1);
+    intf_addConditionRead(key, 0);
+    onCall = [this](QString&, int) {
+        onCall = nullptr;
+        setUpDriver();
+    };
+    nextFrame();
+    reply("<STX>1234<ETX>CD");
+    EXPECT_TRUE(driver.conditionReadList.isEmpty());
+    EXPECT_EQ("", nextFrame());
+}
+
 TEST_F(ReentrantCallback, HostThatChangesTheTextChangesNothingElse)
 {
     onCall = [](QString& text, int) { text = QString::fromLatin1("M"); };

@@ -135,6 +135,12 @@ TEST_F(ReplyCheckOfBadBuffers, NoBytesAreRejected)
     EXPECT_EQ(0, check_rcv_data(&byte, -2147483647 - 1));
 }
 
+TEST_F(ReplyCheckOfBadBuffers, WithoutAFrameInFlightEverythingIsRejected)
+{
+    unsigned char byte = 0x06;
+    EXPECT_EQ(0, check_rcv_data(&byte, 1));
+}
+
 TEST_F(ReplyCheckOfBadBuffers, FirstFrameOfTheListIsTheOneInFlight)
 {
     FRAME_PRO write;
