@@ -63,7 +63,7 @@ FX_ENTRY_POINT void intf_setAddrValueChangeCallBack(int (*callback)(int linkNo, 
                                                                     QString& text, int value));
 
 // Sets a connection up, or up anew: empties the plan, the queues and the cache, forgets the
-// exchange in flight, keeps the recipe list and the callback. Always 1, with *status = 0.
+// exchange in flight, keeps the recipe list and the callback. Always 1, with 0 in `*status`.
 //   hostMemory      the host's memory, 60,117 bytes at least: byte 60115 = 1 requests a recipe
 //                   download, byte 60116 = 1 an upload; null: no recipe requests
 //   hostContext     stored only
@@ -73,7 +73,7 @@ FX_ENTRY_POINT void intf_setAddrValueChangeCallBack(int (*callback)(int linkNo, 
 //   propertyString  Latin-1, NUL-terminated, decimal numbers separated by '#':
 //                     link number, cache-only writes (nonzero: nothing is written to the PLC),
 //                     (stored), rejections in a row that end an exchange (below 2: the first does),
-//                     words in one frame (below 1 counts as 1), (optional, stored)
+//                     words in one frame (below 1 counts as 1), (optional, stored);
 //                   a field that is no number is 0; below five fields all keep their values
 //   hostMutex       guards the two request bytes; null: no recipe requests
 // The host keeps all four pointers valid until the next set-up or until it unloads the library.
@@ -89,16 +89,18 @@ FX_ENTRY_POINT int intf_initProperty(unsigned char* hostMemory, unsigned int hos
 // Returns the number of read requests in the plan.
 FX_ENTRY_POINT int intf_addrMerge(QList<KEY_ADDRESS>& keys);
 
-// Queues a one-off read, cut to the limit that `key.bitIndex` chooses. A bit type reads `length`
-// bytes from the byte that holds `startIndex`. Queued ahead of the plan, behind the host's
-// writes; 513 requests wait at most, a further one replaces the last. Always 1.
+// Queues a one-off read of `key.length` words, counters, or, of bit types, bytes from the one that
+// holds `startIndex`. It is cut to the words of one frame, or to eight times as many if
+// `key.bitIndex` is -1 (more than a PLC answers at once: leave it 0). The requests go out behind
+// the host's writes and ahead of the plan; 513 wait at most, a further one replaces the last.
+// `tag` is carried with each. The callback tells the end of the one queued last. Always 1.
 FX_ENTRY_POINT int intf_addConditionRead(KEY_ADDRESS& key, int tag);
 
 // ---- Exchange ---------------------------------------------------------------------------------
 
 // Gives the next frame to send.
-//   1  *out is a frame: send the first frameLength bytes of out->frame, hand over the reply
-//   0  nothing to send; *out is left as it was
+//   1  `*out` is a frame: send the first `frameLength` bytes of its `frame`, hand over the reply
+//   0  nothing to send; `*out` is left as it was
 // Until its exchange has ended the same frame is given again.
 FX_ENTRY_POINT int intf_getSendFrame(FRAME_PRO* out);
 
