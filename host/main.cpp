@@ -118,6 +118,7 @@ int main(int argumentCount, char** arguments)
     CommonOptions common;
     Action action;
     CLI::App app("Reference host and poller for FX-series programmable controllers", "fxhost");
+    app.set_version_flag("--version", "fxhost " FX_VERSION);
     addCommands(app, common, action);
     try {
         app.parse(argumentCount, arguments);
