@@ -14,8 +14,9 @@ int callActiveHost(int linkNo, int stationNo, QString& text, int value)
     return activeHost ? activeHost(linkNo, stationNo, text, value) : 0;
 }
 
-Host::Host() : memory(60117, 0), recipe(recipeWordCount, 0)
+void Host::refill()
 {
+    std::fill(memory.begin(), memory.end(), static_cast<unsigned char>(0));
     for (std::size_t word = 0; word < recipe.size(); ++word)
         recipe[word] = static_cast<unsigned short>(word * 257);
 }
@@ -38,19 +39,21 @@ std::string hexOf(const void* bytes, std::size_t byteCount)
     return text;
 }
 
-std::string textOf(const VARIABLE& request)
+std::string describe(const VARIABLE& request)
 {
-    const std::string bytes = hexOf(request.data, sizeof request.data);
+    std::size_t used = sizeof request.data;  // zeros at the end are not worth showing
+    while (used > 0 && request.data[used - 1] == 0)
+        --used;
     return std::to_string(request.tag) + ":" + std::to_string(request.stationNo) + "#" +
            request.registerType.toStdString() + std::to_string(request.addressIndex) + "(" +
-           std::to_string(request.count) + ")" + bytes.substr(0, bytes.find_last_not_of('0') + 1);
+           std::to_string(request.count) + ")" + hexOf(request.data, used);
 }
 
-std::string textOf(const FRAME_PRO& frame)
+std::string describe(const FRAME_PRO& frame)
 {
     const int length = std::max(0, std::min(frame.frameLength, recordBytes));
     return "frame " + hexOf(frame.frame, static_cast<std::size_t>(length)) + " " +
            std::to_string(frame.frameLength) + "," + std::to_string(frame.replyLength) + "," +
            std::to_string(frame.isRead) + "," + std::to_string(frame.replyDataChars) + "," +
-           std::to_string(frame.spare) + " for " + textOf(frame.variable);
+           std::to_string(frame.spare) + " for " + describe(frame.variable);
 }

@@ -38,8 +38,8 @@ struct NestedCall
 };
 
 std::string hexOf(const void* bytes, std::size_t byteCount);
-std::string textOf(const VARIABLE& request);
-std::string textOf(const FRAME_PRO& frame);
+std::string describe(const VARIABLE& request);
+std::string describe(const FRAME_PRO& frame);
 
 // The driver's callback is a plain function: it goes to the host that is calling just now.
 int callActiveHost(int linkNo, int stationNo, QString& text, int value);
@@ -48,7 +48,7 @@ extern std::function<int(int, int, QString&, int)> activeHost;
 class Host
 {
 public:
-    Host();
+    Host() : memory(60117), recipe(recipeWordCount) {}
     Host(const Host&) = delete;
     Host& operator=(const Host&) = delete;
 
@@ -62,6 +62,8 @@ public:
     // Sees each callback before the host acts on it.
     std::function<void(int linkNo, int stationNo, const QString& text, int value)> observe;
 
+    // No request, and recipe words that tell their places apart.
+    void refill();
     void note(const std::string& line) { record.push_back(line); }
     // What the host sees of its recipe memory from that word on, as it is told of the word.
     void noteRecipeWords(int word);

@@ -40,20 +40,12 @@ int capped(int count)
     return std::max(0, std::min(count, modelMostElements));
 }
 
-// Of `count` elements those whose number is an integer.
-int numbered(int start, int count)
-{
-    while (count > 0 && !modelFitsInt(static_cast<long long>(start) + count - 1))
-        --count;
-    return count;
-}
-
 // Elements that a call names: two words a counter, none of an unknown type.
 int elements(const QString& type, int start, int count)
 {
     if (type == "32CV")
-        return numbered(start, capped(count) / 2);
-    return modelIsBit(type) || modelIsWord(type) ? numbered(start, capped(count)) : 0;
+        return modelNumbered(start, capped(count) / 2);
+    return modelIsBit(type) || modelIsWord(type) ? modelNumbered(start, capped(count)) : 0;
 }
 
 }  // namespace
@@ -148,7 +140,7 @@ int ModelDriver::setData(int stationNo, QString registerType, int startIndex, in
     const bool words = modelIsWord(registerType) || registerType == "32CV";
     std::vector<Piece> pieces;
     if (cacheOnlyWrites == 0 && registerType != "X" && (bits || words))
-        pieces = cut(startIndex, numbered(startIndex, capped(count)),
+        pieces = cut(startIndex, modelNumbered(startIndex, capped(count)),
                      bits ? 1 : std::min(wordLimit(), 253));
     for (const Piece& piece : pieces) {
         VARIABLE request;

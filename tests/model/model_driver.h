@@ -143,6 +143,7 @@ private:
 bool modelIsBit(const QString& type);
 bool modelIsWord(const QString& type);
 bool modelFitsInt(long long number);
+int modelNumbered(int start, int count);  // of `count` elements those whose number is an integer
 QString modelNumberText(const QString& type, int number);  // as the operator writes it
 
 constexpr int modelMostElements = 65536;

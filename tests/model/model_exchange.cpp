@@ -202,14 +202,12 @@ void ModelDriver::decodeArea(int number, const unsigned char* bytes, int byteCou
 
 void ModelDriver::storeRecipeWords(long long firstWord, const unsigned char* bytes, int wordCount)
 {
-    for (int i = 0; i < wordCount; ++i) {
-        if (recipeWords && firstWord + i >= 0)
-            std::memcpy(recipeWords + firstWord + i, bytes + 2 * i, 2);
-    }
-    for (int i = 0; i < wordCount; ++i) {
-        if (recipeWords && firstWord + i >= 0)
-            report(0, -1, "RWI", static_cast<int>(firstWord + i));
-    }
+    if (!recipeWords || firstWord < 0)
+        return;
+    for (int i = 0; i < wordCount; ++i)
+        std::memcpy(recipeWords + firstWord + i, bytes + 2 * i, 2);
+    for (int i = 0; i < wordCount; ++i)
+        report(0, -1, "RWI", static_cast<int>(firstWord + i));
 }
 
 // Twice the areas of the read (four times for counters): a wanted breadth.

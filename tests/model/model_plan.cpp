@@ -55,13 +55,12 @@ int ModelDriver::bitLimit() const
     return 8 * wordLimit();
 }
 
-// Pieces of `limit` elements, the rest in the last; those whose start is no integer are left out.
+// Pieces of `limit` elements, the rest in the last; elements whose number is no integer are left
+// out.
 std::vector<ModelDriver::Piece> ModelDriver::cut(int start, int length, int limit)
 {
     std::vector<Piece> pieces;
-    length = std::min(length, modelMostElements);
-    while (length > 0 && !modelFitsInt(static_cast<long long>(start) + length - 1))
-        --length;
+    length = modelNumbered(start, std::min(length, modelMostElements));
     for (int done = 0; done < length; done += std::min(limit, length - done))
         pieces.push_back({start + done, std::min(limit, length - done)});
     return pieces;

@@ -26,6 +26,13 @@ bool modelFitsInt(long long number)
     return number >= INT_MIN && number <= INT_MAX;
 }
 
+int modelNumbered(int start, int count)
+{
+    while (count > 0 && !modelFitsInt(static_cast<long long>(start) + count - 1))
+        --count;
+    return count;
+}
+
 QString modelNumberText(const QString& type, int number)
 {
     return QString::number(static_cast<unsigned int>(number), type == "X" || type == "Y" ? 8 : 10);

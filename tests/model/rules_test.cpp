@@ -38,7 +38,7 @@ protected:
     static std::string frameOf(Driver& driver)
     {
         FRAME_PRO out;
-        return driver.getSendFrame(&out) == 1 ? textOf(out) : "";
+        return driver.getSendFrame(&out) == 1 ? describe(out) : "";
     }
 
     template <class Driver>

@@ -16,7 +16,7 @@ std::string plain(const QString& text)
     return text.toStdString();
 }
 
-std::string textOf(const KEY_ADDRESS& key)
+std::string describe(const KEY_ADDRESS& key)
 {
     return std::to_string(key.stationNo) + "#" + plain(key.registerType) + " " +
            std::to_string(key.startIndex) + " length " + std::to_string(key.length) + " bitIndex " +
@@ -154,7 +154,7 @@ void Session::mergeAddresses()
     const QList<KEY_ADDRESS> keys = world.keys();
     std::string text = "addrMerge";
     for (const KEY_ADDRESS& key : keys)
-        text += " [" + textOf(key) + "]";
+        text += " [" + describe(key) + "]";
     keep(text, sides.merge(keys));
 }
 
@@ -162,7 +162,7 @@ void Session::queueRead()
 {
     const KEY_ADDRESS key = world.key();
     const int tag = world.tag();
-    keep("addConditionRead " + textOf(key), sides.queueRead(key, tag, world.nestedCalls()));
+    keep("addConditionRead " + describe(key), sides.queueRead(key, tag, world.nestedCalls()));
 }
 
 void Session::getFrame()
@@ -193,7 +193,7 @@ void Session::exchange()
 void Session::readData()
 {
     const KEY_ADDRESS key = world.key();
-    keep("getData " + textOf(key), sides.read(key));
+    keep("getData " + describe(key), sides.read(key));
 }
 
 void Session::writeData()
@@ -202,14 +202,14 @@ void Session::writeData()
     const int tag = world.tag();
     const std::vector<unsigned char> data = world.bytes(bufferBytes(key.length));
     const std::size_t shown = std::min<std::size_t>(data.size(), 16);
-    keep("setData " + textOf(key) + " data " + hexOf(data.data(), shown),
+    keep("setData " + describe(key) + " data " + hexOf(data.data(), shown),
          sides.write(key, data, tag, world.nestedCalls()));
 }
 
 void Session::passNull()
 {
     const KEY_ADDRESS key = world.key();
-    both("null buffers " + textOf(key), [&](auto& driver, Host& host) {
+    both("null buffers " + describe(key), [&](auto& driver, Host& host) {
         driver.getProtocolType(nullptr);
         const int read =
             driver.getData(key.stationNo, key.registerType, key.startIndex, key.length, nullptr);

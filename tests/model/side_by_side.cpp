@@ -16,12 +16,20 @@ int bufferBytes(int count)
 
 SideBySide::SideBySide()
 {
-    reloadDriver();
+    reload();
 }
 
 SideBySide::~SideBySide()
 {
     reloadDriver();
+}
+
+void SideBySide::reload()
+{
+    reloadDriver();
+    model.driver = ModelDriver();
+    library.refill();
+    model.refill();
 }
 
 std::string SideBySide::difference() const
@@ -110,7 +118,7 @@ std::string SideBySide::getFrame(FRAME_PRO& given)
         out.frame[0] = 99;  // stays when nothing is given
         out.frameLength = 1;
         out.spare = 77;
-        host.note(std::to_string(driver.getSendFrame(&out)) + " " + textOf(out));
+        host.note(std::to_string(driver.getSendFrame(&out)) + " " + describe(out));
         given = out;
     });
 }

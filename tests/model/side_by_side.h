@@ -19,6 +19,9 @@ public:
     SideBySide(const SideBySide&) = delete;
     SideBySide& operator=(const SideBySide&) = delete;
 
+    // Both as they are when the library is loaded, with fresh host and recipe memory.
+    void reload();
+
     // Runs `call(driver, host)` on both sides. "" when records, numbers and list sizes agree.
     template <class Call>
     std::string both(const Call& call, const std::deque<NestedCall>& callsInside = {})

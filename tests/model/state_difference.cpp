@@ -18,10 +18,17 @@ std::string differs(const std::string& what, const std::string& library, const s
     return library == model ? "" : what + ": library " + library + ", model " + model + "\n";
 }
 
-std::string differs(const std::string& what, long long library, long long model)
+// Collects differing numbers; comparing equal ones costs next to nothing.
+struct Differences
 {
-    return library == model ? "" : differs(what, std::to_string(library), std::to_string(model));
-}
+    std::string text;
+
+    void compare(const char* what, long long library, long long model)
+    {
+        if (library != model)
+            text += differs(what, std::to_string(library), std::to_string(model));
+    }
+};
 
 bool same(const VARIABLE& a, const VARIABLE& b)
 {
@@ -30,7 +37,7 @@ bool same(const VARIABLE& a, const VARIABLE& b)
            std::memcmp(a.data, b.data, sizeof a.data) == 0;
 }
 
-std::string textOf(const _DATA_& area)
+std::string describe(const _DATA_& area)
 {
     return std::to_string(area.stationNo) + "#" + area.registerType.toStdString() +
            std::to_string(area.startIndex) + " stale " + std::to_string(area.flag0) + " select " +
@@ -39,7 +46,7 @@ std::string textOf(const _DATA_& area)
            hexOf(area.valueBuffer0, 4) + "/" + hexOf(area.valueBuffer1, 4);
 }
 
-std::string textOf(const _RCP_VAR_PRO& entry)
+std::string describe(const _RCP_VAR_PRO& entry)
 {
     return std::to_string(entry.linkNo) + ":" + std::to_string(entry.stationNo) + "#" +
            entry.registerType.toStdString() + std::to_string(entry.addressIndex) + "(" +
@@ -58,12 +65,12 @@ bool same(const _DATA_& a, const _DATA_& b)
 
 bool same(const _RCP_VAR_PRO& a, const _RCP_VAR_PRO& b)
 {
-    return textOf(a) == textOf(b);
+    return describe(a) == describe(b);
 }
 
 bool same(const FRAME_PRO& a, const FRAME_PRO& b)
 {
-    return textOf(a) == textOf(b);
+    return describe(a) == describe(b);
 }
 
 template <class LibraryList, class ModelList>
@@ -72,56 +79,66 @@ std::string listDiffers(const std::string& what, const LibraryList& library, con
     for (int i = 0; i < static_cast<int>(model.size()); ++i) {
         const auto& expected = model[static_cast<std::size_t>(i)];
         if (!same(library.at(i), expected))
-            return differs(what + " " + std::to_string(i), textOf(library.at(i)), textOf(expected));
+            return differs(what + " " + std::to_string(i), describe(library.at(i)),
+                           describe(expected));
     }
     return "";
 }
 
-std::string numbersDiffer(const ModelDriver& model)
+void compareNumbers(Differences& found, const ModelDriver& model)
 {
-    return differs("linkNo", driver.linkNo, model.linkNo) +
-           differs("cacheOnlyWrites", driver.cacheOnlyWrites, model.cacheOnlyWrites) +
-           differs("propertyField2", driver.propertyField2, model.propertyField2) +
-           differs("failLimit", driver.failLimit, model.failLimit) +
-           differs("frameWordLimit", driver.frameWordLimit, model.frameWordLimit) +
-           differs("propertyField5", driver.propertyField5, model.propertyField5) +
-           differs("hostContext", driver.hostContext, model.hostContext) +
-           differs("operationKind", driver.operationKind, model.operationKind) +
-           differs("burstCount", driver.burstCount, model.burstCount) +
-           differs("spareCounter0", driver.spareCounter0, model.spareCounter0) +
-           differs("failCount", driver.failCount, model.failCount) +
-           differs("maxBitsPerFrame", driver.maxBitsPerFrame, model.maxBitsPerFrame) +
-           differs("maxWordsPerFrame", driver.maxWordsPerFrame, model.maxWordsPerFrame) +
-           differs("lastExchangeFailed", driver.lastExchangeFailed, model.lastExchangeFailed) +
-           differs("spareCounter1", driver.spareCounter1, model.spareCounter1) +
-           differs("propertyInitialised", driver.propertyInitialised, model.propertyInitialised) +
-           differs("recipeIndex", driver.recipeIndex, model.recipeIndex);
+    found.compare("linkNo", driver.linkNo, model.linkNo);
+    found.compare("cacheOnlyWrites", driver.cacheOnlyWrites, model.cacheOnlyWrites);
+    found.compare("propertyField2", driver.propertyField2, model.propertyField2);
+    found.compare("failLimit", driver.failLimit, model.failLimit);
+    found.compare("frameWordLimit", driver.frameWordLimit, model.frameWordLimit);
+    found.compare("propertyField5", driver.propertyField5, model.propertyField5);
+    found.compare("hostContext", driver.hostContext, model.hostContext);
+    found.compare("operationKind", driver.operationKind, model.operationKind);
+    found.compare("burstCount", driver.burstCount, model.burstCount);
+    found.compare("spareCounter0", driver.spareCounter0, model.spareCounter0);
+    found.compare("failCount", driver.failCount, model.failCount);
+    found.compare("maxBitsPerFrame", driver.maxBitsPerFrame, model.maxBitsPerFrame);
+    found.compare("maxWordsPerFrame", driver.maxWordsPerFrame, model.maxWordsPerFrame);
+    found.compare("lastExchangeFailed", driver.lastExchangeFailed, model.lastExchangeFailed);
+    found.compare("spareCounter1", driver.spareCounter1, model.spareCounter1);
+    found.compare("propertyInitialised", driver.propertyInitialised, model.propertyInitialised);
+    found.compare("recipeIndex", driver.recipeIndex, model.recipeIndex);
 }
 
-std::string sizesDiffer(const ModelDriver& model)
+template <class LibraryList, class ModelList>
+void compareSize(Differences& found, const char* what, const LibraryList& library,
+                 const ModelList& model)
 {
-    const auto size = [](const auto& list) { return static_cast<long long>(list.size()); };
-    return differs("readList", size(driver.readList), size(model.readList)) +
-           differs("writeList", size(driver.writeList), size(model.writeList)) +
-           differs("conditionReadList", size(driver.conditionReadList),
-                   size(model.conditionReadList)) +
-           differs("dataAreas", size(driver.dataAreas), size(model.dataAreas)) +
-           differs("recipeVars", size(driver.recipeVars), size(model.recipeVars)) +
-           differs("frames", size(driver.frames), size(model.frames));
+    found.compare(what, static_cast<long long>(library.size()),
+                  static_cast<long long>(model.size()));
+}
+
+void compareSizes(Differences& found, const ModelDriver& model)
+{
+    compareSize(found, "readList", driver.readList, model.readList);
+    compareSize(found, "writeList", driver.writeList, model.writeList);
+    compareSize(found, "conditionReadList", driver.conditionReadList, model.conditionReadList);
+    compareSize(found, "dataAreas", driver.dataAreas, model.dataAreas);
+    compareSize(found, "recipeVars", driver.recipeVars, model.recipeVars);
+    compareSize(found, "frames", driver.frames, model.frames);
 }
 
 }  // namespace
 
 std::string stateDifference(const ModelDriver& model, bool deep)
 {
-    std::string difference = numbersDiffer(model) + sizesDiffer(model);
-    if (!deep || !difference.empty())
-        return difference;
+    Differences found;
+    compareNumbers(found, model);
+    compareSizes(found, model);
+    if (!deep || !found.text.empty())
+        return found.text;
+    std::string difference;
     if (!same(driver.current, model.current))
-        difference += differs("current", textOf(driver.current), textOf(model.current));
+        difference += differs("current", describe(driver.current), describe(model.current));
     if (!same(driver.lastConditionRead, model.lastConditionRead))
-        difference += differs("lastConditionRead", textOf(driver.lastConditionRead),
-                              textOf(model.lastConditionRead));
+        difference += differs("lastConditionRead", describe(driver.lastConditionRead),
+                              describe(model.lastConditionRead));
     return difference + listDiffers("readList", driver.readList, model.readList) +
            listDiffers("writeList", driver.writeList, model.writeList) +
            listDiffers("conditionReadList", driver.conditionReadList, model.conditionReadList) +
