@@ -22,7 +22,7 @@ install(EXPORT mitsubishi_fx1s NAMESPACE mitsubishi_fx1s:: DESTINATION ${package
 configure_package_config_file(cmake/mitsubishi_fx1s-config.cmake.in
     ${PROJECT_BINARY_DIR}/mitsubishi_fx1s-config.cmake INSTALL_DESTINATION ${package_dir})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/mitsubishi_fx1s-config-version.cmake
-    COMPATIBILITY SameMinorVersion)
+    COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/mitsubishi_fx1s-config.cmake
     ${PROJECT_BINARY_DIR}/mitsubishi_fx1s-config-version.cmake
     DESTINATION ${package_dir} COMPONENT dev)

@@ -3,7 +3,7 @@
 //
 // The smallest host that does everything once: sets the driver up, plans, exchanges frames over a
 // link of three functions, reads values and writes one. Run it against a PLC or the simulator:
-//   fxsim --link /tmp/plc &
+//   fxsim --link /tmp/plc        (in another window)
 //   minimal_host /tmp/plc
 
 #include <mitsubishi_fx1s/intf.h>
@@ -47,7 +47,7 @@ void sendBytes(int link, const unsigned char* bytes, int length)
         sent = write(link, bytes, static_cast<std::size_t>(length));
 }
 
-// As many bytes as the reply has, or what there was when the time was up.
+// The whole reply, or nothing when the time was up or the PLC refused.
 QByteArray receiveBytes(int link, int length)
 {
     QByteArray reply;
@@ -61,7 +61,7 @@ QByteArray receiveBytes(int link, int length)
         if (reply.size() == 1 && reply[0] != '\x02')
             break;  // ACK or NAK: the PLC says no more
     }
-    return reply;
+    return reply.size() == length ? reply : QByteArray();
 }
 
 // ---- The host ---------------------------------------------------------------------------------
@@ -72,6 +72,7 @@ bool exchange(int link)
     FRAME_PRO frame;
     if (intf_getSendFrame(&frame) == 0)
         return false;
+    tcflush(link, TCIFLUSH);  // what comes late answers an earlier frame
     sendBytes(link, frame.frame, frame.frameLength);
     QByteArray reply = receiveBytes(link, frame.replyLength);
     QString errorText;
