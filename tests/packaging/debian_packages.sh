@@ -96,8 +96,8 @@ quietly "${dpkg_there[@]}" --install "$runtime" "$dev" "$tools"
 expect_text "fxhost as installed" "32CV" "$root/usr/bin/fxhost" types
 export PKG_CONFIG_PATH=$root/usr/$FX_LIBDIR/pkgconfig
 # shellcheck disable=SC2046  # flags are words
-quietly "$FX_CXX" "$root/usr/share/doc/libmitsubishi-fx1s-dev/examples/minimal_host/minimal_host.cpp" \
-    -o "$work/minimal_host" $(pkg-config --define-prefix --cflags --libs mitsubishi_fx1s)
+quietly "$FX_CXX" -fPIC "$root/usr/share/doc/libmitsubishi-fx1s-dev/examples/minimal_host/minimal_host.cpp" \
+    -o "$work/minimal_host" $(pkg-config --cflags --libs mitsubishi_fx1s)
 start_simulator "$root/usr/bin/fxsim"
 expect_text "minimal_host" "D100 = 1337" \
     env LD_LIBRARY_PATH="$root/usr/$FX_LIBDIR" "$work/minimal_host" "$work/plc"

@@ -37,7 +37,7 @@ export PKG_CONFIG_PATH=$prefix/$FX_LIBDIR/pkgconfig
 [ "$(pkg-config --modversion mitsubishi_fx1s)" = "$FX_VERSION" ] || fail "wrong version in the .pc file"
 for example in minimal_host editor_services recipes; do
     # shellcheck disable=SC2046  # flags are words
-    quietly "$FX_CXX" "$examples/$example/$example.cpp" -o "$work/by_pkg_config/$example" \
+    quietly "$FX_CXX" -fPIC "$examples/$example/$example.cpp" -o "$work/by_pkg_config/$example" \
         $(pkg-config --cflags --libs mitsubishi_fx1s)
 done
 export LD_LIBRARY_PATH=$prefix/$FX_LIBDIR
