@@ -13,6 +13,7 @@
 #include "host/values.h"
 
 #include <QCoreApplication>
+#include <QDebug>
 
 #include <iostream>
 
@@ -110,11 +111,8 @@ void addCommands(CLI::App& app, CommonOptions& common, Action& action)
     addDemoCommand(app, common, action);
 }
 
-}  // namespace
-
-int main(int argumentCount, char** arguments)
+int runCommandLine(int argumentCount, char** arguments)
 {
-    const QCoreApplication application(argumentCount, arguments);
     CommonOptions common;
     Action action;
     CLI::App app("Reference host and poller for FX-series programmable controllers", "fxhost");
@@ -127,4 +125,17 @@ int main(int argumentCount, char** arguments)
     }
     catchInterrupts();
     return runAction(action);
+}
+
+}  // namespace
+
+int main(int argumentCount, char** arguments)
+{
+    const QCoreApplication application(argumentCount, arguments);
+    try {
+        return runCommandLine(argumentCount, arguments);
+    } catch (const std::exception& error) {
+        qCritical("fxhost: %s", error.what());
+        return static_cast<int>(ExitCode::SomeFailed);
+    }
 }

@@ -81,7 +81,8 @@ Recording readRecording(const QString& path)
         reject(file, 1, QStringLiteral("this is no recording of fxhost"));
     Recording recording;
     recording.property = head.value("property").toString();
-    for (const QJsonValue& address : head.value("addresses").toArray())
+    const QJsonArray addresses = head.value("addresses").toArray();
+    for (const auto address : addresses)
         recording.addresses += address.toString();
     for (int line = 2; !file.atEnd(); ++line) {
         const QJsonObject object = nextObject(file, line);

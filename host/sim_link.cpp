@@ -42,7 +42,7 @@ QByteArray SimLink::receive(int timeoutMs)
     const qint64 deadlineUs = m_clock.nowUs() + qint64(1000) * timeoutMs;
     waitForBytes(deadlineUs);
     m_plc.advance(m_clock.nowUs());
-    const QByteArray bytes = m_session->takeDue(m_clock.nowUs());
+    QByteArray bytes = m_session->takeDue(m_clock.nowUs());
     if (m_session->takeLinkDrop())
         m_session.reset();
     return bytes;

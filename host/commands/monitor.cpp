@@ -7,6 +7,8 @@
 #include "host/interrupt.h"
 #include "host/report/frame_text.h"
 
+#include <cmath>
+
 namespace fxhost {
 
 namespace {
@@ -19,7 +21,7 @@ struct MonitorOptions
 
 double milliseconds(qint64 timeUs)
 {
-    return static_cast<double>(timeUs / 10) / 100.0;
+    return std::round(static_cast<double>(timeUs) / 10.0) / 100.0;  // two decimals
 }
 
 ExitCode runMonitor(const CommonOptions& common, const MonitorOptions& options)

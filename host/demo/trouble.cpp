@@ -76,7 +76,7 @@ void pollThroughSilence(DemoBench& bench)
     RejectionLog log(bench);
     bench.control()->run("faults silence=1");
     const Round round =
-        runUntil(bench.loop(), [](const Round& soFar) { return soFar.ended.size() >= 1; });
+        runUntil(bench.loop(), [](const Round& soFar) { return !soFar.ended.isEmpty(); });
     bench.control()->run("faults none");
     bench.confirm(round.failed() == 1, "a silent PLC: given up after three tries, not for ever");
 }

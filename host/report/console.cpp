@@ -6,7 +6,7 @@
 #include "host/report/console.h"
 
 #include <algorithm>
-#include <cstdio>
+#include <iostream>
 
 #include <unistd.h>
 
@@ -18,8 +18,7 @@ constexpr int barWidth = 32;
 
 void put(const QString& text)
 {
-    const QByteArray bytes = text.toUtf8();
-    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stdout);
+    std::cout << text.toStdString();
 }
 
 }  // namespace
@@ -29,7 +28,7 @@ Console::Console() : m_isTerminal(isatty(STDOUT_FILENO) == 1 && qgetenv("TERM") 
 void Console::line(const QString& text)
 {
     put(text + '\n');
-    std::fflush(stdout);
+    std::cout.flush();
 }
 
 void Console::heading(const QString& text)
@@ -53,7 +52,7 @@ void Console::redraw(const QStringList& lines)
     for (const QString& text : lines)
         put(text + clearRest + '\n');
     m_drawnLines = lines.size();
-    std::fflush(stdout);
+    std::cout.flush();
 }
 
 void Console::progress(const QString& label, int done, int total)
@@ -68,7 +67,7 @@ void Console::progress(const QString& label, int done, int total)
     put(m_isTerminal ? "\r" + text + "\x1b[K" : text);
     if (full)
         put(QStringLiteral("\n"));
-    std::fflush(stdout);
+    std::cout.flush();
 }
 
 }  // namespace fxhost
