@@ -68,9 +68,9 @@ ExitCode runDemo(const CommonOptions& common, const DemoOptions& options)
                              .arg(connection.library().fileName(), connection.link().name(),
                                   connection.session().propertyString()));
     showChapters(bench, options.live);
-    if (bench.refuted() > 0)
-        return ExitCode::SomeFailed;
-    return interrupted() && !options.live ? ExitCode::Interrupted : ExitCode::Good;
+    if (interrupted() && !options.live)
+        return ExitCode::Interrupted;
+    return bench.refuted() > 0 ? ExitCode::SomeFailed : ExitCode::Good;
 }
 
 }  // namespace
