@@ -54,6 +54,8 @@ void showChapters(DemoBench& bench, bool live)
             break;
         chapter(bench);
     }
+    if (!interrupted())
+        bench.confirm(bench.linkIsGood(), QStringLiteral("the link held to the end"));
     if (live && !interrupted() && bench.linkIsGood())
         showLiveValues(bench, -1);
     showSummary(bench);
