@@ -138,7 +138,7 @@ int ModelDriver::setData(int stationNo, QString registerType, int startIndex, in
         return 1;
     const bool bits = modelIsBit(registerType);
     const bool words = modelIsWord(registerType) || registerType == "32CV";
-    std::vector<Piece> pieces;
+    Pieces pieces;
     if (cacheOnlyWrites == 0 && registerType != "X" && (bits || words))
         pieces = cut(startIndex, modelNumbered(startIndex, capped(count)),
                      bits ? 1 : std::min(wordLimit(), 253));

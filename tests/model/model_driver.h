@@ -95,17 +95,17 @@ private:
         int start;
         int length;
     };
+    using Pieces = std::vector<Piece>;
 
     int wordLimit() const;
     int bitLimit() const;
-    static std::vector<Piece> cut(int start, int length, int limit);
-    std::vector<VARIABLE> piecesOf(QList<KEY_ADDRESS>& keys, const QString& type,
-                                   int station) const;
-    void mergeGroup(std::vector<VARIABLE> pieces);
+    static Pieces cut(int start, int length, int limit);
+    Pieces piecesOf(QList<KEY_ADDRESS>& keys, const QString& type, int station) const;
+    static void sortByAddress(Pieces& pieces);
+    void mergeGroup(const QString& type, int station, Pieces pieces);
     static void queue(std::deque<VARIABLE>& list, const VARIABLE& request);
-    void mergeBits(const VARIABLE& piece, bool first, long long& blockStart, long long& blockCount);
-    void mergeWords(const VARIABLE& piece, bool first, long long& blockStart,
-                    long long& blockCount);
+    bool joinsBits(const Piece& piece, long long& blockStart, long long& blockCount) const;
+    bool joinsWords(const Piece& piece, long long& blockStart, long long& blockCount) const;
 
     void buildReadFrame(const VARIABLE& request);
     void buildWriteFrame(const VARIABLE& request);

@@ -29,20 +29,6 @@ long long bytesOf(long long bits)
     return bits / 8 + (bits % 8 != 0 ? 1 : 0);
 }
 
-// The exchange sort of the plan: stable, ascending by address.
-void sortByAddress(std::vector<VARIABLE>& pieces)
-{
-    const int n = static_cast<int>(pieces.size());
-    for (int i = 1; i < n; ++i) {
-        for (int j = n - 1; j >= i; --j) {
-            VARIABLE& left = pieces[static_cast<size_t>(j - 1)];
-            VARIABLE& right = pieces[static_cast<size_t>(j)];
-            if (right.addressIndex < left.addressIndex)
-                std::swap(left, right);
-        }
-    }
-}
-
 }  // namespace
 
 int ModelDriver::wordLimit() const
@@ -57,9 +43,9 @@ int ModelDriver::bitLimit() const
 
 // Pieces of `limit` elements, the rest in the last; elements whose number is no integer are left
 // out.
-std::vector<ModelDriver::Piece> ModelDriver::cut(int start, int length, int limit)
+ModelDriver::Pieces ModelDriver::cut(int start, int length, int limit)
 {
-    std::vector<Piece> pieces;
+    Pieces pieces;
     length = modelNumbered(start, std::min(length, modelMostElements));
     for (int done = 0; done < length; done += std::min(limit, length - done))
         pieces.push_back({start + done, std::min(limit, length - done)});
@@ -79,88 +65,91 @@ int ModelDriver::addrMerge(QList<KEY_ADDRESS>& keys)
     readList.clear();
     for (const char* type : planOrder) {
         for (const int station : stations)
-            mergeGroup(piecesOf(keys, type, station));
+            mergeGroup(type, station, piecesOf(keys, type, station));
     }
     return static_cast<int>(readList.size());
 }
 
 // The pieces of one type and station, the one that was cut last first.
-std::vector<VARIABLE> ModelDriver::piecesOf(QList<KEY_ADDRESS>& keys, const QString& type,
-                                            int station) const
+ModelDriver::Pieces ModelDriver::piecesOf(QList<KEY_ADDRESS>& keys, const QString& type,
+                                          int station) const
 {
-    std::vector<VARIABLE> pieces;
+    Pieces pieces;
     for (int i = 0; i < keys.size(); ++i) {
         if (keys[i].stationNo != station || keys[i].registerType != type)
             continue;
         const int limit = modelIsBit(type) ? bitLimit() : wordLimit();
-        for (const Piece& piece : cut(keys[i].startIndex, keys[i].length, limit)) {
-            VARIABLE request;
-            request.tag = 4;
-            request.stationNo = station;
-            request.registerType = type;
-            request.addressIndex = piece.start;
-            request.count = piece.length;
-            pieces.insert(pieces.begin(), request);
-        }
+        for (const Piece& piece : cut(keys[i].startIndex, keys[i].length, limit))
+            pieces.insert(pieces.begin(), piece);
     }
     return pieces;
 }
 
-void ModelDriver::mergeGroup(std::vector<VARIABLE> pieces)
+// The exchange sort of the plan: stable, ascending by address.
+void ModelDriver::sortByAddress(Pieces& pieces)
+{
+    const size_t n = pieces.size();
+    for (size_t i = 1; i < n; ++i) {
+        for (size_t j = n - 1; j >= i; --j) {
+            if (pieces[j].start < pieces[j - 1].start)
+                std::swap(pieces[j - 1], pieces[j]);
+        }
+    }
+}
+
+void ModelDriver::mergeGroup(const QString& type, int station, Pieces pieces)
 {
     sortByAddress(pieces);
+    const bool bits = modelIsBit(type);
     long long blockStart = 0;
     long long blockCount = 0;
     for (size_t i = 0; i < pieces.size(); ++i) {
-        if (modelIsBit(pieces[i].registerType))
-            mergeBits(pieces[i], i == 0, blockStart, blockCount);
-        else
-            mergeWords(pieces[i], i == 0, blockStart, blockCount);
+        if (i > 0 && (bits ? joinsBits(pieces[i], blockStart, blockCount)
+                           : joinsWords(pieces[i], blockStart, blockCount))) {
+            readList.back().count = static_cast<int>(blockCount);
+            continue;
+        }
+        blockStart = bits ? downTo8(pieces[i].start) : pieces[i].start;
+        blockCount = bits ? bytesOf(pieces[i].length) : pieces[i].length;
+        VARIABLE request;
+        request.tag = 4;
+        request.stationNo = station;
+        request.registerType = type;
+        request.addressIndex = static_cast<int>(blockStart);
+        request.count = static_cast<int>(blockCount);
+        readList.push_back(request);
     }
 }
 
-void ModelDriver::mergeBits(const VARIABLE& piece, bool first, long long& blockStart,
-                            long long& blockCount)
+// False when the piece opens a new block.
+bool ModelDriver::joinsBits(const Piece& piece, long long& blockStart, long long& blockCount) const
 {
-    const long long start = downTo8(piece.addressIndex);
-    const long long end = start + 8 * bytesOf(piece.count);
-    if (!first && end <= blockStart + 8 * blockCount)
-        return;
+    const long long end = downTo8(piece.start) + 8 * bytesOf(piece.length);
+    if (end <= blockStart + 8 * blockCount)
+        return true;
     const long long span = end - blockStart;
-    if (!first && span <= bitLimit()) {
-        blockCount = bytesOf(span);
-        readList.back().count = static_cast<int>(blockCount);
-        return;
-    }
-    blockStart = start;
-    blockCount = bytesOf(piece.count);
-    VARIABLE request = piece;
-    request.addressIndex = static_cast<int>(blockStart);
-    request.count = static_cast<int>(blockCount);
-    readList.push_back(request);
+    if (span > bitLimit())
+        return false;
+    blockCount = bytesOf(span);
+    return true;
 }
 
-void ModelDriver::mergeWords(const VARIABLE& piece, bool first, long long& blockStart,
-                             long long& blockCount)
+bool ModelDriver::joinsWords(const Piece& piece, long long& blockStart, long long& blockCount) const
 {
-    const long long end = static_cast<long long>(piece.addressIndex) + piece.count;
-    if (!first && end <= blockStart + blockCount)
-        return;
+    const long long end = static_cast<long long>(piece.start) + piece.length;
+    if (end <= blockStart + blockCount)
+        return true;
     const long long span = end - blockStart;
-    if (!first && span <= wordLimit()) {
-        blockCount = span;
-        readList.back().count = static_cast<int>(span);
-        return;
-    }
-    blockStart = piece.addressIndex;
-    blockCount = piece.count;
-    readList.push_back(piece);
+    if (span > wordLimit())
+        return false;
+    blockCount = span;
+    return true;
 }
 
 int ModelDriver::addConditionRead(KEY_ADDRESS& key, int tag)
 {
     const int limit = key.bitIndex == -1 ? bitLimit() : wordLimit();
-    std::vector<Piece> pieces{{key.startIndex, key.length}};
+    Pieces pieces{{key.startIndex, key.length}};
     if (key.length > 0)
         pieces = cut(key.startIndex, key.length, limit);
     for (const Piece& piece : pieces) {
