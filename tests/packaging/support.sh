@@ -3,6 +3,7 @@
 #
 # For the tests of this folder, which source it: a place to work in, complaints, and an example
 # run against a simulated PLC. Settings come from ctest as FX_... variables.
+# shellcheck shell=bash
 
 set -euo pipefail
 
