@@ -45,7 +45,7 @@ END
 expect_files "$dev" <<END
 ./usr/$FX_LIBDIR/cmake/mitsubishi_fx1s/mitsubishi_fx1s-config-version.cmake
 ./usr/$FX_LIBDIR/cmake/mitsubishi_fx1s/mitsubishi_fx1s-config.cmake
-./usr/$FX_LIBDIR/cmake/mitsubishi_fx1s/mitsubishi_fx1s-targets-release.cmake
+./usr/$FX_LIBDIR/cmake/mitsubishi_fx1s/mitsubishi_fx1s-targets-$FX_BUILD_TYPE.cmake
 ./usr/$FX_LIBDIR/cmake/mitsubishi_fx1s/mitsubishi_fx1s-targets.cmake
 ./usr/$FX_LIBDIR/libmitsubishi_fx1s.so
 ./usr/$FX_LIBDIR/pkgconfig/mitsubishi_fx1s.pc
