@@ -30,14 +30,16 @@ void PrintTo(const Ended& ended, std::ostream* out)
 
 RunningSimulator::RunningSimulator(Road road, const QStringList& options)
 {
+    // A stable path: a terminal that comes back after a drop may have another number.
+    const QString terminal = m_folder.filePath(QStringLiteral("plc"));
     QStringList arguments = options;
     if (road == Road::Tcp)
         arguments << QStringLiteral("--tcp") << QStringLiteral("127.0.0.1:0");
     else
-        arguments << QStringLiteral("--pty");
+        arguments << QStringLiteral("--pty") << QStringLiteral("--link") << terminal;
     m_process.start(QStringLiteral(FXSIM_FILE), arguments);
     const QString place = readyPlace();
-    m_link = road == Road::Tcp ? place : "pty:" + place;
+    m_link = road == Road::Tcp ? place : "pty:" + terminal;
 }
 
 RunningSimulator::~RunningSimulator()

@@ -39,6 +39,7 @@ public:
 private:
     QString readyPlace();
 
+    QTemporaryDir m_folder;
     QProcess m_process;
     QString m_link;
 };
