@@ -13,18 +13,21 @@ namespace {
 
 volatile std::sig_atomic_t interruptSeen = 0;
 
-extern "C" void noteInterrupt(int signalNumber)
+extern "C" void noteInterrupt(int)
 {
     interruptSeen = 1;
-    std::signal(signalNumber, SIG_DFL);  // a second one ends the program at once
 }
 
 }  // namespace
 
 void catchInterrupts()
 {
-    std::signal(SIGINT, noteInterrupt);
-    std::signal(SIGTERM, noteInterrupt);
+    struct sigaction action = {};
+    action.sa_handler = noteInterrupt;
+    action.sa_flags =
+        static_cast<int>(SA_RESETHAND) | SA_RESTART;  // a second one ends the program at once
+    sigaction(SIGINT, &action, nullptr);
+    sigaction(SIGTERM, &action, nullptr);
 }
 
 bool interrupted()

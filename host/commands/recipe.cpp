@@ -55,7 +55,8 @@ void load(const QVector<RegisterRun>& runs, std::vector<quint16>& memory)
     size_t word = 0;
     for (const RegisterRun& run : runs) {
         const int words = wordsPerRegister(run.range);
-        if (memory.size() - word < static_cast<size_t>(words * run.values.size()))
+        if (memory.size() - word <
+            static_cast<size_t>(words) * static_cast<size_t>(run.values.size()))
             throw FileError("the recipe is longer than the recipe memory: 65536 words");
         for (const quint32 value : run.values) {
             memory[word++] = static_cast<quint16>(value & 0xFFFF);
