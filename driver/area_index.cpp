@@ -95,6 +95,8 @@ void AreaIndex::rebuild(const QList<_DATA_>& areas)
 AreaIndex::Edit::Edit(AreaIndex& index, QList<_DATA_>& areas)
     : m_index(index), m_areas(areas), m_wasCurrent(areas.isSharedWith(index.m_witness))
 {
+    if (!m_wasCurrent)
+        index = AreaIndex();  // it knew another list, and must not take an empty one for that
     index.m_witness = QList<_DATA_>();  // a list that is shared would be copied at the first change
 }
 

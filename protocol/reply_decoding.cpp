@@ -29,11 +29,10 @@ constexpr unsigned int nibble(unsigned int character)
 
 constexpr std::array<unsigned char, 256> makeNibbles()
 {
-    std::array<unsigned char, 256> nibbles = {};
-    for (std::size_t character = 0; character < nibbles.size(); ++character)
-        nibbles[character] =
-            static_cast<unsigned char>(nibble(static_cast<unsigned int>(character)));
-    return nibbles;
+    std::array<unsigned char, 256> table = {};
+    for (std::size_t character = 0; character < table.size(); ++character)
+        table[character] = static_cast<unsigned char>(nibble(static_cast<unsigned int>(character)));
+    return table;
 }
 
 constexpr std::array<unsigned char, 256> nibbles = makeNibbles();

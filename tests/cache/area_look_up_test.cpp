@@ -101,6 +101,18 @@ TEST_F(AreaLookUp, EmptiedListBeginsAnew)
     EXPECT_EQ("1#D6", textOf(driver.dataAreas));
 }
 
+// A merge writes to all areas before it looks one up: the index took the new empty list for the one
+// that it knew, and answered with places past its end.
+TEST_F(AreaLookUp, ListEmptiedBeforeAMergeBeginsAnew)
+{
+    indexOf("D", 1);
+    indexOf("D", 2);
+    driver.dataAreas = QList<_DATA_>();
+    clearMonitorFlags();
+    EXPECT_EQ(0, indexOf("D", 2));
+    EXPECT_EQ(1, driver.dataAreas.size());
+}
+
 TEST_F(AreaLookUp, ReplacedListOfTheSameSizeIsSeen)
 {
     indexOf("D", 5);
