@@ -22,7 +22,8 @@ QList<Row> tableRows(const QString& title)
     EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << FX_FRAMES_DOCUMENT;
     const QStringList lines = QString::fromUtf8(file.readAll()).split('\n');
     QList<Row> rows;
-    for (int i = lines.indexOf(title) + 2; i > 1 && lines[i].startsWith('|'); ++i) {
+    for (int i = static_cast<int>(lines.indexOf(title)) + 2; i > 1 && lines[i].startsWith('|');
+         ++i) {
         Row cells = lines[i].split('|').mid(1);
         cells.removeLast();
         for (QString& cell : cells)

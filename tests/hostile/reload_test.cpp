@@ -44,13 +44,8 @@ bool isWatched()
 #endif
 }
 
-template <class Function>
-Function* entryPoint(void* library, Function*, const char* name)
-{
-    return reinterpret_cast<Function*>(dlsym(library, name));
-}
-
-#define ENTRY_POINT(library, name) entryPoint(library, &name, #name)
+// The types come from the header, the addresses from the library: nothing is linked.
+#define ENTRY_POINT(library, name) reinterpret_cast<decltype(&(name))>(dlsym(library, #name))
 
 // A short life: set up, plan, write, one exchange left open.
 void live(void* library, std::vector<unsigned char>& memory, std::vector<unsigned short>& words)
