@@ -103,7 +103,7 @@ QVector<quint32> DriverSession::values(const RegisterRange& range) const
                       range.type.driverCount(range.count), bytes.data());
     QVector<quint32> values;
     for (int index = 0; index < range.count; ++index)
-        values.append(valueAt(bytes, static_cast<size_t>(index * valueBytes), valueBytes));
+        values.append(valueAt(bytes, static_cast<size_t>(index) * valueBytes, valueBytes));
     return values;
 }
 
