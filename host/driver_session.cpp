@@ -31,11 +31,11 @@ size_t requestByte(RecipeDirection direction)
     return direction == RecipeDirection::Download ? downloadRequest : uploadRequest;
 }
 
-quint32 valueAt(const std::vector<unsigned char>& bytes, size_t position, int byteCount)
+quint32 valueAt(const std::vector<unsigned char>& bytes, size_t position, size_t byteCount)
 {
     quint32 value = 0;
-    for (int byte = byteCount - 1; byte >= 0; --byte)
-        value = value << 8 | bytes[position + static_cast<size_t>(byte)];
+    for (size_t byte = byteCount; byte > 0; --byte)
+        value = value << 8 | bytes[position + byte - 1];
     return value;
 }
 
@@ -97,8 +97,8 @@ void DriverSession::queueRead(const RegisterRange& range)
 
 QVector<quint32> DriverSession::values(const RegisterRange& range) const
 {
-    const int valueBytes = range.type.valueBytes();
-    std::vector<unsigned char> bytes(static_cast<size_t>(range.count * valueBytes), 0);
+    const auto valueBytes = static_cast<size_t>(range.type.valueBytes());
+    std::vector<unsigned char> bytes(static_cast<size_t>(range.count) * valueBytes, 0);
     m_library.getData(range.station, range.type.name, range.first,
                       range.type.driverCount(range.count), bytes.data());
     QVector<quint32> values;
