@@ -10,19 +10,14 @@
 #include <functional>
 
 #include "tests/simulator/printing.h"
+#include "tests/simulator/wire_frames.h"
 
 using namespace fxsim;
 
 namespace {
 
-const QByteArray reply = "\x02"
-                         "12345678"
-                         "\x03"
-                         "A7";
-const QByteArray request = "\x02"
-                           "010C804"
-                           "\x03"
-                           "73";
+const QByteArray& reply = valueOfD100;
+const QByteArray& request = readD100;
 const QByteArray acknowledge = "\x06";
 
 QVector<Chunk> damagedBy(const char* plan, const QByteArray& sound, quint64 seed = 1,

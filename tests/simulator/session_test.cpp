@@ -12,31 +12,11 @@
 
 #include "simulator/sample_program.h"
 #include "tests/simulator/printing.h"
+#include "tests/simulator/wire_frames.h"
 
 using namespace fxsim;
 
 namespace {
-
-const QByteArray readD100 = "\x02"
-                            "010C804"
-                            "\x03"
-                            "73";
-const QByteArray zerosOfD100 = "\x02"
-                               "00000000"
-                               "\x03"
-                               "83";
-const QByteArray writeD100 = "\x02"
-                             "110C80412345678"
-                             "\x03"
-                             "18";
-const QByteArray valueOfD100 = "\x02"
-                               "12345678"
-                               "\x03"
-                               "A7";
-const QByteArray damagedRead = "\x02"
-                               "010C804"
-                               "\x03"
-                               "74";
 
 struct Bench
 {

@@ -1,0 +1,91 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// Commands to the running program, by its control socket and its standard input.
+
+#include <gtest/gtest.h>
+
+#include <QFileInfo>
+#include <QLocalSocket>
+#include <QTemporaryDir>
+
+#include "tests/simulator/fxsim_process.h"
+#include "tests/simulator/printing.h"
+#include "tests/simulator/wire_frames.h"
+
+TEST(FxsimControl, socketTakesCommandsFromSeveralClients)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("control");
+    FxsimProcess process({"--control", path, "--program", "none"});
+    process.waitReady();
+    QLocalSocket first;
+    QLocalSocket second;
+    first.connectToServer(path);
+    second.connectToServer(path);
+    const auto run = [](QLocalSocket& socket, const QByteArray& line) {
+        socket.write(line + '\n');
+        QByteArray answer;
+        while (!answer.endsWith("ok\n") && socket.waitForReadyRead(deadlineMs))
+            answer += socket.readAll();
+        return answer;
+    };
+    EXPECT_EQ(run(first, "poke 0 7"), "ok\n");
+    EXPECT_EQ(run(second, "peek 0"), "0000: 07\nok\n");
+    EXPECT_EQ(run(first, "quit"), "ok\n");
+    EXPECT_EQ(process.waitEnd(), 0);
+    EXPECT_FALSE(QFileInfo::exists(path));
+}
+
+TEST(FxsimControl, socketInUseAndForeignFilesStay)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("control");
+    FxsimProcess process({"--control", path});
+    process.waitReady();
+    const FailedStart second = runToEnd({"--control", path});
+    EXPECT_EQ(second.exitCode, 3);
+    EXPECT_EQ(second.errors, "fxsim: control socket " + path.toUtf8() + ": the file exists\n");
+    EXPECT_EQ(process.command("peek 0"), "0000: 00\nok\n");
+}
+
+TEST(FxsimControl, socketLeftBehindIsReplaced)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("control");
+    {
+        FxsimProcess killed({"--control", path});
+        killed.waitReady();
+    }
+    EXPECT_TRUE(QFileInfo::exists(path)) << "a killed simulator leaves its socket behind";
+    FxsimProcess process({"--control", path});
+    EXPECT_NE(process.waitReady(), "");
+}
+
+TEST(FxsimControl, tellGivesOneCommand)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("control");
+    FxsimProcess process({"--control", path, "--program", "none"});
+    process.waitReady();
+    EXPECT_EQ(runToEnd({"--control", path, "--tell", "poke 0x1000 1 2"}).exitCode, 0);
+    const FailedStart peek = runToEnd({"--control", path, "--tell", "peek 0x1000 2"});
+    EXPECT_EQ(peek.exitCode, 0);
+    EXPECT_EQ(peek.output, "1000: 01 02\n");
+    const FailedStart refused = runToEnd({"--control", path, "--tell", "jump"});
+    EXPECT_EQ(refused.exitCode, 2);
+    EXPECT_EQ(refused.errors, "fxsim: there is no command 'jump'; help lists them\n");
+    EXPECT_EQ(runToEnd({"--control", path, "--tell", "quit"}).exitCode, 0);
+    EXPECT_EQ(process.waitEnd(), 0);
+    EXPECT_EQ(runToEnd({"--control", path, "--tell", "help"}).exitCode, 3);
+    EXPECT_EQ(runToEnd({"--tell", "help"}).exitCode, 2);
+}
+
+TEST(FxsimControl, inputThatEndsDoesNotEndTheSimulator)
+{
+    FxsimProcess process({"--baud", "0", "--program", "none"});
+    PtyEnd host(process.waitReady());
+    process.closeInput();
+    EXPECT_EQ(host.ask(readD100, 12), zerosOfD100);
+    EXPECT_EQ(process.terminate(), 0);
+}
