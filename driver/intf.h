@@ -10,16 +10,18 @@
 //  2. From inside the value-change callback the host may call intf_getData, intf_setData and
 //     intf_addConditionRead, and nothing else.
 //  3. Nothing throws and nothing is logged. Results are the integer codes given here.
-//  4. A null pointer in place of an output or a buffer is left alone: the call does what it can
+//  4. Texts, lists and buffers are the host's and are used during the call only: what the driver
+//     keeps, it copies. Only the two memories and the mutex of intf_initProperty stay in use.
+//  5. A null pointer in place of an output or a buffer is left alone: the call does what it can
 //     without it. A request that makes no sense is left out in silence.
-//  5. Register types are exact texts: bits "X" "Y" "M" "S" "SM" "T" "C", words "D" "SD" "TV" "CV",
+//  6. Register types are exact texts: bits "X" "Y" "M" "S" "SM" "T" "C", words "D" "SD" "TV" "CV",
 //     and the 32-bit counters "32CV". "X" and "Y" are numbered in octal on paper; every integer
 //     here is the value of that number (X17 is 15). "SM" and "SD" count from 8000, "32CV" from 200.
-//  6. Values travel as the PLC stores them: low byte first, one byte (0 or 1) for a bit.
-//  7. One call serves at most 65,536 elements, more than the PLC can address; elements beyond
+//  7. Values travel as the PLC stores them: low byte first, one byte (0 or 1) for a bit.
+//  8. One call serves at most 65,536 elements, more than the PLC can address; elements beyond
 //     them, or whose number does not fit 32 bits, are left out.
-//  8. Build the library with the Qt of its host (4.8, 5 or 6): Qt value types cross the interface.
-//  9. The link is the FX programming port: 9600 baud, 7 data bits, even parity, 1 stop bit.
+//  9. Build the library with the Qt of its host (4.8, 5 or 6): Qt value types cross the interface.
+// 10. The link is the FX programming port: 9600 baud, 7 data bits, even parity, 1 stop bit.
 
 #ifndef DRIVER_INTF_H
 #define DRIVER_INTF_H
@@ -56,9 +58,10 @@ FX_ENTRY_POINT void intf_getProtocolType(int* type);
 // thread and inside the call that caused it, with no lock held, its result is ignored, and `text`
 // is valid during the call only:
 //   (link, station, register type, number)   a monitored element changed, or its write has ended
-//   (-1, -1, "-1", 0 or -1)                  the one-off read queued last ended well or failed
+//   (-1, -1, "-1", 0 or -1)                  the one-off read queued last ended well (0) or failed
 //   (0, -1, "RWI", word)                     an upload stored a word of recipe memory
-// Bits that change in the PLC are cached but not reported: read them with intf_getData.
+// The number is that of the bit, word or counter. Bits that change in the PLC are cached but not
+// reported: read them with intf_getData.
 FX_ENTRY_POINT void intf_setAddrValueChangeCallBack(int (*callback)(int linkNo, int stationNo,
                                                                     QString& text, int value));
 
@@ -71,12 +74,13 @@ FX_ENTRY_POINT void intf_setAddrValueChangeCallBack(int (*callback)(int linkNo, 
 //                   know its size; null: no recipe can be carried
 //   status          out
 //   propertyString  Latin-1, NUL-terminated, decimal numbers separated by '#':
-//                     link number, cache-only writes (nonzero: nothing is written to the PLC),
+//                     link number, cache-only writes (nonzero: intf_setData queues nothing),
 //                     (stored), rejections in a row that end an exchange (below 2: the first does),
 //                     words in one frame (below 1 counts as 1), (optional, stored);
 //                   a field that is no number is 0; below five fields all keep their values
 //   hostMutex       guards the two request bytes; null: no recipe requests
-// The host keeps all four pointers valid until the next set-up or until it unloads the library.
+// The host keeps `hostMemory`, `recipeWords` and `hostMutex` valid until the next set-up or until
+// it unloads the library.
 FX_ENTRY_POINT int intf_initProperty(unsigned char* hostMemory, unsigned int hostContext,
                                      unsigned short* recipeWords, int* status,
                                      const char* propertyString, QMutex* hostMutex);
@@ -85,15 +89,19 @@ FX_ENTRY_POINT int intf_initProperty(unsigned char* hostMemory, unsigned int hos
 
 // Replaces the polling plan and the monitor marks by those of `keys`; call it whenever the set of
 // monitored addresses changes. Used of a key: station, type, start and length (bits, words,
-// counters; for "32CV" the marks count words, two a counter). Station 0 is marked, not polled.
-// Returns the number of read requests in the plan.
+// counters; for "32CV" the marks count words, two a counter). Of bits as many whole bytes are read
+// as `length` fills, from the byte of the start: M5 with length 8 reads M0 to M7. Station 0 is
+// marked, not polled. Returns the number of read requests in the plan.
 FX_ENTRY_POINT int intf_addrMerge(QList<KEY_ADDRESS>& keys);
 
-// Queues a one-off read of `key.length` words, counters, or, of bit types, bytes from the one that
-// holds `startIndex`. It is cut to the words of one frame, or to eight times as many if
-// `key.bitIndex` is -1 (more than a PLC answers at once: leave it 0). The requests go out behind
-// the host's writes and ahead of the plan; 513 wait at most, a further one replaces the last.
-// `tag` is carried with each. The callback tells the end of the one queued last. Always 1.
+// Queues a one-off read, which goes out behind the host's writes and ahead of the plan; the
+// callback tells the end of the request queued last. A request for the same range as a waiting one
+// other than the head takes its place; 513 wait at most, a further one replaces the last. Always 1.
+//   key.startIndex  of bits a multiple of 8: intf_getData does not find what other starts read
+//   key.length      words, counters, or, of bit types, bytes; cut to the words of one frame. Keep
+//                   bits within one: the next would start as many bits on as this one has bytes
+//   key.bitIndex    0; with -1 cut to eight times as many, more than a PLC answers at once
+//   tag             carried with each request
 FX_ENTRY_POINT int intf_addConditionRead(KEY_ADDRESS& key, int tag);
 
 // ---- Exchange ---------------------------------------------------------------------------------
@@ -122,10 +130,13 @@ FX_ENTRY_POINT int intf_getData(int stationNo, QString registerType, int startIn
                                 unsigned char* out);
 
 // Writes values: into the cache at once, to the PLC by queued requests (one a bit; words cut to
-// the frame limit, 253 at most). "X" reaches the cache only. 513 requests wait at most, a further
-// one replaces the last. Always 1.
+// the frame limit, 253 at most). "X" reaches the cache only. A request for the same range as a
+// waiting one other than the head takes its place; 513 wait at most, a further one replaces the
+// last. Always 1.
 //   count, data  as in intf_getData; a bit is on only if its byte is exactly 1
 //   tag          carried with each request
+// Keep a write of "32CV" to the words of one frame: a further request would start as many counters
+// on as the one before has words, and a counter has two.
 FX_ENTRY_POINT int intf_setData(int stationNo, QString registerType, int startIndex, int count,
                                 unsigned char* data, int tag);
 
@@ -140,8 +151,9 @@ FX_ENTRY_POINT int intf_setRcpAddress(QVector<_RCP_VAR_PRO>& list);
 
 // ---- Address services for the editor ----------------------------------------------------------
 
-// Checks the number part of an address. `addressIndex` receives the number once the text was
-// parsed (0 if it is none), also with a result other than 0.
+// Checks the number part of an address, in the order 1, 4 for a sign, 6, 5, 3, 4, 2: the first that
+// applies is the result. `addressIndex` receives the number once the text was parsed (0 if it is
+// none), so with 0, 2 and the later 4.
 //   dataType    -1 = bit, anything else = word; "32CV" takes 1, 3, 5, 6 and 9
 //   count       registers that the address covers
 //   accessMode  1 and 2 write
@@ -156,6 +168,7 @@ FX_ENTRY_POINT int intf_checkAddr(const QString& registerType, const QString& ad
                                   int* addressIndex, int dataType, int count, int accessMode);
 
 // The same where only the width of the access is known; 5 and 6 do not occur.
+//   wordAccess  0 = bit, anything else = word
 FX_ENTRY_POINT int intf_checkAddrValidity(const QString& registerType, const QString& addressText,
                                           int* addressIndex, int count, int wordAccess);
 
@@ -168,7 +181,9 @@ FX_ENTRY_POINT int intf_getRegListByType(int kind, QList<QString>& names);
 // be written, else "0". Nothing for an unknown type. 1 for "32CV", else 0: go by the texts.
 FX_ENTRY_POINT int intf_getRegDiscription(const QString& registerType, QList<QString>& fields);
 
-// Appends the addresses of `copies` copies of an object, `step` apart, as texts and as numbers.
+// Appends the addresses of `copies` copies of an object, `step` apart, from `startIndex` on, as
+// texts (of "X" and "Y" in octal) and as numbers. Nothing is checked against the type's first
+// number; below one copy nothing is appended, and the result is 1.
 //   step  -1 = 1; -2 = a 32-bit value: 2 for words, else 1; anything else below 1 = 1
 //   0  unknown register type, nothing appended
 //   1  every number fitted

@@ -33,15 +33,15 @@ struct VARIABLE
 // One address range that the host wants kept up to date, or read once.
 struct KEY_ADDRESS
 {
-    QString hostText1;   // the host's own
-    int hostValue1 = 0;  // the host's own
-    int hostValue2 = 0;  // the host's own
-    int stationNo = 0;   // PLC station; 0 = marked in the cache but not polled
-    QString registerType;
-    QString hostText2;   // the host's own
-    int startIndex = 0;  // first register number
-    int bitIndex = 0;    // one-off reads: -1 splits by the bit limit, else by the word limit
-    int length = 0;      // bits, words or counters; 32CV marks count words, two a counter
+    QString hostText1;     // the host's own
+    int hostValue1 = 0;    // the host's own
+    int hostValue2 = 0;    // the host's own
+    int stationNo = 0;     // PLC station; 0 = marked in the cache but not polled
+    QString registerType;  // as in VARIABLE
+    QString hostText2;     // the host's own
+    int startIndex = 0;    // first register number
+    int bitIndex = 0;      // one-off reads: -1 splits by the bit limit, else by the word limit
+    int length = 0;        // bits, words or counters; see intf_addrMerge, intf_addConditionRead
     unsigned char data[recordBytes] = {};  // the host's own
 
     KEY_ADDRESS() = default;
@@ -65,7 +65,7 @@ struct FRAME_PRO
 // One cached data area: eight bits, one word or one 32-bit counter.
 struct _DATA_
 {
-    unsigned char flag0 = 0;         // 1 = the last read that covered the area failed
+    unsigned char flag0 = 0;         // 1 = the last read of it, or of areas just below, failed
     unsigned char bufferSelect = 0;  // nonzero = a host write waits in valueBuffer1
     int word1 = 0;                   // unused
     int monitorFlags = 0;            // word and counter areas: bit 0 = monitored
@@ -80,11 +80,11 @@ struct _DATA_
 // One entry of the recipe transfer list.
 struct _RCP_VAR_PRO
 {
-    int linkNo = 0;     // taken only if it is the number of this link
-    int stationNo = 0;  // PLC station
-    QString registerType;
+    int linkNo = 0;            // taken only if it is the number of this link
+    int stationNo = 0;         // PLC station
+    QString registerType;      // as in VARIABLE
     int addressIndex = 0;      // first register number
-    int count = 0;             // 16-bit words; goes into the frame as it stands
+    int count = 0;             // 16-bit words; an upload of 32CV: counters, two words each
     int recipeWordOffset = 0;  // first word in the host's recipe memory
     int hostValue = 0;         // the host's own
 };
