@@ -9,6 +9,7 @@
 #include "tests/support/driver_fixture.h"
 
 #include <QFile>
+#include <QRegularExpression>
 #include <QStringList>
 
 namespace {
@@ -72,7 +73,37 @@ TEST(FramesDocument, MapsEveryRegisterType)
 }
 
 class DocumentedRequests : public DriverTest
-{};
+{
+protected:
+    // The one frame that a builder made, as hex bytes.
+    static std::string takeFrame()
+    {
+        const FRAME_PRO frame = driver.frames.takeLast();
+        return hexBytes(frame.frame, frame.frameLength);
+    }
+    static std::string readFrameOf(const QString& registerName)
+    {
+        VARIABLE request = requestOf(registerName);
+        getReadFrame(request);
+        return takeFrame();
+    }
+    static std::string writeFrameOf(const QString& registerName)
+    {
+        VARIABLE request = requestOf(registerName);
+        getWriteFrame(request);
+        return takeFrame();
+    }
+
+private:
+    // One register, by its name: "M1536".
+    static VARIABLE requestOf(const QString& registerName)
+    {
+        const QRegularExpression name(QStringLiteral("^([A-Z]+)([0-9]+)$"));
+        const QRegularExpressionMatch match = name.match(registerName);
+        EXPECT_TRUE(match.hasMatch()) << qPrintable(registerName);
+        return request(qPrintable(match.captured(1)), match.captured(2).toInt(), 1);
+    }
+};
 
 TEST_F(DocumentedRequests, AreBuiltAsTheyStandThere)
 {
@@ -89,9 +120,22 @@ TEST_F(DocumentedRequests, AreBuiltAsTheyStandThere)
             getReadFrame(request);
         else
             getWriteFrame(request);
-        const FRAME_PRO frame = driver.frames.takeLast();
-        EXPECT_EQ(row[5].toStdString(), hexBytes(frame.frame, frame.frameLength));
-        EXPECT_EQ(row[6].toInt(), frame.replyLength) << qPrintable(row[0]);
+        EXPECT_EQ(row[6].toInt(), driver.frames.last().replyLength) << qPrintable(row[0]);
+        EXPECT_EQ(row[5].toStdString(), takeFrame());
+    }
+}
+
+TEST_F(DocumentedRequests, GoOutAsOthersWhereRegistersShareAPlace)
+{
+    const QList<Row> rows = tableRows("| | from | to | goes out as | |");
+    ASSERT_EQ(3, rows.size());
+    for (const Row& row : rows) {
+        for (int end : {1, 2}) {
+            const QString name = row[end], other = row[end + 2];
+            EXPECT_EQ(writeFrameOf(other), writeFrameOf(name)) << qPrintable(name);
+            const bool isReadAlike = readFrameOf(other) == readFrameOf(name);
+            EXPECT_EQ(row[0].contains("read"), isReadAlike) << qPrintable(name);
+        }
     }
 }
 
