@@ -45,6 +45,8 @@ void callHost(int linkNo, int stationNo, const QString& text, int value)
 void _OnlyOneDataTypeDataChange(int stationNo, QString registerType, int address, int isBitType,
                                 unsigned char newBits, unsigned char oldBits, int wholeByte)
 {
+    if (findRegisterType(registerType) == nullptr)
+        return;
     if (isBitType == 0)
         notifyWord(stationNo, registerType, address);
     else if (wholeByte == 0)

@@ -14,7 +14,8 @@ void callHost(int linkNo, int stationNo, const QString& text, int value);
 
 // Reports a change to the host when the element is monitored, creating its area if missing:
 // a word or counter (isBitType 0), one bit (wholeByte 0), or those of the eight bits of a bit area
-// that differ between `newBits` and `oldBits`. Nothing is compared in the first two forms.
+// that differ between `newBits` and `oldBits`. Nothing is compared in the first two forms, and
+// nothing happens for an unknown type.
 void _OnlyOneDataTypeDataChange(int stationNo, QString registerType, int address, int isBitType,
                                 unsigned char newBits, unsigned char oldBits, int wholeByte);
 

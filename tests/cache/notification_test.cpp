@@ -169,11 +169,21 @@ TEST_F(Notification, NumbersPastTheLargestAreNotReported)
     EXPECT_EQ((Texts{"4,1,M,2147483647"}), calls);
 }
 
-TEST_F(Notification, UnknownTypeIsNeverReported)
+TEST_F(Notification, UnknownTypeIsNeitherReportedNorCreated)
 {
     notify("Z", 5, 0);
     notify("d", 5, 0);
     notify("", 5, 1);
+    notify("m", 8, 1, 0xFF, 0x00, 1);
+    EXPECT_EQ(Texts(), calls);
+    EXPECT_TRUE(driver.dataAreas.isEmpty());
+}
+
+TEST_F(Notification, UnknownTypeIsNotReportedEvenWhenItsAreaIsMarked)
+{
+    getIndexOfDataArea(1, QString::fromLatin1("Z"), 5, driver.dataAreas);
+    area("Z", 5).monitorFlags = 1;
+    notify("Z", 5, 0);
     EXPECT_EQ(Texts(), calls);
 }
 
