@@ -3,46 +3,18 @@
 //
 // How ranges of bits become read requests of whole bytes that start on multiples of eight.
 
-#include "tests/support/driver_fixture.h"
-
-#include <ostream>
+#include "tests/plan/plan_of_ranges.h"
 
 namespace {
-struct Range
-{
-    const char* registerType;
-    int start;
-    int length;
-};
-
-struct Row
-{
-    const char* name;
-    int wordLimit;  // the bit limit is eight times as much
-    std::vector<Range> ranges;
-    const char* plan;  // counts are bytes
-};
-
-std::ostream& operator<<(std::ostream& out, const Row& row)
-{
-    return out << row.plan;
-}
-
-class BitMerge : public DriverTest, public ::testing::WithParamInterface<Row>
+class BitMerge : public PlanOfRanges
 {};
 
 TEST_P(BitMerge, GivesPlan)
 {
-    setUpDriver(("1#0#0#3#" + std::to_string(GetParam().wordLimit)).c_str());
-    QList<KEY_ADDRESS> keys;
-    for (const Range& range : GetParam().ranges)
-        keys << watch(range.registerType, range.start, range.length);
-    const int entries = intf_addrMerge(keys);
-    EXPECT_EQ(entries, driver.readList.size());
-    EXPECT_EQ(GetParam().plan, textOf(driver.readList));
+    mergeAndCompare();
 }
 
-const Row rows[] = {
+const PlanRow rows[] = {
     {"SingleBitReadsItsByte", 32, {{"M", 5, 1}}, "1#M0/1"},
     {"LastBitOfAByte", 32, {{"M", 15, 1}}, "1#M8/1"},
     {"EightBits", 32, {{"M", 8, 8}}, "1#M8/1"},
@@ -71,17 +43,15 @@ const Row rows[] = {
     {"ClosedBlockNeverGrowsAgain", 2, {{"M", 0, 8}, {"M", 16, 8}, {"M", 8, 1}}, "1#M0/2 1#M16/1"},
 };
 
-INSTANTIATE_TEST_SUITE_P(Ranges, BitMerge, ::testing::ValuesIn(rows),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(Ranges, BitMerge, ::testing::ValuesIn(rows), nameOf);
 
 // The bytes of a piece are counted from its length alone.
-const Row oddities[] = {
+const PlanRow oddities[] = {
     {"OffsetWithinTheByteIsNotCounted", 32, {{"M", 5, 8}}, "1#M0/1"},
     {"OffsetIsNotCountedForALaterPieceEither", 32, {{"M", 0, 1}, {"M", 13, 8}}, "1#M0/2"},
     {"PieceThatReachesPastItsByteIsDropped", 32, {{"M", 0, 8}, {"M", 7, 8}}, "1#M0/1"},
     {"OffsetOfALongRangeIsNotCounted", 32, {{"X", 7, 16}}, "1#X0/2"},
 };
 
-INSTANTIATE_TEST_SUITE_P(Oddities, BitMerge, ::testing::ValuesIn(oddities),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(Oddities, BitMerge, ::testing::ValuesIn(oddities), nameOf);
 }  // namespace

@@ -4,46 +4,18 @@
 // How ranges of words and counters become read requests: cut to the word limit, sorted, joined as
 // long as the block stays within the limit.
 
-#include "tests/support/driver_fixture.h"
-
-#include <ostream>
+#include "tests/plan/plan_of_ranges.h"
 
 namespace {
-struct Range
-{
-    const char* registerType;
-    int start;
-    int length;
-};
-
-struct Row
-{
-    const char* name;
-    int wordLimit;
-    std::vector<Range> ranges;
-    const char* plan;
-};
-
-std::ostream& operator<<(std::ostream& out, const Row& row)
-{
-    return out << row.plan;
-}
-
-class WordMerge : public DriverTest, public ::testing::WithParamInterface<Row>
+class WordMerge : public PlanOfRanges
 {};
 
 TEST_P(WordMerge, GivesPlan)
 {
-    setUpDriver(("1#0#0#3#" + std::to_string(GetParam().wordLimit)).c_str());
-    QList<KEY_ADDRESS> keys;
-    for (const Range& range : GetParam().ranges)
-        keys << watch(range.registerType, range.start, range.length);
-    const int entries = intf_addrMerge(keys);
-    EXPECT_EQ(entries, driver.readList.size());
-    EXPECT_EQ(GetParam().plan, textOf(driver.readList));
+    mergeAndCompare();
 }
 
-const Row rows[] = {
+const PlanRow rows[] = {
     {"OneWord", 32, {{"D", 7, 1}}, "1#D7/1"},
     {"LengthOfTheLimitIsOnePiece", 32, {{"D", 0, 32}}, "1#D0/32"},
     {"OneMoreThanTheLimit", 32, {{"D", 0, 33}}, "1#D0/32 1#D32/1"},
@@ -81,6 +53,5 @@ const Row rows[] = {
      "1#D0/1 1#TV1/1 1#CV0/1"},
 };
 
-INSTANTIATE_TEST_SUITE_P(Ranges, WordMerge, ::testing::ValuesIn(rows),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(Ranges, WordMerge, ::testing::ValuesIn(rows), nameOf);
 }  // namespace
