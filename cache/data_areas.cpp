@@ -6,8 +6,6 @@
 
 #include "cache/data_areas.h"
 
-#include "driver/integers.h"
-
 namespace {
 
 constexpr int bitsInInt = 32;
@@ -24,12 +22,6 @@ void markElement(const RegisterType& type, int position, int address)
     const AreaIndex::Edit edit(driver.areaIndex, driver.dataAreas);
     driver.dataAreas[position].changeFlags = changeFlags;
     driver.dataAreas[position].monitorFlags = monitorFlags;
-}
-
-// `count`, less what would be numbered past the largest int.
-int upToLargestInt(int startIndex, int count)
-{
-    return static_cast<int>(qMin<qint64>(count, intsFrom(startIndex)));
 }
 
 }  // namespace
@@ -62,12 +54,7 @@ const unsigned char* currentValue(const _DATA_& area)
 
 int servedElements(const RegisterType& type, int startIndex, int count)
 {
-    return upToLargestInt(startIndex, elementCount(type, qMin(count, maxElements)));
-}
-
-int servedWords(int startIndex, int count)
-{
-    return upToLargestInt(startIndex, qMin(count, maxElements));
+    return servedCount(startIndex, elementCount(type, qMin(count, maxElements)));
 }
 
 int _setDataAreaMonitorFlag(int stationNo, QString registerType, int startIndex, int count)

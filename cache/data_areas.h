@@ -45,6 +45,7 @@ constexpr int areaStart(const RegisterType& type, int address)
 
 // Finds the areas of one station and register type in the driver's cache, creating those that are
 // missing. A position holds until the next callback only: the host may add areas from inside it.
+// The text must outlive the finder.
 class AreaFinder
 {
 public:
@@ -69,9 +70,7 @@ private:
 // PLC holds.
 const unsigned char* currentValue(const _DATA_& area);
 
-// What a call that asked for `count` from `startIndex` on is served: at most maxElements, and no
-// element whose number does not fit 32 bits. Elements of a type, or its words as they are counted.
+// How many elements of a type one call serves that asks for `count` from `startIndex` on.
 int servedElements(const RegisterType& type, int startIndex, int count);
-int servedWords(int startIndex, int count);
 
 #endif

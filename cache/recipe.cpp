@@ -11,7 +11,6 @@
 
 namespace {
 
-constexpr int bytesPerWord = 2;
 constexpr int recipeLink = 0;      // a recipe word is reported with these in place of link and
 constexpr int recipeStation = -1;  // station
 

@@ -15,7 +15,6 @@
 namespace {
 
 constexpr int confirmed = 1;
-constexpr int bytesPerWord = 2;
 
 VARIABLE writeRequest(int tag, int stationNo, const QString& registerType)
 {
@@ -59,7 +58,7 @@ void queueWrite(const RegisterType& type, VARIABLE request, int startIndex, int 
     if (isBit(type))
         queueBits(request, startIndex, servedElements(type, startIndex, count), data);
     else
-        queueWords(request, startIndex, servedWords(startIndex, count), data);
+        queueWords(request, startIndex, servedCount(startIndex, count), data);
 }
 
 // What a host write makes of the value that readers see: of a bit area one bit, else all of it.

@@ -8,6 +8,7 @@
 
 #include <QtGlobal>
 
+#include <algorithm>
 #include <limits>
 
 constexpr qint64 largestInt = std::numeric_limits<int>::max();
@@ -16,9 +17,7 @@ constexpr qint64 smallestInt = std::numeric_limits<int>::min();
 // The int nearest to `value`.
 constexpr int saturated(qint64 value)
 {
-    return static_cast<int>(value < smallestInt  ? smallestInt
-                            : value > largestInt ? largestInt
-                                                 : value);
+    return static_cast<int>(std::clamp(value, smallestInt, largestInt));
 }
 
 // How many ints there are from `first` up.

@@ -6,6 +6,8 @@
 
 #include "driver/mitsubishi_fx1s.h"
 
+#include "driver/integers.h"
+
 Mitsubishi_fx1s driver;
 
 Mitsubishi_fx1s::Mitsubishi_fx1s() = default;
@@ -21,4 +23,9 @@ int bitsPerRequest()
 {
     return driver.maxBitsPerFrame < 1 ? bitsPerArea
                                       : qMin(driver.maxBitsPerFrame, maxElements * bitsPerArea);
+}
+
+int servedCount(int startIndex, int count)
+{
+    return static_cast<int>(qMin<qint64>(qBound(0, count, maxElements), intsFrom(startIndex)));
 }

@@ -13,7 +13,6 @@
 #include "driver/records.h"
 
 #include <QList>
-#include <QMutex>
 #include <QVector>
 
 constexpr int maxBurst = 3;         // writes and one-off reads between two cyclic reads
@@ -21,6 +20,7 @@ constexpr int maxElements = 65536;  // longer runs exceed what the 16-bit wire a
 constexpr int maxWriteWords = 253;  // 11 + 4 x 253 = 1023 bytes: the longest write in one record
 constexpr int maxRecipeWords = recordBytes / 2;  // recipe words that one request can hold
 constexpr int bitsPerArea = 8;                   // bit devices are cached by the byte
+constexpr int bytesPerWord = 2;
 
 constexpr int downloadRequestByte = 60115;  // position in host memory: recipe to the PLC
 constexpr int uploadRequestByte = 60116;    // position in host memory: recipe from the PLC
@@ -95,5 +95,9 @@ extern FX_EXPORT Mitsubishi_fx1s driver;
 // word or one byte of bits, and never more than the wire can address.
 int wordsPerRequest();
 int bitsPerRequest();
+
+// How many of the `count` elements from `startIndex` on one call serves: at most maxElements, and
+// none whose number does not fit 32 bits.
+int servedCount(int startIndex, int count);
 
 #endif

@@ -7,19 +7,14 @@
 #ifndef PLAN_PIECES_H
 #define PLAN_PIECES_H
 
-#include "driver/integers.h"
 #include "driver/mitsubishi_fx1s.h"
 
 class PieceCutter
 {
 public:
-    // `limit` is at least 1. Of `length` at most maxElements are cut, and none that is numbered
-    // past the largest int; nothing when it is below 1.
+    // Cuts as many of `length` elements as one call serves. `limit` is at least 1.
     PieceCutter(int startIndex, int length, int limit)
-        : m_startIndex(startIndex),
-          m_length(
-              static_cast<int>(qMin<qint64>(qBound(0, length, maxElements), intsFrom(startIndex)))),
-          m_limit(limit)
+        : m_startIndex(startIndex), m_length(servedCount(startIndex, length)), m_limit(limit)
     {}
 
     int pieceCount() const { return m_length / m_limit + (m_length % m_limit != 0 ? 1 : 0); }

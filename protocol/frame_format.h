@@ -22,7 +22,6 @@ constexpr unsigned char forceOnCommand = '7';
 constexpr unsigned char forceOffCommand = '8';
 
 constexpr int charsPerByte = 2;
-constexpr int bytesPerWord = 2;
 
 constexpr int frameEnds = 1 + 1 + 2;                     // STX, ETX, sum
 constexpr int readFrameLength = frameEnds + 1 + 4 + 2;   // and command, address, byte count
