@@ -1,0 +1,127 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// soak: drives the loaded library over a bad line for as many exchanges as asked, and says how it
+// went. Exit code 0: every accepted value was right, every write ended, memory did not grow; 1: not
+// so; 2: a mistake in the command line; 3: the library could not be loaded.
+
+#include "soak.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cstdio>
+
+namespace {
+
+constexpr int samplesOfMemory = 200;
+constexpr int samplesToSettle = 20;  // the cache is complete and every code path was taken
+constexpr int linesOfProgress = 10;
+constexpr double mostGrowthBytes = 1024 * 1024;
+constexpr double usPerHour = 3600e6;
+
+struct Options
+{
+    qint64 exchanges = 1000000;  // half a minute
+    unsigned int seed = 1;
+    std::string faults = "mixed:900=0.25,power-cycle:300=0.0005,link-drop:300=0.0005";
+    std::string driver = FX_DRIVER_FILE;
+};
+
+void printProgress(const fxsoak::SoakCounts& counts)
+{
+    std::printf("%10lld exchanges, %11lld values right, %7lld writes confirmed, %5lld failed, "
+                "%6lld recipes, RSS %lld KB\n",
+                counts.ended, counts.valuesRight, counts.writesConfirmed, counts.writesFailed,
+                counts.recipesDone, fxsoak::residentBytes() / 1024);
+    std::fflush(stdout);
+}
+
+// The trend of memory from the moment on at which everything has been used once.
+fxsoak::MemoryTrend soakAll(fxsoak::Soak& soak, qint64 exchanges)
+{
+    fxsoak::MemoryTrend trend;
+    for (int sample = 1; sample <= samplesOfMemory && soak.findings().isEmpty(); ++sample) {
+        soak.run(exchanges * sample / samplesOfMemory);
+        if (sample > samplesToSettle)
+            trend.add(soak.counts().ended, fxsoak::residentBytes());
+        if (sample % (samplesOfMemory / linesOfProgress) == 0)
+            printProgress(soak.counts());
+    }
+    soak.finish();
+    return trend;
+}
+
+void printLine(fxsoak::Soak& soak)
+{
+    const fxhost::KindCounts frames = soak.line().total();
+    std::printf("line: %lld frames, %lld repeats, %lld exchanges failed, %lld links lost, %lld "
+                "power cycles, %.1f simulated hours\n",
+                frames.sent, frames.repeated, frames.failed, soak.line().linksLost,
+                soak.plc().powerCycles, static_cast<double>(soak.simulatedUs()) / usPerHour);
+    std::printf("faults:");
+    for (int kind = 0; kind < fxsim::faultKinds; ++kind)
+        std::printf(" %s %lld", fxsim::factsOf(static_cast<fxsim::FaultKind>(kind)).name,
+                    soak.plc().faults[static_cast<size_t>(kind)]);
+    std::printf("\n");
+}
+
+bool memoryIsLevel(const fxsoak::MemoryTrend& trend)
+{
+    std::printf("memory: %+.4f bytes an exchange (standard error %.4f), %+.0f KB fitted over the "
+                "run\n",
+                trend.bytesAnExchange(), trend.standardError(), trend.fittedGrowthBytes() / 1024);
+    return fxsoak::memoryIsWatched() || trend.fittedGrowthBytes() < mostGrowthBytes;
+}
+
+int run(const Options& options, const fxsim::FaultPlan& faults)
+{
+    const fxhost::DriverLibrary library(QString::fromStdString(options.driver));
+    fxsoak::Soak soak(library, {options.exchanges, options.seed, faults});
+    const fxsoak::MemoryTrend trend = soakAll(soak, options.exchanges);
+    const fxsoak::SoakCounts& counts = soak.counts();
+    std::printf("writes: %lld confirmed, %lld reported failed, %lld replaced by later ones, none "
+                "open; recipes: %lld done, %lld failed; %lld callbacks\n",
+                counts.writesConfirmed, counts.writesFailed, soak.writesReplaced(),
+                counts.recipesDone, counts.recipesFailed, counts.changes);
+    printLine(soak);
+    const bool level = memoryIsLevel(trend);
+    for (const QString& finding : soak.findings())
+        std::printf("WRONG  %s\n", qPrintable(finding));
+    if (!level)
+        std::printf("WRONG  memory grows\n");
+    const bool good = soak.findings().isEmpty() && level;
+    std::printf("%s: seed %u, %lld exchanges, %lld values right, %lld covered by a waiting write\n",
+                good ? "good" : "NOT GOOD", options.seed, counts.ended, counts.valuesRight,
+                counts.valuesWaiting);
+    return good ? 0 : 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    Options options;
+    CLI::App app("Soaks the driver in exchanges over a bad line, on simulated time.");
+    app.add_option("--exchanges", options.exchanges, "how many")
+        ->capture_default_str()
+        ->check(CLI::Range(qint64(1), qint64(1000000000)));
+    app.add_option("--seed", options.seed, "of everything that is drawn")->capture_default_str();
+    app.add_option("--faults", options.faults, "as fxsim takes them")->capture_default_str();
+    app.add_option("--driver", options.driver, "the library to load")->check(CLI::ExistingFile);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? 0 : 2;
+    }
+    const fxsim::ParsedFaults faults = fxsim::parseFaults(QString::fromStdString(options.faults));
+    if (!faults.error.isEmpty()) {
+        std::fprintf(stderr, "soak: %s\n", qPrintable(faults.error));
+        return 2;
+    }
+    try {
+        return run(options, faults.plan);
+    } catch (const fxhost::LibraryError& error) {
+        std::fprintf(stderr, "soak: %s\n", error.what());
+        return 3;
+    }
+}
