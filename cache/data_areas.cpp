@@ -9,19 +9,17 @@
 namespace {
 
 constexpr int bitsInInt = 32;
-constexpr int wordIsMonitored = 1;  // bit 0 of monitorFlags
 
+// Bit areas have a mark for each of their bits, the others one in bit 0 of another field.
 void markElement(const RegisterType& type, int position, int address)
 {
-    const _DATA_& area = driver.dataAreas.at(position);
-    const int changeFlags =
-        isBit(type) ? _setBitValue(area.changeFlags, bitInArea(address), 1) : area.changeFlags;
-    const int monitorFlags = isBit(type) ? area.monitorFlags : area.monitorFlags | wordIsMonitored;
-    if (changeFlags == area.changeFlags && monitorFlags == area.monitorFlags)
+    int _DATA_::*const marks = isBit(type) ? &_DATA_::changeFlags : &_DATA_::monitorFlags;
+    const int oldMarks = driver.dataAreas.at(position).*marks;
+    const int newMarks = _setBitValue(oldMarks, isBit(type) ? bitInArea(address) : 0, 1);
+    if (newMarks == oldMarks)
         return;
     const AreaIndex::Edit edit(driver.areaIndex, driver.dataAreas);
-    driver.dataAreas[position].changeFlags = changeFlags;
-    driver.dataAreas[position].monitorFlags = monitorFlags;
+    driver.dataAreas[position].*marks = newMarks;
 }
 
 }  // namespace

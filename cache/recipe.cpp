@@ -14,7 +14,7 @@ namespace {
 constexpr int recipeLink = 0;      // a recipe word is reported with these in place of link and
 constexpr int recipeStation = -1;  // station
 
-bool fits(const _RCP_VAR_PRO& entry, int wordLimit)
+bool isCarriable(const _RCP_VAR_PRO& entry, int wordLimit)
 {
     return driver.recipeWords != nullptr && entry.recipeWordOffset >= 0 && entry.count >= 0 &&
            entry.count <= wordLimit;
@@ -46,19 +46,19 @@ void rcpAddrToVar(_RCP_VAR_PRO rcp, VARIABLE& var, int withData)
     var.addressIndex = rcp.addressIndex;
     var.count = rcp.count;
     std::memset(var.data, 0, sizeof var.data);
-    if (withData != 0 && fits(rcp, maxRecipeWords))
+    if (withData != 0 && isCarriable(rcp, maxRecipeWords))
         std::memcpy(var.data, recipeBytes(rcp.recipeWordOffset),
                     static_cast<std::size_t>(bytesPerWord) * static_cast<std::size_t>(rcp.count));
 }
 
 bool isDownloadable(const _RCP_VAR_PRO& entry)
 {
-    return fits(entry, maxWriteWords);
+    return isCarriable(entry, maxWriteWords);
 }
 
 bool isUploadable(const _RCP_VAR_PRO& entry)
 {
-    return fits(entry, maxRecipeWords);
+    return isCarriable(entry, maxRecipeWords);
 }
 
 void storeRecipeValue(qint64 firstRecipeWord, int wordCount, unsigned int value)
