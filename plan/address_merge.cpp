@@ -10,9 +10,7 @@
 #include "plan/pieces.h"
 
 #include <algorithm>
-#include <array>
 #include <map>
-#include <numeric>
 #include <tuple>
 #include <vector>
 
@@ -68,32 +66,13 @@ void filePieces(const KEY_ADDRESS& key, PieceMap& pieces)
         group.push_back({cutter.start(i), cutter.length(i)});
 }
 
-constexpr std::size_t byteValues = 256;
-
-// The byte of a piece's address from bit `shift` on; the sign bit turned, negative ones come first.
-std::size_t addressByte(const Piece& piece, int shift)
-{
-    const unsigned int ordered = static_cast<unsigned int>(piece.addressIndex) ^ 0x80000000U;
-    return (ordered >> shift) % byteValues;
-}
-
-// By address; of equal addresses the piece that was cut last comes first. Byte by byte, the lowest
-// one first: each pass keeps the order of the one before, and a thousand pieces cost a hundred
-// times what ten do.
+// By address; of equal addresses the piece that was cut last comes first.
 void sortPieces(std::vector<Piece>& pieces)
 {
     std::reverse(pieces.begin(), pieces.end());
-    std::vector<Piece> sorted(pieces.size());
-    for (int shift = 0; shift < 32; shift += 8) {
-        std::array<std::size_t, byteValues + 1> starts = {};
-        for (const Piece& piece : pieces)
-            ++starts[addressByte(piece, shift) + 1];
-        if (starts[addressByte(pieces.front(), shift) + 1] == pieces.size()) continue;
-        std::partial_sum(starts.begin(), starts.end(), starts.begin());
-        for (const Piece& piece : pieces)
-            sorted[starts[addressByte(piece, shift)]++] = piece;
-        pieces.swap(sorted);
-    }
+    std::stable_sort(pieces.begin(), pieces.end(), [](const Piece& a, const Piece& b) {
+        return a.addressIndex < b.addressIndex;
+    });
 }
 
 qint64 bytesOfBits(qint64 bits)
