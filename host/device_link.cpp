@@ -13,17 +13,26 @@ namespace {
 
 constexpr int sendTimeoutMs = 2000;  // the longest frame takes 1.1 s at 9600 baud
 
-}  // namespace
-
-bool DeviceLink::send(const QByteArray& bytes)
+bool writeAll(QIODevice& device, const QByteArray& bytes)
 {
-    if (!isOpen() || device().write(bytes) != bytes.size())
+    if (device.write(bytes) != bytes.size())
         return false;
-    while (device().bytesToWrite() > 0) {
-        if (!device().waitForBytesWritten(sendTimeoutMs))
+    while (device.bytesToWrite() > 0) {
+        if (!device.waitForBytesWritten(sendTimeoutMs))
             return false;
     }
     return true;
+}
+
+}  // namespace
+
+// What takes no bytes is gone: a port that hung up reads as silence and stays open in name.
+bool DeviceLink::send(const QByteArray& bytes)
+{
+    const bool sent = isOpen() && writeAll(device(), bytes);
+    if (!sent)
+        device().close();
+    return sent;
 }
 
 QByteArray DeviceLink::receive(int timeoutMs)

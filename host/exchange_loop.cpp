@@ -75,11 +75,13 @@ void ExchangeLoop::sendAndReceive(Exchange& exchange)
     exchange.reply = receive(exchange.frame.replyLength);
     exchange.responseUs = elapsedUs() - sentUs;
     exchange.verdict = judgeReply(exchange.frame, exchange.reply);
-    if (exchange.verdict == ReplyVerdict::Good)
+    if (exchange.verdict == ReplyVerdict::Good) {
         m_timeout.answered(exchange.responseUs);
-    else if (m_link.isOpen())
+        return;
+    }
+    if (m_link.isOpen())
         settle(exchange);
-    else
+    if (!m_link.isOpen())  // perhaps told by the ENQ only
         exchange.verdict = ReplyVerdict::LinkLost;
 }
 
