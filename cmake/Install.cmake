@@ -43,9 +43,10 @@ install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT dev)
 if(TARGET fxhost)
     install(TARGETS fxhost fxsim RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
     foreach(manual host/fxhost.1 simulator/fxsim.1)
-        if(EXISTS ${PROJECT_SOURCE_DIR}/${manual})
-            install(FILES ${manual} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
-        endif()
+        get_filename_component(name ${manual} NAME)
+        configure_file(${manual} ${PROJECT_BINARY_DIR}/man/${name} @ONLY)  # the version in its foot
+        install(FILES ${PROJECT_BINARY_DIR}/man/${name}
+            DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
     endforeach()
     install(DIRECTORY packaging/completion/ COMPONENT tools
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)

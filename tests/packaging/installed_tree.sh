@@ -3,7 +3,8 @@
 # SPDX-License-Identifier: MIT
 #
 # Installs into an empty folder, moves that folder, and uses it there as a host programmer would:
-# builds the installed examples against it by CMake and by pkg-config and runs them.
+# builds the installed examples and the code of the installed host guide against it, by CMake and by
+# pkg-config, and runs them.
 
 source "$(dirname "$0")/support.sh"
 
@@ -11,19 +12,31 @@ quietly "$FX_CMAKE" --install "$FX_BUILD" --prefix "$work/first place"
 mkdir "$work/elsewhere"
 mv "$work/first place" "$work/elsewhere/moved"
 prefix=$work/elsewhere/moved
-examples=$prefix/share/doc/mitsubishi_fx1s/examples
+documents=$prefix/share/doc/mitsubishi_fx1s
+examples=$documents/examples
 
 for place in "first place" "$FX_SOURCE" "$FX_BUILD"; do
     found=$(grep -rlI -- "$place" "$prefix" || true)
     [ -z "$found" ] || fail "'$place' stands in the installed $found"
 done
-for file in "$prefix/$FX_LIBDIR/libmitsubishi_fx1s.so.0" "$prefix/bin/fxhost" "$prefix/bin/fxsim"; do
+objects=("$prefix/$FX_LIBDIR/libmitsubishi_fx1s.so.0")
+! has_tools || objects+=("$prefix/bin/fxhost" "$prefix/bin/fxsim")
+for file in "${objects[@]}"; do
     readelf -d "$file" >"$work/dynamic"
     ! grep -E 'R(UN)?PATH' "$work/dynamic" || fail "$file looks for libraries at a fixed place"
 done
 
-expect_text "fxhost" "32CV" "$prefix/bin/fxhost" types
-start_simulator "$prefix/bin/fxsim"
+# The documents that are installed lead to one another and to nothing that stayed behind.
+grep -oE '\]\([^)#]+' -r "$documents" --include='*.md' | sed 's/](//' >"$work/links"
+[ -s "$work/links" ] || fail "no document is installed that has a link"
+while IFS=: read -r document target; do
+    [ -e "$(dirname "$document")/$target" ] || fail "$document: there is no $target"
+done <"$work/links"
+
+if has_tools; then
+    expect_text "fxhost" "32CV" "$prefix/bin/fxhost" types
+    start_simulator "$prefix/bin/fxsim"
+fi
 
 quietly "$FX_CMAKE" -S "$examples" -B "$work/by_cmake" -DCMAKE_PREFIX_PATH="$prefix" \
     -DCMAKE_CXX_COMPILER="$FX_CXX"
@@ -31,6 +44,19 @@ grep -q "mitsubishi_fx1s_DIR:PATH=$prefix/" "$work/by_cmake/CMakeCache.txt" ||
     fail "another mitsubishi_fx1s was found than the installed one"
 quietly "$FX_CMAKE" --build "$work/by_cmake"
 run_examples "$work/by_cmake"
+
+# blocks LANGUAGE: the code of the guide in that language.
+blocks() {
+    sed -n "/^\`\`\`$1\$/,/^\`\`\`\$/{/^\`\`\`/d;p}" "$documents/docs/host-guide.md"
+}
+
+mkdir "$work/panel"
+blocks cmake >"$work/panel/CMakeLists.txt"
+{ blocks cpp; cat "$FX_SOURCE/tests/packaging/rest_of_panel.cpp"; } >"$work/panel/panel.cpp"
+quietly "$FX_CMAKE" -S "$work/panel" -B "$work/panel/build" -DCMAKE_PREFIX_PATH="$prefix" \
+    -DCMAKE_CXX_COMPILER="$FX_CXX" -DCMAKE_CXX_FLAGS="-Wall -Wextra -Werror"
+quietly "$FX_CMAKE" --build "$work/panel/build"
+expect_text "the code of the host guide" "all as the guide says" "$work/panel/build/panel"
 
 mkdir "$work/by_pkg_config"
 export PKG_CONFIG_PATH=$prefix/$FX_LIBDIR/pkgconfig
@@ -43,4 +69,4 @@ done
 export LD_LIBRARY_PATH=$prefix/$FX_LIBDIR
 run_examples "$work/by_pkg_config"
 
-stop_simulator
+! has_tools || stop_simulator

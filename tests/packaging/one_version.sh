@@ -13,9 +13,19 @@ newest=$(sed -n 's/^## \([0-9.]*\).*/\1/p' "$FX_SOURCE/CHANGELOG.md" | head -n 1
 library=$FX_BUILD/libmitsubishi_fx1s.so
 [ "$(basename "$(readlink -f "$library")")" = "libmitsubishi_fx1s.so.$FX_VERSION" ] ||
     fail "$library leads to $(readlink -f "$library")"
-for file in "$library" "$FX_BUILD/bin/fxhost" "$FX_BUILD/bin/fxsim"; do
-    expect_text "note of $file" "\"version\":\"$FX_VERSION\"" readelf --notes "$file"
-done
+expect_text "note of $library" "\"version\":\"$FX_VERSION\"" readelf --notes "$library"
 
-expect_text "fxhost" "fxhost $FX_VERSION" "$FX_BUILD/bin/fxhost" --version
-expect_text "fxsim" "fxsim $FX_VERSION" "$FX_BUILD/bin/fxsim" --version
+# The documents and examples ask for the version from which the interface is what they say.
+grep -rhoE 'find_package\(mitsubishi_fx1s [0-9.]+' "$FX_SOURCE/docs" "$FX_SOURCE/examples" |
+    sort -u >"$work/asked"
+[ "$(cat "$work/asked")" = "find_package(mitsubishi_fx1s ${FX_VERSION%.*}" ] ||
+    fail "another version is asked for: $(cat "$work/asked")"
+
+has_tools || exit 0
+for tool in fxhost fxsim; do
+    program=$FX_BUILD/bin/$tool
+    expect_text "note of $program" "\"version\":\"$FX_VERSION\"" readelf --notes "$program"
+    expect_text "$tool" "$tool $FX_VERSION" "$program" --version
+    grep -q "^\.TH .*\"mitsubishi_fx1s $FX_VERSION\"" "$FX_BUILD/man/$tool.1" ||
+        fail "the manual of $tool is of another version"
+done
