@@ -71,4 +71,14 @@ expect 0 "the page fits the header" scripts/entry-points --check <<<''
 sed -i 's/Gives it/Gives more/' "$project/driver/intf.h"
 expect 1 "the header has changed" scripts/entry-points --check <<<''
 
+# expect_drawing RESULT STORY: the inside of the drawing is on standard input.
+expect_drawing() {
+    { echo '<svg xmlns="http://www.w3.org/2000/svg">'; cat; echo '</svg>'; } >"$project/docs/road.svg"
+    expect "$1" "$2" scripts/check-docs drawings <<<'![a road](docs/road.svg)'
+}
+expect_drawing 0 "a drawing of what there is" <<<'<text>docs/: intf_give</text>'
+expect_drawing 1 "a folder that is gone" <<<'<text>plan/</text>'
+expect_drawing 1 "an entry point that is gone" <<<'<text>intf_take: 1</text>'
+expect_drawing 1 "half a drawing" <<<'<text>'
+
 [ "$failures" -eq 0 ] || exit 1
