@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// The limits by which requests are cut, for every word limit that a property string can bring.
+// The limits by which requests are cut, for every word limit that a property string can bring, and
+// how much of a long run one call serves.
 
 #include "tests/support/driver_fixture.h"
 
@@ -48,5 +49,22 @@ TEST_F(DriverTest, HugeLimitStaysPositiveForWordsAndBits)
     setUpDriver("1#0#0#3#2147483647");
     EXPECT_GE(wordsPerRequest(), 65536);
     EXPECT_GE(bitsPerRequest(), 65536);
+}
+
+TEST(ServedCount, NoneBelowOneAndAtMost65536)
+{
+    EXPECT_EQ(0, servedCount(0, -2147483647 - 1));
+    EXPECT_EQ(0, servedCount(0, 0));
+    EXPECT_EQ(1, servedCount(0, 1));
+    EXPECT_EQ(65536, servedCount(-1, 65536));
+    EXPECT_EQ(65536, servedCount(0, 65537));
+    EXPECT_EQ(65536, servedCount(-2147483647 - 1, 2147483647));
+}
+
+TEST(ServedCount, EndsAtTheLargestNumber)
+{
+    EXPECT_EQ(1, servedCount(2147483647, 2147483647));
+    EXPECT_EQ(2, servedCount(2147483646, 3));
+    EXPECT_EQ(65535, servedCount(2147483647 - 65534, 65536));
 }
 }  // namespace
