@@ -28,6 +28,7 @@ public:
     void timedOut();
 
     int milliseconds() const;
+    const TimeoutLimits& limits() const { return m_limits; }
     qint64 typicalResponseUs() const { return m_smoothedUs; }  // 0: nothing was answered yet
 
 private:

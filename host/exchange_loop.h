@@ -38,6 +38,9 @@ public:
     // Called after each exchange, with everything that is known about it.
     std::function<void(const Exchange&)> onExchange;
 
+    // Called where rounds are made when the link was lost: true when it is open again.
+    std::function<bool()> onLinkLost;
+
     ExchangeLoop(DriverSession& session, Link& link, const LoopSettings& settings = {});
 
     // Nothing when the driver has nothing to send.

@@ -58,6 +58,25 @@ void applyLine(const QString& text, const QString& line, LineSettings& settings)
                                                      : QSerialPort::NoParity;
 }
 
+void applyParity(const QString& text, const QString& parity, LineSettings& settings)
+{
+    struct Row
+    {
+        const char* name;
+        QSerialPort::Parity parity;
+    };
+    static constexpr Row rows[] = {{"even", QSerialPort::EvenParity},
+                                   {"odd", QSerialPort::OddParity},
+                                   {"none", QSerialPort::NoParity}};
+    for (const Row& row : rows) {
+        if (parity.toLower() == QLatin1String(row.name)) {
+            settings.parity = row.parity;
+            return;
+        }
+    }
+    reject(text, QStringLiteral("the parity is even, odd or none"));
+}
+
 std::unique_ptr<Link> makeSerial(const QString& text, const QString& rest)
 {
     const QString path = rest.section('?', 0, 0);
@@ -68,7 +87,9 @@ std::unique_ptr<Link> makeSerial(const QString& text, const QString& rest)
     settings.baud = baudOf(text, query, settings.baud);
     if (query.hasQueryItem(QStringLiteral("line")))
         applyLine(text, query.queryItemValue(QStringLiteral("line")), settings);
-    allowSettings(text, query, {"baud", "line"});
+    if (query.hasQueryItem(QStringLiteral("parity")))
+        applyParity(text, query.queryItemValue(QStringLiteral("parity")), settings);
+    allowSettings(text, query, {"baud", "line", "parity"});
     return std::make_unique<SerialLink>(path, settings);
 }
 
@@ -90,10 +111,14 @@ std::unique_ptr<Link> makeSim(const QString& text, const QString& rest)
 std::unique_ptr<Link> makeTcp(const QString& text, const QString& rest)
 {
     static const QRegularExpression pattern(QStringLiteral("^(\\[[^]]+\\]|[^:]+)(?::(\\d+))?$"));
-    const QRegularExpressionMatch match = pattern.match(rest);
+    const QRegularExpressionMatch match = pattern.match(rest.section('?', 0, 0));
     if (!match.hasMatch())
         reject(text, QStringLiteral("write tcp:HOST or tcp:HOST:PORT"));
-    const int port = match.captured(2).isEmpty() ? defaultPort : match.captured(2).toInt();
+    const QUrlQuery query(rest.section('?', 1));
+    allowSettings(text, query, {"port"});
+    const QString asked = query.queryItemValue(QStringLiteral("port"));
+    const QString portText = asked.isEmpty() ? match.captured(2) : asked;
+    const int port = portText.isEmpty() ? defaultPort : portText.toInt();
     if (port < 1 || port > 65535)
         reject(text, QStringLiteral("the port is a number from 1 to 65535"));
     return std::make_unique<TcpLink>(match.captured(1).remove('[').remove(']'),

@@ -5,9 +5,9 @@
 //
 //   sim:                                 a simulated PLC inside, the default; sim:?baud=9600
 //                                        at the speed of a line, &faults=silence=0.05 as a bad one
-//   serial:/dev/ttyUSB0?baud=9600        a serial port, 7E1 unless &line=8N1 or the like says else
-//   pty:/dev/pts/4  pty:PATH             a pseudo-terminal
-//   tcp:HOST:PORT                        a serial server; port 8888 unless said
+//   serial:/dev/ttyUSB0?baud=9600        a serial port, 7E1 unless &line=8N1 or &parity=odd says
+//   else pty:/dev/pts/4  pty:PATH             a pseudo-terminal tcp:HOST:PORT   tcp:HOST?port=PORT
+//   a serial server; port 8888 unless said
 
 #pragma once
 

@@ -10,21 +10,43 @@
 #include "host/interrupt.h"
 #include "host/link_address.h"
 #include "host/register_file.h"
+#include "host/report/console.h"
 #include "host/values.h"
 
 #include <QCoreApplication>
 #include <QDebug>
 
+#include <cerrno>
+#include <cstring>
 #include <iostream>
 
 namespace {
 
 using namespace fxhost;
 
-int complain(const std::exception& error, ExitCode code)
+const char* const footer = R"(Examples:
+  fxhost read D0:4 X0:8 32CV200
+  fxhost write D100=5 M100=on D20=3.14 --verify
+  fxhost watch D0:4 TV0 --count 3 --interval 200
+  fxhost read --link 'sim:?baud=9600' -t D -r 100 -c 8 --json
+
+fxhost COMMAND --help tells more, and the manual page fxhost(1) all.)";
+
+int complainOf(const std::exception& error, ExitCode code)
 {
-    std::cerr << "fxhost: " << error.what() << '\n';
+    complain(QString::fromUtf8(error.what()));
     return static_cast<int>(code);
+}
+
+// What was printed is in the file or the pipe, or the command has not done its work.
+int outputWritten(int code)
+{
+    Console::settle();
+    std::cout.flush();
+    if (std::cout.good())
+        return code;
+    complain(QStringLiteral("standard output: ") + QString::fromLocal8Bit(std::strerror(errno)));
+    return static_cast<int>(ExitCode::File);
 }
 
 int runAction(const Action& action)
@@ -32,65 +54,28 @@ int runAction(const Action& action)
     try {
         return static_cast<int>(action());
     } catch (const AddressError& error) {
-        return complain(error, ExitCode::Usage);
+        return complainOf(error, ExitCode::Usage);
     } catch (const ValueError& error) {
-        return complain(error, ExitCode::Usage);
+        return complainOf(error, ExitCode::Usage);
     } catch (const UsageError& error) {
-        return complain(error, ExitCode::Usage);
+        return complainOf(error, ExitCode::Usage);
     } catch (const LinkAddressError& error) {
-        return complain(error, ExitCode::Usage);
+        return complainOf(error, ExitCode::Usage);
     } catch (const LinkError& error) {
-        return complain(error, ExitCode::LinkNotOpened);
+        return complainOf(error, ExitCode::LinkNotOpened);
     } catch (const LibraryError& error) {
-        return complain(error, ExitCode::File);
+        return complainOf(error, ExitCode::File);
     } catch (const FileError& error) {
-        return complain(error, ExitCode::File);
+        return complainOf(error, ExitCode::File);
     }
-}
-
-void addLinkOptions(CLI::App& app, CommonOptions& common)
-{
-    app.add_option("--link", common.link,
-                   "sim: (the default), serial:PATH?baud=9600, tcp:HOST:PORT or pty:PATH")
-        ->group("Link");
-    app.add_option("-b,--baud", common.baud, "Speed of a serial port, or of the simulator inside")
-        ->check(CLI::Range(50, 4000000))
-        ->group("Link");
-    app.add_option("--line", common.line, "Data bits, parity and stop bits of a serial port: 7E1")
-        ->group("Link");
-    app.add_option("-o,--timeout", common.timeoutMs,
-                   "Milliseconds to wait for an answer; without it the time adapts to the line")
-        ->check(CLI::Range(1, 60000))
-        ->group("Link");
-    app.add_option("--retries", common.retries, "How often a frame is sent again")
-        ->capture_default_str()
-        ->check(CLI::Range(0, 100))
-        ->group("Link");
-    app.add_option("--words", common.wordsPerFrame, "Words in one frame")
-        ->capture_default_str()
-        ->check(CLI::Range(1, 253))
-        ->group("Link");
-}
-
-void addOutputOptions(CLI::App& app, CommonOptions& common)
-{
-    OutputOptions& output = common.output;
-    app.add_flag_callback(
-           "--json", [&output] { output.mode = OutputMode::Json; }, "JSON")
-        ->group("Output");
-    app.add_flag_callback(
-           "--csv", [&output] { output.mode = OutputMode::Csv; }, "CSV")
-        ->group("Output");
-    app.add_flag("--timestamps", output.timestamps, "The time in front of everything")
-        ->group("Output");
-    app.add_flag("-q,--quiet", output.quiet, "No titles and no closing words")->group("Output");
 }
 
 void addCommands(CLI::App& app, CommonOptions& common, Action& action)
 {
     app.require_subcommand(1);
     app.fallthrough();
-    app.add_option("--library", common.library, "The driver library; else FX_DRIVER or nearby");
+    app.add_option("--library", common.library, "The driver library; else FX_DRIVER or nearby")
+        ->type_name("FILE");
     addLinkOptions(app, common);
     addOutputOptions(app, common);
     addTypesCommand(app, common, action);
@@ -117,14 +102,19 @@ int runCommandLine(int argumentCount, char** arguments)
     Action action;
     CLI::App app("Reference host and poller for FX-series programmable controllers", "fxhost");
     app.set_version_flag("--version", "fxhost " FX_VERSION);
+    app.set_help_all_flag("--help-all", "Print the help of every command and exit");
+    app.footer(footer);
     addCommands(app, common, action);
     try {
         app.parse(argumentCount, arguments);
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? 0 : static_cast<int>(ExitCode::Usage);
+        if (error.get_exit_code() == 0)
+            return outputWritten(app.exit(error));  // help and version
+        complain(QString::fromStdString(error.what()).simplified() + "; fxhost --help tells more");
+        return static_cast<int>(ExitCode::Usage);
     }
     catchInterrupts();
-    return runAction(action);
+    return outputWritten(runAction(action));
 }
 
 }  // namespace

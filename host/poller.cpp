@@ -50,7 +50,8 @@ void Poller::replan()
 bool Poller::poll()
 {
     m_problems.clear();
-    m_linkLost = false;
+    m_read.clear();
+    m_brokenOff.reset();
     for (const Aside& aside : m_aside)
         note(aside.range, aside.reason);
     const bool whole = pollPlan() && pollPieces() && askAsideAgain();
@@ -61,29 +62,49 @@ bool Poller::poll()
 bool Poller::pollPlan()
 {
     const Round round = pollCycle(m_loop, m_blocks);
-    m_linkLost = round.linkLost;
     QVector<RegisterRange> refused;
     for (const Exchange& exchange : round.ended) {
-        if (!exchange.hasFailed() || exchange.kind != ExchangeKind::CyclicRead)
-            continue;
-        const RegisterRange block = blockRange(m_catalogue, exchange.frame.variable);
-        note(block, exchange.verdict);
-        if (exchange.verdict == ReplyVerdict::Refused)
-            refused.append(block);
+        if (exchange.kind == ExchangeKind::CyclicRead)
+            noteBlock(exchange, refused);
     }
-    for (const RegisterRange& block : refused)
-        halve(block);
-    return !m_linkLost;
+    if (round.linkLost)
+        m_brokenOff = ReplyVerdict::LinkLost;
+    else if (round.ended.size() < m_blocks)
+        m_brokenOff = ReplyVerdict::Silence;
+    for (int block = 0; block < refused.size() && !linkLost(); ++block)
+        halve(refused[block]);
+    return !linkLost();
+}
+
+void Poller::noteBlock(const Exchange& exchange, QVector<RegisterRange>& refused)
+{
+    const RegisterRange block = blockRange(m_catalogue, exchange.frame.variable);
+    if (!exchange.hasFailed()) {
+        m_read.append(block);
+        return;
+    }
+    note(block, exchange.verdict);
+    if (exchange.verdict == ReplyVerdict::Refused)
+        refused.append(block);
 }
 
 bool Poller::pollPieces()
 {
-    for (const RegisterRange& piece : m_pieces) {
+    const QVector<RegisterRange> pieces = m_pieces;
+    m_pieces.clear();
+    for (const RegisterRange& piece : pieces) {
         const ReplyVerdict verdict = readPiece(piece);
-        if (verdict != ReplyVerdict::Good)
-            note(piece, verdict);
-        if (m_linkLost)
+        if (linkLost())
             return false;
+        if (verdict == ReplyVerdict::Refused) {
+            readOrHalve(piece);  // what was good before has lost a part
+            continue;
+        }
+        m_pieces.append(piece);
+        if (verdict == ReplyVerdict::Good)
+            m_read.append(piece);
+        else
+            note(piece, verdict);
     }
     return true;
 }
@@ -95,7 +116,7 @@ bool Poller::askAsideAgain()
     QVector<Aside> stillAside;
     for (const Aside& aside : m_aside) {
         const ReplyVerdict verdict = readPiece(aside.range);
-        if (m_linkLost)
+        if (linkLost())
             return false;
         if (verdict == ReplyVerdict::Good)
             m_pieces.append(aside.range);
@@ -143,10 +164,11 @@ void Poller::halve(const RegisterRange& block)
 void Poller::readOrHalve(const RegisterRange& piece)
 {
     const ReplyVerdict verdict = readPiece(piece);
-    if (m_linkLost || interrupted())
+    if (linkLost() || interrupted())
         return;
     if (verdict == ReplyVerdict::Good) {
         m_pieces.append(piece);
+        m_read.append(piece);
         for (int index = 0; index < piece.count; ++index)
             m_problems.remove(piece.nameOf(index));
     } else if (piece.count <= smallestCount(piece.type)) {
@@ -162,8 +184,14 @@ void Poller::readOrHalve(const RegisterRange& piece)
 ReplyVerdict Poller::readPiece(const RegisterRange& piece)
 {
     const ReplyVerdict verdict = readOnce(m_loop, piece);
-    m_linkLost = verdict == ReplyVerdict::LinkLost;
+    if (verdict == ReplyVerdict::LinkLost)
+        m_brokenOff = verdict;
     return verdict;
+}
+
+bool Poller::linkLost() const
+{
+    return m_brokenOff == ReplyVerdict::LinkLost;
 }
 
 void Poller::note(const RegisterRange& range, ReplyVerdict verdict)
@@ -180,9 +208,15 @@ QVector<quint32> Poller::values(const RegisterRange& range) const
 std::optional<ReplyVerdict> Poller::problemOf(const RegisterRange& range, int index) const
 {
     const auto found = m_problems.constFind(range.nameOf(index));
-    if (found == m_problems.constEnd())
-        return m_linkLost ? std::optional(ReplyVerdict::LinkLost) : std::nullopt;
-    return *found;
+    if (found != m_problems.constEnd())
+        return *found;
+    if (!m_brokenOff)
+        return std::nullopt;
+    const RegisterRange one = range.part(index, 1);
+    const bool wasRead =
+        std::any_of(m_read.begin(), m_read.end(),
+                    [&one](const RegisterRange& block) { return isInside(one, block); });
+    return wasRead ? std::nullopt : m_brokenOff;
 }
 
 }  // namespace fxhost

@@ -20,11 +20,14 @@ public:
     Poller(ExchangeLoop& loop, const RegisterCatalogue& catalogue,
            const QVector<RegisterRange>& ranges);
 
-    // One cycle. False when the link was lost or the user wants an end.
+    // One cycle. False when the link was lost for good or the user wants an end.
     bool poll();
 
     const QVector<RegisterRange>& ranges() const { return m_ranges; }
     QVector<quint32> values(const RegisterRange& range) const;
+
+    // True when the last cycle ended before everything was asked for.
+    bool brokeOff() const { return m_brokenOff.has_value(); }
 
     // Why a register was not read in the last cycle; nothing if it was.
     std::optional<ReplyVerdict> problemOf(const RegisterRange& range, int index) const;
@@ -40,12 +43,14 @@ private:
 
     void planEverything();
     void replan();
+    bool linkLost() const;
     bool pollPlan();
     bool pollPieces();
     bool askAsideAgain();
     void halve(const RegisterRange& block);
     void readOrHalve(const RegisterRange& piece);
     void note(const RegisterRange& range, ReplyVerdict verdict);
+    void noteBlock(const Exchange& exchange, QVector<RegisterRange>& refused);
     ReplyVerdict readPiece(const RegisterRange& piece);
 
     ExchangeLoop& m_loop;
@@ -55,9 +60,10 @@ private:
     QVector<RegisterRange> m_pieces;   // good parts of refused blocks
     QVector<Aside> m_aside;
     QHash<QString, ReplyVerdict> m_problems;  // by the register's name
+    QVector<RegisterRange> m_read;            // in this cycle, without a problem
+    std::optional<ReplyVerdict> m_brokenOff;  // why the cycle ended before all was asked for
     int m_blocks = 0;
     int m_cycle = 0;
-    bool m_linkLost = false;
 };
 
 }  // namespace fxhost

@@ -20,6 +20,12 @@ int endedOfKind(const Round& round, ExchangeKind kind)
                       [kind](const Exchange& exchange) { return exchange.kind == kind; }));
 }
 
+bool isDead(const ExchangeLoop& loop, const Round& round)
+{
+    return !round.ended.isEmpty() && round.ended.last().verdict == ReplyVerdict::Silence &&
+           loop.statistics().total().accepted == 0;
+}
+
 // The driver holds 513 writes at most and overwrites the last of them silently.
 constexpr int mostQueuedFrames = 256;
 
@@ -31,20 +37,44 @@ int framesFor(const RegisterRange& range, int wordsPerFrame)
     return (words + wordsPerFrame - 1) / wordsPerFrame;
 }
 
-void noteWrites(const Round& round, WriteOutcome& outcome)
+// The registers of `whole` that one frame writes. Counters take two words each.
+RegisterRange writtenBy(const Exchange& exchange, const RegisterRange& whole)
 {
-    for (const Exchange& exchange : round.ended) {
-        if (exchange.kind != ExchangeKind::Write)
-            continue;
-        outcome.acknowledged += !exchange.hasFailed();
-        if (exchange.hasFailed() && !outcome.problem)
-            outcome.problem = exchange.verdict;
-    }
+    const VARIABLE& request = exchange.frame.variable;
+    const int registers =
+        whole.type.isBit() ? 1 : std::max(request.count / whole.type.driverCount(1), 1);
+    return whole.part(request.addressIndex - whole.first, registers);
+}
+
+void noteWrite(const Exchange& exchange, const RegisterRange& whole, WriteOutcome& outcome)
+{
+    if (exchange.kind != ExchangeKind::Write)
+        return;
+    const RegisterRange written = writtenBy(exchange, whole);
+    if (exchange.answer == DriverAnswer::Accepted)
+        outcome.acknowledged.append(written);
+    else if (exchange.verdict != ReplyVerdict::Refused)
+        outcome.uncertain.append(written);
+    if (exchange.answer != DriverAnswer::Accepted && !outcome.problem)
+        outcome.problem = exchange.verdict;
+}
+
+void noteWrites(const Round& round, const RegisterRange& whole, WriteOutcome& outcome)
+{
+    for (const Exchange& exchange : round.ended)
+        noteWrite(exchange, whole, outcome);
+    if (round.inFlight)
+        noteWrite(*round.inFlight, whole, outcome);
 }
 
 bool hasFailed(const Exchange& exchange, ExchangeKind kind)
 {
     return exchange.kind == kind && exchange.hasFailed();
+}
+
+bool reconnected(const ExchangeLoop& loop)
+{
+    return loop.onLinkLost && loop.onLinkLost();
 }
 
 ReplyVerdict readPortion(ExchangeLoop& loop, const RegisterRange& range)
@@ -85,19 +115,23 @@ Round runUntil(ExchangeLoop& loop, const Enough& enough)
         const std::optional<Exchange> exchange = loop.step();
         if (!exchange)
             break;
-        round.linkLost = exchange->verdict == ReplyVerdict::LinkLost;
-        if (round.linkLost)
-            break;
+        round.inFlight.reset();
         if (exchange->hasEnded())
             round.ended.append(*exchange);
+        else
+            round.inFlight = exchange;
+        if (exchange->verdict == ReplyVerdict::LinkLost && !reconnected(loop)) {
+            round.linkLost = true;
+            break;
+        }
     }
     return round;
 }
 
 Round pollCycle(ExchangeLoop& loop, int blocks)
 {
-    return runUntil(loop, [blocks](const Round& round) {
-        return endedOfKind(round, ExchangeKind::CyclicRead) >= blocks;
+    return runUntil(loop, [&loop, blocks](const Round& round) {
+        return endedOfKind(round, ExchangeKind::CyclicRead) >= blocks || isDead(loop, round);
     });
 }
 
@@ -133,8 +167,8 @@ WriteOutcome writeRegisters(ExchangeLoop& loop, const RegisterRange& range,
         loop.session().write(range.part(done, count), values.mid(done, count));
         const int frames = framesFor(range.part(done, count), wordsPerFrame);
         outcome.frames += frames;
-        noteWrites(flushWrites(loop, frames), outcome);
-        if (outcome.isGood() && outcome.acknowledged < outcome.frames)
+        noteWrites(flushWrites(loop, frames), range, outcome);
+        if (outcome.isGood() && outcome.acknowledged.size() < outcome.frames)
             outcome.problem = ReplyVerdict::LinkLost;
     }
     return outcome;

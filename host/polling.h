@@ -13,8 +13,9 @@ namespace fxhost {
 // What became of the exchanges of one round.
 struct Round
 {
-    QVector<Exchange> ended;  // in their order, accepted or failed
-    bool linkLost = false;
+    QVector<Exchange> ended;           // in their order, accepted or failed
+    std::optional<Exchange> inFlight;  // sent, and neither accepted nor given up at the end
+    bool linkLost = false;             // and it did not come back
 
     bool allGood() const;
     int failed() const;
@@ -22,10 +23,12 @@ struct Round
 
 using Enough = std::function<bool(const Round&)>;
 
-// Steps until `enough` says so, the link is lost, the user interrupts or there is nothing to send.
+// Steps until `enough` says so, the link is lost for good, the user interrupts or there is nothing
+// to send.
 Round runUntil(ExchangeLoop& loop, const Enough& enough);
 
-// Until each of the plan's blocks was read once, whatever else went out in between.
+// Until each of the plan's blocks was read once, whatever else went out in between. A PLC that has
+// never answered is not asked for the rest when it is silent about one.
 Round pollCycle(ExchangeLoop& loop, int blocks);
 
 // Until `writes` host writes have ended. Needs a plan: without one the driver sends three at most.
@@ -39,7 +42,8 @@ ReplyVerdict readOnce(ExchangeLoop& loop, const RegisterRange& range);
 struct WriteOutcome
 {
     int frames = 0;
-    int acknowledged = 0;
+    QVector<RegisterRange> acknowledged;
+    QVector<RegisterRange> uncertain;     // sent without a clear answer: they may have arrived
     std::optional<ReplyVerdict> problem;  // of the first frame that failed, or was not sent
 
     bool isGood() const { return !problem; }

@@ -10,12 +10,15 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QRegularExpression>
 
 namespace fxhost {
 
 namespace {
 
 constexpr int formatVersion = 1;
+constexpr int failLimitField = 3;  // of the property string
+constexpr int wordsField = 4;
 
 [[noreturn]] void reject(const QFile& file, int line, const QString& reason)
 {
@@ -28,13 +31,40 @@ QJsonObject nextObject(QFile& file, int line)
     QJsonParseError error;
     const QJsonDocument document = QJsonDocument::fromJson(file.readLine(), &error);
     if (!document.isObject())
-        reject(file, line, "no JSON object: " + error.errorString());
+        reject(file, line,
+               "no JSON object: " + (document.isNull() ? error.errorString() : "something else"));
     return document.object();
 }
 
-QByteArray bytesIn(const QJsonObject& object, const char* key)
+// A member that must be there, of one kind.
+QJsonValue member(const QFile& file, int line, const QJsonObject& object, const char* key,
+                  QJsonValue::Type type)
 {
-    return QByteArray::fromHex(object.value(QLatin1String(key)).toString().toLatin1());
+    const QJsonValue value = object.value(QLatin1String(key));
+    if (value.type() != type)
+        reject(file, line,
+               QStringLiteral("\"%1\" is missing, or of another kind").arg(QLatin1String(key)));
+    return value;
+}
+
+QByteArray bytesIn(const QFile& file, int line, const QJsonObject& object, const char* key)
+{
+    static const QRegularExpression pairs(QStringLiteral("^([0-9a-fA-F]{2})*$"));
+    const QString text = member(file, line, object, key, QJsonValue::String).toString();
+    if (!pairs.match(text).hasMatch())
+        reject(file, line,
+               QStringLiteral("\"%1\" is no row of hexadecimal bytes").arg(QLatin1String(key)));
+    return QByteArray::fromHex(text.toLatin1());
+}
+
+// "LINK#KIND#...#FAIL LIMIT#WORDS", as the driver was set up.
+void readProperty(const QFile& file, const QString& property, Recording& recording)
+{
+    const QStringList fields = property.split('#');
+    recording.failLimit = fields.value(failLimitField).toInt();
+    recording.wordsPerFrame = fields.value(wordsField).toInt();
+    if (recording.failLimit < 1 || recording.wordsPerFrame < 1)
+        reject(file, 1, QStringLiteral("\"property\" is not like 1#0#0#3#32: ") + property);
 }
 
 QString hex(const QByteArray& bytes)
@@ -80,15 +110,16 @@ Recording readRecording(const QString& path)
     if (head.value("fxhost").toInt() != formatVersion)
         reject(file, 1, QStringLiteral("this is no recording of fxhost"));
     Recording recording;
-    recording.property = head.value("property").toString();
+    readProperty(file, head.value("property").toString(), recording);
     const QJsonArray addresses = head.value("addresses").toArray();
     for (const auto address : addresses)
         recording.addresses += address.toString();
     for (int line = 2; !file.atEnd(); ++line) {
         const QJsonObject object = nextObject(file, line);
-        recording.exchanges.append({line, bytesIn(object, "sent"), bytesIn(object, "handed"),
-                                    object.value("answer").toInt(),
-                                    object.value("text").toString()});
+        recording.exchanges.append(
+            {line, bytesIn(file, line, object, "sent"), bytesIn(file, line, object, "handed"),
+             member(file, line, object, "answer", QJsonValue::Double).toInt(),
+             member(file, line, object, "text", QJsonValue::String).toString()});
     }
     return recording;
 }

@@ -31,7 +31,8 @@ struct RecordedExchange
 
 struct Recording
 {
-    QString property;
+    int failLimit = 0;
+    int wordsPerFrame = 0;
     QStringList addresses;
     QVector<RecordedExchange> exchanges;
 };

@@ -80,31 +80,70 @@ QVector<RegisterRun> readRegisterFile(const QString& path, const RegisterCatalog
     return runs;
 }
 
-RegisterFileWriter::RegisterFileWriter(const QString& path, Mode mode) : m_file(path)
+void checkWritable(const QString& path, const QVector<RegisterRun>& runs)
 {
-    const QIODevice::OpenMode how =
-        mode == Mode::Append ? QIODevice::Append : QIODevice::WriteOnly | QIODevice::Truncate;
-    if (!m_file.open(how | QIODevice::Text))
-        throw FileError((path + ": " + m_file.errorString()).toStdString());
-    if (m_file.size() == 0)
-        put(titleLine);
+    if (runs.isEmpty())
+        throw FileError((path + ": there is no register in it").toStdString());
+    for (const RegisterRun& run : runs) {
+        if (!run.range.type.writable) {
+            throw FileError(
+                (path + ": " + run.range.text() + " cannot be written; take it out").toStdString());
+        }
+    }
+}
+
+RegisterFileWriter::RegisterFileWriter(const QString& path, Mode mode) : m_file(path), m_mode(mode)
+{
+    // Opening to append changes nothing yet, and shows whether it will be possible.
+    if (!m_file.open(QIODevice::ReadWrite | QIODevice::Append))
+        fail();
+    if (mode == Mode::Replace)
+        return;
+    // A line that broke off must not be taken for a whole one.
+    m_file.seek(0);
+    if (!m_file.resize(m_file.readAll().lastIndexOf('\n') + 1))
+        fail();
 }
 
 void RegisterFileWriter::add(const QString& address, quint32 value)
 {
+    begin();
     put(QStringLiteral("%1,%2").arg(address).arg(value));
 }
 
 void RegisterFileWriter::addComment(const QString& text)
 {
-    put("# " + text);
+    m_comments += "# " + text;
+}
+
+void RegisterFileWriter::finish()
+{
+    if (m_begun)
+        begin();
+}
+
+void RegisterFileWriter::begin()
+{
+    if (!m_begun && m_mode == Mode::Replace && !m_file.resize(0))
+        fail();
+    if (!m_begun && m_file.size() == 0)
+        put(titleLine);
+    m_begun = true;
+    for (const QString& comment : m_comments)
+        put(comment);
+    m_comments.clear();
 }
 
 void RegisterFileWriter::put(const QString& line)
 {
     const QByteArray bytes = line.toUtf8() + '\n';
     if (m_file.write(bytes) != bytes.size() || !m_file.flush())
-        throw FileError((m_file.fileName() + ": " + m_file.errorString()).toStdString());
+        fail();
+}
+
+void RegisterFileWriter::fail() const
+{
+    throw FileError((m_file.fileName() + ": " + m_file.errorString()).toStdString());
 }
 
 }  // namespace fxhost

@@ -30,25 +30,35 @@ struct RegisterRun
 QVector<RegisterRun> readRegisterFile(const QString& path, const RegisterCatalogue& catalogue,
                                       const DriverLibrary& library, int mostRegisters);
 
-// Writes such a file line by line, so that what was written survives an interruption.
+// Throws FileError when there are none, or one of them cannot be written.
+void checkWritable(const QString& path, const QVector<RegisterRun>& runs);
+
+// Writes such a file line by line, so that what was written survives an interruption. A file that
+// is to be replaced keeps what it held until there is a first value for it.
 class RegisterFileWriter
 {
 public:
     enum class Mode
     {
         Replace,
-        Append,
+        Append,  // behind the last whole line
     };
 
-    RegisterFileWriter(const QString& path, Mode mode);  // throws FileError
+    RegisterFileWriter(const QString& path, Mode mode);  // throws FileError, as all below
 
     void add(const QString& address, quint32 value);
-    void addComment(const QString& text);
+    void addComment(const QString& text);  // goes out with the next value, or at the end
+    void finish();
 
 private:
+    void begin();
     void put(const QString& line);
+    [[noreturn]] void fail() const;
 
     QFile m_file;
+    Mode m_mode;
+    bool m_begun = false;
+    QStringList m_comments;
 };
 
 }  // namespace fxhost

@@ -63,22 +63,39 @@ QVector<quint32> parseFloat(const QString& text, const RegisterType& type)
     bool isNumber = false;
     const float number = text.toFloat(&isNumber);
     if (!isNumber)
-        reject(text, QStringLiteral("is no number"));
+        reject(text, QStringLiteral("is no number, or none that a floating-point number can hold"));
     if (type.width != RegisterWidth::Word)
         reject(text, QStringLiteral("is a floating-point number; those go to words only"));
     return overTwoWords(bitsOf(number));
 }
 
-qint64 parseInteger(const QString& text)
+struct NumberText
+{
+    QString digits;
+    int base = 10;
+};
+
+NumberText withoutPrefix(const QString& text, ValueFormat format)
+{
+    if (text.startsWith(QLatin1String("0x"), Qt::CaseInsensitive))
+        return {text.mid(2), 16};
+    if (text.startsWith(QLatin1String("0b"), Qt::CaseInsensitive) && format != ValueFormat::Hex)
+        return {text.mid(2), 2};
+    if (format == ValueFormat::Hex)
+        return {text, 16};
+    return {text, format == ValueFormat::Binary ? 2 : 10};
+}
+
+qint64 parseInteger(const QString& text, ValueFormat format)
 {
     bool isNumber = false;
-    const bool isBinary = text.startsWith(QLatin1String("0b"), Qt::CaseInsensitive);
-    const bool isHex = text.startsWith(QLatin1String("0x"), Qt::CaseInsensitive);
-    const qint64 number = isBinary ? text.mid(2).toLongLong(&isNumber, 2)
-                                   : text.toLongLong(&isNumber, isHex ? 16 : 10);
+    const NumberText number = withoutPrefix(text, format);
+    const qint64 value = number.digits.toLongLong(&isNumber, number.base);
     if (!isNumber)
         reject(text, QStringLiteral("is no number; write 123, -5, 0x1F, 0b101 or 1.5"));
-    return number;
+    if (value < std::numeric_limits<qint32>::min() || value > std::numeric_limits<quint32>::max())
+        reject(text, QStringLiteral("does not fit 32 bits"));
+    return value;
 }
 
 bool isFloatText(const QString& text)
@@ -139,21 +156,21 @@ QString valueText(quint32 value, const RegisterType& type, ValueFormat format)
                                                          : static_cast<qint64>(value));
 }
 
-QVector<quint32> parseValue(const QString& text, const RegisterType& type)
+QVector<quint32> parseValue(const QString& text, const RegisterType& type, ValueFormat format)
 {
     if (type.isBit())
         return parseBit(text);
-    if (isFloatText(text))
+    const bool isPlain = format == ValueFormat::Unsigned || format == ValueFormat::Signed;
+    if (format == ValueFormat::Float || (isPlain && isFloatText(text)))
         return parseFloat(text, type);
-    const qint64 number = parseInteger(text);
-    if (number < std::numeric_limits<qint32>::min() || number > std::numeric_limits<quint32>::max())
-        reject(text, QStringLiteral("does not fit 32 bits"));
+    const qint64 number = parseInteger(text, format);
     const auto bits = static_cast<quint32>(number);
     if (type.width == RegisterWidth::DoubleWord)
         return {bits};
     const bool fitsWord =
         number >= std::numeric_limits<qint16>::min() && number <= qint64(wordMask);
-    return fitsWord ? QVector<quint32>{bits & wordMask} : overTwoWords(bits);
+    return fitsWord && format != ValueFormat::Long ? QVector<quint32>{bits & wordMask}
+                                                   : overTwoWords(bits);
 }
 
 QString bitsText(const QVector<quint32>& bits)

@@ -43,10 +43,11 @@ int registersPerValue(const RegisterType& type, ValueFormat format);
 QJsonValue valueOf(const quint32* registers, const RegisterType& type, ValueFormat format);
 QString valueText(quint32 value, const RegisterType& type, ValueFormat format);
 
-// The registers that a written value becomes. A number with a point or an exponent becomes a
-// floating-point number over two words, one too large for a word 32 bits over two.
-// Throws ValueError.
-QVector<quint32> parseValue(const QString& text, const RegisterType& type);
+// The registers that a written value becomes. Unless the format says more, a number with a point
+// or an exponent becomes a floating-point number over two words, one too large for a word 32 bits
+// over two. Throws ValueError.
+QVector<quint32> parseValue(const QString& text, const RegisterType& type,
+                            ValueFormat format = ValueFormat::Unsigned);
 
 // Bits side by side, the lowest number first, in groups of eight.
 QString bitsText(const QVector<quint32>& bits);

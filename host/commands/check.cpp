@@ -41,7 +41,10 @@ void addCheckCommand(CLI::App& app, const CommonOptions& common, Action& action)
 {
     CLI::App* command = app.add_subcommand("check", "Check addresses");
     const auto addresses = std::make_shared<Addresses>();
-    command->add_option("address", *addresses, "Addresses such as D100, X17 or M8000")->required();
+    command->add_option("address", *addresses, "Addresses such as D100, X17 or M8000")
+        ->type_name("")
+        ->required();
+    addExamples(*command, {"fxhost check D100 X17 M8000 2#TV5 CV200"});
     command->callback([&action, &common, addresses] {
         action = [&common, addresses] { return runCheck(common, *addresses); };
     });

@@ -33,14 +33,19 @@ enum class ExitCode
 struct CommonOptions
 {
     std::string library;
-    std::string link;   // empty: what the command takes unless told otherwise
-    int baud = 0;       // 0: the link's own
-    std::string line;   // empty: the link's own
-    int timeoutMs = 0;  // 0: adapts to the line
+    std::string link;     // empty: what the command takes unless told otherwise
+    int baud = 0;         // 0: the link's own
+    std::string line;     // empty: the link's own
+    std::string parity;   // empty: the link's own
+    int port = 0;         // 0: the link's own
+    int timeoutMs = 0;    // 0: adapts to the line
+    int reconnectS = -1;  // what the command takes unless told otherwise
     int retries = 2;
     int wordsPerFrame = 32;
     OutputOptions output;
 };
+
+constexpr int mostCycles = 1000000000;
 
 // A command line that parses but makes no sense; the text says what would.
 class UsageError : public std::runtime_error
@@ -51,6 +56,12 @@ public:
 
 // What is run once the whole command line was read and found good.
 using Action = std::function<ExitCode()>;
+
+void addLinkOptions(CLI::App& app, CommonOptions& common);
+void addOutputOptions(CLI::App& app, CommonOptions& common);
+
+// Examples below the help of a command; each runs as it stands.
+void addExamples(CLI::App& command, const std::vector<std::string>& examples);
 
 void addCheckCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addDemoCommand(CLI::App& app, const CommonOptions& common, Action& action);

@@ -13,27 +13,35 @@
 #include <QThread>
 
 #include <algorithm>
-#include <iostream>
 
 namespace fxhost {
 
 namespace {
 
+constexpr int boundedS = 30;
+constexpr int endless = -1;
 constexpr int shortestPauseMs = 100;
 constexpr int longestPauseMs = 5000;
 constexpr int napMs = 20;  // how soon an interrupt is noticed
 
+// The link with what the options say about it in front of its own settings: the first one counts.
 QString linkText(const CommonOptions& common, const QString& linkUnlessSaid)
 {
-    QString text = common.link.empty() ? linkUnlessSaid : QString::fromStdString(common.link);
+    const QString text = common.link.empty() ? linkUnlessSaid : QString::fromStdString(common.link);
     QStringList settings;
     if (common.baud > 0)
         settings += QStringLiteral("baud=%1").arg(common.baud);
     if (!common.line.empty())
         settings += QStringLiteral("line=") + QString::fromStdString(common.line);
+    if (!common.parity.empty())
+        settings += QStringLiteral("parity=") + QString::fromStdString(common.parity);
+    if (common.port > 0)
+        settings += QStringLiteral("port=%1").arg(common.port);
+    if (text.contains('?'))
+        settings += text.section('?', 1);
     if (settings.isEmpty())
         return text;
-    return text + (text.contains('?') ? '&' : '?') + settings.join('&');
+    return text.section('?', 0, 0) + '?' + settings.join('&');
 }
 
 LoopSettings loopSettings(const CommonOptions& common)
@@ -44,22 +52,37 @@ LoopSettings loopSettings(const CommonOptions& common)
     return settings;
 }
 
-void pauseFor(int timeMs)
+void pauseFor(qint64 timeMs)
 {
-    for (int left = timeMs; left > 0 && !interrupted(); left -= napMs)
+    for (qint64 left = timeMs; left > 0 && !interrupted(); left -= napMs)
         QThread::msleep(napMs);
+}
+
+// Jitter, so that many hosts do not come back in the same moment.
+int jittered(int pauseMs)
+{
+    return pauseMs / 2 + QRandomGenerator::global()->bounded(pauseMs);
 }
 
 }  // namespace
 
 Connection::Connection(const CommonOptions& common, const QString& linkUnlessSaid)
     : m_library(QString::fromStdString(common.library)), m_catalogue(m_library),
-      m_link(makeLink(linkText(common, linkUnlessSaid)))
+      m_link(makeLink(linkText(common, linkUnlessSaid))),
+      m_reconnectS(common.reconnectS < 0 ? boundedS : common.reconnectS),
+      m_reconnectIsGiven(common.reconnectS >= 0), m_timestamps(common.output.timestamps)
 {
     m_link->open();
     m_session = std::make_unique<DriverSession>(
         m_library, SessionSettings{common.retries + 1, common.wordsPerFrame});
     m_loop = std::make_unique<ExchangeLoop>(*m_session, *m_link, loopSettings(common));
+    m_loop->onLinkLost = [this] { return reconnect(); };
+}
+
+void Connection::waitForLinkWithoutEnd()
+{
+    if (!m_reconnectIsGiven)
+        m_reconnectS = endless;
 }
 
 QVector<RegisterRange> Connection::ranges(const std::vector<std::string>& addresses) const
@@ -70,24 +93,58 @@ QVector<RegisterRange> Connection::ranges(const std::vector<std::string>& addres
     return ranges;
 }
 
+// A link that comes back and breaks again before anything was answered has not been back: pauses
+// and patience go on where they were.
+void Connection::noteLoss()
+{
+    const qint64 answered = m_loop->statistics().total().accepted;
+    if (answered == m_answeredUntilLoss)
+        return;
+    m_answeredUntilLoss = answered;
+    m_lostSinceUs = m_loop->elapsedUs();
+    m_pauseMs = shortestPauseMs;
+}
+
+qint64 Connection::patienceLeftMs() const
+{
+    if (m_reconnectS == endless)
+        return longestPauseMs;
+    const qint64 goneMs = (m_loop->elapsedUs() - m_lostSinceUs) / 1000;
+    return qint64(1000) * m_reconnectS - goneMs;
+}
+
 bool Connection::reconnect()
 {
-    complain(m_link->name() + QStringLiteral(": the link was lost"));
-    for (int pauseMs = shortestPauseMs; !interrupted();
-         pauseMs = std::min(2 * pauseMs, longestPauseMs)) {
-        // Jitter, so that many hosts do not come back in the same moment.
-        pauseFor(pauseMs / 2 + QRandomGenerator::global()->bounded(pauseMs));
-        try {
-            m_link->open();
-        } catch (const LinkError&) {
-            continue;  // one line a change of state, not one a try
-        }
-        m_loop->resynchronise();
-        ++m_loop->statistics().reconnects;
-        complain(m_link->name() + QStringLiteral(": the link is back"));
-        return true;
+    noteLoss();
+    sayState(QStringLiteral("the link was lost"));
+    while (!interrupted() && patienceLeftMs() > 0) {
+        pauseFor(std::min<qint64>(jittered(m_pauseMs), patienceLeftMs()));
+        m_pauseMs = std::min(2 * m_pauseMs, longestPauseMs);
+        if (openAgain())
+            return true;
     }
+    if (!interrupted() && m_reconnectS > 0)
+        sayState(QStringLiteral("the link did not come back within %1 s").arg(m_reconnectS));
     return false;
+}
+
+bool Connection::openAgain()
+{
+    try {
+        m_link->open();
+    } catch (const LinkError&) {
+        return false;  // one line a change of state, not one a try
+    }
+    m_loop->resynchronise();
+    ++m_loop->statistics().reconnects;
+    sayState(QStringLiteral("the link is back"));
+    return true;
+}
+
+void Connection::sayState(const QString& text) const
+{
+    const QString time = m_timestamps ? timestamp() + "  " : QString();
+    complain(time + m_link->name() + ": " + text);
 }
 
 AddressServices::AddressServices(const CommonOptions& common)
@@ -105,9 +162,10 @@ ExitCode exitCodeOf(ReplyVerdict verdict)
     case ReplyVerdict::Good:
         return ExitCode::Good;
     case ReplyVerdict::Silence:
-    case ReplyVerdict::LinkLost:
     case ReplyVerdict::Late:
         return ExitCode::Silence;
+    case ReplyVerdict::LinkLost:
+        return ExitCode::LinkNotOpened;
     case ReplyVerdict::Refused:
         return ExitCode::Refused;
     case ReplyVerdict::Incomplete:
@@ -121,9 +179,20 @@ ExitCode exitCodeOf(ReplyVerdict verdict)
     return ExitCode::SomeFailed;
 }
 
-void complain(const QString& text)
+ExitCode exitCodeOf(const Statistics& statistics)
 {
-    std::cerr << "fxhost: " << text.toStdString() << std::endl;
+    const KindCounts total = statistics.total();
+    if (total.failed == 0)
+        return ExitCode::Good;
+    if (total.accepted > 0)
+        return ExitCode::SomeFailed;
+    auto worst = ReplyVerdict::Silence;
+    for (int index = 0; index < replyVerdicts; ++index) {
+        const auto verdict = static_cast<ReplyVerdict>(index);
+        if (statistics.of(verdict) > statistics.of(worst))
+            worst = verdict;
+    }
+    return exitCodeOf(worst);
 }
 
 }  // namespace fxhost

@@ -19,6 +19,8 @@ class Connection
 public:
     // Loads the library and opens the link; throws LibraryError, LinkAddressError or LinkError.
     explicit Connection(const CommonOptions& common, const QString& linkUnlessSaid = "sim:");
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
 
     const DriverLibrary& library() const { return m_library; }
     const RegisterCatalogue& catalogue() const { return m_catalogue; }
@@ -28,15 +30,29 @@ public:
 
     QVector<RegisterRange> ranges(const std::vector<std::string>& addresses) const;
 
-    // Opens a lost link again, with pauses that grow; false when the user wanted an end first.
-    bool reconnect();
+    // A lost link is opened again while the loop runs, with pauses that grow, for as long as the
+    // user said or half a minute. What was queued stays queued, and the frame in flight goes out
+    // again. A command that runs until it is stopped waits without end, unless told otherwise.
+    void waitForLinkWithoutEnd();
 
 private:
+    bool reconnect();
+    bool openAgain();
+    void noteLoss();
+    qint64 patienceLeftMs() const;
+    void sayState(const QString& text) const;
+
     DriverLibrary m_library;
     RegisterCatalogue m_catalogue;
     std::unique_ptr<Link> m_link;
     std::unique_ptr<DriverSession> m_session;
     std::unique_ptr<ExchangeLoop> m_loop;
+    int m_reconnectS;
+    bool m_reconnectIsGiven;
+    bool m_timestamps;
+    int m_pauseMs = 0;
+    qint64 m_lostSinceUs = 0;
+    qint64 m_answeredUntilLoss = -1;
 };
 
 // The driver without a link, for commands that only ask it about addresses.
@@ -52,7 +68,7 @@ struct AddressServices
 // The exit code that a failed exchange stands for.
 ExitCode exitCodeOf(ReplyVerdict verdict);
 
-// One line on standard error.
-void complain(const QString& text);
+// Good; or that some exchanges failed; or, when all failed, what was most often the matter.
+ExitCode exitCodeOf(const Statistics& statistics);
 
 }  // namespace fxhost

@@ -64,6 +64,7 @@ void showChapters(DemoBench& bench, bool live)
 ExitCode runDemo(const CommonOptions& common, const DemoOptions& options)
 {
     Connection connection(common, simulatedLine);
+    connection.loop().onLinkLost = nullptr;  // a lost link is a finding of the demo
     const Control control(connection.link(), options.control);
     DemoBench bench(connection.loop(), connection.catalogue(), control.get());
     bench.console().line(QStringLiteral("driver %1\nlink   %2, property string \"%3\"")
@@ -82,8 +83,11 @@ void addDemoCommand(CLI::App& app, const CommonOptions& common, Action& action)
     CLI::App* command = app.add_subcommand("demo", "Show everything on a simulated PLC");
     const auto options = std::make_shared<DemoOptions>();
     command->add_flag("--live", options->live, "Go on with live values until Ctrl-C");
-    command->add_option("--control", options->control,
-                        "Control socket of the simulator at the other end of the link");
+    command
+        ->add_option("--control", options->control,
+                     "Control socket of the simulator at the other end of the link")
+        ->type_name("PATH");
+    addExamples(*command, {"fxhost demo"});
     command->callback([&action, &common, options] {
         action = [&common, options] { return runDemo(common, *options); };
     });

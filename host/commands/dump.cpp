@@ -4,7 +4,9 @@
 // fxhost dump: whole ranges of registers into a file, a frame at a time, so that an interrupted
 // dump can be resumed. What cannot be read is noted in the file and left out.
 
+#include "host/commands/address_options.h"
 #include "host/commands/poll_result.h"
+#include "host/commands/progress.h"
 #include "host/interrupt.h"
 #include "host/register_file.h"
 
@@ -14,10 +16,12 @@ namespace fxhost {
 
 namespace {
 
+constexpr int silentPortionsUntilEnd = 3;
+
 struct DumpOptions
 {
     std::string file;
-    std::vector<std::string> addresses;
+    AddressOptions addresses;
     bool resume = false;
 };
 
@@ -54,26 +58,72 @@ bool isDumped(const RegisterRange& portion, const QSet<QString>& names)
     return true;
 }
 
-// False when the link was lost or the user wants an end: the portion is not in the file then.
-bool dumpPortion(Connection& connection, const RegisterRange& portion, const QSet<QString>& done,
-                 RegisterFileWriter& file, PollResult& result)
+class Dumper
 {
-    Poller poller(connection.loop(), connection.catalogue(), {portion});
+public:
+    Dumper(Connection& connection, const QString& path, bool resume)
+        : m_connection(connection), m_path(path),
+          m_file(path,
+                 resume ? RegisterFileWriter::Mode::Append : RegisterFileWriter::Mode::Replace)
+    {
+        if (resume)
+            m_done = namesIn(path, connection);
+    }
+
+    // Why there is no use in going on, or nothing; the portion is not in the file then.
+    std::optional<ReplyVerdict> dump(const RegisterRange& portion);
+    void finish() { m_file.finish(); }
+    const PollResult& result() const { return m_result; }
+    int alreadyThere() const { return m_done.size(); }
+
+private:
+    void keep(const Poller& poller, const RegisterRange& portion);
+
+    Connection& m_connection;
+    QString m_path;
+    RegisterFileWriter m_file;
+    QSet<QString> m_done;
+    PollResult m_result;
+    int m_silentPortions = 0;  // in a row
+};
+
+std::optional<ReplyVerdict> Dumper::dump(const RegisterRange& portion)
+{
+    if (isDumped(portion, m_done))
+        return std::nullopt;
+    Poller poller(m_connection.loop(), m_connection.catalogue(), {portion});
     if (!poller.poll())
-        return false;
+        return ReplyVerdict::LinkLost;
+    const bool silent = poller.problemOf(portion, 0) == ReplyVerdict::Silence;
+    m_silentPortions = silent ? m_silentPortions + 1 : 0;
+    if (m_silentPortions == silentPortionsUntilEnd || (silent && m_result.good() == 0))
+        return ReplyVerdict::Silence;
+    keep(poller, portion);
+    return std::nullopt;
+}
+
+void Dumper::keep(const Poller& poller, const RegisterRange& portion)
+{
     const QVector<quint32> values = poller.values(portion);
     const QVector<PolledValue> polled = polledValues(poller, portion, ValueFormat::Unsigned);
     for (int index = 0; index < portion.count; ++index) {
         const PolledValue& one = polled[index];
-        if (done.contains(one.name))
+        if (m_done.contains(one.name))
             continue;
-        result.count(one);
+        m_result.count(one);
         if (one.problem)
-            file.addComment(one.name + ": " + verdictText(*one.problem));
+            m_file.addComment(one.name + ": " + verdictText(*one.problem));
         else
-            file.add(one.name, values[index]);
+            m_file.add(one.name, values[index]);
     }
-    return true;
+}
+
+ExitCode stopped(const QString& path, const RegisterRange& portion, ReplyVerdict problem)
+{
+    const QString reason = interrupted() ? QStringLiteral("interrupted") : verdictText(problem);
+    complain(QStringLiteral("%1: %2 holds what could be read before %3; go on with --resume")
+                 .arg(reason, path, portion.nameOf(0)));
+    return interrupted() ? ExitCode::Interrupted : exitCodeOf(problem);
 }
 
 ExitCode runDump(const CommonOptions& common, const DumpOptions& options)
@@ -81,22 +131,28 @@ ExitCode runDump(const CommonOptions& common, const DumpOptions& options)
     Connection connection(common);
     const QString path = QString::fromStdString(options.file);
     const QVector<RegisterRange> portions =
-        portionsOf(connection.ranges(options.addresses), common.wordsPerFrame);
-    const QSet<QString> done = options.resume ? namesIn(path, connection) : QSet<QString>();
-    RegisterFileWriter file(path, options.resume ? RegisterFileWriter::Mode::Append
-                                                 : RegisterFileWriter::Mode::Replace);
-    Console console;
-    PollResult result;
+        portionsOf(connection.ranges(addressesOf(options.addresses)), common.wordsPerFrame);
+    Dumper dumper(connection, path, options.resume);
+    const Progress progress = progressOf(common.output, QStringLiteral("dump"));
     for (int portion = 0; portion < portions.size(); ++portion) {
-        if (!isDumped(portions[portion], done) &&
-            !dumpPortion(connection, portions[portion], done, file, result)) {
-            complain(QStringLiteral("%1 is complete up to %2; go on with --resume")
-                         .arg(path, portions[portion].nameOf(0)));
-            return interrupted() ? ExitCode::Interrupted : ExitCode::Silence;
-        }
-        if (!common.output.quiet)
-            console.progress(QStringLiteral("dump"), portion + 1, portions.size());
+        progress(portion, portions.size());
+        const std::optional<ReplyVerdict> problem = dumper.dump(portions[portion]);
+        if (problem)
+            return stopped(path, portions[portion], *problem);
     }
+    dumper.finish();
+    progress(portions.size(), portions.size());
+    const PollResult& result = dumper.result();
+    showResult(common.output,
+               QStringLiteral("  %1: %2 registers read, %3 could not be, %4 were there")
+                   .arg(path)
+                   .arg(result.good())
+                   .arg(result.failed())
+                   .arg(dumper.alreadyThere()),
+               {{"file", path},
+                {"read", result.good()},
+                {"failed", result.failed()},
+                {"alreadyThere", dumper.alreadyThere()}});
     return result.exitCode();
 }
 
@@ -106,9 +162,11 @@ void addDumpCommand(CLI::App& app, const CommonOptions& common, Action& action)
 {
     CLI::App* command = app.add_subcommand("dump", "Read ranges into a file");
     const auto options = std::make_shared<DumpOptions>();
-    command->add_option("file", options->file, "CSV file to write")->required();
-    command->add_option("address", options->addresses, "Ranges such as D0:8000")->required();
+    command->add_option("file", options->file, "CSV file to write")->type_name("")->required();
+    addAddressOptions(*command, options->addresses);
     command->add_flag("--resume", options->resume, "Go on with a file that was begun");
+    addExamples(*command,
+                {"fxhost dump plc.csv D0:512 M0:64", "fxhost dump plc.csv D0:1024 M0:64 --resume"});
     command->callback([&action, &common, options] {
         action = [&common, options] { return runDump(common, *options); };
     });

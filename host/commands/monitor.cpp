@@ -3,6 +3,7 @@
 //
 // fxhost monitor: every frame of a polling host and its answer, made visible, with times.
 
+#include "host/commands/address_options.h"
 #include "host/commands/poll_result.h"
 #include "host/interrupt.h"
 #include "host/report/frame_text.h"
@@ -15,7 +16,7 @@ namespace {
 
 struct MonitorOptions
 {
-    std::vector<std::string> addresses;
+    AddressOptions addresses;
     int cycles = 1;
 };
 
@@ -27,31 +28,28 @@ double milliseconds(qint64 timeUs)
 ExitCode runMonitor(const CommonOptions& common, const MonitorOptions& options)
 {
     Connection connection(common);
+    connection.waitForLinkWithoutEnd();
     Records records(
         common.output,
         {{"ms"}, {"request"}, {"sent"}, {"received"}, {"verdict"}, {"answer"}, {"took"}},
         Records::Shown::AtOnce);
-    std::optional<ReplyVerdict> firstProblem;
-    bool anyGood = false;
     connection.loop().onExchange = [&](const Exchange& exchange) {
         records.add(
             {milliseconds(exchange.startedUs), requestText(connection.catalogue(), exchange.frame),
              visibleBytes(requestBytes(exchange.frame)),
              visibleBytes(exchange.reply + exchange.thrownAway), verdictText(exchange.verdict),
              answerText(exchange.answer), milliseconds(exchange.responseUs)});
-        anyGood |= exchange.answer == DriverAnswer::Accepted;
-        if (exchange.hasFailed() && !firstProblem)
-            firstProblem = exchange.verdict;
     };
-    const int blocks = connection.session().setPlan(connection.ranges(options.addresses));
+    const int blocks =
+        connection.session().setPlan(connection.ranges(addressesOf(options.addresses)));
     for (int cycle = 0; options.cycles == 0 || cycle < options.cycles; ++cycle) {
         const Round round = pollCycle(connection.loop(), blocks);
-        if (interrupted() || (round.linkLost && !connection.reconnect()))
+        if (interrupted())
             return ExitCode::Interrupted;
+        if (round.linkLost)
+            return ExitCode::LinkNotOpened;
     }
-    if (!firstProblem)
-        return ExitCode::Good;
-    return anyGood ? ExitCode::SomeFailed : exitCodeOf(*firstProblem);
+    return exitCodeOf(connection.loop().statistics());
 }
 
 }  // namespace
@@ -60,10 +58,13 @@ void addMonitorCommand(CLI::App& app, const CommonOptions& common, Action& actio
 {
     CLI::App* command = app.add_subcommand("monitor", "Show every frame and its answer");
     const auto options = std::make_shared<MonitorOptions>();
-    command->add_option("address", options->addresses, "Addresses to poll")->required();
-    command->add_option("-c,--count", options->cycles, "Polling cycles; 0 until Ctrl-C")
-        ->capture_default_str()
-        ->check(CLI::NonNegativeNumber);
+    addAddressOptions(*command, options->addresses);
+    command
+        ->add_option("-n,--count", options->cycles,
+                     "Polling cycles; 1 unless given, 0 until Ctrl-C")
+        ->type_name("N")
+        ->check(CLI::Range(0, mostCycles).description(""));
+    addExamples(*command, {"fxhost monitor D100:2 X0", "fxhost monitor D0:32 -n 3 --timestamps"});
     command->callback([&action, &common, options] {
         action = [&common, options] { return runMonitor(common, *options); };
     });

@@ -19,10 +19,6 @@ QVector<PolledValue> polledValues(const Poller& poller, const RegisterRange& ran
 {
     const QVector<quint32> registers = poller.values(range);
     const int step = registersPerValue(range.type, format);
-    if (range.count % step != 0) {
-        throw UsageError(range.text().toStdString() +
-                         ": these values take two words each, so the count must be even");
-    }
     QVector<PolledValue> values;
     for (int index = 0; index < range.count; index += step) {
         PolledValue polled;
@@ -35,6 +31,25 @@ QVector<PolledValue> polledValues(const Poller& poller, const RegisterRange& ran
         values.append(polled);
     }
     return values;
+}
+
+void addFormatOption(CLI::App& command, ValueFormat& format)
+{
+    command
+        .add_option("--as", format,
+                    "dec, signed, hex, bin, long or float; the last two take two words")
+        ->type_name("FORMAT")
+        ->transform(CLI::CheckedTransformer(valueFormats(), CLI::ignore_case).description(""));
+}
+
+void needWholeValues(const QVector<RegisterRange>& ranges, ValueFormat format)
+{
+    for (const RegisterRange& range : ranges) {
+        if (range.count % registersPerValue(range.type, format) != 0) {
+            throw UsageError(range.text().toStdString() +
+                             ": these values take two words each, so the count must be even");
+        }
+    }
 }
 
 void PollResult::count(const PolledValue& polled)

@@ -24,10 +24,19 @@ struct PolledValue
 QVector<PolledValue> polledValues(const Poller& poller, const RegisterRange& range,
                                   ValueFormat format);
 
+// --as FORMAT
+void addFormatOption(CLI::App& command, ValueFormat& format);
+
+// Throws UsageError when a value of this format would reach past the end of a range.
+void needWholeValues(const QVector<RegisterRange>& ranges, ValueFormat format);
+
 class PollResult
 {
 public:
     void count(const PolledValue& polled);
+
+    int good() const { return m_good; }
+    int failed() const { return m_failed; }
 
     // Good; or that some values failed; or, when all failed, the reason of the first.
     ExitCode exitCode() const;

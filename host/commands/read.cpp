@@ -3,7 +3,9 @@
 //
 // fxhost read: the values of some registers, once.
 
+#include "host/commands/address_options.h"
 #include "host/commands/poll_result.h"
+#include "host/interrupt.h"
 
 namespace fxhost {
 
@@ -11,15 +13,21 @@ namespace {
 
 struct ReadOptions
 {
-    std::vector<std::string> addresses;
+    AddressOptions addresses;
     ValueFormat format = ValueFormat::Unsigned;
 };
 
 ExitCode runRead(const CommonOptions& common, const ReadOptions& options)
 {
     Connection connection(common);
-    Poller poller(connection.loop(), connection.catalogue(), connection.ranges(options.addresses));
+    const QVector<RegisterRange> ranges = connection.ranges(addressesOf(options.addresses));
+    needWholeValues(ranges, options.format);
+    Poller poller(connection.loop(), connection.catalogue(), ranges);
     poller.poll();
+    if (interrupted()) {
+        complain(QStringLiteral("interrupted before everything was read"));
+        return ExitCode::Interrupted;
+    }
     Records records(common.output, {{"address"}, {"value", Align::Right}, {"error"}});
     PollResult result;
     for (const RegisterRange& range : poller.ranges()) {
@@ -38,10 +46,11 @@ void addReadCommand(CLI::App& app, const CommonOptions& common, Action& action)
 {
     CLI::App* command = app.add_subcommand("read", "Read registers once");
     const auto options = std::make_shared<ReadOptions>();
-    command->add_option("address", options->addresses, "Addresses such as D100:32, X17 or 2#M8")
-        ->required();
-    command->add_option("--as", options->format, "dec, signed, hex, bin, long or float")
-        ->transform(CLI::CheckedTransformer(valueFormats(), CLI::ignore_case));
+    addAddressOptions(*command, options->addresses);
+    addFormatOption(*command, options->format);
+    addExamples(*command,
+                {"fxhost read D100 X17 M8000 TV0", "fxhost read D0:8 --as hex --timestamps",
+                 "fxhost read -t D -r 100 -c 4 --as float --json"});
     command->callback([&action, &common, options] {
         action = [&common, options] { return runRead(common, *options); };
     });

@@ -3,7 +3,9 @@
 //
 // fxhost recipe: blocks of words between a CSV file and the PLC, by the driver's recipe transfer.
 
+#include "host/commands/address_options.h"
 #include "host/commands/poll_result.h"
+#include "host/commands/progress.h"
 #include "host/interrupt.h"
 #include "host/recipe_transfer.h"
 #include "host/register_file.h"
@@ -15,7 +17,7 @@ namespace {
 struct RecipeOptions
 {
     std::string file;
-    std::vector<std::string> addresses;
+    AddressOptions addresses;
 };
 
 void needWords(const QVector<RegisterRange>& entries)
@@ -26,23 +28,39 @@ void needWords(const QVector<RegisterRange>& entries)
     }
 }
 
-std::function<void(int, int)> progressOf(const CommonOptions& common, const QString& label)
+// "D1000:32 may have arrived" of an entry that was sent without a clear answer.
+QString stoppedText(const RecipeOutcome& outcome, RecipeDirection direction,
+                    const QVector<RegisterRange>& entries)
 {
-    if (common.output.quiet)
-        return [](int, int) {};
-    const auto console = std::make_shared<Console>();
-    return [console, label](int done, int total) { console->progress(label, done, total); };
+    const QString entry = entries.value(outcome.transferred).text();
+    const QString reason =
+        interrupted() ? QStringLiteral("interrupted") : verdictText(*outcome.problem);
+    QString text = QStringLiteral("%1: %2; %3 of %4 entries were transferred")
+                       .arg(entry, reason)
+                       .arg(outcome.transferred)
+                       .arg(outcome.entries);
+    if (direction == RecipeDirection::Upload)
+        return text + ", the file is as it was";
+    if (outcome.transferred > 0)
+        text += ", up to " + entries[outcome.transferred - 1].text();
+    return outcome.problem == ReplyVerdict::Refused ? text : text + "; this one may have arrived";
 }
 
-ExitCode finish(const RecipeOutcome& outcome, const QVector<RegisterRange>& entries)
+ExitCode finish(const CommonOptions& common, RecipeDirection direction,
+                const RecipeOutcome& outcome, const QVector<RegisterRange>& entries)
 {
-    if (outcome.isGood())
-        return ExitCode::Good;
-    complain(QStringLiteral("%1: %2; %3 of %4 entries were transferred")
-                 .arg(entries.value(outcome.transferred).text(), verdictText(*outcome.problem))
-                 .arg(outcome.transferred)
-                 .arg(outcome.entries));
-    return interrupted() ? ExitCode::Interrupted : exitCodeOf(*outcome.problem);
+    if (!outcome.isGood()) {
+        complain(stoppedText(outcome, direction, entries));
+        return interrupted() ? ExitCode::Interrupted : exitCodeOf(*outcome.problem);
+    }
+    int registers = 0;
+    for (const RegisterRange& entry : entries)
+        registers += entry.count;
+    const QString what =
+        direction == RecipeDirection::Download ? "written to the PLC" : "read from the PLC";
+    showResult(common.output, QStringLiteral("  %1 registers %2").arg(registers).arg(what),
+               {{"entries", outcome.entries}, {"registers", registers}});
+    return ExitCode::Good;
 }
 
 int wordsPerRegister(const RegisterRange& range)
@@ -69,17 +87,19 @@ void load(const QVector<RegisterRun>& runs, std::vector<quint16>& memory)
 ExitCode runDownload(const CommonOptions& common, const RecipeOptions& options)
 {
     Connection connection(common);
-    const QVector<RegisterRun> runs =
-        readRegisterFile(QString::fromStdString(options.file), connection.catalogue(),
-                         connection.library(), common.wordsPerFrame / 2);
+    const QString path = QString::fromStdString(options.file);
+    const QVector<RegisterRun> runs = readRegisterFile(
+        path, connection.catalogue(), connection.library(), common.wordsPerFrame / 2);
+    checkWritable(path, runs);
     QVector<RegisterRange> entries;
     for (const RegisterRun& run : runs)
         entries.append(run.range);
     needWords(entries);
     load(runs, connection.session().recipeWords());
-    return finish(transferRecipe(connection.loop(), RecipeDirection::Download, entries,
-                                 progressOf(common, QStringLiteral("download"))),
-                  entries);
+    const RecipeOutcome outcome =
+        transferRecipe(connection.loop(), RecipeDirection::Download, entries,
+                       progressOf(common.output, QStringLiteral("download")));
+    return finish(common, RecipeDirection::Download, outcome, entries);
 }
 
 void save(const QString& path, const QVector<RegisterRange>& entries,
@@ -95,6 +115,7 @@ void save(const QString& path, const QVector<RegisterRange>& entries,
             file.add(entry.nameOf(index), value);
         }
     }
+    file.finish();
 }
 
 // Entries that fit a frame, counters of four bytes included.
@@ -113,14 +134,14 @@ ExitCode runUpload(const CommonOptions& common, const RecipeOptions& options)
 {
     Connection connection(common);
     const QVector<RegisterRange> entries =
-        cut(connection.ranges(options.addresses), common.wordsPerFrame);
+        cut(connection.ranges(addressesOf(options.addresses)), common.wordsPerFrame);
     needWords(entries);
     const RecipeOutcome outcome =
         transferRecipe(connection.loop(), RecipeDirection::Upload, entries,
-                       progressOf(common, QStringLiteral("upload")));
+                       progressOf(common.output, QStringLiteral("upload")));
     if (outcome.isGood())  // half a recipe would look like a whole one
         save(QString::fromStdString(options.file), entries, connection.session().recipeWords());
-    return finish(outcome, entries);
+    return finish(common, RecipeDirection::Upload, outcome, entries);
 }
 
 }  // namespace
@@ -132,14 +153,19 @@ void addRecipeCommand(CLI::App& app, const CommonOptions& common, Action& action
     const auto options = std::make_shared<RecipeOptions>();
 
     CLI::App* download = command->add_subcommand("download", "From a file to the PLC");
-    download->add_option("file", options->file, "CSV file: ADDRESS,VALUE a line")->required();
+    download->add_option("file", options->file, "CSV file: ADDRESS,VALUE a line")
+        ->type_name("")
+        ->required();
+    addExamples(*download,
+                {"fxhost recipe upload recipe.csv D1000:64", "fxhost recipe download recipe.csv"});
     download->callback([&action, &common, options] {
         action = [&common, options] { return runDownload(common, *options); };
     });
 
     CLI::App* upload = command->add_subcommand("upload", "From the PLC to a file");
-    upload->add_option("file", options->file, "CSV file to write")->required();
-    upload->add_option("address", options->addresses, "Ranges such as D1000:128")->required();
+    upload->add_option("file", options->file, "CSV file to write")->type_name("")->required();
+    addAddressOptions(*upload, options->addresses);
+    addExamples(*upload, {"fxhost recipe upload recipe.csv D1000:64 32CV200:4"});
     upload->callback([&action, &common, options] {
         action = [&common, options] { return runUpload(common, *options); };
     });

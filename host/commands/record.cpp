@@ -5,6 +5,8 @@
 // fxhost replay: runs such a file through the driver without a PLC, and compares: the driver must
 // ask for the same frames and judge the same replies alike.
 
+#include "host/addresses.h"
+#include "host/commands/address_options.h"
 #include "host/commands/poll_result.h"
 #include "host/interrupt.h"
 #include "host/recording.h"
@@ -18,17 +20,19 @@ namespace {
 struct RecordOptions
 {
     std::string file;
-    std::vector<std::string> addresses;
+    AddressOptions addresses;
     int cycles = 10;
 };
 
 ExitCode runRecord(const CommonOptions& common, const RecordOptions& options)
 {
     Connection connection(common);
+    connection.waitForLinkWithoutEnd();
+    const QVector<RegisterRange> ranges = connection.ranges(addressesOf(options.addresses));
     QStringList addresses;
-    for (const std::string& address : options.addresses)
-        addresses += QString::fromStdString(address);
-    const int blocks = connection.session().setPlan(connection.ranges(options.addresses));
+    for (const RegisterRange& range : ranges)
+        addresses += range.text();
+    const int blocks = connection.session().setPlan(ranges);
     Recorder recorder(QString::fromStdString(options.file), connection.session().propertyString(),
                       addresses);
     connection.loop().onExchange = [&recorder](const Exchange& exchange) {
@@ -37,20 +41,12 @@ ExitCode runRecord(const CommonOptions& common, const RecordOptions& options)
     };
     for (int cycle = 0; options.cycles == 0 || cycle < options.cycles; ++cycle) {
         const Round round = pollCycle(connection.loop(), blocks);
-        if (interrupted() || (round.linkLost && !connection.reconnect()))
+        if (interrupted())
             return ExitCode::Interrupted;
+        if (round.linkLost)
+            return ExitCode::LinkNotOpened;
     }
-    return connection.loop().statistics().total().failed == 0 ? ExitCode::Good
-                                                              : ExitCode::SomeFailed;
-}
-
-SessionSettings settingsOf(const QString& property)
-{
-    const QStringList fields = property.split('#');
-    if (fields.size() < 5)
-        throw FileError("the recording's property string '" + property.toStdString() +
-                        "' has less than five fields");
-    return {fields[3].toInt(), fields[4].toInt()};
+    return exitCodeOf(connection.loop().statistics());
 }
 
 // What the driver does otherwise than recorded; empty when it does the same.
@@ -76,28 +72,44 @@ QString difference(const DriverLibrary& library, const RecordedExchange& recorde
     return {};
 }
 
+// The plan that was polled; what is wrong with it is the file's fault.
+QVector<RegisterRange> recordedRanges(const AddressServices& services, const Recording& recording,
+                                      const QString& path)
+{
+    QVector<RegisterRange> ranges;
+    try {
+        for (const QString& address : recording.addresses)
+            ranges.append(services.parse(address.toStdString()));
+    } catch (const AddressError& error) {
+        throw FileError(path.toStdString() + ", line 1: " + error.what());
+    }
+    return ranges;
+}
+
 ExitCode runReplay(const CommonOptions& common, const std::string& file)
 {
+    const QString path = QString::fromStdString(file);
     const AddressServices services(common);
-    const Recording recording = readRecording(QString::fromStdString(file));
-    DriverSession session(services.library, settingsOf(recording.property));
-    QVector<RegisterRange> ranges;
-    for (const QString& address : recording.addresses)
-        ranges.append(services.parse(address.toStdString()));
-    session.setPlan(ranges);
+    const Recording recording = readRecording(path);
+    DriverSession session(services.library, {recording.failLimit, recording.wordsPerFrame});
+    session.setPlan(recordedRanges(services, recording, path));
+    int alike = 0;
     for (const RecordedExchange& recorded : recording.exchanges) {
         const QString text = difference(services.library, recorded);
         if (!text.isEmpty()) {
-            complain(QStringLiteral("%1, line %2: %3")
-                         .arg(QString::fromStdString(file))
-                         .arg(recorded.line)
-                         .arg(text));
-            return ExitCode::SomeFailed;
+            complain(QStringLiteral("%1, line %2: %3").arg(path).arg(recorded.line).arg(text));
+            break;
         }
+        ++alike;
     }
-    if (!common.output.quiet)
-        Console().line(QStringLiteral("%1 exchanges, all alike").arg(recording.exchanges.size()));
-    return ExitCode::Good;
+    const int all = recording.exchanges.size();
+    const QString words = alike == all ? QStringLiteral("%1 exchanges, all alike").arg(all)
+                                       : QStringLiteral("%1 of %2 exchanges were alike, then one "
+                                                        "differed")
+                                             .arg(alike)
+                                             .arg(all);
+    showResult(common.output, words, {{"exchanges", all}, {"alike", alike}});
+    return alike == all ? ExitCode::Good : ExitCode::SomeFailed;
 }
 
 }  // namespace
@@ -106,11 +118,16 @@ void addRecordCommand(CLI::App& app, const CommonOptions& common, Action& action
 {
     CLI::App* command = app.add_subcommand("record", "Keep the exchanges of a session in a file");
     const auto options = std::make_shared<RecordOptions>();
-    command->add_option("file", options->file, "File to write, a JSON object a line")->required();
-    command->add_option("address", options->addresses, "Addresses to poll")->required();
-    command->add_option("-c,--count", options->cycles, "Polling cycles; 0 until Ctrl-C")
-        ->capture_default_str()
-        ->check(CLI::NonNegativeNumber);
+    command->add_option("file", options->file, "File to write, a JSON object a line")
+        ->type_name("")
+        ->required();
+    addAddressOptions(*command, options->addresses);
+    command
+        ->add_option("-n,--count", options->cycles,
+                     "Polling cycles; 10 unless given, 0 until Ctrl-C")
+        ->type_name("N")
+        ->check(CLI::Range(0, mostCycles).description(""));
+    addExamples(*command, {"fxhost record session.jsonl D0:64 X0:8 -n 20"});
     command->callback([&action, &common, options] {
         action = [&common, options] { return runRecord(common, *options); };
     });
@@ -120,7 +137,9 @@ void addReplayCommand(CLI::App& app, const CommonOptions& common, Action& action
 {
     CLI::App* command = app.add_subcommand("replay", "Run a recording through the driver");
     const auto file = std::make_shared<std::string>();
-    command->add_option("file", *file, "File that record wrote")->required();
+    command->add_option("file", *file, "File that record wrote")->type_name("")->required();
+    addExamples(*command,
+                {"fxhost record session.jsonl D0:64 X0:8", "fxhost replay session.jsonl"});
     command->callback([&action, &common, file] {
         action = [&common, file] { return runReplay(common, *file); };
     });

@@ -4,7 +4,9 @@
 // fxhost restore: the registers of a file back into the PLC, a frame at a time, each read back.
 // Stops at the first that does not arrive, and says up to where the PLC was written.
 
-#include "host/commands/poll_result.h"
+#include "host/commands/connection.h"
+#include "host/commands/progress.h"
+#include "host/commands/write_report.h"
 #include "host/interrupt.h"
 #include "host/register_file.h"
 
@@ -17,16 +19,6 @@ struct RestoreOptions
     std::string file;
     std::string from;
 };
-
-void checkWritable(const QString& path, const QVector<RegisterRun>& runs)
-{
-    for (const RegisterRun& run : runs) {
-        if (!run.range.type.writable) {
-            throw FileError(
-                (path + ": " + run.range.text() + " cannot be written; take it out").toStdString());
-        }
-    }
-}
 
 // The runs from a register on, which must be in one of them.
 QVector<RegisterRun> runsFrom(const QVector<RegisterRun>& runs, const RegisterRange& from)
@@ -47,26 +39,37 @@ QVector<RegisterRun> runsFrom(const QVector<RegisterRun>& runs, const RegisterRa
     return left;
 }
 
+struct Failure
+{
+    QString text;
+    ExitCode code = ExitCode::SomeFailed;
+};
+
+QString reasonText(ReplyVerdict verdict)
+{
+    return interrupted() ? QStringLiteral("interrupted") : verdictText(verdict);
+}
+
 // Nothing when the PLC holds what was written.
-std::optional<ReplyVerdict> restoreRun(Connection& connection, const RegisterRun& run,
-                                       bool& differs)
+std::optional<Failure> restoreRun(Connection& connection, const RegisterRun& run)
 {
     const WriteOutcome outcome = writeRegisters(connection.loop(), run.range, run.values);
     if (!outcome.isGood())
-        return outcome.problem;
+        return Failure{failureText(outcome), exitCodeOf(*outcome.problem)};
     const ReplyVerdict verdict = readOnce(connection.loop(), run.range);
     if (verdict != ReplyVerdict::Good)
-        return verdict;
-    differs = connection.session().values(run.range) != run.values;
+        return Failure{"written, but not read back: " + reasonText(verdict), exitCodeOf(verdict)};
+    if (connection.session().values(run.range) != run.values)
+        return Failure{"written, but the PLC holds other values", ExitCode::SomeFailed};
     return std::nullopt;
 }
 
-ExitCode stopped(const RegisterRun& run, const QString& reason, ExitCode code)
+ExitCode stopped(const RegisterRun& run, const Failure& failure)
 {
     complain(QStringLiteral("%1: %2; what stands before it in the file was written and read back, "
                             "go on with --from %3")
-                 .arg(run.range.text(), reason, run.range.nameOf(0)));
-    return interrupted() ? ExitCode::Interrupted : code;
+                 .arg(run.range.text(), failure.text, run.range.nameOf(0)));
+    return interrupted() ? ExitCode::Interrupted : failure.code;
 }
 
 ExitCode runRestore(const CommonOptions& common, const RestoreOptions& options)
@@ -78,17 +81,19 @@ ExitCode runRestore(const CommonOptions& common, const RestoreOptions& options)
     checkWritable(path, runs);
     if (!options.from.empty())
         runs = runsFrom(runs, connection.ranges({options.from}).first());
-    Console console;
+    const Progress progress = progressOf(common.output, QStringLiteral("restore"));
+    int registers = 0;
     for (int done = 0; done < runs.size(); ++done) {
-        bool differs = false;
-        const std::optional<ReplyVerdict> problem = restoreRun(connection, runs[done], differs);
-        if (problem)
-            return stopped(runs[done], verdictText(*problem), exitCodeOf(*problem));
-        if (differs)
-            return stopped(runs[done], "the PLC holds other values", ExitCode::SomeFailed);
-        if (!common.output.quiet)
-            console.progress(QStringLiteral("restore"), done + 1, runs.size());
+        progress(done, runs.size());
+        const std::optional<Failure> failure = restoreRun(connection, runs[done]);
+        if (failure)
+            return stopped(runs[done], *failure);
+        registers += runs[done].range.count;
     }
+    progress(runs.size(), runs.size());
+    showResult(common.output,
+               QStringLiteral("  %1: %2 registers written and read back").arg(path).arg(registers),
+               {{"file", path}, {"written", registers}});
     return ExitCode::Good;
 }
 
@@ -98,8 +103,13 @@ void addRestoreCommand(CLI::App& app, const CommonOptions& common, Action& actio
 {
     CLI::App* command = app.add_subcommand("restore", "Write the registers of a file");
     const auto options = std::make_shared<RestoreOptions>();
-    command->add_option("file", options->file, "CSV file, as dump writes it")->required();
-    command->add_option("--from", options->from, "Begin with this register of the file");
+    command->add_option("file", options->file, "CSV file, as dump writes it")
+        ->type_name("")
+        ->required();
+    command->add_option("--from", options->from, "Begin with this register of the file")
+        ->type_name("ADDRESS");
+    addExamples(*command, {"fxhost dump plc.csv D0:64", "fxhost restore plc.csv",
+                           "fxhost restore plc.csv --from D32"});
     command->callback([&action, &common, options] {
         action = [&common, options] { return runRestore(common, *options); };
     });

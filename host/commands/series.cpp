@@ -48,12 +48,15 @@ void addSeriesCommand(CLI::App& app, const CommonOptions& common, Action& action
 {
     CLI::App* command = app.add_subcommand("series", "List the addresses of copied objects");
     const auto options = std::make_shared<SeriesOptions>();
-    command->add_option("address", options->address, "Address of the first copy")->required();
-    command->add_option("-c,--count", options->copies, "How many copies")
-        ->capture_default_str()
-        ->check(CLI::Range(1, mostCopies));
-    command->add_option("--step", options->step, "Distance; -2 for a 32-bit value")
-        ->capture_default_str();
+    command->add_option("address", options->address, "Address of the first copy")
+        ->type_name("")
+        ->required();
+    command->add_option("-c,--count", options->copies, "How many copies; 10 unless given")
+        ->type_name("N")
+        ->check(CLI::Range(1, mostCopies).description(""));
+    command->add_option("--step", options->step, "Distance, 1 unless given; -2 for a 32-bit value")
+        ->type_name("N");
+    addExamples(*command, {"fxhost series Y6 -c 5", "fxhost series D100 -c 4 --step 10"});
     command->callback([&action, &common, options] {
         action = [&common, options] { return runSeries(common, *options); };
     });

@@ -4,6 +4,7 @@
 // fxhost stats: polls for a while and tells what the line is like: exchanges, causes of rejection,
 // response times as a histogram beside the time-out that they led to.
 
+#include "host/commands/address_options.h"
 #include "host/commands/poll_result.h"
 #include "host/interrupt.h"
 #include "host/report/statistics_report.h"
@@ -14,34 +15,45 @@ namespace {
 
 struct StatsOptions
 {
-    std::vector<std::string> addresses;
+    AddressOptions addresses;
     int cycles = 100;
 };
+
+void show(const LineReport& report, OutputMode mode)
+{
+    switch (mode) {
+    case OutputMode::People:
+        for (const QString& line : lineReportLines(report))
+            Console().line(line);
+        return;
+    case OutputMode::Json:
+        Console().line(lineReportJson(report));
+        return;
+    case OutputMode::Csv:
+        for (const QString& line : lineReportCsv(report))
+            Console().line(line);
+        return;
+    }
+}
 
 ExitCode runStats(const CommonOptions& common, const StatsOptions& options)
 {
     Connection connection(common);
-    const int blocks = connection.session().setPlan(connection.ranges(options.addresses));
+    connection.waitForLinkWithoutEnd();
+    ExchangeLoop& loop = connection.loop();
+    const int blocks =
+        connection.session().setPlan(connection.ranges(addressesOf(options.addresses)));
     Histogram cycleTimes;
-    for (int cycle = 0; cycle < options.cycles && !interrupted(); ++cycle) {
-        const qint64 startedUs = connection.loop().elapsedUs();
-        if (pollCycle(connection.loop(), blocks).linkLost && !connection.reconnect())
-            break;
-        cycleTimes.add(connection.loop().elapsedUs() - startedUs);
+    bool linkLost = false;
+    for (int cycle = 0; cycle < options.cycles && !interrupted() && !linkLost; ++cycle) {
+        const qint64 startedUs = loop.elapsedUs();
+        linkLost = pollCycle(loop, blocks).linkLost;
+        cycleTimes.add(loop.elapsedUs() - startedUs);
     }
-    const LineReport report = {connection.loop().statistics(), cycleTimes,
-                               connection.loop().elapsedUs(),
-                               connection.loop().timeout().milliseconds()};
-    const QStringList lines =
-        common.output.mode == OutputMode::Json ? lineReportJson(report) : lineReportLines(report);
-    for (const QString& line : lines)
-        Console().line(line);
+    show({loop.statistics(), cycleTimes, loop.elapsedUs(), loop.timeout()}, common.output.mode);
     if (interrupted())
         return ExitCode::Interrupted;
-    const KindCounts total = report.statistics.total();
-    if (total.failed == 0)
-        return ExitCode::Good;
-    return total.accepted > 0 ? ExitCode::SomeFailed : ExitCode::Silence;
+    return linkLost ? ExitCode::LinkNotOpened : exitCodeOf(loop.statistics());
 }
 
 }  // namespace
@@ -50,10 +62,11 @@ void addStatsCommand(CLI::App& app, const CommonOptions& common, Action& action)
 {
     CLI::App* command = app.add_subcommand("stats", "Measure the line while polling");
     const auto options = std::make_shared<StatsOptions>();
-    command->add_option("address", options->addresses, "Addresses to poll")->required();
-    command->add_option("-c,--count", options->cycles, "Polling cycles")
-        ->capture_default_str()
-        ->check(CLI::PositiveNumber);
+    addAddressOptions(*command, options->addresses);
+    command->add_option("-n,--count", options->cycles, "Polling cycles; 100 unless given")
+        ->type_name("N")
+        ->check(CLI::Range(1, mostCycles).description(""));
+    addExamples(*command, {"fxhost stats D0:64 -n 50 -b 9600", "fxhost stats D0:64 X0:16 --json"});
     command->callback([&action, &common, options] {
         action = [&common, options] { return runStats(common, *options); };
     });

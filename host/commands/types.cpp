@@ -30,9 +30,9 @@ ExitCode runTypes(const CommonOptions& common)
 
 void addTypesCommand(CLI::App& app, const CommonOptions& common, Action& action)
 {
-    app.add_subcommand("types", "List the register types")->callback([&] {
-        action = [&common] { return runTypes(common); };
-    });
+    CLI::App* command = app.add_subcommand("types", "List the register types");
+    addExamples(*command, {"fxhost types", "fxhost types --json"});
+    command->callback([&] { action = [&common] { return runTypes(common); }; });
 }
 
 }  // namespace fxhost

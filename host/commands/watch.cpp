@@ -4,6 +4,7 @@
 // fxhost watch: values as they change: a table redrawn in place on a terminal, a line for each
 // change elsewhere. Goes on when the link was lost and is back.
 
+#include "host/commands/address_options.h"
 #include "host/commands/poll_result.h"
 #include "host/interrupt.h"
 
@@ -16,10 +17,11 @@ namespace fxhost {
 namespace {
 
 constexpr int napMs = 20;  // how soon an interrupt is noticed
+constexpr int longestIntervalMs = 86400000;
 
 struct WatchOptions
 {
-    std::vector<std::string> addresses;
+    AddressOptions addresses;
     ValueFormat format = ValueFormat::Unsigned;
     int intervalMs = 1000;
     int cycles = 0;  // 0: until Ctrl-C
@@ -45,6 +47,8 @@ private:
     const WatchOptions& m_options;
     Console m_console;
     bool m_asTable;
+    bool m_timestamps;
+    bool m_quiet;
     std::optional<Records> m_changes;
     QHash<QString, PolledValue> m_shown;
     PollResult m_lastCycle;
@@ -53,7 +57,8 @@ private:
 
 Watcher::Watcher(const WatchOptions& options, const OutputOptions& output)
     : m_options(options),
-      m_asTable(m_console.isTerminal() && !options.log && output.mode == OutputMode::People)
+      m_asTable(m_console.isTerminal() && !options.log && output.mode == OutputMode::People),
+      m_timestamps(output.timestamps), m_quiet(output.quiet)
 {
     if (!m_asTable)
         m_changes.emplace(output, QVector<Table::Column>{{"address"}, {"value"}, {"error"}},
@@ -90,6 +95,7 @@ bool Watcher::isNew(const PolledValue& polled) const
 void Watcher::showTable(const QVector<PolledValue>& values)
 {
     Table table({{"address"}, {"value", Align::Right}, {"error"}});
+    const QString time = m_timestamps ? timestamp() + ", " : QString();
     for (const PolledValue& polled : values) {
         const QString text = polled.value.toVariant().toString();
         const bool marked = m_cycle > 1 && isNew(polled);
@@ -97,8 +103,9 @@ void Watcher::showTable(const QVector<PolledValue>& values)
                    m_console.bad(polled.error().toString())});
         m_shown.insert(polled.name, polled);
     }
-    QStringList lines = table.lines();
-    lines += m_console.dim(QStringLiteral("  cycle %1, Ctrl-C ends").arg(m_cycle));
+    QStringList lines = table.lines().mid(m_quiet ? 1 : 0);
+    if (!m_quiet)
+        lines += m_console.dim(QStringLiteral("  %1cycle %2, Ctrl-C ends").arg(time).arg(m_cycle));
     m_console.redraw(lines);
 }
 
@@ -121,22 +128,21 @@ void waitUntil(const ExchangeLoop& loop, qint64 untilUs)
 ExitCode runWatch(const CommonOptions& common, const WatchOptions& options)
 {
     Connection connection(common);
-    Poller poller(connection.loop(), connection.catalogue(), connection.ranges(options.addresses));
+    connection.waitForLinkWithoutEnd();
+    const QVector<RegisterRange> ranges = connection.ranges(addressesOf(options.addresses));
+    needWholeValues(ranges, options.format);
+    Poller poller(connection.loop(), connection.catalogue(), ranges);
     Watcher watcher(options, common.output);
     const int cycles = options.once ? 1 : options.cycles;
-    for (int cycle = 0; cycles == 0 || cycle < cycles;) {
+    for (int cycle = 1; cycles == 0 || cycle <= cycles; ++cycle) {
         const qint64 startedUs = connection.loop().elapsedUs();
         const bool whole = poller.poll();
         if (interrupted())
             return ExitCode::Interrupted;
-        if (!whole) {
-            if (!connection.reconnect())
-                return ExitCode::Interrupted;
-            continue;
-        }
         watcher.show(poller);
-        ++cycle;
-        if (cycles == 0 || cycle < cycles)
+        if (!whole)
+            return ExitCode::LinkNotOpened;
+        if (cycle != cycles)
             waitUntil(connection.loop(), startedUs + qint64(1000) * options.intervalMs);
         if (interrupted())
             return ExitCode::Interrupted;
@@ -150,20 +156,23 @@ void addWatchCommand(CLI::App& app, const CommonOptions& common, Action& action)
 {
     CLI::App* command = app.add_subcommand("watch", "Show values as they change");
     const auto options = std::make_shared<WatchOptions>();
-    command->add_option("address", options->addresses, "Addresses such as D100:32, X17 or 2#M8")
-        ->required();
-    command->add_option("--as", options->format, "dec, signed, hex, bin, long or float")
-        ->transform(CLI::CheckedTransformer(valueFormats(), CLI::ignore_case));
-    command->add_option("-l,--interval", options->intervalMs, "Milliseconds from poll to poll")
-        ->capture_default_str()
-        ->check(CLI::Range(0, 86400000));
-    command->add_option("-c,--count", options->cycles, "Polls; 0 until Ctrl-C")
-        ->capture_default_str()
-        ->check(CLI::NonNegativeNumber);
+    addAddressOptions(*command, options->addresses);
+    addFormatOption(*command, options->format);
+    command
+        ->add_option("-l,--interval", options->intervalMs, "Milliseconds from poll to poll; 1000")
+        ->type_name("MS")
+        ->check(CLI::Range(0, longestIntervalMs).description(""));
+    command->add_option("-n,--count", options->cycles, "So many polls; until Ctrl-C unless given")
+        ->type_name("N")
+        ->check(CLI::Range(0, mostCycles).description(""));
     command->add_flag("-1,--once", options->once, "Poll once");
     command->add_flag("--log", options->log, "A line for each change, also on a terminal");
     command->add_option("--deadband", options->deadband, "Changes up to this much are none")
+        ->type_name("NUMBER")
         ->check(CLI::NonNegativeNumber);
+    addExamples(*command, {"fxhost watch D0:4 TV0 X0:8 -n 3",
+                           "fxhost watch D1 --log --timestamps --deadband 50 -l 200 -n 10",
+                           "fxhost watch -t X -r 0 -c 8 -l 500 -1"});
     command->callback([&action, &common, options] {
         action = [&common, options] { return runWatch(common, *options); };
     });

@@ -5,16 +5,22 @@
 // written value in its cache at once, so success is the PLC's acknowledge, and with --verify what
 // the PLC says when it is asked.
 
+#include "host/commands/address_options.h"
 #include "host/commands/poll_result.h"
+#include "host/commands/write_report.h"
 #include "host/interrupt.h"
 
 namespace fxhost {
 
 namespace {
 
+constexpr int widestWritten = 30;
+
 struct WriteOptions
 {
-    std::vector<std::string> assignments;
+    std::vector<std::string> assignments;  // only values when the address is given by letters
+    AddressOptions address;
+    ValueFormat format = ValueFormat::Unsigned;
     bool verify = false;
 };
 
@@ -26,7 +32,8 @@ struct Assignment
 };
 
 // "D100=5", "D100=1,2,3" or "M0=on".
-Assignment parseAssignment(const Connection& connection, const std::string& text)
+Assignment parseAssignment(const Connection& connection, const std::string& text,
+                           ValueFormat format)
 {
     const QString whole = QString::fromStdString(text);
     const int equals = whole.indexOf('=');
@@ -40,10 +47,15 @@ Assignment parseAssignment(const Connection& connection, const std::string& text
                          " cannot be written");
     }
     for (const QString& value : assignment.written.split(','))
-        assignment.values += parseValue(value.trimmed(), assignment.range.type);
+        assignment.values += parseValue(value.trimmed(), assignment.range.type, format);
+    const int values = assignment.values.size();
+    if (whole.left(equals).contains(':') && assignment.range.count != values) {
+        throw UsageError("'" + text + "': " + std::to_string(assignment.range.count) +
+                         " registers, but values for " + std::to_string(values));
+    }
     // The count is what was written; checked again, because it may run past the end of the type.
     const QString start = whole.left(equals).section(':', 0, 0);
-    const QString checked = QStringLiteral("%1:%2").arg(start).arg(assignment.values.size());
+    const QString checked = QStringLiteral("%1:%2").arg(start).arg(values);
     assignment.range = connection.ranges({checked.toStdString()}).first();
     return assignment;
 }
@@ -53,6 +65,7 @@ class Writer
 public:
     Writer(Connection& connection, const WriteOptions& options, const OutputOptions& output)
         : m_connection(connection), m_options(options),
+          m_forPeople(output.mode == OutputMode::People),
           m_records(output, {{"address"}, {"written"}, {"result"}})
     {}
 
@@ -67,7 +80,10 @@ private:
     void fail(ExitCode code);
 
     Connection& m_connection;
+    QString shownText(const QString& written) const;
+
     const WriteOptions& m_options;
+    bool m_forPeople;
     Records m_records;
     int m_good = 0;
     std::optional<ExitCode> m_firstFailure;
@@ -78,10 +94,7 @@ bool Writer::write(const Assignment& assignment)
     const WriteOutcome outcome =
         writeRegisters(m_connection.loop(), assignment.range, assignment.values);
     if (!outcome.isGood()) {
-        report(assignment, QStringLiteral("%1 of %2 frames written: %3")
-                               .arg(outcome.acknowledged)
-                               .arg(outcome.frames)
-                               .arg(verdictText(*outcome.problem)));
+        report(assignment, failureText(outcome));
         fail(exitCodeOf(*outcome.problem));
         return outcome.problem != ReplyVerdict::LinkLost && !interrupted();
     }
@@ -96,9 +109,10 @@ bool Writer::verify(const Assignment& assignment)
 {
     const ReplyVerdict verdict = readOnce(m_connection.loop(), assignment.range);
     if (verdict != ReplyVerdict::Good) {
-        report(assignment, "acknowledged, but not read back: " + verdictText(verdict));
+        report(assignment, "acknowledged, but not read back: " +
+                               (interrupted() ? "interrupted" : verdictText(verdict)));
         fail(exitCodeOf(verdict));
-        return verdict != ReplyVerdict::LinkLost;
+        return verdict != ReplyVerdict::LinkLost && !interrupted();
     }
     if (m_connection.session().values(assignment.range) == assignment.values) {
         ++m_good;
@@ -118,7 +132,12 @@ void Writer::skip(const Assignment& assignment)
 
 void Writer::report(const Assignment& assignment, const QString& result)
 {
-    m_records.add({assignment.range.text(), assignment.written, result});
+    m_records.add({assignment.range.text(), shownText(assignment.written), result});
+}
+
+QString Writer::shownText(const QString& written) const
+{
+    return m_forPeople ? clipped(written, widestWritten) : written;
 }
 
 void Writer::fail(ExitCode code)
@@ -137,12 +156,27 @@ ExitCode Writer::finish()
     return m_good > 0 ? ExitCode::SomeFailed : *m_firstFailure;
 }
 
+// The values that stand alone when -r says where they go.
+std::vector<std::string> assignmentsOf(const WriteOptions& options)
+{
+    const AddressOptions& letters = options.address;
+    if (!letters.byLetters() && letters.registers == 0 && letters.type.empty())
+        return options.assignments;
+    std::string assignment = addressOfLetters(letters) + '=';
+    for (const std::string& value : options.assignments) {
+        if (value.find('=') != std::string::npos)
+            throw UsageError("'" + value + "': with -r only values follow");
+        assignment += (assignment.back() == '=' ? "" : ",") + value;
+    }
+    return {assignment};
+}
+
 ExitCode runWrite(const CommonOptions& common, const WriteOptions& options)
 {
     Connection connection(common);
     QVector<Assignment> assignments;  // all of them are checked before the first one is sent
-    for (const std::string& text : options.assignments)
-        assignments.append(parseAssignment(connection, text));
+    for (const std::string& text : assignmentsOf(options))
+        assignments.append(parseAssignment(connection, text, options.format));
     Writer writer(connection, options, common.output);
     bool goOn = true;
     for (const Assignment& assignment : assignments) {
@@ -162,9 +196,15 @@ void addWriteCommand(CLI::App& app, const CommonOptions& common, Action& action)
     const auto options = std::make_shared<WriteOptions>();
     command
         ->add_option("assignment", options->assignments,
-                     "ADDRESS=VALUE[,VALUE...]: D100=5 D10=-1,0x1F M0=on D20=3.14 32CV200=70000")
+                     "ADDRESS=VALUE[,VALUE...], or only values behind -r")
+        ->type_name("")
         ->required();
+    addAddressLetters(*command, options->address);
+    addFormatOption(*command, options->format);
     command->add_flag("--verify", options->verify, "Read back from the PLC and compare");
+    addExamples(*command, {"fxhost write D100=5 M100=on --verify",
+                           "fxhost write D10=-1,0x1F D20=3.14 32CV200=70000",
+                           "fxhost write D30=5 --as long", "fxhost write -t D -r 100 1 2 3"});
     command->callback([&action, &common, options] {
         action = [&common, options] { return runWrite(common, *options); };
     });

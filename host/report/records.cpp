@@ -127,4 +127,23 @@ void Records::showCsvLine(const QVector<QJsonValue>& values) const
     Console().line(fields.join(','));
 }
 
+void showResult(const OutputOptions& options, const QString& words,
+                const QVector<QPair<QString, QJsonValue>>& fields)
+{
+    if (options.mode == OutputMode::People) {
+        if (!options.quiet)
+            Console().line((options.timestamps ? timestamp() + "  " : QString()) + words);
+        return;
+    }
+    QVector<Table::Column> columns;
+    QVector<QJsonValue> values;
+    for (const auto& field : fields) {
+        columns.append({field.first});
+        values.append(field.second);
+    }
+    Records records(options, columns);
+    records.add(values);
+    records.finish();
+}
+
 }  // namespace fxhost

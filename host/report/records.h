@@ -10,6 +10,7 @@
 
 #include <QJsonObject>
 #include <QJsonValue>
+#include <QPair>
 
 #include <optional>
 
@@ -57,6 +58,10 @@ private:
     Shown m_shown;
     QVector<QVector<QJsonValue>> m_collected;
 };
+
+// What a command has done, as one record: a line of words for people.
+void showResult(const OutputOptions& options, const QString& words,
+                const QVector<QPair<QString, QJsonValue>>& fields);
 
 // The time as records carry it: 2026-01-31T13:05:00.123, in local time.
 QString timestamp();

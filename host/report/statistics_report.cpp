@@ -7,6 +7,7 @@
 
 #include "host/report/table.h"
 
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -29,23 +30,66 @@ double asMilliseconds(qint64 timeUs)
     return static_cast<double>(timeUs) / 1000.0;
 }
 
-// One line a doubling of the time, with a bar as long as its share.
+struct Bar
+{
+    qint64 fromUs;
+    qint64 toUs;  // not in it
+    qint64 number;
+};
+
+// One a doubling of the time, as far as there is something in it.
+QVector<Bar> barsOf(const Histogram& times)
+{
+    QVector<Bar> bars;
+    for (qint64 fromUs = 1; fromUs <= times.largestUs(); fromUs *= 2) {
+        const qint64 number = times.between(fromUs, 2 * fromUs);
+        if (number > 0)
+            bars.append({fromUs, 2 * fromUs, number});
+    }
+    return bars;
+}
+
 QStringList histogramLines(const Histogram& times)
 {
     QStringList lines;
-    for (qint64 fromUs = 1; fromUs <= times.largestUs(); fromUs *= 2) {
-        const qint64 number = times.between(fromUs, 2 * fromUs);
-        if (number == 0)
-            continue;
+    for (const Bar& bar : barsOf(times)) {
         const auto width =
-            static_cast<int>((number * longestBar + times.total() - 1) / times.total());
+            static_cast<int>((bar.number * longestBar + times.total() - 1) / times.total());
         lines += QStringLiteral("  %1 to %2 ms  %3 %4")
-                     .arg(milliseconds(fromUs), 8)
-                     .arg(milliseconds(2 * fromUs), 6)
+                     .arg(milliseconds(bar.fromUs), 8)
+                     .arg(milliseconds(bar.toUs), 6)
                      .arg(QStringLiteral("█").repeated(width), -longestBar)
-                     .arg(number);
+                     .arg(bar.number);
     }
     return lines;
+}
+
+QJsonArray histogramOf(const Histogram& times)
+{
+    QJsonArray array;
+    for (const Bar& bar : barsOf(times)) {
+        array.append(QJsonObject{{"fromMs", asMilliseconds(bar.fromUs)},
+                                 {"toMs", asMilliseconds(bar.toUs)},
+                                 {"answers", bar.number}});
+    }
+    return array;
+}
+
+double shareOf(qint64 busyUs, qint64 elapsedUs)
+{
+    return elapsedUs > 0 ? 100.0 * static_cast<double>(busyUs) / static_cast<double>(elapsedUs)
+                         : 0.0;
+}
+
+QString timeoutText(const AdaptiveTimeout& timeout)
+{
+    const TimeoutLimits& limits = timeout.limits();
+    if (limits.quickFloorMs == limits.ceilingMs)
+        return QStringLiteral("the time-out is %1 ms, as given").arg(timeout.milliseconds());
+    return QStringLiteral("the time-out is %1 ms now, and adapts between %2 and %3 ms")
+        .arg(timeout.milliseconds())
+        .arg(limits.quickFloorMs)
+        .arg(limits.ceilingMs);
 }
 
 QJsonObject percentilesOf(const Histogram& times)
@@ -98,13 +142,61 @@ QString rejectionLine(const Statistics& statistics)
                             : QStringLiteral("  rejected: ") + causes.join(QStringLiteral(", "));
 }
 
+QJsonObject objectOf(const LineReport& report)
+{
+    const Statistics& statistics = report.statistics;
+    QJsonObject kinds;
+    QJsonObject rejected;
+    for (int index = 0; index < exchangeKinds; ++index) {
+        const auto kind = static_cast<ExchangeKind>(index);
+        kinds.insert(kindText(kind), countsOf(statistics.of(kind)));
+    }
+    for (int index = 0; index < replyVerdicts; ++index) {
+        const auto verdict = static_cast<ReplyVerdict>(index);
+        if (verdict != ReplyVerdict::Good)
+            rejected.insert(verdictName(verdict), statistics.of(verdict));
+    }
+    const TimeoutLimits& limits = report.timeout.limits();
+    return {{"exchanges", kinds},
+            {"rejected", rejected},
+            {"bytesSent", statistics.bytesSent},
+            {"bytesReceived", statistics.bytesReceived},
+            {"bytesThrownAway", statistics.bytesThrownAway},
+            {"enquiriesSent", statistics.enquiriesSent},
+            {"enquiriesAnswered", statistics.enquiriesAnswered},
+            {"linksLost", statistics.linksLost},
+            {"reconnects", statistics.reconnects},
+            {"responseMs", percentilesOf(statistics.responses)},
+            {"responseHistogram", histogramOf(statistics.responses)},
+            {"cycleMs", percentilesOf(report.cycleTimes)},
+            {"timeoutMs", report.timeout.milliseconds()},
+            {"timeoutFloorMs", limits.quickFloorMs},
+            {"timeoutCeilingMs", limits.ceilingMs},
+            {"busyMs", asMilliseconds(statistics.busyUs)},
+            {"elapsedMs", asMilliseconds(report.elapsedUs)},
+            {"lineSharePercent", shareOf(statistics.busyUs, report.elapsedUs)}};
+}
+
+void appendFlat(const QJsonValue& value, const QString& name, QStringList& lines)
+{
+    const QString prefix = name.isEmpty() ? name : name + '.';
+    if (value.isObject()) {
+        const QJsonObject object = value.toObject();
+        for (auto member = object.begin(); member != object.end(); ++member)
+            appendFlat(member.value(), prefix + member.key(), lines);
+    } else if (value.isArray()) {
+        const QJsonArray array = value.toArray();
+        for (int index = 0; index < array.size(); ++index)
+            appendFlat(array[index], prefix + QString::number(index), lines);
+    } else {
+        lines += name + ',' + value.toVariant().toString();
+    }
+}
+
 }  // namespace
 
 QStringList statisticsLines(const Statistics& statistics, qint64 elapsedUs)
 {
-    const double busyShare = elapsedUs > 0 ? 100.0 * static_cast<double>(statistics.busyUs) /
-                                                 static_cast<double>(elapsedUs)
-                                           : 0.0;
     QStringList lines = kindLines(statistics);
     lines += rejectionLine(statistics);
     lines += QStringLiteral("  bytes: %1 sent, %2 received, %3 of them thrown away; "
@@ -121,7 +213,7 @@ QStringList statisticsLines(const Statistics& statistics, qint64 elapsedUs)
                       milliseconds(statistics.responses.largestUs()));
     lines += QStringLiteral("  time: %1 s, of which the line was in use %2 %")
                  .arg(static_cast<double>(elapsedUs) / 1e6, 0, 'f', 1)
-                 .arg(busyShare, 0, 'f', 0);
+                 .arg(shareOf(statistics.busyUs, elapsedUs), 0, 'f', 0);
     return lines;
 }
 
@@ -133,39 +225,20 @@ QStringList lineReportLines(const LineReport& report)
                       milliseconds(report.cycleTimes.percentileUs(95)),
                       milliseconds(report.cycleTimes.largestUs()));
     lines += QString();
-    lines += QStringLiteral("  response times; the time-out is %1 ms now").arg(report.timeoutMs);
+    lines += "  response times; " + timeoutText(report.timeout);
     return lines + histogramLines(report.statistics.responses);
 }
 
-QStringList lineReportJson(const LineReport& report)
+QString lineReportJson(const LineReport& report)
 {
-    const Statistics& statistics = report.statistics;
-    QJsonObject kinds;
-    QJsonObject rejected;
-    for (int index = 0; index < exchangeKinds; ++index) {
-        const auto kind = static_cast<ExchangeKind>(index);
-        kinds.insert(kindText(kind), countsOf(statistics.of(kind)));
-    }
-    for (int index = 0; index < replyVerdicts; ++index) {
-        const auto verdict = static_cast<ReplyVerdict>(index);
-        if (verdict != ReplyVerdict::Good)
-            rejected.insert(verdictName(verdict), statistics.of(verdict));
-    }
-    const QJsonObject object = {{"exchanges", kinds},
-                                {"rejected", rejected},
-                                {"bytesSent", statistics.bytesSent},
-                                {"bytesReceived", statistics.bytesReceived},
-                                {"bytesThrownAway", statistics.bytesThrownAway},
-                                {"enquiriesSent", statistics.enquiriesSent},
-                                {"enquiriesAnswered", statistics.enquiriesAnswered},
-                                {"linksLost", statistics.linksLost},
-                                {"reconnects", statistics.reconnects},
-                                {"responseMs", percentilesOf(statistics.responses)},
-                                {"cycleMs", percentilesOf(report.cycleTimes)},
-                                {"timeoutMs", report.timeoutMs},
-                                {"busyMs", asMilliseconds(statistics.busyUs)},
-                                {"elapsedMs", asMilliseconds(report.elapsedUs)}};
-    return QString::fromUtf8(QJsonDocument(object).toJson().trimmed()).split('\n');
+    return QString::fromUtf8(QJsonDocument(objectOf(report)).toJson().trimmed());
+}
+
+QStringList lineReportCsv(const LineReport& report)
+{
+    QStringList lines = {QStringLiteral("name,value")};
+    appendFlat(objectOf(report), QString(), lines);
+    return lines;
 }
 
 }  // namespace fxhost

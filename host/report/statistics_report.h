@@ -5,6 +5,7 @@
 
 #pragma once
 
+#include "host/adaptive_timeout.h"
 #include "host/statistics.h"
 
 #include <QStringList>
@@ -17,11 +18,14 @@ struct LineReport
     const Statistics& statistics;
     const Histogram& cycleTimes;
     qint64 elapsedUs;
-    int timeoutMs;  // that the response times have led to
+    const AdaptiveTimeout& timeout;
 };
 
 QStringList lineReportLines(const LineReport& report);
-QStringList lineReportJson(const LineReport& report);
+QString lineReportJson(const LineReport& report);
+
+// Lines of "name,value": the members of the JSON, those within others as "responseMs.p50".
+QStringList lineReportCsv(const LineReport& report);
 
 QStringList statisticsLines(const Statistics& statistics, qint64 elapsedUs);
 

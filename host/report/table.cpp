@@ -11,10 +11,44 @@
 
 namespace fxhost {
 
+namespace {
+
+const QRegularExpression& colourCode()
+{
+    static const QRegularExpression code(QStringLiteral("\x1b\\[[0-9;]*m"));
+    return code;
+}
+
+}  // namespace
+
 int visibleWidth(const QString& text)
 {
-    static const QRegularExpression colourCode(QStringLiteral("\x1b\\[[0-9;]*m"));
-    return QString(text).remove(colourCode).size();
+    return QString(text).remove(colourCode()).size();
+}
+
+QString clipped(const QString& text, int columns)
+{
+    if (visibleWidth(text) <= columns)
+        return text;
+    QString kept;
+    int shown = 0;
+    int position = 0;
+    while (position < text.size()) {
+        const QRegularExpressionMatch code =
+            colourCode().match(text, position, QRegularExpression::NormalMatch,
+                               QRegularExpression::AnchoredMatchOption);
+        if (code.hasMatch()) {
+            kept += code.captured();  // also behind the cut: a colour must end
+            position = code.capturedEnd();
+            continue;
+        }
+        if (++shown < columns)
+            kept += text[position];
+        else if (shown == columns)
+            kept += QStringLiteral("…");
+        ++position;
+    }
+    return kept;
 }
 
 QString Table::lineOf(const QStringList& cells, const QVector<int>& widths) const

@@ -43,4 +43,7 @@ private:
 // Columns on the screen: colour codes take none.
 int visibleWidth(const QString& text);
 
+// No wider than that many columns; a text that was cut ends with "…".
+QString clipped(const QString& text, int columns);
+
 }  // namespace fxhost

@@ -61,7 +61,7 @@ TEST_P(Commands, WriteOfManyBitsLosesNone)
 
 TEST_P(Commands, WatchShowsEachChangeOnce)
 {
-    const Ended ended = run({"watch", "D0:2", "-c", "3", "-l", "1", "--json"});
+    const Ended ended = run({"watch", "D0:2", "-n", "3", "-l", "1", "--json"});
     EXPECT_EQ(ended.code, 0);
     EXPECT_EQ(ended.out, "{\"address\":\"D0\",\"value\":0}\n{\"address\":\"D1\",\"value\":0}\n");
 }
@@ -103,7 +103,7 @@ TEST_P(Commands, RecordingIsReplayedWithoutThePlc)
 {
     const QTemporaryDir folder;
     const QString file = folder.filePath("session.jsonl");
-    EXPECT_EQ(run({"record", file, "D0:64", "X0:8", "-c", "2"}).code, 0);
+    EXPECT_EQ(run({"record", file, "D0:64", "X0:8", "-n", "2"}).code, 0);
     const Ended replayed = fxhost({"replay", file});
     EXPECT_EQ(replayed.code, 0);
     EXPECT_EQ(replayed.out, "6 exchanges, all alike\n");
@@ -117,7 +117,7 @@ TEST_P(Commands, RecordingIsReplayedWithoutThePlc)
 
 TEST_P(Commands, StatsCountTheExchanges)
 {
-    const Ended ended = run({"stats", "D0:64", "-c", "5", "--json"});
+    const Ended ended = run({"stats", "D0:64", "-n", "5", "--json"});
     EXPECT_EQ(ended.code, 0);
     EXPECT_TRUE(holds(ended.out, "\"bytesSent\": 110,")) << ended.out;
 }

@@ -139,6 +139,8 @@ TEST(Usage, PlanShowsTheBlocks)
     const Ended ended =
         fxhost({"plan", "D100:10", "D105:20", "D140:5", "D10:70", "M5", "M20:3", "--csv", "-q"});
     EXPECT_EQ(ended.code, 0);
-    EXPECT_EQ(ended.out, "M0 … M23,24,3,20,21\nD10 … D41,32,64,0,143\nD42 … D73,32,64,0,143\n"
-                         "D74 … D79,6,12,0,39\nD100 … D124,25,50,0,115\nD140 … D144,5,10,0,35\n");
+    EXPECT_EQ(ended.out, "M0 … M23,24,3,21,20,\"M0 … M4, M6 … M19, M23\"\n"
+                         "D10 … D41,32,64,143,0,\nD42 … D73,32,64,143,0,\n"
+                         "D74 … D79,6,12,39,0,\nD100 … D124,25,50,115,0,\n"
+                         "D140 … D144,5,10,35,0,\n");
 }
