@@ -38,6 +38,12 @@ fxhost::LoopSettings onTimeOf(const SoakLine& line)
     return settings;
 }
 
+bool met(fxsim::FaultKind kind, const fxsim::Statistics& before, const fxsim::Statistics& after)
+{
+    const auto index = static_cast<size_t>(kind);
+    return after.faults[index] > before.faults[index];
+}
+
 }  // namespace
 
 Soak::Soak(const fxhost::DriverLibrary& library, const SoakSettings& settings)
@@ -129,7 +135,10 @@ void Soak::startRecipe()
 
 void Soak::exchange()
 {
+    const fxsim::Statistics before = plc();
     const std::optional<fxhost::Exchange> exchange = m_loop.step();
+    m_sumIsForged = met(fxsim::FaultKind::WrongSum, before, plc()) &&
+                    met(fxsim::FaultKind::FlippedBits, before, plc());
     expect(exchange.has_value(), QStringLiteral("there is a plan, and nothing to send"));
     if (!m_line.isOpen())
         m_line.open();

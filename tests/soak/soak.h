@@ -31,6 +31,7 @@ struct SoakCounts
     qint64 failed = 0;
     qint64 valuesRight = 0;
     qint64 valuesWaiting = 0;  // that a queued write covered: either may show
+    qint64 sumsForged = 0;     // replies that came with such a sum, and were not judged
     qint64 writesConfirmed = 0;
     qint64 writesFailed = 0;
     qint64 recipesDone = 0;
@@ -94,6 +95,7 @@ private:
     std::mt19937 m_random;
     WriteBook m_book;
     bool m_isWriting = false;
+    bool m_sumIsForged = false;  // a spoilt sum can be the right one of the flipped bits
     std::optional<RunningRecipe> m_recipe;
     SoakCounts m_counts;
     QVector<QString> m_findings;

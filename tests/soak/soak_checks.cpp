@@ -84,7 +84,7 @@ void Soak::checkConfirmed(const QString& typeName, int number, quint32 value)
                .arg(number)
                .arg(cached)
                .arg(last));
-    ++m_counts.valuesRight;
+    m_counts.valuesRight += cached == last;
 }
 
 void Soak::checkRecipe(const fxhost::Exchange& exchange)
@@ -97,7 +97,8 @@ void Soak::checkRecipe(const fxhost::Exchange& exchange)
                exchange.frame.variable.registerType == entry.type.name,
            QStringLiteral("a recipe entry went out of turn"));
     if (!exchange.hasFailed()) {
-        checkRecipeWords(entry, isDownload ? Side::Written : Side::Read);
+        if (isDownload || !m_sumIsForged)
+            checkRecipeWords(entry, isDownload ? Side::Written : Side::Read);
         if (!isDownload)
             checkCache(entry);
         m_recipe->nextWord += static_cast<size_t>(entry.type.driverCount(entry.count));
@@ -125,12 +126,16 @@ void Soak::checkRecipeWords(const fxhost::RegisterRange& entry, Side side)
                                 .arg(number)
                                 .arg(held));
         at += static_cast<size_t>(run.bits / bitsPerWord);
-        ++m_counts.valuesRight;
+        m_counts.valuesRight += held == own;
     }
 }
 
 void Soak::checkCache(const fxhost::RegisterRange& range)
 {
+    if (m_sumIsForged) {
+        ++m_counts.sumsForged;
+        return;
+    }
     const PlcRun& run = plcRun(range.type.name);
     const QVector<quint32> values = m_session.values(range);
     for (int i = 0; i < values.size(); ++i) {
@@ -146,7 +151,7 @@ void Soak::checkCache(const fxhost::RegisterRange& range)
                    .arg(number)
                    .arg(held)
                    .arg(values[i]));
-        ++m_counts.valuesRight;
+        m_counts.valuesRight += values[i] == held;
     }
 }
 
