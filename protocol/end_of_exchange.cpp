@@ -42,7 +42,13 @@ void endConditionRead()
 void rotatePlan()
 {
     const int last = static_cast<int>(driver.readList.size()) - 1;
-    if (last > 0)
+    if (last < 1)
+        return;
+    // From Qt 6 on a list is one array, where a move shifts all requests, a kilobyte each; before
+    // that it is one of pointers.
+    if constexpr (QT_VERSION >= QT_VERSION_CHECK(6, 0, 0))
+        driver.readList.append(driver.readList.takeFirst());
+    else
         driver.readList.move(0, last);
 }
 
