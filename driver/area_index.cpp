@@ -81,6 +81,7 @@ void AreaIndex::rebuild(const QList<_DATA_>& areas)
     m_slots = QVector<int>(slotCount, 0);
     m_keysAreUnique = true;
     m_lastFound = 0;
+    m_lastOfRun = 0;
     for (int position = 0; position < areaCount; ++position) {
         const _DATA_& area = areas.at(position);
         int& slot = m_slots[slotOf(areas, area.stationNo, area.registerType, area.startIndex)];

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// Finds the data area with a given key at the cost of a hash look-up, or less for a neighbour of
-// the one found last, with the answer of a scan from the first area upward. Between calls it keeps
+// Finds the data area with a given key at the cost of a hash look-up, or less for the next one in
+// the list's order, with the answer of a scan from the first area upward. Between calls it keeps
 // a shared copy of the list: whoever changes the list behind its back detaches it from that
 // copy, which is how such a change is noticed and the index built anew.
 
@@ -23,11 +23,14 @@ public:
     {
         if (m_keysAreUnique && areas.isSharedWith(m_witness)) {
             const int areaCount = static_cast<int>(areas.size());
-            for (const int position : {m_lastFound + 1, m_lastFound}) {
+            for (const int position : {m_lastOfRun + 1, m_lastFound + 1}) {
                 if (position < areaCount &&
                     hasKey(areas.at(position), stationNo, registerType, startIndex))
-                    return m_lastFound = position;
+                    return m_lastFound = m_lastOfRun = position;
             }
+            if (m_lastFound < areaCount &&
+                hasKey(areas.at(m_lastFound), stationNo, registerType, startIndex))
+                return m_lastFound;
         }
         return m_lastFound = findByHash(areas, stationNo, registerType, startIndex);
     }
@@ -69,6 +72,7 @@ private:
     QVector<int> m_slots;  // area position + 1 by hash of its key; 0 = free; never over half full
     QList<_DATA_> m_witness;  // shares its data with the list that the index describes
     int m_lastFound = 0;
+    int m_lastOfRun = 0;  // the one found last as a neighbour: a run goes on behind a leap aside
     bool m_keysAreUnique = true;
 };
 

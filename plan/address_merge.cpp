@@ -10,7 +10,9 @@
 #include "plan/pieces.h"
 
 #include <algorithm>
+#include <array>
 #include <map>
+#include <numeric>
 #include <tuple>
 #include <vector>
 
@@ -66,13 +68,29 @@ void filePieces(const KEY_ADDRESS& key, PieceMap& pieces)
         group.push_back({cutter.start(i), cutter.length(i)});
 }
 
-// By address; of equal addresses the piece that was cut last comes first.
+// The byte of a piece's address from bit `shift` on, of a number that has negative addresses first.
+std::size_t addressByte(const Piece& piece, int shift)
+{
+    const unsigned int number = static_cast<unsigned int>(piece.addressIndex) ^ 0x80000000U;
+    return (number >> shift) & 0xFFU;
+}
+
+// By address; of equal addresses the piece that was cut last comes first. One pass for each byte of
+// the address, the lowest first, each keeping the order of the pass before: the time grows with the
+// number of pieces alone.
 void sortPieces(std::vector<Piece>& pieces)
 {
     std::reverse(pieces.begin(), pieces.end());
-    std::stable_sort(pieces.begin(), pieces.end(), [](const Piece& a, const Piece& b) {
-        return a.addressIndex < b.addressIndex;
-    });
+    std::vector<Piece> sorted(pieces.size());
+    for (int shift = 0; shift < 32; shift += 8) {
+        std::array<std::size_t, 256 + 1> starts = {};  // where the pieces with each byte go
+        for (const Piece& piece : pieces)
+            ++starts[addressByte(piece, shift) + 1];
+        std::partial_sum(starts.begin(), starts.end(), starts.begin());
+        for (const Piece& piece : pieces)
+            sorted[starts[addressByte(piece, shift)]++] = piece;
+        pieces.swap(sorted);
+    }
 }
 
 qint64 bytesOfBits(qint64 bits)

@@ -128,6 +128,14 @@ TEST_F(AreaIndexTest, FindsTheFirstOfEqualAreasAlsoNextToTheOneFoundLast)
     EXPECT_EQ(0, find(areaOf("D", 6)));
 }
 
+TEST_F(AreaIndexTest, GoesOnWithARunBehindALeapAside)
+{
+    fill(20);
+    for (const int position : {3, 4, 15, 5, 15, 10, 6, 7, 6, 16, 17, 8, 18})
+        EXPECT_EQ(position, find(areaOf("D", position)));
+    EXPECT_EQ(20, areas.size());
+}
+
 TEST_F(AreaIndexTest, EditOfValuesKeepsTheAnswers)
 {
     fill(100);

@@ -164,6 +164,18 @@ TEST_F(HostilePlan, NegativeStartsAreHarmless)
     EXPECT_EQ(1, merge(watch("M", smallest, 8)));
 }
 
+TEST_F(HostilePlan, AddressesThatDifferInAnyByteAreSortedTheNegativeOnesFirst)
+{
+    setUpDriver("1#0#0#3#1");
+    QList<KEY_ADDRESS> keys;
+    for (const int address : {16777216, -1, 256, 65536, 0, -257, 255, -16777217, 65791, 1})
+        keys << watch("D", address, 1);
+    ASSERT_EQ(10, intf_addrMerge(keys));
+    EXPECT_EQ("1#D-16777217/1 1#D-257/1 1#D-1/1 1#D0/1 1#D1/1 1#D255/1 1#D256/1 1#D65536/1 "
+              "1#D65791/1 1#D16777216/1",
+              textOf(driver.readList));
+}
+
 TEST_F(HostilePlan, ManyScatteredKeysArePlannedInOrder)
 {
     setUpDriver("1#0#0#3#1");
