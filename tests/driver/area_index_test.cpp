@@ -77,6 +77,19 @@ TEST_F(AreaIndexTest, NoticesThatTheListWasEmptied)
     EXPECT_EQ(1, find(areaOf("D", 9)));
 }
 
+// An empty list shares its data with every other empty one: an edit of it must not leave the index
+// with the places of the list that it knew before.
+TEST_F(AreaIndexTest, ForgetsItsListWhenAnEmptyOneIsEdited)
+{
+    fill(10);
+    areas = QList<_DATA_>();
+    {
+        const AreaIndex::Edit edit(index, areas);
+    }
+    EXPECT_EQ(0, find(areaOf("D", 3)));
+    EXPECT_EQ("1#D3", textOf(areas));
+}
+
 TEST_F(AreaIndexTest, NoticesAnotherListOfTheSameSize)
 {
     fill(2);

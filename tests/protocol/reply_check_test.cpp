@@ -135,6 +135,13 @@ TEST_F(ReplyCheckOfBadBuffers, NoBytesAreRejected)
     EXPECT_EQ(0, check_rcv_data(&byte, -2147483647 - 1));
 }
 
+TEST_F(ReplyCheckOfBadBuffers, NoBufferIsRejectedWhateverItsLength)
+{
+    driver.frames << FRAME_PRO();
+    EXPECT_EQ(0, check_rcv_data(nullptr, 1));
+    EXPECT_EQ(0, check_rcv_data(nullptr, 12));
+}
+
 TEST_F(ReplyCheckOfBadBuffers, WithoutAFrameInFlightEverythingIsRejected)
 {
     unsigned char byte = 0x06;
