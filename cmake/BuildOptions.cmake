@@ -9,7 +9,7 @@ target_compile_options(fx_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -
     -Wsign-conversion -Wnon-virtual-dtor -Wold-style-cast -Woverloaded-virtual -Wcast-align
     -Wformat=2 -Wundef)
 if(FX_WARNINGS_AS_ERRORS)
-    target_compile_options(fx_warnings INTERFACE -Werror)
+    string(APPEND CMAKE_CXX_FLAGS " -Werror")  # where CXXFLAGS=-Werror puts it too
 endif()
 
 add_library(fx_hardening INTERFACE)

@@ -54,7 +54,8 @@ if(TARGET fxhost)
     # fxhost loads the library by name, as panels do, and finds it from its own folder.
     file(RELATIVE_PATH library_beside_tools
         /prefix/${CMAKE_INSTALL_BINDIR} /prefix/${CMAKE_INSTALL_LIBDIR})
-    target_compile_definitions(fx_host_core PRIVATE
+    set_property(SOURCE host/driver_library.cpp TARGET_DIRECTORY fx_host_core
+        PROPERTY COMPILE_DEFINITIONS
         FX_LIBRARY_FILE="$<TARGET_SONAME_FILE_NAME:mitsubishi_fx1s>"
         FX_LIBRARY_FOLDER="${library_beside_tools}")
 endif()
