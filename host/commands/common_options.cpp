@@ -18,7 +18,7 @@ constexpr int longestReconnectS = 86400;
 // "1000", "1000ms" or "1s".
 CLI::AsNumberWithUnit timeInMs()
 {
-    return CLI::AsNumberWithUnit(std::map<std::string, int>{{"ms", 1}, {"s", 1000}},
+    return CLI::AsNumberWithUnit(std::map<std::string, double>{{"ms", 1}, {"s", 1000}},
                                  CLI::AsNumberWithUnit::CASE_INSENSITIVE);
 }
 

@@ -101,10 +101,17 @@ QString advice(const Finding& best)
     case ReplyVerdict::TooLong:
     case ReplyVerdict::NotAFrame:
     case ReplyVerdict::WrongSum:
-        return QStringLiteral("Something answers, but damaged: look for a wrong speed, a loose "
-                              "cable or a disturbance.");
+        return QStringLiteral("Something answers, but damaged: look for a wrong speed or "
+                              "parity, a loose cable or a disturbance.");
     }
     return {};
+}
+
+QString linkFor(const CommonOptions& common, const Finding& finding)
+{
+    const QString link = QString::fromStdString(common.link).section('?', 0, 0);
+    return QStringLiteral("Write it as --link '%1?baud=%2&line=%3'.")
+        .arg(link, finding.setting.section(' ', 0, 0), finding.setting.section(' ', 2));
 }
 
 // A good answer explains most, any answer more than none.
@@ -126,18 +133,23 @@ ExitCode runDoctor(const CommonOptions& common)
     const QVector<Finding> findings = examineAll(common);
     if (findings.isEmpty())
         return ExitCode::Interrupted;
-    Records records(common.output, {{"setting"}, {"enquiry"}, {"request"}});
+    const bool forPeople = common.output.mode == OutputMode::People;
+    QVector<Table::Column> columns = {{"setting"}, {"enquiry"}, {"request"}};
+    if (!forPeople)
+        columns.append({QStringLiteral("meaning")});
+    Records records(common.output, columns);
     for (const Finding& finding : findings) {
-        records.add(
-            {finding.setting,
-             finding.answersEnquiry ? QStringLiteral("answered") : QStringLiteral("no answer"),
-             verdictText(finding.verdict)});
+        const QString enquiry =
+            finding.answersEnquiry ? QStringLiteral("answered") : QStringLiteral("no answer");
+        records.add({finding.setting, enquiry, verdictText(finding.verdict), advice(finding)});
     }
     records.finish();
     const Finding& best = mostTelling(findings);
-    if (common.output.mode == OutputMode::People) {
+    if (forPeople) {
         Console().line();
         Console().line(advice(best));
+        if (findings.size() > 1 && best.verdict == ReplyVerdict::Good)
+            Console().line(linkFor(common, best));
     }
     return interrupted() ? ExitCode::Interrupted : exitCodeOf(best.verdict);
 }
@@ -146,9 +158,9 @@ ExitCode runDoctor(const CommonOptions& common)
 
 void addDoctorCommand(CLI::App& app, const CommonOptions& common, Action& action)
 {
-    app.add_subcommand("doctor", "Find out why a PLC does not answer")->callback([&] {
-        action = [&common] { return runDoctor(common); };
-    });
+    CLI::App* command = app.add_subcommand("doctor", "Find out why a PLC does not answer");
+    addExamples(*command, {"fxhost doctor"});
+    command->callback([&] { action = [&common] { return runDoctor(common); }; });
 }
 
 }  // namespace fxhost

@@ -126,6 +126,16 @@ ExitCode stopped(const QString& path, const RegisterRange& portion, ReplyVerdict
     return interrupted() ? ExitCode::Interrupted : exitCodeOf(problem);
 }
 
+QString resultText(const PollResult& result, int alreadyThere)
+{
+    QString text = QStringLiteral("%1 registers read").arg(result.good());
+    if (result.failed() > 0)
+        text += QStringLiteral(", %1 could not be").arg(result.failed());
+    if (alreadyThere > 0)
+        text += QStringLiteral(", %1 were in it already").arg(alreadyThere);
+    return text;
+}
+
 ExitCode runDump(const CommonOptions& common, const DumpOptions& options)
 {
     Connection connection(common);
@@ -143,12 +153,7 @@ ExitCode runDump(const CommonOptions& common, const DumpOptions& options)
     dumper.finish();
     progress(portions.size(), portions.size());
     const PollResult& result = dumper.result();
-    showResult(common.output,
-               QStringLiteral("  %1: %2 registers read, %3 could not be, %4 were there")
-                   .arg(path)
-                   .arg(result.good())
-                   .arg(result.failed())
-                   .arg(dumper.alreadyThere()),
+    showResult(common.output, "  " + path + ": " + resultText(result, dumper.alreadyThere()),
                {{"file", path},
                 {"read", result.good()},
                 {"failed", result.failed()},

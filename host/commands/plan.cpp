@@ -101,15 +101,22 @@ void showBlocks(const CommonOptions& common, const QVector<PlannedBlock>& plan)
 void showCycleTimes(const QVector<PlannedBlock>& plan)
 {
     const int characters = charactersOf(plan);
-    QStringList times;
-    for (const int baud : speeds)
-        times += QStringLiteral("%1 ms at %2").arg(cycleMs(characters, baud)).arg(baud);
+    QVector<Table::Column> columns = {{QStringLiteral("baud")}};
+    QStringList times = {QStringLiteral("cycle, ms")};
+    for (const int baud : speeds) {
+        columns.append({QString::number(baud), Align::Right});
+        times += QString::number(cycleMs(characters, baud));
+    }
+    Table table(columns);
+    table.add(times);
     Console().line();
-    Console().line(QStringLiteral("  %1 blocks, %2 characters a cycle: %3 baud;\n"
-                                  "  to which the PLC adds up to a scan for each block")
-                       .arg(plan.size())
-                       .arg(characters)
-                       .arg(times.join(QStringLiteral(", "))));
+    Console().line(
+        QStringLiteral("  %1 blocks, %2 characters a cycle; to the times on the line the "
+                       "PLC adds\n  up to a scan for each block:")
+            .arg(plan.size())
+            .arg(characters));
+    for (const QString& line : table.lines())
+        Console().line(line);
 }
 
 void showJson(const QVector<PlannedBlock>& plan)
