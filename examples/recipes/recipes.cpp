@@ -14,8 +14,8 @@
 
 namespace {
 
-constexpr int downloadRequest = 60115;
-constexpr int uploadRequest = 60116;
+constexpr std::size_t downloadRequest = 60115;  // bytes of the host's memory
+constexpr std::size_t uploadRequest = 60116;
 constexpr int linkNo = 1;
 constexpr int firstDataRegister = 0x1000;  // byte address of D0
 
@@ -48,24 +48,30 @@ QByteArray answer(const QByteArray& frame)
     return QByteArray(1, '\x06');
 }
 
-unsigned char& requestByte(int position)
+// The request bytes are touched under the mutex, and the driver is never called with it locked.
+void request(std::size_t position)
 {
-    return hostMemory[static_cast<std::size_t>(position)];
+    const QMutexLocker lock(&hostMutex);
+    hostMemory[position] = 1;
+}
+
+bool isRequested(std::size_t position)
+{
+    const QMutexLocker lock(&hostMutex);
+    return hostMemory[position] == 1;
 }
 
 // Raises the request and exchanges until the driver has taken it back.
-void transfer(int position)
+void transfer(std::size_t position)
 {
-    hostMutex.lock();
-    requestByte(position) = 1;
-    hostMutex.unlock();
+    request(position);
     FRAME_PRO frame;
-    while (requestByte(position) == 1 && intf_getSendFrame(&frame) == 1) {
-        const QByteArray request(reinterpret_cast<char*>(frame.frame), frame.frameLength);
-        QByteArray reply = answer(request);
+    while (isRequested(position) && intf_getSendFrame(&frame) == 1) {
+        const QByteArray sent(reinterpret_cast<char*>(frame.frame), frame.frameLength);
+        QByteArray reply = answer(sent);
         QString errorText;
         const int result = intf_dealRcvFrame(reply, errorText);
-        std::printf("  %s -> result %d\n", request.mid(1, request.size() - 4).constData(), result);
+        std::printf("  %s -> result %d\n", sent.mid(1, sent.size() - 4).constData(), result);
     }
 }
 
