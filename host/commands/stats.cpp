@@ -66,7 +66,7 @@ void addStatsCommand(CLI::App& app, const CommonOptions& common, Action& action)
     command->add_option("-n,--count", options->cycles, "Polling cycles; 100 unless given")
         ->type_name("N")
         ->check(CLI::Range(1, mostCycles).description(""));
-    addExamples(*command, {"fxhost stats D0:64 -n 50 -b 9600", "fxhost stats D0:64 X0:16 --json"});
+    addExamples(*command, {"fxhost stats D0:64 -n 20 -b 115200", "fxhost stats D0:64 X0:16 --json"});
     command->callback([&action, &common, options] {
         action = [&common, options] { return runStats(common, *options); };
     });
