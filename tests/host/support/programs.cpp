@@ -63,14 +63,20 @@ QString RunningSimulator::readyPlace()
                              m_process.readAllStandardError().toStdString());
 }
 
-void RunningSimulator::command(const QString& line)
+QByteArray RunningSimulator::command(const QString& line)
 {
     m_process.write(line.toUtf8() + '\n');
-    QByteArray said;
-    while (!said.endsWith("ok\n") && m_process.waitForReadyRead(patienceMs))
-        said += m_process.readAllStandardOutput();
-    if (!said.endsWith("ok\n"))
-        throw std::runtime_error("the simulator did not carry out: " + line.toStdString());
+    QByteArray answer;
+    while (m_process.canReadLine() || m_process.waitForReadyRead(patienceMs)) {
+        while (m_process.canReadLine()) {
+            const QByteArray said = m_process.readLine();
+            if (said == "ok\n")
+                return answer;
+            if (!said.startsWith("fxsim: "))  // news of a link may come between
+                answer += said;
+        }
+    }
+    throw std::runtime_error("the simulator did not carry out: " + line.toStdString());
 }
 
 bool holds(const std::string& text, const std::string& part)

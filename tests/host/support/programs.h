@@ -33,8 +33,8 @@ public:
     RunningSimulator(const RunningSimulator&) = delete;
     RunningSimulator& operator=(const RunningSimulator&) = delete;
 
-    QString link() const { return m_link; }  // as fxhost takes it
-    void command(const QString& line);       // on its standard input; waits for "ok"
+    QString link() const { return m_link; }   // as fxhost takes it
+    QByteArray command(const QString& line);  // on its standard input; what came before "ok"
 
 private:
     QString readyPlace();

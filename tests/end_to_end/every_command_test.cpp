@@ -1,0 +1,192 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// Every command of fxhost against a PLC simulated by fxsim, two processes on a pseudo-terminal and
+// on TCP, as transcripts. The PLC itself is asked what arrived, by its own commands.
+
+#include "tests/end_to_end/transcript.h"
+
+#include <QRegularExpression>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+using namespace fx_end_to_end;
+
+namespace {
+
+struct Command
+{
+    const char* name;
+    const char* transcript;
+    const char* program = "none";  // that runs in the PLC
+};
+
+void PrintTo(const Command& command, std::ostream* out)
+{
+    *out << command.name;
+}
+
+// D0 is at byte 0x1000, M0 at 0x0100, X0 at 0x0080, 32CV200 at 0x0C00.
+const Command commands[] = {
+    {"types", R"(fxhost> types --csv -q | grep -o 32CV.*
+32CV,200,255,10,32 bits,true
+)"},
+    {"check", R"(fxhost> check X17 X18 --csv -q
+X17,true,"X17 of station 1, bit"
+X18,false,'X18' has a number that does not fit: X0 to X377 in octal
+[1]
+)"},
+    {"series", R"(fxhost> series X6 -c 3 --csv -q
+1,X6
+2,X7
+3,X10
+)"},
+    {"plan", R"(fxhost> plan D100:10 D105:20 M8000 --csv -q
+SM8000 … SM8007,8,1,17,7,SM8001 … SM8007
+D100 … D124,25,50,115,0,
+)"},
+    {"read", R"(fxsim> poke 0x10C8 0x39 0x30
+fxsim> poke 0x0080.2 1
+fxsim> poke 0x0C00 1 0 1 0
+fxhost> read D100 X2:2 32CV200 --csv -q
+D100,12345,
+X2,1,
+X3,0,
+32CV200,65537,
+)"},
+    {"write", R"(fxhost> write D100=258,-1 M9=on 32CV201=70000 --verify --csv -q
+D100:2,"258,-1",verified
+M9,on,verified
+32CV201,70000,verified
+fxsim> peek 0x10C8 4
+10C8: 02 01 FF FF
+fxsim> peek 0x0101
+0101: 02
+fxsim> peek 0x0C04 4
+0C04: 70 11 01 00
+)"},
+    {"watch", R"(fxsim> poke 0x1000 7
+fxhost> watch D0:2 -n 3 -l 0 --csv -q
+D0,7,
+D1,0,
+fxsim> poke 0x1000 8
+fxhost> watch D0:2 -1 --csv -q
+D0,8,
+D1,0,
+)"},
+    {"recipe", R"(fxsim> poke 0x1000 1 0 2 0
+fxsim> poke 0x0C00 3 0 0 1
+fxhost> recipe upload recipe.csv D0:2 32CV200 -q
+cat> recipe.csv
+address,value
+D0,1
+D1,2
+32CV200,16777219
+fxsim> poke 0x1000 9 9 9 9
+fxsim> poke 0x0C00 9 9 9 9
+fxhost> recipe download recipe.csv -q
+fxsim> peek 0x1000 4
+1000: 01 00 02 00
+fxsim> peek 0x0C00 4
+0C00: 03 00 00 01
+)"},
+    {"dump", R"(fxsim> poke 0x1000 5 0 6 0
+fxsim> poke 0x0100 2
+fxhost> dump dump.csv D0:2 -q
+fxhost> dump dump.csv D0:3 M0:2 --resume -q
+cat> dump.csv
+address,value
+D0,5
+D1,6
+D2,0
+M0,0
+M1,1
+)"},
+    {"restore", R"(fxsim> poke 0x1000 5 0 6 0
+fxsim> poke 0x0100 2
+fxhost> dump dump.csv D0:2 M0:2 -q
+fxsim> poke 0x1000 9 9 9 9
+fxsim> poke 0x0100 1
+fxhost> restore dump.csv -q
+fxsim> peek 0x1000 4
+1000: 05 00 06 00
+fxsim> peek 0x0100
+0100: 02
+)"},
+    {"monitor", R"(fxsim> poke 0x10C8 0x12 0x34
+fxhost> monitor D100 -n 1 --csv -q | grep -o read.*accepted
+read D100,␂010C802␃71,␂1234␃CD,good,accepted
+)"},
+    {"stats", R"(fxhost> stats D0:64 -n 5 --json | grep -o "(bytes|refused|silence).*
+"bytesReceived": 1320,
+"bytesSent": 110,
+"bytesThrownAway": 0,
+"refused": 0,
+"silence": 0,
+)"},
+    {"record", R"(fxsim> poke 0x1000 0x12 0x34
+fxhost> record session.jsonl D0 -n 1
+fxhost> replay session.jsonl
+1 exchanges, all alike
+)"},
+    {"replay", R"(fxhost> record session.jsonl D0:64 -n 10
+fxhost> replay session.jsonl
+20 exchanges, all alike
+fxhost> replay no-such-file
+fxhost: no-such-file: No such file or directory
+[7]
+)"},
+    {"doctor", R"(fxhost> doctor --csv -q
+the settings given,answered,good,The PLC answers with the settings given. All is well.
+)"},
+    {"demo", R"(fxhost> demo | grep -o All.*
+All 10 checks came true: what was read back is what was written.
+)",
+     "sample"},
+};
+
+QStringList commandsInHelp()
+{
+    const QString help = QString::fromStdString(fxhost_tests::fxhost({"--help"}).out);
+    const QString list = help.section("Subcommands:", 1).section("\n\n", 0, 0);
+    QRegularExpressionMatchIterator rows =
+        QRegularExpression("^  (\\w+) ", QRegularExpression::MultilineOption).globalMatch(list);
+    QStringList names;
+    while (rows.hasNext())
+        names += rows.next().captured(1);
+    return names;
+}
+
+}  // namespace
+
+class EveryCommand : public testing::TestWithParam<std::tuple<Road, Command>>
+{};
+
+TEST_P(EveryCommand, PrintsAndDoesWhatItShould)
+{
+    const auto& [road, command] = GetParam();
+    TerminalSession session(road, {"--baud", "0", "--program", command.program});
+    EXPECT_EQ(session.play(command.transcript), command.transcript);
+}
+
+INSTANTIATE_TEST_SUITE_P(Roads, EveryCommand,
+                         testing::Combine(testing::Values(Road::PseudoTerminal, Road::Tcp),
+                                          testing::ValuesIn(commands)),
+                         [](const auto& row) {
+                             return std::string(std::get<1>(row.param).name) + "Over" +
+                                    testing::PrintToString(std::get<0>(row.param));
+                         });
+
+TEST(EveryCommandOfTheHelp, HasATranscript)
+{
+    const QStringList names = commandsInHelp();
+    EXPECT_EQ(names.size(), 16);
+    for (const QString& name : names) {
+        const bool isPlayed =
+            std::any_of(std::begin(commands), std::end(commands),
+                        [&name](const Command& command) { return name == command.name; });
+        EXPECT_TRUE(isPlayed) << name.toStdString();
+    }
+}

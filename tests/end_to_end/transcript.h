@@ -1,0 +1,35 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// A terminal session as a test: a transcript holds the lines that were typed and all that the
+// programs printed; playing it again must give the same text. Three prompts are known:
+//   fxhost> ARGUMENTS [| grep -o PATTERN]   a run against the simulated PLC, all of its output or
+//                                           each part that matches; "[CODE]" follows unless it is 0
+//   fxsim> COMMAND                          a command to that PLC
+//   cat> FILE                               a file in the folder that the programs work in
+
+#pragma once
+
+#include "tests/host/support/programs.h"
+
+namespace fx_end_to_end {
+
+using fxhost_tests::Road;
+
+class TerminalSession
+{
+public:
+    TerminalSession(Road road, const QStringList& simulatorOptions);
+
+    // The transcript of what the typed lines of the given one lead to.
+    std::string play(const std::string& transcript);
+
+private:
+    std::string answerTo(const QString& typed);
+    std::string runHost(const QString& arguments) const;
+
+    QTemporaryDir m_folder;
+    fxhost_tests::RunningSimulator m_plc;
+};
+
+}  // namespace fx_end_to_end
