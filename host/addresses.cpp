@@ -7,6 +7,8 @@
 
 #include <QRegularExpression>
 
+#include <limits>
+
 namespace fxhost {
 
 namespace {
@@ -40,8 +42,9 @@ int wholeNumber(const QString& address, const QString& digits, const char* what)
     bool fits = false;
     const int number = digits.toInt(&fits);
     if (!fits || number < 1)
-        reject(address, QStringLiteral("has %1 as %2; that must be 1 or more")
-                            .arg(digits, QLatin1String(what)));
+        reject(address, QStringLiteral("has %1 as %2; that is a number from 1 to %3")
+                            .arg(digits, QLatin1String(what))
+                            .arg(std::numeric_limits<int>::max()));
     return number;
 }
 
@@ -107,8 +110,8 @@ void rejectNumber(const AddressParts& parts, const RegisterType& type, AddressCh
 
 QString limitsText(const RegisterType& type)
 {
-    const QString base = type.numberBase == 8 ? QStringLiteral(" in octal") : QString();
-    return QStringLiteral("%1%2 to %1%3%4")
+    const char* const base = type.numberBase == 8 ? "octal" : "decimal";
+    return QStringLiteral("%1%2 to %1%3 in %4")
         .arg(type.name, type.numberText(type.lowest), type.numberText(type.highest), base);
 }
 

@@ -30,7 +30,7 @@ public:
 RegisterRange parseAddress(const QString& text, const RegisterCatalogue& catalogue,
                            const DriverLibrary& library);
 
-// "D0 to D7999"; octal types say so.
+// "D0 to D7999 in decimal".
 QString limitsText(const RegisterType& type);
 
 }  // namespace fxhost

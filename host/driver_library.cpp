@@ -43,10 +43,13 @@ QStringList driverLibraryPlaces()
 
 DriverLibrary::DriverLibrary(const QString& path) : m_library(choosePath(path))
 {
-    if (!m_library.load()) {
-        throw LibraryError(
-            "cannot load the driver library: " + m_library.errorString().toStdString() +
-            "; name it with --library PATH or in FX_DRIVER");
+    const QString file = m_library.fileName();
+    const bool isMissing = file.contains('/') && !QFileInfo::exists(file);
+    if (isMissing || !m_library.load()) {
+        const QString reason =
+            isMissing ? file + ": No such file or directory" : m_library.errorString();
+        throw LibraryError("cannot load the driver library: " + reason.toStdString() +
+                           "; name it with --library PATH or in FX_DRIVER");
     }
     resolveAll();
 }

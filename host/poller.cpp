@@ -113,6 +113,11 @@ bool Poller::askAsideAgain()
 {
     if (m_cycle % cyclesUntilAskedAgain != cyclesUntilAskedAgain - 1)
         return true;
+    if (m_planned.isEmpty()) {
+        m_aside.clear();  // a one-off read needs a plan to go in between: all of it is the plan
+        planEverything();
+        return true;
+    }
     QVector<Aside> stillAside;
     for (const Aside& aside : m_aside) {
         const ReplyVerdict verdict = readPiece(aside.range);

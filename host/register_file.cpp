@@ -19,6 +19,12 @@ const QString titleLine = QStringLiteral("address,value");
         QStringLiteral("%1, line %2: %3").arg(file.fileName()).arg(line).arg(reason).toStdString());
 }
 
+QString quoted(const QString& text)
+{
+    constexpr int longest = 40;
+    return text.size() > longest ? text.left(longest) + "…" : text;
+}
+
 struct FileRegister
 {
     RegisterRange range;
@@ -30,13 +36,13 @@ FileRegister parseLine(const QFile& file, int line, const QString& text,
 {
     const QStringList fields = text.split(',');
     if (fields.size() < 2)
-        reject(file, line, QStringLiteral("'%1' is not ADDRESS,VALUE").arg(text));
+        reject(file, line, QStringLiteral("'%1' is not ADDRESS,VALUE").arg(quoted(text)));
     try {
         FileRegister one;
         one.range = parseAddress(fields[0], catalogue, library);
         const QVector<quint32> values = parseValue(fields[1].trimmed(), one.range.type);
         if (one.range.count != 1 || values.size() != 1)
-            reject(file, line, QStringLiteral("'%1' is more than one register").arg(text));
+            reject(file, line, QStringLiteral("'%1' is more than one register").arg(quoted(text)));
         one.value = values.first();
         return one;
     } catch (const AddressError& error) {
@@ -92,7 +98,8 @@ void checkWritable(const QString& path, const QVector<RegisterRun>& runs)
     }
 }
 
-RegisterFileWriter::RegisterFileWriter(const QString& path, Mode mode) : m_file(path), m_mode(mode)
+RegisterFileWriter::RegisterFileWriter(const QString& path, Mode mode)
+    : m_file(path), m_mode(mode), m_isNew(!m_file.exists())
 {
     // Opening to append changes nothing yet, and shows whether it will be possible.
     if (!m_file.open(QIODevice::ReadWrite | QIODevice::Append))
@@ -103,6 +110,12 @@ RegisterFileWriter::RegisterFileWriter(const QString& path, Mode mode) : m_file(
     m_file.seek(0);
     if (!m_file.resize(m_file.readAll().lastIndexOf('\n') + 1))
         fail();
+}
+
+RegisterFileWriter::~RegisterFileWriter()
+{
+    if (m_isNew && !m_begun)
+        m_file.remove();
 }
 
 void RegisterFileWriter::add(const QString& address, quint32 value)

@@ -45,6 +45,9 @@ public:
     };
 
     RegisterFileWriter(const QString& path, Mode mode);  // throws FileError, as all below
+    ~RegisterFileWriter();                               // a new file without a value goes
+    RegisterFileWriter(const RegisterFileWriter&) = delete;
+    RegisterFileWriter& operator=(const RegisterFileWriter&) = delete;
 
     void add(const QString& address, quint32 value);
     void addComment(const QString& text);  // goes out with the next value, or at the end
@@ -57,6 +60,7 @@ private:
 
     QFile m_file;
     Mode m_mode;
+    bool m_isNew;
     bool m_begun = false;
     QStringList m_comments;
 };

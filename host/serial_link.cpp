@@ -5,7 +5,25 @@
 
 #include "host/serial_link.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace fxhost {
+
+namespace {
+
+// Something that can be opened, but has no line settings.
+bool isOtherFile(const QString& path)
+{
+    const int file = ::open(path.toLocal8Bit().constData(), O_RDONLY | O_NOCTTY | O_NONBLOCK);
+    if (file < 0)
+        return false;
+    const bool isTerminal = isatty(file) == 1;
+    ::close(file);
+    return !isTerminal;
+}
+
+}  // namespace
 
 SerialLink::SerialLink(const QString& path, const LineSettings& settings)
     : m_path(path), m_settings(settings)
@@ -26,8 +44,9 @@ void SerialLink::open()
     m_port.setParity(m_settings.parity);
     m_port.setStopBits(m_settings.stopBits);
     if (!m_port.open(QIODevice::ReadWrite)) {
-        throw LinkError("cannot open " + m_path.toStdString() + ": " +
-                        m_port.errorString().toStdString());
+        const QString reason =
+            isOtherFile(m_path) ? QStringLiteral("it is no serial port") : m_port.errorString();
+        throw LinkError("cannot open " + m_path.toStdString() + ": " + reason.toStdString());
     }
     m_port.clear();
 }

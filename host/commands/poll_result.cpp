@@ -33,13 +33,27 @@ QVector<PolledValue> polledValues(const Poller& poller, const RegisterRange& ran
     return values;
 }
 
+namespace {
+
+// The name of a format becomes its number, as enumerations are read.
+std::string numberOfFormat(std::string& text)
+{
+    const auto found = valueFormats().find(QString::fromStdString(text).toLower().toStdString());
+    if (found == valueFormats().end())
+        return "there is no format '" + text + "'; write dec, signed, hex, bin, long or float";
+    text = std::to_string(static_cast<int>(found->second));
+    return {};
+}
+
+}  // namespace
+
 void addFormatOption(CLI::App& command, ValueFormat& format)
 {
     command
         .add_option("--as", format,
                     "dec, signed, hex, bin, long or float; the last two take two words")
         ->type_name("FORMAT")
-        ->transform(CLI::CheckedTransformer(valueFormats(), CLI::ignore_case).description(""));
+        ->transform(CLI::Validator(numberOfFormat, ""));
 }
 
 void needWholeValues(const QVector<RegisterRange>& ranges, ValueFormat format)

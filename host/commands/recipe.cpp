@@ -102,10 +102,9 @@ ExitCode runDownload(const CommonOptions& common, const RecipeOptions& options)
     return finish(common, RecipeDirection::Download, outcome, entries);
 }
 
-void save(const QString& path, const QVector<RegisterRange>& entries,
+void save(RegisterFileWriter& file, const QVector<RegisterRange>& entries,
           const std::vector<quint16>& memory)
 {
-    RegisterFileWriter file(path, RegisterFileWriter::Mode::Replace);
     size_t word = 0;
     for (const RegisterRange& entry : entries) {
         for (int index = 0; index < entry.count; ++index) {
@@ -136,11 +135,13 @@ ExitCode runUpload(const CommonOptions& common, const RecipeOptions& options)
     const QVector<RegisterRange> entries =
         cut(connection.ranges(addressesOf(options.addresses)), common.wordsPerFrame);
     needWords(entries);
+    RegisterFileWriter file(QString::fromStdString(options.file),
+                            RegisterFileWriter::Mode::Replace);
     const RecipeOutcome outcome =
         transferRecipe(connection.loop(), RecipeDirection::Upload, entries,
                        progressOf(common.output, QStringLiteral("upload")));
     if (outcome.isGood())  // half a recipe would look like a whole one
-        save(QString::fromStdString(options.file), entries, connection.session().recipeWords());
+        save(file, entries, connection.session().recipeWords());
     return finish(common, RecipeDirection::Upload, outcome, entries);
 }
 

@@ -45,6 +45,8 @@ ExitCode runRecord(const CommonOptions& common, const RecordOptions& options)
             return ExitCode::Interrupted;
         if (round.linkLost)
             return ExitCode::LinkNotOpened;
+        if (exitCodeOf(connection.loop().statistics()) == ExitCode::Silence)
+            break;  // a PLC that has never answered
     }
     return exitCodeOf(connection.loop().statistics());
 }

@@ -45,10 +45,12 @@ ExitCode runStats(const CommonOptions& common, const StatsOptions& options)
         connection.session().setPlan(connection.ranges(addressesOf(options.addresses)));
     Histogram cycleTimes;
     bool linkLost = false;
-    for (int cycle = 0; cycle < options.cycles && !interrupted() && !linkLost; ++cycle) {
+    bool isDead = false;  // a PLC that has never answered has nothing to measure
+    for (int cycle = 0; cycle < options.cycles && !interrupted() && !linkLost && !isDead; ++cycle) {
         const qint64 startedUs = loop.elapsedUs();
         linkLost = pollCycle(loop, blocks).linkLost;
         cycleTimes.add(loop.elapsedUs() - startedUs);
+        isDead = exitCodeOf(loop.statistics()) == ExitCode::Silence;
     }
     show({loop.statistics(), cycleTimes, loop.elapsedUs(), loop.timeout()}, common.output.mode);
     if (interrupted())
@@ -66,7 +68,8 @@ void addStatsCommand(CLI::App& app, const CommonOptions& common, Action& action)
     command->add_option("-n,--count", options->cycles, "Polling cycles; 100 unless given")
         ->type_name("N")
         ->check(CLI::Range(1, mostCycles).description(""));
-    addExamples(*command, {"fxhost stats D0:64 -n 20 -b 115200", "fxhost stats D0:64 X0:16 --json"});
+    addExamples(*command,
+                {"fxhost stats D0:64 -n 20 -b 115200", "fxhost stats D0:64 X0:16 --json"});
     command->callback([&action, &common, options] {
         action = [&common, options] { return runStats(common, *options); };
     });

@@ -167,9 +167,14 @@ void Console::settle()
 
 void complain(const QString& text)
 {
+    QString line = text;  // which may quote a file that is no text
+    for (QChar& character : line) {
+        if (!character.isPrint())
+            character = '?';
+    }
     if (isTerminal(STDERR_FILENO))
         Console::settle();
-    std::cerr << "fxhost: " << text.toStdString() << std::endl;
+    std::cerr << "fxhost: " << line.toStdString() << std::endl;
 }
 
 }  // namespace fxhost

@@ -5,6 +5,8 @@
 
 #include "support/programs.h"
 
+#include <QFile>
+
 #include <gtest/gtest.h>
 
 using namespace fxhost_tests;
@@ -71,4 +73,77 @@ TEST_P(Misbehaving, WatchGoesOnWhenTheLinkIsBack)
     EXPECT_EQ(ended.code, 0) << testing::PrintToString(ended);
     EXPECT_EQ(times(ended.err, "the link was lost"), 1) << ended.err;
     EXPECT_EQ(times(ended.err, "the link is back"), 1) << ended.err;
+}
+
+TEST_P(Misbehaving, WhatWasRefusedIsAskedAgain)
+{
+    // Both registers are refused for a while, alone as well.
+    const RunningSimulator plc(GetParam(),
+                               {"--baud", "0", "--program", "none", "--faults", "nak@1-15"});
+    const Ended ended = run(plc, {"watch", "D0:2", "-n", "120", "-l", "0", "--csv", "-q"});
+    EXPECT_EQ(ended.code, 0);
+    EXPECT_EQ(ended.out, "D0,,refused by the PLC (NAK)\nD1,,refused by the PLC (NAK)\n"
+                         "D0,0,\nD1,0,\n");
+}
+
+TEST_P(Misbehaving, ASilentPlcIsNotAskedForEverything)
+{
+    const RunningSimulator plc(GetParam(), {"--baud", "0", "--faults", "silence=1"});
+    const Ended ended = run(plc, {"-o", "50", "--retries", "0", "read", "D0:8000", "--csv", "-q"});
+    EXPECT_EQ(ended.code, 4);
+    EXPECT_EQ(times(ended.out, ",,no answer\n"), 8000);
+}
+
+TEST_P(Misbehaving, ADumpKeepsAGoodFileWhenThePlcIsSilent)
+{
+    const RunningSimulator plc(GetParam(), {"--baud", "0", "--faults", "silence=1"});
+    const QTemporaryDir folder;
+    const QString file = newFile(folder, "plc.csv", "address,value\nD0,7\n");
+    EXPECT_EQ(run(plc, {"-o", "50", "dump", file, "D0:64"}).code, 4);
+    EXPECT_EQ(contentOf(file), "address,value\nD0,7\n");
+    const QString other = folder.filePath("new.csv");
+    EXPECT_EQ(run(plc, {"-o", "50", "dump", other, "D0:64"}).code, 4);
+    EXPECT_FALSE(QFile::exists(other));
+}
+
+TEST_P(Misbehaving, AResumedDumpDropsALineThatBrokeOff)
+{
+    const RunningSimulator plc(GetParam(), {"--baud", "0", "--program", "none"});
+    const QTemporaryDir folder;
+    const QString file = newFile(folder, "plc.csv", "address,value\nD0,7\nD1,1");
+    EXPECT_EQ(run(plc, {"dump", file, "D0:3", "--resume"}).code, 0);
+    EXPECT_EQ(contentOf(file), "address,value\nD0,7\nD1,0\nD2,0\n");
+}
+
+TEST_P(Misbehaving, DoctorSaysWhatIsTheMatter)
+{
+    struct Case
+    {
+        const char* fault;
+        int code;
+        const char* words;
+    };
+    const Case cases[] = {
+        {"silence=1", 4, "answers ENQ but no request"},
+        {"nak=1", 5, "it answers NAK. Line and wiring are right"},
+        {"bit7=1", 6, "the two ends disagree about data bits or parity"},
+        {"echo=1", 6, "What is sent comes back"},
+        {"wrong-sum=1", 6, "Something answers, but damaged"},
+    };
+    for (const Case& one : cases) {
+        const RunningSimulator plc(GetParam(), {"--baud", "0", "--faults", one.fault});
+        const Ended ended = run(plc, {"-o", "100", "doctor"});
+        EXPECT_EQ(ended.code, one.code) << one.fault;
+        EXPECT_TRUE(holds(ended.out, one.words)) << one.fault << "\n" << ended.out;
+    }
+}
+
+TEST_P(Misbehaving, AWriteThatGoesUnansweredMayHaveArrived)
+{
+    const RunningSimulator plc(GetParam(),
+                               {"--baud", "0", "--program", "none", "--faults", "silence=1"});
+    const Ended ended = run(plc, {"-o", "50", "--retries", "0", "write", "D0=1", "--csv", "-q"});
+    EXPECT_EQ(ended.code, 4);
+    EXPECT_EQ(ended.out, "D0,1,\"0 of 1 frames written: no answer; D0 may have arrived, nothing "
+                         "else\"\n");
 }

@@ -47,11 +47,11 @@ INSTANTIATE_TEST_SUITE_P(
         Mistake{"OutOfRange",
                 {"read", "D8256"},
                 2,
-                "fxhost: 'D8256' is out of range: SD8000 to SD8255"},
+                "fxhost: 'D8256' is out of range: SD8000 to SD8255 in decimal"},
         Mistake{"PastTheEnd",
                 {"read", "D7990:32"},
                 2,
-                "fxhost: 'D7990:32' is out of range: D0 to D7999"},
+                "fxhost: 'D7990:32' is out of range: D0 to D7999 in decimal"},
         Mistake{
             "UnknownType",
             {"read", "Q7"},
@@ -75,7 +75,7 @@ INSTANTIATE_TEST_SUITE_P(
         Mistake{"WordsPastTheEnd",
                 {"write", "D7999=1,2"},
                 2,
-                "fxhost: 'D7999:2' is out of range: D0 to D7999"},
+                "fxhost: 'D7999:2' is out of range: D0 to D7999 in decimal"},
         Mistake{"OddFloat",
                 {"read", "D0:3", "--as", "float"},
                 2,
@@ -97,11 +97,172 @@ INSTANTIATE_TEST_SUITE_P(
                 {"--link", "tcp:127.0.0.1:1", "read", "D0"},
                 3,
                 "fxhost: cannot connect to 127.0.0.1 port 1: Connection refused"},
+        Mistake{"NoSerialPort",
+                {"--link", "serial:/dev/null", "read", "D0"},
+                3,
+                "fxhost: cannot open /dev/null: it is no serial port"},
+        Mistake{"SpeedOfATcpLink",
+                {"--link", "tcp:127.0.0.1", "-b", "9600", "read", "D0"},
+                2,
+                "fxhost: link 'tcp:127.0.0.1?baud=9600': 'baud' is no setting here; there is port"},
+        Mistake{"UnknownParity",
+                {"-P", "mark", "read", "D0"},
+                2,
+                "fxhost: --parity: mark not in {even,odd,none}; fxhost --help tells more"},
+        Mistake{"UnknownOption",
+                {"read", "D0", "--foo"},
+                2,
+                "fxhost: The following argument was not expected: --foo; fxhost --help tells more"},
+        Mistake{"UnknownFormat",
+                {"read", "D0", "--as", "octal"},
+                2,
+                "fxhost: --as: there is no format 'octal'; write dec, signed, hex, bin, long or "
+                "float; fxhost --help tells more"},
+        Mistake{"TimeOutOfRange",
+                {"read", "D0", "-o", "90s"},
+                2,
+                "fxhost: --timeout: Value 90000 not in range 1 to 60000; fxhost --help tells more"},
+        Mistake{"NoAddressAtAll",
+                {"read"},
+                2,
+                "fxhost: no address; write for example D100:32, or -t D -r 100 -c 32"},
+        Mistake{"CountWithoutFirst",
+                {"watch", "D0", "-c", "3"},
+                2,
+                "fxhost: -c counts the registers from -r on, and there is no -r; write for example "
+                "-r 100 -c 8 or D100:8"},
+        Mistake{"TypeWithoutFirst",
+                {"read", "-t", "X"},
+                2,
+                "fxhost: -t needs the first register: -t X -r 100"},
+        Mistake{"MoreRegistersThanValues",
+                {"write", "D0:3=1"},
+                2,
+                "fxhost: 'D0:3=1': 3 registers, but values for 1"},
+        Mistake{"AssignmentBehindLetters",
+                {"write", "-r", "0", "D5=1"},
+                2,
+                "fxhost: 'D5=1': with -r only values follow"},
+        Mistake{"NoSuchLibrary",
+                {"--library", "/no/such/library.so", "types"},
+                7,
+                "fxhost: cannot load the driver library: /no/such/library.so: No such file or "
+                "directory; name it with --library PATH or in FX_DRIVER"},
+        Mistake{"NoPlaceForADump",
+                {"dump", "/no/such/place.csv", "D0"},
+                7,
+                "fxhost: /no/such/place.csv: No such file or directory"},
+        Mistake{"NoPlaceForARecipe",
+                {"recipe", "upload", "/no/such/place.csv", "D0"},
+                7,
+                "fxhost: /no/such/place.csv: No such file or directory"},
+        Mistake{"NoPlaceForARecording",
+                {"record", "/no/such/place.jsonl", "D0"},
+                7,
+                "fxhost: /no/such/place.jsonl: No such file or directory"},
         Mistake{"NoSuchFile",
                 {"restore", "/no/such/file"},
                 7,
                 "fxhost: /no/such/file: No such file or directory"}),
     [](const auto& row) { return row.param.name; });
+
+namespace {
+
+struct BadFile
+{
+    const char* name;
+    QStringList command;  // the file's name follows
+    const char* content;
+    const char* says;  // behind the file's name
+};
+
+void PrintTo(const BadFile& file, std::ostream* out)
+{
+    *out << file.name;
+}
+
+const char* const recordingHead = R"({"fxhost":1,"property":"1#0#0#3#32","addresses":["D0"]})";
+
+}  // namespace
+
+class BadFiles : public testing::TestWithParam<BadFile>
+{};
+
+TEST_P(BadFiles, AreNamedWithTheLine)
+{
+    const QTemporaryDir folder;
+    const QString file = newFile(folder, "bad", GetParam().content);
+    const Ended ended =
+        fxhost(QStringList{"--link", "sim:"} + GetParam().command + QStringList{file});
+    EXPECT_EQ(ended.code, 7);
+    EXPECT_EQ(ended.err, "fxhost: " + file.toStdString() + GetParam().says + "\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Files, BadFiles,
+    testing::Values(
+        BadFile{"NoValue", {"restore"}, "D0\n", ", line 1: 'D0' is not ADDRESS,VALUE"},
+        BadFile{"NoNumber",
+                {"restore"},
+                "address,value\nD0,1\nD1,x\n",
+                ", line 3: value 'x' is no number; write 123, -5, 0x1F, 0b101 or 1.5"},
+        BadFile{"TooLargeForARegister",
+                {"restore"},
+                "D0,70000\n",
+                ", line 1: 'D0,70000' is more than one register"},
+        BadFile{"NothingInIt", {"restore"}, "address,value\n", ": there is no register in it"},
+        BadFile{"AnInput", {"restore"}, "X0,1\n", ": X0 cannot be written; take it out"},
+        BadFile{"NothingInARecipe", {"recipe", "download"}, "", ": there is no register in it"},
+        BadFile{"BadAddressInARecipe",
+                {"recipe", "download"},
+                "D1,1\nD9999,1\n",
+                ", line 2: 'D9999' is out of range: SD8000 to SD8255 in decimal"},
+        BadFile{"NoJson", {"replay"}, "D0,1\n", ", line 1: no JSON object: illegal value"},
+        BadFile{"OtherJson", {"replay"}, "{}\n", ", line 1: this is no recording of fxhost"},
+        BadFile{"BadProperty",
+                {"replay"},
+                R"({"fxhost":1,"property":"1","addresses":[]})",
+                R"(, line 1: "property" is not like 1#0#0#3#32: 1)"},
+        BadFile{"BadRecordedAddress",
+                {"replay"},
+                R"({"fxhost":1,"property":"1#0#0#3#32","addresses":["D9000"]})",
+                ", line 1: 'D9000' is out of range: SD8000 to SD8255 in decimal"}),
+    [](const auto& row) { return row.param.name; });
+
+TEST(BadFiles, OfARecordingAreNamedWithTheMember)
+{
+    const QTemporaryDir folder;
+    const QByteArray head = QByteArray(recordingHead) + '\n';
+    const QString noHex = newFile(folder, "nohex", head + R"({"sent":"zz"})");
+    EXPECT_TRUE(
+        holds(fxhost({"replay", noHex}).err, R"(, line 2: "sent" is no row of hexadecimal bytes)"));
+    const QString missing = newFile(folder, "missing", head + R"({"sent":"02"})");
+    EXPECT_TRUE(holds(fxhost({"replay", missing}).err,
+                      R"(, line 2: "handed" is missing, or of another kind)"));
+    const QString torn = newFile(folder, "torn", head + R"({"sent":"02)");
+    EXPECT_TRUE(holds(fxhost({"replay", torn}).err, ", line 2: no JSON object: "));
+}
+
+TEST(Usage, FullOutputIsNoSuccess)
+{
+    QProcess shell;
+    shell.start(
+        "/bin/sh",
+        {"-c",
+         QStringLiteral("FX_DRIVER=%1 %2 types > /dev/full").arg(FX_DRIVER_FILE, FXHOST_FILE)});
+    ASSERT_TRUE(shell.waitForFinished());
+    EXPECT_EQ(shell.exitCode(), 7);
+    EXPECT_EQ(shell.readAllStandardError(),
+              "fxhost: standard output took not all that was printed\n");
+}
+
+TEST(Usage, LettersSayAnAddress)
+{
+    EXPECT_EQ(fxhost({"plan", "-t", "X", "-r", "17", "-c", "2", "--csv", "-q"}).out,
+              fxhost({"plan", "X17:2", "--csv", "-q"}).out);
+    EXPECT_EQ(fxhost({"plan", "-r", "100", "-0", "--csv", "-q"}).out,
+              fxhost({"plan", "D100", "--csv", "-q"}).out);
+}
 
 TEST(Usage, TypesNeedNoPlc)
 {
