@@ -5,6 +5,11 @@
 
 #include "support/programs.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+
 #include <gtest/gtest.h>
 
 using namespace fxhost_tests;
@@ -51,6 +56,32 @@ TEST_P(Commands, WriteReachesThePlcAndIsVerified)
                          "D20:2,3.14,verified\n");
     EXPECT_EQ(run({"read", "D10:2", "M5", "32CV201", "--csv", "-q"}).out,
               "D10,7,\nD11,65535,\nM5,1,\n32CV201,70000,\n");
+}
+
+TEST_P(Commands, WriteTakesTheFormatItIsTold)
+{
+    EXPECT_EQ(run({"write", "D0=5,-2", "--as", "long", "-q"}).code, 0);
+    EXPECT_EQ(plc.command("peek 0x1000 8"), "1000: 05 00 00 00 FE FF FF FF\n");
+    EXPECT_EQ(run({"write", "D4=2", "--as", "float", "-q"}).code, 0);
+    EXPECT_EQ(plc.command("peek 0x1008 4"), "1008: 00 00 00 40\n");
+    EXPECT_EQ(run({"write", "D6=ff", "--as", "hex", "-q"}).code, 0);
+    EXPECT_EQ(plc.command("peek 0x100C 2"), "100C: FF 00\n");
+    EXPECT_EQ(run({"write", "-t", "M", "-r", "8", "1", "0", "on", "-q"}).code, 0);
+    EXPECT_EQ(plc.command("peek 0x0101"), "0101: 05\n");
+}
+
+TEST_P(Commands, TimestampsStandInFront)
+{
+    const QRegularExpression line("^\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d\\.\\d{3},D0,0,$",
+                                  QRegularExpression::MultilineOption);
+    const Ended ended = run({"read", "D0", "--csv", "-q", "--timestamps"});
+    EXPECT_TRUE(line.match(QString::fromStdString(ended.out)).hasMatch()) << ended.out;
+}
+
+TEST_P(Commands, ATimeoutMayBeInSeconds)
+{
+    EXPECT_EQ(run({"read", "D0", "-o", "0.5s", "-q"}).code, 0);
+    EXPECT_EQ(run({"read", "D0", "-o", "500ms", "-q"}).code, 0);
 }
 
 TEST_P(Commands, WriteOfManyBitsLosesNone)
@@ -120,6 +151,51 @@ TEST_P(Commands, StatsCountTheExchanges)
     const Ended ended = run({"stats", "D0:64", "-n", "5", "--json"});
     EXPECT_EQ(ended.code, 0);
     EXPECT_TRUE(holds(ended.out, "\"bytesSent\": 110,")) << ended.out;
+}
+
+TEST_P(Commands, StatsShowTheHistogramBesideTheTimeout)
+{
+    const Ended ended = run({"stats", "D0:64", "-n", "5", "--json"});
+    const QJsonObject stats = QJsonDocument::fromJson(ended.out.c_str()).object();
+    int answers = 0;
+    for (const auto bar : stats["responseHistogram"].toArray()) {
+        const QJsonObject times = bar.toObject();
+        EXPECT_EQ(times["toMs"].toDouble(), 2 * times["fromMs"].toDouble());
+        answers += times["answers"].toInt();
+    }
+    EXPECT_EQ(answers, 10);
+    EXPECT_GE(stats["timeoutMs"].toInt(), stats["timeoutFloorMs"].toInt());
+    EXPECT_LE(stats["timeoutMs"].toInt(), stats["timeoutCeilingMs"].toInt());
+    const Ended forPeople = run({"stats", "D0:64", "-n", "5"});
+    EXPECT_TRUE(holds(forPeople.out, "  response times; the time-out is ")) << forPeople.out;
+    EXPECT_TRUE(holds(forPeople.out, "█")) << forPeople.out;
+    EXPECT_TRUE(
+        holds(run({"stats", "D0", "-n", "5", "--csv"}).out, "\nexchanges.cyclic read.good,5\n"));
+}
+
+TEST_P(Commands, PlanHasItsTimesForProgramsToo)
+{
+    const Ended ended = run({"plan", "D100:10", "D105:20", "M5", "--json"});
+    const QJsonObject plan = QJsonDocument::fromJson(ended.out.c_str()).object();
+    // 11 characters of request each; 4 of frame and 2 a byte of answer: 1 byte and 50.
+    EXPECT_EQ(plan["characters"].toInt(), 11 + 4 + 2 * 1 + 11 + 4 + 2 * 50);
+    EXPECT_EQ(plan["cycleMsAtBaud"].toObject()["9600"].toDouble(), 138);
+    const QJsonObject bits = plan["blocks"].toArray()[0].toObject();
+    EXPECT_EQ(bits["which"].toArray(), QJsonArray({"M0 … M4", "M6 … M7"}));
+}
+
+TEST_P(Commands, OutputForProgramsIsNothingElse)
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("plc.csv");
+    const auto parsed = [this](const QStringList& arguments) {
+        const Ended ended = run(QStringList{"--json"} + arguments);
+        return QJsonDocument::fromJson(ended.out.c_str()).array()[0].toObject();
+    };
+    EXPECT_EQ(parsed({"dump", file, "D0:64"})["read"].toInt(), 64);
+    EXPECT_EQ(parsed({"restore", file})["written"].toInt(), 64);
+    EXPECT_EQ(parsed({"recipe", "download", file})["registers"].toInt(), 64);
+    EXPECT_TRUE(parsed({"doctor"})["meaning"].toString().contains("All is well"));
 }
 
 TEST_P(Commands, DoctorFindsNothingWrong)

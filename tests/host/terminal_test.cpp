@@ -128,6 +128,19 @@ TEST_F(TerminalViews, LogHasALineForEachChangeHereToo)
     EXPECT_FALSE(terminal.written().contains('\x1b'));
 }
 
+TEST_F(TerminalViews, ADeadbandPassesOverSmallChanges)
+{
+    Terminal terminal(linked({"watch", "D0", "D1", "--log", "--deadband", "10", "-l", "20"}), 80,
+                      24);
+    ASSERT_TRUE(terminal.waitForText("D1  0"));
+    plc.command("poke 0x1000 10");
+    plc.command("poke 0x1002 11");
+    ASSERT_TRUE(terminal.waitForText("D1  11"));
+    plc.command("poke 0x1000 11");
+    ASSERT_TRUE(terminal.waitForText("D0  11"));
+    EXPECT_EQ(terminal.screen().lines(), QStringList({"D0  0", "D1  0", "D1  11", "D0  11"}));
+}
+
 TEST_F(TerminalViews, NoColorLeavesOnlyTheDrawing)
 {
     Terminal terminal(linked({"watch", "D0", "-l", "20", "-n", "3"}), 80, 24, {"NO_COLOR=1"});
