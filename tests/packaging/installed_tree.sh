@@ -38,7 +38,8 @@ if has_tools; then
     start_simulator "$prefix/bin/fxsim"
 fi
 
-quietly "$FX_CMAKE" -S "$examples" -B "$work/by_cmake" -DCMAKE_PREFIX_PATH="$prefix" \
+quietly "$FX_CMAKE" -S "$examples" -B "$work/by_cmake" -G "$FX_GENERATOR" \
+    -DCMAKE_PREFIX_PATH="$prefix" \
     -DCMAKE_CXX_COMPILER="$FX_CXX"
 grep -q "mitsubishi_fx1s_DIR:PATH=$prefix/" "$work/by_cmake/CMakeCache.txt" ||
     fail "another mitsubishi_fx1s was found than the installed one"
@@ -53,7 +54,8 @@ blocks() {
 mkdir "$work/panel"
 blocks cmake >"$work/panel/CMakeLists.txt"
 { blocks cpp; cat "$FX_SOURCE/tests/packaging/rest_of_panel.cpp"; } >"$work/panel/panel.cpp"
-quietly "$FX_CMAKE" -S "$work/panel" -B "$work/panel/build" -DCMAKE_PREFIX_PATH="$prefix" \
+quietly "$FX_CMAKE" -S "$work/panel" -B "$work/panel/build" -G "$FX_GENERATOR" \
+    -DCMAKE_PREFIX_PATH="$prefix" \
     -DCMAKE_CXX_COMPILER="$FX_CXX" -DCMAKE_CXX_FLAGS="-Wall -Wextra -Werror"
 quietly "$FX_CMAKE" --build "$work/panel/build"
 expect_text "the code of the host guide" "all as the guide says" "$work/panel/build/panel"
