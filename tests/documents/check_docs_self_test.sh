@@ -42,7 +42,8 @@ expect 1 "a link to no heading of its own" scripts/check-docs links <<<'[a](#gon
 
 expect 0 "commands that end well" scripts/check-docs commands <<'END'
 ```sh
-cd docs && [ -f guide.md ]
+cd docs
+[ -f guide.md ]
 false    # (long) left out
 sleep 60 &
 kill %1
@@ -52,6 +53,8 @@ false
 ```
 END
 expect 1 "a command that fails" scripts/check-docs commands <<<$'```sh\nfalse\ntrue\n```'
+expect 1 "a failure behind which the shell goes on" scripts/check-docs commands \
+    <<<$'```sh\nfalse && true\ntrue\n```'
 expect 1 "a command that does not exist" scripts/check-docs commands <<<$'```sh\nno-such-command\n```'
 expect 1 "no such check" scripts/check-docs grammar <<<''
 
