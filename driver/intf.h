@@ -106,7 +106,9 @@ FX_ENTRY_POINT int intf_addConditionRead(KEY_ADDRESS& key, int tag);
 
 // ---- Exchange ---------------------------------------------------------------------------------
 
-// Gives the next frame to send.
+// Gives the next frame to send: of a recipe transfer, else of a write, a one-off read, the plan in
+// rotation. At most three writes or one-off reads go out between two reads of the plan, and if the
+// plan is empty three in all: the rest waits for a plan or a set-up.
 //   1  `*out` is a frame: send the first `frameLength` bytes of its `frame`, hand over the reply
 //   0  nothing to send; `*out` is left as it was
 // Until its exchange has ended the same frame is given again.
@@ -136,7 +138,7 @@ FX_ENTRY_POINT int intf_getData(int stationNo, QString registerType, int startIn
 //   count, data  as in intf_getData; a bit is on only if its byte is exactly 1
 //   tag          carried with each request
 // Keep a write of "32CV" to the words of one frame: a further request would start as many counters
-// on as the one before has words, and a counter has two.
+// on as the one before has words, and a counter has two. Half a counter is sent, but not cached.
 FX_ENTRY_POINT int intf_setData(int stationNo, QString registerType, int startIndex, int count,
                                 unsigned char* data, int tag);
 
@@ -145,8 +147,9 @@ FX_ENTRY_POINT int intf_setData(int stationNo, QString registerType, int startIn
 // Replaces the recipe list by the entries of `list` that carry this link's number, so call it
 // after intf_initProperty. Returns the number of entries kept.
 // A transfer starts when the host sets a request byte to 1, under its mutex, and has ended when
-// the driver has set it back to 0. An entry that no frame can carry (count below 0, above 253 to
-// download, above 512 to upload, offset below 0) ends the transfer.
+// the driver has set it back to 0: all was carried, or an exchange failed. An entry that no frame
+// can carry (count below 0, above 253 to download, above 512 to upload, offset below 0) ends it
+// too. With no entries a request repeats the last exchange until the host sets its byte back.
 FX_ENTRY_POINT int intf_setRcpAddress(QVector<_RCP_VAR_PRO>& list);
 
 // ---- Address services for the editor ----------------------------------------------------------
