@@ -26,6 +26,7 @@ public:
     const RegisterCatalogue& catalogue() const { return m_catalogue; }
     Link& link() { return *m_link; }
     DriverSession& session() { return *m_session; }
+    const DriverSession& session() const { return *m_session; }
     ExchangeLoop& loop() { return *m_loop; }
 
     QVector<RegisterRange> ranges(const std::vector<std::string>& addresses) const;

@@ -9,6 +9,7 @@
 #include "host/report/frame_text.h"
 
 #include <cmath>
+#include <optional>
 
 namespace fxhost {
 
@@ -25,21 +26,93 @@ double milliseconds(qint64 timeUs)
     return std::round(static_cast<double>(timeUs) / 10.0) / 100.0;  // two decimals
 }
 
+// What was read or written, one number a register; nothing where the PLC did not say.
+QVector<quint32> valuesOf(const Connection& connection, const Exchange& exchange)
+{
+    if (exchange.answer != DriverAnswer::Accepted)
+        return {};
+    return connection.session().values(requestRange(connection.catalogue(), exchange.frame));
+}
+
+QString valuesText(const QVector<quint32>& values, const RegisterType& type)
+{
+    if (type.isBit())
+        return bitsText(values);
+    QStringList texts;
+    for (const quint32 value : values)
+        texts += QString::number(value);
+    return texts.join(' ');
+}
+
+class Monitor
+{
+public:
+    Monitor(const Connection& connection, const OutputOptions& output)
+        : m_connection(connection), m_output(output)
+    {
+        if (output.mode != OutputMode::People)
+            m_records.emplace(output,
+                              QVector<Table::Column>{{"ms"},
+                                                     {"request"},
+                                                     {"sent"},
+                                                     {"received"},
+                                                     {"verdict"},
+                                                     {"answer"},
+                                                     {"took"},
+                                                     {"values"}},
+                              Records::Shown::AtOnce);
+    }
+
+    void show(const Exchange& exchange);
+
+private:
+    void showLine(const Exchange& exchange, const QString& values) const;
+
+    const Connection& m_connection;
+    OutputOptions m_output;
+    std::optional<Records> m_records;
+};
+
+void Monitor::show(const Exchange& exchange)
+{
+    const RegisterType type = requestRange(m_connection.catalogue(), exchange.frame).type;
+    const QString values = valuesText(valuesOf(m_connection, exchange), type);
+    if (!m_records) {
+        showLine(exchange, values);
+        return;
+    }
+    m_records->add(
+        {milliseconds(exchange.startedUs), requestText(m_connection.catalogue(), exchange.frame),
+         visibleBytes(requestBytes(exchange.frame)),
+         visibleBytes(exchange.reply + exchange.thrownAway), verdictText(exchange.verdict),
+         answerText(exchange.answer), milliseconds(exchange.responseUs), values});
+}
+
+// "0.52 ms  read D0 … D3  ␂0100008␃5C → ␂0000010004000000␃08  good after 0.31 ms, accepted: 0 1 4
+// 0"
+void Monitor::showLine(const Exchange& exchange, const QString& values) const
+{
+    const QByteArray received = exchange.reply + exchange.thrownAway;
+    const QString time = m_output.timestamps ? timestamp() + "  " : QString();
+    const QString request = requestText(m_connection.catalogue(), exchange.frame);
+    const QString line =
+        QStringLiteral("%1%2 ms  %3  %4 → %5  %6 after %7 ms, %8")
+            .arg(time)
+            .arg(milliseconds(exchange.startedUs), 0, 'f', 2)
+            .arg(request, visibleBytes(requestBytes(exchange.frame)),
+                 received.isEmpty() ? QStringLiteral("nothing") : visibleBytes(received),
+                 verdictText(exchange.verdict))
+            .arg(milliseconds(exchange.responseUs), 0, 'f', 2)
+            .arg(answerText(exchange.answer));
+    Console().line(values.isEmpty() ? line : line + ": " + values);
+}
+
 ExitCode runMonitor(const CommonOptions& common, const MonitorOptions& options)
 {
     Connection connection(common);
     connection.waitForLinkWithoutEnd();
-    Records records(
-        common.output,
-        {{"ms"}, {"request"}, {"sent"}, {"received"}, {"verdict"}, {"answer"}, {"took"}},
-        Records::Shown::AtOnce);
-    connection.loop().onExchange = [&](const Exchange& exchange) {
-        records.add(
-            {milliseconds(exchange.startedUs), requestText(connection.catalogue(), exchange.frame),
-             visibleBytes(requestBytes(exchange.frame)),
-             visibleBytes(exchange.reply + exchange.thrownAway), verdictText(exchange.verdict),
-             answerText(exchange.answer), milliseconds(exchange.responseUs)});
-    };
+    Monitor monitor(connection, common.output);
+    connection.loop().onExchange = [&monitor](const Exchange& exchange) { monitor.show(exchange); };
     const int blocks =
         connection.session().setPlan(connection.ranges(addressesOf(options.addresses)));
     for (int cycle = 0; options.cycles == 0 || cycle < options.cycles; ++cycle) {

@@ -13,6 +13,7 @@ namespace fxhost {
 
 namespace {
 
+constexpr int redrawEveryMs = 50;
 constexpr int snapshotEveryMs = 2500;  // where nothing can be redrawn
 
 QString valuesText(const ScreenItem& item, const DriverSession& session)
@@ -73,6 +74,7 @@ void showLiveValues(DemoBench& bench, int forMs)
     const qint64 startedUs = bench.loop().elapsedUs();
     qint64 nowUs = startedUs;
     qint64 nextDrawUs = startedUs;
+    const int drawEveryMs = bench.console().isTerminal() ? redrawEveryMs : snapshotEveryMs;
     while (!interrupted() && (forMs < 0 || nowUs - startedUs < qint64(1000) * forMs)) {
         const qint64 cycleStartUs = nowUs;
         const Round cycle = bench.pollOnce();
@@ -80,10 +82,10 @@ void showLiveValues(DemoBench& bench, int forMs)
         if (cycle.linkLost)
             break;
         table.noteCycle();
-        if (!bench.console().isTerminal() && nowUs < nextDrawUs)
+        if (nowUs < nextDrawUs)
             continue;
         table.draw((nowUs - cycleStartUs) / 1000);
-        nextDrawUs = nowUs + qint64(1000) * snapshotEveryMs;
+        nextDrawUs = nowUs + qint64(1000) * drawEveryMs;
     }
     bench.console().endRedraw();
     if (forMs >= 0) {

@@ -54,11 +54,17 @@ QString visibleBytes(const QByteArray& bytes)
     return text;
 }
 
+RegisterRange requestRange(const RegisterCatalogue& catalogue, const FRAME_PRO& frame)
+{
+    return frame.isRead != 0 ? blockRange(catalogue, frame.variable)
+                             : writtenRange(catalogue, frame.variable);
+}
+
 QString requestText(const RegisterCatalogue& catalogue, const FRAME_PRO& frame)
 {
+    const RegisterRange range = requestRange(catalogue, frame);
     if (frame.isRead != 0)
-        return "read " + fromToText(blockRange(catalogue, frame.variable));
-    const RegisterRange range = writtenRange(catalogue, frame.variable);
+        return "read " + fromToText(range);
     if (!range.type.isBit())
         return "write " + fromToText(range);
     const bool isOn = frame.frame[commandPosition] == forceOnCommand;
