@@ -154,6 +154,18 @@ TEST_F(ReplyDecoding, ShortReplyDecodesEtxAndSumThenZeros)
     EXPECT_EQ((Bytes{0, 0, 0, 0}), stored("D", 102));
 }
 
+// A host's own buffer goes on behind the reply, where Qt's ends with a zero.
+TEST_F(ReplyDecoding, NothingBehindAShortReplyIsDecoded)
+{
+    driver.readList << request("D", 100, 2);
+    ASSERT_EQ("1#D100/2", nextRequest());
+    const QByteArray buffer = wireBytes("<STX>1234<ETX>CD5678");
+    QByteArray reply = QByteArray::fromRawData(buffer.constData(), 8);
+    QString error;
+    EXPECT_EQ(1, intf_dealRcvFrame(reply, error));
+    EXPECT_EQ((Bytes{0x12, 0x34, 0x0C, 0xD0}), values("D", 100, 2, 4));
+}
+
 TEST_F(ReplyDecoding, ShortReplyUpdatesAllAreasOfTheRequest)
 {
     poll("D", 100, 2, "<STX>12345678<ETX>A7");
