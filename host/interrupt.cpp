@@ -5,17 +5,38 @@
 
 #include "host/interrupt.h"
 
+#include <QtGlobal>
+
 #include <csignal>
+#include <ctime>
 
 namespace fxhost {
 
 namespace {
 
-volatile std::sig_atomic_t interruptSeen = 0;
+constexpr qint64 oneInterruptMs = 500;
 
-extern "C" void noteInterrupt(int)
+volatile std::sig_atomic_t interruptSeen = 0;
+timespec firstSeen = {};
+
+qint64 sinceFirstMs()
 {
-    interruptSeen = 1;
+    timespec now = {};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return (now.tv_sec - firstSeen.tv_sec) * 1000 + (now.tv_nsec - firstSeen.tv_nsec) / 1000000;
+}
+
+// A second one ends the program at once; but not the echo of the first, which goes to the process
+// and to its group when a script sends it.
+extern "C" void noteInterrupt(int signalNumber)
+{
+    if (interruptSeen == 0) {
+        clock_gettime(CLOCK_MONOTONIC, &firstSeen);
+        interruptSeen = 1;
+    } else if (sinceFirstMs() > oneInterruptMs) {
+        signal(signalNumber, SIG_DFL);
+        raise(signalNumber);
+    }
 }
 
 }  // namespace
@@ -24,8 +45,7 @@ void catchInterrupts()
 {
     struct sigaction action = {};
     action.sa_handler = noteInterrupt;
-    action.sa_flags =
-        static_cast<int>(SA_RESETHAND) | SA_RESTART;  // a second one ends the program at once
+    action.sa_flags = SA_RESTART;
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
 }

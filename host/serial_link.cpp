@@ -5,6 +5,8 @@
 
 #include "host/serial_link.h"
 
+#include <QFileInfo>
+
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -23,6 +25,20 @@ bool isOtherFile(const QString& path)
     return !isTerminal;
 }
 
+bool isPseudoTerminal(const QString& path)
+{
+    return QFileInfo(path).canonicalFilePath().startsWith(QLatin1String("/dev/pts/"));
+}
+
+// A pseudo-terminal carries eight bits and no parity, whatever it is asked for; and asked for
+// nothing but the rest it refuses, as after a program that was killed.
+LineSettings unwired(LineSettings settings)
+{
+    settings.dataBits = QSerialPort::Data8;
+    settings.parity = QSerialPort::NoParity;
+    return settings;
+}
+
 }  // namespace
 
 SerialLink::SerialLink(const QString& path, const LineSettings& settings)
@@ -38,11 +54,12 @@ QString SerialLink::name() const
 
 void SerialLink::open()
 {
+    const LineSettings settings = isPseudoTerminal(m_path) ? unwired(m_settings) : m_settings;
     m_port.close();
-    m_port.setBaudRate(m_settings.baud);
-    m_port.setDataBits(m_settings.dataBits);
-    m_port.setParity(m_settings.parity);
-    m_port.setStopBits(m_settings.stopBits);
+    m_port.setBaudRate(settings.baud);
+    m_port.setDataBits(settings.dataBits);
+    m_port.setParity(settings.parity);
+    m_port.setStopBits(settings.stopBits);
     if (!m_port.open(QIODevice::ReadWrite)) {
         const QString reason =
             isOtherFile(m_path) ? QStringLiteral("it is no serial port") : m_port.errorString();

@@ -1,0 +1,118 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// Ends that nobody planned: fxhost is interrupted in the middle of its work, or killed. It tells
+// how far it came where it still can, and whoever comes next finds a usable line.
+
+#include "support/programs.h"
+
+#include <QThread>
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+using namespace fxhost_tests;
+
+namespace {
+
+constexpr int patienceMs = 30000;
+
+// fxhost in the middle of its work: it has printed something, and goes on.
+class Running
+{
+public:
+    explicit Running(const QStringList& arguments)
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("FX_DRIVER"), QStringLiteral(FX_DRIVER_FILE));
+        m_process.setProcessEnvironment(environment);
+        m_process.start(QStringLiteral(FXHOST_FILE), arguments);
+    }
+    ~Running()
+    {
+        m_process.kill();
+        m_process.waitForFinished(patienceMs);
+    }
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
+
+    bool hasPrinted() { return m_process.waitForReadyRead(patienceMs); }
+    void send(int signal) { kill(static_cast<pid_t>(m_process.processId()), signal); }
+
+    Ended end()
+    {
+        Ended ended;
+        if (m_process.waitForFinished(patienceMs) && m_process.exitStatus() == QProcess::NormalExit)
+            ended.code = m_process.exitCode();
+        ended.out = m_process.readAllStandardOutput().toStdString();
+        ended.err = m_process.readAllStandardError().toStdString();
+        return ended;
+    }
+
+private:
+    QProcess m_process;
+};
+
+}  // namespace
+
+class UnplannedEnd : public testing::TestWithParam<Road>
+{
+protected:
+    RunningSimulator plc{GetParam(), {"--baud", "9600", "--program", "none"}};
+};
+
+INSTANTIATE_TEST_SUITE_P(Roads, UnplannedEnd, testing::Values(Road::PseudoTerminal, Road::Tcp),
+                         [](const auto& row) { return testing::PrintToString(row.param); });
+
+TEST_P(UnplannedEnd, TwoSignalsAtOnceAreOneInterrupt)
+{
+    Running watch({"--link", plc.link(), "watch", "D0:64", "--csv", "-l", "0"});
+    ASSERT_TRUE(watch.hasPrinted());
+    watch.send(SIGINT);
+    watch.send(SIGINT);
+    watch.send(SIGTERM);
+    EXPECT_EQ(watch.end().code, 130);
+}
+
+TEST_P(UnplannedEnd, AnInterruptedWriteTellsWhatArrived)
+{
+    QStringList values;
+    for (int value = 0; value < 600; ++value)
+        values += QString::number(value);
+    // The first assignment is reported in CSV while the long one is on its way.
+    Running write({"--link", plc.link(), "write", "M0=1", "D0=" + values.join(','), "--csv", "-q"});
+    ASSERT_TRUE(write.hasPrinted());
+    write.send(SIGINT);
+    const Ended ended = write.end();
+    EXPECT_EQ(ended.code, 130);
+    EXPECT_TRUE(holds(ended.out, " of 19 frames written: interrupted")) << ended.out;
+}
+
+TEST_P(UnplannedEnd, AnInterruptedDumpIsResumed)
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("plc.csv");
+    Running dump({"--link", plc.link(), "dump", file, "D0:8000", "--json"});
+    while (contentOf(file).count('\n') < 40)
+        QThread::msleep(1);
+    dump.send(SIGINT);
+    const Ended ended = dump.end();
+    EXPECT_EQ(ended.code, 130);
+    EXPECT_TRUE(holds(ended.err, "interrupted: ")) << ended.err;
+    EXPECT_TRUE(holds(ended.err, "go on with --resume")) << ended.err;
+    const int before = contentOf(file).count('\n') - 1;
+    const QString range = QStringLiteral("D0:%1").arg(before + 5);
+    EXPECT_EQ(fxhost({"--link", plc.link(), "dump", file, range, "--resume", "-q"}).code, 0);
+    EXPECT_EQ(contentOf(file).count('\n') - 1, before + 5);
+}
+
+TEST_P(UnplannedEnd, AKilledProgramLeavesAUsableLine)
+{
+    Running watch({"--link", plc.link(), "watch", "D0:64", "--csv", "-l", "0"});
+    ASSERT_TRUE(watch.hasPrinted());
+    watch.send(SIGKILL);
+    EXPECT_EQ(watch.end().code, -1);
+    const Ended next = fxhost({"--link", plc.link(), "read", "D0", "--csv", "-q"});
+    EXPECT_EQ(next.out, "D0,0,\n") << testing::PrintToString(next);
+}
