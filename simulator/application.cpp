@@ -35,10 +35,15 @@ int fail(ExitCode code, const QString& text)
     return code;
 }
 
-// Told before the run, not after it, when the memory would be lost.
-bool folderIsWritable(const QString& path)
+// Told before the run, not after it, when the memory would be lost. Empty: nothing.
+QString obstacleToSaving(const QString& path)
 {
-    return QFileInfo(QFileInfo(path).absolutePath()).isWritable();
+    const QFileInfo file(path);
+    if (file.isDir())
+        return QStringLiteral("%1: this is a folder, no file").arg(path);
+    if (!QFileInfo(file.absolutePath()).isWritable())
+        return QStringLiteral("%1: nothing can be saved in this folder").arg(path);
+    return QString();
 }
 
 }  // namespace
@@ -91,10 +96,11 @@ int Application::prepareProgram()
 
 int Application::prepareMemory()
 {
-    if (!m_options.savePath.isEmpty() && !folderIsWritable(m_options.savePath))
-        return fail(
-            exitFile,
-            QStringLiteral("%1: nothing can be saved in this folder").arg(m_options.savePath));
+    if (!m_options.savePath.isEmpty()) {
+        const QString obstacle = obstacleToSaving(m_options.savePath);
+        if (!obstacle.isEmpty())
+            return fail(exitFile, obstacle);
+    }
     PlcMemory memory;
     memory.setPresent(m_options.present);
     memory.setMissing(m_options.missing);

@@ -9,6 +9,7 @@
 #include <QLocalSocket>
 #include <iostream>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 namespace fxsim {
@@ -16,6 +17,7 @@ namespace fxsim {
 namespace {
 
 constexpr int readBytes = 4096;
+constexpr int longestSocketPath = int(sizeof(sockaddr_un::sun_path)) - 1;
 constexpr int longestLine = 65536;  // more without a line end is no command
 
 void print(const QByteArray& text)
@@ -36,6 +38,19 @@ bool somebodyAnswersAt(const QString& path)
     QLocalSocket probe;
     probe.connectToServer(path);
     return probe.waitForConnected(connectMs);
+}
+
+// What the server would call a name error. Empty: nothing.
+QString obstacleAt(const QString& path)
+{
+    const QFileInfo file(path);
+    if (file.exists())
+        return QStringLiteral("the file exists");
+    if (!QFileInfo(file.absolutePath()).isDir())
+        return QStringLiteral("there is no folder %1").arg(file.absolutePath());
+    if (QFile::encodeName(path).size() > longestSocketPath)
+        return QStringLiteral("a socket's path has at most %1 bytes").arg(longestSocketPath);
+    return QString();
 }
 
 }  // namespace
@@ -76,8 +91,9 @@ QString SocketControl::listen(const QString& path)
     const QString fullPath = QFileInfo(path).absoluteFilePath();  // a bare name means one in /tmp
     if (isSocket(fullPath) && !somebodyAnswersAt(fullPath))
         QLocalServer::removeServer(fullPath);
-    if (QFileInfo::exists(fullPath))
-        return QStringLiteral("control socket %1: the file exists").arg(path);
+    const QString obstacle = obstacleAt(fullPath);
+    if (!obstacle.isEmpty())
+        return QStringLiteral("control socket %1: %2").arg(path, obstacle);
     m_server.setSocketOptions(QLocalServer::UserAccessOption);
     if (!m_server.listen(fullPath))
         return QStringLiteral("control socket %1: %2").arg(path, m_server.errorString());

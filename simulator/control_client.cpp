@@ -30,8 +30,9 @@ int tell(const QString& controlPath, const QString& command)
     QLocalSocket socket;
     socket.connectToServer(QFileInfo(controlPath).absoluteFilePath());
     if (!socket.waitForConnected(answerMs))
-        return fail(exitLink,
-                    QStringLiteral("control socket %1: %2").arg(controlPath, socket.errorString()));
+        return fail(
+            exitLink,
+            QStringLiteral("control socket %1: no simulator listens there").arg(controlPath));
     socket.write(command.toUtf8() + '\n');
     while (socket.canReadLine() || socket.waitForReadyRead(answerMs)) {
         if (!socket.canReadLine())

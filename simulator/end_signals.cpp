@@ -32,6 +32,13 @@ void answer(int signalNumber, void (*handler)(int))
     ::sigaction(signalNumber, &action, nullptr);
 }
 
+bool isIgnored(int signalNumber)
+{
+    struct sigaction action = {};
+    ::sigaction(signalNumber, nullptr, &action);
+    return action.sa_handler == SIG_IGN;
+}
+
 }  // namespace
 
 EndSignals::EndSignals()
@@ -42,6 +49,8 @@ EndSignals::EndSignals()
     QObject::connect(m_notifier.get(), &QSocketNotifier::activated, &QCoreApplication::quit);
     answer(SIGINT, onSignal);
     answer(SIGTERM, onSignal);
+    if (!isIgnored(SIGHUP))  // as nohup wants it
+        answer(SIGHUP, onSignal);
     answer(SIGPIPE, SIG_IGN);  // a client that left is no reason to end
     answer(SIGTTIN, SIG_IGN);  // in the background the terminal's input is simply not ours
 }

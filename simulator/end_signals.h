@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// SIGINT and SIGTERM end the event loop, so that links, files and counts are brought to a clean
-// end.
+// SIGINT, SIGTERM and SIGHUP end the event loop, so that links, files and counts are brought to a
+// clean end.
 
 #pragma once
 

@@ -8,6 +8,7 @@
 
 #include <CLI/CLI.hpp>
 #include <iostream>
+#include <limits>
 
 #include "simulator/number_text.h"
 
@@ -43,9 +44,9 @@ struct RawOptions
     std::string link, tcp, serial, enquiry = "optional", onError = "nak", faults = "none";
     std::string memory = "0x0000-0x7FFF", holes, mirrors = "0x0F00:0x0E00:256";
     std::string program = "sample", load, save, trace, control, tell;
+    std::string baud = "9600", seed = "1";
     bool pty = false, stats = false, noCommands = false;
-    int baud = 9600, scanMs = 0, maxBytes = 64;
-    quint64 seed = 1;
+    int scanMs = 0, maxBytes = 64;
 };
 
 struct UsageError
@@ -53,12 +54,21 @@ struct UsageError
     QString text;
 };
 
+// Of a shell variable that was never set, say: without a name the option would count for nothing.
+CLI::Validator named()
+{
+    return CLI::Validator(
+        [](const std::string& text) { return text.empty() ? "the name is empty" : std::string(); },
+        "");
+}
+
 void addLinks(CLI::App& app, RawOptions& raw)
 {
     app.add_flag("--pty", raw.pty, "A pseudo-terminal; the default when no other link is asked for")
         ->group("Links");
     app.add_option("--link", raw.link, "Path of a symbolic link to the pseudo-terminal")
         ->type_name("PATH")
+        ->check(named())
         ->group("Links");
     app.add_option("--tcp", raw.tcp,
                    "A TCP server, at 127.0.0.1:8888 unless given; port 0 is any free one")
@@ -67,6 +77,7 @@ void addLinks(CLI::App& app, RawOptions& raw)
         ->group("Links");
     app.add_option("--serial", raw.serial, "A serial port, 7 data bits, even parity, 1 stop bit")
         ->type_name("DEVICE")
+        ->check(named())
         ->group("Links");
 }
 
@@ -75,6 +86,7 @@ void addTiming(CLI::App& app, RawOptions& raw)
     app.add_option("--baud", raw.baud,
                    "Speed of the line, ten bits a character; 0 is as fast as possible")
         ->capture_default_str()
+        ->type_name("SPEED")
         ->group("Timing");
     app.add_option("--scan-ms", raw.scanMs, "Length of a scan; answers leave at the end of one")
         ->capture_default_str()
@@ -114,14 +126,17 @@ void addMemory(CLI::App& app, RawOptions& raw)
         ->group("Memory");
     app.add_option("--load", raw.load, "Memory at power-on, Intel HEX")
         ->type_name("FILE")
+        ->check(named())
         ->group("Memory");
     app.add_option("--save", raw.save, "Write the memory there at the end")
         ->type_name("FILE")
+        ->check(named())
         ->group("Memory");
     app.add_option("--program", raw.program,
                    "What runs in the PLC: sample, none, or a script in JSON")
         ->capture_default_str()
         ->type_name("sample|none|FILE.json")
+        ->check(named())
         ->group("Memory");
 }
 
@@ -134,6 +149,7 @@ void addBench(CLI::App& app, RawOptions& raw)
     app.add_option("--seed", raw.seed,
                    "Start of the random numbers; the same seed, the same faults")
         ->capture_default_str()
+        ->type_name("NUMBER")
         ->group("Bench");
     app.add_option("--trace", raw.trace, "Show every frame, on standard error or in FILE")
         ->expected(0, 1)
@@ -142,11 +158,13 @@ void addBench(CLI::App& app, RawOptions& raw)
     app.add_flag("--stats", raw.stats, "Print what was counted at the end")->group("Bench");
     app.add_option("--control", raw.control, "Take commands on a local socket at PATH")
         ->type_name("PATH")
+        ->check(named())
         ->group("Bench");
     app.add_option(
            "--tell", raw.tell,
            "Give COMMAND to the simulator that listens at --control, print its answer and end")
         ->type_name("COMMAND")
+        ->check(named())
         ->group("Bench");
     app.add_flag("--no-commands", raw.noCommands, "Take no commands on standard input")
         ->group("Bench");
@@ -186,20 +204,42 @@ EnquiryMode enquiryMode(const std::string& text)
     return text == "ignored" ? EnquiryMode::Ignored : EnquiryMode::Optional;
 }
 
+int readBaud(const RawOptions& raw)
+{
+    const QString text = QString::fromStdString(raw.baud);
+    const std::optional<int> baud = parseNumber(text, 0, fastestBaud);
+    if (!baud || (*baud != 0 && *baud < slowestBaud)) {
+        throw UsageError{QStringLiteral("--baud: '%1' is no speed; wanted is 0 or %2 to %3")
+                             .arg(text)
+                             .arg(slowestBaud)
+                             .arg(fastestBaud)};
+    }
+    if (*baud == 0 && !raw.serial.empty())
+        throw UsageError{QStringLiteral("--serial: a serial port needs a speed, --baud 0 is none")};
+    return *baud;
+}
+
+quint64 readSeed(const RawOptions& raw)
+{
+    const QString text = QString::fromStdString(raw.seed);
+    bool isNumber = false;
+    const quint64 seed = text.toULongLong(&isNumber);
+    if (!isNumber) {
+        throw UsageError{QStringLiteral("--seed: '%1' is no seed; wanted is 0 to %2")
+                             .arg(text)
+                             .arg(std::numeric_limits<quint64>::max())};
+    }
+    return seed;
+}
+
 Settings readSettings(const RawOptions& raw)
 {
     Settings settings;
-    const QString speeds = QStringLiteral("%1 to %2").arg(slowestBaud).arg(fastestBaud);
-    if (raw.baud != 0 && (raw.baud < slowestBaud || raw.baud > fastestBaud))
-        throw UsageError{
-            QStringLiteral("--baud: %1 is no speed; wanted is 0 or %2").arg(raw.baud).arg(speeds)};
-    if (raw.baud == 0 && !raw.serial.empty())
-        throw UsageError{QStringLiteral("--serial: a serial port needs a speed, --baud 0 is none")};
-    settings.timing = {raw.baud, raw.scanMs};
+    settings.timing = {readBaud(raw), raw.scanMs};
     settings.enquiry = enquiryMode(raw.enquiry);
     settings.onError = raw.onError == "silence" ? OnError::Silence : OnError::Nak;
     settings.maxBytes = raw.maxBytes;
-    settings.seed = raw.seed;
+    settings.seed = readSeed(raw);
     const ParsedFaults faults = parseFaults(QString::fromStdString(raw.faults));
     if (!faults.error.isEmpty())
         throw UsageError{QStringLiteral("--faults: %1").arg(faults.error)};

@@ -49,6 +49,19 @@ TEST(FxsimControl, socketInUseAndForeignFilesStay)
     EXPECT_EQ(process.command("peek 0"), "0000: 00\nok\n");
 }
 
+TEST(FxsimControl, socketThatCannotBeMadeIsExplained)
+{
+    const FailedStart folder = runToEnd({"--control", "/nonexistent/control"});
+    EXPECT_EQ(folder.exitCode, 3);
+    EXPECT_EQ(folder.errors,
+              "fxsim: control socket /nonexistent/control: there is no folder /nonexistent\n");
+    const QString name = "/tmp/" + QString(103, 'x');
+    const FailedStart length = runToEnd({"--control", name});
+    EXPECT_EQ(length.exitCode, 3);
+    EXPECT_EQ(length.errors, "fxsim: control socket " + name.toUtf8() +
+                                 ": a socket's path has at most 107 bytes\n");
+}
+
 TEST(FxsimControl, socketLeftBehindIsReplaced)
 {
     const QTemporaryDir folder;
@@ -77,7 +90,10 @@ TEST(FxsimControl, tellGivesOneCommand)
     EXPECT_EQ(refused.errors, "fxsim: there is no command 'jump'; help lists them\n");
     EXPECT_EQ(runToEnd({"--control", path, "--tell", "quit"}).exitCode, 0);
     EXPECT_EQ(process.waitEnd(), 0);
-    EXPECT_EQ(runToEnd({"--control", path, "--tell", "help"}).exitCode, 3);
+    const FailedStart nobody = runToEnd({"--control", path, "--tell", "help"});
+    EXPECT_EQ(nobody.exitCode, 3);
+    EXPECT_EQ(nobody.errors,
+              "fxsim: control socket " + path.toUtf8() + ": no simulator listens there\n");
     EXPECT_EQ(runToEnd({"--tell", "help"}).exitCode, 2);
 }
 

@@ -64,5 +64,8 @@ TEST(FxsimFiles, badFilesAreNamedBeforeAnythingStarts)
               "fxsim: " + name + ": line 1: a record is \":\" and pairs of hex digits\n");
     EXPECT_EQ(runToEnd({"--load", "/nonexistent/plc.hex"}).exitCode, 7);
     EXPECT_EQ(runToEnd({"--save", "/nonexistent/plc.hex"}).exitCode, 7);
+    const FailedStart save = runToEnd({"--save", folder.path()});
+    EXPECT_EQ(save.exitCode, 7);
+    EXPECT_EQ(save.errors, "fxsim: " + folder.path().toUtf8() + ": this is a folder, no file\n");
     EXPECT_EQ(runToEnd({"--trace", "/nonexistent/trace"}).exitCode, 7);
 }

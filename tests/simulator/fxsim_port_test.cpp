@@ -8,6 +8,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
+#include <csignal>
 #include <memory>
 
 #include "tests/simulator/fxsim_process.h"
@@ -361,7 +362,14 @@ TEST_P(FxsimOver, endsCleanlyOnSigterm)
 TEST_P(FxsimOver, endsCleanlyOnSigint)
 {
     Connected plc(GetParam());
-    EXPECT_EQ(plc.process.interrupt(), 0);
+    EXPECT_EQ(plc.process.signal(SIGINT), 0);
+}
+
+TEST_P(FxsimOver, endsCleanlyWithItsTerminal)
+{
+    Connected plc(GetParam(), {"--stats"});
+    EXPECT_EQ(plc.process.signal(SIGHUP), 0);
+    EXPECT_TRUE(plc.process.restOfOutput().contains("  exchanges                     0\n"));
 }
 
 TEST_P(FxsimOver, traceGoesToAFile)

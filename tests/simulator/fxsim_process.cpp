@@ -77,15 +77,9 @@ int FxsimProcess::waitEnd()
     return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
 }
 
-int FxsimProcess::terminate()
+int FxsimProcess::signal(int number)
 {
-    m_process.terminate();
-    return waitEnd();
-}
-
-int FxsimProcess::interrupt()
-{
-    ::kill(pid_t(m_process.processId()), SIGINT);
+    ::kill(pid_t(m_process.processId()), number);
     return waitEnd();
 }
 

@@ -12,6 +12,7 @@
 #include <QString>
 #include <QStringList>
 #include <QTcpSocket>
+#include <csignal>
 
 constexpr int deadlineMs = 10000;
 
@@ -32,9 +33,9 @@ public:
 
     void closeInput() { m_process.closeWriteChannel(); }
 
-    int waitEnd();    // the exit code; -1 if it did not end or crashed
-    int terminate();  // SIGTERM, then the same
-    int interrupt();  // SIGINT
+    int waitEnd();  // the exit code; -1 if it did not end or crashed
+    int signal(int number);
+    int terminate() { return signal(SIGTERM); }
 
     QByteArray restOfOutput() { return m_process.readAllStandardOutput(); }
     QByteArray errors() { return m_process.readAllStandardError(); }
