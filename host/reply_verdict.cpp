@@ -48,13 +48,15 @@ bool hasHighBit(const QByteArray& bytes)
                        [](char byte) { return static_cast<unsigned char>(byte) >= 0x80; });
 }
 
-// The sum over everything behind STX, ETX included, as the two digits that end a frame.
-QByteArray sumDigits(const QByteArray& fromDataToEtx)
+// The sum over everything behind STX, ETX included, stands in the two digits that end a frame.
+bool sumMatches(const QByteArray& reply, int etxPosition)
 {
     unsigned sum = 0;
-    for (const char byte : fromDataToEtx)
-        sum += static_cast<unsigned char>(byte);
-    return QByteArray::number(sum & 0xFF, 16).rightJustified(2, '0').toUpper();
+    for (int position = 1; position <= etxPosition; ++position)
+        sum += static_cast<unsigned char>(reply.at(position));
+    constexpr char digits[] = "0123456789ABCDEF";
+    return reply.at(etxPosition + 1) == digits[sum >> 4 & 0xF] &&
+           reply.at(etxPosition + 2) == digits[sum & 0xF];
 }
 
 ReplyVerdict judgeDataFrame(const QByteArray& reply)
@@ -62,9 +64,7 @@ ReplyVerdict judgeDataFrame(const QByteArray& reply)
     const int etxPosition = reply.size() - trailerLength;
     if (reply.size() < shortestFrame || reply.front() != stx || reply.at(etxPosition) != etx)
         return ReplyVerdict::NotAFrame;
-    if (sumDigits(reply.mid(1, etxPosition)) != reply.right(2))
-        return ReplyVerdict::WrongSum;
-    return ReplyVerdict::Good;
+    return sumMatches(reply, etxPosition) ? ReplyVerdict::Good : ReplyVerdict::WrongSum;
 }
 
 }  // namespace

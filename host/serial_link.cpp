@@ -14,6 +14,8 @@ namespace fxhost {
 
 namespace {
 
+constexpr int sendTimeoutMs = 2000;  // the longest frame takes 1.1 s at 9600 baud
+
 // Something that can be opened, but has no line settings.
 bool isOtherFile(const QString& path)
 {
@@ -72,6 +74,34 @@ bool SerialLink::isOpen() const
 {
     // A port whose device went away stays open in name only.
     return m_port.isOpen() && m_port.error() != QSerialPort::ResourceError;
+}
+
+bool SerialLink::send(const QByteArray& bytes)
+{
+    const bool sent = isOpen() && writeAll(bytes);
+    if (!sent)
+        m_port.close();
+    return sent;
+}
+
+QByteArray SerialLink::receive(int timeoutMs)
+{
+    if (!isOpen())
+        return {};
+    if (m_port.bytesAvailable() == 0)
+        m_port.waitForReadyRead(timeoutMs);
+    return m_port.readAll();
+}
+
+bool SerialLink::writeAll(const QByteArray& bytes)
+{
+    if (m_port.write(bytes) != bytes.size())
+        return false;
+    while (m_port.bytesToWrite() > 0) {
+        if (!m_port.waitForBytesWritten(sendTimeoutMs))
+            return false;
+    }
+    return true;
 }
 
 }  // namespace fxhost

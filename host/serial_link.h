@@ -6,7 +6,7 @@
 
 #pragma once
 
-#include "host/device_link.h"
+#include "host/link.h"
 
 #include <QSerialPort>
 
@@ -20,7 +20,7 @@ struct LineSettings
     QSerialPort::StopBits stopBits = QSerialPort::OneStop;
 };
 
-class SerialLink : public DeviceLink
+class SerialLink : public Link
 {
 public:
     SerialLink(const QString& path, const LineSettings& settings);
@@ -28,11 +28,12 @@ public:
     QString name() const override;
     void open() override;
     bool isOpen() const override;
-
-protected:
-    QIODevice& device() override { return m_port; }
+    bool send(const QByteArray& bytes) override;
+    QByteArray receive(int timeoutMs) override;
 
 private:
+    bool writeAll(const QByteArray& bytes);
+
     QString m_path;
     LineSettings m_settings;
     QSerialPort m_port;

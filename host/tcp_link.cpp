@@ -5,11 +5,17 @@
 
 #include "host/tcp_link.h"
 
+#include <cerrno>
+#include <poll.h>
+#include <sys/socket.h>
+
 namespace fxhost {
 
 namespace {
 
 constexpr int connectTimeoutMs = 5000;
+constexpr int sendTimeoutMs = 2000;       // for a peer that takes nothing
+constexpr size_t mostBytesAtOnce = 4096;  // several times the longest answer
 
 }  // namespace
 
@@ -34,6 +40,38 @@ void TcpLink::open()
 bool TcpLink::isOpen() const
 {
     return m_socket.state() == QAbstractSocket::ConnectedState;
+}
+
+bool TcpLink::send(const QByteArray& bytes)
+{
+    int sent = 0;
+    while (isOpen() && sent < bytes.size()) {
+        const ssize_t taken = ::send(descriptor(), bytes.constData() + sent,
+                                     static_cast<size_t>(bytes.size() - sent), MSG_NOSIGNAL);
+        if (taken > 0)
+            sent += static_cast<int>(taken);
+        else if (errno != EAGAIN || !waitFor(POLLOUT, sendTimeoutMs))
+            m_socket.abort();
+    }
+    return isOpen();
+}
+
+// The socket never blocks, so that looking without waiting costs one call.
+QByteArray TcpLink::receive(int timeoutMs)
+{
+    if (!isOpen() || (timeoutMs > 0 && !waitFor(POLLIN, timeoutMs)))
+        return {};
+    char bytes[mostBytesAtOnce];
+    const ssize_t byteCount = ::recv(descriptor(), bytes, sizeof bytes, 0);
+    if (byteCount == 0 || (byteCount < 0 && errno != EAGAIN))
+        m_socket.abort();  // the peer hung up
+    return byteCount > 0 ? QByteArray(bytes, static_cast<int>(byteCount)) : QByteArray();
+}
+
+bool TcpLink::waitFor(short event, int timeoutMs) const
+{
+    pollfd waited = {descriptor(), event, 0};
+    return ::poll(&waited, 1, timeoutMs) > 0;
 }
 
 }  // namespace fxhost

@@ -30,7 +30,14 @@ int hexNumber(const QByteArray& digits)
 
 QByteArray hexOfBytes(const QByteArray& bytes)
 {
-    return bytes.toHex().toUpper();
+    constexpr char hexDigits[] = "0123456789ABCDEF";
+    QByteArray digits(2 * bytes.size(), Qt::Uninitialized);
+    char* next = digits.data();
+    for (const char byte : bytes) {
+        *next++ = hexDigits[quint8(byte) >> 4];
+        *next++ = hexDigits[quint8(byte) & 0xF];
+    }
+    return digits;
 }
 
 QByteArray bytesOfHex(const QByteArray& digits)

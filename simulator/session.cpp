@@ -115,7 +115,8 @@ void Session::exchange(const QByteArray& frame)
     ++m_simulator.statistics().exchanges;
     const Request request =
         judgeFrame(frame, m_simulator.memory(), m_simulator.settings().maxBytes);
-    trace(TraceEntry::Direction::FromHost, frame, requestText(request));
+    if (m_simulator.isTraced())
+        trace(TraceEntry::Direction::FromHost, frame, requestText(request));
     if (m_simulator.settings().enquiry == EnquiryMode::Needed && !m_greeted) {
         ++m_simulator.statistics().ungreetedFrames;
         trace(TraceEntry::Direction::Note, QByteArray(), "no ENQ came before: not answered");

@@ -87,6 +87,7 @@ public:
     const Settings& settings() const { return m_settings; }
     Statistics& statistics() { return m_statistics; }
     void setTrace(TraceSink sink) { m_trace = std::move(sink); }
+    bool isTraced() const { return m_trace != nullptr; }  // texts are made for a trace alone
     void trace(const TraceEntry& entry) const;
 
 private:

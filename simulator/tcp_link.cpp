@@ -26,7 +26,9 @@ int write(QTcpSocket& socket, const QByteArray& bytes)
 {
     if (socket.bytesToWrite() > mostUnsentBytes)
         return bytes.size();
-    return bytes.size() - int(std::max<qint64>(0, socket.write(bytes)));
+    const qint64 taken = socket.write(bytes);
+    socket.flush();  // at once, without another turn of the event loop
+    return bytes.size() - int(std::max<qint64>(0, taken));
 }
 
 }  // namespace
