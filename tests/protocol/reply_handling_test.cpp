@@ -115,6 +115,18 @@ TEST_F(ReplyHandling, SuccessAfterAFailureIsRemembered)
     EXPECT_EQ(0, driver.lastExchangeFailed);
 }
 
+TEST_F(ReplyHandling, GoodReadCountsAsSuccessBeforeItsValuesAreReported)
+{
+    QList<KEY_ADDRESS> keys{watch("D", 100, 2)};
+    intf_addrMerge(keys);
+    driver.lastExchangeFailed = 1;
+    Bytes seen;
+    onCall = [&seen](QString&, int) { seen.push_back(driver.lastExchangeFailed); };
+    nextFrame();
+    EXPECT_EQ(1, reply("<STX>12345678<ETX>A7"));
+    EXPECT_EQ((Bytes{0, 0}), seen);
+}
+
 struct Row
 {
     const char* name;
