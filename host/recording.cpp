@@ -40,7 +40,7 @@ QJsonObject nextObject(QFile& file, int line)
 QJsonValue member(const QFile& file, int line, const QJsonObject& object, const char* key,
                   QJsonValue::Type type)
 {
-    const QJsonValue value = object.value(QLatin1String(key));
+    QJsonValue value = object.value(QLatin1String(key));
     if (value.type() != type)
         reject(file, line,
                QStringLiteral("\"%1\" is missing, or of another kind").arg(QLatin1String(key)));

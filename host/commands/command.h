@@ -60,6 +60,9 @@ using Action = std::function<ExitCode()>;
 void addLinkOptions(CLI::App& app, CommonOptions& common);
 void addOutputOptions(CLI::App& app, CommonOptions& common);
 
+// Takes "1000", "1000ms" and "1s" for a time in milliseconds.
+CLI::Validator timeInMs();
+
 // Examples below the help of a command; each runs as it stands.
 void addExamples(CLI::App& command, const std::vector<std::string>& examples);
 

@@ -15,13 +15,6 @@ const char* const outputGroup = "Output";
 constexpr int longestTimeoutMs = 60000;
 constexpr int longestReconnectS = 86400;
 
-// "1000", "1000ms" or "1s".
-CLI::AsNumberWithUnit timeInMs()
-{
-    return CLI::AsNumberWithUnit(std::map<std::string, double>{{"ms", 1}, {"s", 1000}},
-                                 CLI::AsNumberWithUnit::CASE_INSENSITIVE);
-}
-
 void addLineOptions(CLI::App& app, CommonOptions& common)
 {
     app.add_option("--link", common.link,
@@ -50,7 +43,7 @@ void addPatienceOptions(CLI::App& app, CommonOptions& common)
     app.add_option("-o,--timeout", common.timeoutMs,
                    "Wait so long for an answer, in milliseconds or as 0.5s; adapts unless given")
         ->type_name("MS")
-        ->transform(timeInMs().description(""))
+        ->transform(timeInMs())
         ->check(CLI::Range(1, longestTimeoutMs).description(""))
         ->group(linkGroup);
     app.add_option("--retries", common.retries, "How often a frame is sent again; 2")
@@ -70,6 +63,13 @@ void addPatienceOptions(CLI::App& app, CommonOptions& common)
 }
 
 }  // namespace
+
+CLI::Validator timeInMs()
+{
+    return CLI::AsNumberWithUnit(std::map<std::string, double>{{"ms", 1}, {"s", 1000}},
+                                 CLI::AsNumberWithUnit::CASE_INSENSITIVE)
+        .description("");
+}
 
 void addLinkOptions(CLI::App& app, CommonOptions& common)
 {

@@ -27,7 +27,7 @@ constexpr int napMs = 20;  // how soon an interrupt is noticed
 // The link with what the options say about it in front of its own settings: the first one counts.
 QString linkText(const CommonOptions& common, const QString& linkUnlessSaid)
 {
-    const QString text = common.link.empty() ? linkUnlessSaid : QString::fromStdString(common.link);
+    QString text = common.link.empty() ? linkUnlessSaid : QString::fromStdString(common.link);
     QStringList settings;
     if (common.baud > 0)
         settings += QStringLiteral("baud=%1").arg(common.baud);

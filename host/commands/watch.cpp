@@ -159,8 +159,10 @@ void addWatchCommand(CLI::App& app, const CommonOptions& common, Action& action)
     addAddressOptions(*command, options->addresses);
     addFormatOption(*command, options->format);
     command
-        ->add_option("-l,--interval", options->intervalMs, "Milliseconds from poll to poll; 1000")
+        ->add_option("-l,--interval", options->intervalMs,
+                     "Time from poll to poll, in milliseconds or as 0.5s; 1000")
         ->type_name("MS")
+        ->transform(timeInMs())
         ->check(CLI::Range(0, longestIntervalMs).description(""));
     command->add_option("-n,--count", options->cycles, "So many polls; until Ctrl-C unless given")
         ->type_name("N")
