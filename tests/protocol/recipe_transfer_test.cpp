@@ -100,6 +100,16 @@ TEST_F(RecipeTransfer, UploadStoresEveryEntryThenClearsItsByte)
     EXPECT_EQ(0, hostMemory[60116]);
 }
 
+TEST_F(RecipeTransfer, UploadFillsTheVeryFirstRecipeWord)
+{
+    setList(entries(recipeEntry("D", 100, 1, 0)));
+    requestUpload();
+    EXPECT_EQ("1#D100/1", nextRequest());
+    EXPECT_EQ(1, reply("<STX>1234<ETX>CD"));
+    EXPECT_EQ((Bytes{0x12, 0x34, 0, 0}), recipeAt(0, 2));
+    EXPECT_EQ((Texts{"0,-1,RWI,0"}), calls);
+}
+
 TEST_F(RecipeTransfer, UploadStoresInTheCacheToo)
 {
     QList<KEY_ADDRESS> keys;
