@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// fxhost from its command line, against a simulated PLC on a real pseudo-terminal and over TCP.
+// What the commands of fxhost do beyond their plain use, which tests/end_to_end shows: against a
+// simulated PLC on a real pseudo-terminal and over TCP.
 
 #include "support/programs.h"
 
@@ -28,15 +29,6 @@ protected:
 
 INSTANTIATE_TEST_SUITE_P(Roads, Commands, testing::Values(Road::PseudoTerminal, Road::Tcp),
                          [](const auto& row) { return testing::PrintToString(row.param); });
-
-TEST_P(Commands, ReadShowsWhatThePlcHolds)
-{
-    plc.command("poke 0x10C8 0x39 0x30");  // D100
-    plc.command("poke 0x0080.2 1");        // X2
-    const Ended ended = run({"read", "D100", "X2", "X3", "--csv"});
-    EXPECT_EQ(ended.code, 0);
-    EXPECT_EQ(ended.out, "address,value,error\nD100,12345,\nX2,1,\nX3,0,\n");
-}
 
 TEST_P(Commands, ReadKnowsTheFormats)
 {
@@ -97,17 +89,6 @@ TEST_P(Commands, WatchShowsEachChangeOnce)
     EXPECT_EQ(ended.out, "{\"address\":\"D0\",\"value\":0}\n{\"address\":\"D1\",\"value\":0}\n");
 }
 
-TEST_P(Commands, RecipeGoesDownAndComesBack)
-{
-    const QTemporaryDir folder;
-    const QByteArray recipe = "address,value\nD1000,1\nD1001,65535\nD1100,3\n32CV210,70000\n";
-    const QString file = newFile(folder, "recipe.csv", recipe);
-    EXPECT_EQ(run({"recipe", "download", file}).code, 0);
-    const QString back = folder.filePath("back.csv");
-    EXPECT_EQ(run({"recipe", "upload", back, "D1000:2", "D1100", "32CV210"}).code, 0);
-    EXPECT_EQ(contentOf(back), recipe);
-}
-
 TEST_P(Commands, DumpIsRestoredAndResumed)
 {
     const QTemporaryDir folder;
@@ -120,14 +101,6 @@ TEST_P(Commands, DumpIsRestoredAndResumed)
     EXPECT_EQ(run({"restore", file}).code, 0);
     EXPECT_EQ(run({"read", "D0", "D99", "M7", "32CV255", "--csv", "-q"}).out,
               "D0,11,\nD99,12,\nM7,1,\n32CV255,123456,\n");
-}
-
-TEST_P(Commands, MonitorMakesFramesVisible)
-{
-    const Ended ended = run({"monitor", "D100:2", "--csv", "-q"});
-    EXPECT_EQ(ended.code, 0);
-    EXPECT_TRUE(holds(ended.out, "read D100 … D101,␂010C804␃73,␂00000000␃83,good,accepted"))
-        << ended.out;
 }
 
 TEST_P(Commands, RecordingIsReplayedWithoutThePlc)
@@ -144,13 +117,6 @@ TEST_P(Commands, RecordingIsReplayedWithoutThePlc)
     const Ended differs = fxhost({"replay", newFile(folder, "changed.jsonl", changed)});
     EXPECT_EQ(differs.code, 1);
     EXPECT_TRUE(holds(differs.err, "line 4: the driver answers"));
-}
-
-TEST_P(Commands, StatsCountTheExchanges)
-{
-    const Ended ended = run({"stats", "D0:64", "-n", "5", "--json"});
-    EXPECT_EQ(ended.code, 0);
-    EXPECT_TRUE(holds(ended.out, "\"bytesSent\": 110,")) << ended.out;
 }
 
 TEST_P(Commands, StatsShowTheHistogramBesideTheTimeout)
@@ -196,11 +162,4 @@ TEST_P(Commands, OutputForProgramsIsNothingElse)
     EXPECT_EQ(parsed({"restore", file})["written"].toInt(), 64);
     EXPECT_EQ(parsed({"recipe", "download", file})["registers"].toInt(), 64);
     EXPECT_TRUE(parsed({"doctor"})["meaning"].toString().contains("All is well"));
-}
-
-TEST_P(Commands, DoctorFindsNothingWrong)
-{
-    const Ended ended = run({"doctor"});
-    EXPECT_EQ(ended.code, 0);
-    EXPECT_TRUE(holds(ended.out, "All is well."));
 }
