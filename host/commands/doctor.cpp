@@ -9,6 +9,8 @@
 #include "host/interrupt.h"
 #include "host/polling.h"
 
+#include <functional>
+
 namespace fxhost {
 
 namespace {
@@ -33,9 +35,13 @@ struct Finding
     ReplyVerdict verdict = ReplyVerdict::Silence;
 };
 
-bool isSerial(const CommonOptions& common)
+// A serial port whose settings the user left open.
+bool mayTrySettings(const CommonOptions& common)
 {
-    return common.link.rfind("serial:", 0) == 0;
+    const bool isSerial = common.link.rfind("serial:", 0) == 0;
+    const bool isGiven = common.baud > 0 || !common.line.empty() || !common.parity.empty() ||
+                         common.link.find('?') != std::string::npos;
+    return isSerial && !isGiven;
 }
 
 Finding examine(const CommonOptions& common, const QString& setting)
@@ -51,14 +57,20 @@ Finding examine(const CommonOptions& common, const QString& setting)
     return finding;
 }
 
-QVector<Finding> examineAll(const CommonOptions& common)
+using OnFinding = std::function<void(const QVector<Finding>&)>;
+
+// `onFinding` gets those so far, one more each time.
+QVector<Finding> examineAll(const CommonOptions& common, const OnFinding& onFinding)
 {
     CommonOptions patient = common;
     patient.timeoutMs = common.timeoutMs > 0 ? common.timeoutMs : patienceMs;
     patient.retries = 0;
-    if (!isSerial(common) || common.baud > 0 || !common.line.empty())
-        return {examine(patient, QStringLiteral("the settings given"))};
     QVector<Finding> findings;
+    if (!mayTrySettings(common)) {
+        findings.append(examine(patient, QStringLiteral("the settings given")));
+        onFinding(findings);
+        return findings;
+    }
     for (const Setting& setting : settings) {
         if (interrupted())
             break;
@@ -67,6 +79,7 @@ QVector<Finding> examineAll(const CommonOptions& common)
         findings.append(examine(
             patient,
             QStringLiteral("%1 baud %2").arg(setting.baud).arg(QLatin1String(setting.line))));
+        onFinding(findings);
         if (findings.last().verdict == ReplyVerdict::Good)
             break;
     }
@@ -128,30 +141,57 @@ const Finding& mostTelling(const QVector<Finding>& findings)
     return *best;
 }
 
+QString enquiryText(const Finding& finding)
+{
+    return finding.answersEnquiry ? QStringLiteral("answered") : QStringLiteral("no answer");
+}
+
+// The table grows on a terminal, where people wait for it: a silent line takes its time.
+void drawTable(Console& console, const QVector<Finding>& findings, bool quiet)
+{
+    Table table({{"setting"}, {"enquiry"}, {"request"}});
+    for (const Finding& finding : findings)
+        table.add({finding.setting, enquiryText(finding), verdictText(finding.verdict)});
+    console.redraw(table.lines().mid(quiet ? 1 : 0));
+}
+
+void showRecords(const OutputOptions& output, const QVector<Finding>& findings)
+{
+    Records records(output, {{"setting"}, {"enquiry"}, {"request"}, {"meaning"}});
+    for (const Finding& finding : findings)
+        records.add(
+            {finding.setting, enquiryText(finding), verdictText(finding.verdict), advice(finding)});
+    records.finish();
+}
+
+void showAdvice(Console& console, const CommonOptions& common, const QVector<Finding>& findings)
+{
+    const Finding& best = mostTelling(findings);
+    console.line();
+    console.line(advice(best));
+    if (findings.size() > 1 && best.verdict == ReplyVerdict::Good)
+        console.line(linkFor(common, best));
+}
+
 ExitCode runDoctor(const CommonOptions& common)
 {
-    const QVector<Finding> findings = examineAll(common);
+    Console console;
+    const bool forPeople = common.output.mode == OutputMode::People;
+    const auto draw = [&](const QVector<Finding>& soFar) {
+        if (forPeople && console.isTerminal())
+            drawTable(console, soFar, common.output.quiet);
+    };
+    const QVector<Finding> findings = examineAll(common, draw);
     if (findings.isEmpty())
         return ExitCode::Interrupted;
-    const bool forPeople = common.output.mode == OutputMode::People;
-    QVector<Table::Column> columns = {{"setting"}, {"enquiry"}, {"request"}};
     if (!forPeople)
-        columns.append({QStringLiteral("meaning")});
-    Records records(common.output, columns);
-    for (const Finding& finding : findings) {
-        const QString enquiry =
-            finding.answersEnquiry ? QStringLiteral("answered") : QStringLiteral("no answer");
-        records.add({finding.setting, enquiry, verdictText(finding.verdict), advice(finding)});
-    }
-    records.finish();
-    const Finding& best = mostTelling(findings);
-    if (forPeople) {
-        Console().line();
-        Console().line(advice(best));
-        if (findings.size() > 1 && best.verdict == ReplyVerdict::Good)
-            Console().line(linkFor(common, best));
-    }
-    return interrupted() ? ExitCode::Interrupted : exitCodeOf(best.verdict);
+        showRecords(common.output, findings);
+    else if (!console.isTerminal())
+        drawTable(console, findings, common.output.quiet);
+    console.endRedraw();
+    if (forPeople)
+        showAdvice(console, common, findings);
+    return interrupted() ? ExitCode::Interrupted : exitCodeOf(mostTelling(findings).verdict);
 }
 
 }  // namespace

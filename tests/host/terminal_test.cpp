@@ -220,6 +220,23 @@ TEST_F(TerminalViews, TheDemoRedrawsItsLiveValues)
     expectCleanEnd(terminal);
 }
 
+TEST_F(TerminalViews, DoctorShowsEachSettingAsItTriesIt)
+{
+    const RunningSimulator wrong(Road::PseudoTerminal,
+                                 quickPlc + QStringList{"--faults", "bit7@1-2"});
+    const QString port = wrong.link().section(':', 1);
+    Terminal terminal({"--link", "serial:" + port, "-o", "100", "doctor"}, 100, 24);
+    EXPECT_EQ(terminal.waitForEnd(), 0);
+    EXPECT_EQ(terminal.screen().lines(),
+              QStringList({"  setting         enquiry   request",
+                           "  9600 baud 7E1   answered  bit 7 is set: data bits or parity differ",
+                           "  19200 baud 7E1  answered  bit 7 is set: data bits or parity differ",
+                           "  38400 baud 7E1  answered  good", QString(),
+                           "The PLC answers with 38400 baud 7E1. All is well.",
+                           "Write it as --link 'serial:" + port + "?baud=38400&line=7E1'."}));
+    EXPECT_GT(terminal.written().count("\x1b[2A"), 0) << "it was drawn as it grew";
+}
+
 TEST_F(TerminalViews, WhatIsNoTerminalGetsNoEscapes)
 {
     const QString file = folder.filePath("plc.csv");
