@@ -50,7 +50,7 @@ public:
     Monitor(const Connection& connection, const OutputOptions& output)
         : m_connection(connection), m_output(output)
     {
-        if (output.mode != OutputMode::People)
+        if (output.mode != OutputMode::People) {
             m_records.emplace(output,
                               QVector<Table::Column>{{"ms"},
                                                      {"request"},
@@ -61,6 +61,7 @@ public:
                                                      {"took"},
                                                      {"values"}},
                               Records::Shown::AtOnce);
+        }
     }
 
     void show(const Exchange& exchange);
