@@ -3,6 +3,7 @@
 //
 // intf_initProperty: the one reset of a connection: what it stores, empties, zeroes and keeps.
 
+#include "cache/data_areas.h"
 #include "tests/support/driver_fixture.h"
 
 namespace {
@@ -49,6 +50,17 @@ TEST_F(SetUpOfAConnection, EmptiesPlanQueuesCacheAndFrames)
     EXPECT_TRUE(driver.conditionReadList.isEmpty());
     EXPECT_TRUE(driver.dataAreas.isEmpty());
     EXPECT_TRUE(driver.frames.isEmpty());
+}
+
+// The text of an area tells whether anything still holds the area.
+TEST_F(SetUpOfAConnection, HoldsOnToNoAreaThatItForgets)
+{
+    setUpDriver();
+    const QString text = QString::fromLatin1("a text of its own");
+    getIndexOfDataArea(1, text, 0, driver.dataAreas);
+    EXPECT_FALSE(text.isDetached());
+    setUpDriver();
+    EXPECT_TRUE(text.isDetached());
 }
 
 TEST_F(SetUpOfAConnection, ZeroesTheStateOfTheExchange)
