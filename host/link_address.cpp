@@ -77,7 +77,7 @@ void applyParity(const QString& text, const QString& parity, LineSettings& setti
     reject(text, QStringLiteral("the parity is even, odd or none"));
 }
 
-std::unique_ptr<Link> makeSerial(const QString& text, const QString& rest)
+std::unique_ptr<Link> makeSerial(const QString& text, const QString& kind, const QString& rest)
 {
     const QString path = rest.section('?', 0, 0);
     const QUrlQuery query(rest.section('?', 1));
@@ -90,7 +90,7 @@ std::unique_ptr<Link> makeSerial(const QString& text, const QString& rest)
     if (query.hasQueryItem(QStringLiteral("parity")))
         applyParity(text, query.queryItemValue(QStringLiteral("parity")), settings);
     allowSettings(text, query, {"baud", "line", "parity"});
-    return std::make_unique<SerialLink>(path, settings);
+    return std::make_unique<SerialLink>(kind, path, settings);
 }
 
 std::unique_ptr<Link> makeSim(const QString& text, const QString& rest)
@@ -134,7 +134,7 @@ std::unique_ptr<Link> makeLink(const QString& text)
     if (kind == QLatin1String("sim"))
         return makeSim(text, rest);
     if (kind == QLatin1String("serial") || kind == QLatin1String("pty"))
-        return makeSerial(text, rest);
+        return makeSerial(text, kind, rest);
     if (kind == QLatin1String("tcp"))
         return makeTcp(text, rest);
     reject(text,

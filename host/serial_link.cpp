@@ -43,15 +43,15 @@ LineSettings unwired(LineSettings settings)
 
 }  // namespace
 
-SerialLink::SerialLink(const QString& path, const LineSettings& settings)
-    : m_path(path), m_settings(settings)
+SerialLink::SerialLink(const QString& kind, const QString& path, const LineSettings& settings)
+    : m_kind(kind), m_path(path), m_settings(settings)
 {
     m_port.setPortName(path);
 }
 
 QString SerialLink::name() const
 {
-    return "serial:" + m_path;
+    return m_kind + ':' + m_path;
 }
 
 void SerialLink::open()

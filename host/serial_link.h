@@ -23,7 +23,8 @@ struct LineSettings
 class SerialLink : public Link
 {
 public:
-    SerialLink(const QString& path, const LineSettings& settings);
+    // `kind` is what the user called it: serial or pty.
+    SerialLink(const QString& kind, const QString& path, const LineSettings& settings);
 
     QString name() const override;
     void open() override;
@@ -34,6 +35,7 @@ public:
 private:
     bool writeAll(const QByteArray& bytes);
 
+    QString m_kind;
     QString m_path;
     LineSettings m_settings;
     QSerialPort m_port;
