@@ -17,10 +17,6 @@
 using namespace fxhost;
 using namespace fxhost_tests;
 
-#ifndef FX_SOAK_DIVISOR
-#define FX_SOAK_DIVISOR 1
-#endif
-
 namespace {
 
 struct SoakedLink
