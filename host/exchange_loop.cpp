@@ -5,6 +5,8 @@
 
 #include "host/exchange_loop.h"
 
+#include "host/interrupt.h"
+
 #include <QElapsedTimer>
 
 #include <algorithm>
@@ -23,6 +25,7 @@ constexpr int quietResponses = 4;
 constexpr int emptyLineShare = 8;
 constexpr int longestEmptyLineMs = 5;
 
+constexpr int longestTurnMs = 100;
 constexpr int longestJunkBytes = 4096;      // what is drained at most while a line babbles
 constexpr int enquiriesBeforeGivingUp = 3;  // some PLCs do not answer ENQ
 
@@ -114,7 +117,7 @@ QByteArray ExchangeLoop::receive(int byteCount)
     QByteArray reply;
     while (reply.size() < byteCount) {
         const int waitMs = reply.isEmpty() ? m_timeout.milliseconds() : betweenBytesMs();
-        const QByteArray more = m_link.receive(waitMs);
+        const QByteArray more = listen(waitMs);
         reply += more;
         if (more.isEmpty() || reply.front() == nak)
             break;
@@ -127,11 +130,22 @@ int ExchangeLoop::betweenBytesMs() const
     return std::min(m_settings.betweenBytesMs, m_timeout.milliseconds());
 }
 
+// In short turns, so that who interrupts need not wait for a long time-out.
+QByteArray ExchangeLoop::listen(int timeoutMs)
+{
+    QByteArray bytes = m_link.receive(std::min(timeoutMs, longestTurnMs));
+    for (int leftMs = timeoutMs - longestTurnMs;
+         bytes.isEmpty() && leftMs > 0 && m_link.isOpen() && !interrupted();
+         leftMs -= longestTurnMs)
+        bytes = m_link.receive(std::min(leftMs, longestTurnMs));
+    return bytes;
+}
+
 QByteArray ExchangeLoop::drain(int forQuietMs)
 {
     QByteArray junk;
     while (junk.size() < longestJunkBytes) {
-        const QByteArray more = m_link.receive(forQuietMs);
+        const QByteArray more = listen(forQuietMs);
         if (more.isEmpty())
             break;
         junk += more;
@@ -157,7 +171,7 @@ bool ExchangeLoop::enquire()
         return false;
     QByteArray late;
     while (late.size() < longestJunkBytes) {
-        const QByteArray more = m_link.receive(m_timeout.milliseconds());
+        const QByteArray more = listen(m_timeout.milliseconds());
         late += more;
         if (more.isEmpty() || more.contains(ack))
             break;

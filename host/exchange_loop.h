@@ -62,6 +62,7 @@ private:
     void handOver(Exchange& exchange);
     void settle(Exchange& exchange);
     QByteArray receive(int byteCount);
+    QByteArray listen(int timeoutMs);
     QByteArray drain(int quietMs);
     bool enquire();
     void throwAway(const QByteArray& bytes);

@@ -107,6 +107,16 @@ TEST_P(UnplannedEnd, AnInterruptedDumpIsResumed)
     EXPECT_EQ(contentOf(file).count('\n') - 1, before + 5);
 }
 
+TEST_P(UnplannedEnd, AnInterruptNeedNotWaitForALongTimeout)
+{
+    const RunningSimulator silent(GetParam(), {"--baud", "0", "--faults", "silence@2-"});
+    // The time-out is longer than the patience of this test.
+    Running watch({"--link", silent.link(), "-o", "60s", "watch", "D0", "--csv", "-l", "0"});
+    ASSERT_TRUE(watch.hasPrinted());
+    watch.send(SIGINT);
+    EXPECT_EQ(watch.end().code, 130);
+}
+
 TEST_P(UnplannedEnd, AKilledProgramLeavesAUsableLine)
 {
     Running watch({"--link", plc.link(), "watch", "D0:64", "--csv", "-l", "0"});
