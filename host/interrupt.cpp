@@ -10,6 +10,8 @@
 #include <csignal>
 #include <ctime>
 
+#include <unistd.h>
+
 namespace fxhost {
 
 namespace {
@@ -34,8 +36,10 @@ extern "C" void noteInterrupt(int signalNumber)
         clock_gettime(CLOCK_MONOTONIC, &firstSeen);
         interruptSeen = 1;
     } else if (sinceFirstMs() > oneInterruptMs) {
-        signal(signalNumber, SIG_DFL);
-        raise(signalNumber);
+        struct sigaction action = {};
+        action.sa_handler = SIG_DFL;
+        sigaction(signalNumber, &action, nullptr);
+        kill(getpid(), signalNumber);
     }
 }
 
