@@ -170,8 +170,8 @@ void addDumpCommand(CLI::App& app, const CommonOptions& common, Action& action)
     command->add_option("file", options->file, "CSV file to write")->type_name("")->required();
     addAddressOptions(*command, options->addresses);
     command->add_flag("--resume", options->resume, "Go on with a file that was begun");
-    addExamples(*command,
-                {"fxhost dump plc.csv D0:512 M0:64", "fxhost dump plc.csv D0:1024 M0:64 --resume"});
+    addExamples(*command, {"fxhost dump plc.csv D100:512 M64:64",
+                           "fxhost dump plc.csv D100:1024 M64:64 --resume"});
     command->callback([&action, &common, options] {
         action = [&common, options] { return runDump(common, *options); };
     });

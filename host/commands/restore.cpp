@@ -2,7 +2,8 @@
 // SPDX-License-Identifier: MIT
 //
 // fxhost restore: the registers of a file back into the PLC, a frame at a time, each read back.
-// Stops at the first that does not arrive, and says up to where the PLC was written.
+// Stops at the first that does not arrive, and says up to where the PLC was written. Those that the
+// PLC's own program writes are named at the end.
 
 #include "host/commands/connection.h"
 #include "host/commands/progress.h"
@@ -10,9 +11,13 @@
 #include "host/interrupt.h"
 #include "host/register_file.h"
 
+#include <QJsonArray>
+
 namespace fxhost {
 
 namespace {
+
+constexpr int mostNames = 8;  // of registers in one message
 
 struct RestoreOptions
 {
@@ -50,8 +55,19 @@ QString reasonText(ReplyVerdict verdict)
     return interrupted() ? QStringLiteral("interrupted") : verdictText(verdict);
 }
 
-// Nothing when the PLC holds what was written.
-std::optional<Failure> restoreRun(Connection& connection, const RegisterRun& run)
+QStringList namesOfDifferent(const RegisterRun& run, const QVector<quint32>& held)
+{
+    QStringList names;
+    for (int index = 0; index < run.values.size(); ++index) {
+        if (held[index] != run.values[index])
+            names.append(run.range.nameOf(index));
+    }
+    return names;
+}
+
+// Nothing when the PLC took what was written and was asked what it holds then.
+std::optional<Failure> restoreRun(Connection& connection, const RegisterRun& run,
+                                  QStringList& different)
 {
     const WriteOutcome outcome = writeRegisters(connection.loop(), run.range, run.values);
     if (!outcome.isGood())
@@ -59,8 +75,7 @@ std::optional<Failure> restoreRun(Connection& connection, const RegisterRun& run
     const ReplyVerdict verdict = readOnce(connection.loop(), run.range);
     if (verdict != ReplyVerdict::Good)
         return Failure{"written, but not read back: " + reasonText(verdict), exitCodeOf(verdict)};
-    if (connection.session().values(run.range) != run.values)
-        return Failure{"written, but the PLC holds other values", ExitCode::SomeFailed};
+    different += namesOfDifferent(run, connection.session().values(run.range));
     return std::nullopt;
 }
 
@@ -70,6 +85,23 @@ ExitCode stopped(const RegisterRun& run, const Failure& failure)
                             "go on with --from %3")
                  .arg(run.range.text(), failure.text, run.range.nameOf(0)));
     return interrupted() ? ExitCode::Interrupted : failure.code;
+}
+
+ExitCode finished(const CommonOptions& common, const QString& path, int registers,
+                  const QStringList& different)
+{
+    showResult(common.output,
+               QStringLiteral("  %1: %2 registers written and read back").arg(path).arg(registers),
+               {{"file", path},
+                {"written", registers},
+                {"different", QJsonArray::fromStringList(different)}});
+    if (different.isEmpty())
+        return ExitCode::Good;
+    const int unnamed = different.size() - mostNames;
+    complain(different.mid(0, mostNames).join(", ") +
+             (unnamed > 0 ? QStringLiteral(" and %1 more").arg(unnamed) : QString()) +
+             ": written, but other values were read back; does the PLC's program write there?");
+    return ExitCode::SomeFailed;
 }
 
 ExitCode runRestore(const CommonOptions& common, const RestoreOptions& options)
@@ -82,19 +114,17 @@ ExitCode runRestore(const CommonOptions& common, const RestoreOptions& options)
     if (!options.from.empty())
         runs = runsFrom(runs, connection.ranges({options.from}).first());
     const Progress progress = progressOf(common.output, QStringLiteral("restore"));
+    QStringList different;
     int registers = 0;
     for (int done = 0; done < runs.size(); ++done) {
         progress(done, runs.size());
-        const std::optional<Failure> failure = restoreRun(connection, runs[done]);
+        const std::optional<Failure> failure = restoreRun(connection, runs[done], different);
         if (failure)
             return stopped(runs[done], *failure);
         registers += runs[done].range.count;
     }
     progress(runs.size(), runs.size());
-    showResult(common.output,
-               QStringLiteral("  %1: %2 registers written and read back").arg(path).arg(registers),
-               {{"file", path}, {"written", registers}});
-    return ExitCode::Good;
+    return finished(common, path, registers, different);
 }
 
 }  // namespace
@@ -108,8 +138,8 @@ void addRestoreCommand(CLI::App& app, const CommonOptions& common, Action& actio
         ->required();
     command->add_option("--from", options->from, "Begin with this register of the file")
         ->type_name("ADDRESS");
-    addExamples(*command, {"fxhost dump plc.csv D0:64", "fxhost restore plc.csv",
-                           "fxhost restore plc.csv --from D32"});
+    addExamples(*command, {"fxhost dump plc.csv D100:64", "fxhost restore plc.csv",
+                           "fxhost restore plc.csv --from D132"});
     command->callback([&action, &common, options] {
         action = [&common, options] { return runRestore(common, *options); };
     });

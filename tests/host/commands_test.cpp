@@ -103,6 +103,19 @@ TEST_P(Commands, DumpIsRestoredAndResumed)
               "D0,11,\nD99,12,\nM7,1,\n32CV255,123456,\n");
 }
 
+TEST_P(Commands, RestoreNamesWhatTheProgramOfThePlcWrites)
+{
+    // Keeps its seconds in D0, and is slow enough to do so between a write and a read.
+    RunningSimulator counting(GetParam(), {"--baud", "9600"});
+    const QTemporaryDir folder;
+    const QString file = newFile(folder, "values.csv", "address,value\nD0,65535\nD100,7\n");
+    const Ended ended = fxhost({"--link", counting.link(), "restore", file, "-q"});
+    EXPECT_EQ(ended.code, 1);
+    EXPECT_EQ(ended.err, "fxhost: D0: written, but other values were read back; does the PLC's "
+                         "program write there?\n");
+    EXPECT_EQ(counting.command("peek 0x10C8 2"), "10C8: 07 00\n");
+}
+
 TEST_P(Commands, RecordingIsReplayedWithoutThePlc)
 {
     const QTemporaryDir folder;
