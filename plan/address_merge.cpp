@@ -107,8 +107,8 @@ Block openBlock(const Group& group, const Piece& piece)
     return {group, bitAreaStart(piece.addressIndex), static_cast<int>(bytesOfBits(piece.count))};
 }
 
-// Stretches `block` to the end of `next` when that fits a frame. False: `next` opens a new block.
-bool joins(Block& block, const Block& next)
+// Makes `block` cover `next` too. False when that does not fit a frame: `next` opens a new block.
+bool stretchOver(Block& block, const Block& next)
 {
     const RegisterType& type = *block.group.type;
     const qint64 elementsPerCount = isBit(type) ? bitsPerArea : 1;
@@ -128,7 +128,7 @@ void mergeGroup(const Group& group, const std::vector<Piece>& pieces, std::vecto
     const std::size_t firstOfGroup = blocks.size();
     for (const Piece& piece : pieces) {
         const Block next = openBlock(group, piece);
-        if (blocks.size() == firstOfGroup || !joins(blocks.back(), next))
+        if (blocks.size() == firstOfGroup || !stretchOver(blocks.back(), next))
             blocks.push_back(next);
     }
 }
