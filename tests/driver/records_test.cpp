@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <vector>
 
 namespace {
 void fillData(unsigned char* data)
@@ -118,14 +119,50 @@ TEST(Records, CopiedFrameCarriesItsRequest)
     expectFilledRequest(copy.variable);
 }
 
+using Numbers = std::vector<int>;
+
+Numbers numbersOf(const VARIABLE& request)
+{
+    return {request.tag, request.stationNo, request.addressIndex, request.count};
+}
+
+TEST(Records, FreshRequestIsAllZero)
+{
+    const VARIABLE fresh;
+    EXPECT_EQ(Numbers(4, 0), numbersOf(fresh));
+    EXPECT_EQ(Bytes(1024, 0), firstBytes(fresh.data, 1024));
+}
+
+TEST(Records, FreshKeyAddressIsAllZero)
+{
+    const KEY_ADDRESS fresh;
+    EXPECT_EQ(Numbers(6, 0), (Numbers{fresh.hostValue1, fresh.hostValue2, fresh.stationNo,
+                                      fresh.startIndex, fresh.bitIndex, fresh.length}));
+    EXPECT_EQ(Bytes(1024, 0), firstBytes(fresh.data, 1024));
+}
+
+TEST(Records, FreshFrameIsAllZero)
+{
+    const FRAME_PRO fresh;
+    EXPECT_EQ(Numbers(5, 0), (Numbers{fresh.frameLength, fresh.replyLength, fresh.isRead,
+                                      fresh.replyDataChars, fresh.spare}));
+    EXPECT_EQ(Bytes(1024, 0), firstBytes(fresh.frame, 1024));
+    EXPECT_EQ(Numbers(4, 0), numbersOf(fresh.variable));
+}
+
+TEST(Records, FreshRecipeEntryIsAllZero)
+{
+    const _RCP_VAR_PRO fresh;
+    EXPECT_EQ(Numbers(6, 0), (Numbers{fresh.linkNo, fresh.stationNo, fresh.addressIndex,
+                                      fresh.count, fresh.recipeWordOffset, fresh.hostValue}));
+}
+
 TEST(Records, FreshDataAreaIsAllZero)
 {
     const _DATA_ fresh;
-    EXPECT_EQ(0, fresh.flag0);
-    EXPECT_EQ(0, fresh.bufferSelect);
-    EXPECT_EQ(0, fresh.word1);
-    EXPECT_EQ(0, fresh.monitorFlags);
-    EXPECT_EQ(0, fresh.changeFlags);
+    EXPECT_EQ(Numbers(7, 0),
+              (Numbers{fresh.flag0, fresh.bufferSelect, fresh.word1, fresh.monitorFlags,
+                       fresh.changeFlags, fresh.stationNo, fresh.startIndex}));
     EXPECT_EQ(Bytes(4, 0), firstBytes(fresh.valueBuffer0, 4));
     EXPECT_EQ(Bytes(4, 0), firstBytes(fresh.valueBuffer1, 4));
 }
