@@ -16,7 +16,7 @@ int hexDigitValue(char digit)
     return -1;
 }
 
-int hexNumber(const QByteArray& digits)
+int hexNumber(std::string_view digits)
 {
     int number = 0;
     for (const char digit : digits) {
@@ -40,23 +40,24 @@ QByteArray hexOfBytes(const QByteArray& bytes)
     return digits;
 }
 
-QByteArray bytesOfHex(const QByteArray& digits)
+QByteArray bytesOfHex(std::string_view digits)
 {
-    return QByteArray::fromHex(digits);
+    return QByteArray::fromHex(QByteArray::fromRawData(digits.data(), int(digits.size())));
 }
 
-QByteArray sumOf(const QByteArray& fromCommandToEtx)
+quint8 sumOf(std::string_view fromCommandToEtx)
 {
     quint8 sum = 0;
     for (const char character : fromCommandToEtx)
         sum = quint8(sum + quint8(character));
-    return hexOfBytes(QByteArray(1, char(sum)));
+    return sum;
 }
 
 QByteArray framed(const QByteArray& content)
 {
-    const QByteArray summed = content + etx;
-    return stx + summed + sumOf(summed);
+    QByteArray frame = stx + content + etx;
+    const quint8 sum = sumOf(std::string_view(frame.constData(), size_t(frame.size())).substr(1));
+    return frame += hexOfBytes(QByteArray(1, char(sum)));
 }
 
 }  // namespace fxsim

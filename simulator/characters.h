@@ -8,6 +8,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <string_view>
 
 namespace fxsim {
 
@@ -23,13 +24,13 @@ constexpr int sumDigits = 2;
 int hexDigitValue(char digit);
 
 // The number that `digits` spell, or -1 when one of them is no digit. Up to four digits.
-int hexNumber(const QByteArray& digits);
+int hexNumber(std::string_view digits);
 
-QByteArray hexOfBytes(const QByteArray& bytes);   // two digits a byte
-QByteArray bytesOfHex(const QByteArray& digits);  // all digits were checked before
+QByteArray hexOfBytes(const QByteArray& bytes);  // two digits a byte
+QByteArray bytesOfHex(std::string_view digits);  // all digits were checked before
 
-// The two digits of the sum over everything after STX up to ETX, both given to it.
-QByteArray sumOf(const QByteArray& fromCommandToEtx);
+// The sum over everything after STX up to ETX, both given to it; a frame ends with its two digits.
+quint8 sumOf(std::string_view fromCommandToEtx);
 
 QByteArray framed(const QByteArray& content);  // STX, content, ETX, sum
 

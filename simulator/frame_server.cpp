@@ -6,16 +6,19 @@
 
 #include "simulator/frame_server.h"
 
+#include <algorithm>
+#include <string_view>
+
 #include "simulator/characters.h"
 
 namespace fxsim {
 
 namespace {
 
-constexpr int addressDigits = 4;
-constexpr int countDigits = 2;
-constexpr int digitsPerByte = 2;
-constexpr int frameAround = 1 + 1 + sumDigits;  // STX, ETX, sum
+constexpr size_t addressDigits = 4;
+constexpr size_t countDigits = 2;
+constexpr size_t digitsPerByte = 2;
+constexpr size_t frameAround = 1 + 1 + sumDigits;  // STX, ETX, sum
 
 Command commandOf(char character)
 {
@@ -32,13 +35,10 @@ Command commandOf(char character)
     return Command::None;
 }
 
-bool allDigits(const QByteArray& text)
+bool allDigits(std::string_view text)
 {
-    for (const char character : text) {
-        if (hexDigitValue(character) < 0)
-            return false;
-    }
-    return true;
+    return std::all_of(text.begin(), text.end(),
+                       [](char character) { return hexDigitValue(character) >= 0; });
 }
 
 Verdict judgeRange(const Request& request, const PlcMemory& memory, int maxBytes)
@@ -51,26 +51,26 @@ Verdict judgeRange(const Request& request, const PlcMemory& memory, int maxBytes
 }
 
 // `fields` is what stands between the command and ETX, all digits.
-void judgeBytes(Request& request, const QByteArray& fields, const PlcMemory& memory, int maxBytes)
+void judgeBytes(Request& request, std::string_view fields, const PlcMemory& memory, int maxBytes)
 {
     if (fields.size() < addressDigits + countDigits)
         return;
-    request.address = hexNumber(fields.left(addressDigits));
-    request.byteCount = hexNumber(fields.mid(addressDigits, countDigits));
-    const QByteArray dataDigits = fields.mid(addressDigits + countDigits);
+    request.address = hexNumber(fields.substr(0, addressDigits));
+    request.byteCount = hexNumber(fields.substr(addressDigits, countDigits));
+    const std::string_view dataDigits = fields.substr(addressDigits + countDigits);
     const int dataBytes = request.command == Command::Write ? request.byteCount : 0;
-    if (dataDigits.size() != digitsPerByte * dataBytes)
+    if (dataDigits.size() != digitsPerByte * size_t(dataBytes))
         return;
     request.data = bytesOfHex(dataDigits);
     request.verdict = judgeRange(request, memory, maxBytes);
 }
 
 // A bit address is the only number of the protocol that travels low byte first.
-void judgeForce(Request& request, const QByteArray& fields, const PlcMemory& memory)
+void judgeForce(Request& request, std::string_view fields, const PlcMemory& memory)
 {
     if (fields.size() != addressDigits)
         return;
-    request.address = hexNumber(fields.mid(2, 2) + fields.left(2));
+    request.address = hexNumber(fields.substr(2)) << bitsPerByte | hexNumber(fields.substr(0, 2));
     const bool present = memory.has(request.address / bitsPerByte, 1);
     request.verdict = present ? Verdict::Good : Verdict::NoMemory;
 }
@@ -106,10 +106,11 @@ const char* verdictText(Verdict verdict)
 Request judgeFrame(const QByteArray& frame, const PlcMemory& memory, int maxBytes)
 {
     Request request;
-    if (frame.size() < frameAround)
+    const std::string_view characters(frame.constData(), size_t(frame.size()));
+    if (characters.size() < frameAround)
         return request;
-    const QByteArray summed = frame.mid(1, frame.size() - 1 - sumDigits);
-    if (sumOf(summed) != frame.right(sumDigits)) {
+    const std::string_view summed = characters.substr(1, characters.size() - 1 - sumDigits);
+    if (hexNumber(characters.substr(1 + summed.size())) != sumOf(summed)) {
         request.verdict = Verdict::WrongSum;
         return request;
     }
@@ -118,7 +119,7 @@ Request judgeFrame(const QByteArray& frame, const PlcMemory& memory, int maxByte
         request.verdict = Verdict::UnknownCommand;
         return request;
     }
-    const QByteArray fields = summed.mid(1, summed.size() - 2);
+    const std::string_view fields = summed.substr(1, summed.size() - 2);
     if (!allDigits(fields))
         return request;
     if (request.command == Command::Read || request.command == Command::Write)

@@ -3,10 +3,10 @@
 //
 // Judges one whole frame and carries it out on the memory:
 //
-//   "0"  address (4 digits), byte count (2)             read     answer: STX, two digits a byte,
-//   ETX, sum "1"  address (4), byte count (2), two digits a byte write    answer: ACK "7"  bit
-//   address (4, low byte first)                force on  answer: ACK "8"  the same force off
-//   answer: ACK
+//   "0" address (4 digits), byte count (2)           read: STX, two digits a byte, ETX, sum
+//   "1" address, byte count, two digits a byte       write: ACK
+//   "7" bit address (4 digits, low byte first)       force on: ACK
+//   "8" the same                                     force off: ACK
 //
 // A frame that fails in any way changes nothing. Sessions call it, once a frame.
 

@@ -1,17 +1,19 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// See tcp_link.h. A client's socket owns its connection to the PLC and goes when the client does.
+// See tcp_link.h.
 
 #include "simulator/tcp_link.h"
 
-#include <QTcpSocket>
+#include <QtEndian>
+#include <netinet/in.h>
+#include <sys/socket.h>
+
+#include "simulator/tcp_client.h"
 
 namespace fxsim {
 
 namespace {
-
-constexpr qint64 mostUnsentBytes = 1 << 20;
 
 QString addressText(const QHostAddress& address, quint16 port)
 {
@@ -21,14 +23,15 @@ QString addressText(const QHostAddress& address, quint16 port)
         .arg(port);
 }
 
-// What a client has not taken waits in the socket, within reason.
-int write(QTcpSocket& socket, const QByteArray& bytes)
+QString peerText(int descriptor)
 {
-    if (socket.bytesToWrite() > mostUnsentBytes)
-        return bytes.size();
-    const qint64 taken = socket.write(bytes);
-    socket.flush();  // at once, without another turn of the event loop
-    return bytes.size() - int(std::max<qint64>(0, taken));
+    sockaddr_storage peer{};
+    socklen_t size = sizeof peer;
+    ::getpeername(descriptor, reinterpret_cast<sockaddr*>(&peer), &size);
+    // The port stands at the same place in the addresses of both families.
+    const quint16 port = reinterpret_cast<const sockaddr_in&>(peer).sin_port;
+    return addressText(QHostAddress(reinterpret_cast<const sockaddr*>(&peer)),
+                       qFromBigEndian(port));
 }
 
 }  // namespace
@@ -37,7 +40,7 @@ TcpLink::TcpLink(Simulator& simulator, const Clock& clock, const QHostAddress& a
                  quint16 port)
     : Link(simulator, clock), m_address(address), m_port(port)
 {
-    connect(&m_server, &QTcpServer::newConnection, this, &TcpLink::welcome);
+    connect(&m_server, &TcpServer::accepted, this, &TcpLink::welcome);
 }
 
 QString TcpLink::open()
@@ -51,8 +54,7 @@ QString TcpLink::open()
 void TcpLink::close()
 {
     m_server.close();
-    for (QTcpSocket* socket : m_server.findChildren<QTcpSocket*>())
-        socket->abort();
+    qDeleteAll(findChildren<TcpClient*>(QString(), Qt::FindDirectChildrenOnly));
 }
 
 QString TcpLink::name() const
@@ -60,19 +62,11 @@ QString TcpLink::name() const
     return addressText(m_address, m_port);
 }
 
-void TcpLink::welcome()
+void TcpLink::welcome(int descriptor)
 {
-    while (QTcpSocket* socket = m_server.nextPendingConnection()) {
-        socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
-        auto* host = new HostConnection(
-            simulator(), clock(), addressText(socket->peerAddress(), socket->peerPort()).toLatin1(),
-            [socket](const QByteArray& bytes) { return write(*socket, bytes); });
-        host->setParent(socket);
-        connect(host, &HostConnection::linkTaken, this, &Link::drop, Qt::QueuedConnection);
-        connect(socket, &QTcpSocket::readyRead, host,
-                [host, socket] { host->receive(socket->readAll()); });
-        connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-    }
+    auto* client =
+        new TcpClient(simulator(), clock(), descriptor, peerText(descriptor).toLatin1(), this);
+    connect(client, &TcpClient::linkTaken, this, &Link::drop, Qt::QueuedConnection);
 }
 
 }  // namespace fxsim

@@ -12,6 +12,18 @@
 
 namespace fxsim {
 
+// Hands out the connections as they are, without socket objects around them.
+class TcpServer : public QTcpServer
+{
+    Q_OBJECT
+
+signals:
+    void accepted(int descriptor);
+
+protected:
+    void incomingConnection(qintptr descriptor) override { emit accepted(int(descriptor)); }
+};
+
 class TcpLink : public Link
 {
     Q_OBJECT
@@ -24,9 +36,9 @@ public:
     QString name() const override;
 
 private:
-    void welcome();
+    void welcome(int descriptor);
 
-    QTcpServer m_server;
+    TcpServer m_server;
     QHostAddress m_address;
     quint16 m_port;  // 0 until the system chose one
 };

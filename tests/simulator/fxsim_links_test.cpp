@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
@@ -13,6 +14,16 @@
 #include "tests/simulator/fxsim_process.h"
 #include "tests/simulator/printing.h"
 #include "tests/simulator/wire_frames.h"
+
+namespace {
+
+int openDescriptors(const FxsimProcess& process)
+{
+    const QDir folder(QStringLiteral("/proc/%1/fd").arg(process.processId()));
+    return folder.entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size();
+}
+
+}  // namespace
 
 TEST(FxsimTcp, servesSeveralClientsTogetherAndInTurn)
 {
@@ -36,6 +47,68 @@ TEST(FxsimTcp, portThatIsTakenIsToldAndNothingIsLeftBehind)
     EXPECT_EQ(second.exitCode, 3);
     EXPECT_EQ(second.errors, "fxsim: " + name.toUtf8() + ": The bound address is already in use\n");
     EXPECT_EQ(second.output, "");
+}
+
+TEST(FxsimTcp, hostsThatCameAndWentLeaveNothingBehind)
+{
+    FxsimProcess process({"--tcp", "0", "--baud", "0", "--program", "none"});
+    const QString name = process.waitReady();
+    const int before = openDescriptors(process);
+    ASSERT_GT(before, 0);
+    for (int visit = 0; visit < 20; ++visit) {
+        TcpEnd host(name);
+        EXPECT_EQ(host.ask(readD100, 12), zerosOfD100) << "visit " << visit;
+        EXPECT_EQ(openDescriptors(process), before + 1) << "visit " << visit;
+        host.hangUp();
+        for (int look = 0; look < 1000 && openDescriptors(process) > before; ++look)
+            process.command("stats");  // gives it a turn
+    }
+}
+
+TEST(FxsimTcp, hostThatHangsUpWithinAFrameIsForgotten)
+{
+    FxsimProcess process({"--tcp", "0", "--baud", "0", "--program", "none"});
+    const QString name = process.waitReady();
+    TcpEnd first(name);
+    first.send(writeD100.left(9));
+    first.hangUp();
+    TcpEnd second(name);
+    EXPECT_EQ(second.ask(writeD100.mid(9) + readD100, 12), zerosOfD100);
+}
+
+// More than the system keeps for a host is lost and counted, as on a serial line.
+TEST(FxsimTcp, hostThatTakesNothingHoldsUpNobody)
+{
+    FxsimProcess process({"--tcp", "0", "--baud", "0", "--program", "none"});
+    const QString name = process.waitReady();
+    TcpEnd deaf(name);
+    deaf.takeNothing();
+    TcpEnd other(name);
+    const QByteArray longestRead = "\x02"
+                                   "0100040"
+                                   "\x03"
+                                   "58";
+    for (int round = 0; round < 200; ++round) {
+        deaf.send(longestRead.repeated(1000));
+        EXPECT_EQ(other.ask(readD100, 12), zerosOfD100);
+        if (process.command("stats").contains("characters lost"))
+            return;
+    }
+    FAIL() << "nothing was lost";
+}
+
+TEST(FxsimTcp, tracesNameTheHostByItsAddress)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("trace");
+    FxsimProcess process({"--tcp", "0", "--program", "none", "--trace", path});
+    TcpEnd host(process.waitReady());
+    const QByteArray address = "tcp:127.0.0.1:" + QByteArray::number(host.ownPort());
+    EXPECT_EQ(host.ask(readD100, 12), zerosOfD100);
+    EXPECT_EQ(process.terminate(), 0);
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(file.readAll().contains(address + " > "));
 }
 
 TEST(FxsimPty, isRawFromTheStart)

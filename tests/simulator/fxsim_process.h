@@ -29,6 +29,8 @@ public:
     // The rest of the next line that starts so; lines before it are skipped.
     QString waitLine(const QString& start);
 
+    qint64 processId() const { return m_process.processId(); }
+
     QByteArray command(const QByteArray& line);  // what came back, up to and with ok or error
 
     void closeInput() { m_process.closeWriteChannel(); }
@@ -97,6 +99,9 @@ public:
     explicit TcpEnd(const QString& name);  // tcp:ADDRESS:PORT, as in the line that says ready
 
     bool isOpen() const { return m_socket.state() == QAbstractSocket::ConnectedState; }
+    quint16 ownPort() const { return m_socket.localPort(); }
+    void hangUp() { m_socket.abort(); }
+    void takeNothing() { m_socket.setReadBufferSize(1); }
     void send(const QByteArray& bytes) override;
     QByteArray take(int byteCount) override;
     bool waitGone() override;
