@@ -7,7 +7,9 @@
 #include "tests/model/driver_properties.h"
 #include "tests/support/driver_fixture.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <random>
 
 namespace {
 
@@ -39,6 +41,30 @@ TEST_F(ManyKeys, ScatteredKeysArePlannedOneByOne)
     EXPECT_EQ(keyCount(), intf_addrMerge(list));
     EXPECT_EQ(keyCount(), driver.dataAreas.size());
     EXPECT_EQ("", brokenState());
+}
+
+TEST_F(ManyKeys, KeysInAnyOrderFindTheirAreas)
+{
+    QList<KEY_ADDRESS> list = keys("D", 50);
+    intf_addrMerge(list);
+    std::shuffle(list.begin(), list.end(), std::mt19937(1));
+    EXPECT_EQ(keyCount(), intf_addrMerge(list));
+    EXPECT_EQ(keyCount(), driver.dataAreas.size());
+    EXPECT_EQ("", brokenState());
+}
+
+// The index still names places that the list no longer has.
+TEST_F(ManyKeys, PrefetchingForAListThatWasEmptiedTouchesNothing)
+{
+    QList<KEY_ADDRESS> list = keys("D", 50);
+    intf_addrMerge(list);
+    driver.dataAreas.clear();
+    const KEY_ADDRESS& key = list.constLast();
+    driver.areaIndex.prefetchSlot(key.stationNo, key.registerType, key.startIndex);
+    driver.areaIndex.prefetchArea(driver.dataAreas, key.stationNo, key.registerType,
+                                  key.startIndex);
+    EXPECT_EQ(keyCount(), intf_addrMerge(list));
+    EXPECT_EQ(keyCount(), driver.dataAreas.size());
 }
 
 TEST_F(ManyKeys, DenseKeysShareRequests)
