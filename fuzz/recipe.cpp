@@ -3,9 +3,9 @@
 //
 // Any recipe list, transferred both ways, replaced in the middle, with good and bad replies.
 // Asserted:
-//  - a transfer that starts within the list and whose exchanges end ends itself: the request byte
-//  returns to 0 and the place to the
-//    first entry within as many exchanges as the list has entries;
+//  - a transfer that starts within the list and whose exchanges end, ends itself: the request byte
+//    returns to 0 and the place to the first entry, within as many exchanges as the list has
+//    entries;
 //  - a download changes no recipe word; an upload stores only words that it reports;
 //  - state is sound, and the model agrees, recipe memory included.
 

@@ -3,11 +3,11 @@
 //
 // Links as people write them, and the link that they mean:
 //
-//   sim:                                 a simulated PLC inside, the default; sim:?baud=9600
-//                                        at the speed of a line, &faults=silence=0.05 as a bad one
-//   serial:/dev/ttyUSB0?baud=9600        a serial port, 7E1 unless &line=8N1 or &parity=odd says
-//   else pty:/dev/pts/4  pty:PATH             a pseudo-terminal tcp:HOST:PORT   tcp:HOST?port=PORT
-//   a serial server; port 8888 unless said
+//   sim:                            a simulated PLC inside, the default; sim:?baud=9600 at the
+//                                   speed of a line, &faults=silence=0.05 as a bad one
+//   serial:/dev/ttyUSB0?baud=9600   a serial port, 7E1 unless &line=8N1 or &parity=odd says else
+//   pty:/dev/pts/4                  a pseudo-terminal, with the settings of a serial port
+//   tcp:HOST:PORT, tcp:HOST?port=N  a serial server; port 8888 unless said
 
 #pragma once
 

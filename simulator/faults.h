@@ -5,8 +5,8 @@
 //
 //   silence=0.05            in five exchanges of a hundred, at random
 //   wrong-sum@7-9           in exchanges 7 to 9
-//   delay:800@3+12+20-      with a value of its own (here milliseconds), in exchanges 3, 12 and
-//   from 20 on
+//   delay:800@3+12+20-      with a value of its own (here milliseconds), in exchanges 3 and 12 and
+//                           from 20 on
 //
 // Exchanges are counted over all links from 1, the first after the plan was given: a frame each; an
 // ENQ is none. Several faults may meet in one exchange.

@@ -89,8 +89,7 @@ void Monitor::show(const Exchange& exchange)
          answerText(exchange.answer), milliseconds(exchange.responseUs), values});
 }
 
-// "0.52 ms  read D0 … D3  ␂0100008␃5C → ␂0000010004000000␃08  good after 0.31 ms, accepted: 0 1 4
-// 0"
+// "0.52 ms  read D0 … D2  ␂0100006␃5A → ␂000001000400␃48  good after 0.31 ms, accepted: 0 1 4"
 void Monitor::showLine(const Exchange& exchange, const QString& values) const
 {
     const QByteArray received = exchange.reply + exchange.thrownAway;
