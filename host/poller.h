@@ -26,13 +26,8 @@ public:
     const QVector<RegisterRange>& ranges() const { return m_ranges; }
     QVector<quint32> values(const RegisterRange& range) const;
 
-    // True when the last cycle ended before everything was asked for.
-    bool brokeOff() const { return m_brokenOff.has_value(); }
-
     // Why a register was not read in the last cycle; nothing if it was.
     std::optional<ReplyVerdict> problemOf(const RegisterRange& range, int index) const;
-
-    int keptAside() const { return m_aside.size(); }
 
 private:
     struct Aside
