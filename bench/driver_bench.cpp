@@ -44,7 +44,7 @@ private:
     // Areas of "D" words above the block that is polled.
     void fillCache(int areaCount)
     {
-        std::vector<unsigned char> values(2 * std::size_t(maxRead));
+        std::vector<unsigned char> values(2 * static_cast<std::size_t>(maxRead));
         for (int done = 0; done < areaCount; done += maxRead)
             m_driver.getData(station, "D", firstFilled + done, qMin(maxRead, areaCount - done),
                              values.data());

@@ -43,7 +43,7 @@ void queueWords(VARIABLE request, int startIndex, int wordCount, const unsigned 
     for (int done = 0; done < wordCount; done += wordLimit) {
         request.addressIndex = startIndex + done;
         request.count = qMin(wordLimit, wordCount - done);
-        const unsigned char* piece = data + qint64(bytesPerWord) * done;
+        const unsigned char* piece = data + static_cast<qint64>(bytesPerWord) * done;
         const int pieceBytes = bytesPerWord * request.count;
         std::fill(std::copy(piece, piece + pieceBytes, request.data), std::end(request.data), 0);
         addVarToList(driver.writeList, request);

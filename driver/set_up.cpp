@@ -45,7 +45,7 @@ void resetExchange()
     driver.failCount = 0;
     driver.lastExchangeFailed = 0;
     driver.maxWordsPerFrame = driver.frameWordLimit;
-    driver.maxBitsPerFrame = saturated(qint64(driver.frameWordLimit) * bitsPerArea);
+    driver.maxBitsPerFrame = saturated(static_cast<qint64>(driver.frameWordLimit) * bitsPerArea);
     driver.spareCounter1 = 0;
     driver.propertyInitialised = 1;
 }

@@ -168,7 +168,7 @@ QVector<quint32> parseValue(const QString& text, const RegisterType& type, Value
     if (type.width == RegisterWidth::DoubleWord)
         return {bits};
     const bool fitsWord =
-        number >= std::numeric_limits<qint16>::min() && number <= qint64(wordMask);
+        number >= std::numeric_limits<qint16>::min() && number <= static_cast<qint64>(wordMask);
     return fitsWord && format != ValueFormat::Long ? QVector<quint32>{bits & wordMask}
                                                    : overTwoWords(bits);
 }

@@ -65,7 +65,7 @@ qint64 offset(const RegisterType& type, int addressIndex)
 qint64 byteAddress(const RegisterType* type, int base, int addressIndex)
 {
     if (type == nullptr)
-        return qint64(bytesPerWord) * addressIndex;
+        return static_cast<qint64>(bytesPerWord) * addressIndex;
     if (isBit(*type))
         return base + offset(*type, addressIndex) / bitsPerByte;
     return base + valueBytes(*type) * offset(*type, addressIndex);
@@ -73,7 +73,7 @@ qint64 byteAddress(const RegisterType* type, int base, int addressIndex)
 
 qint64 bytesRead(const RegisterType* type, int count)
 {
-    return qint64(type == nullptr ? bytesPerWord : valueBytes(*type)) * count;
+    return static_cast<qint64>(type == nullptr ? bytesPerWord : valueBytes(*type)) * count;
 }
 
 void buildRead(const VARIABLE& request, FRAME_PRO& frame)
@@ -176,5 +176,5 @@ int check_rcv_data(unsigned char* reply, int length)
 {
     if (driver.frames.isEmpty())
         return static_cast<int>(ReplyJudgement::Rejected);
-    return static_cast<int>(judgeReply(reply, length, driver.frames.first()));
+    return static_cast<int>(judgeReply(reply, length, driver.frames.at(0)));
 }

@@ -144,7 +144,7 @@ void storeValues(const ReadRange& range, const ReplyReader& reader)
         if (storeValue<valueBytes>(finder.position(startIndex), value))
             notifyRead(range, startIndex, static_cast<unsigned char>(value));
         if (isUpload)
-            storeRecipeValue(recipeWord + qint64(valueWords) * k, valueWords, value);
+            storeRecipeValue(recipeWord + static_cast<qint64>(valueWords) * k, valueWords, value);
     }
 }
 

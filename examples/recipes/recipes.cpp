@@ -78,7 +78,7 @@ void transfer(std::size_t position)
 int recipeWordStored(int, int stationNo, QString& text, int word)
 {
     if (stationNo == -1 && text == "RWI")
-        std::printf("  recipe word %d is now %u\n", word, unsigned(recipeWords[word]));
+        std::printf("  recipe word %d is now %u\n", word, static_cast<unsigned>(recipeWords[word]));
     return 0;
 }
 

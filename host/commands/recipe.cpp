@@ -110,7 +110,7 @@ void save(RegisterFileWriter& file, const QVector<RegisterRange>& entries,
         for (int index = 0; index < entry.count; ++index) {
             quint32 value = memory.at(word++);
             if (wordsPerRegister(entry) == 2)
-                value |= quint32(memory.at(word++)) << 16;
+                value |= static_cast<quint32>(memory.at(word++)) << 16;
             file.add(entry.nameOf(index), value);
         }
     }

@@ -32,8 +32,9 @@ bool transfer(DemoBench& bench, RecipeDirection direction, const QString& label,
 
 quint32 recipeNumber(const RegisterType& type, const std::vector<quint16>& words, size_t word)
 {
-    return type.width == RegisterWidth::DoubleWord ? words[word] | quint32(words[word + 1]) << 16
-                                                   : words[word];
+    return type.width == RegisterWidth::DoubleWord
+               ? words[word] | static_cast<quint32>(words[word + 1]) << 16
+               : words[word];
 }
 
 // Reads the entries one by one from the PLC and compares them with the recipe.

@@ -80,7 +80,8 @@ QString barText(const QString& label, int done, int total, int columns)
         return QStringLiteral("  %1 %2").arg(label, numbers);
     const int width = std::min(left, widestBar);
     const int filled =
-        total > 0 ? static_cast<int>(qint64(std::min(done, total)) * width / total) : width;
+        total > 0 ? static_cast<int>(static_cast<qint64>(std::min(done, total)) * width / total)
+                  : width;
     return QStringLiteral("  %1 %2%3 %4")
         .arg(label, QStringLiteral("█").repeated(filled),
              QStringLiteral("░").repeated(width - filled), numbers);
