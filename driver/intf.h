@@ -13,7 +13,7 @@
 //  4. Texts, lists and buffers are the host's and are used during the call only: what the driver
 //     keeps, it copies. Only the two memories and the mutex of intf_initProperty stay in use.
 //  5. A null pointer in place of an output or a buffer is left alone: the call does what it can
-//     without it. A request that makes no sense is left out in silence.
+//     without it. A request that makes no sense is left out in silence, but for one-off reads.
 //  6. Register types are exact texts: bits "X" "Y" "M" "S" "SM" "T" "C", words "D" "SD" "TV" "CV",
 //     and the 32-bit counters "32CV". "X" and "Y" are numbered in octal on paper; every integer
 //     here is the value of that number (X17 is 15). "SM" and "SD" count from 8000, "32CV" from 200.
@@ -22,6 +22,8 @@
 //     them, or whose number does not fit 32 bits, are left out.
 //  9. Build the library with the Qt of its host (4.8, 5 or 6): Qt value types cross the interface.
 // 10. The link is the FX programming port: 9600 baud, 7 data bits, even parity, 1 stop bit.
+// 11. Stations are numbers from 1 up that tell requests and values apart. No frame carries one:
+//     whom a frame is for stands in its `variable.stationNo`.
 
 #ifndef DRIVER_INTF_H
 #define DRIVER_INTF_H
@@ -96,12 +98,15 @@ FX_ENTRY_POINT int intf_addrMerge(QList<KEY_ADDRESS>& keys);
 
 // Queues a one-off read, which goes out behind the host's writes and ahead of the plan; the
 // callback tells the end of the request queued last. A request for the same range as a waiting one
-// other than the head takes its place; 513 wait at most, a further one replaces the last. Always 1.
-//   key.startIndex  of bits a multiple of 8: intf_getData does not find what other starts read
-//   key.length      words, counters, or, of bit types, bytes; cut to the words of one frame. Keep
-//                   bits within one: the next would start as many bits on as this one has bytes
-//   key.bitIndex    0; with -1 cut to eight times as many, more than a PLC answers at once
-//   tag             carried with each request
+// other than the head takes its place; 513 wait at most, a further one replaces the last. One that
+// fails takes all that wait with it, and only the one queued last is told of. Always 1.
+//   key.registerType  an unknown one is read as words all the same, which nobody keeps
+//   key.startIndex    of bits a multiple of 8: intf_getData does not find what other starts read
+//   key.length        words, counters, or, of bit types, bytes; cut to the words of one frame. Keep
+//                     bits within one: the next would start as many bits on as this one has bytes.
+//                     Below 1 it is queued as it stands, to fail
+//   key.bitIndex      0; with -1 cut to eight times as many, more than a PLC answers at once
+//   tag               carried with each request
 FX_ENTRY_POINT int intf_addConditionRead(KEY_ADDRESS& key, int tag);
 
 // ---- Exchange ---------------------------------------------------------------------------------
@@ -150,6 +155,8 @@ FX_ENTRY_POINT int intf_setData(int stationNo, QString registerType, int startIn
 // the driver has set it back to 0: all was carried, or an exchange failed. An entry that no frame
 // can carry (count below 0, above 253 to download, above 512 to upload, offset below 0) ends it
 // too. With no entries a request repeats the last exchange until the host sets its byte back.
+// An entry of a bit type forces one bit, on if the low byte of its first word is exactly 1, and
+// fetches nothing into recipe memory.
 FX_ENTRY_POINT int intf_setRcpAddress(QVector<_RCP_VAR_PRO>& list);
 
 // ---- Address services for the editor ----------------------------------------------------------

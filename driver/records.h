@@ -18,7 +18,7 @@ constexpr int recordBytes = 1024;  // value or frame bytes that one record carri
 // One request for a contiguous run of registers of one type in one station.
 struct VARIABLE
 {
-    int tag = 0;           // the host's own mark, carried through and never interpreted
+    int tag = 0;           // the host's own mark; of the plan 4, of a recipe what was there before
     int stationNo = 0;     // PLC station
     QString registerType;  // "X", "Y", "M", "S", "SM", "T", "C", "D", "SD", "TV", "CV", "32CV"
     int addressIndex = 0;  // register number; X and Y: the value of the octal number
