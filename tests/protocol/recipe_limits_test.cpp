@@ -7,7 +7,6 @@
 #include "tests/support/driver_fixture.h"
 
 #include <ostream>
-#include <thread>
 
 namespace {
 struct Row
@@ -199,19 +198,5 @@ TEST_F(RecipeListReplaced, MutexTakenAwayUnderATransferLeavesTheByteAlone)
     driver.hostMutex = nullptr;
     EXPECT_EQ(1, reply("<STX>1234<ETX>CD"));
     EXPECT_EQ(0, driver.recipeIndex);
-}
-
-// The host holds the mutex and raises its byte anew: the driver, which waits, clears it after that.
-TEST_F(RecipeListReplaced, RequestByteIsClearedWithTheMutexHeld)
-{
-    requestDownload();
-    nextRequest();
-    hostMutex.lock();
-    std::thread exchange([this] { acknowledge(); });
-    hostMemory[60115] = 1;
-    hostMutex.unlock();
-    exchange.join();
-    EXPECT_EQ(0, hostMemory[60115]);
-    EXPECT_TRUE(mutexIsFree());
 }
 }  // namespace
