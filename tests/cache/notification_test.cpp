@@ -204,7 +204,9 @@ TEST_F(Notification, CallbackThatGrowsTheCacheGetsEveryBit)
     int grown = 0;
     onCall = [this, &grown](QString&, int) { values("TV", 3000 * grown++, 3000, 6000); };
     notify("M", 0, 1, 0xFF, 0x00, 1);
-    EXPECT_EQ(8U, calls.size());
+    EXPECT_EQ((Texts{"4,1,M,0", "4,1,M,1", "4,1,M,2", "4,1,M,3", "4,1,M,4", "4,1,M,5", "4,1,M,6",
+                     "4,1,M,7"}),
+              calls);
 }
 
 TEST_F(Notification, CallbackThatUnregistersItselfIsNotCalledAgain)

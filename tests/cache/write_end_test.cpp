@@ -141,14 +141,22 @@ TEST_F(WriteEnd, EveryMonitoredElementIsReportedChangedOrNot)
     }
 }
 
-TEST_F(WriteEnd, ConfirmedValueIsWhatTheCallbackReads)
+TEST_F(WriteEnd, CallbackReadsTheConfirmedValueAfterSuccessAndTheOldOneAfterFailure)
 {
     monitor("D", 100, 1);
+    std::vector<Bytes> seen;
+    onCall = [this, &seen](QString&, int) {
+        seen.push_back(values("D", 100, 1, 2));
+        seen.push_back(confirmed("D", 100));
+    };
     write("D", 100, {1, 2}, 1);
-    Bytes seen;
-    onCall = [this, &seen](QString&, int) { seen = values("D", 100, 1, 2); };
+    seen.clear();
+    end("D", 100, 1, 1);
+    EXPECT_EQ((std::vector<Bytes>{{1, 2}, {1, 2, 0, 0}}), seen);
+    write("D", 100, {3, 4}, 1);
+    seen.clear();
     end("D", 100, 1, 0);
-    EXPECT_EQ((Bytes{0, 0}), seen);
+    EXPECT_EQ((std::vector<Bytes>{{1, 2}, {1, 2, 0, 0}}), seen);
 }
 
 TEST_F(WriteEnd, UnknownTypesAndCountsBelowOneEndNothing)

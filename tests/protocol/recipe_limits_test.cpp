@@ -198,5 +198,6 @@ TEST_F(RecipeListReplaced, MutexTakenAwayUnderATransferLeavesTheByteAlone)
     driver.hostMutex = nullptr;
     EXPECT_EQ(1, reply("<STX>1234<ETX>CD"));
     EXPECT_EQ(0, driver.recipeIndex);
+    EXPECT_EQ(1, hostMemory[60116]);
 }
 }  // namespace

@@ -88,7 +88,9 @@ TEST_F(ReentrantCallback, CacheThatGrowsUnderAnUploadLosesNothing)
     nextFrame();
     EXPECT_EQ(1, reply("<STX>12345678<ETX>A7"));
     EXPECT_EQ((Bytes{0x12, 0x34, 0x56, 0x78}), values("D", 100, 2, 4));
-    EXPECT_EQ(2U, callsWith("RWI").size());
+    EXPECT_EQ((Texts{"0,-1,RWI,10", "0,-1,RWI,11"}), callsWith("RWI"));
+    const auto* stored = reinterpret_cast<const unsigned char*>(recipeWords.data() + 10);
+    EXPECT_EQ((Bytes{0x12, 0x34, 0x56, 0x78, 0, 0}), firstBytes(stored, 6));
 }
 
 TEST_F(ReentrantCallback, WriteFromInsideAPollStaysPending)

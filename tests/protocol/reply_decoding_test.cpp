@@ -203,10 +203,14 @@ TEST_F(ReplyDecoding, ChangeOfEitherByteOfAWordIsReported)
 TEST_F(ReplyDecoding, MonitoredCounterIsReportedWhenAnyByteChanges)
 {
     monitor("32CV", 200, 2);
-    poll("32CV", 200, 1, "<STX>12345678<ETX>A7");
-    poll("32CV", 200, 1, "<STX>12345678<ETX>A7");
-    poll("32CV", 200, 1, "<STX>12340000<ETX>8D");
-    EXPECT_EQ((Texts{"1,1,32CV,200", "1,1,32CV,200"}), calls);
+    for (const char* changed : {"<STX>01000000<ETX>84", "<STX>01010000<ETX>85",
+                                "<STX>01010100<ETX>86", "<STX>01010101<ETX>87"}) {
+        calls.clear();
+        poll("32CV", 200, 1, changed);
+        EXPECT_EQ((Texts{"1,1,32CV,200"}), calls) << changed;
+        poll("32CV", 200, 1, changed);
+        EXPECT_EQ((Texts{"1,1,32CV,200"}), calls) << changed << " again";
+    }
 }
 
 TEST_F(ReplyDecoding, UnmonitoredWordIsNotReported)

@@ -165,6 +165,12 @@ TEST_F(SendScheduling, WithoutHostMemoryEverythingElseIsServed)
     driver.hostMemory = nullptr;
     driver.recipeVars << recipeEntry("D", 100, 1, 0);
     driver.readList << request("D", 3, 1);
+    driver.conditionReadList << request("D", 2, 1);
+    driver.writeList << request("D", 1, 1);
+    EXPECT_EQ("1#D1/1", nextRequest());
+    EXPECT_EQ(1, acknowledge());
+    EXPECT_EQ("1#D2/1", nextRequest());
+    EXPECT_EQ(1, reply("<STX>0000<ETX>C3"));
     EXPECT_EQ("1#D3/1", nextRequest());
 }
 

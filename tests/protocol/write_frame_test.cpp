@@ -99,8 +99,8 @@ TEST_F(WriteFrameRecord, CountBeyondTheFrameOverrunsNothing)
         VARIABLE var = request("D", 0, count);
         getWriteFrame(var);
         ASSERT_EQ(1, driver.frames.size()) << count;
-        EXPECT_GE(1024, driver.frames.at(0).frameLength) << count;
-        EXPECT_LE(0, driver.frames.at(0).frameLength) << count;
+        EXPECT_EQ(count < 0 ? 11 : 1023, driver.frames.at(0).frameLength) << count;
+        EXPECT_EQ(0, driver.frames.at(0).frame[1023]) << count;
         EXPECT_EQ(count, driver.frames.at(0).variable.count) << count;
     }
 }
