@@ -11,8 +11,9 @@
 
 namespace {
 
-constexpr int recipeLink = 0;      // a recipe word is reported with these in place of link and
-constexpr int recipeStation = -1;  // station
+// A recipe word is reported with these in place of link and station.
+constexpr int recipeLink = 0;
+constexpr int recipeStation = -1;
 
 bool isCarriable(const _RCP_VAR_PRO& entry, int wordLimit)
 {

@@ -54,8 +54,8 @@ public:
     int cacheOnlyWrites = 0;  // nonzero = host writes reach the cache only
     int propertyField2 = 0;   // stored, never read
     int failLimit = 0;        // rejections in a row that end an exchange
-    int frameWordLimit = 0;
-    int propertyField5 = 0;  // stored, never read
+    int frameWordLimit = 0;   // words in one frame
+    int propertyField5 = 0;   // stored, never read
 
     // Owned by the host.
     unsigned char* hostMemory = nullptr;    // the two request bytes are read under hostMutex
@@ -71,15 +71,15 @@ public:
     QList<_DATA_> dataAreas;           // the cache
     QVector<_RCP_VAR_PRO> recipeVars;  // the recipe entries of this link
 
-    VARIABLE lastConditionRead;  // the one-off read queued last; its end is reported
-    VARIABLE current;            // the request of the exchange in progress
-    int operationKind = 0;       // see OperationKind
-    int burstCount = 0;          // writes and one-off reads since the last cyclic read
-    int spareCounter0 = 0;       // set at set-up, never read
-    int failCount = 0;           // rejections in a row
-    int maxBitsPerFrame = 0;
-    int maxWordsPerFrame = 0;
-    int lastExchangeFailed = 0;
+    VARIABLE lastConditionRead;   // the one-off read queued last; its end is reported
+    VARIABLE current;             // the request of the exchange in progress
+    int operationKind = 0;        // see OperationKind
+    int burstCount = 0;           // writes and one-off reads since the last cyclic read
+    int spareCounter0 = 0;        // set at set-up, never read
+    int failCount = 0;            // rejections in a row
+    int maxBitsPerFrame = 0;      // of frameWordLimit; requests are cut by bitsPerRequest()
+    int maxWordsPerFrame = 0;     // of frameWordLimit; requests are cut by wordsPerRequest()
+    int lastExchangeFailed = 0;   // 1 = the exchange that ended last has failed
     int spareCounter1 = 0;        // set at set-up, never read
     int propertyInitialised = 0;  // set at set-up, never read
     QList<FRAME_PRO> frames;      // the frame in flight, if any
