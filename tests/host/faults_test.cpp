@@ -6,6 +6,8 @@
 #include "support/programs.h"
 
 #include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
 
 #include <gtest/gtest.h>
 
@@ -43,6 +45,12 @@ TEST_P(Misbehaving, SomeBadRepliesAreRepeatedAway)
         GetParam(), {"--baud", "0", "--faults", "wrong-sum=0.1,truncated=0.05,junk-before=0.05"});
     const Ended ended = run(plc, {"--retries", "9", "stats", "D0:320", "-n", "20", "--json"});
     EXPECT_EQ(ended.code, 0) << testing::PrintToString(ended);
+    const QJsonObject stats = QJsonDocument::fromJson(ended.out.c_str()).object();
+    const QJsonObject reads = stats["exchanges"].toObject()["cyclic read"].toObject();
+    EXPECT_EQ(reads["good"].toInt(), 200) << ended.out;
+    EXPECT_EQ(reads["givenUp"].toInt(), 0) << ended.out;
+    for (const char* reason : {"wrong-sum", "incomplete", "high-bits"})
+        EXPECT_GT(stats["rejected"].toObject()[reason].toInt(), 0) << reason << ended.out;
 }
 
 TEST_P(Misbehaving, AWriteThatThePlcRefusesIsReported)

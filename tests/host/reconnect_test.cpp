@@ -149,7 +149,11 @@ TEST_P(LinkLost, ForGoodLetsRestoreGoOnLater)
     const QString file = newFile(folder, "plc.csv", registerFile(100));
     const Ended ended = run(plc, {"--reconnect-s", "0", "restore", file, "-q"});
     EXPECT_EQ(ended.code, 3);
-    EXPECT_TRUE(holds(ended.err, "go on with --from D")) << ended.err;
+    EXPECT_TRUE(holds(ended.err, "go on with --from D16\n")) << ended.err;
+    const RunningSimulator back(GetParam(), {"--baud", "0", "--program", "none"});
+    EXPECT_EQ(run(back, {"restore", file, "--from", "D16", "-q"}).code, 0);
+    EXPECT_EQ(run(back, {"read", "D15", "D16", "D99", "--csv", "-q"}).out,
+              "D15,0,\nD16,1016,\nD99,1099,\n");
 }
 
 TEST_P(LinkLost, ForGoodIsToldByTheRecipe)

@@ -72,7 +72,13 @@ TEST(FxsimControl, socketLeftBehindIsReplaced)
     }
     EXPECT_TRUE(QFileInfo::exists(path)) << "a killed simulator leaves its socket behind";
     FxsimProcess process({"--control", path});
-    EXPECT_NE(process.waitReady(), "");
+    process.waitReady();
+    QLocalSocket socket;
+    socket.connectToServer(path);
+    ASSERT_TRUE(socket.waitForConnected(deadlineMs));
+    socket.write("quit\n");
+    socket.flush();
+    EXPECT_EQ(process.waitEnd(), 0);
 }
 
 TEST(FxsimControl, tellGivesOneCommand)
