@@ -6,7 +6,6 @@
 #include "simulator/application.h"
 
 #include <QCoreApplication>
-#include <QFileInfo>
 #include <iostream>
 #include <unistd.h>
 
@@ -33,17 +32,6 @@ int fail(ExitCode code, const QString& text)
 {
     std::cerr << "fxsim: " << qPrintable(text) << std::endl;
     return code;
-}
-
-// Told before the run, not after it, when the memory would be lost. Empty: nothing.
-QString obstacleToSaving(const QString& path)
-{
-    const QFileInfo file(path);
-    if (file.isDir())
-        return QStringLiteral("%1: this is a folder, no file").arg(path);
-    if (!QFileInfo(file.absolutePath()).isWritable())
-        return QStringLiteral("%1: nothing can be saved in this folder").arg(path);
-    return QString();
 }
 
 }  // namespace
@@ -97,6 +85,7 @@ int Application::prepareProgram()
 int Application::prepareMemory()
 {
     if (!m_options.savePath.isEmpty()) {
+        // Told before the run, not after it, when the memory would be lost.
         const QString obstacle = obstacleToSaving(m_options.savePath);
         if (!obstacle.isEmpty())
             return fail(exitFile, obstacle);

@@ -7,6 +7,7 @@
 #include "simulator/memory_image.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QSaveFile>
 #include <algorithm>
 
@@ -160,13 +161,39 @@ QString loadImage(const QString& path, QByteArray& image)
     return error.isEmpty() ? QString() : QStringLiteral("%1: %2").arg(path, error);
 }
 
+QString obstacleToSaving(const QString& path)
+{
+    const QFileInfo file(path);
+    const QFileInfo folder(file.absolutePath());
+    if (file.isDir())
+        return QStringLiteral("%1: this is a folder, no file").arg(path);
+    if (file.exists() && !file.isFile())
+        return QStringLiteral("%1: this is no ordinary file").arg(path);
+    if (file.exists() && !file.isWritable())
+        return QStringLiteral("%1: this file may not be written").arg(path);
+    if (!folder.isDir())
+        return QStringLiteral("%1: there is no folder %2").arg(path, folder.filePath());
+    if (!folder.isWritable())
+        return QStringLiteral("%1: nothing can be saved in this folder").arg(path);
+    return QString();
+}
+
+// Renamed over an older file when all of it is on the disk. commit() by itself does not notice that
+// the last bytes found no room, and a disk that took a part says only when asked again why.
 QString saveImage(const QString& path, const QByteArray& image)
 {
+    QString obstacle = obstacleToSaving(path);
+    if (!obstacle.isEmpty())
+        return obstacle;
     QSaveFile file(path);
-    const QByteArray text = hexText(image);
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.commit())
-        return QStringLiteral("%1: %2").arg(path, file.errorString());
-    return QString();
+    if (file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
+        const QByteArray text = hexText(image);
+        const int written = int(std::max<qint64>(0, file.write(text)));
+        const QByteArray rest = text.mid(written);
+        if ((rest.isEmpty() || file.write(rest) == rest.size()) && file.commit())
+            return QString();
+    }
+    return QStringLiteral("%1: %2").arg(path, file.errorString());
 }
 
 }  // namespace fxsim

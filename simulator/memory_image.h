@@ -24,4 +24,7 @@ QByteArray hexText(const QByteArray& image);
 QString loadImage(const QString& path, QByteArray& image);
 QString saveImage(const QString& path, const QByteArray& image);
 
+// Why nothing can be saved there, as far as it can be told without doing it; empty: nothing.
+QString obstacleToSaving(const QString& path);
+
 }  // namespace fxsim

@@ -7,8 +7,12 @@
 
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <csignal>
+#include <sys/resource.h>
+#include <sys/stat.h>
 
 #include "tests/simulator/printing.h"
 
@@ -25,6 +29,30 @@ QString errorOf(const QByteArray& text)
     EXPECT_EQ(image, zeros);
     return error;
 }
+
+// No file of this process grows beyond `bytes`, as on a disk that has no more room.
+class FullDisk
+{
+public:
+    explicit FullDisk(rlim_t bytes)
+    {
+        getrlimit(RLIMIT_FSIZE, &m_before);
+        const rlimit limit = {bytes, m_before.rlim_max};
+        m_signalBefore = std::signal(SIGXFSZ, SIG_IGN);
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FullDisk()
+    {
+        setrlimit(RLIMIT_FSIZE, &m_before);
+        std::signal(SIGXFSZ, m_signalBefore);
+    }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+
+private:
+    rlimit m_before = {};
+    void (*m_signalBefore)(int) = SIG_DFL;
+};
 
 }  // namespace
 
@@ -100,5 +128,44 @@ TEST(MemoryImage, filesThatDoNotWorkAreNamed)
     QByteArray image = zeros;
     EXPECT_EQ(loadImage("/nonexistent/plc.hex", image),
               "/nonexistent/plc.hex: No such file or directory");
-    EXPECT_TRUE(saveImage("/nonexistent/plc.hex", image).startsWith("/nonexistent/plc.hex: "));
+    EXPECT_EQ(saveImage("/nonexistent/plc.hex", image),
+              "/nonexistent/plc.hex: there is no folder /nonexistent");
+}
+
+// As root, /dev/full was replaced by a file of its name.
+TEST(MemoryImage, whatIsNoOrdinaryFileStays)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("pipe");
+    ASSERT_EQ(mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+    EXPECT_EQ(saveImage(path, zeros), path + ": this is no ordinary file");
+    EXPECT_FALSE(QFileInfo(path).isFile());
+}
+
+TEST(MemoryImage, protectedFileIsToldBeforeItIsSaved)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("plc.hex");
+    ASSERT_EQ(saveImage(path, zeros), QString());
+    QFile::setPermissions(path, QFile::ReadOwner);
+    if (QFileInfo(path).isWritable())
+        GTEST_SKIP() << "nothing is protected from this user";
+    EXPECT_EQ(obstacleToSaving(path), path + ": this file may not be written");
+}
+
+// A memory that found no room was called saved, and the older file was empty.
+TEST(MemoryImage, fullDiskLeavesTheOlderFile)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("plc.hex");
+    ASSERT_EQ(saveImage(path, zeros), QString());
+    for (const rlim_t room : {0U, 5U, 20000U}) {
+        const FullDisk disk(room);
+        const QByteArray image = room < 20000 ? zeros : QByteArray(65536, 'x');
+        EXPECT_EQ(saveImage(path, image), path + ": File too large");
+        QByteArray again(65536, 'x');
+        EXPECT_EQ(loadImage(path, again), QString()) << "with room for " << room;
+        EXPECT_EQ(QFileInfo(path).size(), QByteArray(":00000001FF\n").size());
+    }
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList("plc.hex"));
 }
