@@ -32,22 +32,29 @@ bool isSocket(const QString& path)
     return ::stat(QFile::encodeName(path).constData(), &status) == 0 && S_ISSOCK(status.st_mode);
 }
 
-bool somebodyAnswersAt(const QString& path)
+// Refused, so nobody listens; at a socket that may not be asked somebody else may.
+bool isLeftBehind(const QString& path)
 {
     constexpr int connectMs = 500;
+    if (!isSocket(path))
+        return false;
     QLocalSocket probe;
     probe.connectToServer(path);
-    return probe.waitForConnected(connectMs);
+    return !probe.waitForConnected(connectMs) &&
+           probe.error() == QLocalSocket::ConnectionRefusedError;
 }
 
 // What the server would call a name error. Empty: nothing.
 QString obstacleAt(const QString& path)
 {
     const QFileInfo file(path);
+    const QFileInfo folder(file.absolutePath());
     if (file.exists())
         return QStringLiteral("the file exists");
-    if (!QFileInfo(file.absolutePath()).isDir())
-        return QStringLiteral("there is no folder %1").arg(file.absolutePath());
+    if (!folder.isDir())
+        return QStringLiteral("there is no folder %1").arg(folder.filePath());
+    if (!folder.isWritable())
+        return QStringLiteral("nothing may be made in the folder %1").arg(folder.filePath());
     if (QFile::encodeName(path).size() > longestSocketPath)
         return QStringLiteral("a socket's path has at most %1 bytes").arg(longestSocketPath);
     return QString();
@@ -89,7 +96,7 @@ SocketControl::SocketControl(Control& control) : m_control(control)
 QString SocketControl::listen(const QString& path)
 {
     const QString fullPath = QFileInfo(path).absoluteFilePath();  // a bare name means one in /tmp
-    if (isSocket(fullPath) && !somebodyAnswersAt(fullPath))
+    if (isLeftBehind(fullPath))
         QLocalServer::removeServer(fullPath);
     const QString obstacle = obstacleAt(fullPath);
     if (!obstacle.isEmpty())

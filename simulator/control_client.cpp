@@ -29,10 +29,12 @@ int tell(const QString& controlPath, const QString& command)
 {
     QLocalSocket socket;
     socket.connectToServer(QFileInfo(controlPath).absoluteFilePath());
-    if (!socket.waitForConnected(answerMs))
-        return fail(
-            exitLink,
-            QStringLiteral("control socket %1: no simulator listens there").arg(controlPath));
+    if (!socket.waitForConnected(answerMs)) {
+        const bool mayNot = socket.error() == QLocalSocket::SocketAccessError;
+        return fail(exitLink, QStringLiteral("control socket %1: %2")
+                                  .arg(controlPath, mayNot ? "only its owner may connect to it"
+                                                           : "no simulator listens there"));
+    }
     socket.write(command.toUtf8() + '\n');
     while (socket.canReadLine() || socket.waitForReadyRead(answerMs)) {
         if (!socket.canReadLine())

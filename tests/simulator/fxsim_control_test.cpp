@@ -49,6 +49,30 @@ TEST(FxsimControl, socketInUseAndForeignFilesStay)
     EXPECT_EQ(process.command("peek 0"), "0000: 00\nok\n");
 }
 
+// It was taken for one left behind, and removed under whoever listened.
+TEST(FxsimControl, socketThatMayNotBeAskedStays)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("control");
+    FxsimProcess process({"--control", path});
+    process.waitReady();
+    QFile::setPermissions(path, QFile::Permissions());
+    if (QFileInfo(path).isWritable())
+        GTEST_SKIP() << "nothing is protected from this user";
+    const FailedStart second = runToEnd({"--control", path});
+    EXPECT_EQ(second.exitCode, 3);
+    EXPECT_EQ(second.errors, "fxsim: control socket " + path.toUtf8() + ": the file exists\n");
+    const FailedStart told = runToEnd({"--control", path, "--tell", "help"});
+    EXPECT_EQ(told.exitCode, 3);
+    EXPECT_EQ(told.errors,
+              "fxsim: control socket " + path.toUtf8() + ": only its owner may connect to it\n");
+    QFile::setPermissions(folder.path(), QFile::ReadOwner | QFile::ExeOwner);
+    EXPECT_EQ(runToEnd({"--control", folder.filePath("other")}).errors,
+              "fxsim: control socket " + folder.filePath("other").toUtf8() +
+                  ": nothing may be made in the folder " + folder.path().toUtf8() + '\n');
+    QFile::setPermissions(folder.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+
 TEST(FxsimControl, socketThatCannotBeMadeIsExplained)
 {
     const FailedStart folder = runToEnd({"--control", "/nonexistent/control"});
