@@ -7,6 +7,7 @@
 
 #include <QFileInfo>
 #include <QLocalSocket>
+#include <cerrno>
 #include <iostream>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -17,6 +18,7 @@ namespace fxsim {
 namespace {
 
 constexpr int readBytes = 4096;
+constexpr int backgroundMs = 200;  // no signal tells when a terminal is ours again
 constexpr int longestSocketPath = int(sizeof(sockaddr_un::sun_path)) - 1;
 constexpr int longestLine = 65536;  // more without a line end is no command
 
@@ -66,6 +68,8 @@ InputControl::InputControl(Control& control, int inputDescriptor)
     : m_control(control), m_notifier(inputDescriptor, QSocketNotifier::Read)
 {
     connect(&m_notifier, &QSocketNotifier::activated, this, &InputControl::readAvailable);
+    m_retry.setSingleShot(true);
+    connect(&m_retry, &QTimer::timeout, this, [this] { m_notifier.setEnabled(true); });
 }
 
 void InputControl::readAvailable()
@@ -73,7 +77,9 @@ void InputControl::readAvailable()
     char buffer[readBytes];
     const ssize_t got = ::read(int(m_notifier.socket()), buffer, sizeof buffer);
     if (got <= 0) {
-        m_notifier.setEnabled(false);  // the end, or a terminal that is not ours to read
+        m_notifier.setEnabled(false);
+        if (got < 0 && errno == EIO)
+            m_retry.start(backgroundMs);  // the terminal is another's to read, for now
         return;
     }
     m_partLine.append(buffer, int(got));

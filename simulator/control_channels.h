@@ -8,6 +8,7 @@
 
 #include <QLocalServer>
 #include <QSocketNotifier>
+#include <QTimer>
 
 #include "simulator/control.h"
 
@@ -18,7 +19,8 @@ class InputControl : public QObject
     Q_OBJECT
 
 public:
-    // Reads the descriptor until it ends; the end of the input does not end the simulator.
+    // Reads the descriptor until it ends; the end of the input does not end the simulator. A
+    // terminal in whose background it runs is read again from when it comes to the foreground.
     InputControl(Control& control, int inputDescriptor);
 
 private:
@@ -26,6 +28,7 @@ private:
 
     Control& m_control;
     QSocketNotifier m_notifier;
+    QTimer m_retry;
     QByteArray m_partLine;
 };
 
