@@ -5,7 +5,10 @@
 
 #include "simulator/serial_link.h"
 
+#include <QFile>
+#include <fcntl.h>
 #include <poll.h>
+#include <unistd.h>
 
 namespace fxsim {
 
@@ -13,6 +16,17 @@ namespace {
 
 constexpr int unpluggedMs = 1000;  // until the first attempt to open the port again
 constexpr int watchMs = 200;
+
+// Something that can be opened, but has no line settings.
+bool isOtherFile(const QString& path)
+{
+    const int file = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_NOCTTY | O_NONBLOCK);
+    if (file < 0)
+        return false;
+    const bool isTerminal = isatty(file) == 1;
+    ::close(file);
+    return !isTerminal;
+}
 
 }  // namespace
 
@@ -32,7 +46,9 @@ SerialLink::SerialLink(Simulator& simulator, const Clock& clock, const QString& 
 QString SerialLink::open()
 {
     if (!m_port.open(QIODevice::ReadWrite))
-        return QStringLiteral("%1: %2").arg(m_device, m_port.errorString());
+        return QStringLiteral("%1: %2").arg(m_device, isOtherFile(m_device)
+                                                          ? QStringLiteral("it is no serial port")
+                                                          : m_port.errorString());
     m_host = std::make_unique<HostConnection>(
         simulator(), clock(), m_device.toLocal8Bit(), [this](const QByteArray& bytes) {
             return bytes.size() - int(std::max<qint64>(0, m_port.write(bytes)));

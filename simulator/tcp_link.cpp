@@ -45,8 +45,13 @@ TcpLink::TcpLink(Simulator& simulator, const Clock& clock, const QHostAddress& a
 
 QString TcpLink::open()
 {
-    if (!m_server.listen(m_address, m_port))
-        return QStringLiteral("%1: %2").arg(addressText(m_address, m_port), m_server.errorString());
+    if (!m_server.listen(m_address, m_port)) {
+        const QString reason = m_server.serverError() == QAbstractSocket::SocketAccessError
+                                   ? QStringLiteral("this port is not for every user; take one "
+                                                    "from 1024 on")
+                                   : m_server.errorString();
+        return QStringLiteral("%1: %2").arg(addressText(m_address, m_port), reason);
+    }
     m_port = m_server.serverPort();
     return QString();
 }

@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QTcpServer>
 #include <QTemporaryDir>
 #include <memory>
 
@@ -47,6 +48,19 @@ TEST(FxsimTcp, portThatIsTakenIsToldAndNothingIsLeftBehind)
     EXPECT_EQ(second.exitCode, 3);
     EXPECT_EQ(second.errors, "fxsim: " + name.toUtf8() + ": The bound address is already in use\n");
     EXPECT_EQ(second.output, "");
+}
+
+TEST(FxsimTcp, portThatIsNotForEveryUserIsExplained)
+{
+    QTcpServer own;
+    if (own.listen(QHostAddress::LocalHost, 81))
+        GTEST_SKIP() << "no port is protected from this user";
+    if (own.serverError() != QAbstractSocket::SocketAccessError)
+        GTEST_SKIP() << "the port is taken";
+    const FailedStart start = runToEnd({"--tcp", "81"});
+    EXPECT_EQ(start.exitCode, 3);
+    EXPECT_EQ(start.errors, "fxsim: tcp:127.0.0.1:81: this port is not for every user; take one "
+                            "from 1024 on\n");
 }
 
 TEST(FxsimTcp, hostsThatCameAndWentLeaveNothingBehind)
@@ -181,6 +195,9 @@ TEST(FxsimSerial, missingDeviceIsNamed)
     const FailedStart start = runToEnd({"--serial", "/dev/nonexistent"});
     EXPECT_EQ(start.exitCode, 3);
     EXPECT_EQ(start.errors, "fxsim: /dev/nonexistent: No such file or directory\n");
+    const FailedStart other = runToEnd({"--serial", "/dev/null"});
+    EXPECT_EQ(other.exitCode, 3);
+    EXPECT_EQ(other.errors, "fxsim: /dev/null: it is no serial port\n");
 }
 
 TEST(FxsimLinks, ptyAndTcpServeOnePlc)
