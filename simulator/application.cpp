@@ -58,12 +58,16 @@ int Application::finish()
 {
     for (const std::unique_ptr<Link>& link : m_links)
         link->close();
-    if (m_options.stats)
-        std::cout << m_simulator->statistics().text().constData();
+    int code = exitGood;
+    if (m_options.stats && !(std::cout << m_simulator->statistics().text().constData()).flush())
+        code = fail(exitFile, QStringLiteral("standard output took not all that was printed"));
+    if (!m_options.tracePath.isEmpty() && !m_traceFile.flush())
+        code = fail(exitFile, QStringLiteral("%1: the trace is not whole: %2")
+                                  .arg(m_options.tracePath, m_traceFile.errorString()));
     if (m_options.savePath.isEmpty())
-        return exitGood;
+        return code;
     const QString error = saveImage(m_options.savePath, m_simulator->memory().image());
-    return error.isEmpty() ? int(exitGood) : fail(exitFile, error);
+    return error.isEmpty() ? code : fail(exitFile, error);
 }
 
 int Application::prepareProgram()

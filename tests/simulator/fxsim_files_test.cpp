@@ -10,6 +10,7 @@
 
 #include "tests/simulator/fxsim_process.h"
 #include "tests/simulator/printing.h"
+#include "tests/simulator/wire_frames.h"
 
 TEST(FxsimFiles, memoryIsSavedAndLoaded)
 {
@@ -68,4 +69,14 @@ TEST(FxsimFiles, badFilesAreNamedBeforeAnythingStarts)
     EXPECT_EQ(save.exitCode, 7);
     EXPECT_EQ(save.errors, "fxsim: " + folder.path().toUtf8() + ": this is a folder, no file\n");
     EXPECT_EQ(runToEnd({"--trace", "/nonexistent/trace"}).exitCode, 7);
+}
+
+TEST(FxsimFiles, traceThatFindsNoRoomIsNoSuccess)
+{
+    FxsimProcess process({"--trace", "/dev/full", "--program", "none"});
+    PtyEnd host(process.waitReady());
+    EXPECT_EQ(host.ask(readD100, 12), zerosOfD100) << "the simulator goes on";
+    EXPECT_EQ(process.terminate(), 7);
+    EXPECT_EQ(process.errors(),
+              "fxsim: /dev/full: the trace is not whole: No space left on device\n");
 }
