@@ -96,9 +96,7 @@ void Recorder::add(const Exchange& exchange)
 
 void Recorder::put(const QJsonObject& object)
 {
-    const QByteArray line = QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
-    if (m_file.write(line) != line.size() || !m_file.flush())
-        throw FileError((m_file.fileName() + ": " + m_file.errorString()).toStdString());
+    writeWhole(m_file, QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n');
 }
 
 Recording readRecording(const QString& path)

@@ -7,6 +7,9 @@
 
 #include "host/values.h"
 
+#include <QFileInfo>
+#include <QSaveFile>
+
 namespace fxhost {
 
 namespace {
@@ -68,6 +71,11 @@ void append(QVector<RegisterRun>& runs, const FileRegister& one, int mostRegiste
     runs.last().values.append(one.value);
 }
 
+QByteArray lineOf(const QString& address, quint32 value)
+{
+    return QStringLiteral("%1,%2\n").arg(address).arg(value).toUtf8();
+}
+
 }  // namespace
 
 QVector<RegisterRun> readRegisterFile(const QString& path, const RegisterCatalogue& catalogue,
@@ -98,10 +106,45 @@ void checkWritable(const QString& path, const QVector<RegisterRun>& runs)
     }
 }
 
+// Opening to append changes nothing, and shows whether it will be possible.
+void checkPlace(const QString& path)
+{
+    const QFileInfo info(path);
+    if (info.exists() && !info.isDir() && !info.isFile())
+        throw FileError((path + ": this is no ordinary file").toStdString());
+    QFile file(path);
+    if (!file.open(QIODevice::ReadWrite | QIODevice::Append))
+        throw FileError((path + ": " + file.errorString()).toStdString());
+    if (!info.exists())
+        QFile::remove(path);
+}
+
+// A disk that took a part says only when it is asked again why it took no more.
+void writeWhole(QFileDevice& file, const QByteArray& bytes)
+{
+    if (file.write(bytes) != bytes.size() || !(file.flush() || file.flush()))
+        throw FileError((file.fileName() + ": " + file.errorString()).toStdString());
+}
+
+void saveRegisterFile(const QString& path, const QVector<RegisterRun>& runs)
+{
+    QSaveFile file(path);
+    file.setDirectWriteFallback(true);  // where no second file can be made beside it
+    if (!file.open(QIODevice::WriteOnly))
+        throw FileError((path + ": " + file.errorString()).toStdString());
+    writeWhole(file, titleLine.toUtf8() + '\n');
+    for (const RegisterRun& run : runs) {
+        for (int index = 0; index < run.range.count; ++index)
+            writeWhole(file, lineOf(run.range.nameOf(index), run.values[index]));
+    }
+    if (!file.commit())
+        throw FileError((path + ": " + file.errorString()).toStdString());
+}
+
 RegisterFileWriter::RegisterFileWriter(const QString& path, Mode mode)
     : m_file(path), m_mode(mode), m_isNew(!m_file.exists())
 {
-    // Opening to append changes nothing yet, and shows whether it will be possible.
+    checkPlace(path);
     if (!m_file.open(QIODevice::ReadWrite | QIODevice::Append))
         fail();
     if (mode == Mode::Replace)
@@ -115,13 +158,13 @@ RegisterFileWriter::RegisterFileWriter(const QString& path, Mode mode)
 RegisterFileWriter::~RegisterFileWriter()
 {
     if (m_isNew && !m_begun)
-        m_file.remove();
+        QFile::remove(m_file.fileName());  // whatever could not be written to it
 }
 
 void RegisterFileWriter::add(const QString& address, quint32 value)
 {
     begin();
-    put(QStringLiteral("%1,%2").arg(address).arg(value));
+    writeWhole(m_file, lineOf(address, value));
 }
 
 void RegisterFileWriter::addComment(const QString& text)
@@ -140,18 +183,11 @@ void RegisterFileWriter::begin()
     if (!m_begun && m_mode == Mode::Replace && !m_file.resize(0))
         fail();
     if (!m_begun && m_file.size() == 0)
-        put(titleLine);
+        writeWhole(m_file, titleLine.toUtf8() + '\n');
     m_begun = true;
     for (const QString& comment : m_comments)
-        put(comment);
+        writeWhole(m_file, comment.toUtf8() + '\n');
     m_comments.clear();
-}
-
-void RegisterFileWriter::put(const QString& line)
-{
-    const QByteArray bytes = line.toUtf8() + '\n';
-    if (m_file.write(bytes) != bytes.size() || !m_file.flush())
-        fail();
 }
 
 void RegisterFileWriter::fail() const

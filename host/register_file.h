@@ -33,6 +33,16 @@ QVector<RegisterRun> readRegisterFile(const QString& path, const RegisterCatalog
 // Throws FileError when there are none, or one of them cannot be written.
 void checkWritable(const QString& path, const QVector<RegisterRun>& runs);
 
+// Throws FileError when it is certain that nothing can be written there. Changes nothing.
+void checkPlace(const QString& path);
+
+// Writes all to the disk, or throws FileError.
+void writeWhole(QFileDevice& file, const QByteArray& bytes);
+
+// Writes such a file at once: one that is there stays as it is unless all was written. Throws
+// FileError.
+void saveRegisterFile(const QString& path, const QVector<RegisterRun>& runs);
+
 // Writes such a file line by line, so that what was written survives an interruption. A file that
 // is to be replaced keeps what it held until there is a first value for it.
 class RegisterFileWriter
@@ -55,7 +65,6 @@ public:
 
 private:
     void begin();
-    void put(const QString& line);
     [[noreturn]] void fail() const;
 
     QFile m_file;

@@ -102,19 +102,22 @@ ExitCode runDownload(const CommonOptions& common, const RecipeOptions& options)
     return finish(common, RecipeDirection::Download, outcome, entries);
 }
 
-void save(RegisterFileWriter& file, const QVector<RegisterRange>& entries,
-          const std::vector<quint16>& memory)
+QVector<RegisterRun> runsOf(const QVector<RegisterRange>& entries,
+                            const std::vector<quint16>& memory)
 {
+    QVector<RegisterRun> runs;
     size_t word = 0;
     for (const RegisterRange& entry : entries) {
+        RegisterRun run{entry, {}};
         for (int index = 0; index < entry.count; ++index) {
             quint32 value = memory.at(word++);
             if (wordsPerRegister(entry) == 2)
                 value |= static_cast<quint32>(memory.at(word++)) << 16;
-            file.add(entry.nameOf(index), value);
+            run.values.append(value);
         }
+        runs.append(run);
     }
-    file.finish();
+    return runs;
 }
 
 // Entries that fit a frame, counters of four bytes included.
@@ -135,13 +138,13 @@ ExitCode runUpload(const CommonOptions& common, const RecipeOptions& options)
     const QVector<RegisterRange> entries =
         cut(connection.ranges(addressesOf(options.addresses)), common.wordsPerFrame);
     needWords(entries);
-    RegisterFileWriter file(QString::fromStdString(options.file),
-                            RegisterFileWriter::Mode::Replace);
+    const QString path = QString::fromStdString(options.file);
+    checkPlace(path);
     const RecipeOutcome outcome =
         transferRecipe(connection.loop(), RecipeDirection::Upload, entries,
                        progressOf(common.output, QStringLiteral("upload")));
     if (outcome.isGood())  // half a recipe would look like a whole one
-        save(file, entries, connection.session().recipeWords());
+        saveRegisterFile(path, runsOf(entries, connection.session().recipeWords()));
     return finish(common, RecipeDirection::Upload, outcome, entries);
 }
 

@@ -6,6 +6,8 @@
 
 #include "support/programs.h"
 
+#include <QDir>
+
 #include <gtest/gtest.h>
 
 using namespace fxhost_tests;
@@ -254,6 +256,70 @@ TEST(Usage, FullOutputIsNoSuccess)
     EXPECT_EQ(shell.exitCode(), 7);
     EXPECT_EQ(shell.readAllStandardError(),
               "fxhost: standard output took not all that was printed\n");
+}
+
+namespace {
+
+// Where a file gets no more than so many blocks, of 512 bytes or 1024.
+Ended onFullDisk(int blocks, const QStringList& arguments)
+{
+    const QString limited = QStringLiteral("trap '' XFSZ; ulimit -f %1; FX_DRIVER=%2 exec \"$@\"")
+                                .arg(QString::number(blocks), FX_DRIVER_FILE);
+    QProcess shell;
+    shell.start("/bin/sh", QStringList{"-c", limited, "sh", FXHOST_FILE} + arguments);
+    Ended ended;
+    if (shell.waitForFinished())
+        ended.code = shell.exitCode();
+    ended.out = shell.readAllStandardOutput().toStdString();
+    ended.err = shell.readAllStandardError().toStdString();
+    return ended;
+}
+
+}  // namespace
+
+class FullDisk : public testing::TestWithParam<int>
+{
+protected:
+    QTemporaryDir folder;
+};
+
+INSTANTIATE_TEST_SUITE_P(Blocks, FullDisk, testing::Values(0, 1));
+
+TEST_P(FullDisk, AnUploadKeepsTheOlderRecipe)
+{
+    const QString file = newFile(folder, "recipe.csv", "address,value\nD0,7\n");
+    const Ended ended = onFullDisk(GetParam(), {"recipe", "upload", file, "D0:512", "-q"});
+    EXPECT_EQ(ended.code, 7);
+    EXPECT_EQ(ended.err, "fxhost: " + file.toStdString() + ": File too large\n");
+    EXPECT_EQ(contentOf(file), "address,value\nD0,7\n");
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList("recipe.csv"));
+}
+
+TEST_P(FullDisk, TheReasonIsNamed)
+{
+    const QString file = folder.filePath("new");
+    for (const char* const command : {"dump", "record"}) {
+        const Ended ended = onFullDisk(GetParam(), {command, file, "D0:512", "-q"});
+        EXPECT_EQ(ended.code, 7) << command;
+        EXPECT_EQ(ended.err, "fxhost: " + file.toStdString() + ": File too large\n") << command;
+    }
+}
+
+TEST(Usage, ADumpOfNothingLeavesNoFile)
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("new.csv");
+    EXPECT_EQ(onFullDisk(0, {"dump", file, "D0:4", "-q"}).code, 7);
+    EXPECT_FALSE(QFile::exists(file));
+}
+
+TEST(Usage, WhatIsNoOrdinaryFileIsNamed)
+{
+    for (const QStringList& command : {QStringList{"dump"}, QStringList{"recipe", "upload"}}) {
+        const Ended ended = fxhost(command + QStringList{"/dev/full", "D0"});
+        EXPECT_EQ(ended.code, 7);
+        EXPECT_EQ(ended.err, "fxhost: /dev/full: this is no ordinary file\n");
+    }
 }
 
 TEST(Usage, LettersSayAnAddress)
