@@ -6,6 +6,7 @@
 #include "host/serial_link.h"
 
 #include <QFileInfo>
+#include <QSerialPortInfo>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -32,6 +33,23 @@ bool isPseudoTerminal(const QString& path)
     return QFileInfo(path).canonicalFilePath().startsWith(QLatin1String("/dev/pts/"));
 }
 
+// What the system would take for the name of something in /dev is first looked for where it stands.
+QString portName(const QString& path)
+{
+    const QFileInfo info(path);
+    return info.exists() ? info.absoluteFilePath() : path;
+}
+
+// What is there instead of a port that is not.
+QString otherPorts()
+{
+    QStringList names;
+    for (const QSerialPortInfo& port : QSerialPortInfo::availablePorts())
+        names += port.systemLocation();
+    return names.isEmpty() ? QStringLiteral("there is no serial port: is the adapter plugged in?")
+                           : QStringLiteral("there is ") + names.join(QStringLiteral(", "));
+}
+
 // A pseudo-terminal carries eight bits and no parity, whatever it is asked for; and asked for
 // nothing but the rest it refuses, as after a program that was killed.
 LineSettings unwired(LineSettings settings)
@@ -45,9 +63,7 @@ LineSettings unwired(LineSettings settings)
 
 SerialLink::SerialLink(const QString& kind, const QString& path, const LineSettings& settings)
     : m_kind(kind), m_path(path), m_settings(settings)
-{
-    m_port.setPortName(path);
-}
+{}
 
 QString SerialLink::name() const
 {
@@ -58,16 +74,30 @@ void SerialLink::open()
 {
     const LineSettings settings = isPseudoTerminal(m_path) ? unwired(m_settings) : m_settings;
     m_port.close();
+    m_port.setPortName(portName(m_path));
     m_port.setBaudRate(settings.baud);
     m_port.setDataBits(settings.dataBits);
     m_port.setParity(settings.parity);
     m_port.setStopBits(settings.stopBits);
     if (!m_port.open(QIODevice::ReadWrite)) {
-        const QString reason =
-            isOtherFile(m_path) ? QStringLiteral("it is no serial port") : m_port.errorString();
-        throw LinkError("cannot open " + m_path.toStdString() + ": " + reason.toStdString());
+        throw LinkError("cannot open " + m_path.toStdString() + ": " + reason().toStdString());
     }
     m_port.clear();
+}
+
+QString SerialLink::reason() const
+{
+    QString said = m_port.errorString();
+    const QFileInfo device(portName(m_path));
+    if (isOtherFile(m_path))
+        return QStringLiteral("it is no serial port");
+    if (m_port.error() == QSerialPort::DeviceNotFoundError && m_kind == QLatin1String("serial"))
+        return said + "; " + otherPorts();
+    if (device.exists() && !device.isWritable() &&
+        device.permission(QFile::ReadGroup | QFile::WriteGroup))
+        return QStringLiteral("%1; the group %2 may: sudo adduser \"$USER\" %2, then log in anew")
+            .arg(said, device.group());
+    return said;
 }
 
 bool SerialLink::isOpen() const

@@ -34,6 +34,7 @@ public:
 
 private:
     bool writeAll(const QByteArray& bytes);
+    QString reason() const;  // why it could not be opened, and what would help
 
     QString m_kind;
     QString m_path;

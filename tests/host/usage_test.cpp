@@ -91,10 +91,10 @@ INSTANTIATE_TEST_SUITE_P(
                 2,
                 "fxhost: link 'usb:1': write sim:, serial:/dev/ttyUSB0?baud=9600, tcp:HOST:PORT or "
                 "pty:PATH"},
-        Mistake{"NoSuchPort",
-                {"--link", "serial:/dev/no-such-port", "read", "D0"},
+        Mistake{"NoSuchTerminal",
+                {"--link", "pty:/dev/pts/none", "read", "D0"},
                 3,
-                "fxhost: cannot open /dev/no-such-port: No such file or directory"},
+                "fxhost: cannot open /dev/pts/none: No such file or directory"},
         Mistake{"NobodyListens",
                 {"--link", "tcp:127.0.0.1:1", "read", "D0"},
                 3,
@@ -256,6 +256,28 @@ TEST(Usage, FullOutputIsNoSuccess)
     EXPECT_EQ(shell.exitCode(), 7);
     EXPECT_EQ(shell.readAllStandardError(),
               "fxhost: standard output took not all that was printed\n");
+}
+
+// The system takes a name without a leading slash for one in /dev.
+TEST(Usage, ALinkMayBeNamedFromWhereTheUserStands)
+{
+    const RunningSimulator plc(Road::PseudoTerminal);
+    const QTemporaryDir folder;
+    QFile::link(plc.link().section(':', 1), folder.filePath("plc"));
+    const QString before = QDir::currentPath();
+    QDir::setCurrent(folder.path());
+    for (const char* const link : {"pty:plc", "serial:plc", "pty:./plc"})
+        EXPECT_EQ(fxhost({"--link", link, "doctor"}).code, 0) << link;
+    QDir::setCurrent(before);
+}
+
+TEST(Usage, APortThatIsMissingNamesThoseThatAreThere)
+{
+    const Ended ended = fxhost({"--link", "serial:/dev/no-such-port", "read", "D0"});
+    EXPECT_EQ(ended.code, 3);
+    EXPECT_TRUE(holds(ended.err, "fxhost: cannot open /dev/no-such-port: No such file or "
+                                 "directory; there is "))
+        << ended.err;
 }
 
 namespace {
