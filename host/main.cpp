@@ -68,6 +68,17 @@ int runAction(const Action& action)
     }
 }
 
+// What to do next when not one answer was good.
+void pointToDoctor(int code, const CLI::App& app, const OutputOptions& output)
+{
+    const bool noGoodAnswer =
+        code == static_cast<int>(ExitCode::Silence) || code == static_cast<int>(ExitCode::Damaged);
+    if (noGoodAnswer && output.mode == OutputMode::People && !output.quiet &&
+        !app.got_subcommand("doctor"))
+        complain(QStringLiteral(
+            "nothing good came back: fxhost doctor, with the same link, finds out why"));
+}
+
 void addCommands(CLI::App& app, CommonOptions& common, Action& action)
 {
     app.require_subcommand(1);
@@ -112,7 +123,9 @@ int runCommandLine(int argumentCount, char** arguments)
         return static_cast<int>(ExitCode::Usage);
     }
     catchInterrupts();
-    return outputWritten(runAction(action));
+    const int code = runAction(action);
+    pointToDoctor(code, app, common.output);
+    return outputWritten(code);
 }
 
 }  // namespace

@@ -118,11 +118,16 @@ void Dumper::keep(const Poller& poller, const RegisterRange& portion)
     }
 }
 
-ExitCode stopped(const QString& path, const RegisterRange& portion, ReplyVerdict problem)
+ExitCode stopped(const Dumper& dumper, const QString& path, const RegisterRange& portion,
+                 ReplyVerdict problem)
 {
+    const bool holdsSome = dumper.result().good() + dumper.alreadyThere() > 0;
     const QString reason = interrupted() ? QStringLiteral("interrupted") : verdictText(problem);
-    complain(QStringLiteral("%1: %2 holds what could be read before %3; go on with --resume")
-                 .arg(reason, path, portion.nameOf(0)));
+    complain(
+        holdsSome
+            ? QStringLiteral("%1: %2 holds what could be read before %3; go on with --resume")
+                  .arg(reason, path, portion.nameOf(0))
+            : QStringLiteral("%1: nothing was read, and nothing written to %2").arg(reason, path));
     return interrupted() ? ExitCode::Interrupted : exitCodeOf(problem);
 }
 
@@ -148,7 +153,7 @@ ExitCode runDump(const CommonOptions& common, const DumpOptions& options)
         progress(portion, portions.size());
         const std::optional<ReplyVerdict> problem = dumper.dump(portions[portion]);
         if (problem)
-            return stopped(path, portions[portion], *problem);
+            return stopped(dumper, path, portions[portion], *problem);
     }
     dumper.finish();
     progress(portions.size(), portions.size());

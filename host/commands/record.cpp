@@ -24,22 +24,9 @@ struct RecordOptions
     int cycles = 10;
 };
 
-ExitCode runRecord(const CommonOptions& common, const RecordOptions& options)
+ExitCode poll(Connection& connection, int blocks, int cycles)
 {
-    Connection connection(common);
-    connection.waitForLinkWithoutEnd();
-    const QVector<RegisterRange> ranges = connection.ranges(addressesOf(options.addresses));
-    QStringList addresses;
-    for (const RegisterRange& range : ranges)
-        addresses += range.text();
-    const int blocks = connection.session().setPlan(ranges);
-    Recorder recorder(QString::fromStdString(options.file), connection.session().propertyString(),
-                      addresses);
-    connection.loop().onExchange = [&recorder](const Exchange& exchange) {
-        if (exchange.answer != DriverAnswer::NoFrame)  // the driver never saw what a lost link ate
-            recorder.add(exchange);
-    };
-    for (int cycle = 0; options.cycles == 0 || cycle < options.cycles; ++cycle) {
+    for (int cycle = 0; cycles == 0 || cycle < cycles; ++cycle) {
         const Round round = pollCycle(connection.loop(), blocks);
         if (interrupted())
             return ExitCode::Interrupted;
@@ -49,6 +36,35 @@ ExitCode runRecord(const CommonOptions& common, const RecordOptions& options)
             break;  // a PLC that has never answered
     }
     return exitCodeOf(connection.loop().statistics());
+}
+
+ExitCode runRecord(const CommonOptions& common, const RecordOptions& options)
+{
+    Connection connection(common);
+    connection.waitForLinkWithoutEnd();
+    const QVector<RegisterRange> ranges = connection.ranges(addressesOf(options.addresses));
+    QStringList addresses;
+    for (const RegisterRange& range : ranges)
+        addresses += range.text();
+    const int blocks = connection.session().setPlan(ranges);
+    const QString path = QString::fromStdString(options.file);
+    Recorder recorder(path, connection.session().propertyString(), addresses);
+    int exchanges = 0;
+    connection.loop().onExchange = [&](const Exchange& exchange) {
+        if (exchange.answer == DriverAnswer::NoFrame)
+            return;  // the driver never saw what a lost link ate
+        recorder.add(exchange);
+        ++exchanges;
+    };
+    const ExitCode code = poll(connection, blocks, options.cycles);
+    const qint64 good = connection.loop().statistics().total().accepted;
+    showResult(common.output,
+               QStringLiteral("  %1: %2 exchanges kept, %3 of them good")
+                   .arg(path)
+                   .arg(exchanges)
+                   .arg(good),
+               {{"file", path}, {"exchanges", exchanges}, {"good", good}});
+    return code;
 }
 
 // What the driver does otherwise than recorded; empty when it does the same.

@@ -128,10 +128,12 @@ read D100,␂010C802␃71,␂1234␃CD,good,accepted
 )"},
     {"record", R"(fxsim> poke 0x1000 0x12 0x34
 fxhost> record session.jsonl D0 -n 1
+  session.jsonl: 1 exchanges kept, 1 of them good
 fxhost> replay session.jsonl
 1 exchanges, all alike
 )"},
     {"replay", R"(fxhost> record session.jsonl D0:64 -n 10
+  session.jsonl: 20 exchanges kept, 20 of them good
 fxhost> replay session.jsonl
 20 exchanges, all alike
 fxhost> replay no-such-file

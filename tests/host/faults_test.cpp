@@ -107,11 +107,26 @@ TEST_P(Misbehaving, ADumpKeepsAGoodFileWhenThePlcIsSilent)
     const RunningSimulator plc(GetParam(), {"--baud", "0", "--faults", "silence=1"});
     const QTemporaryDir folder;
     const QString file = newFile(folder, "plc.csv", "address,value\nD0,7\n");
-    EXPECT_EQ(run(plc, {"-o", "50", "dump", file, "D0:64"}).code, 4);
+    const Ended ended = run(plc, {"-o", "50", "dump", file, "D0:64", "-q"});
+    EXPECT_EQ(ended.code, 4);
+    EXPECT_EQ(ended.err, "fxhost: no answer: nothing was read, and nothing written to " +
+                             file.toStdString() + "\n");
     EXPECT_EQ(contentOf(file), "address,value\nD0,7\n");
     const QString other = folder.filePath("new.csv");
     EXPECT_EQ(run(plc, {"-o", "50", "dump", other, "D0:64"}).code, 4);
     EXPECT_FALSE(QFile::exists(other));
+}
+
+TEST_P(Misbehaving, ARecordingOfSilenceIsToldAsSuch)
+{
+    const RunningSimulator plc(GetParam(), {"--baud", "0", "--faults", "silence=1"});
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("session.jsonl");
+    const Ended ended = run(plc, {"-o", "50", "--retries", "1", "record", file, "D0"});
+    EXPECT_EQ(ended.code, 4);
+    EXPECT_EQ(ended.out, "  " + file.toStdString() + ": 2 exchanges kept, 0 of them good\n");
+    EXPECT_EQ(ended.err,
+              "fxhost: nothing good came back: fxhost doctor, with the same link, finds out why\n");
 }
 
 TEST_P(Misbehaving, AResumedDumpDropsALineThatBrokeOff)
