@@ -51,8 +51,9 @@ void addPatienceOptions(CLI::App& app, CommonOptions& common)
         ->check(CLI::Range(0, 100).description(""))
         ->group(linkGroup);
     app.add_option("--reconnect-s", common.reconnectS,
-                   "Try so many seconds to get a lost link back, 0 not at all; 30, or without "
-                   "end for watch, monitor, stats and record")
+                   "Await a link that is lost, or not there yet, so many seconds, 0 not at all; "
+                   "unless given a lost one for 30, or without end by watch, monitor, stats and "
+                   "record, and one that is not there yet not at all")
         ->type_name("SECONDS")
         ->check(CLI::Range(0, longestReconnectS).description(""))
         ->group(linkGroup);

@@ -72,11 +72,30 @@ Connection::Connection(const CommonOptions& common, const QString& linkUnlessSai
       m_reconnectS(common.reconnectS < 0 ? boundedS : common.reconnectS),
       m_reconnectIsGiven(common.reconnectS >= 0), m_timestamps(common.output.timestamps)
 {
-    m_link->open();
     m_session = std::make_unique<DriverSession>(
         m_library, SessionSettings{common.retries + 1, common.wordsPerFrame});
     m_loop = std::make_unique<ExchangeLoop>(*m_session, *m_link, loopSettings(common));
     m_loop->onLinkLost = [this] { return reconnect(); };
+    openFirst();
+}
+
+// A link that is not there is more often one with a wrong name than one to wait for: that is for
+// the user to say.
+void Connection::openFirst()
+{
+    try {
+        m_link->open();
+    } catch (const LinkError& error) {
+        if (!m_reconnectIsGiven || m_reconnectS == 0)
+            throw;
+        sayState(QString::fromUtf8(error.what()) + "; it is awaited");
+        m_pauseMs = shortestPauseMs;
+        if (awaitLink())
+            sayState(QStringLiteral("the link is there"));
+        else if (!interrupted())
+            throw LinkError(m_link->name().toStdString() + ": the link did not come within " +
+                            std::to_string(m_reconnectS) + " s");
+    }
 }
 
 void Connection::waitForLinkWithoutEnd()
@@ -117,28 +136,36 @@ bool Connection::reconnect()
 {
     noteLoss();
     sayState(QStringLiteral("the link was lost"));
-    while (!interrupted() && patienceLeftMs() > 0) {
-        pauseFor(std::min<qint64>(jittered(m_pauseMs), patienceLeftMs()));
-        m_pauseMs = std::min(2 * m_pauseMs, longestPauseMs);
-        if (openAgain())
-            return true;
+    if (awaitLink()) {
+        m_loop->resynchronise();
+        ++m_loop->statistics().reconnects;
+        sayState(QStringLiteral("the link is back"));
+        return true;
     }
     if (!interrupted() && m_reconnectS > 0)
         sayState(QStringLiteral("the link did not come back within %1 s").arg(m_reconnectS));
     return false;
 }
 
-bool Connection::openAgain()
+bool Connection::awaitLink()
+{
+    while (!interrupted() && patienceLeftMs() > 0) {
+        pauseFor(std::min<qint64>(jittered(m_pauseMs), patienceLeftMs()));
+        m_pauseMs = std::min(2 * m_pauseMs, longestPauseMs);
+        if (linkOpens())
+            return true;
+    }
+    return false;
+}
+
+bool Connection::linkOpens()
 {
     try {
         m_link->open();
+        return true;
     } catch (const LinkError&) {
         return false;  // one line a change of state, not one a try
     }
-    m_loop->resynchronise();
-    ++m_loop->statistics().reconnects;
-    sayState(QStringLiteral("the link is back"));
-    return true;
 }
 
 void Connection::sayState(const QString& text) const

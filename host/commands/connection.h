@@ -17,7 +17,8 @@ namespace fxhost {
 class Connection
 {
 public:
-    // Loads the library and opens the link; throws LibraryError, LinkAddressError or LinkError.
+    // Loads the library and opens the link; throws LibraryError, LinkAddressError or LinkError. A
+    // link that is not there is awaited only for as long as the user said.
     explicit Connection(const CommonOptions& common, const QString& linkUnlessSaid = "sim:");
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
@@ -37,8 +38,10 @@ public:
     void waitForLinkWithoutEnd();
 
 private:
+    void openFirst();
     bool reconnect();
-    bool openAgain();
+    bool awaitLink();
+    bool linkOpens();
     void noteLoss();
     qint64 patienceLeftMs() const;
     void sayState(const QString& text) const;

@@ -14,48 +14,6 @@
 
 using namespace fxhost_tests;
 
-namespace {
-
-constexpr int patienceMs = 30000;
-
-// fxhost in the middle of its work: it has printed something, and goes on.
-class Running
-{
-public:
-    explicit Running(const QStringList& arguments)
-    {
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("FX_DRIVER"), QStringLiteral(FX_DRIVER_FILE));
-        m_process.setProcessEnvironment(environment);
-        m_process.start(QStringLiteral(FXHOST_FILE), arguments);
-    }
-    ~Running()
-    {
-        m_process.kill();
-        m_process.waitForFinished(patienceMs);
-    }
-    Running(const Running&) = delete;
-    Running& operator=(const Running&) = delete;
-
-    bool hasPrinted() { return m_process.waitForReadyRead(patienceMs); }
-    void send(int signal) { kill(static_cast<pid_t>(m_process.processId()), signal); }
-
-    Ended end()
-    {
-        Ended ended;
-        if (m_process.waitForFinished(patienceMs) && m_process.exitStatus() == QProcess::NormalExit)
-            ended.code = m_process.exitCode();
-        ended.out = m_process.readAllStandardOutput().toStdString();
-        ended.err = m_process.readAllStandardError().toStdString();
-        return ended;
-    }
-
-private:
-    QProcess m_process;
-};
-
-}  // namespace
-
 class UnplannedEnd : public testing::TestWithParam<Road>
 {
 protected:
@@ -67,7 +25,7 @@ INSTANTIATE_TEST_SUITE_P(Roads, UnplannedEnd, testing::Values(Road::PseudoTermin
 
 TEST_P(UnplannedEnd, TwoSignalsAtOnceAreOneInterrupt)
 {
-    Running watch({"--link", plc.link(), "watch", "D0:64", "--csv", "-l", "0"});
+    RunningHost watch({"--link", plc.link(), "watch", "D0:64", "--csv", "-l", "0"});
     ASSERT_TRUE(watch.hasPrinted());
     watch.send(SIGINT);
     watch.send(SIGINT);
@@ -81,7 +39,8 @@ TEST_P(UnplannedEnd, AnInterruptedWriteTellsWhatArrived)
     for (int value = 0; value < 600; ++value)
         values += QString::number(value);
     // The first assignment is reported in CSV while the long one is on its way.
-    Running write({"--link", plc.link(), "write", "M0=1", "D0=" + values.join(','), "--csv", "-q"});
+    RunningHost write(
+        {"--link", plc.link(), "write", "M0=1", "D0=" + values.join(','), "--csv", "-q"});
     ASSERT_TRUE(write.hasPrinted());
     write.send(SIGINT);
     const Ended ended = write.end();
@@ -93,7 +52,7 @@ TEST_P(UnplannedEnd, AnInterruptedDumpIsResumed)
 {
     const QTemporaryDir folder;
     const QString file = folder.filePath("plc.csv");
-    Running dump({"--link", plc.link(), "dump", file, "D0:8000", "--json"});
+    RunningHost dump({"--link", plc.link(), "dump", file, "D0:8000", "--json"});
     while (contentOf(file).count('\n') < 40)
         QThread::msleep(1);
     dump.send(SIGINT);
@@ -111,7 +70,7 @@ TEST_P(UnplannedEnd, AnInterruptNeedNotWaitForALongTimeout)
 {
     const RunningSimulator silent(GetParam(), {"--baud", "0", "--faults", "silence@2-"});
     // The time-out is longer than the patience of this test.
-    Running watch({"--link", silent.link(), "-o", "60s", "watch", "D0", "--csv", "-l", "0"});
+    RunningHost watch({"--link", silent.link(), "-o", "60s", "watch", "D0", "--csv", "-l", "0"});
     ASSERT_TRUE(watch.hasPrinted());
     watch.send(SIGINT);
     EXPECT_EQ(watch.end().code, 130);
@@ -119,7 +78,7 @@ TEST_P(UnplannedEnd, AnInterruptNeedNotWaitForALongTimeout)
 
 TEST_P(UnplannedEnd, AKilledProgramLeavesAUsableLine)
 {
-    Running watch({"--link", plc.link(), "watch", "D0:64", "--csv", "-l", "0"});
+    RunningHost watch({"--link", plc.link(), "watch", "D0:64", "--csv", "-l", "0"});
     ASSERT_TRUE(watch.hasPrinted());
     watch.send(SIGKILL);
     EXPECT_EQ(watch.end().code, -1);

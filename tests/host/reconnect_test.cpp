@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
+
 using namespace fxhost_tests;
 
 namespace {
@@ -173,4 +175,39 @@ TEST_P(LinkLost, AgainAndAgainIsStillBounded)
     const Ended ended = run(plc, {"--reconnect-s", "1", "read", "D0:4"});
     EXPECT_EQ(ended.code, 3) << testing::PrintToString(ended);
     EXPECT_TRUE(holds(ended.err, "the link did not come back within 1 s")) << ended.err;
+}
+
+// fxhost is started first, the PLC after it.
+TEST(LinkNotThereYet, IsAwaitedWhenTheUserSaysSo)
+{
+    const QTemporaryDir folder;
+    const QString terminal = folder.filePath("plc");
+    RunningHost watch({"--link", "pty:" + terminal, "--reconnect-s", "60", "watch", "D0", "-1"});
+    ASSERT_TRUE(watch.hasComplained());
+    const RunningSimulator plc(Road::PseudoTerminal, {"--program", "none"});
+    QFile::link(plc.link().section(':', 1), terminal);
+    const Ended ended = watch.end();
+    EXPECT_EQ(ended.code, 0);
+    EXPECT_EQ(ended.out, "D0  0\n");
+    const std::string name = "fxhost: pty:" + terminal.toStdString();
+    EXPECT_EQ(ended.err, name + ": cannot open " + terminal.toStdString() +
+                             ": No such file or directory; it is awaited\n" + name +
+                             ": the link is there\n");
+}
+
+TEST(LinkNotThereYet, IsAwaitedNoLongerThanTheUserSays)
+{
+    const Ended ended = fxhost({"--link", "tcp:127.0.0.1:1", "--reconnect-s", "1", "read", "D0"});
+    EXPECT_EQ(ended.code, 3);
+    EXPECT_EQ(ended.err, "fxhost: tcp:127.0.0.1:1: cannot connect to 127.0.0.1 port 1: Connection "
+                         "refused; it is awaited\n"
+                         "fxhost: tcp:127.0.0.1:1: the link did not come within 1 s\n");
+}
+
+TEST(LinkNotThereYet, WaitingIsInterrupted)
+{
+    RunningHost read({"--link", "tcp:127.0.0.1:1", "--reconnect-s", "60", "read", "D0"});
+    ASSERT_TRUE(read.hasComplained());
+    read.send(SIGINT);
+    EXPECT_EQ(read.end().code, 130);
 }

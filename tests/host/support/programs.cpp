@@ -8,6 +8,7 @@
 #include <QFile>
 #include <QRegularExpression>
 
+#include <csignal>
 #include <stdexcept>
 
 namespace fxhost_tests {
@@ -15,6 +16,13 @@ namespace fxhost_tests {
 namespace {
 
 constexpr int patienceMs = 30000;  // of a loaded machine, under sanitizers
+
+QProcessEnvironment environment()
+{
+    QProcessEnvironment all = QProcessEnvironment::systemEnvironment();
+    all.insert(QStringLiteral("FX_DRIVER"), QStringLiteral(FX_DRIVER_FILE));
+    return all;
+}
 
 }  // namespace
 
@@ -95,9 +103,7 @@ int times(const std::string& text, const std::string& part)
 Ended fxhost(const QStringList& arguments)
 {
     QProcess process;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("FX_DRIVER"), QStringLiteral(FX_DRIVER_FILE));
-    process.setProcessEnvironment(environment);
+    process.setProcessEnvironment(environment());
     process.start(QStringLiteral(FXHOST_FILE), arguments);
     Ended ended;
     if (!process.waitForFinished(patienceMs))
@@ -106,6 +112,44 @@ Ended fxhost(const QStringList& arguments)
         ended.code = process.exitCode();
     ended.out = process.readAllStandardOutput().toStdString();
     ended.err = process.readAllStandardError().toStdString();
+    return ended;
+}
+
+RunningHost::RunningHost(const QStringList& arguments)
+{
+    m_process.setProcessEnvironment(environment());
+    m_process.start(QStringLiteral(FXHOST_FILE), arguments);
+}
+
+RunningHost::~RunningHost()
+{
+    m_process.kill();
+    m_process.waitForFinished(patienceMs);
+}
+
+bool RunningHost::hasPrinted()
+{
+    return m_process.waitForReadyRead(patienceMs);
+}
+
+bool RunningHost::hasComplained()
+{
+    m_process.setReadChannel(QProcess::StandardError);
+    return m_process.waitForReadyRead(patienceMs);
+}
+
+void RunningHost::send(int signal)
+{
+    kill(static_cast<pid_t>(m_process.processId()), signal);
+}
+
+Ended RunningHost::end()
+{
+    Ended ended;
+    if (m_process.waitForFinished(patienceMs) && m_process.exitStatus() == QProcess::NormalExit)
+        ended.code = m_process.exitCode();
+    ended.out = m_process.readAllStandardOutput().toStdString();
+    ended.err = m_process.readAllStandardError().toStdString();
     return ended;
 }
 

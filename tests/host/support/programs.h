@@ -58,6 +58,24 @@ int times(const std::string& text, const std::string& part);  // how often it ho
 
 Ended fxhost(const QStringList& arguments);
 
+// fxhost in the middle of its work.
+class RunningHost
+{
+public:
+    explicit RunningHost(const QStringList& arguments);
+    ~RunningHost();
+    RunningHost(const RunningHost&) = delete;
+    RunningHost& operator=(const RunningHost&) = delete;
+
+    bool hasPrinted();
+    bool hasComplained();  // or ended without
+    void send(int signal);
+    Ended end();  // waits for it
+
+private:
+    QProcess m_process;
+};
+
 // A folder that goes when the test does.
 QString newFile(const QTemporaryDir& folder, const char* name, const QByteArray& content);
 QByteArray contentOf(const QString& path);
