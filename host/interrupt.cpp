@@ -20,6 +20,7 @@ constexpr qint64 oneInterruptMs = 500;
 
 volatile std::sig_atomic_t interruptSeen = 0;
 timespec firstSeen = {};
+volatile std::sig_atomic_t continuedSeen = 0;
 
 qint64 sinceFirstMs()
 {
@@ -43,6 +44,11 @@ extern "C" void noteInterrupt(int signalNumber)
     }
 }
 
+extern "C" void noteContinued(int)
+{
+    continuedSeen = 1;
+}
+
 }  // namespace
 
 void catchInterrupts()
@@ -52,11 +58,20 @@ void catchInterrupts()
     action.sa_flags = SA_RESTART;
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
+    action.sa_handler = noteContinued;
+    sigaction(SIGCONT, &action, nullptr);
 }
 
 bool interrupted()
 {
     return interruptSeen != 0;
+}
+
+bool takeContinued()
+{
+    const bool seen = continuedSeen != 0;
+    continuedSeen = 0;
+    return seen;
 }
 
 }  // namespace fxhost

@@ -11,4 +11,7 @@ namespace fxhost {
 void catchInterrupts();
 bool interrupted();
 
+// Whether the program was stopped and goes on since this was asked last.
+bool takeContinued();
+
 }  // namespace fxhost

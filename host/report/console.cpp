@@ -121,6 +121,8 @@ void Console::redraw(const QStringList& lines)
         std::cout.flush();
         return;
     }
+    if (takeContinued())
+        unfinished.drawnLines = 0;  // below the table stands now what the shell wrote
     const Size size = terminalSize();
     // A terminal that has changed its size may have folded its lines anew.
     if (unfinished.drawnLines > 0 && unfinished.drawnOn != size)

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <csignal>
 
 using namespace fxhost_tests;
 
@@ -89,6 +90,22 @@ TEST_F(TerminalViews, WatchFollowsTheSizeOfItsTerminal)
     EXPECT_EQ(linesWith(terminal.screen(), "address"), 1);
     EXPECT_EQ(linesWith(terminal.screen(), "Ctrl-C ends"), 1);
     EXPECT_EQ(terminal.screen().lines().size(), 32);
+}
+
+// After Ctrl-Z and fg the table was drawn over the last lines of the shell.
+TEST_F(TerminalViews, WatchBeginsANewTableWhenItGoesOn)
+{
+    Terminal terminal(linked({"watch", "D0:2", "-l", "20"}), 80, 24);
+    ASSERT_TRUE(terminal.waitForText("cycle 3"));
+    terminal.send(SIGSTOP);
+    terminal.send(SIGCONT);
+    EXPECT_TRUE(terminal.waitFor(
+        [](const Screen& screen) { return linesWith(screen, "Ctrl-C ends") == 2; }));
+    EXPECT_EQ(linesWith(terminal.screen(), "address"), 2);
+    EXPECT_EQ(terminal.screen().lines().size(), 8);
+    terminal.press(ctrlC);
+    EXPECT_EQ(terminal.waitForEnd(), 130);
+    expectCleanEnd(terminal);
 }
 
 TEST_F(TerminalViews, WatchShowsWhatIsRefusedWithItsReason)

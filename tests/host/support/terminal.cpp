@@ -129,6 +129,11 @@ void Terminal::press(char key)
         throw std::runtime_error("the test cannot press a key");
 }
 
+void Terminal::send(int signal)
+{
+    kill(m_child, signal);
+}
+
 void Terminal::resize(int columns, int rows)
 {
     const winsize size = sizeOf(columns, rows);

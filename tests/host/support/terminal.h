@@ -27,6 +27,7 @@ public:
     bool waitForText(const QString& text);
 
     void press(char key);
+    void send(int signal);
     void resize(int columns, int rows);
     int waitForEnd();  // the exit code; -1 when it did not end well
 
