@@ -71,6 +71,18 @@ TEST(FxsimFiles, badFilesAreNamedBeforeAnythingStarts)
     EXPECT_EQ(runToEnd({"--trace", "/nonexistent/trace"}).exitCode, 7);
 }
 
+// Told before the run, not after it, when the memory is lost.
+TEST(FxsimFiles, saveToAProtectedFileIsRefusedAtTheStart)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("plc.hex");
+    ASSERT_TRUE(QFile(path).open(QIODevice::WriteOnly));
+    QFile::setPermissions(path, QFile::ReadOwner);
+    const FailedStart start = runToEnd({"--save", path}, Rights::OrdinaryUser);
+    EXPECT_EQ(start.exitCode, 7);
+    EXPECT_EQ(start.errors, "fxsim: " + path.toUtf8() + ": this file may not be written\n");
+}
+
 TEST(FxsimFiles, traceThatFindsNoRoomIsNoSuccess)
 {
     FxsimProcess process({"--trace", "/dev/full", "--program", "none"});

@@ -24,9 +24,15 @@ int millisecondsLeft(const QElapsedTimer& timer)
 
 }  // namespace
 
-FxsimProcess::FxsimProcess(const QStringList& arguments)
+FxsimProcess::FxsimProcess(const QStringList& arguments, Rights rights)
 {
-    m_process.start(QStringLiteral(FXSIM_PATH), arguments);
+    QStringList command{QStringLiteral(FXSIM_PATH)};
+    if (rights == Rights::OrdinaryUser && ::geteuid() == 0)
+        command = QStringList{"setpriv", "--bounding-set=-dac_override,-dac_read_search,"
+                                         "-net_bind_service"} +
+                  command;
+    command += arguments;
+    m_process.start(command.takeFirst(), command);
     m_process.waitForStarted(deadlineMs);
 }
 
@@ -83,9 +89,9 @@ int FxsimProcess::signal(int number)
     return waitEnd();
 }
 
-FailedStart runToEnd(const QStringList& arguments)
+FailedStart runToEnd(const QStringList& arguments, Rights rights)
 {
-    FxsimProcess process(arguments);
+    FxsimProcess process(arguments, rights);
     FailedStart result;
     result.exitCode = process.waitEnd();
     result.errors = process.errors();

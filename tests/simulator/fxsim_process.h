@@ -16,11 +16,18 @@
 
 constexpr int deadlineMs = 10000;
 
+// Root may write and open everything, unless it is started without that right.
+enum class Rights
+{
+    Own,
+    OrdinaryUser
+};
+
 // A running fxsim. Ends with the test, whatever happens in between.
 class FxsimProcess
 {
 public:
-    explicit FxsimProcess(const QStringList& arguments);
+    explicit FxsimProcess(const QStringList& arguments, Rights rights = Rights::Own);
     ~FxsimProcess();
 
     // What stands after "fxsim: ready on ", or nothing if it ended before.
@@ -56,7 +63,7 @@ struct FailedStart
     QByteArray errors;
     QByteArray output;
 };
-FailedStart runToEnd(const QStringList& arguments);
+FailedStart runToEnd(const QStringList& arguments, Rights rights = Rights::Own);
 
 // The host's end of a link.
 class HostEnd

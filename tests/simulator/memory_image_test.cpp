@@ -142,17 +142,6 @@ TEST(MemoryImage, whatIsNoOrdinaryFileStays)
     EXPECT_FALSE(QFileInfo(path).isFile());
 }
 
-TEST(MemoryImage, protectedFileIsToldBeforeItIsSaved)
-{
-    const QTemporaryDir folder;
-    const QString path = folder.filePath("plc.hex");
-    ASSERT_EQ(saveImage(path, zeros), QString());
-    QFile::setPermissions(path, QFile::ReadOwner);
-    if (QFileInfo(path).isWritable())
-        GTEST_SKIP() << "nothing is protected from this user";
-    EXPECT_EQ(obstacleToSaving(path), path + ": this file may not be written");
-}
-
 // A memory that found no room was called saved, and the older file was empty.
 TEST(MemoryImage, fullDiskLeavesTheOlderFile)
 {
