@@ -57,8 +57,10 @@ void AreaIndex::prefetchArea(const QList<_DATA_>& areas, int stationNo, const QS
     if (!isWorthPrefetching())
         return;
     const int position = m_slots.at(firstSlot(stationNo, registerType, startIndex)) - 1;
-    if (position >= 0 && position < areas.size())  // the list may have changed behind the index
-        prefetch(&areas.at(position));
+    for (const int place : {position, position + 1}) {  // the second is tried for the next key
+        if (place >= 0 && place < areas.size())  // the list may have changed behind the index
+            prefetch(&areas.at(place));
+    }
 }
 
 int AreaIndex::append(QList<_DATA_>& areas, int slot, const _DATA_& area)
