@@ -51,7 +51,7 @@ extern "C" void noteContinued(int)
 
 }  // namespace
 
-void catchInterrupts()
+void catchSignals()
 {
     struct sigaction action = {};
     action.sa_handler = noteInterrupt;

@@ -1,14 +1,14 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// Ctrl-C and a polite request to end: the first one is noted, so that what is under way can be
-// ended in good order; whoever waits or repeats asks for it.
+// Signals, noted for whoever waits or repeats and asks for them: Ctrl-C and a polite request to
+// end, so that what is under way can be ended in good order, and the going on after a stop.
 
 #pragma once
 
 namespace fxhost {
 
-void catchInterrupts();
+void catchSignals();
 bool interrupted();
 
 // Whether the program was stopped and goes on since this was asked last.

@@ -122,7 +122,7 @@ int runCommandLine(int argumentCount, char** arguments)
         complain(QString::fromStdString(error.what()).simplified() + "; fxhost --help tells more");
         return static_cast<int>(ExitCode::Usage);
     }
-    catchInterrupts();
+    catchSignals();
     const int code = runAction(action);
     pointToDoctor(code, app, common.output);
     return outputWritten(code);

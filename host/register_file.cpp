@@ -71,6 +71,17 @@ void append(QVector<RegisterRun>& runs, const FileRegister& one, int mostRegiste
     runs.last().values.append(one.value);
 }
 
+[[noreturn]] void fail(const QFileDevice& file)
+{
+    throw FileError((file.fileName() + ": " + file.errorString()).toStdString());
+}
+
+void checkOrdinary(const QFileInfo& file)
+{
+    if (file.exists() && !file.isDir() && !file.isFile())
+        throw FileError((file.filePath() + ": this is no ordinary file").toStdString());
+}
+
 QByteArray lineOf(const QString& address, quint32 value)
 {
     return QStringLiteral("%1,%2\n").arg(address).arg(value).toUtf8();
@@ -109,50 +120,51 @@ void checkWritable(const QString& path, const QVector<RegisterRun>& runs)
 // Opening to append changes nothing, and shows whether it will be possible.
 void checkPlace(const QString& path)
 {
-    const QFileInfo info(path);
-    if (info.exists() && !info.isDir() && !info.isFile())
-        throw FileError((path + ": this is no ordinary file").toStdString());
     QFile file(path);
+    const bool isNew = !file.exists();
+    checkOrdinary(QFileInfo(path));
     if (!file.open(QIODevice::ReadWrite | QIODevice::Append))
-        throw FileError((path + ": " + file.errorString()).toStdString());
-    if (!info.exists())
-        QFile::remove(path);
+        fail(file);
+    if (isNew)
+        file.remove();
 }
 
 // A disk that took a part says only when it is asked again why it took no more.
 void writeWhole(QFileDevice& file, const QByteArray& bytes)
 {
     if (file.write(bytes) != bytes.size() || !(file.flush() || file.flush()))
-        throw FileError((file.fileName() + ": " + file.errorString()).toStdString());
+        fail(file);
 }
 
 void saveRegisterFile(const QString& path, const QVector<RegisterRun>& runs)
 {
+    QByteArray text = titleLine.toUtf8() + '\n';
+    for (const RegisterRun& run : runs) {
+        for (int index = 0; index < run.range.count; ++index)
+            text += lineOf(run.range.nameOf(index), run.values[index]);
+    }
     QSaveFile file(path);
     file.setDirectWriteFallback(true);  // where no second file can be made beside it
     if (!file.open(QIODevice::WriteOnly))
-        throw FileError((path + ": " + file.errorString()).toStdString());
-    writeWhole(file, titleLine.toUtf8() + '\n');
-    for (const RegisterRun& run : runs) {
-        for (int index = 0; index < run.range.count; ++index)
-            writeWhole(file, lineOf(run.range.nameOf(index), run.values[index]));
-    }
+        fail(file);
+    writeWhole(file, text);
     if (!file.commit())
-        throw FileError((path + ": " + file.errorString()).toStdString());
+        fail(file);
 }
 
 RegisterFileWriter::RegisterFileWriter(const QString& path, Mode mode)
     : m_file(path), m_mode(mode), m_isNew(!m_file.exists())
 {
-    checkPlace(path);
+    checkOrdinary(QFileInfo(path));
+    // Opening to append changes nothing yet, and shows whether it will be possible.
     if (!m_file.open(QIODevice::ReadWrite | QIODevice::Append))
-        fail();
+        fail(m_file);
     if (mode == Mode::Replace)
         return;
     // A line that broke off must not be taken for a whole one.
     m_file.seek(0);
     if (!m_file.resize(m_file.readAll().lastIndexOf('\n') + 1))
-        fail();
+        fail(m_file);
 }
 
 RegisterFileWriter::~RegisterFileWriter()
@@ -181,18 +193,13 @@ void RegisterFileWriter::finish()
 void RegisterFileWriter::begin()
 {
     if (!m_begun && m_mode == Mode::Replace && !m_file.resize(0))
-        fail();
+        fail(m_file);
     if (!m_begun && m_file.size() == 0)
         writeWhole(m_file, titleLine.toUtf8() + '\n');
     m_begun = true;
     for (const QString& comment : m_comments)
         writeWhole(m_file, comment.toUtf8() + '\n');
     m_comments.clear();
-}
-
-void RegisterFileWriter::fail() const
-{
-    throw FileError((m_file.fileName() + ": " + m_file.errorString()).toStdString());
 }
 
 }  // namespace fxhost

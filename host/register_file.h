@@ -65,7 +65,6 @@ public:
 
 private:
     void begin();
-    [[noreturn]] void fail() const;
 
     QFile m_file;
     Mode m_mode;

@@ -5,6 +5,8 @@
 
 #include "host/tcp_link.h"
 
+#include "host/interrupt.h"
+
 #include <cerrno>
 #include <poll.h>
 #include <sys/socket.h>
@@ -71,7 +73,10 @@ QByteArray TcpLink::receive(int timeoutMs)
 bool TcpLink::waitFor(short event, int timeoutMs) const
 {
     pollfd waited = {descriptor(), event, 0};
-    return ::poll(&waited, 1, timeoutMs) > 0;
+    int ready = ::poll(&waited, 1, timeoutMs);
+    while (ready < 0 && errno == EINTR && !interrupted())  // stopped, and now going on
+        ready = ::poll(&waited, 1, timeoutMs);
+    return ready > 0;
 }
 
 }  // namespace fxhost

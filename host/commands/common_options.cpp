@@ -50,10 +50,11 @@ void addPatienceOptions(CLI::App& app, CommonOptions& common)
         ->type_name("N")
         ->check(CLI::Range(0, 100).description(""))
         ->group(linkGroup);
-    app.add_option("--reconnect-s", common.reconnectS,
-                   "Await a link that is lost, or not there yet, so many seconds, 0 not at all; "
-                   "unless given a lost one for 30, or without end by watch, monitor, stats and "
-                   "record, and one that is not there yet not at all")
+    app.add_option(
+           "--reconnect-s", common.reconnectS,
+           "Await a lost link, or one that is not there yet, so many seconds; 0 not at all. "
+           "Unless given: a lost one 30 seconds, or without end by watch, monitor, stats "
+           "and record; one that is not there yet not at all")
         ->type_name("SECONDS")
         ->check(CLI::Range(0, longestReconnectS).description(""))
         ->group(linkGroup);

@@ -2,10 +2,13 @@
 // SPDX-License-Identifier: MIT
 //
 // Ends that nobody planned: fxhost is interrupted in the middle of its work, or killed. It tells
-// how far it came where it still can, and whoever comes next finds a usable line.
+// how far it came where it still can, and whoever comes next finds a usable line. Stopped, it goes
+// on where it was.
 
 #include "support/programs.h"
 
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QThread>
 
 #include <gtest/gtest.h>
@@ -84,4 +87,21 @@ TEST_P(UnplannedEnd, AKilledProgramLeavesAUsableLine)
     EXPECT_EQ(watch.end().code, -1);
     const Ended next = fxhost({"--link", plc.link(), "read", "D0", "--csv", "-q"});
     EXPECT_EQ(next.out, "D0,0,\n") << testing::PrintToString(next);
+}
+
+// A wait that the going on cut short was taken for a silent PLC.
+TEST_P(UnplannedEnd, AStopCostsNoExchange)
+{
+    RunningHost stats({"--link", plc.link(), "-o", "20s", "stats", "D0:64", "-n", "4", "--json"});
+    for (int stop = 0; stop < 30; ++stop) {
+        stats.send(SIGSTOP);
+        stats.send(SIGCONT);
+        QThread::msleep(20);
+    }
+    const Ended ended = stats.end();
+    EXPECT_EQ(ended.code, 0) << ended.err;
+    const QJsonObject counted = QJsonDocument::fromJson(ended.out.c_str()).object();
+    EXPECT_EQ(counted["exchanges"].toObject()["cyclic read"].toObject()["good"].toInt(), 8);
+    for (const QJsonValue& rejected : counted["rejected"].toObject())
+        EXPECT_EQ(rejected.toInt(-1), 0) << ended.out;
 }

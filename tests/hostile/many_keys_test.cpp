@@ -23,6 +23,13 @@ class ManyKeys : public DriverTest
 {
 protected:
     ManyKeys() { setUpDriver("1#0#0#3#32"); }
+
+    void expectARequestAndAnAreaForEach(QList<KEY_ADDRESS>& list)
+    {
+        EXPECT_EQ(keyCount(), intf_addrMerge(list));
+        EXPECT_EQ(keyCount(), driver.dataAreas.size());
+        EXPECT_EQ("", brokenState());
+    }
 };
 
 QList<KEY_ADDRESS> keys(const char* registerType, int spacing)
@@ -38,9 +45,7 @@ QList<KEY_ADDRESS> keys(const char* registerType, int spacing)
 TEST_F(ManyKeys, ScatteredKeysArePlannedOneByOne)
 {
     QList<KEY_ADDRESS> list = keys("D", 50);
-    EXPECT_EQ(keyCount(), intf_addrMerge(list));
-    EXPECT_EQ(keyCount(), driver.dataAreas.size());
-    EXPECT_EQ("", brokenState());
+    expectARequestAndAnAreaForEach(list);
 }
 
 TEST_F(ManyKeys, KeysInAnyOrderFindTheirAreas)
@@ -48,9 +53,7 @@ TEST_F(ManyKeys, KeysInAnyOrderFindTheirAreas)
     QList<KEY_ADDRESS> list = keys("D", 50);
     intf_addrMerge(list);
     std::shuffle(list.begin(), list.end(), std::mt19937(1));
-    EXPECT_EQ(keyCount(), intf_addrMerge(list));
-    EXPECT_EQ(keyCount(), driver.dataAreas.size());
-    EXPECT_EQ("", brokenState());
+    expectARequestAndAnAreaForEach(list);
 }
 
 // The index still names places that the list no longer has.
@@ -63,8 +66,7 @@ TEST_F(ManyKeys, PrefetchingForAListThatWasEmptiedTouchesNothing)
     driver.areaIndex.prefetchSlot(key.stationNo, key.registerType, key.startIndex);
     driver.areaIndex.prefetchArea(driver.dataAreas, key.stationNo, key.registerType,
                                   key.startIndex);
-    EXPECT_EQ(keyCount(), intf_addrMerge(list));
-    EXPECT_EQ(keyCount(), driver.dataAreas.size());
+    expectARequestAndAnAreaForEach(list);
 }
 
 TEST_F(ManyKeys, DenseKeysShareRequests)

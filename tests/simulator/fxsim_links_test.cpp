@@ -73,6 +73,7 @@ TEST(FxsimTcp, hostsThatCameAndWentLeaveNothingBehind)
         host.hangUp();
         for (int look = 0; look < 1000 && openDescriptors(process) > before; ++look)
             process.command("stats");  // gives it a turn
+        EXPECT_EQ(openDescriptors(process), before) << "visit " << visit;
     }
 }
 
