@@ -42,7 +42,7 @@ install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT dev)
 
 if(TARGET fxhost)
     install(TARGETS fxhost fxsim RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
-    foreach(manual host/fxhost.1 simulator/fxsim.1)
+    foreach(manual tools/fxhost/fxhost.1 tools/fxsim/fxsim.1)
         get_filename_component(name ${manual} NAME)
         configure_file(${manual} ${PROJECT_BINARY_DIR}/man/${name} @ONLY)  # the version in its foot
         install(FILES ${PROJECT_BINARY_DIR}/man/${name}
@@ -54,7 +54,7 @@ if(TARGET fxhost)
     # fxhost loads the library by name, as panels do, and finds it from its own folder.
     file(RELATIVE_PATH library_beside_tools
         /prefix/${CMAKE_INSTALL_BINDIR} /prefix/${CMAKE_INSTALL_LIBDIR})
-    set_property(SOURCE host/driver_library.cpp TARGET_DIRECTORY fx_host_core
+    set_property(SOURCE tools/library/driver_library.cpp TARGET_DIRECTORY fx_library
         PROPERTY COMPILE_DEFINITIONS
         FX_LIBRARY_FILE="$<TARGET_SONAME_FILE_NAME:mitsubishi_fx1s>"
         FX_LIBRARY_FOLDER="${library_beside_tools}")

@@ -151,7 +151,7 @@ All 10 checks came true: what was read back is what was written.
 
 QStringList commandsInHelp()
 {
-    const QString help = QString::fromStdString(fxhost_tests::fxhost({"--help"}).out);
+    const QString help = QString::fromStdString(tool_tests::fxhost({"--help"}).out);
     const QString list = help.section("Subcommands:", 1).section("\n\n", 0, 0);
     QRegularExpressionMatchIterator rows =
         QRegularExpression("^  (\\w+) ", QRegularExpression::MultilineOption).globalMatch(list);

@@ -5,7 +5,7 @@
 // One that passes is repeated away and every value is right; one that stays ends with right values
 // or with a message and an exit code that name it. No value is ever wrong.
 
-#include "tests/host/support/programs.h"
+#include "tests/tools/support/programs.h"
 
 #include <QRegularExpression>
 
@@ -13,7 +13,7 @@
 
 #include <algorithm>
 
-using namespace fxhost_tests;
+using namespace tool_tests;
 
 namespace {
 

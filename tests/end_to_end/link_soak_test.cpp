@@ -5,17 +5,17 @@
 // a line in turn: no value that the host takes for good is wrong, no exchange is given up, and at
 // the end the PLC holds what was written last.
 
-#include "host/exchange_loop.h"
-#include "host/link_address.h"
-#include "tests/host/support/loaded_driver.h"
-#include "tests/host/support/programs.h"
+#include "tests/tools/support/loaded_driver.h"
+#include "tests/tools/support/programs.h"
+#include "tools/exchange/exchange_loop.h"
+#include "tools/fxhost/link_address.h"
 
 #include <QCoreApplication>
 
 #include <gtest/gtest.h>
 
-using namespace fxhost;
-using namespace fxhost_tests;
+using namespace fxtools;
+using namespace tool_tests;
 
 namespace {
 

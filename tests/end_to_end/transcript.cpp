@@ -60,14 +60,14 @@ std::string TerminalSession::answerTo(const QString& typed)
         return runHost(typed.mid(hostPrompt.size()));
     if (typed.startsWith(simulatorPrompt))
         return m_plc.command(typed.mid(simulatorPrompt.size())).toStdString();
-    return fxhost_tests::contentOf(typed.mid(filePrompt.size())).toStdString();
+    return tool_tests::contentOf(typed.mid(filePrompt.size())).toStdString();
 }
 
 std::string TerminalSession::runHost(const QString& arguments) const
 {
     const QStringList pipe = arguments.split(QStringLiteral(" | grep -o "));
-    const fxhost_tests::Ended ended = fxhost_tests::fxhost(QStringList{"--link", m_plc.link()} +
-                                                           QProcess::splitCommand(pipe.first()));
+    const tool_tests::Ended ended = tool_tests::fxhost(QStringList{"--link", m_plc.link()} +
+                                                       QProcess::splitCommand(pipe.first()));
     std::string printed = ended.out + ended.err;
     if (pipe.size() > 1)
         printed = partsOf(printed, pipe.last());

@@ -10,11 +10,11 @@
 
 #pragma once
 
-#include "tests/host/support/programs.h"
+#include "tests/tools/support/programs.h"
 
 namespace fx_end_to_end {
 
-using fxhost_tests::Road;
+using tool_tests::Road;
 
 class TerminalSession
 {
@@ -29,7 +29,7 @@ private:
     std::string runHost(const QString& arguments) const;
 
     QTemporaryDir m_folder;
-    fxhost_tests::RunningSimulator m_plc;
+    tool_tests::RunningSimulator m_plc;
 };
 
 }  // namespace fx_end_to_end

@@ -53,7 +53,7 @@ fxsoak::MemoryTrend soakAll(fxsoak::Soak& soak, qint64 exchanges)
 
 void printLine(fxsoak::Soak& soak)
 {
-    const fxhost::KindCounts frames = soak.line().total();
+    const fxtools::KindCounts frames = soak.line().total();
     std::printf("line: %lld frames, %lld repeats, %lld exchanges failed, %lld links lost, %lld "
                 "power cycles, %.1f simulated hours\n",
                 frames.sent, frames.repeated, frames.failed, soak.line().linksLost,
@@ -78,7 +78,7 @@ bool memoryIsLevel(const fxsoak::MemoryTrend& trend)
 
 int run(const Options& options, const fxsim::FaultPlan& faults)
 {
-    const fxhost::DriverLibrary library(QString::fromStdString(options.driver));
+    const fxtools::DriverLibrary library(QString::fromStdString(options.driver));
     fxsoak::Soak soak(library, {options.exchanges, options.seed, faults});
     const fxsoak::MemoryTrend trend = soakAll(soak, options.exchanges);
     const fxsoak::SoakCounts& counts = soak.counts();
@@ -124,7 +124,7 @@ int main(int argc, char** argv)
     }
     try {
         return run(options, faults.plan);
-    } catch (const fxhost::LibraryError& error) {
+    } catch (const fxtools::LibraryError& error) {
         std::fprintf(stderr, "soak: %s\n", error.what());
         return 3;
     }

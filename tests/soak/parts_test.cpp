@@ -12,18 +12,18 @@ using namespace fxsoak;
 
 namespace {
 
-fxhost::RegisterRange words(int first, int count)
+fxtools::RegisterRange words(int first, int count)
 {
-    fxhost::RegisterType type;
+    fxtools::RegisterType type;
     type.name = QStringLiteral("D");
     return {type, 1, first, count};
 }
 
-fxhost::RegisterRange bits(int first, int count)
+fxtools::RegisterRange bits(int first, int count)
 {
-    fxhost::RegisterRange range = words(first, count);
+    fxtools::RegisterRange range = words(first, count);
     range.type.name = QStringLiteral("M");
-    range.type.width = fxhost::RegisterWidth::Bit;
+    range.type.width = fxtools::RegisterWidth::Bit;
     return range;
 }
 

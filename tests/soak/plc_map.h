@@ -7,7 +7,7 @@
 
 #pragma once
 
-#include "simulator/simulator.h"
+#include "tools/fxsim/line/simulator.h"
 
 #include <QString>
 

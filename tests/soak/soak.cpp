@@ -31,9 +31,9 @@ fxsim::Settings plcSettings(const SoakSettings& settings)
     return plc;
 }
 
-fxhost::LoopSettings onTimeOf(const SoakLine& line)
+fxtools::LoopSettings onTimeOf(const SoakLine& line)
 {
-    fxhost::LoopSettings settings;
+    fxtools::LoopSettings settings;
     settings.clockUs = [&line] { return line.nowUs(); };
     return settings;
 }
@@ -46,7 +46,7 @@ bool met(fxsim::FaultKind kind, const fxsim::Statistics& before, const fxsim::St
 
 }  // namespace
 
-Soak::Soak(const fxhost::DriverLibrary& library, const SoakSettings& settings)
+Soak::Soak(const fxtools::DriverLibrary& library, const SoakSettings& settings)
     : m_catalogue(library), m_line(plcSettings(settings)), m_session(library, {}),
       m_loop(m_session, m_line, onTimeOf(m_line)), m_random(settings.seed)
 {
@@ -86,7 +86,7 @@ void Soak::finish()
 void Soak::act()
 {
     if (m_counts.ended == 0 || chance(plansAnew)) {
-        QVector<fxhost::RegisterRange> plan;
+        QVector<fxtools::RegisterRange> plan;
         for (const PlcRun& run : plcRuns())
             plan.append({*m_catalogue.find(run.type), 1, run.first, run.count});
         m_session.setPlan(plan);
@@ -111,7 +111,7 @@ void Soak::changePlc()
 // Into the book first: the driver may call back while it takes the write.
 void Soak::write()
 {
-    const fxhost::RegisterRange range = someRange(someWritableRun(false));
+    const fxtools::RegisterRange range = someRange(someWritableRun(false));
     const QVector<quint32> values = someValues(range);
     m_book.add(range, values);
     m_isWriting = true;
@@ -123,7 +123,7 @@ void Soak::startRecipe()
 {
     RunningRecipe recipe;
     recipe.direction =
-        chance(0.5) ? fxhost::RecipeDirection::Download : fxhost::RecipeDirection::Upload;
+        chance(0.5) ? fxtools::RecipeDirection::Download : fxtools::RecipeDirection::Upload;
     for (int entries = 1 + below(6); entries > 0; --entries)
         recipe.entries.append(someRange(someWritableRun(true)));
     std::vector<quint16>& words = m_session.recipeWords();
@@ -136,7 +136,7 @@ void Soak::startRecipe()
 void Soak::exchange()
 {
     const fxsim::Statistics before = plc();
-    const std::optional<fxhost::Exchange> exchange = m_loop.step();
+    const std::optional<fxtools::Exchange> exchange = m_loop.step();
     m_sumIsForged = met(fxsim::FaultKind::WrongSum, before, plc()) &&
                     met(fxsim::FaultKind::FlippedBits, before, plc());
     expect(exchange.has_value(), QStringLiteral("there is a plan, and nothing to send"));
@@ -157,7 +157,7 @@ int Soak::below(int limit)
 }
 
 // Bits start with a byte, since a one-off read does not look for the byte that holds its first.
-fxhost::RegisterRange Soak::someRange(const PlcRun& run)
+fxtools::RegisterRange Soak::someRange(const PlcRun& run)
 {
     const int step = run.isBit() ? bitsPerByte : 1;
     const int offset = step * below(run.count / step);
@@ -179,7 +179,7 @@ quint32 Soak::someBits(int bits)
     return static_cast<quint32>(m_random()) >> (32 - bits);
 }
 
-QVector<quint32> Soak::someValues(const fxhost::RegisterRange& range)
+QVector<quint32> Soak::someValues(const fxtools::RegisterRange& range)
 {
     const int bits = plcRun(range.type.name).bits;
     QVector<quint32> values;

@@ -8,10 +8,10 @@
 
 #pragma once
 
-#include "host/recipe_transfer.h"
 #include "memory_trend.h"
 #include "plc_map.h"
 #include "soak_line.h"
+#include "tools/exchange/recipe_transfer.h"
 #include "write_book.h"
 
 #include <random>
@@ -42,7 +42,7 @@ struct SoakCounts
 class Soak
 {
 public:
-    Soak(const fxhost::DriverLibrary& library, const SoakSettings& settings);
+    Soak(const fxtools::DriverLibrary& library, const SoakSettings& settings);
 
     // Until so many exchanges have ended in all, or something is wrong.
     void run(qint64 exchanges);
@@ -52,7 +52,7 @@ public:
 
     const SoakCounts& counts() const { return m_counts; }
     const QVector<QString>& findings() const { return m_findings; }
-    const fxhost::Statistics& line() const { return m_loop.statistics(); }
+    const fxtools::Statistics& line() const { return m_loop.statistics(); }
     const fxsim::Statistics& plc() { return m_line.plc().statistics(); }
     qint64 writesReplaced() const { return m_book.replaced(); }
     qint64 simulatedUs() const { return m_line.nowUs(); }
@@ -60,8 +60,8 @@ public:
 private:
     struct RunningRecipe
     {
-        fxhost::RecipeDirection direction = fxhost::RecipeDirection::Download;
-        QVector<fxhost::RegisterRange> entries;
+        fxtools::RecipeDirection direction = fxtools::RecipeDirection::Download;
+        QVector<fxtools::RegisterRange> entries;
         int next = 0;
         size_t nextWord = 0;  // in the recipe memory
     };
@@ -72,26 +72,26 @@ private:
     void startRecipe();
     void exchange();
 
-    void check(const fxhost::Exchange& exchange);
-    void checkRead(const fxhost::Exchange& exchange);
-    void checkWrite(const fxhost::Exchange& exchange);
+    void check(const fxtools::Exchange& exchange);
+    void checkRead(const fxtools::Exchange& exchange);
+    void checkWrite(const fxtools::Exchange& exchange);
     void checkConfirmed(const QString& typeName, int number, quint32 value);
-    void checkRecipe(const fxhost::Exchange& exchange);
-    void checkRecipeWords(const fxhost::RegisterRange& entry, Side side);
-    void checkCache(const fxhost::RegisterRange& range);
+    void checkRecipe(const fxtools::Exchange& exchange);
+    void checkRecipeWords(const fxtools::RegisterRange& entry, Side side);
+    void checkCache(const fxtools::RegisterRange& range);
     void expect(bool good, const QString& finding);
 
     bool chance(double probability);
     int below(int limit);
     quint32 someBits(int bits);
-    fxhost::RegisterRange someRange(const PlcRun& run);
+    fxtools::RegisterRange someRange(const PlcRun& run);
     const PlcRun& someWritableRun(bool wordsOnly);
-    QVector<quint32> someValues(const fxhost::RegisterRange& range);
+    QVector<quint32> someValues(const fxtools::RegisterRange& range);
 
-    fxhost::RegisterCatalogue m_catalogue;
+    fxtools::RegisterCatalogue m_catalogue;
     SoakLine m_line;
-    fxhost::DriverSession m_session;
-    fxhost::ExchangeLoop m_loop;
+    fxtools::DriverSession m_session;
+    fxtools::ExchangeLoop m_loop;
     std::mt19937 m_random;
     WriteBook m_book;
     bool m_isWriting = false;

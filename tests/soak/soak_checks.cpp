@@ -21,35 +21,35 @@ quint32 word(const std::vector<quint16>& words, size_t at, int bits)
 
 }  // namespace
 
-void Soak::check(const fxhost::Exchange& exchange)
+void Soak::check(const fxtools::Exchange& exchange)
 {
     ++m_counts.ended;
     m_counts.failed += exchange.hasFailed();
-    expect(exchange.hasFailed() == (exchange.verdict != fxhost::ReplyVerdict::Good),
+    expect(exchange.hasFailed() == (exchange.verdict != fxtools::ReplyVerdict::Good),
            QStringLiteral("the driver takes a reply otherwise than it is"));
     switch (exchange.kind) {
-    case fxhost::ExchangeKind::Write:
+    case fxtools::ExchangeKind::Write:
         return checkWrite(exchange);
-    case fxhost::ExchangeKind::ConditionalRead:
-    case fxhost::ExchangeKind::CyclicRead:
+    case fxtools::ExchangeKind::ConditionalRead:
+    case fxtools::ExchangeKind::CyclicRead:
         return checkRead(exchange);
-    case fxhost::ExchangeKind::RecipeDownload:
-    case fxhost::ExchangeKind::RecipeUpload:
+    case fxtools::ExchangeKind::RecipeDownload:
+    case fxtools::ExchangeKind::RecipeUpload:
         return checkRecipe(exchange);
     }
 }
 
-void Soak::checkRead(const fxhost::Exchange& exchange)
+void Soak::checkRead(const fxtools::Exchange& exchange)
 {
     if (exchange.hasFailed())
         return;
     const VARIABLE& request = exchange.frame.variable;
-    const fxhost::RegisterType& type = *m_catalogue.find(request.registerType);
+    const fxtools::RegisterType& type = *m_catalogue.find(request.registerType);
     const int registers = type.isBit() ? bitsPerByte * request.count : request.count;
     checkCache({type, request.stationNo, request.addressIndex, registers});
 }
 
-void Soak::checkWrite(const fxhost::Exchange& exchange)
+void Soak::checkWrite(const fxtools::Exchange& exchange)
 {
     const VARIABLE& request = exchange.frame.variable;
     if (m_book.isEmpty() || m_book.next().type != request.registerType ||
@@ -73,7 +73,7 @@ void Soak::checkConfirmed(const QString& typeName, int number, quint32 value)
                               .arg(number)
                               .arg(held)
                               .arg(value));
-    const fxhost::RegisterType& type = *m_catalogue.find(typeName);
+    const fxtools::RegisterType& type = *m_catalogue.find(typeName);
     if (run.isBit() || m_book.mayCover(type, number))
         return;
     const quint32 cached = m_session.values({type, 1, number, 1}).first();
@@ -87,12 +87,12 @@ void Soak::checkConfirmed(const QString& typeName, int number, quint32 value)
     m_counts.valuesRight += cached == last;
 }
 
-void Soak::checkRecipe(const fxhost::Exchange& exchange)
+void Soak::checkRecipe(const fxtools::Exchange& exchange)
 {
     if (!m_recipe)
         return expect(false, QStringLiteral("a recipe goes on behind its end"));
-    const bool isDownload = m_recipe->direction == fxhost::RecipeDirection::Download;
-    const fxhost::RegisterRange entry = m_recipe->entries[m_recipe->next];
+    const bool isDownload = m_recipe->direction == fxtools::RecipeDirection::Download;
+    const fxtools::RegisterRange entry = m_recipe->entries[m_recipe->next];
     expect(exchange.frame.variable.addressIndex == entry.first &&
                exchange.frame.variable.registerType == entry.type.name,
            QStringLiteral("a recipe entry went out of turn"));
@@ -112,7 +112,7 @@ void Soak::checkRecipe(const fxhost::Exchange& exchange)
     m_recipe.reset();
 }
 
-void Soak::checkRecipeWords(const fxhost::RegisterRange& entry, Side side)
+void Soak::checkRecipeWords(const fxtools::RegisterRange& entry, Side side)
 {
     const PlcRun& run = plcRun(entry.type.name);
     size_t at = m_recipe->nextWord;
@@ -130,7 +130,7 @@ void Soak::checkRecipeWords(const fxhost::RegisterRange& entry, Side side)
     }
 }
 
-void Soak::checkCache(const fxhost::RegisterRange& range)
+void Soak::checkCache(const fxtools::RegisterRange& range)
 {
     if (m_sumIsForged) {
         ++m_counts.sumsForged;

@@ -6,12 +6,12 @@
 
 #pragma once
 
-#include "host/exchange_loop.h"
-#include "simulator/session.h"
+#include "tools/exchange/exchange_loop.h"
+#include "tools/fxsim/line/session.h"
 
 namespace fxsoak {
 
-class SoakLine : public fxhost::Link
+class SoakLine : public fxtools::Link
 {
 public:
     explicit SoakLine(const fxsim::Settings& settings);

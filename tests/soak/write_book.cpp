@@ -20,7 +20,7 @@ bool isSameRequest(const BookedWrite& a, const BookedWrite& b)
 
 }  // namespace
 
-void WriteBook::add(const fxhost::RegisterRange& range, const QVector<quint32>& values)
+void WriteBook::add(const fxtools::RegisterRange& range, const QVector<quint32>& values)
 {
     for (int i = 0; i < values.size(); ++i)
         m_lastWritten[{range.type.name, range.first + i}] = values[i];
@@ -48,7 +48,7 @@ quint32 WriteBook::lastWritten(const QString& type, int number) const
     return m_lastWritten.at({type, number});
 }
 
-bool WriteBook::mayCover(const fxhost::RegisterType& type, int number) const
+bool WriteBook::mayCover(const fxtools::RegisterType& type, int number) const
 {
     return std::any_of(m_writes.begin(), m_writes.end(), [&](const BookedWrite& write) {
         if (write.type != type.name)

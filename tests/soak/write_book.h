@@ -7,7 +7,7 @@
 
 #pragma once
 
-#include "host/registers.h"
+#include "tools/library/registers.h"
 
 #include <map>
 #include <vector>
@@ -25,7 +25,7 @@ struct BookedWrite
 class WriteBook
 {
 public:
-    void add(const fxhost::RegisterRange& range, const QVector<quint32>& values);
+    void add(const fxtools::RegisterRange& range, const QVector<quint32>& values);
 
     bool isEmpty() const { return m_writes.empty(); }
     std::size_t size() const { return m_writes.size(); }
@@ -34,7 +34,7 @@ public:
 
     // Whether a value in the cache may be one that waits to be written: of bits that goes for all
     // of a byte.
-    bool mayCover(const fxhost::RegisterType& type, int number) const;
+    bool mayCover(const fxtools::RegisterType& type, int number) const;
 
     quint32 lastWritten(const QString& type, int number) const;
 

@@ -1,0 +1,178 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// What the commands of fxhost do beyond their plain use, which tests/end_to_end shows: against a
+// simulated PLC on a real pseudo-terminal and over TCP.
+
+#include "tests/tools/support/programs.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+
+#include <gtest/gtest.h>
+
+using namespace tool_tests;
+
+class Commands : public testing::TestWithParam<Road>
+{
+protected:
+    // A PLC whose memory only the host changes.
+    RunningSimulator plc{GetParam(), {"--baud", "0", "--program", "none"}};
+
+    Ended run(const QStringList& arguments)
+    {
+        return fxhost(QStringList{"--link", plc.link()} + arguments);
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Roads, Commands, testing::Values(Road::PseudoTerminal, Road::Tcp),
+                         [](const auto& row) { return testing::PrintToString(row.param); });
+
+TEST_P(Commands, ReadKnowsTheFormats)
+{
+    plc.command("poke 0x1000 0xC3 0xF5 0x48 0x40");  // D0, D1: 3.14 as a floating-point number
+    EXPECT_EQ(run({"read", "D0:2", "--as", "float", "--csv", "-q"}).out, "D0,3.14,\n");
+    EXPECT_EQ(run({"read", "D0", "--as", "signed", "--csv", "-q"}).out, "D0,-2621,\n");
+    EXPECT_EQ(run({"read", "D0", "--as", "hex", "--csv", "-q"}).out, "D0,0xF5C3,\n");
+    EXPECT_EQ(run({"read", "D0:2", "--as", "long", "--csv", "-q"}).out, "D0,1078523331,\n");
+}
+
+TEST_P(Commands, WriteReachesThePlcAndIsVerified)
+{
+    const Ended ended =
+        run({"write", "D10=7,-1", "M5=on", "32CV201=70000", "D20=3.14", "--verify", "--csv", "-q"});
+    EXPECT_EQ(ended.code, 0);
+    EXPECT_EQ(ended.out, "D10:2,\"7,-1\",verified\nM5,on,verified\n32CV201,70000,verified\n"
+                         "D20:2,3.14,verified\n");
+    EXPECT_EQ(run({"read", "D10:2", "M5", "32CV201", "--csv", "-q"}).out,
+              "D10,7,\nD11,65535,\nM5,1,\n32CV201,70000,\n");
+}
+
+TEST_P(Commands, WriteTakesTheFormatItIsTold)
+{
+    EXPECT_EQ(run({"write", "D0=5,-2", "--as", "long", "-q"}).code, 0);
+    EXPECT_EQ(plc.command("peek 0x1000 8"), "1000: 05 00 00 00 FE FF FF FF\n");
+    EXPECT_EQ(run({"write", "D4=2", "--as", "float", "-q"}).code, 0);
+    EXPECT_EQ(plc.command("peek 0x1008 4"), "1008: 00 00 00 40\n");
+    EXPECT_EQ(run({"write", "D6=ff", "--as", "hex", "-q"}).code, 0);
+    EXPECT_EQ(plc.command("peek 0x100C 2"), "100C: FF 00\n");
+    EXPECT_EQ(run({"write", "-t", "M", "-r", "8", "1", "0", "on", "-q"}).code, 0);
+    EXPECT_EQ(plc.command("peek 0x0101"), "0101: 05\n");
+}
+
+TEST_P(Commands, TimestampsStandInFront)
+{
+    const QRegularExpression line("^\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d\\.\\d{3},D0,0,$",
+                                  QRegularExpression::MultilineOption);
+    const Ended ended = run({"read", "D0", "--csv", "-q", "--timestamps"});
+    EXPECT_TRUE(line.match(QString::fromStdString(ended.out)).hasMatch()) << ended.out;
+}
+
+TEST_P(Commands, ATimeoutMayBeInSeconds)
+{
+    EXPECT_EQ(run({"read", "D0", "-o", "0.5s", "-q"}).code, 0);
+    EXPECT_EQ(run({"read", "D0", "-o", "500ms", "-q"}).code, 0);
+}
+
+TEST_P(Commands, WriteOfManyBitsLosesNone)
+{
+    const QString ones = QStringList(QVector<QString>(600, "1").toList()).join(',');
+    EXPECT_EQ(run({"write", "M0=" + ones, "--verify"}).code, 0);
+}
+
+TEST_P(Commands, WatchShowsEachChangeOnce)
+{
+    const Ended ended = run({"watch", "D0:2", "-n", "3", "-l", "1", "--json"});
+    EXPECT_EQ(ended.code, 0);
+    EXPECT_EQ(ended.out, "{\"address\":\"D0\",\"value\":0}\n{\"address\":\"D1\",\"value\":0}\n");
+}
+
+TEST_P(Commands, DumpIsRestoredAndResumed)
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("dump.csv");
+    ASSERT_EQ(run({"write", "D0=11", "D99=12", "M7=1", "32CV255=123456"}).code, 0);
+    EXPECT_EQ(run({"dump", file, "D0:50"}).code, 0);
+    EXPECT_EQ(run({"dump", file, "D0:100", "M0:16", "32CV200:56", "--resume"}).code, 0);
+    EXPECT_EQ(contentOf(file).count('\n'), 1 + 100 + 16 + 56);
+    ASSERT_EQ(run({"write", "D0=0", "D99=0", "M7=0", "32CV255=0"}).code, 0);
+    EXPECT_EQ(run({"restore", file}).code, 0);
+    EXPECT_EQ(run({"read", "D0", "D99", "M7", "32CV255", "--csv", "-q"}).out,
+              "D0,11,\nD99,12,\nM7,1,\n32CV255,123456,\n");
+}
+
+TEST_P(Commands, RestoreNamesWhatTheProgramOfThePlcWrites)
+{
+    // Keeps its seconds in D0, and is slow enough to do so between a write and a read.
+    RunningSimulator counting(GetParam(), {"--baud", "9600"});
+    const QTemporaryDir folder;
+    const QString file = newFile(folder, "values.csv", "address,value\nD0,65535\nD100,7\n");
+    const Ended ended = fxhost({"--link", counting.link(), "restore", file, "-q"});
+    EXPECT_EQ(ended.code, 1);
+    EXPECT_EQ(ended.err, "fxhost: D0: written, but other values were read back; does the PLC's "
+                         "program write there?\n");
+    EXPECT_EQ(counting.command("peek 0x10C8 2"), "10C8: 07 00\n");
+}
+
+TEST_P(Commands, RecordingIsReplayedWithoutThePlc)
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("session.jsonl");
+    EXPECT_EQ(run({"record", file, "D0:64", "X0:8", "-n", "2"}).code, 0);
+    const Ended replayed = fxhost({"replay", file});
+    EXPECT_EQ(replayed.code, 0);
+    EXPECT_EQ(replayed.out, "6 exchanges, all alike\n");
+
+    QByteArray changed = contentOf(file);
+    changed.replace("1#D32(32)", "1#D33(32)");
+    const Ended differs = fxhost({"replay", newFile(folder, "changed.jsonl", changed)});
+    EXPECT_EQ(differs.code, 1);
+    EXPECT_TRUE(holds(differs.err, "line 4: the driver answers"));
+}
+
+TEST_P(Commands, StatsShowTheHistogramBesideTheTimeout)
+{
+    const Ended ended = run({"stats", "D0:64", "-n", "5", "--json"});
+    const QJsonObject stats = QJsonDocument::fromJson(ended.out.c_str()).object();
+    int answers = 0;
+    for (const auto bar : stats["responseHistogram"].toArray()) {
+        const QJsonObject times = bar.toObject();
+        EXPECT_EQ(times["toMs"].toDouble(), 2 * times["fromMs"].toDouble());
+        answers += times["answers"].toInt();
+    }
+    EXPECT_EQ(answers, 10);
+    EXPECT_GE(stats["timeoutMs"].toInt(), stats["timeoutFloorMs"].toInt());
+    EXPECT_LE(stats["timeoutMs"].toInt(), stats["timeoutCeilingMs"].toInt());
+    const Ended forPeople = run({"stats", "D0:64", "-n", "5"});
+    EXPECT_TRUE(holds(forPeople.out, "  response times; the time-out is ")) << forPeople.out;
+    EXPECT_TRUE(holds(forPeople.out, "█")) << forPeople.out;
+    EXPECT_TRUE(
+        holds(run({"stats", "D0", "-n", "5", "--csv"}).out, "\nexchanges.cyclic read.good,5\n"));
+}
+
+TEST_P(Commands, PlanHasItsTimesForProgramsToo)
+{
+    const Ended ended = run({"plan", "D100:10", "D105:20", "M5", "--json"});
+    const QJsonObject plan = QJsonDocument::fromJson(ended.out.c_str()).object();
+    // 11 characters of request each; 4 of frame and 2 a byte of answer: 1 byte and 50.
+    EXPECT_EQ(plan["characters"].toInt(), 11 + 4 + 2 * 1 + 11 + 4 + 2 * 50);
+    EXPECT_EQ(plan["cycleMsAtBaud"].toObject()["9600"].toDouble(), 138);
+    const QJsonObject bits = plan["blocks"].toArray()[0].toObject();
+    EXPECT_EQ(bits["which"].toArray(), QJsonArray({"M0 … M4", "M6 … M7"}));
+}
+
+TEST_P(Commands, OutputForProgramsIsNothingElse)
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("plc.csv");
+    const auto parsed = [this](const QStringList& arguments) {
+        const Ended ended = run(QStringList{"--json"} + arguments);
+        return QJsonDocument::fromJson(ended.out.c_str()).array()[0].toObject();
+    };
+    EXPECT_EQ(parsed({"dump", file, "D0:64"})["read"].toInt(), 64);
+    EXPECT_EQ(parsed({"restore", file})["written"].toInt(), 64);
+    EXPECT_EQ(parsed({"recipe", "download", file})["registers"].toInt(), 64);
+    EXPECT_TRUE(parsed({"doctor"})["meaning"].toString().contains("All is well"));
+}

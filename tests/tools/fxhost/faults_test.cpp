@@ -1,0 +1,172 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// fxhost and a PLC that misbehaves: what can be read is read, and the rest is named.
+
+#include "tests/tools/support/programs.h"
+
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <gtest/gtest.h>
+
+using namespace tool_tests;
+
+namespace {
+
+Ended run(const RunningSimulator& plc, const QStringList& arguments)
+{
+    return fxhost(QStringList{"--link", plc.link()} + arguments);
+}
+
+}  // namespace
+
+class Misbehaving : public testing::TestWithParam<Road>
+{};
+
+INSTANTIATE_TEST_SUITE_P(Roads, Misbehaving, testing::Values(Road::PseudoTerminal, Road::Tcp),
+                         [](const auto& row) { return testing::PrintToString(row.param); });
+
+TEST_P(Misbehaving, ABadRegisterDoesNotTakeItsNeighboursAlong)
+{
+    // D5 is not there: bytes 0x100A and 0x100B.
+    const RunningSimulator plc(GetParam(),
+                               {"--baud", "0", "--program", "none", "--holes", "0x100A-0x100B"});
+    const Ended ended = run(plc, {"read", "D0:8", "--csv", "-q"});
+    EXPECT_EQ(ended.code, 1);
+    EXPECT_EQ(ended.out, "D0,0,\nD1,0,\nD2,0,\nD3,0,\nD4,0,\nD5,,refused by the PLC (NAK)\nD6,0,\n"
+                         "D7,0,\n");
+}
+
+TEST_P(Misbehaving, SomeBadRepliesAreRepeatedAway)
+{
+    const RunningSimulator plc(
+        GetParam(), {"--baud", "0", "--faults", "wrong-sum=0.1,truncated=0.05,junk-before=0.05"});
+    const Ended ended = run(plc, {"--retries", "9", "stats", "D0:320", "-n", "20", "--json"});
+    EXPECT_EQ(ended.code, 0) << testing::PrintToString(ended);
+    const QJsonObject stats = QJsonDocument::fromJson(ended.out.c_str()).object();
+    const QJsonObject reads = stats["exchanges"].toObject()["cyclic read"].toObject();
+    EXPECT_EQ(reads["good"].toInt(), 200) << ended.out;
+    EXPECT_EQ(reads["givenUp"].toInt(), 0) << ended.out;
+    for (const char* reason : {"wrong-sum", "incomplete", "high-bits"})
+        EXPECT_GT(stats["rejected"].toObject()[reason].toInt(), 0) << reason << ended.out;
+}
+
+TEST_P(Misbehaving, AWriteThatThePlcRefusesIsReported)
+{
+    const RunningSimulator plc(GetParam(),
+                               {"--baud", "0", "--program", "none", "--faults", "nak=1"});
+    const Ended ended = run(plc, {"write", "D0=1", "M0=1", "--csv", "-q"});
+    EXPECT_EQ(ended.code, 5);
+    EXPECT_EQ(ended.out, "D0,1,0 of 1 frames written: refused by the PLC (NAK)\n"
+                         "M0,1,0 of 1 frames written: refused by the PLC (NAK)\n");
+}
+
+TEST_P(Misbehaving, AWriteThatDoesNotStayIsFound)
+{
+    // What is written to D2 shows at D0 too.
+    const RunningSimulator plc(GetParam(),
+                               {"--baud", "0", "--program", "none", "--mirror", "0x1004:0x1000:2"});
+    const Ended ended = run(plc, {"write", "D0=5,6,7", "--verify", "--csv", "-q"});
+    EXPECT_EQ(ended.code, 1);
+    EXPECT_EQ(ended.out, "D0:3,\"5,6,7\",\"acknowledged, but the PLC holds another value\"\n");
+}
+
+TEST_P(Misbehaving, WatchGoesOnWhenTheLinkIsBack)
+{
+    const RunningSimulator plc(GetParam(),
+                               {"--baud", "0", "--program", "none", "--faults", "link-drop:200@5"});
+    const Ended ended = run(plc, {"watch", "D0", "-n", "10", "-l", "1", "--csv", "-q"});
+    EXPECT_EQ(ended.code, 0) << testing::PrintToString(ended);
+    EXPECT_EQ(times(ended.err, "the link was lost"), 1) << ended.err;
+    EXPECT_EQ(times(ended.err, "the link is back"), 1) << ended.err;
+}
+
+TEST_P(Misbehaving, WhatWasRefusedIsAskedAgain)
+{
+    // Both registers are refused for a while, alone as well.
+    const RunningSimulator plc(GetParam(),
+                               {"--baud", "0", "--program", "none", "--faults", "nak@1-15"});
+    const Ended ended = run(plc, {"watch", "D0:2", "-n", "120", "-l", "0", "--csv", "-q"});
+    EXPECT_EQ(ended.code, 0);
+    EXPECT_EQ(ended.out, "D0,,refused by the PLC (NAK)\nD1,,refused by the PLC (NAK)\n"
+                         "D0,0,\nD1,0,\n");
+}
+
+TEST_P(Misbehaving, ASilentPlcIsNotAskedForEverything)
+{
+    const RunningSimulator plc(GetParam(), {"--baud", "0", "--faults", "silence=1"});
+    const Ended ended = run(plc, {"-o", "50", "--retries", "0", "read", "D0:8000", "--csv", "-q"});
+    EXPECT_EQ(ended.code, 4);
+    EXPECT_EQ(times(ended.out, ",,no answer\n"), 8000);
+}
+
+TEST_P(Misbehaving, ADumpKeepsAGoodFileWhenThePlcIsSilent)
+{
+    const RunningSimulator plc(GetParam(), {"--baud", "0", "--faults", "silence=1"});
+    const QTemporaryDir folder;
+    const QString file = newFile(folder, "plc.csv", "address,value\nD0,7\n");
+    const Ended ended = run(plc, {"-o", "50", "dump", file, "D0:64", "-q"});
+    EXPECT_EQ(ended.code, 4);
+    EXPECT_EQ(ended.err, "fxhost: no answer: nothing was read, and nothing written to " +
+                             file.toStdString() + "\n");
+    EXPECT_EQ(contentOf(file), "address,value\nD0,7\n");
+    const QString other = folder.filePath("new.csv");
+    EXPECT_EQ(run(plc, {"-o", "50", "dump", other, "D0:64"}).code, 4);
+    EXPECT_FALSE(QFile::exists(other));
+}
+
+TEST_P(Misbehaving, ARecordingOfSilenceIsToldAsSuch)
+{
+    const RunningSimulator plc(GetParam(), {"--baud", "0", "--faults", "silence=1"});
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("session.jsonl");
+    const Ended ended = run(plc, {"-o", "50", "--retries", "1", "record", file, "D0"});
+    EXPECT_EQ(ended.code, 4);
+    EXPECT_EQ(ended.out, "  " + file.toStdString() + ": 2 exchanges kept, 0 of them good\n");
+    EXPECT_EQ(ended.err,
+              "fxhost: nothing good came back: fxhost doctor, with the same link, finds out why\n");
+}
+
+TEST_P(Misbehaving, AResumedDumpDropsALineThatBrokeOff)
+{
+    const RunningSimulator plc(GetParam(), {"--baud", "0", "--program", "none"});
+    const QTemporaryDir folder;
+    const QString file = newFile(folder, "plc.csv", "address,value\nD0,7\nD1,1");
+    EXPECT_EQ(run(plc, {"dump", file, "D0:3", "--resume"}).code, 0);
+    EXPECT_EQ(contentOf(file), "address,value\nD0,7\nD1,0\nD2,0\n");
+}
+
+TEST_P(Misbehaving, DoctorSaysWhatIsTheMatter)
+{
+    struct Case
+    {
+        const char* fault;
+        int code;
+        const char* words;
+    };
+    const Case cases[] = {
+        {"silence=1", 4, "answers ENQ but no request"},
+        {"nak=1", 5, "it answers NAK. Line and wiring are right"},
+        {"bit7=1", 6, "the two ends disagree about data bits or parity"},
+        {"echo=1", 6, "What is sent comes back"},
+        {"wrong-sum=1", 6, "Something answers, but damaged"},
+    };
+    for (const Case& one : cases) {
+        const RunningSimulator plc(GetParam(), {"--baud", "0", "--faults", one.fault});
+        const Ended ended = run(plc, {"-o", "100", "doctor"});
+        EXPECT_EQ(ended.code, one.code) << one.fault;
+        EXPECT_TRUE(holds(ended.out, one.words)) << one.fault << "\n" << ended.out;
+    }
+}
+
+TEST_P(Misbehaving, AWriteThatGoesUnansweredMayHaveArrived)
+{
+    const RunningSimulator plc(GetParam(),
+                               {"--baud", "0", "--program", "none", "--faults", "silence=1"});
+    const Ended ended = run(plc, {"-o", "50", "--retries", "0", "write", "D0=1", "--csv", "-q"});
+    EXPECT_EQ(ended.code, 4);
+    EXPECT_EQ(ended.out, "D0,1,\"0 of 1 frames written: no answer; D0 may have arrived, nothing "
+                         "else\"\n");
+}

@@ -1,0 +1,270 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// What people see: the table of watch, the bars of long transfers and the demo's redrawing, on
+// terminals of several sizes, and what is left there when the program ends.
+
+#include "tests/tools/support/programs.h"
+#include "tests/tools/support/terminal.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <csignal>
+
+using namespace tool_tests;
+
+namespace {
+
+const QStringList quickPlc = {"--baud", "0", "--program", "none"};
+
+int linesWith(const Screen& screen, const QString& text)
+{
+    const QStringList lines = screen.lines();
+    return static_cast<int>(std::count_if(
+        lines.begin(), lines.end(), [&text](const QString& line) { return line.contains(text); }));
+}
+
+// What every program must leave behind.
+void expectCleanEnd(const Terminal& terminal)
+{
+    EXPECT_TRUE(terminal.screen().cursorIsShown());
+    EXPECT_TRUE(terminal.screen().isPlain());
+    EXPECT_EQ(terminal.screen().cursorColumn(), 0);
+    EXPECT_EQ(terminal.screen().unknown(), QStringList());
+}
+
+}  // namespace
+
+class TerminalViews : public testing::Test
+{
+protected:
+    RunningSimulator plc{Road::PseudoTerminal, quickPlc};
+    QTemporaryDir folder;
+
+    QStringList linked(const QStringList& arguments) const
+    {
+        return QStringList{"--link", plc.link()} + arguments;
+    }
+};
+
+TEST_F(TerminalViews, WatchDrawsOverItsTable)
+{
+    Terminal terminal(linked({"watch", "D0:2", "X0", "-l", "20"}), 80, 24);
+    ASSERT_TRUE(terminal.waitForText("cycle 3, Ctrl-C ends"));
+    plc.command("poke 0x1002 0x39 0x30");
+    ASSERT_TRUE(terminal.waitForText("D1       12345"));
+    EXPECT_EQ(terminal.screen().lines().mid(0, 4),
+              QStringList({"  address  value  error", "  D0           0", "  D1       12345",
+                           "  X0           0"}));
+    EXPECT_TRUE(terminal.screen().lines()[4].contains("Ctrl-C ends"));
+    EXPECT_EQ(terminal.screen().lines().size(), 5);
+    EXPECT_TRUE(terminal.written().contains("\x1b[1;33m12345\x1b[0m")) << "a change is marked";
+    terminal.press(ctrlC);
+    EXPECT_EQ(terminal.waitForEnd(), 130);
+    expectCleanEnd(terminal);
+}
+
+TEST_F(TerminalViews, WatchOfManyRegistersFitsASmallTerminal)
+{
+    Terminal terminal(linked({"watch", "D0:30", "-l", "20"}), 20, 12);
+    ASSERT_TRUE(terminal.waitForText("cycle 3"));
+    const QStringList lines = terminal.screen().lines();
+    EXPECT_EQ(lines.size(), 11) << "and the cursor below them";
+    EXPECT_EQ(lines[0], "  address  value  e…");
+    EXPECT_EQ(lines[1], "  D0           0");
+    EXPECT_EQ(lines[9], "  … 22 more do not …");
+    terminal.press(ctrlC);
+    EXPECT_EQ(terminal.waitForEnd(), 130);
+    expectCleanEnd(terminal);
+}
+
+TEST_F(TerminalViews, WatchFollowsTheSizeOfItsTerminal)
+{
+    Terminal terminal(linked({"watch", "D0:30", "-l", "20"}), 80, 24);
+    ASSERT_TRUE(terminal.waitForText("10 more do not fit here"));
+    terminal.resize(40, 12);
+    ASSERT_TRUE(terminal.waitForText("22 more do not fit here"));
+    terminal.resize(80, 40);
+    ASSERT_TRUE(terminal.waitFor([](const Screen& screen) {
+        return screen.text().contains("D29          0") && linesWith(screen, "Ctrl-C ends") == 1;
+    }));
+    EXPECT_EQ(linesWith(terminal.screen(), "address"), 1);
+    EXPECT_EQ(terminal.screen().lines().size(), 32);
+}
+
+// After Ctrl-Z and fg the table was drawn over the last lines of the shell.
+TEST_F(TerminalViews, WatchBeginsANewTableWhenItGoesOn)
+{
+    Terminal terminal(linked({"watch", "D0:2", "-l", "20"}), 80, 24);
+    ASSERT_TRUE(terminal.waitForText("cycle 3"));
+    terminal.send(SIGSTOP);
+    terminal.send(SIGCONT);
+    EXPECT_TRUE(terminal.waitFor(
+        [](const Screen& screen) { return linesWith(screen, "Ctrl-C ends") == 2; }));
+    EXPECT_EQ(linesWith(terminal.screen(), "address"), 2);
+    EXPECT_EQ(terminal.screen().lines().size(), 8);
+    terminal.press(ctrlC);
+    EXPECT_EQ(terminal.waitForEnd(), 130);
+    expectCleanEnd(terminal);
+}
+
+TEST_F(TerminalViews, WatchShowsWhatIsRefusedWithItsReason)
+{
+    const RunningSimulator holed(Road::PseudoTerminal, quickPlc + QStringList{"--holes", "0x1002"});
+    Terminal terminal({"--link", holed.link(), "watch", "D0:3", "-n", "3", "-l", "20"}, 80, 24);
+    EXPECT_EQ(terminal.waitForEnd(), 1);
+    EXPECT_EQ(terminal.screen().lines()[2], "  D1              refused by the PLC (NAK)");
+    EXPECT_EQ(terminal.screen().lines()[3], "  D2           0");
+}
+
+TEST_F(TerminalViews, ALostLinkIsToldBelowTheTable)
+{
+    Terminal terminal(linked({"watch", "D0", "-l", "20"}), 80, 24);
+    ASSERT_TRUE(terminal.waitForText("cycle 3"));
+    plc.command("drop-link 100");
+    ASSERT_TRUE(terminal.waitForText("the link is back"));
+    plc.command("poke 0x1000 77");
+    ASSERT_TRUE(terminal.waitForText("D0          77"));
+    const QString text = terminal.screen().text();
+    EXPECT_EQ(linesWith(terminal.screen(), "the link was lost"), 1) << text.toStdString();
+    EXPECT_EQ(linesWith(terminal.screen(), "address"), 2) << "the table before, and the one after";
+    EXPECT_LT(text.indexOf("D0           0"), text.indexOf("the link was lost"));
+    EXPECT_LT(text.indexOf("the link is back"), text.indexOf("D0          77"));
+    terminal.press(ctrlC);
+    EXPECT_EQ(terminal.waitForEnd(), 130);
+    expectCleanEnd(terminal);
+}
+
+TEST_F(TerminalViews, LogHasALineForEachChangeHereToo)
+{
+    Terminal terminal(linked({"watch", "D0", "--log", "-l", "20"}), 80, 24);
+    ASSERT_TRUE(terminal.waitForText("D0  0"));
+    plc.command("poke 0x1000 5");
+    ASSERT_TRUE(terminal.waitForText("D0  5"));
+    EXPECT_EQ(terminal.screen().lines(), QStringList({"D0  0", "D0  5"}));
+    EXPECT_FALSE(terminal.written().contains('\x1b'));
+}
+
+TEST_F(TerminalViews, ADeadbandPassesOverSmallChanges)
+{
+    Terminal terminal(linked({"watch", "D0", "D1", "--log", "--deadband", "10", "-l", "20"}), 80,
+                      24);
+    ASSERT_TRUE(terminal.waitForText("D1  0"));
+    plc.command("poke 0x1000 10");
+    plc.command("poke 0x1002 11");
+    ASSERT_TRUE(terminal.waitForText("D1  11"));
+    plc.command("poke 0x1000 11");
+    ASSERT_TRUE(terminal.waitForText("D0  11"));
+    EXPECT_EQ(terminal.screen().lines(), QStringList({"D0  0", "D1  0", "D1  11", "D0  11"}));
+}
+
+TEST_F(TerminalViews, NoColorLeavesOnlyTheDrawing)
+{
+    Terminal terminal(linked({"watch", "D0", "-l", "20", "-n", "3"}), 80, 24, {"NO_COLOR=1"});
+    EXPECT_EQ(terminal.waitForEnd(), 0);
+    EXPECT_EQ(terminal.screen().lines(), QStringList({"  address  value  error", "  D0           0",
+                                                      "  cycle 3, Ctrl-C ends"}));
+    EXPECT_FALSE(terminal.written().contains("\x1b[2m"));
+    EXPECT_FALSE(terminal.written().contains("\x1b[0m"));
+}
+
+TEST_F(TerminalViews, ADumbTerminalGetsLines)
+{
+    Terminal terminal(linked({"watch", "D0", "-n", "2", "-l", "20"}), 80, 24, {"TERM=dumb"});
+    EXPECT_EQ(terminal.waitForEnd(), 0);
+    EXPECT_FALSE(terminal.written().contains('\x1b'));
+    EXPECT_EQ(terminal.screen().lines(), QStringList({"D0  0"}));
+}
+
+TEST_F(TerminalViews, ABarGrowsInItsLine)
+{
+    const QString file = folder.filePath("plc.csv");
+    Terminal terminal(linked({"dump", file, "D0:320"}), 80, 24);
+    EXPECT_EQ(terminal.waitForEnd(), 0);
+    EXPECT_EQ(terminal.screen().lines()[0], "  dump ████████████████████████████████ 10/10");
+    EXPECT_TRUE(terminal.screen().lines()[1].endsWith(": 320 registers read"));
+    EXPECT_EQ(terminal.screen().lines().size(), 2);
+    EXPECT_TRUE(terminal.written().contains(
+        QString("\r  dump ████████████████░░░░░░░░░░░░░░░░ 5/10").toUtf8()));
+    expectCleanEnd(terminal);
+}
+
+TEST_F(TerminalViews, ABarFitsANarrowTerminal)
+{
+    const QString file = newFile(folder, "plc.csv", "D0,1\nD100,2\nD200,3\n");
+    Terminal restore(linked({"restore", file}), 30, 10);
+    EXPECT_EQ(restore.waitForEnd(), 0);
+    EXPECT_EQ(restore.screen().lines()[0], "  restore ███████████████ 3/3");
+    Terminal recipe(linked({"recipe", "download", file}), 20, 10);
+    EXPECT_EQ(recipe.waitForEnd(), 0);
+    EXPECT_EQ(recipe.screen().lines()[0], "  download 3/3") << "there is no room for a bar";
+}
+
+TEST_F(TerminalViews, RecipesHaveTheirBars)
+{
+    const QString file = folder.filePath("recipe.csv");
+    Terminal upload(linked({"recipe", "upload", file, "D0:64"}), 80, 24);
+    EXPECT_EQ(upload.waitForEnd(), 0);
+    EXPECT_EQ(upload.screen().lines(), QStringList({"  upload ████████████████████████████████ 2/2",
+                                                    "  64 registers read from the PLC"}));
+}
+
+TEST_F(TerminalViews, AnInterruptedBarLeavesItsLine)
+{
+    const RunningSimulator slow(Road::PseudoTerminal, {"--baud", "9600", "--program", "none"});
+    Terminal terminal({"--link", slow.link(), "dump", folder.filePath("plc.csv"), "D0:8000"}, 80,
+                      24);
+    ASSERT_TRUE(terminal.waitForText(" 2/250"));
+    terminal.press(ctrlC);
+    EXPECT_EQ(terminal.waitForEnd(), 130);
+    EXPECT_EQ(linesWith(terminal.screen(), "fxhost: interrupted: "), 1);
+    EXPECT_TRUE(terminal.screen().lines()[1].startsWith("fxhost: interrupted: "));
+    expectCleanEnd(terminal);
+}
+
+TEST_F(TerminalViews, TheDemoRedrawsItsLiveValues)
+{
+    Terminal terminal({"--link", "sim:", "demo"}, 100, 60);
+    ASSERT_TRUE(terminal.waitForText("Live values"));
+    ASSERT_TRUE(terminal.waitForText("triangle"));
+    const QString first = terminal.screen().text();
+    ASSERT_TRUE(terminal.waitFor([&first](const Screen& screen) {
+        return screen.text() != first && linesWith(screen, "the driver reported") == 1;
+    }));
+    EXPECT_EQ(linesWith(terminal.screen(), "triangle"), 1) << "one table, drawn over";
+    terminal.press(ctrlC);
+    EXPECT_EQ(terminal.waitForEnd(), 130);
+    expectCleanEnd(terminal);
+}
+
+TEST_F(TerminalViews, DoctorShowsEachSettingAsItTriesIt)
+{
+    const RunningSimulator wrong(Road::PseudoTerminal,
+                                 quickPlc + QStringList{"--faults", "bit7@1-2"});
+    const QString port = wrong.link().section(':', 1);
+    Terminal terminal({"--link", "serial:" + port, "-o", "100", "doctor"}, 100, 24);
+    EXPECT_EQ(terminal.waitForEnd(), 0);
+    EXPECT_EQ(terminal.screen().lines(),
+              QStringList({"  setting         enquiry   request",
+                           "  9600 baud 7E1   answered  bit 7 is set: data bits or parity differ",
+                           "  19200 baud 7E1  answered  bit 7 is set: data bits or parity differ",
+                           "  38400 baud 7E1  answered  good", QString(),
+                           "The PLC answers with 38400 baud 7E1. All is well.",
+                           "Write it as --link 'serial:" + port + "?baud=38400&line=7E1'."}));
+    EXPECT_GT(terminal.written().count("\x1b[2A"), 0) << "it was drawn as it grew";
+}
+
+TEST_F(TerminalViews, WhatIsNoTerminalGetsNoEscapes)
+{
+    const QString file = folder.filePath("plc.csv");
+    for (const QStringList& arguments :
+         {QStringList{"watch", "D0", "-n", "2", "-l", "1"}, QStringList{"dump", file, "D0:64"},
+          QStringList{"restore", file}, QStringList{"stats", "D0", "-n", "2"},
+          QStringList{"doctor"}}) {
+        const Ended ended = fxhost(linked(arguments));
+        EXPECT_EQ(ended.code, 0) << arguments[0].toStdString();
+        EXPECT_FALSE(holds(ended.out + ended.err, "\x1b")) << arguments[0].toStdString();
+        EXPECT_FALSE(holds(ended.out + ended.err, "\r")) << arguments[0].toStdString();
+    }
+}

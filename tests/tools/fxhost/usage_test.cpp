@@ -1,0 +1,395 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// Mistakes at the command line: one clear line that says what and where, a documented exit code,
+// and nothing sent.
+
+#include "tests/tools/support/programs.h"
+
+#include <QDir>
+
+#include <gtest/gtest.h>
+
+using namespace tool_tests;
+
+namespace {
+
+struct Mistake
+{
+    const char* name;
+    QStringList arguments;
+    int exitCode;
+    const char* says;
+};
+
+void PrintTo(const Mistake& mistake, std::ostream* out)
+{
+    *out << mistake.name;
+}
+
+}  // namespace
+
+class Mistakes : public testing::TestWithParam<Mistake>
+{};
+
+TEST_P(Mistakes, AreNamedInOneLine)
+{
+    const Ended ended = fxhost(GetParam().arguments);
+    EXPECT_EQ(ended.code, GetParam().exitCode);
+    EXPECT_EQ(ended.err, std::string(GetParam().says) + "\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    CommandLines, Mistakes,
+    testing::Values(
+        Mistake{"OctalDigit",
+                {"read", "X18"},
+                2,
+                "fxhost: 'X18' has a number that does not fit: X0 to X377 in octal"},
+        Mistake{"OutOfRange",
+                {"read", "D8256"},
+                2,
+                "fxhost: 'D8256' is out of range: SD8000 to SD8255 in decimal"},
+        Mistake{"PastTheEnd",
+                {"read", "D7990:32"},
+                2,
+                "fxhost: 'D7990:32' is out of range: D0 to D7999 in decimal"},
+        Mistake{
+            "UnknownType",
+            {"read", "Q7"},
+            2,
+            "fxhost: 'Q7' has no known register type; there are X Y M S SM T C D SD TV CV 32CV"},
+        Mistake{"NoAddress",
+                {"read", "D"},
+                2,
+                "fxhost: 'D' is no address; write for example D100, X17, D100:32 or 2#M8"},
+        Mistake{"InputWritten", {"write", "X0=1"}, 2, "fxhost: 'X0=1': X cannot be written"},
+        Mistake{
+            "NoBit", {"write", "M0=2"}, 2, "fxhost: value '2' is no bit; write 1, 0, on or off"},
+        Mistake{"TooLarge",
+                {"write", "D0=5000000000"},
+                2,
+                "fxhost: value '5000000000' does not fit 32 bits"},
+        Mistake{"NothingAssigned",
+                {"write", "D0"},
+                2,
+                "fxhost: 'D0' assigns nothing; write for example D100=5 or M0=on"},
+        Mistake{"WordsPastTheEnd",
+                {"write", "D7999=1,2"},
+                2,
+                "fxhost: 'D7999:2' is out of range: D0 to D7999 in decimal"},
+        Mistake{"OddFloat",
+                {"read", "D0:3", "--as", "float"},
+                2,
+                "fxhost: D0:3: these values take two words each, so the count must be even"},
+        Mistake{"BitInARecipe",
+                {"recipe", "upload", "/dev/null", "M0:8"},
+                2,
+                "fxhost: M0:8: a recipe carries words, no bits"},
+        Mistake{"UnknownLink",
+                {"--link", "usb:1", "read", "D0"},
+                2,
+                "fxhost: link 'usb:1': write sim:, serial:/dev/ttyUSB0?baud=9600, tcp:HOST:PORT or "
+                "pty:PATH"},
+        Mistake{"NoSuchTerminal",
+                {"--link", "pty:/dev/pts/none", "read", "D0"},
+                3,
+                "fxhost: cannot open /dev/pts/none: No such file or directory"},
+        Mistake{"NobodyListens",
+                {"--link", "tcp:127.0.0.1:1", "read", "D0"},
+                3,
+                "fxhost: cannot connect to 127.0.0.1 port 1: Connection refused"},
+        Mistake{"NoSerialPort",
+                {"--link", "serial:/dev/null", "read", "D0"},
+                3,
+                "fxhost: cannot open /dev/null: it is no serial port"},
+        Mistake{"SpeedOfATcpLink",
+                {"--link", "tcp:127.0.0.1", "-b", "9600", "read", "D0"},
+                2,
+                "fxhost: link 'tcp:127.0.0.1?baud=9600': 'baud' is no setting here; there is port"},
+        Mistake{"UnknownParity",
+                {"-P", "mark", "read", "D0"},
+                2,
+                "fxhost: --parity: mark not in {even,odd,none}; fxhost --help tells more"},
+        Mistake{"UnknownOption",
+                {"read", "D0", "--foo"},
+                2,
+                "fxhost: The following argument was not expected: --foo; fxhost --help tells more"},
+        Mistake{"UnknownFormat",
+                {"read", "D0", "--as", "octal"},
+                2,
+                "fxhost: --as: there is no format 'octal'; write dec, signed, hex, bin, long or "
+                "float; fxhost --help tells more"},
+        Mistake{"TimeOutOfRange",
+                {"read", "D0", "-o", "90s"},
+                2,
+                "fxhost: --timeout: Value 90000 not in range 1 to 60000; fxhost --help tells more"},
+        Mistake{"NoAddressAtAll",
+                {"read"},
+                2,
+                "fxhost: no address; write for example D100:32, or -t D -r 100 -c 32"},
+        Mistake{"CountWithoutFirst",
+                {"watch", "D0", "-c", "3"},
+                2,
+                "fxhost: -c counts the registers from -r on, and there is no -r; write for example "
+                "-r 100 -c 8 or D100:8"},
+        Mistake{"TypeWithoutFirst",
+                {"read", "-t", "X"},
+                2,
+                "fxhost: -t needs the first register: -t X -r 100"},
+        Mistake{"MoreRegistersThanValues",
+                {"write", "D0:3=1"},
+                2,
+                "fxhost: 'D0:3=1': 3 registers, but values for 1"},
+        Mistake{"AssignmentBehindLetters",
+                {"write", "-r", "0", "D5=1"},
+                2,
+                "fxhost: 'D5=1': with -r only values follow"},
+        Mistake{"NoSuchLibrary",
+                {"--library", "/no/such/library.so", "types"},
+                7,
+                "fxhost: cannot load the driver library: /no/such/library.so: No such file or "
+                "directory; name it with --library PATH or in FX_DRIVER"},
+        Mistake{"NoPlaceForADump",
+                {"dump", "/no/such/place.csv", "D0"},
+                7,
+                "fxhost: /no/such/place.csv: No such file or directory"},
+        Mistake{"NoPlaceForARecipe",
+                {"recipe", "upload", "/no/such/place.csv", "D0"},
+                7,
+                "fxhost: /no/such/place.csv: No such file or directory"},
+        Mistake{"NoPlaceForARecording",
+                {"record", "/no/such/place.jsonl", "D0"},
+                7,
+                "fxhost: /no/such/place.jsonl: No such file or directory"},
+        Mistake{"NoSuchFile",
+                {"restore", "/no/such/file"},
+                7,
+                "fxhost: /no/such/file: No such file or directory"}),
+    [](const auto& row) { return row.param.name; });
+
+namespace {
+
+struct BadFile
+{
+    const char* name;
+    QStringList command;  // the file's name follows
+    const char* content;
+    const char* says;  // behind the file's name
+};
+
+void PrintTo(const BadFile& file, std::ostream* out)
+{
+    *out << file.name;
+}
+
+const char* const recordingHead = R"({"fxhost":1,"property":"1#0#0#3#32","addresses":["D0"]})";
+
+}  // namespace
+
+class BadFiles : public testing::TestWithParam<BadFile>
+{};
+
+TEST_P(BadFiles, AreNamedWithTheLine)
+{
+    const QTemporaryDir folder;
+    const QString file = newFile(folder, "bad", GetParam().content);
+    const Ended ended =
+        fxhost(QStringList{"--link", "sim:"} + GetParam().command + QStringList{file});
+    EXPECT_EQ(ended.code, 7);
+    EXPECT_EQ(ended.err, "fxhost: " + file.toStdString() + GetParam().says + "\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Files, BadFiles,
+    testing::Values(
+        BadFile{"NoValue", {"restore"}, "D0\n", ", line 1: 'D0' is not ADDRESS,VALUE"},
+        BadFile{"NoNumber",
+                {"restore"},
+                "address,value\nD0,1\nD1,x\n",
+                ", line 3: value 'x' is no number; write 123, -5, 0x1F, 0b101 or 1.5"},
+        BadFile{"TooLargeForARegister",
+                {"restore"},
+                "D0,70000\n",
+                ", line 1: 'D0,70000' is more than one register"},
+        BadFile{"NothingInIt", {"restore"}, "address,value\n", ": there is no register in it"},
+        BadFile{"AnInput", {"restore"}, "X0,1\n", ": X0 cannot be written; take it out"},
+        BadFile{"NothingInARecipe", {"recipe", "download"}, "", ": there is no register in it"},
+        BadFile{"BadAddressInARecipe",
+                {"recipe", "download"},
+                "D1,1\nD9999,1\n",
+                ", line 2: 'D9999' is out of range: SD8000 to SD8255 in decimal"},
+        BadFile{"NoJson", {"replay"}, "D0,1\n", ", line 1: no JSON object: illegal value"},
+        BadFile{"OtherJson", {"replay"}, "{}\n", ", line 1: this is no recording of fxhost"},
+        BadFile{"BadProperty",
+                {"replay"},
+                R"({"fxhost":1,"property":"1","addresses":[]})",
+                R"(, line 1: "property" is not like 1#0#0#3#32: 1)"},
+        BadFile{"BadRecordedAddress",
+                {"replay"},
+                R"({"fxhost":1,"property":"1#0#0#3#32","addresses":["D9000"]})",
+                ", line 1: 'D9000' is out of range: SD8000 to SD8255 in decimal"}),
+    [](const auto& row) { return row.param.name; });
+
+TEST(BadFiles, OfARecordingAreNamedWithTheMember)
+{
+    const QTemporaryDir folder;
+    const QByteArray head = QByteArray(recordingHead) + '\n';
+    const QString noHex = newFile(folder, "nohex", head + R"({"sent":"zz"})");
+    EXPECT_TRUE(
+        holds(fxhost({"replay", noHex}).err, R"(, line 2: "sent" is no row of hexadecimal bytes)"));
+    const QString missing = newFile(folder, "missing", head + R"({"sent":"02"})");
+    EXPECT_TRUE(holds(fxhost({"replay", missing}).err,
+                      R"(, line 2: "handed" is missing, or of another kind)"));
+    const QString torn = newFile(folder, "torn", head + R"({"sent":"02)");
+    EXPECT_TRUE(holds(fxhost({"replay", torn}).err, ", line 2: no JSON object: "));
+}
+
+TEST(Usage, FullOutputIsNoSuccess)
+{
+    QProcess shell;
+    shell.start(
+        "/bin/sh",
+        {"-c",
+         QStringLiteral("FX_DRIVER=%1 %2 types > /dev/full").arg(FX_DRIVER_FILE, FXHOST_FILE)});
+    ASSERT_TRUE(shell.waitForFinished());
+    EXPECT_EQ(shell.exitCode(), 7);
+    EXPECT_EQ(shell.readAllStandardError(),
+              "fxhost: standard output took not all that was printed\n");
+}
+
+// The system takes a name without a leading slash for one in /dev.
+TEST(Usage, ALinkMayBeNamedFromWhereTheUserStands)
+{
+    const RunningSimulator plc(Road::PseudoTerminal);
+    const QTemporaryDir folder;
+    QFile::link(plc.link().section(':', 1), folder.filePath("plc"));
+    const QString before = QDir::currentPath();
+    QDir::setCurrent(folder.path());
+    for (const char* const link : {"pty:plc", "serial:plc", "pty:./plc"})
+        EXPECT_EQ(fxhost({"--link", link, "doctor"}).code, 0) << link;
+    QDir::setCurrent(before);
+}
+
+TEST(Usage, APortThatIsMissingNamesThoseThatAreThere)
+{
+    const Ended ended = fxhost({"--link", "serial:/dev/no-such-port", "read", "D0"});
+    EXPECT_EQ(ended.code, 3);
+    EXPECT_TRUE(holds(ended.err, "fxhost: cannot open /dev/no-such-port: No such file or "
+                                 "directory; there is "))
+        << ended.err;
+}
+
+namespace {
+
+// Where a file gets no more than so many blocks, of 512 bytes or 1024.
+Ended onFullDisk(int blocks, const QStringList& arguments)
+{
+    const QString limited = QStringLiteral("trap '' XFSZ; ulimit -f %1; FX_DRIVER=%2 exec \"$@\"")
+                                .arg(QString::number(blocks), FX_DRIVER_FILE);
+    QProcess shell;
+    shell.start("/bin/sh", QStringList{"-c", limited, "sh", FXHOST_FILE} + arguments);
+    Ended ended;
+    if (shell.waitForFinished())
+        ended.code = shell.exitCode();
+    ended.out = shell.readAllStandardOutput().toStdString();
+    ended.err = shell.readAllStandardError().toStdString();
+    return ended;
+}
+
+}  // namespace
+
+class FullDisk : public testing::TestWithParam<int>
+{
+protected:
+    QTemporaryDir folder;
+};
+
+INSTANTIATE_TEST_SUITE_P(Blocks, FullDisk, testing::Values(0, 1));
+
+TEST_P(FullDisk, AnUploadKeepsTheOlderRecipe)
+{
+    const QString file = newFile(folder, "recipe.csv", "address,value\nD0,7\n");
+    const Ended ended = onFullDisk(GetParam(), {"recipe", "upload", file, "D0:512", "-q"});
+    EXPECT_EQ(ended.code, 7);
+    EXPECT_EQ(ended.err, "fxhost: " + file.toStdString() + ": File too large\n");
+    EXPECT_EQ(contentOf(file), "address,value\nD0,7\n");
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList("recipe.csv"));
+}
+
+TEST_P(FullDisk, TheReasonIsNamed)
+{
+    const QString file = folder.filePath("new");
+    for (const char* const command : {"dump", "record"}) {
+        const Ended ended = onFullDisk(GetParam(), {command, file, "D0:512", "-q"});
+        EXPECT_EQ(ended.code, 7) << command;
+        EXPECT_EQ(ended.err, "fxhost: " + file.toStdString() + ": File too large\n") << command;
+    }
+}
+
+TEST(Usage, ADumpOfNothingLeavesNoFile)
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("new.csv");
+    EXPECT_EQ(onFullDisk(0, {"dump", file, "D0:4", "-q"}).code, 7);
+    EXPECT_FALSE(QFile::exists(file));
+}
+
+TEST(Usage, WhatIsNoOrdinaryFileIsNamed)
+{
+    for (const QStringList& command : {QStringList{"dump"}, QStringList{"recipe", "upload"}}) {
+        const Ended ended = fxhost(command + QStringList{"/dev/full", "D0"});
+        EXPECT_EQ(ended.code, 7);
+        EXPECT_EQ(ended.err, "fxhost: /dev/full: this is no ordinary file\n");
+    }
+}
+
+TEST(Usage, LettersSayAnAddress)
+{
+    EXPECT_EQ(fxhost({"plan", "-t", "X", "-r", "17", "-c", "2", "--csv", "-q"}).out,
+              fxhost({"plan", "X17:2", "--csv", "-q"}).out);
+    EXPECT_EQ(fxhost({"plan", "-r", "100", "-0", "--csv", "-q"}).out,
+              fxhost({"plan", "D100", "--csv", "-q"}).out);
+}
+
+TEST(Usage, TypesNeedNoPlc)
+{
+    const Ended ended = fxhost({"types", "--csv"});
+    EXPECT_EQ(ended.code, 0);
+    EXPECT_EQ(ended.out, "type,lowest,highest,base,width,writable\n"
+                         "X,0,377,8,bit,false\nY,0,377,8,bit,true\nM,0,3071,10,bit,true\n"
+                         "S,0,999,10,bit,true\nSM,8000,8255,10,bit,true\nT,0,255,10,bit,true\n"
+                         "C,0,255,10,bit,true\nD,0,7999,10,16 bits,true\n"
+                         "SD,8000,8255,10,16 bits,true\nTV,0,255,10,16 bits,true\n"
+                         "CV,0,199,10,16 bits,true\n32CV,200,255,10,32 bits,true\n");
+}
+
+TEST(Usage, CheckNamesWhatIsWrong)
+{
+    const Ended ended = fxhost({"check", "M8000", "2#D5:3", "CV200", "X8", "--csv", "-q"});
+    EXPECT_EQ(ended.code, 1);
+    EXPECT_EQ(
+        ended.out,
+        "M8000,true,\"SM8000 of station 1, bit\"\n2#D5:3,true,\"D5:3 of station 2, 16 bits\"\n"
+        "CV200,true,\"32CV200 of station 1, 32 bits\"\n"
+        "X8,false,'X8' has a number that does not fit: X0 to X377 in octal\n");
+}
+
+TEST(Usage, SeriesCountsInTheTypesBase)
+{
+    EXPECT_EQ(fxhost({"series", "Y6", "-c", "3", "--csv", "-q"}).out, "1,Y6\n2,Y7\n3,Y10\n");
+    const Ended clamped = fxhost({"series", "D7998", "-c", "3", "--csv", "-q"});
+    EXPECT_EQ(clamped.code, 1);
+    EXPECT_EQ(clamped.out, "1,D7998\n2,D7999\n3,D7999\n");
+}
+
+TEST(Usage, PlanShowsTheBlocks)
+{
+    const Ended ended =
+        fxhost({"plan", "D100:10", "D105:20", "D140:5", "D10:70", "M5", "M20:3", "--csv", "-q"});
+    EXPECT_EQ(ended.code, 0);
+    EXPECT_EQ(ended.out, "M0 … M23,24,3,21,20,\"M0 … M4, M6 … M19, M23\"\n"
+                         "D10 … D41,32,64,143,0,\nD42 … D73,32,64,143,0,\n"
+                         "D74 … D79,6,12,39,0,\nD100 … D124,25,50,115,0,\n"
+                         "D140 … D144,5,10,35,0,\n");
+}

@@ -1,0 +1,136 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// Control commands, one line in and some out.
+
+#include "tools/fxsim/control/control.h"
+
+#include <gtest/gtest.h>
+
+#include <QTemporaryDir>
+
+#include "tests/tools/fxsim/printing.h"
+
+using namespace fxsim;
+
+namespace {
+
+struct ControlTest : testing::Test
+{
+    QByteArray run(const QByteArray& line) { return control.run(QString::fromUtf8(line)); }
+
+    Simulator plc{Settings(), nullptr, 0};
+    int quits = 0;
+    int droppedMs = -1;
+    Control control{
+        plc,
+        {[this] { ++quits; }, [this](int forMs) { droppedMs = forMs; }, [] { return qint64(0); }}};
+};
+
+}  // namespace
+
+TEST_F(ControlTest, pokesAndPeeks)
+{
+    EXPECT_EQ(run("poke 0x1000 1 0xFF 16"), "ok\n");
+    EXPECT_EQ(run("peek 0x1000 4"), "1000: 01 FF 10 00\nok\n");
+    EXPECT_EQ(run("  peek   4096 "), "1000: 01\nok\n");
+    EXPECT_EQ(run("peek 0x0FFF 18"),
+              "0FFF: 00 01 FF 10 00 00 00 00 00 00 00 00 00 00 00 00\n100F: 00 00\nok\n");
+}
+
+TEST_F(ControlTest, pokesAndPeeksBits)
+{
+    EXPECT_EQ(run("poke 0x0100.3 1"), "ok\n");
+    EXPECT_EQ(run("peek 0x0100.3"), "1\nok\n");
+    EXPECT_EQ(run("peek 0x0100"), "0100: 08\nok\n");
+    EXPECT_EQ(run("poke 0x0100.3 0"), "ok\n");
+    EXPECT_EQ(run("peek 0x0100.3"), "0\nok\n");
+}
+
+TEST_F(ControlTest, badPokeChangesNothing)
+{
+    EXPECT_EQ(run("poke 0x1000 1 2 256"), "error: '256' is no value; 0 to 255\n");
+    EXPECT_EQ(run("poke 0xFFFF 1 2"), "error: 2 values, but there is room for 1\n");
+    EXPECT_EQ(run("poke 0x0100.3 2"), "error: '2' is no value; 0 to 1\n");
+    EXPECT_EQ(run("poke 0x0100.3 1 1"), "error: 2 values, but there is room for 1\n");
+    EXPECT_EQ(run("poke D5 1"),
+              "error: 'D5' is no address; 0x0000 to 0xFFFF, or 0x0100.3 for a bit\n");
+    EXPECT_EQ(plc.memory().image(), QByteArray(65536, '\0'));
+}
+
+TEST_F(ControlTest, badPeekIsExplained)
+{
+    EXPECT_EQ(run("peek 0x10000"),
+              "error: '0x10000' is no address; 0x0000 to 0xFFFF, or 0x0100.3 for a bit\n");
+    EXPECT_EQ(run("peek 0xFFFF 2"), "error: '2' is no number of bytes; 1 to 1 from there\n");
+}
+
+TEST_F(ControlTest, showsAndSetsFaults)
+{
+    EXPECT_EQ(run("faults"), "none\nok\n");
+    EXPECT_EQ(run("faults silence=0.1,nak@3"), "ok\n");
+    EXPECT_EQ(run("faults"), "silence=0.1,nak@3\nok\n");
+    EXPECT_EQ(run("faults loud"), "error: there is no fault 'loud'; --faults help lists them\n");
+    EXPECT_EQ(run("faults"), "silence=0.1,nak@3\nok\n");
+    EXPECT_EQ(run("faults none"), "ok\n");
+    EXPECT_EQ(run("faults"), "none\nok\n");
+    EXPECT_TRUE(run("faults help").contains("  wrong-sum "));
+}
+
+TEST_F(ControlTest, showsStatistics)
+{
+    EXPECT_TRUE(run("stats").startsWith("  clients "));
+    EXPECT_TRUE(run("stats").endsWith("\nok\n"));
+}
+
+TEST_F(ControlTest, cyclesThePower)
+{
+    run("poke 0x1000 1");
+    EXPECT_EQ(run("power-cycle 250"), "ok\n");
+    EXPECT_EQ(plc.memory().byte(0x1000), 0);
+    EXPECT_TRUE(plc.isOff(249999));
+    EXPECT_FALSE(plc.isOff(250000));
+    EXPECT_EQ(run("power-cycle soon"), "error: 'soon' is no time; 0 to 600000 ms\n");
+}
+
+TEST_F(ControlTest, dropsTheLinks)
+{
+    EXPECT_EQ(run("drop-link"), "ok\n");
+    EXPECT_EQ(droppedMs, 1000);
+    EXPECT_EQ(run("drop-link 20"), "ok\n");
+    EXPECT_EQ(droppedMs, 20);
+    EXPECT_EQ(run("drop-link -1"), "error: '-1' is no time; 0 to 600000 ms\n");
+}
+
+TEST_F(ControlTest, savesAndLoads)
+{
+    const QTemporaryDir folder;
+    const QByteArray path = folder.filePath("plc.hex").toUtf8();
+    run("poke 0x1000 77");
+    EXPECT_EQ(run("save " + path), "ok\n");
+    run("poke 0x1000 0");
+    EXPECT_EQ(run("load " + path), "ok\n");
+    EXPECT_EQ(run("peek 0x1000"), "1000: 4D\nok\n");
+    EXPECT_EQ(run("load /nonexistent"), "error: /nonexistent: No such file or directory\n");
+}
+
+TEST_F(ControlTest, quits)
+{
+    EXPECT_EQ(run("quit"), "ok\n");
+    EXPECT_EQ(quits, 1);
+}
+
+TEST_F(ControlTest, helpNamesEveryCommand)
+{
+    for (const char* name : {"peek", "poke", "faults", "stats", "power-cycle", "drop-link", "save",
+                             "load", "help", "quit"})
+        EXPECT_TRUE(run("help").contains(QByteArray("  ") + name + ' ')) << name;
+}
+
+TEST_F(ControlTest, explainsWhatItDoesNotKnow)
+{
+    EXPECT_EQ(run(""), "");
+    EXPECT_EQ(run("jump"), "error: there is no command 'jump'; help lists them\n");
+    EXPECT_EQ(run("peek"), "error: usage: peek ADDRESS [BYTES]\n");
+    EXPECT_EQ(run("quit now"), "error: usage: quit\n");
+}

@@ -1,0 +1,215 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// What each fault makes of a reply, and that the same seed makes the same damage.
+
+#include "tools/fxsim/faults/fault_damage.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "tests/tools/fxsim/printing.h"
+#include "tests/tools/fxsim/wire_frames.h"
+
+using namespace fxsim;
+
+namespace {
+
+const QByteArray& reply = valueOfD100;
+const QByteArray& request = readD100;
+const QByteArray acknowledge = "\x06";
+
+QVector<Chunk> damagedBy(const char* plan, const QByteArray& sound, quint64 seed = 1,
+                         qint64 exchange = 1)
+{
+    Dice dice(seed, exchange);
+    const ActiveFaults faults(parseFaults(plan).plan, exchange, dice);
+    return damaged(sound, request, faults, dice);
+}
+
+QByteArray bytesOf(const QVector<Chunk>& chunks)
+{
+    QByteArray bytes;
+    for (const Chunk& chunk : chunks)
+        bytes += chunk.bytes;
+    return bytes;
+}
+
+int differingBits(const QByteArray& left, const QByteArray& right)
+{
+    int bits = 0;
+    for (int at = 0; at < left.size(); ++at)
+        bits += int(qPopulationCount(quint8(left[at] ^ right[at])));
+    return bits;
+}
+
+}  // namespace
+
+struct DamageCase
+{
+    const char* name;
+    const char* plan;
+    QByteArray sound;
+    QByteArray damagedBytes;
+};
+
+class Damage : public testing::TestWithParam<DamageCase>
+{};
+
+TEST_P(Damage, isWhatTheFaultSays)
+{
+    EXPECT_EQ(bytesOf(damagedBy(GetParam().plan, GetParam().sound)), GetParam().damagedBytes);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Faults, Damage,
+    testing::Values(DamageCase{"none", "none", reply, reply},
+                    DamageCase{"silence", "silence@1", reply, ""},
+                    DamageCase{"wrongSum", "wrong-sum@1", reply,
+                               "\x02"
+                               "12345678"
+                               "\x03"
+                               "A0"},
+                    DamageCase{"wrongSumThatEndsInZero", "wrong-sum@1",
+                               "\x02\x03"
+                               "A0",
+                               "\x02\x03"
+                               "A1"},
+                    DamageCase{"wrongSumOnAck", "wrong-sum@1", acknowledge, acknowledge},
+                    DamageCase{"bit7", "bit7@1", reply,
+                               fromHex("82B1B233B43536B7B8"
+                                       "03"
+                                       "41B7")},
+                    DamageCase{"truncatedTo5", "truncated:5@1", reply,
+                               "\x02"
+                               "1234"},
+                    DamageCase{"truncatedAck", "truncated@1", acknowledge, ""},
+                    DamageCase{"lostStx", "lost-stx@1", reply,
+                               "12345678"
+                               "\x03"
+                               "A7"},
+                    DamageCase{"lostEtx", "lost-etx@1", reply,
+                               "\x02"
+                               "12345678"
+                               "A7"},
+                    DamageCase{"lostEtxOnAck", "lost-etx@1", acknowledge, acknowledge},
+                    DamageCase{"duplicate", "duplicate@1", reply, reply + reply},
+                    DamageCase{"duplicateAck", "duplicate@1", acknowledge, "\x06\x06"},
+                    DamageCase{"echo", "echo@1", reply, request + reply},
+                    DamageCase{"delayKeepsTheBytes", "delay@1", reply, reply},
+                    DamageCase{"slicesKeepTheBytes", "slices@1", reply, reply},
+                    DamageCase{"mixed", "lost-stx@1,lost-etx@1,echo@1", reply,
+                               request + "12345678"
+                                         "A7"}),
+    [](const auto& row) { return std::string(row.param.name); });
+
+TEST(Faults, flippedBitsFlipOneBitUnlessToldOtherwise)
+{
+    for (quint64 seed = 1; seed <= 200; ++seed) {
+        const QByteArray bytes = bytesOf(damagedBy("flipped-bits@1", reply, seed));
+        ASSERT_EQ(bytes.size(), reply.size());
+        EXPECT_EQ(differingBits(bytes, reply), 1) << "seed " << seed;
+    }
+}
+
+TEST(Faults, truncatedIsAlwaysShorter)
+{
+    for (quint64 seed = 1; seed <= 200; ++seed) {
+        const QByteArray bytes = bytesOf(damagedBy("truncated@1", reply, seed));
+        EXPECT_LT(bytes.size(), reply.size()) << "seed " << seed;
+        EXPECT_TRUE(reply.startsWith(bytes));
+    }
+}
+
+TEST(Faults, junkForgesNoControlCharacter)
+{
+    for (quint64 seed = 1; seed <= 200; ++seed) {
+        const QByteArray bytes =
+            bytesOf(damagedBy("junk-before@1,junk-after:3@1", acknowledge, seed));
+        const int at = bytes.indexOf('\x06');
+        EXPECT_GE(at, 1);
+        EXPECT_LE(at, 8);
+        EXPECT_EQ(bytes.size(), at + 1 + 3);
+        for (const char character : bytes)
+            EXPECT_TRUE(character == '\x06' || quint8(character) >= 0x20);
+    }
+}
+
+TEST(Faults, delayComesBeforeTheFirstCharacter)
+{
+    const QVector<Chunk> chunks = damagedBy("delay:800@1", reply);
+    ASSERT_EQ(chunks.size(), 1);
+    EXPECT_EQ(chunks[0].pauseMs, 800);
+}
+
+TEST(Faults, slicesAre32CharactersWithPauses)
+{
+    const QVector<Chunk> chunks = damagedBy("slices:5@1", QByteArray(70, 'x'));
+    ASSERT_EQ(chunks.size(), 3);
+    EXPECT_EQ(chunks[0].bytes.size(), 32);
+    EXPECT_EQ(chunks[0].pauseMs, 0);
+    EXPECT_EQ(chunks[1].bytes.size(), 32);
+    EXPECT_EQ(chunks[1].pauseMs, 5);
+    EXPECT_EQ(chunks[2].bytes.size(), 6);
+    EXPECT_EQ(chunks[2].pauseMs, 5);
+}
+
+TEST(Faults, duplicateWaitsBetweenTheTwo)
+{
+    const QVector<Chunk> chunks = damagedBy("duplicate:30@1", reply);
+    ASSERT_EQ(chunks.size(), 2);
+    EXPECT_EQ(chunks[1].pauseMs, 30);
+}
+
+TEST(Faults, sameSeedSameDamage)
+{
+    const char* plan = "flipped-bits:3=0.5,truncated=0.3,junk-before=0.5,silence=0.1";
+    for (qint64 exchange = 1; exchange <= 200; ++exchange)
+        EXPECT_EQ(bytesOf(damagedBy(plan, reply, 7, exchange)),
+                  bytesOf(damagedBy(plan, reply, 7, exchange)));
+}
+
+TEST(Faults, anotherSeedOtherDamage)
+{
+    int different = 0;
+    for (qint64 exchange = 1; exchange <= 200; ++exchange)
+        different += bytesOf(damagedBy("silence=0.5", reply, 7, exchange)) !=
+                     bytesOf(damagedBy("silence=0.5", reply, 8, exchange));
+    EXPECT_GT(different, 50);
+}
+
+// Known numbers: a change of the generator would make old runs irreproducible.
+TEST(Faults, diceRollTheSameEverywhere)
+{
+    Dice dice(1, 1);
+    EXPECT_EQ(dice.next(), 0xBD17853175C4F325ULL);
+    EXPECT_EQ(dice.next(), 0x72C343E604CA3AF6ULL);
+}
+
+TEST(Faults, rateIsMetInTheLongRun)
+{
+    int silent = 0;
+    for (qint64 exchange = 1; exchange <= 10000; ++exchange)
+        silent += damagedBy("silence=0.05", reply, 1, exchange).isEmpty();
+    EXPECT_GT(silent, 430);
+    EXPECT_LT(silent, 570);
+}
+
+TEST(Faults, listIsMetExactly)
+{
+    QVector<qint64> silent;
+    for (qint64 exchange = 1; exchange <= 30; ++exchange) {
+        if (damagedBy("silence@3+7-9+29-", reply, 1, exchange).isEmpty())
+            silent.append(exchange);
+    }
+    EXPECT_EQ(silent, (QVector<qint64>{3, 7, 8, 9, 29, 30}));
+}
+
+TEST(Faults, rateZeroNeverAndRateOneAlways)
+{
+    for (qint64 exchange = 1; exchange <= 1000; ++exchange) {
+        EXPECT_FALSE(damagedBy("silence=0", reply, 1, exchange).isEmpty());
+        EXPECT_TRUE(damagedBy("silence=1", reply, 1, exchange).isEmpty());
+    }
+}

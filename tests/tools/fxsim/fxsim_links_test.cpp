@@ -1,0 +1,210 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// What is special to each kind of link of the program, and several of them together.
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <memory>
+
+#include "tests/tools/fxsim/fxsim_process.h"
+#include "tests/tools/fxsim/printing.h"
+#include "tests/tools/fxsim/wire_frames.h"
+
+namespace {
+
+int openDescriptors(const FxsimProcess& process)
+{
+    const QDir folder(QStringLiteral("/proc/%1/fd").arg(process.processId()));
+    return folder.entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size();
+}
+
+}  // namespace
+
+TEST(FxsimTcp, servesSeveralClientsTogetherAndInTurn)
+{
+    FxsimProcess process({"--tcp", "0", "--baud", "0", "--program", "none"});
+    const QString name = process.waitReady();
+    TcpEnd first(name);
+    TcpEnd second(name);
+    second.send(readD100.left(5));
+    EXPECT_EQ(first.ask(writeD100, 1), "\x06");
+    second.send(readD100.mid(5));
+    EXPECT_EQ(second.take(12), valueOfD100);
+    TcpEnd third(name);
+    EXPECT_EQ(third.ask(readD100, 12), valueOfD100);
+}
+
+TEST(FxsimTcp, portThatIsTakenIsToldAndNothingIsLeftBehind)
+{
+    FxsimProcess process({"--tcp", "0"});
+    const QString name = process.waitReady();
+    const FailedStart second = runToEnd({"--tcp", name.section(':', 2)});
+    EXPECT_EQ(second.exitCode, 3);
+    EXPECT_EQ(second.errors, "fxsim: " + name.toUtf8() + ": The bound address is already in use\n");
+    EXPECT_EQ(second.output, "");
+}
+
+TEST(FxsimTcp, portThatIsNotForEveryUserIsExplained)
+{
+    QFile firstForAll("/proc/sys/net/ipv4/ip_unprivileged_port_start");
+    if (!firstForAll.open(QIODevice::ReadOnly) || firstForAll.readAll().toInt() <= 81)
+        GTEST_SKIP() << "this system has no such ports";
+    const FailedStart start = runToEnd({"--tcp", "81"}, Rights::OrdinaryUser);
+    EXPECT_EQ(start.exitCode, 3);
+    EXPECT_EQ(start.errors, "fxsim: tcp:127.0.0.1:81: this port is not for every user; take one "
+                            "from 1024 on\n");
+}
+
+TEST(FxsimTcp, hostsThatCameAndWentLeaveNothingBehind)
+{
+    FxsimProcess process({"--tcp", "0", "--baud", "0", "--program", "none"});
+    const QString name = process.waitReady();
+    const int before = openDescriptors(process);
+    ASSERT_GT(before, 0);
+    for (int visit = 0; visit < 20; ++visit) {
+        TcpEnd host(name);
+        EXPECT_EQ(host.ask(readD100, 12), zerosOfD100) << "visit " << visit;
+        EXPECT_EQ(openDescriptors(process), before + 1) << "visit " << visit;
+        host.hangUp();
+        for (int look = 0; look < 1000 && openDescriptors(process) > before; ++look)
+            process.command("stats");  // gives it a turn
+        EXPECT_EQ(openDescriptors(process), before) << "visit " << visit;
+    }
+}
+
+TEST(FxsimTcp, hostThatHangsUpWithinAFrameIsForgotten)
+{
+    FxsimProcess process({"--tcp", "0", "--baud", "0", "--program", "none"});
+    const QString name = process.waitReady();
+    TcpEnd first(name);
+    first.send(writeD100.left(9));
+    first.hangUp();
+    TcpEnd second(name);
+    EXPECT_EQ(second.ask(writeD100.mid(9) + readD100, 12), zerosOfD100);
+}
+
+// More than the system keeps for a host is lost and counted, as on a serial line.
+TEST(FxsimTcp, hostThatTakesNothingHoldsUpNobody)
+{
+    FxsimProcess process({"--tcp", "0", "--baud", "0", "--program", "none"});
+    const QString name = process.waitReady();
+    TcpEnd deaf(name);
+    deaf.takeNothing();
+    TcpEnd other(name);
+    const QByteArray longestRead = "\x02"
+                                   "0100040"
+                                   "\x03"
+                                   "58";
+    for (int round = 0; round < 200; ++round) {
+        deaf.send(longestRead.repeated(1000));
+        EXPECT_EQ(other.ask(readD100, 12), zerosOfD100);
+        if (process.command("stats").contains("characters lost"))
+            return;
+    }
+    FAIL() << "nothing was lost";
+}
+
+TEST(FxsimTcp, tracesNameTheHostByItsAddress)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("trace");
+    FxsimProcess process({"--tcp", "0", "--program", "none", "--trace", path});
+    TcpEnd host(process.waitReady());
+    const QByteArray address = "tcp:127.0.0.1:" + QByteArray::number(host.ownPort());
+    EXPECT_EQ(host.ask(readD100, 12), zerosOfD100);
+    EXPECT_EQ(process.terminate(), 0);
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(file.readAll().contains(address + " > "));
+}
+
+TEST(FxsimPty, isRawFromTheStart)
+{
+    FxsimProcess process({"--baud", "0", "--program", "none"});
+    PtyEnd host(process.waitReady());
+    ASSERT_TRUE(host.isOpen());
+    process.command("poke 0x10C8 0x0D 0x0A 0x04 0x11");
+    EXPECT_EQ(host.ask(readD100, 12), "\x02"
+                                      "0D0A0411"
+                                      "\x03"
+                                      "AE");
+}
+
+TEST(FxsimPty, hostsMayComeAndGo)
+{
+    FxsimProcess process({"--baud", "0", "--program", "none"});
+    const QString device = process.waitReady();
+    for (int visit = 0; visit < 3; ++visit) {
+        PtyEnd host(device);
+        EXPECT_EQ(host.ask(readD100, 12), zerosOfD100) << "visit " << visit;
+    }
+}
+
+TEST(FxsimPty, linkLeftBehindIsReplacedAndAFileIsNot)
+{
+    const QTemporaryDir folder;
+    const QString link = folder.filePath("plc");
+    QFile::link("/dev/pts/99999", link);
+    FxsimProcess process({"--link", link});
+    const QString device = process.waitReady().section(' ', 0, 0);
+    EXPECT_EQ(QFileInfo(link).symLinkTarget(), device);
+    const QString file = folder.filePath("file");
+    QFile(file).open(QIODevice::WriteOnly);
+    const FailedStart second = runToEnd({"--link", file});
+    EXPECT_EQ(second.exitCode, 3);
+    EXPECT_EQ(second.errors, "fxsim: cannot make the link " + file.toUtf8() + ": File exists\n");
+    EXPECT_TRUE(QFileInfo(file).isFile());
+}
+
+TEST(FxsimSerial, answersOnADevice)
+{
+    PtyEnd host;
+    FxsimProcess plc({"--serial", host.otherEnd(), "--program", "none"});
+    EXPECT_EQ(plc.waitReady(), host.otherEnd());
+    EXPECT_EQ(host.ask(writeD100, 1), "\x06");
+    EXPECT_EQ(host.ask(readD100, 12), valueOfD100);
+    EXPECT_EQ(plc.terminate(), 0);
+}
+
+TEST(FxsimSerial, deviceThatGoesAwayIsAwaited)
+{
+    const QTemporaryDir folder;
+    const QString link = folder.filePath("device");
+    auto host = std::make_unique<PtyEnd>();
+    QFile::link(host->otherEnd(), link);
+    FxsimProcess plc({"--serial", link, "--program", "none"});
+    EXPECT_EQ(plc.waitReady(), link);
+    host.reset();
+    EXPECT_NE(plc.waitLine("fxsim: link down: "), "");
+    host = std::make_unique<PtyEnd>();
+    QFile::remove(link);
+    QFile::link(host->otherEnd(), link);
+    EXPECT_EQ(plc.waitReady(), link);
+    EXPECT_EQ(host->ask(readD100, 12), zerosOfD100);
+}
+
+TEST(FxsimSerial, missingDeviceIsNamed)
+{
+    const FailedStart start = runToEnd({"--serial", "/dev/nonexistent"});
+    EXPECT_EQ(start.exitCode, 3);
+    EXPECT_EQ(start.errors, "fxsim: /dev/nonexistent: No such file or directory\n");
+    const FailedStart other = runToEnd({"--serial", "/dev/null"});
+    EXPECT_EQ(other.exitCode, 3);
+    EXPECT_EQ(other.errors, "fxsim: /dev/null: it is no serial port\n");
+}
+
+TEST(FxsimLinks, ptyAndTcpServeOnePlc)
+{
+    FxsimProcess process({"--pty", "--tcp", "0", "--baud", "0", "--program", "none"});
+    const QStringList names = process.waitReady().split(", ");
+    ASSERT_EQ(names.size(), 2);
+    PtyEnd terminal(names[0]);
+    TcpEnd socket(names[1]);
+    EXPECT_EQ(terminal.ask(writeD100, 1), "\x06");
+    EXPECT_EQ(socket.ask(readD100, 12), valueOfD100);
+}

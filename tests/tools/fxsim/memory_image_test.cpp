@@ -1,0 +1,160 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// Memory images as Intel HEX.
+
+#include "tools/fxsim/plc/memory_image.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <csignal>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include "tests/tools/fxsim/printing.h"
+
+using namespace fxsim;
+
+namespace {
+
+const QByteArray zeros(65536, '\0');
+
+QString errorOf(const QByteArray& text)
+{
+    QByteArray image = zeros;
+    const QString error = applyHex(text, image);
+    EXPECT_EQ(image, zeros);
+    return error;
+}
+
+// No file of this process grows beyond `bytes`, as on a disk that has no more room.
+class FullDisk
+{
+public:
+    explicit FullDisk(rlim_t bytes)
+    {
+        getrlimit(RLIMIT_FSIZE, &m_before);
+        const rlimit limit = {bytes, m_before.rlim_max};
+        m_signalBefore = std::signal(SIGXFSZ, SIG_IGN);
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FullDisk()
+    {
+        setrlimit(RLIMIT_FSIZE, &m_before);
+        std::signal(SIGXFSZ, m_signalBefore);
+    }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+
+private:
+    rlimit m_before = {};
+    void (*m_signalBefore)(int) = SIG_DFL;
+};
+
+}  // namespace
+
+TEST(MemoryImage, emptyMemoryIsTheEndRecord)
+{
+    EXPECT_EQ(hexText(zeros), ":00000001FF\n");
+}
+
+TEST(MemoryImage, isWrittenInRecordsOfSixteen)
+{
+    QByteArray image = zeros;
+    image.replace(0x10C8, 2, fromHex("ABCD"));
+    EXPECT_EQ(hexText(image), ":1010C0000000000000000000ABCD000000000000A8\n:00000001FF\n");
+}
+
+TEST(MemoryImage, isReadBack)
+{
+    QByteArray image = zeros;
+    for (int at = 0; at < image.size(); at += 7)
+        image[at] = char(at * 31);
+    QByteArray again = zeros;
+    EXPECT_EQ(applyHex(hexText(image), again), QString());
+    EXPECT_EQ(again, image);
+}
+
+TEST(MemoryImage, takesOtherPeoplesRecords)
+{
+    QByteArray image = zeros;
+    EXPECT_EQ(applyHex(":02100000abcd76\r\n\r\n:020000020100FB\r\n:01000000EE11\r\n"
+                       ":0400000500000000F7\r\n:00000001FF\r\nwhatever follows\r\n",
+                       image),
+              QString());
+    EXPECT_EQ(image.mid(0x1000, 3), fromHex("EECD00")) << "segment 0x0100 begins at 0x1000";
+}
+
+TEST(MemoryImage, leavesWhatItDoesNotName)
+{
+    QByteArray image(65536, 'x');
+    EXPECT_EQ(applyHex(":0100050041B9\n:00000001FF\n", image), QString());
+    EXPECT_EQ(image.left(8), "xxxxxAxx");
+}
+
+TEST(MemoryImage, saysWhatIsWrongAndChangesNothing)
+{
+    EXPECT_EQ(errorOf(""), "the end record (:00000001FF) is missing");
+    EXPECT_EQ(errorOf(":0100000041BE\n"), "the end record (:00000001FF) is missing");
+    EXPECT_EQ(errorOf(":0100000041BE\n\n:0100000041BF\n"), "line 3: wrong sum");
+    EXPECT_EQ(errorOf("0100000041BE\n"), "line 1: a record is \":\" and pairs of hex digits");
+    EXPECT_EQ(errorOf(":01000000zzBE\n"), "line 1: a record is \":\" and pairs of hex digits");
+    EXPECT_EQ(errorOf(":01000000411\n"), "line 1: a record is \":\" and pairs of hex digits");
+    EXPECT_EQ(errorOf(":0200000041BD\n"), "line 1: the record is not as long as it says");
+    EXPECT_EQ(errorOf(":\n"), "line 1: the record is not as long as it says");
+    EXPECT_EQ(errorOf(":00000006FA\n"), "line 1: unknown record type 6");
+    EXPECT_EQ(errorOf(":0100000212EB\n"), "line 1: an extended address has two bytes");
+    EXPECT_EQ(errorOf(":02FFFF000102FD\n"), "line 1: the data lies beyond 64 KiB");
+    EXPECT_EQ(errorOf(":020000040001F9\n:0100000041BE\n"), "line 2: the data lies beyond 64 KiB");
+}
+
+TEST(MemoryImage, filesAreSavedAndLoaded)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("plc.hex");
+    QByteArray image = zeros;
+    image[0x1234] = 5;
+    EXPECT_EQ(saveImage(path, image), QString());
+    QByteArray again = zeros;
+    EXPECT_EQ(loadImage(path, again), QString());
+    EXPECT_EQ(again, image);
+}
+
+TEST(MemoryImage, filesThatDoNotWorkAreNamed)
+{
+    QByteArray image = zeros;
+    EXPECT_EQ(loadImage("/nonexistent/plc.hex", image),
+              "/nonexistent/plc.hex: No such file or directory");
+    EXPECT_EQ(saveImage("/nonexistent/plc.hex", image),
+              "/nonexistent/plc.hex: there is no folder /nonexistent");
+}
+
+// As root, /dev/full was replaced by a file of its name.
+TEST(MemoryImage, whatIsNoOrdinaryFileStays)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("pipe");
+    ASSERT_EQ(mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+    EXPECT_EQ(saveImage(path, zeros), path + ": this is no ordinary file");
+    EXPECT_FALSE(QFileInfo(path).isFile());
+}
+
+// A memory that found no room was called saved, and the older file was empty.
+TEST(MemoryImage, fullDiskLeavesTheOlderFile)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("plc.hex");
+    ASSERT_EQ(saveImage(path, zeros), QString());
+    for (const rlim_t room : {0U, 5U, 20000U}) {
+        const FullDisk disk(room);
+        const QByteArray image = room < 20000 ? zeros : QByteArray(65536, 'x');
+        EXPECT_EQ(saveImage(path, image), path + ": File too large");
+        QByteArray again(65536, 'x');
+        EXPECT_EQ(loadImage(path, again), QString()) << "with room for " << room;
+        EXPECT_EQ(QFileInfo(path).size(), QByteArray(":00000001FF\n").size());
+    }
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList("plc.hex"));
+}

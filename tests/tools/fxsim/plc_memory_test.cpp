@@ -1,0 +1,96 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// The flat memory: bytes, bits, what is missing and what is mirrored.
+
+#include "tools/fxsim/plc/plc_memory.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/tools/fxsim/printing.h"
+
+using namespace fxsim;
+
+TEST(PlcMemory, startsAsZeros)
+{
+    const PlcMemory memory;
+    EXPECT_EQ(memory.read(0, 4), fromHex("00000000"));
+    EXPECT_EQ(memory.byte(0xFFFF), 0);
+}
+
+TEST(PlcMemory, keepsWhatWasWritten)
+{
+    PlcMemory memory;
+    memory.write(0x10C8, fromHex("AABB"));
+    EXPECT_EQ(memory.read(0x10C7, 4), fromHex("00AABB00"));
+}
+
+TEST(PlcMemory, valuesStandLowestByteFirst)
+{
+    PlcMemory memory;
+    memory.setValue(0x0C00, 4, 0x12345678);
+    EXPECT_EQ(memory.read(0x0C00, 4), fromHex("78563412"));
+    EXPECT_EQ(memory.value(0x0C01, 2), 0x3456U);
+}
+
+TEST(PlcMemory, bitAddressIsEightTimesByteAddressPlusBit)
+{
+    PlcMemory memory;
+    memory.forceBit(0x0803, true);
+    EXPECT_EQ(memory.byte(0x0100), 0x08);
+    memory.forceBit(0x0807, true);
+    memory.forceBit(0x0803, false);
+    EXPECT_EQ(memory.byte(0x0100), 0x80);
+}
+
+TEST(PlcMemory, hasWholeRangesOnly)
+{
+    PlcMemory memory;
+    memory.setPresent({{0x1000, 0x1FFF}});
+    memory.setMissing({{0x1010, 0x1013}});
+    EXPECT_TRUE(memory.has(0x1000, 16));
+    EXPECT_FALSE(memory.has(0x0FFF, 2));
+    EXPECT_FALSE(memory.has(0x1000, 17));
+    EXPECT_TRUE(memory.has(0x1014, 1));
+    EXPECT_TRUE(memory.has(0x1FFF, 1));
+    EXPECT_FALSE(memory.has(0x1FFF, 2));
+}
+
+TEST(PlcMemory, hasNothingPastTheLastAddress)
+{
+    const PlcMemory memory;
+    EXPECT_TRUE(memory.has(0xFFFF, 1));
+    EXPECT_FALSE(memory.has(0xFFFF, 2));
+    EXPECT_FALSE(memory.has(0x10000, 1));
+    EXPECT_FALSE(memory.has(-1, 1));
+}
+
+TEST(PlcMemory, mirrorShowsWritesAndForcesAtItsOtherEnd)
+{
+    PlcMemory memory;
+    memory.setMirrors({{0x0F00, 0x0E00, 0x100}});
+    memory.write(0x0F02, fromHex("1234"));
+    memory.write(0x0EFF, fromHex("99"));
+    EXPECT_EQ(memory.read(0x0E02, 2), fromHex("1234"));
+    EXPECT_EQ(memory.read(0x0F02, 2), fromHex("1234"));
+    memory.write(0x0FFF, fromHex("5566"));
+    EXPECT_EQ(memory.read(0x0EFF, 2), fromHex("5500")) << "0x1000 lies outside the window";
+    memory.forceBit(0x0F10 * 8, true);
+    EXPECT_EQ(memory.byte(0x0E10), 0x01);
+}
+
+TEST(PlcMemory, benchWritesAreNotMirrored)
+{
+    PlcMemory memory;
+    memory.setMirrors({{0x0F00, 0x0E00, 0x100}});
+    memory.setByte(0x0F00, 7);
+    EXPECT_EQ(memory.byte(0x0E00), 0);
+}
+
+TEST(PlcMemory, imageIsAlwaysOfFullLength)
+{
+    PlcMemory memory;
+    memory.setImage(fromHex("0102"));
+    EXPECT_EQ(memory.image().size(), 65536);
+    EXPECT_EQ(memory.read(0, 3), fromHex("010200"));
+}

@@ -1,0 +1,302 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// A host's bytes in, a PLC's bytes out: session and simulator together, with the time given by the
+// tests.
+
+#include "tools/fxsim/line/session.h"
+
+#include <gtest/gtest.h>
+
+#include <QByteArrayList>
+
+#include "tests/tools/fxsim/printing.h"
+#include "tests/tools/fxsim/wire_frames.h"
+#include "tools/fxsim/plc/sample_program.h"
+
+using namespace fxsim;
+
+namespace {
+
+struct Bench
+{
+    explicit Bench(const Settings& settings = Settings(),
+                   std::unique_ptr<Program> program = nullptr)
+        : plc(settings, std::move(program), 0), session(plc, "test")
+    {}
+
+    // Everything that comes back within ten minutes.
+    QByteArray answer(const QByteArray& bytes)
+    {
+        session.receive(bytes, nowUs);
+        return session.takeDue(nowUs + 600000000);
+    }
+
+    Simulator plc;
+    Session session;
+    qint64 nowUs = 1000;
+};
+
+Settings withFaults(const char* plan)
+{
+    Settings settings;
+    settings.faults = parseFaults(plan).plan;
+    return settings;
+}
+
+}  // namespace
+
+TEST(Session, answersAReadAndAWrite)
+{
+    Bench bench;
+    EXPECT_EQ(bench.answer(readD100), zerosOfD100);
+    EXPECT_EQ(bench.answer(writeD100), "\x06");
+    EXPECT_EQ(bench.answer(readD100), valueOfD100);
+}
+
+TEST(Session, answersTwoFramesOfOneReadInTheirOrder)
+{
+    Bench bench;
+    EXPECT_EQ(bench.answer(writeD100 + readD100), "\x06" + valueOfD100);
+}
+
+TEST(Session, badFrameGetsNakOrSilence)
+{
+    Bench strict;
+    EXPECT_EQ(strict.answer(damagedRead), "\x15");
+    Settings settings;
+    settings.onError = OnError::Silence;
+    Bench silent(settings);
+    EXPECT_EQ(silent.answer(damagedRead), "");
+    EXPECT_EQ(silent.answer(readD100), zerosOfD100);
+}
+
+TEST(Session, frameWithoutEndIsRefusedOnce)
+{
+    Bench bench;
+    EXPECT_EQ(bench.answer('\x02' + QByteArray(5000, '0')), "\x15");
+    EXPECT_EQ(bench.answer(readD100), zerosOfD100);
+}
+
+TEST(Session, enquiryIsOptional)
+{
+    Bench bench;
+    EXPECT_EQ(bench.answer("\x05" + readD100), "\x06" + zerosOfD100);
+}
+
+TEST(Session, neededEnquiryOpensTheSessionUntilThePowerGoes)
+{
+    Settings settings;
+    settings.enquiry = EnquiryMode::Needed;
+    Bench bench(settings);
+    EXPECT_EQ(bench.answer(readD100), "");
+    EXPECT_EQ(bench.answer("\x05"), "\x06");
+    EXPECT_EQ(bench.answer(readD100), zerosOfD100);
+    bench.plc.powerCycle(0, bench.nowUs);
+    EXPECT_EQ(bench.answer(readD100), "");
+    Session second(bench.plc, "second");
+    second.receive("\x05", bench.nowUs);
+    EXPECT_EQ(bench.answer(readD100), "") << "another link's ENQ is not this one's";
+    EXPECT_EQ(bench.plc.statistics().ungreetedFrames, 3);
+}
+
+TEST(Session, ignoredEnquiryStillResetsTheReceiver)
+{
+    Settings settings;
+    settings.enquiry = EnquiryMode::Ignored;
+    Bench bench(settings);
+    EXPECT_EQ(bench.answer(readD100.left(4) + "\x05" + readD100), zerosOfD100);
+}
+
+TEST(Session, largestReadIsASetting)
+{
+    Settings settings;
+    settings.maxBytes = 3;
+    Bench bench(settings);
+    EXPECT_EQ(bench.answer(readD100), "\x15");
+}
+
+TEST(Session, nakFaultLeavesTheWriteUndone)
+{
+    Bench bench(withFaults("nak@1"));
+    EXPECT_EQ(bench.answer(writeD100), "\x15");
+    EXPECT_EQ(bench.answer(readD100), zerosOfD100);
+}
+
+TEST(Session, nakFaultIsNoSilenceEither)
+{
+    Settings settings = withFaults("nak@1");
+    settings.onError = OnError::Silence;
+    Bench bench(settings);
+    EXPECT_EQ(bench.answer(readD100), "\x15");
+}
+
+TEST(Session, silenceFaultLosesTheReplyOfAWriteThatWasDone)
+{
+    Bench bench(withFaults("silence@1"));
+    EXPECT_EQ(bench.answer(writeD100), "");
+    EXPECT_EQ(bench.answer(readD100), valueOfD100);
+}
+
+TEST(Session, delayedReplyComesWhenTheNextOneIsAwaited)
+{
+    Bench bench(withFaults("delay:1500@1"));
+    bench.session.receive(writeD100, 0);
+    EXPECT_EQ(bench.session.takeDue(1499999), "");
+    bench.session.receive(readD100, 1000000);
+    EXPECT_EQ(bench.session.nextDueUs(), 1500000);
+    EXPECT_EQ(bench.session.takeDue(1500000), "\x06" + valueOfD100);
+}
+
+TEST(Session, linkDropTakesTheRequestWithIt)
+{
+    Bench bench(withFaults("link-drop:250@1"));
+    EXPECT_EQ(bench.answer(writeD100), "");
+    EXPECT_EQ(bench.session.takeLinkDrop(), std::optional<int>(250));
+    EXPECT_EQ(bench.session.takeLinkDrop(), std::nullopt);
+    EXPECT_EQ(bench.answer(readD100), zerosOfD100);
+}
+
+TEST(Session, powerCycleForgetsTheMemoryAndIsSilentForItsTime)
+{
+    Bench bench(withFaults("power-cycle:300@2"));
+    EXPECT_EQ(bench.answer(writeD100), "\x06");
+    EXPECT_EQ(bench.answer(readD100), "");
+    bench.nowUs += 299999;
+    EXPECT_EQ(bench.answer(readD100), "");
+    bench.nowUs += 1;
+    EXPECT_EQ(bench.answer(readD100), zerosOfD100);
+    EXPECT_EQ(bench.plc.statistics().powerCycles, 1);
+    EXPECT_EQ(bench.plc.statistics().ignoredCharacters, readD100.size());
+}
+
+TEST(Session, powerCycleRestoresTheImageItStartedWith)
+{
+    Bench bench;
+    PlcMemory memory;
+    memory.write(0x10C8, fromHex("12345678"));
+    bench.plc.powerOnWith(memory, 0);
+    bench.plc.memory().setByte(0x10C8, 0xFF);
+    bench.plc.powerCycle(0, bench.nowUs);
+    EXPECT_EQ(bench.answer(readD100), valueOfD100);
+}
+
+TEST(Session, powerCycleStartsTheProgramAnew)
+{
+    Bench bench({}, std::make_unique<SampleProgram>());
+    bench.plc.advance(7000000);
+    EXPECT_EQ(bench.plc.memory().value(0x1000, 2), 7U);
+    bench.plc.powerCycle(500, 7000000);
+    EXPECT_EQ(bench.plc.memory().value(0x1000, 2), 0U);
+    bench.plc.advance(7400000);
+    bench.plc.advance(9500000);
+    EXPECT_EQ(bench.plc.memory().value(0x1000, 2), 2U);
+}
+
+TEST(Session, newPlanCountsItsExchangesFromOne)
+{
+    Bench bench;
+    EXPECT_EQ(bench.answer(readD100), zerosOfD100);
+    bench.plc.setFaults(parseFaults("silence@1").plan);
+    EXPECT_EQ(bench.answer(readD100), "");
+    EXPECT_EQ(bench.answer(readD100), zerosOfD100);
+}
+
+TEST(Session, atTenThousandBaudEachCharacterTakesAMillisecond)
+{
+    Settings settings;
+    settings.timing.baud = 10000;
+    Bench bench(settings);
+    bench.session.receive(readD100, 0);  // in after 11 ms
+    EXPECT_EQ(bench.session.nextDueUs(), 12000);
+    EXPECT_EQ(bench.session.takeDue(12000), "\x02");
+    EXPECT_EQ(bench.session.takeDue(22999), zerosOfD100.mid(1, 10));
+    EXPECT_EQ(bench.session.takeDue(23000), "3");
+}
+
+TEST(Session, answersLeaveAtTheEndOfAScan)
+{
+    Settings settings;
+    settings.timing.scanMs = 10;
+    Bench bench(settings);
+    bench.session.receive(readD100, 12345);
+    EXPECT_EQ(bench.session.nextDueUs(), 20000);
+}
+
+TEST(Session, physicalLinksAreNotPacedTwice)
+{
+    Settings settings;
+    settings.timing = {9600, 10};
+    Bench bench(settings);
+    bench.session.setTiming({0, 10});
+    bench.session.receive(readD100, 15000);
+    EXPECT_EQ(bench.session.takeDue(20000), zerosOfD100);
+}
+
+TEST(Session, sessionsShareTheMemory)
+{
+    Bench bench;
+    Session second(bench.plc, "second");
+    bench.answer(writeD100);
+    second.receive(readD100, 0);
+    EXPECT_EQ(second.takeDue(0), valueOfD100);
+    EXPECT_EQ(bench.plc.statistics().clients, 2);
+}
+
+TEST(Session, everythingIsCounted)
+{
+    Bench bench(withFaults("wrong-sum@1"));
+    bench.answer("junk\x05" + readD100 + writeD100 + damagedRead +
+                 "\x02"
+                 "70000"
+                 "\x03"
+                 "FA");
+    const Statistics& counted = bench.plc.statistics();
+    EXPECT_EQ(counted.exchanges, 4);
+    EXPECT_EQ(counted.reads, 1);
+    EXPECT_EQ(counted.writes, 1);
+    EXPECT_EQ(counted.forces, 1);
+    EXPECT_EQ(counted.enquiries, 1);
+    EXPECT_EQ(counted.junkCharacters, 4);
+    EXPECT_EQ(counted.charactersIn, 4 + 1 + 11 + 19 + 11 + 9);
+    EXPECT_EQ(counted.charactersOut, 1 + 12 + 1 + 1 + 1);
+    EXPECT_TRUE(counted.text().contains("refused: wrong sum            1\n")) << counted.text();
+    EXPECT_TRUE(counted.text().contains("fault: wrong-sum              1\n")) << counted.text();
+    EXPECT_FALSE(counted.text().contains("silence"));
+}
+
+TEST(Session, traceTellsRequestsFaultsAndReplies)
+{
+    Bench bench(withFaults("wrong-sum@1"));
+    QByteArrayList told;
+    bench.plc.setTrace([&told](const TraceEntry& entry) { told.append(entry.text); });
+    bench.answer("x" + readD100);
+    EXPECT_EQ(told, (QByteArrayList{"junk, skipped", "read 4 bytes at 0x10C8", "meets wrong-sum",
+                                    "wrong-sum"}));
+}
+
+TEST(Session, hostThatTakesNothingLosesWhatIsTooMuch)
+{
+    Bench bench(withFaults("delay:600000@1"));
+    for (int request = 0; request < 1010; ++request)
+        bench.session.receive(readD100, 0);
+    EXPECT_EQ(bench.plc.statistics().charactersLost, 10 * 12);
+}
+
+// Whatever came before, an ENQ and a frame behind it are answered as if nothing had.
+TEST(Session, noGarbageOutlivesAnEnquiry)
+{
+    const QByteArray likely = fromHex("0203050615") + "0178" + "0123456789ABCDEF";
+    Bench bench;
+    Dice dice(1, 1);
+    for (int round = 0; round < 2000; ++round) {
+        QByteArray garbage;
+        for (int length = dice.below(60); length > 0; --length) {
+            const bool anything = dice.below(4) == 0;
+            garbage += anything ? char(dice.below(256)) : likely[dice.below(likely.size())];
+        }
+        bench.answer(garbage);
+        bench.plc.memory().setImage(QByteArray());
+        ASSERT_EQ(bench.answer("\x05" + readD100), "\x06" + zerosOfD100) << garbage;
+    }
+}

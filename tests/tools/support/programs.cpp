@@ -1,0 +1,170 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// See programs.h.
+
+#include "tests/tools/support/programs.h"
+
+#include <QFile>
+#include <QRegularExpression>
+
+#include <csignal>
+#include <stdexcept>
+
+namespace tool_tests {
+
+namespace {
+
+constexpr int patienceMs = 30000;  // of a loaded machine, under sanitizers
+
+QProcessEnvironment environment()
+{
+    QProcessEnvironment all = QProcessEnvironment::systemEnvironment();
+    all.insert(QStringLiteral("FX_DRIVER"), QStringLiteral(FX_DRIVER_FILE));
+    return all;
+}
+
+}  // namespace
+
+void PrintTo(Road road, std::ostream* out)
+{
+    *out << (road == Road::Tcp ? "Tcp" : "PseudoTerminal");
+}
+
+void PrintTo(const Ended& ended, std::ostream* out)
+{
+    *out << "exit code " << ended.code << "\n" << ended.out << "\n" << ended.err;
+}
+
+RunningSimulator::RunningSimulator(Road road, const QStringList& options)
+{
+    // A stable path: a terminal that comes back after a drop may have another number.
+    const QString terminal = m_folder.filePath(QStringLiteral("plc"));
+    QStringList arguments = options;
+    if (road == Road::Tcp)
+        arguments << QStringLiteral("--tcp") << QStringLiteral("127.0.0.1:0");
+    else
+        arguments << QStringLiteral("--pty") << QStringLiteral("--link") << terminal;
+    m_process.start(QStringLiteral(FXSIM_FILE), arguments);
+    const QString place = readyPlace();
+    m_link = road == Road::Tcp ? place : "pty:" + terminal;
+}
+
+RunningSimulator::~RunningSimulator()
+{
+    m_process.terminate();
+    if (!m_process.waitForFinished(patienceMs))
+        m_process.kill();
+}
+
+QString RunningSimulator::readyPlace()
+{
+    static const QRegularExpression ready(QStringLiteral("fxsim: ready on (\\S+)"));
+    QString said;
+    while (m_process.waitForReadyRead(patienceMs)) {
+        said += QString::fromUtf8(m_process.readAllStandardOutput());
+        const QRegularExpressionMatch match = ready.match(said);
+        if (match.hasMatch() && said.contains('\n'))
+            return match.captured(1);
+    }
+    throw std::runtime_error("the simulator did not come up: " +
+                             m_process.readAllStandardError().toStdString());
+}
+
+QByteArray RunningSimulator::command(const QString& line)
+{
+    m_process.write(line.toUtf8() + '\n');
+    QByteArray answer;
+    while (m_process.canReadLine() || m_process.waitForReadyRead(patienceMs)) {
+        while (m_process.canReadLine()) {
+            const QByteArray said = m_process.readLine();
+            if (said == "ok\n")
+                return answer;
+            if (!said.startsWith("fxsim: "))  // news of a link may come between
+                answer += said;
+        }
+    }
+    throw std::runtime_error("the simulator did not carry out: " + line.toStdString());
+}
+
+bool holds(const std::string& text, const std::string& part)
+{
+    return text.find(part) != std::string::npos;
+}
+
+int times(const std::string& text, const std::string& part)
+{
+    int found = 0;
+    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
+        ++found;
+    return found;
+}
+
+Ended fxhost(const QStringList& arguments)
+{
+    QProcess process;
+    process.setProcessEnvironment(environment());
+    process.start(QStringLiteral(FXHOST_FILE), arguments);
+    Ended ended;
+    if (!process.waitForFinished(patienceMs))
+        process.kill();
+    else if (process.exitStatus() == QProcess::NormalExit)
+        ended.code = process.exitCode();
+    ended.out = process.readAllStandardOutput().toStdString();
+    ended.err = process.readAllStandardError().toStdString();
+    return ended;
+}
+
+RunningHost::RunningHost(const QStringList& arguments)
+{
+    m_process.setProcessEnvironment(environment());
+    m_process.start(QStringLiteral(FXHOST_FILE), arguments);
+}
+
+RunningHost::~RunningHost()
+{
+    m_process.kill();
+    m_process.waitForFinished(patienceMs);
+}
+
+bool RunningHost::hasPrinted()
+{
+    return m_process.waitForReadyRead(patienceMs);
+}
+
+bool RunningHost::hasComplained()
+{
+    m_process.setReadChannel(QProcess::StandardError);
+    return m_process.waitForReadyRead(patienceMs);
+}
+
+void RunningHost::send(int signal)
+{
+    kill(static_cast<pid_t>(m_process.processId()), signal);
+}
+
+Ended RunningHost::end()
+{
+    Ended ended;
+    if (m_process.waitForFinished(patienceMs) && m_process.exitStatus() == QProcess::NormalExit)
+        ended.code = m_process.exitCode();
+    ended.out = m_process.readAllStandardOutput().toStdString();
+    ended.err = m_process.readAllStandardError().toStdString();
+    return ended;
+}
+
+QString newFile(const QTemporaryDir& folder, const char* name, const QByteArray& content)
+{
+    QFile file(folder.filePath(QString::fromLatin1(name)));
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+        throw std::runtime_error("cannot write a file for the test");
+    return file.fileName();
+}
+
+QByteArray contentOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+}  // namespace tool_tests

@@ -1,0 +1,83 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// The two programs as people run them: a simulated PLC that listens on a pseudo-terminal or on TCP
+// until the test is over, and fxhost with a command line, run to its end.
+
+#pragma once
+
+#include <QProcess>
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+
+#include <ostream>
+#include <string>
+
+namespace tool_tests {
+
+enum class Road
+{
+    PseudoTerminal,
+    Tcp,
+};
+
+void PrintTo(Road road, std::ostream* out);
+
+class RunningSimulator
+{
+public:
+    // Throws std::runtime_error when it does not come up.
+    explicit RunningSimulator(Road road, const QStringList& options = {});
+    ~RunningSimulator();
+    RunningSimulator(const RunningSimulator&) = delete;
+    RunningSimulator& operator=(const RunningSimulator&) = delete;
+
+    QString link() const { return m_link; }   // as fxhost takes it
+    QByteArray command(const QString& line);  // on its standard input; what came before "ok"
+
+private:
+    QString readyPlace();
+
+    QTemporaryDir m_folder;
+    QProcess m_process;
+    QString m_link;
+};
+
+struct Ended
+{
+    int code = -1;
+    std::string out;
+    std::string err;
+};
+
+void PrintTo(const Ended& ended, std::ostream* out);
+
+bool holds(const std::string& text, const std::string& part);
+int times(const std::string& text, const std::string& part);  // how often it holds it
+
+Ended fxhost(const QStringList& arguments);
+
+// fxhost in the middle of its work.
+class RunningHost
+{
+public:
+    explicit RunningHost(const QStringList& arguments);
+    ~RunningHost();
+    RunningHost(const RunningHost&) = delete;
+    RunningHost& operator=(const RunningHost&) = delete;
+
+    bool hasPrinted();
+    bool hasComplained();  // or ended without
+    void send(int signal);
+    Ended end();  // waits for it
+
+private:
+    QProcess m_process;
+};
+
+// A folder that goes when the test does.
+QString newFile(const QTemporaryDir& folder, const char* name, const QByteArray& content);
+QByteArray contentOf(const QString& path);
+
+}  // namespace tool_tests

@@ -1,0 +1,68 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// See virtual_line.h.
+
+#include "tests/tools/support/virtual_line.h"
+
+#include <stdexcept>
+
+namespace tool_tests {
+
+namespace {
+
+constexpr int wordBytes = 2;
+
+}  // namespace
+
+VirtualLine::VirtualLine(const fxsim::Settings& settings)
+    : m_plc(settings, nullptr, 0), m_session(m_plc, "virtual")
+{}
+
+bool VirtualLine::send(const QByteArray& bytes)
+{
+    m_session.receive(bytes, m_nowUs);
+    return true;
+}
+
+QByteArray VirtualLine::receive(int timeoutMs)
+{
+    const qint64 deadlineUs = m_nowUs + qint64(1000) * timeoutMs;
+    const qint64 dueUs = m_session.nextDueUs();
+    m_nowUs =
+        dueUs == fxsim::nothingDue || dueUs > deadlineUs ? deadlineUs : std::max(dueUs, m_nowUs);
+    return m_session.takeDue(m_nowUs);
+}
+
+fxtools::LoopSettings VirtualLine::loopSettings() const
+{
+    fxtools::LoopSettings settings;
+    settings.clockUs = [this] { return m_nowUs; };
+    return settings;
+}
+
+// Spread over all 16 bits, so that neighbours differ in both bytes.
+quint16 wordNaming(int byteAddress)
+{
+    return static_cast<quint16>(byteAddress / wordBytes * 40503 + 12345);
+}
+
+void fillWithOwnAddresses(fxsim::PlcMemory& memory)
+{
+    for (int address = 0; address < fxsim::addressableBytes; address += wordBytes)
+        memory.setValue(address, wordBytes, wordNaming(address));
+}
+
+fxsim::Settings badLine(int baud, const char* faults, fxsim::EnquiryMode enquiry)
+{
+    const fxsim::ParsedFaults parsed = fxsim::parseFaults(QString::fromLatin1(faults));
+    if (!parsed.error.isEmpty())
+        throw std::invalid_argument(parsed.error.toStdString());
+    fxsim::Settings settings;
+    settings.timing.baud = baud;
+    settings.faults = parsed.plan;
+    settings.enquiry = enquiry;
+    return settings;
+}
+
+}  // namespace tool_tests

@@ -1,0 +1,45 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// A simulated PLC on a line whose time is simulated too: waiting costs nothing and every run is
+// the same to the microsecond. What goes wrong on it is set by the simulator's fault plan.
+
+#pragma once
+
+#include "tools/exchange/exchange_loop.h"
+#include "tools/fxsim/line/session.h"
+
+namespace tool_tests {
+
+class VirtualLine : public fxtools::Link
+{
+public:
+    explicit VirtualLine(const fxsim::Settings& settings);
+
+    QString name() const override { return QStringLiteral("virtual"); }
+    void open() override {}
+    bool isOpen() const override { return true; }
+    bool send(const QByteArray& bytes) override;
+    QByteArray receive(int timeoutMs) override;
+
+    fxsim::PlcMemory& memory() { return m_plc.memory(); }
+    fxsim::Simulator& plc() { return m_plc; }
+    qint64 nowUs() const { return m_nowUs; }
+
+    // Settings of a loop that lives in this time.
+    fxtools::LoopSettings loopSettings() const;
+
+private:
+    qint64 m_nowUs = 0;
+    fxsim::Simulator m_plc;
+    fxsim::Session m_session;
+};
+
+// Fills the memory so that every 16-bit word names its own place, and tells what it holds.
+void fillWithOwnAddresses(fxsim::PlcMemory& memory);
+quint16 wordNaming(int byteAddress);
+
+fxsim::Settings badLine(int baud, const char* faults,
+                        fxsim::EnquiryMode enquiry = fxsim::EnquiryMode::Optional);
+
+}  // namespace tool_tests

@@ -1,0 +1,76 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// See blocks.h.
+
+#include "tools/exchange/blocks.h"
+
+namespace fxtools {
+
+namespace {
+
+constexpr int bitsPerByte = 8;
+constexpr int accepted = 1;
+constexpr int sendAgain = 8;
+
+bool sameKind(const RegisterRange& one, const RegisterRange& other)
+{
+    return one.station == other.station && one.type.name == other.type.name;
+}
+
+// The frame in flight, given up: rejected as often as the driver wants it to be.
+void giveUp(const DriverLibrary& library)
+{
+    QByteArray nothing;
+    QString errorText;
+    while (library.dealRcvFrame(nothing, errorText) == sendAgain) {
+    }
+}
+
+}  // namespace
+
+RegisterRange blockRange(const RegisterCatalogue& catalogue, const VARIABLE& request)
+{
+    RegisterRange range;
+    range.type = *catalogue.find(request.registerType);
+    range.station = request.stationNo;
+    range.first = request.addressIndex;
+    range.count = range.type.isBit() ? bitsPerByte * request.count : request.count;
+    return range;
+}
+
+bool isInside(const RegisterRange& inner, const RegisterRange& outer)
+{
+    return sameKind(inner, outer) && inner.first >= outer.first &&
+           inner.first + inner.count <= outer.first + outer.count;
+}
+
+bool overlap(const RegisterRange& one, const RegisterRange& other)
+{
+    return sameKind(one, other) && one.first < other.first + other.count &&
+           other.first < one.first + one.count;
+}
+
+QString fromToText(const RegisterRange& range)
+{
+    if (range.count == 1)
+        return range.nameOf(0);
+    return range.nameOf(0) + QStringLiteral(" … ") + range.nameOf(range.count - 1);
+}
+
+QVector<FRAME_PRO> planOf(DriverSession& session, const QVector<RegisterRange>& ranges)
+{
+    const int blocks = session.setPlan(ranges);
+    QVector<FRAME_PRO> frames;
+    for (int block = 0; block < blocks; ++block) {
+        FRAME_PRO frame;
+        if (session.library().getSendFrame(&frame) != accepted)
+            break;
+        frames.append(frame);
+        giveUp(session.library());
+    }
+    session.setPlan({});
+    return frames;
+}
+
+}  // namespace fxtools

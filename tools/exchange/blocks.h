@@ -1,0 +1,24 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// The blocks of the polling plan. The driver does not show its plan, but the frames that it gives
+// are the plan in rotation, and each carries its request.
+
+#pragma once
+
+#include "tools/exchange/driver_session.h"
+
+namespace fxtools {
+
+// What one read request covers. A bit request counts bytes.
+RegisterRange blockRange(const RegisterCatalogue& catalogue, const VARIABLE& request);
+
+bool isInside(const RegisterRange& inner, const RegisterRange& outer);
+bool overlap(const RegisterRange& one, const RegisterRange& other);
+QString fromToText(const RegisterRange& range);  // "D100 … D131"
+
+// The plan that `ranges` become, block by block, without a link: every frame is taken from the
+// driver and failed at once. Ends the session's own plan.
+QVector<FRAME_PRO> planOf(DriverSession& session, const QVector<RegisterRange>& ranges);
+
+}  // namespace fxtools

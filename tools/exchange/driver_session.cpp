@@ -1,0 +1,187 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// See driver_session.h.
+
+#include "tools/exchange/driver_session.h"
+
+namespace fxtools {
+
+namespace {
+
+constexpr int linkNumber = 1;
+constexpr size_t downloadRequest = 60115;
+constexpr size_t uploadRequest = 60116;
+constexpr size_t hostMemoryBytes = uploadRequest + 1;
+constexpr size_t recipeMemoryWords = 65536;
+
+// The tags that tell one's own requests apart; the driver gives its cyclic reads a 4.
+constexpr int writeTag = 2;
+constexpr int conditionalTag = 3;
+constexpr int cyclicTag = 4;
+
+constexpr int endOfReadStation = -1;
+const QString recipeWordText = QStringLiteral("RWI");
+
+// The callback of the driver is a plain function, and the driver serves one session.
+DriverSession* activeSession = nullptr;
+
+size_t requestByte(RecipeDirection direction)
+{
+    return direction == RecipeDirection::Download ? downloadRequest : uploadRequest;
+}
+
+quint32 valueAt(const std::vector<unsigned char>& bytes, size_t position, size_t byteCount)
+{
+    quint32 value = 0;
+    for (size_t byte = byteCount; byte > 0; --byte)
+        value = value << 8 | bytes[position + byte - 1];
+    return value;
+}
+
+void appendValue(std::vector<unsigned char>& bytes, quint32 value, int byteCount)
+{
+    for (int byte = 0; byte < byteCount; ++byte)
+        bytes.push_back(static_cast<unsigned char>(value >> 8 * byte & 0xFF));
+}
+
+int wordsOf(const RegisterRange& range)
+{
+    return range.type.driverCount(range.count);
+}
+
+}  // namespace
+
+DriverSession::DriverSession(const DriverLibrary& library, const SessionSettings& settings)
+    : m_library(library), m_settings(settings), m_hostMemory(hostMemoryBytes, 0),
+      m_recipeWords(recipeMemoryWords, 0)
+{
+    activeSession = this;
+    m_library.setAddrValueChangeCallBack(&DriverSession::forwardCallback);
+    int status = 0;
+    m_library.initProperty(m_hostMemory.data(), 0, m_recipeWords.data(), &status,
+                           propertyString().toLatin1().constData(), &m_mutex);
+}
+
+DriverSession::~DriverSession()
+{
+    int status = 0;
+    m_library.setAddrValueChangeCallBack(nullptr);
+    m_library.initProperty(nullptr, 0, nullptr, &status, "", nullptr);
+    activeSession = nullptr;
+}
+
+QString DriverSession::propertyString() const
+{
+    return QStringLiteral("%1#0#0#%2#%3")
+        .arg(linkNumber)
+        .arg(m_settings.failLimit)
+        .arg(m_settings.wordsPerFrame);
+}
+
+int DriverSession::setPlan(const QVector<RegisterRange>& ranges)
+{
+    QList<KEY_ADDRESS> keys;
+    for (const RegisterRange& range : ranges)
+        keys.append(planKey(range));
+    return m_library.addrMerge(keys);
+}
+
+void DriverSession::queueRead(const RegisterRange& range)
+{
+    KEY_ADDRESS key = planKey(range);
+    if (range.type.isBit())
+        key.length = (key.length + 7) / 8;  // a one-off read of bits counts bytes
+    m_library.addConditionRead(key, conditionalTag);
+}
+
+QVector<quint32> DriverSession::values(const RegisterRange& range) const
+{
+    const auto valueBytes = static_cast<size_t>(range.type.valueBytes());
+    std::vector<unsigned char> bytes(static_cast<size_t>(range.count) * valueBytes, 0);
+    m_library.getData(range.station, range.type.name, range.first,
+                      range.type.driverCount(range.count), bytes.data());
+    QVector<quint32> values;
+    for (int index = 0; index < range.count; ++index)
+        values.append(valueAt(bytes, static_cast<size_t>(index) * valueBytes, valueBytes));
+    return values;
+}
+
+void DriverSession::write(const RegisterRange& range, const QVector<quint32>& values)
+{
+    std::vector<unsigned char> bytes;
+    for (const quint32 value : values)
+        appendValue(bytes, value, range.type.valueBytes());
+    m_library.setData(range.station, range.type.name, range.first,
+                      range.type.driverCount(values.size()), bytes.data(), writeTag);
+}
+
+int DriverSession::setRecipeList(RecipeDirection direction, const QVector<RegisterRange>& entries)
+{
+    QVector<_RCP_VAR_PRO> list;
+    int recipeWord = 0;
+    for (const RegisterRange& entry : entries) {
+        _RCP_VAR_PRO row;
+        row.linkNo = linkNumber;
+        row.stationNo = entry.station;
+        row.registerType = entry.type.name;
+        row.addressIndex = entry.first;
+        // The count goes into the frame as it stands: words to write, registers to read.
+        row.count = direction == RecipeDirection::Download ? wordsOf(entry) : entry.count;
+        row.recipeWordOffset = recipeWord;
+        list.append(row);
+        recipeWord += wordsOf(entry);
+    }
+    return m_library.setRcpAddress(list);
+}
+
+int DriverSession::startRecipe(RecipeDirection direction, const QVector<RegisterRange>& entries)
+{
+    const int entryCount = setRecipeList(direction, entries);
+    if (entryCount == 0)
+        return 0;  // a request without a list would stop everything else
+    const QMutexLocker lock(&m_mutex);
+    m_hostMemory[requestByte(direction)] = 1;
+    return entryCount;
+}
+
+bool DriverSession::recipeRuns(RecipeDirection direction)
+{
+    const QMutexLocker lock(&m_mutex);
+    return m_hostMemory[requestByte(direction)] == 1;
+}
+
+ExchangeKind DriverSession::kindOf(const FRAME_PRO& frame)
+{
+    // Recipe steps go before everything else, and the download before the upload.
+    if (recipeRuns(RecipeDirection::Download))
+        return ExchangeKind::RecipeDownload;
+    if (recipeRuns(RecipeDirection::Upload))
+        return ExchangeKind::RecipeUpload;
+    if (frame.isRead == 0)
+        return ExchangeKind::Write;
+    return frame.variable.tag == cyclicTag ? ExchangeKind::CyclicRead
+                                           : ExchangeKind::ConditionalRead;
+}
+
+int DriverSession::forwardCallback(int, int stationNo, QString& text, int value)
+{
+    if (activeSession)
+        activeSession->handleCallback(stationNo, text, value);
+    return 0;
+}
+
+void DriverSession::handleCallback(int stationNo, const QString& text, int value)
+{
+    if (stationNo != endOfReadStation) {
+        if (onValueChanged)
+            onValueChanged(text, stationNo, value);
+    } else if (text == recipeWordText) {
+        if (onRecipeWord)
+            onRecipeWord(value);
+    } else if (onReadEnded) {
+        onReadEnded(value == 0);
+    }
+}
+
+}  // namespace fxtools

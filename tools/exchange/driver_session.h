@@ -1,0 +1,79 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// One connection as the driver knows it: what the host owns on its behalf (host memory with the
+// two request bytes, recipe words, mutex), the property string, and values in and out of the
+// cache. It sends nothing: the exchange loop does. The driver serves one connection, so there is
+// one session at a time.
+
+#pragma once
+
+#include "tools/exchange/exchange.h"
+#include "tools/library/registers.h"
+
+#include <QMutex>
+
+#include <functional>
+#include <vector>
+
+namespace fxtools {
+
+struct SessionSettings
+{
+    int failLimit = 3;       // rejections in a row that end an exchange
+    int wordsPerFrame = 32;  // 64 bytes, what a PLC of this family takes in one frame
+};
+
+enum class RecipeDirection
+{
+    Download,  // host to PLC
+    Upload,    // PLC to host
+};
+
+class DriverSession
+{
+public:
+    // Called from inside the driver; of it only values(), write() and queueRead() may be called.
+    std::function<void(const QString& registerType, int station, int number)> onValueChanged;
+    std::function<void(bool good)> onReadEnded;
+    std::function<void(int recipeWord)> onRecipeWord;
+
+    DriverSession(const DriverLibrary& library, const SessionSettings& settings);
+    ~DriverSession();
+    DriverSession(const DriverSession&) = delete;
+    DriverSession& operator=(const DriverSession&) = delete;
+
+    const DriverLibrary& library() const { return m_library; }
+    const SessionSettings& settings() const { return m_settings; }
+    QString propertyString() const;
+
+    // Replaces the polling plan; the number of blocks.
+    int setPlan(const QVector<RegisterRange>& ranges);
+    void queueRead(const RegisterRange& range);
+
+    // One number a register: 0 or 1, 16 bits or 32 bits.
+    QVector<quint32> values(const RegisterRange& range) const;
+    void write(const RegisterRange& range, const QVector<quint32>& values);
+
+    // The recipe memory is left alone by everyone else while a transfer runs.
+    std::vector<quint16>& recipeWords() { return m_recipeWords; }
+    // Entries take their words one after the other from word 0 on. Returns how many there are.
+    int startRecipe(RecipeDirection direction, const QVector<RegisterRange>& entries);
+    bool recipeRuns(RecipeDirection direction);
+
+    // What the frame that was given last is for. To be asked before its reply is handed over.
+    ExchangeKind kindOf(const FRAME_PRO& frame);
+
+private:
+    int setRecipeList(RecipeDirection direction, const QVector<RegisterRange>& entries);
+    static int forwardCallback(int linkNo, int stationNo, QString& text, int value);
+    void handleCallback(int stationNo, const QString& text, int value);
+
+    const DriverLibrary& m_library;
+    SessionSettings m_settings;
+    std::vector<unsigned char> m_hostMemory;
+    std::vector<quint16> m_recipeWords;
+    QMutex m_mutex;
+};
+
+}  // namespace fxtools

@@ -1,0 +1,53 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// One exchange as the host saw it: a frame that went out, what came back, and what the driver made
+// of it. The exchange loop produces them; statistics, monitor and recorder consume them.
+
+#pragma once
+
+#include "tools/exchange/reply_verdict.h"
+
+#include <QString>
+
+namespace fxtools {
+
+enum class ExchangeKind
+{
+    Write,
+    ConditionalRead,
+    CyclicRead,
+    RecipeDownload,
+    RecipeUpload,
+};
+constexpr int exchangeKinds = 5;
+
+QString kindText(ExchangeKind kind);
+
+// What intf_dealRcvFrame answers.
+enum class DriverAnswer
+{
+    NoFrame = 0,
+    Accepted = 1,
+    Failed = 2,
+    Repeat = 8,
+};
+
+struct Exchange
+{
+    ExchangeKind kind = ExchangeKind::CyclicRead;
+    FRAME_PRO frame;
+    QByteArray reply;       // as far as it came in time
+    QByteArray thrownAway;  // what came behind a bad or missing reply until the line was quiet
+    QByteArray handed;      // what the driver got of it
+    ReplyVerdict verdict = ReplyVerdict::Silence;
+    DriverAnswer answer = DriverAnswer::NoFrame;
+    QString errorText;      // of the driver
+    qint64 startedUs = 0;   // since the loop was made
+    qint64 responseUs = 0;  // from the last byte sent to the last one received
+
+    bool hasEnded() const { return answer == DriverAnswer::Accepted || hasFailed(); }
+    bool hasFailed() const { return answer == DriverAnswer::Failed; }
+};
+
+}  // namespace fxtools

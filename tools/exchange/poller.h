@@ -1,0 +1,64 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// Keeps ranges of registers fresh. The plan of the driver merges neighbours into blocks, and a PLC
+// that refuses one register of a block refuses them all; so a refused block is halved, with
+// one-off reads, until the bad registers stand alone. They are kept aside with their reason and
+// asked again now and then; what was good of the block is read in the pieces that were found.
+
+#pragma once
+
+#include "tools/exchange/polling.h"
+
+#include <QHash>
+
+namespace fxtools {
+
+class Poller
+{
+public:
+    Poller(ExchangeLoop& loop, const RegisterCatalogue& catalogue,
+           const QVector<RegisterRange>& ranges);
+
+    // One cycle. False when the link was lost for good or the user wants an end.
+    bool poll();
+
+    const QVector<RegisterRange>& ranges() const { return m_ranges; }
+    QVector<quint32> values(const RegisterRange& range) const;
+
+    // Why a register was not read in the last cycle; nothing if it was.
+    std::optional<ReplyVerdict> problemOf(const RegisterRange& range, int index) const;
+
+private:
+    struct Aside
+    {
+        RegisterRange range;
+        ReplyVerdict reason = ReplyVerdict::Refused;
+    };
+
+    void planEverything();
+    void replan();
+    bool linkLost() const;
+    bool pollPlan();
+    bool pollPieces();
+    bool askAsideAgain();
+    void halve(const RegisterRange& block);
+    void readOrHalve(const RegisterRange& piece);
+    void note(const RegisterRange& range, ReplyVerdict verdict);
+    void noteBlock(const Exchange& exchange, QVector<RegisterRange>& refused);
+    ReplyVerdict readPiece(const RegisterRange& piece);
+
+    ExchangeLoop& m_loop;
+    const RegisterCatalogue& m_catalogue;
+    QVector<RegisterRange> m_ranges;
+    QVector<RegisterRange> m_planned;  // left to the driver's plan
+    QVector<RegisterRange> m_pieces;   // good parts of refused blocks
+    QVector<Aside> m_aside;
+    QHash<QString, ReplyVerdict> m_problems;  // by the register's name
+    QVector<RegisterRange> m_read;            // in this cycle, without a problem
+    std::optional<ReplyVerdict> m_brokenOff;  // why the cycle ended before all was asked for
+    int m_blocks = 0;
+    int m_cycle = 0;
+};
+
+}  // namespace fxtools

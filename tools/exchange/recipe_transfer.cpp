@@ -1,0 +1,32 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// See recipe_transfer.h.
+
+#include "tools/exchange/recipe_transfer.h"
+
+namespace fxtools {
+
+RecipeOutcome transferRecipe(ExchangeLoop& loop, RecipeDirection direction,
+                             const QVector<RegisterRange>& entries,
+                             const std::function<void(int done, int total)>& onProgress)
+{
+    RecipeOutcome outcome;
+    outcome.entries = loop.session().startRecipe(direction, entries);
+    int shown = -1;
+    const Round round = runUntil(loop, [&](const Round& soFar) {
+        if (soFar.ended.size() != shown) {
+            shown = soFar.ended.size();
+            onProgress(shown - soFar.failed(), outcome.entries);
+        }
+        return !loop.session().recipeRuns(direction);
+    });
+    outcome.transferred = round.ended.size() - round.failed();
+    if (round.failed() > 0)
+        outcome.problem = round.ended.last().verdict;
+    else if (round.linkLost || outcome.transferred < outcome.entries)
+        outcome.problem = ReplyVerdict::LinkLost;
+    return outcome;
+}
+
+}  // namespace fxtools

@@ -1,0 +1,125 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// See recording.h.
+
+#include "tools/exchange/recording.h"
+
+#include "tools/library/register_file.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+
+namespace fxtools {
+
+namespace {
+
+constexpr int formatVersion = 1;
+constexpr int failLimitField = 3;  // of the property string
+constexpr int wordsField = 4;
+
+[[noreturn]] void reject(const QFile& file, int line, const QString& reason)
+{
+    throw FileError(
+        QStringLiteral("%1, line %2: %3").arg(file.fileName()).arg(line).arg(reason).toStdString());
+}
+
+QJsonObject nextObject(QFile& file, int line)
+{
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(file.readLine(), &error);
+    if (!document.isObject())
+        reject(file, line,
+               "no JSON object: " + (document.isNull() ? error.errorString() : "something else"));
+    return document.object();
+}
+
+// A member that must be there, of one kind.
+QJsonValue member(const QFile& file, int line, const QJsonObject& object, const char* key,
+                  QJsonValue::Type type)
+{
+    QJsonValue value = object.value(QLatin1String(key));
+    if (value.type() != type)
+        reject(file, line,
+               QStringLiteral("\"%1\" is missing, or of another kind").arg(QLatin1String(key)));
+    return value;
+}
+
+QByteArray bytesIn(const QFile& file, int line, const QJsonObject& object, const char* key)
+{
+    static const QRegularExpression pairs(QStringLiteral("^([0-9a-fA-F]{2})*$"));
+    const QString text = member(file, line, object, key, QJsonValue::String).toString();
+    if (!pairs.match(text).hasMatch())
+        reject(file, line,
+               QStringLiteral("\"%1\" is no row of hexadecimal bytes").arg(QLatin1String(key)));
+    return QByteArray::fromHex(text.toLatin1());
+}
+
+// "LINK#KIND#...#FAIL LIMIT#WORDS", as the driver was set up.
+void readProperty(const QFile& file, const QString& property, Recording& recording)
+{
+    const QStringList fields = property.split('#');
+    recording.failLimit = fields.value(failLimitField).toInt();
+    recording.wordsPerFrame = fields.value(wordsField).toInt();
+    if (recording.failLimit < 1 || recording.wordsPerFrame < 1)
+        reject(file, 1, QStringLiteral("\"property\" is not like 1#0#0#3#32: ") + property);
+}
+
+QString hex(const QByteArray& bytes)
+{
+    return QString::fromLatin1(bytes.toHex());
+}
+
+}  // namespace
+
+Recorder::Recorder(const QString& path, const QString& property, const QStringList& addresses)
+    : m_file(path)
+{
+    if (!m_file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        throw FileError((path + ": " + m_file.errorString()).toStdString());
+    put({{"fxhost", formatVersion},
+         {"property", property},
+         {"addresses", QJsonArray::fromStringList(addresses)}});
+}
+
+void Recorder::add(const Exchange& exchange)
+{
+    put({{"us", exchange.startedUs},
+         {"sent", hex(requestBytes(exchange.frame))},
+         {"received", hex(exchange.reply + exchange.thrownAway)},
+         {"handed", hex(exchange.handed)},
+         {"answer", static_cast<int>(exchange.answer)},
+         {"text", exchange.errorText}});
+}
+
+void Recorder::put(const QJsonObject& object)
+{
+    writeWhole(m_file, QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n');
+}
+
+Recording readRecording(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        throw FileError((path + ": " + file.errorString()).toStdString());
+    const QJsonObject head = nextObject(file, 1);
+    if (head.value("fxhost").toInt() != formatVersion)
+        reject(file, 1, QStringLiteral("this is no recording of fxhost"));
+    Recording recording;
+    readProperty(file, head.value("property").toString(), recording);
+    const QJsonArray addresses = head.value("addresses").toArray();
+    for (const auto address : addresses)
+        recording.addresses += address.toString();
+    for (int line = 2; !file.atEnd(); ++line) {
+        const QJsonObject object = nextObject(file, line);
+        recording.exchanges.append(
+            {line, bytesIn(file, line, object, "sent"), bytesIn(file, line, object, "handed"),
+             member(file, line, object, "answer", QJsonValue::Double).toInt(),
+             member(file, line, object, "text", QJsonValue::String).toString()});
+    }
+    return recording;
+}
+
+}  // namespace fxtools

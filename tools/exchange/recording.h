@@ -1,0 +1,56 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// A session's exchanges in a file, a JSON object a line. The first line says how the driver was
+// set up; each further one is an exchange:
+//
+//   {"fxhost":1,"property":"1#0#0#3#32","addresses":["D0:32"]}
+//   {"us":1204,"sent":"0230...","received":"0230...","handed":"0230...","answer":1,"text":"1#D0(32)(132)"}
+//
+// "received" is all that came, "handed" what the driver got of it. Bytes are hexadecimal.
+
+#pragma once
+
+#include "tools/exchange/exchange.h"
+
+#include <QFile>
+#include <QJsonObject>
+#include <QStringList>
+#include <QVector>
+
+namespace fxtools {
+
+struct RecordedExchange
+{
+    int line = 0;  // of the file
+    QByteArray sent;
+    QByteArray handed;
+    int answer = 0;
+    QString text;
+};
+
+struct Recording
+{
+    int failLimit = 0;
+    int wordsPerFrame = 0;
+    QStringList addresses;
+    QVector<RecordedExchange> exchanges;
+};
+
+Recording readRecording(const QString& path);  // throws FileError
+
+class Recorder
+{
+public:
+    // Throws FileError, as add() does.
+    Recorder(const QString& path, const QString& property, const QStringList& addresses);
+
+    void add(const Exchange& exchange);
+
+private:
+    void put(const QJsonObject& object);
+
+    QFile m_file;
+};
+
+}  // namespace fxtools

@@ -1,0 +1,107 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// See reply_verdict.h.
+
+#include "tools/exchange/reply_verdict.h"
+
+#include <algorithm>
+#include <array>
+
+namespace fxtools {
+
+namespace {
+
+constexpr int trailerLength = 1 + 2;              // ETX, sum
+constexpr int shortestFrame = 1 + trailerLength;  // STX, no data
+
+struct VerdictRow
+{
+    ReplyVerdict verdict;
+    const char* name;
+    const char* text;
+};
+
+constexpr std::array<VerdictRow, replyVerdicts> verdictRows = {{
+    {ReplyVerdict::Good, "good", "good"},
+    {ReplyVerdict::Silence, "silence", "no answer"},
+    {ReplyVerdict::Refused, "refused", "refused by the PLC (NAK)"},
+    {ReplyVerdict::Incomplete, "incomplete", "the answer broke off"},
+    {ReplyVerdict::TooLong, "too-long", "more came than was asked for"},
+    {ReplyVerdict::HighBits, "high-bits", "bit 7 is set: data bits or parity differ"},
+    {ReplyVerdict::Echo, "echo", "the request came back as an echo"},
+    {ReplyVerdict::NotAFrame, "not-a-frame", "no frame"},
+    {ReplyVerdict::WrongSum, "wrong-sum", "damaged: the sum is wrong"},
+    {ReplyVerdict::Late, "late", "the answer came too late"},
+    {ReplyVerdict::LinkLost, "link-lost", "the link was lost"},
+}};
+
+const VerdictRow& rowOf(ReplyVerdict verdict)
+{
+    return *std::find_if(verdictRows.begin(), verdictRows.end(),
+                         [verdict](const VerdictRow& row) { return row.verdict == verdict; });
+}
+
+bool hasHighBit(const QByteArray& bytes)
+{
+    return std::any_of(bytes.begin(), bytes.end(),
+                       [](char byte) { return static_cast<unsigned char>(byte) >= 0x80; });
+}
+
+// The sum over everything behind STX, ETX included, stands in the two digits that end a frame.
+bool sumMatches(const QByteArray& reply, int etxPosition)
+{
+    unsigned sum = 0;
+    for (int position = 1; position <= etxPosition; ++position)
+        sum += static_cast<unsigned char>(reply.at(position));
+    constexpr char digits[] = "0123456789ABCDEF";
+    return reply.at(etxPosition + 1) == digits[sum >> 4 & 0xF] &&
+           reply.at(etxPosition + 2) == digits[sum & 0xF];
+}
+
+ReplyVerdict judgeDataFrame(const QByteArray& reply)
+{
+    const int etxPosition = reply.size() - trailerLength;
+    if (reply.size() < shortestFrame || reply.front() != stx || reply.at(etxPosition) != etx)
+        return ReplyVerdict::NotAFrame;
+    return sumMatches(reply, etxPosition) ? ReplyVerdict::Good : ReplyVerdict::WrongSum;
+}
+
+}  // namespace
+
+QByteArray requestBytes(const FRAME_PRO& frame)
+{
+    const int byteCount = std::clamp(frame.frameLength, 0, recordBytes);
+    return QByteArray(reinterpret_cast<const char*>(frame.frame), byteCount);
+}
+
+ReplyVerdict judgeReply(const FRAME_PRO& frame, const QByteArray& reply)
+{
+    if (reply.isEmpty())
+        return ReplyVerdict::Silence;
+    if (reply.front() == nak)
+        return ReplyVerdict::Refused;
+    if (hasHighBit(reply))
+        return ReplyVerdict::HighBits;
+    if (reply.startsWith(requestBytes(frame)))
+        return ReplyVerdict::Echo;
+    if (reply.size() < frame.replyLength)
+        return ReplyVerdict::Incomplete;
+    if (reply.size() > frame.replyLength)
+        return ReplyVerdict::TooLong;
+    if (frame.isRead == 0)
+        return reply.front() == ack ? ReplyVerdict::Good : ReplyVerdict::NotAFrame;
+    return judgeDataFrame(reply);
+}
+
+QString verdictText(ReplyVerdict verdict)
+{
+    return QString::fromLatin1(rowOf(verdict).text);
+}
+
+QString verdictName(ReplyVerdict verdict)
+{
+    return QString::fromLatin1(rowOf(verdict).name);
+}
+
+}  // namespace fxtools

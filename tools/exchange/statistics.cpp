@@ -1,0 +1,57 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// See statistics.h.
+
+#include "tools/exchange/statistics.h"
+
+namespace fxtools {
+
+QString kindText(ExchangeKind kind)
+{
+    switch (kind) {
+    case ExchangeKind::Write:
+        return QStringLiteral("write");
+    case ExchangeKind::ConditionalRead:
+        return QStringLiteral("conditional read");
+    case ExchangeKind::CyclicRead:
+        return QStringLiteral("cyclic read");
+    case ExchangeKind::RecipeDownload:
+        return QStringLiteral("recipe download");
+    case ExchangeKind::RecipeUpload:
+        return QStringLiteral("recipe upload");
+    }
+    return {};
+}
+
+void Statistics::add(const Exchange& exchange)
+{
+    KindCounts& counts = kinds[static_cast<size_t>(exchange.kind)];
+    ++counts.sent;
+    counts.accepted += exchange.answer == DriverAnswer::Accepted;
+    counts.repeated += exchange.answer == DriverAnswer::Repeat;
+    counts.failed += exchange.answer == DriverAnswer::Failed;
+    ++verdicts[static_cast<size_t>(exchange.verdict)];
+    bytesSent += exchange.frame.frameLength;
+    bytesReceived += exchange.reply.size() + exchange.thrownAway.size();
+    bytesThrownAway += exchange.thrownAway.size();
+    linksLost += exchange.verdict == ReplyVerdict::LinkLost;
+    if (exchange.answer == DriverAnswer::Accepted)
+        responses.add(exchange.responseUs);
+    else
+        bytesThrownAway += exchange.reply.size();
+}
+
+KindCounts Statistics::total() const
+{
+    KindCounts sum;
+    for (const KindCounts& counts : kinds) {
+        sum.sent += counts.sent;
+        sum.accepted += counts.accepted;
+        sum.repeated += counts.repeated;
+        sum.failed += counts.failed;
+    }
+    return sum;
+}
+
+}  // namespace fxtools

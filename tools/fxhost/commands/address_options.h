@@ -1,0 +1,35 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// The addresses of a command, said in one of two ways: as texts such as D100:32, or by the letters
+// that pollers have in common: -t D -r 100 -c 32, a type, a first number and how many.
+
+#pragma once
+
+#include "tools/fxhost/commands/command.h"
+
+namespace fxtools {
+
+struct AddressOptions
+{
+    std::vector<std::string> addresses;
+    std::string type;   // empty: D
+    std::string first;  // as written, in the number base of the type; empty: not said by letters
+    int registers = 0;  // 0: not said
+
+    bool byLetters() const { return !first.empty(); }
+};
+
+// Adds -t, -r, -c and -0.
+void addAddressLetters(CLI::App& command, AddressOptions& options);
+
+// Adds these and the addresses as arguments.
+void addAddressOptions(CLI::App& command, AddressOptions& options);
+
+// "D100:32" from the letters; throws UsageError when they say only half of it.
+std::string addressOfLetters(const AddressOptions& options);
+
+// All that was asked for; throws UsageError when that is nothing.
+std::vector<std::string> addressesOf(const AddressOptions& options);
+
+}  // namespace fxtools

@@ -1,0 +1,86 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// What every command of fxhost shares: the options that may stand before or behind it, its exit
+// codes, and how it is added to the command line. A file of this folder is one command.
+
+#pragma once
+
+#include "tools/fxhost/views/records.h"
+
+#include <CLI/CLI.hpp>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace fxtools {
+
+// Documented in the manual page; scripts rely on them.
+enum class ExitCode
+{
+    Good = 0,
+    SomeFailed = 1,
+    Usage = 2,
+    LinkNotOpened = 3,
+    Silence = 4,
+    Refused = 5,
+    Damaged = 6,
+    File = 7,
+    Interrupted = 130,
+};
+
+struct CommonOptions
+{
+    std::string library;
+    std::string link;     // empty: what the command takes unless told otherwise
+    int baud = 0;         // 0: the link's own
+    std::string line;     // empty: the link's own
+    std::string parity;   // empty: the link's own
+    int port = 0;         // 0: the link's own
+    int timeoutMs = 0;    // 0: adapts to the line
+    int reconnectS = -1;  // what the command takes unless told otherwise
+    int retries = 2;
+    int wordsPerFrame = 32;
+    OutputOptions output;
+};
+
+constexpr int mostCycles = 1000000000;
+
+// A command line that parses but makes no sense; the text says what would.
+class UsageError : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// What is run once the whole command line was read and found good.
+using Action = std::function<ExitCode()>;
+
+void addLinkOptions(CLI::App& app, CommonOptions& common);
+void addOutputOptions(CLI::App& app, CommonOptions& common);
+
+// Takes "1000", "1000ms" and "1s" for a time in milliseconds.
+CLI::Validator timeInMs();
+
+// Examples below the help of a command; each runs as it stands.
+void addExamples(CLI::App& command, const std::vector<std::string>& examples);
+
+void addCheckCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addDemoCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addDoctorCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addDumpCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addMonitorCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addPlanCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addReadCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addRecipeCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addRecordCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addReplayCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addRestoreCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addSeriesCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addStatsCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addTypesCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addWatchCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addWriteCommand(CLI::App& app, const CommonOptions& common, Action& action);
+
+}  // namespace fxtools

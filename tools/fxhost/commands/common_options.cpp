@@ -1,0 +1,105 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// The options that may stand before or behind every command: the link, and the form of what is
+// printed.
+
+#include "tools/fxhost/commands/command.h"
+
+namespace fxtools {
+
+namespace {
+
+const char* const linkGroup = "Link";
+const char* const outputGroup = "Output";
+constexpr int longestTimeoutMs = 60000;
+constexpr int longestReconnectS = 86400;
+
+void addLineOptions(CLI::App& app, CommonOptions& common)
+{
+    app.add_option("--link", common.link,
+                   "sim: (the default), serial:PATH?baud=9600, tcp:HOST:PORT or pty:PATH")
+        ->type_name("LINK")
+        ->group(linkGroup);
+    app.add_option("-b,--baud", common.baud, "Speed of a serial port, or of the simulator inside")
+        ->type_name("BAUD")
+        ->check(CLI::Range(50, 4000000).description(""))
+        ->group(linkGroup);
+    app.add_option("-P,--parity", common.parity, "Parity of a serial port: even, odd or none")
+        ->type_name("PARITY")
+        ->transform(CLI::IsMember({"even", "odd", "none"}, CLI::ignore_case).description(""))
+        ->group(linkGroup);
+    app.add_option("--line", common.line, "Data bits, parity and stop bits of a serial port: 7E1")
+        ->type_name("7E1")
+        ->group(linkGroup);
+    app.add_option("-p,--port", common.port, "Port of a TCP link; 8888")
+        ->type_name("PORT")
+        ->check(CLI::Range(1, 65535).description(""))
+        ->group(linkGroup);
+}
+
+void addPatienceOptions(CLI::App& app, CommonOptions& common)
+{
+    app.add_option("-o,--timeout", common.timeoutMs,
+                   "Wait so long for an answer, in milliseconds or as 0.5s; adapts unless given")
+        ->type_name("MS")
+        ->transform(timeInMs())
+        ->check(CLI::Range(1, longestTimeoutMs).description(""))
+        ->group(linkGroup);
+    app.add_option("--retries", common.retries, "How often a frame is sent again; 2")
+        ->type_name("N")
+        ->check(CLI::Range(0, 100).description(""))
+        ->group(linkGroup);
+    app.add_option(
+           "--reconnect-s", common.reconnectS,
+           "Await a lost link, or one that is not there yet, so many seconds; 0 not at all. "
+           "Unless given: a lost one 30 seconds, or without end by watch, monitor, stats "
+           "and record; one that is not there yet not at all")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(0, longestReconnectS).description(""))
+        ->group(linkGroup);
+    app.add_option("--words", common.wordsPerFrame, "Words in one frame; 32")
+        ->type_name("N")
+        ->check(CLI::Range(1, 253).description(""))
+        ->group(linkGroup);
+}
+
+}  // namespace
+
+CLI::Validator timeInMs()
+{
+    return CLI::AsNumberWithUnit(std::map<std::string, double>{{"ms", 1}, {"s", 1000}},
+                                 CLI::AsNumberWithUnit::CASE_INSENSITIVE)
+        .description("");
+}
+
+void addLinkOptions(CLI::App& app, CommonOptions& common)
+{
+    addLineOptions(app, common);
+    addPatienceOptions(app, common);
+}
+
+void addOutputOptions(CLI::App& app, CommonOptions& common)
+{
+    OutputOptions& output = common.output;
+    app.add_flag_callback(
+           "--json", [&output] { output.mode = OutputMode::Json; }, "JSON, for programs")
+        ->group(outputGroup);
+    app.add_flag_callback(
+           "--csv", [&output] { output.mode = OutputMode::Csv; }, "CSV, for spreadsheets")
+        ->group(outputGroup);
+    app.add_flag("--timestamps", output.timestamps, "The time in front of everything")
+        ->group(outputGroup);
+    app.add_flag("-q,--quiet", output.quiet, "No titles, progress and closing words")
+        ->group(outputGroup);
+}
+
+void addExamples(CLI::App& command, const std::vector<std::string>& examples)
+{
+    std::string text = "Examples:\n";
+    for (const std::string& example : examples)
+        text += "  " + example + '\n';
+    command.footer(text + "\nOptions of the link and of the output: fxhost --help");
+}
+
+}  // namespace fxtools

@@ -1,0 +1,96 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// fxhost demo: everything that the driver does, shown on a simulated PLC in half a minute.
+
+#include "tools/fxhost/commands/connection.h"
+#include "tools/fxhost/demo/chapters.h"
+#include "tools/link/interrupt.h"
+
+#include <memory>
+
+namespace fxtools {
+
+namespace {
+
+constexpr int liveValuesMs = 6000;
+const QString simulatedLine = QStringLiteral("sim:?baud=9600");
+
+struct DemoOptions
+{
+    bool live = false;
+    std::string control;
+};
+
+// The other side of the PLC: of the simulator inside, or of one whose control socket was named.
+class Control
+{
+public:
+    Control(Link& link, const std::string& path)
+    {
+        if (!path.empty())
+            m_socket = std::make_unique<SocketBenchControl>(QString::fromStdString(path));
+        m_control = m_socket ? m_socket.get() : dynamic_cast<BenchControl*>(&link);
+    }
+    BenchControl* get() const { return m_control; }
+
+private:
+    std::unique_ptr<SocketBenchControl> m_socket;
+    BenchControl* m_control = nullptr;
+};
+
+void showChapters(DemoBench& bench, bool live)
+{
+    using Chapter = std::function<void(DemoBench&)>;
+    const Chapter chapters[] = {showRegisterTypes,
+                                showPlan,
+                                [](DemoBench& b) { showLiveValues(b, liveValuesMs); },
+                                showWrites,
+                                showConditionalRead,
+                                showRecipe,
+                                showTrouble};
+    for (const Chapter& chapter : chapters) {
+        if (interrupted() || !bench.linkIsGood())
+            break;
+        chapter(bench);
+    }
+    if (!interrupted())
+        bench.confirm(bench.linkIsGood(), QStringLiteral("the link held to the end"));
+    if (live && !interrupted() && bench.linkIsGood())
+        showLiveValues(bench, -1);
+    showSummary(bench);
+}
+
+ExitCode runDemo(const CommonOptions& common, const DemoOptions& options)
+{
+    Connection connection(common, simulatedLine);
+    connection.loop().onLinkLost = nullptr;  // a lost link is a finding of the demo
+    const Control control(connection.link(), options.control);
+    DemoBench bench(connection.loop(), connection.catalogue(), control.get());
+    bench.console().line(QStringLiteral("driver %1\nlink   %2, property string \"%3\"")
+                             .arg(connection.library().fileName(), connection.link().name(),
+                                  connection.session().propertyString()));
+    showChapters(bench, options.live);
+    if (interrupted() && !options.live)
+        return ExitCode::Interrupted;
+    return bench.refuted() > 0 ? ExitCode::SomeFailed : ExitCode::Good;
+}
+
+}  // namespace
+
+void addDemoCommand(CLI::App& app, const CommonOptions& common, Action& action)
+{
+    CLI::App* command = app.add_subcommand("demo", "Show everything on a simulated PLC");
+    const auto options = std::make_shared<DemoOptions>();
+    command->add_flag("--live", options->live, "Go on with live values until Ctrl-C");
+    command
+        ->add_option("--control", options->control,
+                     "Control socket of the simulator at the other end of the link")
+        ->type_name("PATH");
+    addExamples(*command, {"fxhost demo"});
+    command->callback([&action, &common, options] {
+        action = [&common, options] { return runDemo(common, *options); };
+    });
+}
+
+}  // namespace fxtools

@@ -1,0 +1,185 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// fxhost dump: whole ranges of registers into a file, a frame at a time, so that an interrupted
+// dump can be resumed. What cannot be read is noted in the file and left out.
+
+#include "tools/fxhost/commands/address_options.h"
+#include "tools/fxhost/commands/poll_result.h"
+#include "tools/fxhost/commands/progress.h"
+#include "tools/library/register_file.h"
+#include "tools/link/interrupt.h"
+
+#include <QSet>
+
+namespace fxtools {
+
+namespace {
+
+constexpr int silentPortionsUntilEnd = 3;
+
+struct DumpOptions
+{
+    std::string file;
+    AddressOptions addresses;
+    bool resume = false;
+};
+
+// Pieces that take one frame each.
+QVector<RegisterRange> portionsOf(const QVector<RegisterRange>& ranges, int wordsPerFrame)
+{
+    QVector<RegisterRange> portions;
+    for (const RegisterRange& range : ranges) {
+        const int most = range.type.mostInFrame(wordsPerFrame);
+        for (int done = 0; done < range.count; done += most)
+            portions.append(range.part(done, std::min(most, range.count - done)));
+    }
+    return portions;
+}
+
+// The names of the registers that a file holds already.
+QSet<QString> namesIn(const QString& path, const Connection& connection)
+{
+    QSet<QString> names;
+    if (!QFile::exists(path))
+        return names;
+    for (const RegisterRun& run :
+         readRegisterFile(path, connection.catalogue(), connection.library(), 1))
+        names.insert(run.range.nameOf(0));
+    return names;
+}
+
+bool isDumped(const RegisterRange& portion, const QSet<QString>& names)
+{
+    for (int index = 0; index < portion.count; ++index) {
+        if (!names.contains(portion.nameOf(index)))
+            return false;
+    }
+    return true;
+}
+
+class Dumper
+{
+public:
+    Dumper(Connection& connection, const QString& path, bool resume)
+        : m_connection(connection), m_path(path),
+          m_file(path,
+                 resume ? RegisterFileWriter::Mode::Append : RegisterFileWriter::Mode::Replace)
+    {
+        if (resume)
+            m_done = namesIn(path, connection);
+    }
+
+    // Why there is no use in going on, or nothing; the portion is not in the file then.
+    std::optional<ReplyVerdict> dump(const RegisterRange& portion);
+    void finish() { m_file.finish(); }
+    const PollResult& result() const { return m_result; }
+    int alreadyThere() const { return m_done.size(); }
+
+private:
+    void keep(const Poller& poller, const RegisterRange& portion);
+
+    Connection& m_connection;
+    QString m_path;
+    RegisterFileWriter m_file;
+    QSet<QString> m_done;
+    PollResult m_result;
+    int m_silentPortions = 0;  // in a row
+};
+
+std::optional<ReplyVerdict> Dumper::dump(const RegisterRange& portion)
+{
+    if (isDumped(portion, m_done))
+        return std::nullopt;
+    Poller poller(m_connection.loop(), m_connection.catalogue(), {portion});
+    if (!poller.poll())
+        return ReplyVerdict::LinkLost;
+    const bool silent = poller.problemOf(portion, 0) == ReplyVerdict::Silence;
+    m_silentPortions = silent ? m_silentPortions + 1 : 0;
+    if (m_silentPortions == silentPortionsUntilEnd || (silent && m_result.good() == 0))
+        return ReplyVerdict::Silence;
+    keep(poller, portion);
+    return std::nullopt;
+}
+
+void Dumper::keep(const Poller& poller, const RegisterRange& portion)
+{
+    const QVector<quint32> values = poller.values(portion);
+    const QVector<PolledValue> polled = polledValues(poller, portion, ValueFormat::Unsigned);
+    for (int index = 0; index < portion.count; ++index) {
+        const PolledValue& one = polled[index];
+        if (m_done.contains(one.name))
+            continue;
+        m_result.count(one);
+        if (one.problem)
+            m_file.addComment(one.name + ": " + verdictText(*one.problem));
+        else
+            m_file.add(one.name, values[index]);
+    }
+}
+
+ExitCode stopped(const Dumper& dumper, const QString& path, const RegisterRange& portion,
+                 ReplyVerdict problem)
+{
+    const bool holdsSome = dumper.result().good() + dumper.alreadyThere() > 0;
+    const QString reason = interrupted() ? QStringLiteral("interrupted") : verdictText(problem);
+    complain(
+        holdsSome
+            ? QStringLiteral("%1: %2 holds what could be read before %3; go on with --resume")
+                  .arg(reason, path, portion.nameOf(0))
+            : QStringLiteral("%1: nothing was read, and nothing written to %2").arg(reason, path));
+    return interrupted() ? ExitCode::Interrupted : exitCodeOf(problem);
+}
+
+QString resultText(const PollResult& result, int alreadyThere)
+{
+    QString text = QStringLiteral("%1 registers read").arg(result.good());
+    if (result.failed() > 0)
+        text += QStringLiteral(", %1 could not be").arg(result.failed());
+    if (alreadyThere > 0)
+        text += QStringLiteral(", %1 were in it already").arg(alreadyThere);
+    return text;
+}
+
+ExitCode runDump(const CommonOptions& common, const DumpOptions& options)
+{
+    Connection connection(common);
+    const QString path = QString::fromStdString(options.file);
+    const QVector<RegisterRange> portions =
+        portionsOf(connection.ranges(addressesOf(options.addresses)), common.wordsPerFrame);
+    Dumper dumper(connection, path, options.resume);
+    const Progress progress = progressOf(common.output, QStringLiteral("dump"));
+    for (int portion = 0; portion < portions.size(); ++portion) {
+        progress(portion, portions.size());
+        const std::optional<ReplyVerdict> problem = dumper.dump(portions[portion]);
+        if (problem)
+            return stopped(dumper, path, portions[portion], *problem);
+    }
+    dumper.finish();
+    progress(portions.size(), portions.size());
+    const PollResult& result = dumper.result();
+    showResult(common.output, "  " + path + ": " + resultText(result, dumper.alreadyThere()),
+               {{"file", path},
+                {"read", result.good()},
+                {"failed", result.failed()},
+                {"alreadyThere", dumper.alreadyThere()}});
+    return result.exitCode();
+}
+
+}  // namespace
+
+void addDumpCommand(CLI::App& app, const CommonOptions& common, Action& action)
+{
+    CLI::App* command = app.add_subcommand("dump", "Read ranges into a file");
+    const auto options = std::make_shared<DumpOptions>();
+    command->add_option("file", options->file, "CSV file to write")->type_name("")->required();
+    addAddressOptions(*command, options->addresses);
+    command->add_flag("--resume", options->resume, "Go on with a file that was begun");
+    addExamples(*command, {"fxhost dump plc.csv D100:512 M64:64",
+                           "fxhost dump plc.csv D100:1024 M64:64 --resume"});
+    command->callback([&action, &common, options] {
+        action = [&common, options] { return runDump(common, *options); };
+    });
+}
+
+}  // namespace fxtools

@@ -1,0 +1,146 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// fxhost monitor: every frame of a polling host and its answer, made visible, with times.
+
+#include "tools/fxhost/commands/address_options.h"
+#include "tools/fxhost/commands/poll_result.h"
+#include "tools/fxhost/views/frame_text.h"
+#include "tools/link/interrupt.h"
+
+#include <cmath>
+#include <optional>
+
+namespace fxtools {
+
+namespace {
+
+struct MonitorOptions
+{
+    AddressOptions addresses;
+    int cycles = 1;
+};
+
+double milliseconds(qint64 timeUs)
+{
+    return std::round(static_cast<double>(timeUs) / 10.0) / 100.0;  // two decimals
+}
+
+// What was read or written, one number a register; nothing where the PLC did not say.
+QVector<quint32> valuesOf(const Connection& connection, const Exchange& exchange)
+{
+    if (exchange.answer != DriverAnswer::Accepted)
+        return {};
+    return connection.session().values(requestRange(connection.catalogue(), exchange.frame));
+}
+
+QString valuesText(const QVector<quint32>& values, const RegisterType& type)
+{
+    if (type.isBit())
+        return bitsText(values);
+    QStringList texts;
+    for (const quint32 value : values)
+        texts += QString::number(value);
+    return texts.join(' ');
+}
+
+class Monitor
+{
+public:
+    Monitor(const Connection& connection, const OutputOptions& output)
+        : m_connection(connection), m_output(output)
+    {
+        if (output.mode != OutputMode::People) {
+            m_records.emplace(output,
+                              QVector<Table::Column>{{"ms"},
+                                                     {"request"},
+                                                     {"sent"},
+                                                     {"received"},
+                                                     {"verdict"},
+                                                     {"answer"},
+                                                     {"took"},
+                                                     {"values"}},
+                              Records::Shown::AtOnce);
+        }
+    }
+
+    void show(const Exchange& exchange);
+
+private:
+    void showLine(const Exchange& exchange, const QString& values) const;
+
+    const Connection& m_connection;
+    OutputOptions m_output;
+    std::optional<Records> m_records;
+};
+
+void Monitor::show(const Exchange& exchange)
+{
+    const RegisterType type = requestRange(m_connection.catalogue(), exchange.frame).type;
+    const QString values = valuesText(valuesOf(m_connection, exchange), type);
+    if (!m_records) {
+        showLine(exchange, values);
+        return;
+    }
+    m_records->add(
+        {milliseconds(exchange.startedUs), requestText(m_connection.catalogue(), exchange.frame),
+         visibleBytes(requestBytes(exchange.frame)),
+         visibleBytes(exchange.reply + exchange.thrownAway), verdictText(exchange.verdict),
+         answerText(exchange.answer), milliseconds(exchange.responseUs), values});
+}
+
+// "0.52 ms  read D0 … D2  ␂0100006␃5A → ␂000001000400␃48  good after 0.31 ms, accepted: 0 1 4"
+void Monitor::showLine(const Exchange& exchange, const QString& values) const
+{
+    const QByteArray received = exchange.reply + exchange.thrownAway;
+    const QString time = m_output.timestamps ? timestamp() + "  " : QString();
+    const QString request = requestText(m_connection.catalogue(), exchange.frame);
+    const QString line =
+        QStringLiteral("%1%2 ms  %3  %4 → %5  %6 after %7 ms, %8")
+            .arg(time)
+            .arg(milliseconds(exchange.startedUs), 0, 'f', 2)
+            .arg(request, visibleBytes(requestBytes(exchange.frame)),
+                 received.isEmpty() ? QStringLiteral("nothing") : visibleBytes(received),
+                 verdictText(exchange.verdict))
+            .arg(milliseconds(exchange.responseUs), 0, 'f', 2)
+            .arg(answerText(exchange.answer));
+    Console().line(values.isEmpty() ? line : line + ": " + values);
+}
+
+ExitCode runMonitor(const CommonOptions& common, const MonitorOptions& options)
+{
+    Connection connection(common);
+    connection.waitForLinkWithoutEnd();
+    Monitor monitor(connection, common.output);
+    connection.loop().onExchange = [&monitor](const Exchange& exchange) { monitor.show(exchange); };
+    const int blocks =
+        connection.session().setPlan(connection.ranges(addressesOf(options.addresses)));
+    for (int cycle = 0; options.cycles == 0 || cycle < options.cycles; ++cycle) {
+        const Round round = pollCycle(connection.loop(), blocks);
+        if (interrupted())
+            return ExitCode::Interrupted;
+        if (round.linkLost)
+            return ExitCode::LinkNotOpened;
+    }
+    return exitCodeOf(connection.loop().statistics());
+}
+
+}  // namespace
+
+void addMonitorCommand(CLI::App& app, const CommonOptions& common, Action& action)
+{
+    CLI::App* command = app.add_subcommand("monitor", "Show every frame and its answer");
+    const auto options = std::make_shared<MonitorOptions>();
+    addAddressOptions(*command, options->addresses);
+    command
+        ->add_option("-n,--count", options->cycles,
+                     "Polling cycles; 1 unless given, 0 until Ctrl-C")
+        ->type_name("N")
+        ->check(CLI::Range(0, mostCycles).description(""));
+    addExamples(*command, {"fxhost monitor D100:2 X0", "fxhost monitor D0:32 -n 3 --timestamps"});
+    command->callback([&action, &common, options] {
+        action = [&common, options] { return runMonitor(common, *options); };
+    });
+}
+
+}  // namespace fxtools

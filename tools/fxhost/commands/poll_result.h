@@ -1,0 +1,50 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// The values of one polling cycle as commands show them, and what the cycle means for the exit
+// code.
+
+#pragma once
+
+#include "tools/exchange/poller.h"
+#include "tools/fxhost/commands/connection.h"
+#include "tools/library/values.h"
+
+namespace fxtools {
+
+struct PolledValue
+{
+    QString name;
+    QJsonValue value = QJsonValue::Undefined;  // undefined when it was not read
+    std::optional<ReplyVerdict> problem;
+
+    QJsonValue error() const;  // the problem's text, or undefined
+};
+
+QVector<PolledValue> polledValues(const Poller& poller, const RegisterRange& range,
+                                  ValueFormat format);
+
+// --as FORMAT
+void addFormatOption(CLI::App& command, ValueFormat& format);
+
+// Throws UsageError when a value of this format would reach past the end of a range.
+void needWholeValues(const QVector<RegisterRange>& ranges, ValueFormat format);
+
+class PollResult
+{
+public:
+    void count(const PolledValue& polled);
+
+    int good() const { return m_good; }
+    int failed() const { return m_failed; }
+
+    // Good; or that some values failed; or, when all failed, the reason of the first.
+    ExitCode exitCode() const;
+
+private:
+    int m_good = 0;
+    int m_failed = 0;
+    std::optional<ReplyVerdict> m_firstProblem;
+};
+
+}  // namespace fxtools

@@ -1,0 +1,178 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// fxhost recipe: blocks of words between a CSV file and the PLC, by the driver's recipe transfer.
+
+#include "tools/exchange/recipe_transfer.h"
+#include "tools/fxhost/commands/address_options.h"
+#include "tools/fxhost/commands/poll_result.h"
+#include "tools/fxhost/commands/progress.h"
+#include "tools/library/register_file.h"
+#include "tools/link/interrupt.h"
+
+namespace fxtools {
+
+namespace {
+
+struct RecipeOptions
+{
+    std::string file;
+    AddressOptions addresses;
+};
+
+void needWords(const QVector<RegisterRange>& entries)
+{
+    for (const RegisterRange& entry : entries) {
+        if (entry.type.isBit())
+            throw UsageError(entry.text().toStdString() + ": a recipe carries words, no bits");
+    }
+}
+
+// "D1000:32 may have arrived" of an entry that was sent without a clear answer.
+QString stoppedText(const RecipeOutcome& outcome, RecipeDirection direction,
+                    const QVector<RegisterRange>& entries)
+{
+    const QString entry = entries.value(outcome.transferred).text();
+    const QString reason =
+        interrupted() ? QStringLiteral("interrupted") : verdictText(*outcome.problem);
+    QString text = QStringLiteral("%1: %2; %3 of %4 entries were transferred")
+                       .arg(entry, reason)
+                       .arg(outcome.transferred)
+                       .arg(outcome.entries);
+    if (direction == RecipeDirection::Upload)
+        return text + ", the file is as it was";
+    if (outcome.transferred > 0)
+        text += ", up to " + entries[outcome.transferred - 1].text();
+    return outcome.problem == ReplyVerdict::Refused ? text : text + "; this one may have arrived";
+}
+
+ExitCode finish(const CommonOptions& common, RecipeDirection direction,
+                const RecipeOutcome& outcome, const QVector<RegisterRange>& entries)
+{
+    if (!outcome.isGood()) {
+        complain(stoppedText(outcome, direction, entries));
+        return interrupted() ? ExitCode::Interrupted : exitCodeOf(*outcome.problem);
+    }
+    int registers = 0;
+    for (const RegisterRange& entry : entries)
+        registers += entry.count;
+    const QString what =
+        direction == RecipeDirection::Download ? "written to the PLC" : "read from the PLC";
+    showResult(common.output, QStringLiteral("  %1 registers %2").arg(registers).arg(what),
+               {{"entries", outcome.entries}, {"registers", registers}});
+    return ExitCode::Good;
+}
+
+int wordsPerRegister(const RegisterRange& range)
+{
+    return range.type.driverCount(1);
+}
+
+void load(const QVector<RegisterRun>& runs, std::vector<quint16>& memory)
+{
+    size_t word = 0;
+    for (const RegisterRun& run : runs) {
+        const int words = wordsPerRegister(run.range);
+        if (memory.size() - word <
+            static_cast<size_t>(words) * static_cast<size_t>(run.values.size()))
+            throw FileError("the recipe is longer than the recipe memory: 65536 words");
+        for (const quint32 value : run.values) {
+            memory[word++] = static_cast<quint16>(value & 0xFFFF);
+            if (words == 2)
+                memory[word++] = static_cast<quint16>(value >> 16);
+        }
+    }
+}
+
+ExitCode runDownload(const CommonOptions& common, const RecipeOptions& options)
+{
+    Connection connection(common);
+    const QString path = QString::fromStdString(options.file);
+    const QVector<RegisterRun> runs = readRegisterFile(
+        path, connection.catalogue(), connection.library(), common.wordsPerFrame / 2);
+    checkWritable(path, runs);
+    QVector<RegisterRange> entries;
+    for (const RegisterRun& run : runs)
+        entries.append(run.range);
+    needWords(entries);
+    load(runs, connection.session().recipeWords());
+    const RecipeOutcome outcome =
+        transferRecipe(connection.loop(), RecipeDirection::Download, entries,
+                       progressOf(common.output, QStringLiteral("download")));
+    return finish(common, RecipeDirection::Download, outcome, entries);
+}
+
+QVector<RegisterRun> runsOf(const QVector<RegisterRange>& entries,
+                            const std::vector<quint16>& memory)
+{
+    QVector<RegisterRun> runs;
+    size_t word = 0;
+    for (const RegisterRange& entry : entries) {
+        RegisterRun run{entry, {}};
+        for (int index = 0; index < entry.count; ++index) {
+            quint32 value = memory.at(word++);
+            if (wordsPerRegister(entry) == 2)
+                value |= static_cast<quint32>(memory.at(word++)) << 16;
+            run.values.append(value);
+        }
+        runs.append(run);
+    }
+    return runs;
+}
+
+// Entries that fit a frame, counters of four bytes included.
+QVector<RegisterRange> cut(const QVector<RegisterRange>& ranges, int mostWords)
+{
+    QVector<RegisterRange> entries;
+    for (const RegisterRange& range : ranges) {
+        const int most = range.type.mostInFrame(mostWords);
+        for (int done = 0; done < range.count; done += most)
+            entries.append(range.part(done, std::min(most, range.count - done)));
+    }
+    return entries;
+}
+
+ExitCode runUpload(const CommonOptions& common, const RecipeOptions& options)
+{
+    Connection connection(common);
+    const QVector<RegisterRange> entries =
+        cut(connection.ranges(addressesOf(options.addresses)), common.wordsPerFrame);
+    needWords(entries);
+    const QString path = QString::fromStdString(options.file);
+    checkPlace(path);
+    const RecipeOutcome outcome =
+        transferRecipe(connection.loop(), RecipeDirection::Upload, entries,
+                       progressOf(common.output, QStringLiteral("upload")));
+    if (outcome.isGood())  // half a recipe would look like a whole one
+        saveRegisterFile(path, runsOf(entries, connection.session().recipeWords()));
+    return finish(common, RecipeDirection::Upload, outcome, entries);
+}
+
+}  // namespace
+
+void addRecipeCommand(CLI::App& app, const CommonOptions& common, Action& action)
+{
+    CLI::App* command = app.add_subcommand("recipe", "Transfer recipes");
+    command->require_subcommand(1);
+    const auto options = std::make_shared<RecipeOptions>();
+
+    CLI::App* download = command->add_subcommand("download", "From a file to the PLC");
+    download->add_option("file", options->file, "CSV file: ADDRESS,VALUE a line")
+        ->type_name("")
+        ->required();
+    addExamples(*download,
+                {"fxhost recipe upload recipe.csv D1000:64", "fxhost recipe download recipe.csv"});
+    download->callback([&action, &common, options] {
+        action = [&common, options] { return runDownload(common, *options); };
+    });
+
+    CLI::App* upload = command->add_subcommand("upload", "From the PLC to a file");
+    upload->add_option("file", options->file, "CSV file to write")->type_name("")->required();
+    addAddressOptions(*upload, options->addresses);
+    addExamples(*upload, {"fxhost recipe upload recipe.csv D1000:64 32CV200:4"});
+    upload->callback([&action, &common, options] {
+        action = [&common, options] { return runUpload(common, *options); };
+    });
+}
+
+}  // namespace fxtools

@@ -1,0 +1,166 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// fxhost record: polls and keeps every exchange in a file.
+// fxhost replay: runs such a file through the driver without a PLC, and compares: the driver must
+// ask for the same frames and judge the same replies alike.
+
+#include "tools/exchange/recording.h"
+#include "tools/fxhost/commands/address_options.h"
+#include "tools/fxhost/commands/poll_result.h"
+#include "tools/fxhost/views/frame_text.h"
+#include "tools/library/addresses.h"
+#include "tools/library/register_file.h"
+#include "tools/link/interrupt.h"
+
+namespace fxtools {
+
+namespace {
+
+struct RecordOptions
+{
+    std::string file;
+    AddressOptions addresses;
+    int cycles = 10;
+};
+
+ExitCode poll(Connection& connection, int blocks, int cycles)
+{
+    for (int cycle = 0; cycles == 0 || cycle < cycles; ++cycle) {
+        const Round round = pollCycle(connection.loop(), blocks);
+        if (interrupted())
+            return ExitCode::Interrupted;
+        if (round.linkLost)
+            return ExitCode::LinkNotOpened;
+        if (exitCodeOf(connection.loop().statistics()) == ExitCode::Silence)
+            break;  // a PLC that has never answered
+    }
+    return exitCodeOf(connection.loop().statistics());
+}
+
+ExitCode runRecord(const CommonOptions& common, const RecordOptions& options)
+{
+    Connection connection(common);
+    connection.waitForLinkWithoutEnd();
+    const QVector<RegisterRange> ranges = connection.ranges(addressesOf(options.addresses));
+    QStringList addresses;
+    for (const RegisterRange& range : ranges)
+        addresses += range.text();
+    const int blocks = connection.session().setPlan(ranges);
+    const QString path = QString::fromStdString(options.file);
+    Recorder recorder(path, connection.session().propertyString(), addresses);
+    int exchanges = 0;
+    connection.loop().onExchange = [&](const Exchange& exchange) {
+        if (exchange.answer == DriverAnswer::NoFrame)
+            return;  // the driver never saw what a lost link ate
+        recorder.add(exchange);
+        ++exchanges;
+    };
+    const ExitCode code = poll(connection, blocks, options.cycles);
+    const qint64 good = connection.loop().statistics().total().accepted;
+    showResult(common.output,
+               QStringLiteral("  %1: %2 exchanges kept, %3 of them good")
+                   .arg(path)
+                   .arg(exchanges)
+                   .arg(good),
+               {{"file", path}, {"exchanges", exchanges}, {"good", good}});
+    return code;
+}
+
+// What the driver does otherwise than recorded; empty when it does the same.
+QString difference(const DriverLibrary& library, const RecordedExchange& recorded)
+{
+    FRAME_PRO frame;
+    if (library.getSendFrame(&frame) != 1)
+        return QStringLiteral("the driver sends nothing");
+    if (requestBytes(frame) != recorded.sent) {
+        return QStringLiteral("the driver sends %1 instead of %2")
+            .arg(visibleBytes(requestBytes(frame)), visibleBytes(recorded.sent));
+    }
+    QByteArray reply = recorded.handed;
+    QString text;
+    const int answer = library.dealRcvFrame(reply, text);
+    if (answer != recorded.answer || text != recorded.text) {
+        return QStringLiteral("the driver answers %1 '%2' instead of %3 '%4'")
+            .arg(answer)
+            .arg(text)
+            .arg(recorded.answer)
+            .arg(recorded.text);
+    }
+    return {};
+}
+
+// The plan that was polled; what is wrong with it is the file's fault.
+QVector<RegisterRange> recordedRanges(const AddressServices& services, const Recording& recording,
+                                      const QString& path)
+{
+    QVector<RegisterRange> ranges;
+    try {
+        for (const QString& address : recording.addresses)
+            ranges.append(services.parse(address.toStdString()));
+    } catch (const AddressError& error) {
+        throw FileError(path.toStdString() + ", line 1: " + error.what());
+    }
+    return ranges;
+}
+
+ExitCode runReplay(const CommonOptions& common, const std::string& file)
+{
+    const QString path = QString::fromStdString(file);
+    const AddressServices services(common);
+    const Recording recording = readRecording(path);
+    DriverSession session(services.library, {recording.failLimit, recording.wordsPerFrame});
+    session.setPlan(recordedRanges(services, recording, path));
+    int alike = 0;
+    for (const RecordedExchange& recorded : recording.exchanges) {
+        const QString text = difference(services.library, recorded);
+        if (!text.isEmpty()) {
+            complain(QStringLiteral("%1, line %2: %3").arg(path).arg(recorded.line).arg(text));
+            break;
+        }
+        ++alike;
+    }
+    const int all = recording.exchanges.size();
+    const QString words = alike == all ? QStringLiteral("%1 exchanges, all alike").arg(all)
+                                       : QStringLiteral("%1 of %2 exchanges were alike, then one "
+                                                        "differed")
+                                             .arg(alike)
+                                             .arg(all);
+    showResult(common.output, words, {{"exchanges", all}, {"alike", alike}});
+    return alike == all ? ExitCode::Good : ExitCode::SomeFailed;
+}
+
+}  // namespace
+
+void addRecordCommand(CLI::App& app, const CommonOptions& common, Action& action)
+{
+    CLI::App* command = app.add_subcommand("record", "Keep the exchanges of a session in a file");
+    const auto options = std::make_shared<RecordOptions>();
+    command->add_option("file", options->file, "File to write, a JSON object a line")
+        ->type_name("")
+        ->required();
+    addAddressOptions(*command, options->addresses);
+    command
+        ->add_option("-n,--count", options->cycles,
+                     "Polling cycles; 10 unless given, 0 until Ctrl-C")
+        ->type_name("N")
+        ->check(CLI::Range(0, mostCycles).description(""));
+    addExamples(*command, {"fxhost record session.jsonl D0:64 X0:8 -n 20"});
+    command->callback([&action, &common, options] {
+        action = [&common, options] { return runRecord(common, *options); };
+    });
+}
+
+void addReplayCommand(CLI::App& app, const CommonOptions& common, Action& action)
+{
+    CLI::App* command = app.add_subcommand("replay", "Run a recording through the driver");
+    const auto file = std::make_shared<std::string>();
+    command->add_option("file", *file, "File that record wrote")->type_name("")->required();
+    addExamples(*command,
+                {"fxhost record session.jsonl D0:64 X0:8", "fxhost replay session.jsonl"});
+    command->callback([&action, &common, file] {
+        action = [&common, file] { return runReplay(common, *file); };
+    });
+}
+
+}  // namespace fxtools

@@ -1,0 +1,148 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// fxhost restore: the registers of a file back into the PLC, a frame at a time, each read back.
+// Stops at the first that does not arrive, and says up to where the PLC was written. Those that the
+// PLC's own program writes are named at the end.
+
+#include "tools/fxhost/commands/connection.h"
+#include "tools/fxhost/commands/progress.h"
+#include "tools/fxhost/commands/write_report.h"
+#include "tools/library/register_file.h"
+#include "tools/link/interrupt.h"
+
+#include <QJsonArray>
+
+namespace fxtools {
+
+namespace {
+
+constexpr int mostNames = 8;  // of registers in one message
+
+struct RestoreOptions
+{
+    std::string file;
+    std::string from;
+};
+
+// The runs from a register on, which must be in one of them.
+QVector<RegisterRun> runsFrom(const QVector<RegisterRun>& runs, const RegisterRange& from)
+{
+    QVector<RegisterRun> left;
+    for (const RegisterRun& run : runs) {
+        const int offset = from.first - run.range.first;
+        const bool isHere = run.range.type.name == from.type.name &&
+                            run.range.station == from.station && offset >= 0 &&
+                            offset < run.range.count;
+        if (!left.isEmpty())
+            left.append(run);
+        else if (isHere)
+            left.append({run.range.part(offset, run.range.count - offset), run.values.mid(offset)});
+    }
+    if (left.isEmpty())
+        throw UsageError("--from " + from.text().toStdString() + ": the file does not hold it");
+    return left;
+}
+
+struct Failure
+{
+    QString text;
+    ExitCode code = ExitCode::SomeFailed;
+};
+
+QString reasonText(ReplyVerdict verdict)
+{
+    return interrupted() ? QStringLiteral("interrupted") : verdictText(verdict);
+}
+
+QStringList namesOfDifferent(const RegisterRun& run, const QVector<quint32>& held)
+{
+    QStringList names;
+    for (int index = 0; index < run.values.size(); ++index) {
+        if (held[index] != run.values[index])
+            names.append(run.range.nameOf(index));
+    }
+    return names;
+}
+
+// Nothing when the PLC took what was written and was asked what it holds then.
+std::optional<Failure> restoreRun(Connection& connection, const RegisterRun& run,
+                                  QStringList& different)
+{
+    const WriteOutcome outcome = writeRegisters(connection.loop(), run.range, run.values);
+    if (!outcome.isGood())
+        return Failure{failureText(outcome), exitCodeOf(*outcome.problem)};
+    const ReplyVerdict verdict = readOnce(connection.loop(), run.range);
+    if (verdict != ReplyVerdict::Good)
+        return Failure{"written, but not read back: " + reasonText(verdict), exitCodeOf(verdict)};
+    different += namesOfDifferent(run, connection.session().values(run.range));
+    return std::nullopt;
+}
+
+ExitCode stopped(const RegisterRun& run, const Failure& failure)
+{
+    complain(QStringLiteral("%1: %2; what stands before it in the file was written and read back, "
+                            "go on with --from %3")
+                 .arg(run.range.text(), failure.text, run.range.nameOf(0)));
+    return interrupted() ? ExitCode::Interrupted : failure.code;
+}
+
+ExitCode finished(const CommonOptions& common, const QString& path, int registers,
+                  const QStringList& different)
+{
+    showResult(common.output,
+               QStringLiteral("  %1: %2 registers written and read back").arg(path).arg(registers),
+               {{"file", path},
+                {"written", registers},
+                {"different", QJsonArray::fromStringList(different)}});
+    if (different.isEmpty())
+        return ExitCode::Good;
+    const int unnamed = different.size() - mostNames;
+    complain(different.mid(0, mostNames).join(", ") +
+             (unnamed > 0 ? QStringLiteral(" and %1 more").arg(unnamed) : QString()) +
+             ": written, but other values were read back; does the PLC's program write there?");
+    return ExitCode::SomeFailed;
+}
+
+ExitCode runRestore(const CommonOptions& common, const RestoreOptions& options)
+{
+    Connection connection(common);
+    const QString path = QString::fromStdString(options.file);
+    QVector<RegisterRun> runs = readRegisterFile(path, connection.catalogue(), connection.library(),
+                                                 common.wordsPerFrame / 2);
+    checkWritable(path, runs);
+    if (!options.from.empty())
+        runs = runsFrom(runs, connection.ranges({options.from}).first());
+    const Progress progress = progressOf(common.output, QStringLiteral("restore"));
+    QStringList different;
+    int registers = 0;
+    for (int done = 0; done < runs.size(); ++done) {
+        progress(done, runs.size());
+        const std::optional<Failure> failure = restoreRun(connection, runs[done], different);
+        if (failure)
+            return stopped(runs[done], *failure);
+        registers += runs[done].range.count;
+    }
+    progress(runs.size(), runs.size());
+    return finished(common, path, registers, different);
+}
+
+}  // namespace
+
+void addRestoreCommand(CLI::App& app, const CommonOptions& common, Action& action)
+{
+    CLI::App* command = app.add_subcommand("restore", "Write the registers of a file");
+    const auto options = std::make_shared<RestoreOptions>();
+    command->add_option("file", options->file, "CSV file, as dump writes it")
+        ->type_name("")
+        ->required();
+    command->add_option("--from", options->from, "Begin with this register of the file")
+        ->type_name("ADDRESS");
+    addExamples(*command, {"fxhost dump plc.csv D100:64", "fxhost restore plc.csv",
+                           "fxhost restore plc.csv --from D132"});
+    command->callback([&action, &common, options] {
+        action = [&common, options] { return runRestore(common, *options); };
+    });
+}
+
+}  // namespace fxtools

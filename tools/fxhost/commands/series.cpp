@@ -1,0 +1,65 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// fxhost series: the addresses of the copies of a panel object, as the screen editor makes them.
+
+#include "tools/fxhost/commands/connection.h"
+
+namespace fxtools {
+
+namespace {
+
+constexpr int mostCopies = 65536;
+constexpr int allFitted = 1;
+
+struct SeriesOptions
+{
+    std::string address;
+    int copies = 10;
+    int step = 1;
+};
+
+ExitCode runSeries(const CommonOptions& common, const SeriesOptions& options)
+{
+    const AddressServices services(common);
+    const RegisterRange first = services.parse(options.address);
+    QVector<QString> texts;
+    QVector<int> numbers;
+    const int result = services.library.multiCopy(first.type.name, first.first, options.copies,
+                                                  options.step, texts, numbers);
+    Records records(common.output, {{"copy", Align::Right}, {"address"}});
+    for (int copy = 0; copy < numbers.size(); ++copy) {
+        RegisterRange range = first;
+        range.first = numbers[copy];
+        records.add({copy + 1, range.nameOf(0)});
+    }
+    records.finish();
+    if (result == allFitted)
+        return ExitCode::Good;
+    complain(
+        QStringLiteral("the series runs past the end of %1; what is beyond became the last one")
+            .arg(first.type.name));
+    return ExitCode::SomeFailed;
+}
+
+}  // namespace
+
+void addSeriesCommand(CLI::App& app, const CommonOptions& common, Action& action)
+{
+    CLI::App* command = app.add_subcommand("series", "List the addresses of copied objects");
+    const auto options = std::make_shared<SeriesOptions>();
+    command->add_option("address", options->address, "Address of the first copy")
+        ->type_name("")
+        ->required();
+    command->add_option("-c,--count", options->copies, "How many copies; 10 unless given")
+        ->type_name("N")
+        ->check(CLI::Range(1, mostCopies).description(""));
+    command->add_option("--step", options->step, "Distance, 1 unless given; -2 for a 32-bit value")
+        ->type_name("N");
+    addExamples(*command, {"fxhost series Y6 -c 5", "fxhost series D100 -c 4 --step 10"});
+    command->callback([&action, &common, options] {
+        action = [&common, options] { return runSeries(common, *options); };
+    });
+}
+
+}  // namespace fxtools

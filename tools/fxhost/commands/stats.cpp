@@ -1,0 +1,78 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// fxhost stats: polls for a while and tells what the line is like: exchanges, causes of rejection,
+// response times as a histogram beside the time-out that they led to.
+
+#include "tools/fxhost/commands/address_options.h"
+#include "tools/fxhost/commands/poll_result.h"
+#include "tools/fxhost/views/statistics_report.h"
+#include "tools/link/interrupt.h"
+
+namespace fxtools {
+
+namespace {
+
+struct StatsOptions
+{
+    AddressOptions addresses;
+    int cycles = 100;
+};
+
+void show(const LineReport& report, OutputMode mode)
+{
+    switch (mode) {
+    case OutputMode::People:
+        for (const QString& line : lineReportLines(report))
+            Console().line(line);
+        return;
+    case OutputMode::Json:
+        Console().line(lineReportJson(report));
+        return;
+    case OutputMode::Csv:
+        for (const QString& line : lineReportCsv(report))
+            Console().line(line);
+        return;
+    }
+}
+
+ExitCode runStats(const CommonOptions& common, const StatsOptions& options)
+{
+    Connection connection(common);
+    connection.waitForLinkWithoutEnd();
+    ExchangeLoop& loop = connection.loop();
+    const int blocks =
+        connection.session().setPlan(connection.ranges(addressesOf(options.addresses)));
+    Histogram cycleTimes;
+    bool linkLost = false;
+    bool isDead = false;  // a PLC that has never answered has nothing to measure
+    for (int cycle = 0; cycle < options.cycles && !interrupted() && !linkLost && !isDead; ++cycle) {
+        const qint64 startedUs = loop.elapsedUs();
+        linkLost = pollCycle(loop, blocks).linkLost;
+        cycleTimes.add(loop.elapsedUs() - startedUs);
+        isDead = exitCodeOf(loop.statistics()) == ExitCode::Silence;
+    }
+    show({loop.statistics(), cycleTimes, loop.elapsedUs(), loop.timeout()}, common.output.mode);
+    if (interrupted())
+        return ExitCode::Interrupted;
+    return linkLost ? ExitCode::LinkNotOpened : exitCodeOf(loop.statistics());
+}
+
+}  // namespace
+
+void addStatsCommand(CLI::App& app, const CommonOptions& common, Action& action)
+{
+    CLI::App* command = app.add_subcommand("stats", "Measure the line while polling");
+    const auto options = std::make_shared<StatsOptions>();
+    addAddressOptions(*command, options->addresses);
+    command->add_option("-n,--count", options->cycles, "Polling cycles; 100 unless given")
+        ->type_name("N")
+        ->check(CLI::Range(1, mostCycles).description(""));
+    addExamples(*command,
+                {"fxhost stats D0:64 -n 20 -b 115200", "fxhost stats D0:64 X0:16 --json"});
+    command->callback([&action, &common, options] {
+        action = [&common, options] { return runStats(common, *options); };
+    });
+}
+
+}  // namespace fxtools

@@ -1,0 +1,183 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// fxhost watch: values as they change: a table redrawn in place on a terminal, a line for each
+// change elsewhere. Goes on when the link was lost and is back.
+
+#include "tools/fxhost/commands/address_options.h"
+#include "tools/fxhost/commands/poll_result.h"
+#include "tools/link/interrupt.h"
+
+#include <QThread>
+
+#include <cmath>
+
+namespace fxtools {
+
+namespace {
+
+constexpr int napMs = 20;  // how soon an interrupt is noticed
+constexpr int longestIntervalMs = 86400000;
+
+struct WatchOptions
+{
+    AddressOptions addresses;
+    ValueFormat format = ValueFormat::Unsigned;
+    int intervalMs = 1000;
+    int cycles = 0;  // 0: until Ctrl-C
+    bool once = false;
+    bool log = false;
+    double deadband = 0;
+};
+
+// Shows what is new since it was shown last.
+class Watcher
+{
+public:
+    Watcher(const WatchOptions& options, const OutputOptions& output);
+
+    void show(const Poller& poller);
+    ExitCode exitCode() const { return m_lastCycle.exitCode(); }
+
+private:
+    bool isNew(const PolledValue& polled) const;
+    void showTable(const QVector<PolledValue>& values);
+    void showChanges(const QVector<PolledValue>& values);
+
+    const WatchOptions& m_options;
+    Console m_console;
+    bool m_asTable;
+    bool m_timestamps;
+    bool m_quiet;
+    std::optional<Records> m_changes;
+    QHash<QString, PolledValue> m_shown;
+    PollResult m_lastCycle;
+    int m_cycle = 0;
+};
+
+Watcher::Watcher(const WatchOptions& options, const OutputOptions& output)
+    : m_options(options),
+      m_asTable(m_console.isTerminal() && !options.log && output.mode == OutputMode::People),
+      m_timestamps(output.timestamps), m_quiet(output.quiet)
+{
+    if (!m_asTable)
+        m_changes.emplace(output, QVector<Table::Column>{{"address"}, {"value"}, {"error"}},
+                          Records::Shown::AtOnce);
+}
+
+void Watcher::show(const Poller& poller)
+{
+    QVector<PolledValue> values;
+    for (const RegisterRange& range : poller.ranges())
+        values += polledValues(poller, range, m_options.format);
+    m_lastCycle = {};
+    for (const PolledValue& polled : values)
+        m_lastCycle.count(polled);
+    ++m_cycle;
+    if (m_asTable)
+        showTable(values);
+    else
+        showChanges(values);
+}
+
+bool Watcher::isNew(const PolledValue& polled) const
+{
+    const auto found = m_shown.constFind(polled.name);
+    if (found == m_shown.constEnd() || found->problem != polled.problem)
+        return true;
+    if (polled.problem || found->value == polled.value)
+        return false;
+    if (!polled.value.isDouble() || m_options.deadband <= 0)
+        return true;
+    return std::abs(polled.value.toDouble() - found->value.toDouble()) > m_options.deadband;
+}
+
+void Watcher::showTable(const QVector<PolledValue>& values)
+{
+    Table table({{"address"}, {"value", Align::Right}, {"error"}});
+    const QString time = m_timestamps ? timestamp() + ", " : QString();
+    for (const PolledValue& polled : values) {
+        const QString text = polled.value.toVariant().toString();
+        const bool marked = m_cycle > 1 && isNew(polled);
+        table.add({polled.name, marked ? m_console.changed(text) : text,
+                   m_console.bad(polled.error().toString())});
+        m_shown.insert(polled.name, polled);
+    }
+    QStringList lines = table.lines().mid(m_quiet ? 1 : 0);
+    if (!m_quiet)
+        lines += m_console.dim(QStringLiteral("  %1cycle %2, Ctrl-C ends").arg(time).arg(m_cycle));
+    m_console.redraw(lines);
+}
+
+void Watcher::showChanges(const QVector<PolledValue>& values)
+{
+    for (const PolledValue& polled : values) {
+        if (!isNew(polled))
+            continue;
+        m_changes->add({polled.name, polled.value, polled.error()});
+        m_shown.insert(polled.name, polled);
+    }
+}
+
+void waitUntil(const ExchangeLoop& loop, qint64 untilUs)
+{
+    while (loop.elapsedUs() < untilUs && !interrupted())
+        QThread::msleep(napMs);
+}
+
+ExitCode runWatch(const CommonOptions& common, const WatchOptions& options)
+{
+    Connection connection(common);
+    connection.waitForLinkWithoutEnd();
+    const QVector<RegisterRange> ranges = connection.ranges(addressesOf(options.addresses));
+    needWholeValues(ranges, options.format);
+    Poller poller(connection.loop(), connection.catalogue(), ranges);
+    Watcher watcher(options, common.output);
+    const int cycles = options.once ? 1 : options.cycles;
+    for (int cycle = 1; cycles == 0 || cycle <= cycles; ++cycle) {
+        const qint64 startedUs = connection.loop().elapsedUs();
+        const bool whole = poller.poll();
+        if (interrupted())
+            return ExitCode::Interrupted;
+        watcher.show(poller);
+        if (!whole)
+            return ExitCode::LinkNotOpened;
+        if (cycle != cycles)
+            waitUntil(connection.loop(), startedUs + qint64(1000) * options.intervalMs);
+        if (interrupted())
+            return ExitCode::Interrupted;
+    }
+    return watcher.exitCode();
+}
+
+}  // namespace
+
+void addWatchCommand(CLI::App& app, const CommonOptions& common, Action& action)
+{
+    CLI::App* command = app.add_subcommand("watch", "Show values as they change");
+    const auto options = std::make_shared<WatchOptions>();
+    addAddressOptions(*command, options->addresses);
+    addFormatOption(*command, options->format);
+    command
+        ->add_option("-l,--interval", options->intervalMs,
+                     "Time from poll to poll, in milliseconds or as 0.5s; 1000")
+        ->type_name("MS")
+        ->transform(timeInMs())
+        ->check(CLI::Range(0, longestIntervalMs).description(""));
+    command->add_option("-n,--count", options->cycles, "So many polls; until Ctrl-C unless given")
+        ->type_name("N")
+        ->check(CLI::Range(0, mostCycles).description(""));
+    command->add_flag("-1,--once", options->once, "Poll once");
+    command->add_flag("--log", options->log, "A line for each change, also on a terminal");
+    command->add_option("--deadband", options->deadband, "Changes up to this much are none")
+        ->type_name("NUMBER")
+        ->check(CLI::NonNegativeNumber);
+    addExamples(*command, {"fxhost watch D0:4 TV0 X0:8 -n 3",
+                           "fxhost watch D1 --log --timestamps --deadband 50 -l 200 -n 10",
+                           "fxhost watch -t X -r 0 -c 8 -l 500 -1"});
+    command->callback([&action, &common, options] {
+        action = [&common, options] { return runWatch(common, *options); };
+    });
+}
+
+}  // namespace fxtools

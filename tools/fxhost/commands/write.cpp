@@ -1,0 +1,213 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// fxhost write: values into registers, and the truth about what arrived. The driver shows a
+// written value in its cache at once, so success is the PLC's acknowledge, and with --verify what
+// the PLC says when it is asked.
+
+#include "tools/fxhost/commands/address_options.h"
+#include "tools/fxhost/commands/poll_result.h"
+#include "tools/fxhost/commands/write_report.h"
+#include "tools/link/interrupt.h"
+
+namespace fxtools {
+
+namespace {
+
+constexpr int widestWritten = 30;
+
+struct WriteOptions
+{
+    std::vector<std::string> assignments;  // only values when the address is given by letters
+    AddressOptions address;
+    ValueFormat format = ValueFormat::Unsigned;
+    bool verify = false;
+};
+
+struct Assignment
+{
+    RegisterRange range;
+    QVector<quint32> values;
+    QString written;  // as the user wrote them
+};
+
+// "D100=5", "D100=1,2,3" or "M0=on".
+Assignment parseAssignment(const Connection& connection, const std::string& text,
+                           ValueFormat format)
+{
+    const QString whole = QString::fromStdString(text);
+    const int equals = whole.indexOf('=');
+    if (equals < 1 || equals + 1 == whole.size())
+        throw UsageError("'" + text + "' assigns nothing; write for example D100=5 or M0=on");
+    Assignment assignment;
+    assignment.written = whole.mid(equals + 1);
+    assignment.range = connection.ranges({whole.left(equals).toStdString()}).first();
+    if (!assignment.range.type.writable) {
+        throw UsageError("'" + text + "': " + assignment.range.type.name.toStdString() +
+                         " cannot be written");
+    }
+    for (const QString& value : assignment.written.split(','))
+        assignment.values += parseValue(value.trimmed(), assignment.range.type, format);
+    const int values = assignment.values.size();
+    if (whole.left(equals).contains(':') && assignment.range.count != values) {
+        throw UsageError("'" + text + "': " + std::to_string(assignment.range.count) +
+                         " registers, but values for " + std::to_string(values));
+    }
+    // The count is what was written; checked again, because it may run past the end of the type.
+    const QString start = whole.left(equals).section(':', 0, 0);
+    const QString checked = QStringLiteral("%1:%2").arg(start).arg(values);
+    assignment.range = connection.ranges({checked.toStdString()}).first();
+    return assignment;
+}
+
+class Writer
+{
+public:
+    Writer(Connection& connection, const WriteOptions& options, const OutputOptions& output)
+        : m_connection(connection), m_options(options),
+          m_forPeople(output.mode == OutputMode::People),
+          m_records(output, {{"address"}, {"written"}, {"result"}})
+    {}
+
+    // False when it makes no sense to go on with the next one.
+    bool write(const Assignment& assignment);
+    void skip(const Assignment& assignment);
+    ExitCode finish();
+
+private:
+    bool verify(const Assignment& assignment);
+    void report(const Assignment& assignment, const QString& result);
+    void fail(ExitCode code);
+
+    Connection& m_connection;
+    QString shownText(const QString& written) const;
+
+    const WriteOptions& m_options;
+    bool m_forPeople;
+    Records m_records;
+    int m_good = 0;
+    std::optional<ExitCode> m_firstFailure;
+};
+
+bool Writer::write(const Assignment& assignment)
+{
+    const WriteOutcome outcome =
+        writeRegisters(m_connection.loop(), assignment.range, assignment.values);
+    if (!outcome.isGood()) {
+        report(assignment, failureText(outcome));
+        fail(exitCodeOf(*outcome.problem));
+        return outcome.problem != ReplyVerdict::LinkLost && !interrupted();
+    }
+    if (m_options.verify)
+        return verify(assignment);
+    ++m_good;
+    report(assignment, QStringLiteral("acknowledged"));
+    return true;
+}
+
+bool Writer::verify(const Assignment& assignment)
+{
+    const ReplyVerdict verdict = readOnce(m_connection.loop(), assignment.range);
+    if (verdict != ReplyVerdict::Good) {
+        report(assignment, "acknowledged, but not read back: " +
+                               (interrupted() ? "interrupted" : verdictText(verdict)));
+        fail(exitCodeOf(verdict));
+        return verdict != ReplyVerdict::LinkLost && !interrupted();
+    }
+    if (m_connection.session().values(assignment.range) == assignment.values) {
+        ++m_good;
+        report(assignment, QStringLiteral("verified"));
+        return true;
+    }
+    report(assignment, QStringLiteral("acknowledged, but the PLC holds another value"));
+    fail(ExitCode::SomeFailed);
+    return true;
+}
+
+void Writer::skip(const Assignment& assignment)
+{
+    report(assignment, QStringLiteral("not written"));
+    fail(ExitCode::SomeFailed);
+}
+
+void Writer::report(const Assignment& assignment, const QString& result)
+{
+    m_records.add({assignment.range.text(), shownText(assignment.written), result});
+}
+
+QString Writer::shownText(const QString& written) const
+{
+    return m_forPeople ? clipped(written, widestWritten) : written;
+}
+
+void Writer::fail(ExitCode code)
+{
+    if (!m_firstFailure)
+        m_firstFailure = code;
+}
+
+ExitCode Writer::finish()
+{
+    m_records.finish();
+    if (interrupted())
+        return ExitCode::Interrupted;
+    if (!m_firstFailure)
+        return ExitCode::Good;
+    return m_good > 0 ? ExitCode::SomeFailed : *m_firstFailure;
+}
+
+// The values that stand alone when -r says where they go.
+std::vector<std::string> assignmentsOf(const WriteOptions& options)
+{
+    const AddressOptions& letters = options.address;
+    if (!letters.byLetters() && letters.registers == 0 && letters.type.empty())
+        return options.assignments;
+    std::string assignment = addressOfLetters(letters) + '=';
+    for (const std::string& value : options.assignments) {
+        if (value.find('=') != std::string::npos)
+            throw UsageError("'" + value + "': with -r only values follow");
+        assignment += (assignment.back() == '=' ? "" : ",") + value;
+    }
+    return {assignment};
+}
+
+ExitCode runWrite(const CommonOptions& common, const WriteOptions& options)
+{
+    Connection connection(common);
+    QVector<Assignment> assignments;  // all of them are checked before the first one is sent
+    for (const std::string& text : assignmentsOf(options))
+        assignments.append(parseAssignment(connection, text, options.format));
+    Writer writer(connection, options, common.output);
+    bool goOn = true;
+    for (const Assignment& assignment : assignments) {
+        if (goOn)
+            goOn = writer.write(assignment);
+        else
+            writer.skip(assignment);
+    }
+    return writer.finish();
+}
+
+}  // namespace
+
+void addWriteCommand(CLI::App& app, const CommonOptions& common, Action& action)
+{
+    CLI::App* command = app.add_subcommand("write", "Write registers");
+    const auto options = std::make_shared<WriteOptions>();
+    command
+        ->add_option("assignment", options->assignments,
+                     "ADDRESS=VALUE[,VALUE...], or only values behind -r")
+        ->type_name("")
+        ->required();
+    addAddressLetters(*command, options->address);
+    addFormatOption(*command, options->format);
+    command->add_flag("--verify", options->verify, "Read back from the PLC and compare");
+    addExamples(*command, {"fxhost write D100=5 M100=on --verify",
+                           "fxhost write D10=-1,0x1F D20=3.14 32CV200=70000",
+                           "fxhost write D30=5 --as long", "fxhost write -t D -r 100 1 2 3"});
+    command->callback([&action, &common, options] {
+        action = [&common, options] { return runWrite(common, *options); };
+    });
+}
+
+}  // namespace fxtools

@@ -1,0 +1,51 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// See write_report.h.
+
+#include "tools/fxhost/commands/write_report.h"
+
+#include "tools/exchange/blocks.h"
+#include "tools/link/interrupt.h"
+
+namespace fxtools {
+
+namespace {
+
+// Neighbours as one range.
+QStringList joined(const QVector<RegisterRange>& ranges)
+{
+    QVector<RegisterRange> whole;
+    for (const RegisterRange& range : ranges) {
+        if (!whole.isEmpty() && whole.last().first + whole.last().count == range.first)
+            whole.last().count += range.count;
+        else
+            whole.append(range);
+    }
+    QStringList texts;
+    for (const RegisterRange& range : whole)
+        texts += fromToText(range);
+    return texts;
+}
+
+}  // namespace
+
+QString failureText(const WriteOutcome& outcome)
+{
+    const QString reason =
+        interrupted() ? QStringLiteral("interrupted") : verdictText(*outcome.problem);
+    QStringList parts;
+    if (!outcome.acknowledged.isEmpty())
+        parts += joined(outcome.acknowledged).join(QStringLiteral(", ")) + " arrived";
+    if (!outcome.uncertain.isEmpty())
+        parts += joined(outcome.uncertain).join(QStringLiteral(", ")) + " may have arrived";
+    if (!parts.isEmpty())
+        parts += QStringLiteral("nothing else");
+    const QString text = QStringLiteral("%1 of %2 frames written: %3")
+                             .arg(outcome.acknowledged.size())
+                             .arg(outcome.frames)
+                             .arg(reason);
+    return parts.isEmpty() ? text : text + "; " + parts.join(QStringLiteral(", "));
+}
+
+}  // namespace fxtools

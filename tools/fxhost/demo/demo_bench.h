@@ -1,0 +1,59 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// What the chapters of the demo share: the host's parts, the simulated PLC's other side, and the
+// list of things that had to come true.
+
+#pragma once
+
+#include "tools/exchange/polling.h"
+#include "tools/fxhost/views/console.h"
+#include "tools/simulated/bench_control.h"
+
+namespace fxtools {
+
+struct ScreenItem
+{
+    RegisterRange range;
+    QString label;
+    bool isSigned = false;
+};
+
+class DemoBench
+{
+public:
+    DemoBench(ExchangeLoop& loop, const RegisterCatalogue& catalogue, BenchControl* control);
+
+    ExchangeLoop& loop() { return m_loop; }
+    DriverSession& session() { return m_loop.session(); }
+    const RegisterCatalogue& catalogue() const { return m_catalogue; }
+    Console& console() { return m_console; }
+    BenchControl* control() { return m_control; }  // null: the PLC's other side is out of reach
+    const QVector<ScreenItem>& screen() const { return m_screen; }
+    int blocks() const { return m_blocks; }
+
+    RegisterRange range(const QString& address) const;
+    Round pollOnce() { return pollCycle(m_loop, m_blocks); }
+
+    // The link is there and the PLC answered at least once, if it was asked.
+    bool linkIsGood() const;
+
+    // One line with a mark in front; what is not so makes the demo fail.
+    void confirm(bool isSo, const QString& what);
+    int confirmed() const { return m_confirmed; }
+    int refuted() const { return m_refuted; }
+
+    int valuesChanged = 0;  // callbacks so far
+
+private:
+    ExchangeLoop& m_loop;
+    const RegisterCatalogue& m_catalogue;
+    BenchControl* m_control;
+    Console m_console;
+    QVector<ScreenItem> m_screen;
+    int m_blocks = 0;
+    int m_confirmed = 0;
+    int m_refuted = 0;
+};
+
+}  // namespace fxtools

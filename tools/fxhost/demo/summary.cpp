@@ -1,0 +1,29 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// What it took: exchanges by kind, what came back, bytes and time on the line.
+
+#include "tools/fxhost/demo/chapters.h"
+#include "tools/fxhost/views/statistics_report.h"
+
+namespace fxtools {
+
+void showSummary(DemoBench& bench)
+{
+    bench.console().heading("Summary");
+    for (const QString& line : statisticsLines(bench.loop().statistics(), bench.loop().elapsedUs()))
+        bench.console().line(line);
+    bench.console().line();
+    if (bench.refuted() == 0) {
+        bench.console().line(bench.console().good(
+            QStringLiteral("All %1 checks came true: what was read back is what was written.")
+                .arg(bench.confirmed())));
+    } else {
+        bench.console().line(
+            bench.console().bad(QStringLiteral("%1 of %2 checks did not come true.")
+                                    .arg(bench.refuted())
+                                    .arg(bench.refuted() + bench.confirmed())));
+    }
+}
+
+}  // namespace fxtools

@@ -1,0 +1,183 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// See console.h.
+
+#include "tools/fxhost/views/console.h"
+
+#include "tools/fxhost/views/table.h"
+#include "tools/link/interrupt.h"
+
+#include <algorithm>
+#include <iostream>
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace fxtools {
+
+namespace {
+
+constexpr int widestBar = 32;
+constexpr int narrowestBar = 8;
+
+struct Size
+{
+    int columns = 80;
+    int rows = 24;
+
+    bool operator!=(const Size& other) const
+    {
+        return columns != other.columns || rows != other.rows;
+    }
+};
+
+// What stands at the end of the one terminal there is, whoever wrote it.
+struct Unfinished
+{
+    int drawnLines = 0;  // that the next redraw goes over
+    Size drawnOn;
+    bool bar = false;     // the cursor stands behind a bar
+    bool echoed = false;  // what the terminal showed of Ctrl-C was ended by a new line
+};
+Unfinished unfinished;
+
+void put(const QString& text)
+{
+    std::cout << text.toStdString();
+}
+
+bool isTerminal(int file)
+{
+    return isatty(file) == 1 && qgetenv("TERM") != "dumb";
+}
+
+Size terminalSize()
+{
+    winsize window = {};
+    Size size;
+    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &window) == 0 && window.ws_col > 0 && window.ws_row > 0)
+        size = {window.ws_col, window.ws_row};
+    return size;
+}
+
+// As many lines as leave room for the cursor below them; the last one is always there.
+QStringList shortened(const QStringList& lines, int most)
+{
+    if (lines.size() <= most || most < 3)
+        return lines.mid(std::max(lines.size() - most, 0));
+    QStringList kept = lines.mid(0, most - 2);
+    kept += QStringLiteral("  … %1 more do not fit here").arg(lines.size() - kept.size() - 1);
+    kept += lines.last();
+    return kept;
+}
+
+QString barText(const QString& label, int done, int total, int columns)
+{
+    const QString numbers = QStringLiteral("%1/%2").arg(done).arg(total);
+    const int left = columns - 1 - 2 - label.size() - 1 - 1 - numbers.size();
+    if (left < narrowestBar)
+        return QStringLiteral("  %1 %2").arg(label, numbers);
+    const int width = std::min(left, widestBar);
+    const int filled =
+        total > 0 ? static_cast<int>(static_cast<qint64>(std::min(done, total)) * width / total)
+                  : width;
+    return QStringLiteral("  %1 %2%3 %4")
+        .arg(label, QStringLiteral("█").repeated(filled),
+             QStringLiteral("░").repeated(width - filled), numbers);
+}
+
+}  // namespace
+
+Console::Console()
+    : m_isTerminal(fxtools::isTerminal(STDOUT_FILENO)),
+      m_hasColours(m_isTerminal && qgetenv("NO_COLOR").isEmpty())
+{}
+
+void Console::line(const QString& text)
+{
+    put(text + '\n');
+    std::cout.flush();
+}
+
+void Console::heading(const QString& text)
+{
+    line();
+    line(bold(text));
+}
+
+QString Console::styled(const QString& text, const char* code) const
+{
+    if (!m_hasColours || text.isEmpty())
+        return text;
+    return QStringLiteral("\x1b[%1m%2\x1b[0m").arg(QLatin1String(code), text);
+}
+
+void Console::redraw(const QStringList& lines)
+{
+    if (!m_isTerminal) {
+        put((unfinished.drawnLines > 0 ? "\n" : "") + lines.join('\n') + '\n');
+        unfinished.drawnLines = lines.size();
+        std::cout.flush();
+        return;
+    }
+    if (takeContinued())
+        unfinished.drawnLines = 0;  // below the table stands now what the shell wrote
+    const Size size = terminalSize();
+    // A terminal that has changed its size may have folded its lines anew.
+    if (unfinished.drawnLines > 0 && unfinished.drawnOn != size)
+        put(QStringLiteral("\x1b[H\x1b[2J"));
+    else if (unfinished.drawnLines > 0)
+        put(QStringLiteral("\x1b[%1A").arg(unfinished.drawnLines));
+    const QStringList shown = shortened(lines, size.rows - 1);
+    for (const QString& text : shown)
+        put(clipped(text, size.columns) + "\x1b[K\n");
+    put(QStringLiteral("\x1b[J"));
+    unfinished.drawnLines = shown.size();
+    unfinished.drawnOn = size;
+    std::cout.flush();
+}
+
+void Console::endRedraw()
+{
+    unfinished.drawnLines = 0;
+}
+
+void Console::progress(const QString& label, int done, int total)
+{
+    const bool full = done >= total;
+    if (!m_isTerminal && !full)
+        return;
+    const QString text = barText(label, done, total, m_isTerminal ? terminalSize().columns : 80);
+    put(m_isTerminal ? "\r" + text + "\x1b[K" : text);
+    if (full)
+        put(QStringLiteral("\n"));
+    unfinished.bar = !full;
+    std::cout.flush();
+}
+
+void Console::settle()
+{
+    unfinished.drawnLines = 0;
+    const bool afterEcho = interrupted() && !unfinished.echoed;
+    if (!fxtools::isTerminal(STDOUT_FILENO) || !(unfinished.bar || afterEcho))
+        return;
+    unfinished.bar = false;
+    unfinished.echoed = interrupted();
+    put(QStringLiteral("\n"));
+    std::cout.flush();
+}
+
+void complain(const QString& text)
+{
+    QString line = text;  // which may quote a file that is no text
+    for (QChar& character : line) {
+        if (!character.isPrint())
+            character = '?';
+    }
+    if (isTerminal(STDERR_FILENO))
+        Console::settle();
+    std::cerr << "fxhost: " << line.toStdString() << std::endl;
+}
+
+}  // namespace fxtools

@@ -1,0 +1,69 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// What a command has to tell, as records of named fields: a table for people, JSON or CSV for
+// programs. A result is collected and shown at its end; a stream is shown record by record.
+
+#pragma once
+
+#include "tools/fxhost/views/table.h"
+
+#include <QJsonObject>
+#include <QJsonValue>
+#include <QPair>
+
+#include <optional>
+
+namespace fxtools {
+
+enum class OutputMode
+{
+    People,
+    Json,
+    Csv,
+};
+
+struct OutputOptions
+{
+    OutputMode mode = OutputMode::People;
+    bool timestamps = false;
+    bool quiet = false;  // no titles, no closing words
+};
+
+class Records
+{
+public:
+    enum class Shown
+    {
+        AtTheEnd,  // one table, or one JSON array
+        AtOnce,    // a line each; JSON has one object a line
+    };
+
+    Records(const OutputOptions& options, const QVector<Table::Column>& columns,
+            Shown shown = Shown::AtTheEnd);
+
+    // One value a column; undefined ones are left out of JSON and empty elsewhere.
+    void add(const QVector<QJsonValue>& values);
+    void finish();
+
+private:
+    QJsonObject objectOf(const QVector<QJsonValue>& values) const;
+    void showAtOnce(const QVector<QJsonValue>& values);
+    void showTable() const;
+    void showCsvLine(const QVector<QJsonValue>& values) const;
+    QStringList textsOf(const QVector<QJsonValue>& values) const;
+
+    OutputOptions m_options;
+    QVector<Table::Column> m_columns;
+    Shown m_shown;
+    QVector<QVector<QJsonValue>> m_collected;
+};
+
+// What a command has done, as one record: a line of words for people.
+void showResult(const OutputOptions& options, const QString& words,
+                const QVector<QPair<QString, QJsonValue>>& fields);
+
+// The time as records carry it: 2026-01-31T13:05:00.123, in local time.
+QString timestamp();
+
+}  // namespace fxtools

@@ -1,0 +1,57 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// The commands that a person or a script gives while the simulator runs, on its standard input or
+// over the control socket. One line in, some lines out, of which the last is "ok" or starts with
+// "error: ".
+
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <functional>
+
+#include "tools/fxsim/line/simulator.h"
+
+namespace fxsim {
+
+// What the commands need of the program around the simulator.
+struct ControlActions
+{
+    std::function<void()> quit;
+    std::function<void(int forMs)> dropLinks;
+    std::function<qint64()> nowUs;
+};
+
+class Control
+{
+public:
+    Control(Simulator& simulator, const ControlActions& actions)
+        : m_simulator(simulator), m_actions(actions)
+    {}
+
+    QByteArray run(const QString& line);
+    static QByteArray help();
+
+private:
+    using Arguments = QStringList;
+    struct CommandRow;
+    static const CommandRow commands[];
+    static const CommandRow* findCommand(const QString& name);
+
+    QByteArray peek(const Arguments& arguments);
+    QByteArray poke(const Arguments& arguments);
+    QByteArray faults(const Arguments& arguments);
+    QByteArray stats(const Arguments& arguments);
+    QByteArray powerCycle(const Arguments& arguments);
+    QByteArray dropLink(const Arguments& arguments);
+    QByteArray save(const Arguments& arguments);
+    QByteArray load(const Arguments& arguments);
+    QByteArray showHelp(const Arguments& arguments);
+    QByteArray quit(const Arguments& arguments);
+
+    Simulator& m_simulator;
+    ControlActions m_actions;
+};
+
+}  // namespace fxsim

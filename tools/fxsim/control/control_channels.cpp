@@ -1,0 +1,131 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// See control_channels.h.
+
+#include "tools/fxsim/control/control_channels.h"
+
+#include <QFileInfo>
+#include <QLocalSocket>
+#include <cerrno>
+#include <iostream>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace fxsim {
+
+namespace {
+
+constexpr int readBytes = 4096;
+constexpr int backgroundMs = 200;  // no signal tells when a terminal is ours again
+constexpr int longestSocketPath = int(sizeof(sockaddr_un::sun_path)) - 1;
+constexpr int longestLine = 65536;  // more without a line end is no command
+
+void print(const QByteArray& text)
+{
+    std::cout << text.constData() << std::flush;
+}
+
+bool isSocket(const QString& path)
+{
+    struct stat status
+    {};
+    return ::stat(QFile::encodeName(path).constData(), &status) == 0 && S_ISSOCK(status.st_mode);
+}
+
+// Refused, so nobody listens; at a socket that may not be asked somebody else may.
+bool isLeftBehind(const QString& path)
+{
+    constexpr int connectMs = 500;
+    if (!isSocket(path))
+        return false;
+    QLocalSocket probe;
+    probe.connectToServer(path);
+    return !probe.waitForConnected(connectMs) &&
+           probe.error() == QLocalSocket::ConnectionRefusedError;
+}
+
+// What the server would call a name error. Empty: nothing.
+QString obstacleAt(const QString& path)
+{
+    const QFileInfo file(path);
+    const QFileInfo folder(file.absolutePath());
+    if (file.exists())
+        return QStringLiteral("the file exists");
+    if (!folder.isDir())
+        return QStringLiteral("there is no folder %1").arg(folder.filePath());
+    if (!folder.isWritable())
+        return QStringLiteral("nothing may be made in the folder %1").arg(folder.filePath());
+    if (QFile::encodeName(path).size() > longestSocketPath)
+        return QStringLiteral("a socket's path has at most %1 bytes").arg(longestSocketPath);
+    return QString();
+}
+
+}  // namespace
+
+InputControl::InputControl(Control& control, int inputDescriptor)
+    : m_control(control), m_notifier(inputDescriptor, QSocketNotifier::Read)
+{
+    connect(&m_notifier, &QSocketNotifier::activated, this, &InputControl::readAvailable);
+    m_retry.setSingleShot(true);
+    connect(&m_retry, &QTimer::timeout, this, [this] { m_notifier.setEnabled(true); });
+}
+
+void InputControl::readAvailable()
+{
+    char buffer[readBytes];
+    const ssize_t got = ::read(int(m_notifier.socket()), buffer, sizeof buffer);
+    if (got <= 0) {
+        m_notifier.setEnabled(false);
+        if (got < 0 && errno == EIO)
+            m_retry.start(backgroundMs);  // the terminal is another's to read, for now
+        return;
+    }
+    m_partLine.append(buffer, int(got));
+    int end = 0;
+    while ((end = m_partLine.indexOf('\n')) >= 0) {
+        print(m_control.run(QString::fromUtf8(m_partLine.left(end))));
+        m_partLine.remove(0, end + 1);
+    }
+    if (m_partLine.size() > longestLine)
+        m_partLine.clear();
+}
+
+SocketControl::SocketControl(Control& control) : m_control(control)
+{
+    connect(&m_server, &QLocalServer::newConnection, this, &SocketControl::welcome);
+}
+
+// A socket that an earlier run left behind is replaced; one that somebody listens on stays, and so
+// does any other file (the server would rename its socket over it).
+QString SocketControl::listen(const QString& path)
+{
+    const QString fullPath = QFileInfo(path).absoluteFilePath();  // a bare name means one in /tmp
+    if (isLeftBehind(fullPath))
+        QLocalServer::removeServer(fullPath);
+    const QString obstacle = obstacleAt(fullPath);
+    if (!obstacle.isEmpty())
+        return QStringLiteral("control socket %1: %2").arg(path, obstacle);
+    m_server.setSocketOptions(QLocalServer::UserAccessOption);
+    if (!m_server.listen(fullPath))
+        return QStringLiteral("control socket %1: %2").arg(path, m_server.errorString());
+    return QString();
+}
+
+void SocketControl::welcome()
+{
+    while (QLocalSocket* socket = m_server.nextPendingConnection()) {
+        socket->setReadBufferSize(longestLine);
+        connect(socket, &QLocalSocket::readyRead, this, [this, socket] {
+            while (socket->canReadLine())
+                socket->write(m_control.run(QString::fromUtf8(socket->readLine())));
+            if (socket->bytesAvailable() >= longestLine)
+                socket->abort();
+            socket->flush();
+        });
+        connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
+    }
+}
+
+}  // namespace fxsim

@@ -1,0 +1,177 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// See frame_server.h. The order of the tests is that of a PLC: the sum first, then what the
+// characters say.
+
+#include "tools/fxsim/line/frame_server.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "tools/fxsim/line/characters.h"
+
+namespace fxsim {
+
+namespace {
+
+constexpr size_t addressDigits = 4;
+constexpr size_t countDigits = 2;
+constexpr size_t digitsPerByte = 2;
+constexpr size_t frameAround = 1 + 1 + sumDigits;  // STX, ETX, sum
+
+Command commandOf(char character)
+{
+    switch (character) {
+    case '0':
+        return Command::Read;
+    case '1':
+        return Command::Write;
+    case '7':
+        return Command::ForceOn;
+    case '8':
+        return Command::ForceOff;
+    }
+    return Command::None;
+}
+
+bool allDigits(std::string_view text)
+{
+    return std::all_of(text.begin(), text.end(),
+                       [](char character) { return hexDigitValue(character) >= 0; });
+}
+
+Verdict judgeRange(const Request& request, const PlcMemory& memory, int maxBytes)
+{
+    if (request.byteCount == 0)
+        return Verdict::NoBytes;
+    if (request.byteCount > maxBytes)
+        return Verdict::TooMany;
+    return memory.has(request.address, request.byteCount) ? Verdict::Good : Verdict::NoMemory;
+}
+
+// `fields` is what stands between the command and ETX, all digits.
+void judgeBytes(Request& request, std::string_view fields, const PlcMemory& memory, int maxBytes)
+{
+    if (fields.size() < addressDigits + countDigits)
+        return;
+    request.address = hexNumber(fields.substr(0, addressDigits));
+    request.byteCount = hexNumber(fields.substr(addressDigits, countDigits));
+    const std::string_view dataDigits = fields.substr(addressDigits + countDigits);
+    const int dataBytes = request.command == Command::Write ? request.byteCount : 0;
+    if (dataDigits.size() != digitsPerByte * size_t(dataBytes))
+        return;
+    request.data = bytesOfHex(dataDigits);
+    request.verdict = judgeRange(request, memory, maxBytes);
+}
+
+// A bit address is the only number of the protocol that travels low byte first.
+void judgeForce(Request& request, std::string_view fields, const PlcMemory& memory)
+{
+    if (fields.size() != addressDigits)
+        return;
+    request.address = hexNumber(fields.substr(2)) << bitsPerByte | hexNumber(fields.substr(0, 2));
+    const bool present = memory.has(request.address / bitsPerByte, 1);
+    request.verdict = present ? Verdict::Good : Verdict::NoMemory;
+}
+
+QByteArray addressText(int address)
+{
+    return "0x" + QByteArray::number(address, 16).toUpper().rightJustified(4, '0');
+}
+
+}  // namespace
+
+const char* verdictText(Verdict verdict)
+{
+    switch (verdict) {
+    case Verdict::Good:
+        return "good";
+    case Verdict::WrongSum:
+        return "wrong sum";
+    case Verdict::UnknownCommand:
+        return "unknown command";
+    case Verdict::Malformed:
+        return "malformed";
+    case Verdict::TooMany:
+        return "too many bytes";
+    case Verdict::NoBytes:
+        return "no bytes asked for";
+    case Verdict::NoMemory:
+        return "no such memory";
+    }
+    return "";
+}
+
+Request judgeFrame(const QByteArray& frame, const PlcMemory& memory, int maxBytes)
+{
+    Request request;
+    const std::string_view characters(frame.constData(), size_t(frame.size()));
+    if (characters.size() < frameAround)
+        return request;
+    const std::string_view summed = characters.substr(1, characters.size() - 1 - sumDigits);
+    if (hexNumber(characters.substr(1 + summed.size())) != sumOf(summed)) {
+        request.verdict = Verdict::WrongSum;
+        return request;
+    }
+    request.command = commandOf(summed[0]);
+    if (request.command == Command::None) {
+        request.verdict = Verdict::UnknownCommand;
+        return request;
+    }
+    const std::string_view fields = summed.substr(1, summed.size() - 2);
+    if (!allDigits(fields))
+        return request;
+    if (request.command == Command::Read || request.command == Command::Write)
+        judgeBytes(request, fields, memory, maxBytes);
+    else
+        judgeForce(request, fields, memory);
+    return request;
+}
+
+QByteArray carryOut(const Request& request, PlcMemory& memory)
+{
+    switch (request.command) {
+    case Command::Read:
+        return framed(hexOfBytes(memory.read(request.address, request.byteCount)));
+    case Command::Write:
+        memory.write(request.address, request.data);
+        break;
+    case Command::ForceOn:
+        memory.forceBit(request.address, true);
+        break;
+    case Command::ForceOff:
+        memory.forceBit(request.address, false);
+        break;
+    case Command::None:
+        return QByteArray();
+    }
+    return QByteArray(1, ack);
+}
+
+QByteArray requestText(const Request& request)
+{
+    const QByteArray verdict = request.verdict == Verdict::Good
+                                   ? QByteArray()
+                                   : QByteArray(": ") + verdictText(request.verdict);
+    const QByteArray bytes =
+        QByteArray::number(request.byteCount) + " bytes at " + addressText(request.address);
+    const QByteArray bit = "bit " + addressText(request.address) + " (byte " +
+                           addressText(request.address / bitsPerByte) + " bit " +
+                           QByteArray::number(request.address % bitsPerByte) + ")";
+    switch (request.command) {
+    case Command::Read:
+        return "read " + bytes + verdict;
+    case Command::Write:
+        return "write " + bytes + verdict;
+    case Command::ForceOn:
+        return "force on " + bit + verdict;
+    case Command::ForceOff:
+        return "force off " + bit + verdict;
+    case Command::None:
+        break;
+    }
+    return "frame" + verdict;
+}
+
+}  // namespace fxsim

@@ -1,0 +1,62 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// Judges one whole frame and carries it out on the memory:
+//
+//   "0" address (4 digits), byte count (2)           read: STX, two digits a byte, ETX, sum
+//   "1" address, byte count, two digits a byte       write: ACK
+//   "7" bit address (4 digits, low byte first)       force on: ACK
+//   "8" the same                                     force off: ACK
+//
+// A frame that fails in any way changes nothing. Sessions call it, once a frame.
+
+#pragma once
+
+#include <QByteArray>
+
+#include "tools/fxsim/plc/plc_memory.h"
+
+namespace fxsim {
+
+enum class Verdict
+{
+    Good,
+    WrongSum,
+    UnknownCommand,
+    Malformed,  // a wrong length, or a character that is no upper-case hex digit
+    TooMany,    // more bytes than the PLC takes in one frame
+    NoBytes,    // a count of zero
+    NoMemory,   // some of the range is not there
+};
+constexpr int verdictKinds = 7;
+
+const char* verdictText(Verdict verdict);
+
+enum class Command
+{
+    None,
+    Read,
+    Write,
+    ForceOn,
+    ForceOff
+};
+
+// What a frame asked for, as far as it could be read.
+struct Request
+{
+    Verdict verdict = Verdict::Malformed;
+    Command command = Command::None;
+    int address = 0;    // of a byte; of a bit for the two forces
+    int byteCount = 0;  // 0 for the two forces
+    QByteArray data;    // of a write
+};
+
+Request judgeFrame(const QByteArray& frame, const PlcMemory& memory, int maxBytes);
+
+// For a request judged good: does it, and gives the answer that goes on the wire.
+QByteArray carryOut(const Request& request, PlcMemory& memory);
+
+// "read 4 bytes at 0x10C8", "force on bit 0x0508 (byte 0x00A1 bit 0)": for the trace.
+QByteArray requestText(const Request& request);
+
+}  // namespace fxsim

@@ -1,0 +1,107 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// The PLC as a whole: memory, program, faults and counts, shared by all its sessions. A session is
+// one host on one link. Neither opens, sleeps or reads a clock: whoever embeds them passes the time
+// in microseconds (any clock that only moves forward) and the bytes. The executable does that from
+// an event loop; a host can do it inside itself:
+//
+//   fxsim::Simulator plc(settings, std::make_unique<fxsim::SampleProgram>(), nowUs());
+//   fxsim::Session session(plc, "inside");
+//   session.receive(request, nowUs());                 // any bytes, cut anywhere
+//   plc.advance(nowUs());                              // now and then: the program runs
+//   reply += session.takeDue(nowUs());                 // what has left the PLC by now
+//   session.nextDueUs()                                // when to ask again, or nothingDue
+
+#pragma once
+
+#include <QByteArray>
+#include <QVector>
+#include <functional>
+#include <memory>
+
+#include "tools/fxsim/faults/faults.h"
+#include "tools/fxsim/line/paced_line.h"
+#include "tools/fxsim/line/statistics.h"
+#include "tools/fxsim/plc/plc_memory.h"
+#include "tools/fxsim/plc/program.h"
+
+namespace fxsim {
+
+enum class EnquiryMode
+{
+    Optional,  // ENQ is answered with ACK, frames need none
+    Needed,    // frames stay unanswered until an ENQ came, on each link and after each power cycle
+    Ignored,   // ENQ resets the receiver and gets no answer
+};
+enum class OnError
+{
+    Nak,
+    Silence
+};
+
+struct Settings
+{
+    LineTiming timing;
+    EnquiryMode enquiry = EnquiryMode::Optional;
+    OnError onError = OnError::Nak;
+    int maxBytes = 64;  // the largest read and write that PLCs of this family take
+    FaultPlan faults;
+    quint64 seed = 1;
+};
+
+struct TraceEntry
+{
+    enum class Direction
+    {
+        FromHost,
+        ToHost,
+        Note
+    };
+    qint64 atUs = 0;
+    QByteArray client;
+    Direction direction = Direction::Note;
+    QByteArray bytes;
+    QByteArray text;
+};
+using TraceSink = std::function<void(const TraceEntry&)>;
+
+class Simulator
+{
+public:
+    // `program` may be null: then nothing changes the memory but hosts.
+    Simulator(const Settings& settings, std::unique_ptr<Program> program, qint64 nowUs);
+
+    // Sets the memory as it is at every power-on, and starts the program on it.
+    void powerOnWith(const PlcMemory& memory, qint64 nowUs);
+    void advance(qint64 nowUs);
+
+    // A new plan counts its exchanges from 1 again.
+    void setFaults(const FaultPlan& plan);
+    qint64 exchangeOfPlan() const { return m_statistics.exchanges - m_exchangesBeforePlan; }
+
+    void powerCycle(int offMs, qint64 nowUs);
+    bool isOff(qint64 nowUs) const { return nowUs < m_offUntilUs; }
+
+    PlcMemory& memory() { return m_memory; }
+    const Settings& settings() const { return m_settings; }
+    Statistics& statistics() { return m_statistics; }
+    void setTrace(TraceSink sink) { m_trace = std::move(sink); }
+    bool isTraced() const { return m_trace != nullptr; }  // texts are made for a trace alone
+    void trace(const TraceEntry& entry) const;
+
+private:
+    void startProgram(qint64 nowUs);
+
+    Settings m_settings;
+    PlcMemory m_memory;
+    QByteArray m_powerOnImage;
+    std::unique_ptr<Program> m_program;
+    Statistics m_statistics;
+    TraceSink m_trace;
+    qint64 m_programStartUs = 0;
+    qint64 m_offUntilUs = 0;
+    qint64 m_exchangesBeforePlan = 0;
+};
+
+}  // namespace fxsim

@@ -1,0 +1,40 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// What the simulator counted since it started: frames by command and verdict, answers, faults,
+// characters. Sessions count; the `stats` command and the end of a run print.
+
+#pragma once
+
+#include <QByteArray>
+#include <array>
+
+#include "tools/fxsim/faults/faults.h"
+#include "tools/fxsim/line/frame_server.h"
+
+namespace fxsim {
+
+struct Statistics
+{
+    qint64 exchanges = 0;  // frames that came whole, answered or not
+    qint64 reads = 0;
+    qint64 writes = 0;
+    qint64 forces = 0;
+    std::array<qint64, verdictKinds> verdicts{};
+    std::array<qint64, faultKinds> faults{};
+    qint64 enquiries = 0;
+    qint64 overlongFrames = 0;
+    qint64 ungreetedFrames = 0;  // left unanswered because no ENQ came first
+    qint64 junkCharacters = 0;
+    qint64 ignoredCharacters = 0;  // came while the PLC was off
+    qint64 charactersIn = 0;
+    qint64 charactersOut = 0;
+    qint64 charactersLost = 0;  // nobody took them at the other end of the link
+    qint64 clients = 0;
+    qint64 powerCycles = 0;
+
+    void countRequest(const Request& request);
+    QByteArray text() const;
+};
+
+}  // namespace fxsim

@@ -1,0 +1,80 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// See link.h.
+
+#include "tools/fxsim/links/link.h"
+
+#include <algorithm>
+
+namespace fxsim {
+
+namespace {
+
+constexpr int reopenMs = 1000;  // between attempts to get a lost link back
+constexpr qint64 usPerMs = 1000;
+
+}  // namespace
+
+HostConnection::HostConnection(Simulator& simulator, const Clock& clock, const QByteArray& client,
+                               Write write)
+    : m_simulator(simulator), m_clock(clock), m_session(simulator, client),
+      m_write(std::move(write))
+{
+    m_timer.setTimerType(Qt::PreciseTimer);
+    m_timer.setSingleShot(true);
+    connect(&m_timer, &QTimer::timeout, this, &HostConnection::sendDue);
+}
+
+void HostConnection::receive(const QByteArray& bytes)
+{
+    m_session.receive(bytes, m_clock.nowUs());
+    sendDue();
+    if (const std::optional<int> forMs = m_session.takeLinkDrop())
+        emit linkTaken(*forMs);
+}
+
+void HostConnection::sendDue()
+{
+    const qint64 nowUs = m_clock.nowUs();
+    const QByteArray due = m_session.takeDue(nowUs);
+    if (!due.isEmpty())
+        m_simulator.statistics().charactersLost += m_write(due);
+    const qint64 nextUs = m_session.nextDueUs();
+    if (nextUs != nothingDue)
+        m_timer.start(int(std::max<qint64>(0, (nextUs - nowUs + usPerMs - 1) / usPerMs)));
+}
+
+Link::Link(Simulator& simulator, const Clock& clock) : m_simulator(simulator), m_clock(clock)
+{
+    m_return.setSingleShot(true);
+    connect(&m_return, &QTimer::timeout, this, &Link::reopen);
+}
+
+void Link::drop(int forMs)
+{
+    if (m_down)
+        return;  // it is on its way back already
+    m_down = true;
+    const QString gone = name();
+    close();
+    m_failureTold = false;
+    emit message(QStringLiteral("link down: %1, back in %2 ms").arg(gone).arg(forMs));
+    m_return.start(forMs);
+}
+
+void Link::reopen()
+{
+    const QString error = open();
+    if (error.isEmpty()) {
+        m_down = false;
+        emit message(QStringLiteral("ready on %1").arg(name()));
+        return;
+    }
+    if (!m_failureTold)
+        emit message(QStringLiteral("%1; trying again").arg(error));
+    m_failureTold = true;
+    m_return.start(reopenMs);
+}
+
+}  // namespace fxsim

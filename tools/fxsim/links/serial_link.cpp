@@ -1,0 +1,82 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// See serial_link.h.
+
+#include "tools/fxsim/links/serial_link.h"
+
+#include <QFile>
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+namespace fxsim {
+
+namespace {
+
+constexpr int unpluggedMs = 1000;  // until the first attempt to open the port again
+constexpr int watchMs = 200;
+
+// Something that can be opened, but has no line settings.
+bool isOtherFile(const QString& path)
+{
+    const int file = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_NOCTTY | O_NONBLOCK);
+    if (file < 0)
+        return false;
+    const bool isTerminal = isatty(file) == 1;
+    ::close(file);
+    return !isTerminal;
+}
+
+}  // namespace
+
+SerialLink::SerialLink(Simulator& simulator, const Clock& clock, const QString& device, int baud)
+    : Link(simulator, clock), m_device(device)
+{
+    m_port.setPortName(device);
+    m_port.setBaudRate(baud);
+    m_port.setDataBits(QSerialPort::Data7);
+    m_port.setParity(QSerialPort::EvenParity);
+    m_port.setStopBits(QSerialPort::OneStop);
+    m_port.setFlowControl(QSerialPort::NoFlowControl);
+    connect(&m_port, &QSerialPort::readyRead, this, [this] { m_host->receive(m_port.readAll()); });
+    connect(&m_watch, &QTimer::timeout, this, &SerialLink::lookForHangup);
+}
+
+QString SerialLink::open()
+{
+    if (!m_port.open(QIODevice::ReadWrite))
+        return QStringLiteral("%1: %2").arg(m_device, isOtherFile(m_device)
+                                                          ? QStringLiteral("it is no serial port")
+                                                          : m_port.errorString());
+    m_host = std::make_unique<HostConnection>(
+        simulator(), clock(), m_device.toLocal8Bit(), [this](const QByteArray& bytes) {
+            return bytes.size() - int(std::max<qint64>(0, m_port.write(bytes)));
+        });
+    m_host->session().setTiming({0, simulator().settings().timing.scanMs});
+    connect(m_host.get(), &HostConnection::linkTaken, this, &Link::drop, Qt::QueuedConnection);
+    m_watch.start(watchMs);
+    return QString();
+}
+
+void SerialLink::close()
+{
+    m_watch.stop();
+    m_port.close();
+    m_host.reset();
+}
+
+QString SerialLink::name() const
+{
+    return m_device;
+}
+
+// An adapter that was pulled out hangs up its port, on which reads then give nothing and no error.
+void SerialLink::lookForHangup()
+{
+    pollfd port{m_port.handle(), 0, 0};
+    if (::poll(&port, 1, 0) > 0)
+        drop(unpluggedMs);
+}
+
+}  // namespace fxsim

@@ -1,0 +1,36 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// A real serial port, seven data bits, even parity, one stop bit. The hardware paces the characters
+// here.
+
+#pragma once
+
+#include <QSerialPort>
+#include <memory>
+
+#include "tools/fxsim/links/link.h"
+
+namespace fxsim {
+
+class SerialLink : public Link
+{
+    Q_OBJECT
+
+public:
+    SerialLink(Simulator& simulator, const Clock& clock, const QString& device, int baud);
+
+    QString open() override;
+    void close() override;
+    QString name() const override;
+
+private:
+    void lookForHangup();
+
+    QString m_device;
+    QSerialPort m_port;
+    QTimer m_watch;
+    std::unique_ptr<HostConnection> m_host;
+};
+
+}  // namespace fxsim

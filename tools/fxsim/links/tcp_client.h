@@ -1,0 +1,37 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// A host that connected over TCP. Its bytes go by the descriptor: the buffers and signals of a
+// socket object would cost as much as the PLC itself. The client goes when the host does.
+
+#pragma once
+
+#include <QSocketNotifier>
+
+#include "tools/fxsim/links/link.h"
+
+namespace fxsim {
+
+class TcpClient : public QObject
+{
+    Q_OBJECT
+
+public:
+    // Owns `descriptor`, a connected socket. `name` is the host's, as traces show it.
+    TcpClient(Simulator& simulator, const Clock& clock, int descriptor, const QByteArray& name,
+              QObject* parent);
+    ~TcpClient() override;
+
+signals:
+    void linkTaken(int forMs);
+
+private:
+    void readAvailable();
+    int write(const QByteArray& bytes) const;
+
+    int m_descriptor;
+    QSocketNotifier m_notifier;
+    HostConnection m_host;
+};
+
+}  // namespace fxsim

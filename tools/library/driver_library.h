@@ -1,0 +1,66 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// The driver as a host gets it: a shared library loaded by name at run time, its entry points
+// looked up one by one under the types of the public header. Nothing of it is linked.
+// Member names are those of the entry points without "intf_".
+
+#pragma once
+
+#include "driver/intf.h"
+
+#include <QLibrary>
+#include <QStringList>
+
+#include <stdexcept>
+
+namespace fxtools {
+
+// Why the library could not be used, for people to read.
+class LibraryError : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+class DriverLibrary
+{
+public:
+    // An empty `path` looks in the usual places. Throws LibraryError.
+    explicit DriverLibrary(const QString& path = {});
+    ~DriverLibrary();
+    DriverLibrary(const DriverLibrary&) = delete;
+    DriverLibrary& operator=(const DriverLibrary&) = delete;
+
+    QString fileName() const { return m_library.fileName(); }
+
+    decltype(&intf_getDriverParameter) getDriverParameter = nullptr;
+    decltype(&intf_getProtocolType) getProtocolType = nullptr;
+    decltype(&intf_setAddrValueChangeCallBack) setAddrValueChangeCallBack = nullptr;
+    decltype(&intf_initProperty) initProperty = nullptr;
+    decltype(&intf_addrMerge) addrMerge = nullptr;
+    decltype(&intf_addConditionRead) addConditionRead = nullptr;
+    decltype(&intf_getSendFrame) getSendFrame = nullptr;
+    decltype(&intf_dealRcvFrame) dealRcvFrame = nullptr;
+    decltype(&intf_getData) getData = nullptr;
+    decltype(&intf_setData) setData = nullptr;
+    decltype(&intf_setRcpAddress) setRcpAddress = nullptr;
+    decltype(&intf_checkAddr) checkAddr = nullptr;
+    decltype(&intf_checkAddrValidity) checkAddrValidity = nullptr;
+    decltype(&intf_getRegListByType) getRegListByType = nullptr;
+    decltype(&intf_getRegDiscription) getRegDiscription = nullptr;
+    decltype(&intf_multiCopy) multiCopy = nullptr;
+
+private:
+    template <typename EntryPoint>
+    void resolve(EntryPoint& entryPoint, const char* name);
+    void resolveAll();
+
+    QLibrary m_library;
+};
+
+// Where the library is looked for, best place first: FX_DRIVER alone if it is set, else beside the
+// executable, where it is installed beside it, in the folder above, and last the loader's path.
+QStringList driverLibraryPlaces();
+
+}  // namespace fxtools

@@ -1,0 +1,70 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// The register types as the driver describes them, and the small vocabulary of the host: a
+// register, a run of registers, their texts. Nothing about a type is known here that the driver
+// did not say through its address services.
+
+#pragma once
+
+#include "tools/library/driver_library.h"
+
+#include <QVector>
+
+namespace fxtools {
+
+enum class RegisterWidth
+{
+    Bit = 0,
+    Word = 1,
+    DoubleWord = 2,
+};
+
+QString widthText(RegisterWidth width);  // "bit", "16 bits", "32 bits"
+
+struct RegisterType
+{
+    QString name;
+    RegisterWidth width = RegisterWidth::Word;
+    int numberBase = 10;
+    int lowest = 0;
+    int highest = 0;
+    bool writable = false;
+
+    bool isBit() const { return width == RegisterWidth::Bit; }
+    int registers() const { return highest - lowest + 1; }
+    int valueBytes() const;                    // of one value in the buffers of the driver
+    int driverCount(int count) const;          // what intf_getData and intf_setData call `count`
+    int mostInFrame(int wordsPerFrame) const;  // registers whose values fit so many words
+    QString numberText(int number) const;
+};
+
+// `count` registers of one type and station, the first of them `first`.
+struct RegisterRange
+{
+    RegisterType type;
+    int station = 1;
+    int first = 0;
+    int count = 1;
+
+    RegisterRange part(int offset, int partCount) const;
+    QString nameOf(int index) const;  // "D100"; "2#D100" on another station than 1
+    QString text() const;             // "D100" or "D100:32"
+};
+
+class RegisterCatalogue
+{
+public:
+    explicit RegisterCatalogue(const DriverLibrary& library);
+
+    const QVector<RegisterType>& all() const { return m_types; }
+    const RegisterType* find(const QString& name) const;
+
+private:
+    QVector<RegisterType> m_types;
+};
+
+// The range as the planner takes it.
+KEY_ADDRESS planKey(const RegisterRange& range);
+
+}  // namespace fxtools

@@ -1,0 +1,55 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// Values as people read and write them: decimal, signed, hexadecimal, binary, and 32 bits or
+// floating point over two words, the lower word first. A register holds a number of as many bits
+// as it has; a value takes one register or two.
+
+#pragma once
+
+#include "tools/library/registers.h"
+
+#include <QJsonValue>
+
+#include <map>
+#include <stdexcept>
+#include <string>
+
+namespace fxtools {
+
+enum class ValueFormat
+{
+    Unsigned,
+    Signed,
+    Hex,
+    Binary,
+    Long,   // two words as 32 bits
+    Float,  // two words as a floating-point number
+};
+
+// The names that the command line gives to them.
+const std::map<std::string, ValueFormat>& valueFormats();
+
+// What is wrong with a value and what would fit, in one line.
+class ValueError : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+int registersPerValue(const RegisterType& type, ValueFormat format);
+
+// One value of the registers from `registers[0]` on: a number where JSON has one, else a text.
+QJsonValue valueOf(const quint32* registers, const RegisterType& type, ValueFormat format);
+QString valueText(quint32 value, const RegisterType& type, ValueFormat format);
+
+// The registers that a written value becomes. Unless the format says more, a number with a point
+// or an exponent becomes a floating-point number over two words, one too large for a word 32 bits
+// over two. Throws ValueError.
+QVector<quint32> parseValue(const QString& text, const RegisterType& type,
+                            ValueFormat format = ValueFormat::Unsigned);
+
+// Bits side by side, the lowest number first, in groups of eight.
+QString bitsText(const QVector<quint32>& bits);
+
+}  // namespace fxtools

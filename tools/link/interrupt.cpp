@@ -1,0 +1,77 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// See interrupt.h.
+
+#include "tools/link/interrupt.h"
+
+#include <QtGlobal>
+
+#include <csignal>
+#include <ctime>
+
+#include <unistd.h>
+
+namespace fxtools {
+
+namespace {
+
+constexpr qint64 oneInterruptMs = 500;
+
+volatile std::sig_atomic_t interruptSeen = 0;
+timespec firstSeen = {};
+volatile std::sig_atomic_t continuedSeen = 0;
+
+qint64 sinceFirstMs()
+{
+    timespec now = {};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return (now.tv_sec - firstSeen.tv_sec) * 1000 + (now.tv_nsec - firstSeen.tv_nsec) / 1000000;
+}
+
+// A second one ends the program at once; but not the echo of the first, which goes to the process
+// and to its group when a script sends it.
+extern "C" void noteInterrupt(int signalNumber)
+{
+    if (interruptSeen == 0) {
+        clock_gettime(CLOCK_MONOTONIC, &firstSeen);
+        interruptSeen = 1;
+    } else if (sinceFirstMs() > oneInterruptMs) {
+        struct sigaction action = {};
+        action.sa_handler = SIG_DFL;
+        sigaction(signalNumber, &action, nullptr);
+        kill(getpid(), signalNumber);
+    }
+}
+
+extern "C" void noteContinued(int)
+{
+    continuedSeen = 1;
+}
+
+}  // namespace
+
+void catchSignals()
+{
+    struct sigaction action = {};
+    action.sa_handler = noteInterrupt;
+    action.sa_flags = SA_RESTART;
+    sigaction(SIGINT, &action, nullptr);
+    sigaction(SIGTERM, &action, nullptr);
+    action.sa_handler = noteContinued;
+    sigaction(SIGCONT, &action, nullptr);
+}
+
+bool interrupted()
+{
+    return interruptSeen != 0;
+}
+
+bool takeContinued()
+{
+    const bool seen = continuedSeen != 0;
+    continuedSeen = 0;
+    return seen;
+}
+
+}  // namespace fxtools

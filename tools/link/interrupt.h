@@ -1,0 +1,17 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// Signals, noted for whoever waits or repeats and asks for them: Ctrl-C and a polite request to
+// end, so that what is under way can be ended in good order, and the going on after a stop.
+
+#pragma once
+
+namespace fxtools {
+
+void catchSignals();
+bool interrupted();
+
+// Whether the program was stopped and goes on since this was asked last.
+bool takeContinued();
+
+}  // namespace fxtools

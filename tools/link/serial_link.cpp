@@ -1,0 +1,137 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// See serial_link.h.
+
+#include "tools/link/serial_link.h"
+
+#include <QFileInfo>
+#include <QSerialPortInfo>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace fxtools {
+
+namespace {
+
+constexpr int sendTimeoutMs = 2000;  // the longest frame takes 1.1 s at 9600 baud
+
+// Something that can be opened, but has no line settings.
+bool isOtherFile(const QString& path)
+{
+    const int file = ::open(path.toLocal8Bit().constData(), O_RDONLY | O_NOCTTY | O_NONBLOCK);
+    if (file < 0)
+        return false;
+    const bool isTerminal = isatty(file) == 1;
+    ::close(file);
+    return !isTerminal;
+}
+
+bool isPseudoTerminal(const QString& path)
+{
+    return QFileInfo(path).canonicalFilePath().startsWith(QLatin1String("/dev/pts/"));
+}
+
+// What the system would take for the name of something in /dev is first looked for where it stands.
+QString portName(const QString& path)
+{
+    const QFileInfo info(path);
+    return info.exists() ? info.absoluteFilePath() : path;
+}
+
+// What is there instead of a port that is not.
+QString otherPorts()
+{
+    QStringList names;
+    for (const QSerialPortInfo& port : QSerialPortInfo::availablePorts())
+        names += port.systemLocation();
+    return names.isEmpty() ? QStringLiteral("there is no serial port: is the adapter plugged in?")
+                           : QStringLiteral("there is ") + names.join(QStringLiteral(", "));
+}
+
+// A pseudo-terminal carries eight bits and no parity, whatever it is asked for; and asked for
+// nothing but the rest it refuses, as after a program that was killed.
+LineSettings unwired(LineSettings settings)
+{
+    settings.dataBits = QSerialPort::Data8;
+    settings.parity = QSerialPort::NoParity;
+    return settings;
+}
+
+}  // namespace
+
+SerialLink::SerialLink(const QString& kind, const QString& path, const LineSettings& settings)
+    : m_kind(kind), m_path(path), m_settings(settings)
+{}
+
+QString SerialLink::name() const
+{
+    return m_kind + ':' + m_path;
+}
+
+void SerialLink::open()
+{
+    const LineSettings settings = isPseudoTerminal(m_path) ? unwired(m_settings) : m_settings;
+    m_port.close();
+    m_port.setPortName(portName(m_path));
+    m_port.setBaudRate(settings.baud);
+    m_port.setDataBits(settings.dataBits);
+    m_port.setParity(settings.parity);
+    m_port.setStopBits(settings.stopBits);
+    if (!m_port.open(QIODevice::ReadWrite)) {
+        throw LinkError("cannot open " + m_path.toStdString() + ": " + reason().toStdString());
+    }
+    m_port.clear();
+}
+
+QString SerialLink::reason() const
+{
+    QString said = m_port.errorString();
+    const QFileInfo device(portName(m_path));
+    if (isOtherFile(m_path))
+        return QStringLiteral("it is no serial port");
+    if (m_port.error() == QSerialPort::DeviceNotFoundError && m_kind == QLatin1String("serial"))
+        return said + "; " + otherPorts();
+    if (device.exists() && !device.isWritable() &&
+        device.permission(QFile::ReadGroup | QFile::WriteGroup))
+        return QStringLiteral("%1; the group %2 may: sudo adduser \"$USER\" %2, then log in anew")
+            .arg(said, device.group());
+    return said;
+}
+
+bool SerialLink::isOpen() const
+{
+    // A port whose device went away stays open in name only.
+    return m_port.isOpen() && m_port.error() != QSerialPort::ResourceError;
+}
+
+bool SerialLink::send(const QByteArray& bytes)
+{
+    const bool sent = isOpen() && writeAll(bytes);
+    if (!sent)
+        m_port.close();
+    return sent;
+}
+
+QByteArray SerialLink::receive(int timeoutMs)
+{
+    if (!isOpen())
+        return {};
+    if (m_port.bytesAvailable() == 0)
+        m_port.waitForReadyRead(timeoutMs);
+    return m_port.readAll();
+}
+
+bool SerialLink::writeAll(const QByteArray& bytes)
+{
+    if (m_port.write(bytes) != bytes.size())
+        return false;
+    while (m_port.bytesToWrite() > 0) {
+        if (!m_port.waitForBytesWritten(sendTimeoutMs))
+            return false;
+    }
+    return true;
+}
+
+}  // namespace fxtools

@@ -1,0 +1,45 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// See bench_control.h.
+
+#include "tools/simulated/bench_control.h"
+
+#include "tools/link/link.h"
+
+namespace fxtools {
+
+namespace {
+
+constexpr int controlTimeoutMs = 5000;
+
+}  // namespace
+
+SocketBenchControl::SocketBenchControl(const QString& path)
+{
+    m_socket.connectToServer(path);
+    if (!m_socket.waitForConnected(controlTimeoutMs)) {
+        throw LinkError("cannot reach the simulator's control socket " + path.toStdString() + ": " +
+                        m_socket.errorString().toStdString());
+    }
+}
+
+// The simulator answers with some lines, of which the last is "ok" or starts with "error: ".
+void SocketBenchControl::run(const QString& command)
+{
+    m_socket.write(command.toUtf8() + '\n');
+    m_socket.flush();
+    while (m_socket.canReadLine() || m_socket.waitForReadyRead(controlTimeoutMs)) {
+        if (!m_socket.canReadLine())
+            continue;
+        const QByteArray line = m_socket.readLine().trimmed();
+        if (line == "ok")
+            return;
+        if (line.startsWith("error: "))
+            throw LinkError("the simulator refused '" + command.toStdString() +
+                            "': " + line.mid(7).toStdString());
+    }
+    throw LinkError("the simulator did not carry out '" + command.toStdString() + "'");
+}
+
+}  // namespace fxtools
