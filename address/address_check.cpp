@@ -7,20 +7,10 @@
 #include "address/register_types.h"
 #include "driver/intf.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace {
-
-enum class AddressCheck
-{
-    Valid = 0,
-    WrongWidth = 1,
-    OutOfRange = 2,
-    UnknownType = 3,
-    NotANumber = 4,
-    NotACounterDataType = 5,
-    WriteToInput = 6
-};
-
-constexpr int bitDataType = -1;
 
 bool widthSuits(const RegisterType* type, bool bitAccess)
 {
@@ -34,53 +24,53 @@ bool hasSign(const QString& addressText)
 
 bool writes(int accessMode)
 {
-    return accessMode == 1 || accessMode == 2;
+    return accessMode == fxWriteAccess || accessMode == fxReadWriteAccess;
 }
 
 bool isCounterDataType(int dataType)
 {
-    return dataType == 1 || dataType == 3 || dataType == 5 || dataType == 6 || dataType == 9;
+    const int* const end = std::end(fxCounterDataTypes);
+    return std::find(std::begin(fxCounterDataTypes), end, dataType) != end;
 }
 
-AddressCheck checkNumber(const RegisterType* type, const QString& addressText, int* addressIndex,
-                         int elements)
+FxAddressCheck checkNumber(const RegisterType* type, const QString& addressText, int* addressIndex,
+                           int elements)
 {
     if (type == nullptr)
-        return AddressCheck::UnknownType;
+        return fxUnknownType;
     bool isNumber = false;
     const int number = addressText.toInt(&isNumber, type->numberBase);
     if (addressIndex != nullptr)
         *addressIndex = number;  // also when it is none or out of range
     if (!isNumber)
-        return AddressCheck::NotANumber;
+        return fxNotANumber;
     const qint64 end = static_cast<qint64>(number) + elements;
-    return number < type->first || end > type->checkEnd ? AddressCheck::OutOfRange
-                                                        : AddressCheck::Valid;
+    return number < type->first || end > type->checkEnd ? fxAddressOutOfRange : fxAddressValid;
 }
 
-AddressCheck checkAddress(const QString& registerType, const QString& addressText,
-                          int* addressIndex, int dataType, int count, int accessMode)
+FxAddressCheck checkAddress(const QString& registerType, const QString& addressText,
+                            int* addressIndex, int dataType, int count, int accessMode)
 {
     const RegisterType* type = findRegisterType(registerType);
-    if (!widthSuits(type, dataType == bitDataType))
-        return AddressCheck::WrongWidth;
+    if (!widthSuits(type, dataType == fxBitDataType))
+        return fxWrongWidth;
     if (hasSign(addressText))
-        return AddressCheck::NotANumber;
+        return fxNotANumber;
     if (registerType == QLatin1String("X") && writes(accessMode))
-        return AddressCheck::WriteToInput;
+        return fxWriteToInput;
     if (type != nullptr && isDoubleWord(*type) && !isCounterDataType(dataType))
-        return AddressCheck::NotACounterDataType;
+        return fxNotACounterDataType;
     return checkNumber(type, addressText, addressIndex, count);
 }
 
-AddressCheck checkAddress(const QString& registerType, const QString& addressText,
-                          int* addressIndex, int count, bool wordAccess)
+FxAddressCheck checkAddress(const QString& registerType, const QString& addressText,
+                            int* addressIndex, int count, bool wordAccess)
 {
     const RegisterType* type = findRegisterType(registerType);
     if (!widthSuits(type, !wordAccess))
-        return AddressCheck::WrongWidth;
+        return fxWrongWidth;
     if (hasSign(addressText))
-        return AddressCheck::NotANumber;
+        return fxNotANumber;
     return checkNumber(type, addressText, addressIndex, count);
 }
 
@@ -89,13 +79,11 @@ AddressCheck checkAddress(const QString& registerType, const QString& addressTex
 int intf_checkAddr(const QString& registerType, const QString& addressText, int* addressIndex,
                    int dataType, int count, int accessMode)
 {
-    return static_cast<int>(
-        checkAddress(registerType, addressText, addressIndex, dataType, count, accessMode));
+    return checkAddress(registerType, addressText, addressIndex, dataType, count, accessMode);
 }
 
 int intf_checkAddrValidity(const QString& registerType, const QString& addressText,
                            int* addressIndex, int count, int wordAccess)
 {
-    return static_cast<int>(
-        checkAddress(registerType, addressText, addressIndex, count, wordAccess != 0));
+    return checkAddress(registerType, addressText, addressIndex, count, wordAccess != fxBitAccess);
 }

@@ -9,9 +9,6 @@
 
 namespace {
 
-constexpr int bitTypes = 0;
-constexpr int wordTypes = 1;
-
 QString widthCode(const RegisterType& type)
 {
     switch (type.kind) {
@@ -29,10 +26,10 @@ QString widthCode(const RegisterType& type)
 
 int intf_getRegListByType(int kind, QList<QString>& names)
 {
-    if (kind != bitTypes && kind != wordTypes)
+    if (kind != fxBitTypes && kind != fxWordTypes)
         return 0;
     for (const RegisterType& type : registerTypes) {
-        if (isBit(type) == (kind == bitTypes))
+        if (isBit(type) == (kind == fxBitTypes))
             names.append(registerTypeName(type));
     }
     return 1;

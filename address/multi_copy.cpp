@@ -12,16 +12,6 @@
 
 namespace {
 
-enum class Series
-{
-    UnknownType = 0,
-    Fitted = 1,
-    Clamped = 2
-};
-
-constexpr int plainStep = -1;
-constexpr int doubleWordStep = -2;
-
 struct LastNumber
 {
     int index;
@@ -30,19 +20,19 @@ struct LastNumber
 
 int stepWidth(const RegisterType& type, int step)
 {
-    if (step == plainStep)
+    if (step == fxPlainStep)
         return 1;
-    if (step == doubleWordStep)
+    if (step == fxStepOf32Bits)
         return type.kind == RegisterKind::Word ? 2 : 1;  // a 32-bit value takes two words
     return step < 1 ? 1 : step;
 }
 
-Series appendSeries(int startIndex, int copies, int stepWidth, int numberBase,
-                    const LastNumber& last, QVector<QString>& texts, QVector<int>& values)
+FxSeriesResult appendSeries(int startIndex, int copies, int stepWidth, int numberBase,
+                            const LastNumber& last, QVector<QString>& texts, QVector<int>& values)
 {
-    Series series = Series::Fitted;
+    FxSeriesResult series = fxSeriesFitted;
     qint64 number = startIndex;
-    for (int i = 0; i < qMin(copies, maxElements); ++i, number += stepWidth) {
+    for (int i = 0; i < qMin(copies, fxMaxElements); ++i, number += stepWidth) {
         if (number <= last.index) {
             const int index = static_cast<int>(number);
             texts.append(QString::number(static_cast<uint>(index), numberBase));
@@ -50,7 +40,7 @@ Series appendSeries(int startIndex, int copies, int stepWidth, int numberBase,
         } else {
             texts.append(last.text);
             values.append(last.index);
-            series = Series::Clamped;
+            series = fxSeriesClamped;
         }
     }
     return series;
@@ -61,8 +51,7 @@ Series appendSeries(int startIndex, int copies, int stepWidth, int numberBase,
 int multiCp_dec(int startIndex, int copies, int stepWidth, QVector<QString>& texts,
                 QVector<int>& values, int lastIndex, QString lastText)
 {
-    return static_cast<int>(
-        appendSeries(startIndex, copies, stepWidth, 10, {lastIndex, lastText}, texts, values));
+    return appendSeries(startIndex, copies, stepWidth, 10, {lastIndex, lastText}, texts, values);
 }
 
 int intf_multiCopy(const QString& registerType, int startIndex, int copies, int step,
@@ -70,11 +59,11 @@ int intf_multiCopy(const QString& registerType, int startIndex, int copies, int 
 {
     const RegisterType* type = findRegisterType(registerType);
     if (type == nullptr)
-        return static_cast<int>(Series::UnknownType);
+        return fxSeriesUnknownType;
     const int width = stepWidth(*type, step);
     const QString lastText = QString::number(type->last, type->numberBase);
     if (type->numberBase == 10)
         return multiCp_dec(startIndex, copies, width, texts, values, type->last, lastText);
-    return static_cast<int>(appendSeries(startIndex, copies, width, type->numberBase,
-                                         {type->last, lastText}, texts, values));
+    return appendSeries(startIndex, copies, width, type->numberBase, {type->last, lastText}, texts,
+                        values);
 }

@@ -52,7 +52,7 @@ const unsigned char* currentValue(const _DATA_& area)
 
 int servedElements(const RegisterType& type, int startIndex, int count)
 {
-    return servedCount(startIndex, elementCount(type, qMin(count, maxElements)));
+    return servedCount(startIndex, elementCount(type, qMin(count, fxMaxElements)));
 }
 
 int _setDataAreaMonitorFlag(int stationNo, QString registerType, int startIndex, int count)

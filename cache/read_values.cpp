@@ -31,7 +31,7 @@ int intf_getData(int stationNo, QString registerType, int startIndex, int count,
 {
     const RegisterType* type = findRegisterType(registerType);
     if (type == nullptr || out == nullptr)
-        return 1;
+        return fxDone;
     const AreaFinder finder(stationNo, registerTypeName(*type));
     const int elements = servedElements(*type, startIndex, count);
     switch (type->kind) {
@@ -45,5 +45,5 @@ int intf_getData(int stationNo, QString registerType, int startIndex, int count,
         copyValues<4>(finder, startIndex, elements, out);
         break;
     }
-    return 1;
+    return fxDone;
 }

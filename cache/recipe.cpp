@@ -47,19 +47,19 @@ void rcpAddrToVar(_RCP_VAR_PRO rcp, VARIABLE& var, int withData)
     var.addressIndex = rcp.addressIndex;
     var.count = rcp.count;
     std::memset(var.data, 0, sizeof var.data);
-    if (withData != 0 && isCarriable(rcp, maxRecipeWords))
+    if (withData != 0 && isCarriable(rcp, fxMaxUploadWords))
         std::memcpy(var.data, recipeBytes(rcp.recipeWordOffset),
                     static_cast<std::size_t>(bytesPerWord) * static_cast<std::size_t>(rcp.count));
 }
 
 bool isDownloadable(const _RCP_VAR_PRO& entry)
 {
-    return isCarriable(entry, maxWriteWords);
+    return isCarriable(entry, fxMaxWriteWords);
 }
 
 bool isUploadable(const _RCP_VAR_PRO& entry)
 {
-    return isCarriable(entry, maxRecipeWords);
+    return isCarriable(entry, fxMaxUploadWords);
 }
 
 void storeRecipeValue(qint64 firstRecipeWord, int wordCount, unsigned int value)
@@ -70,6 +70,6 @@ void storeRecipeValue(qint64 firstRecipeWord, int wordCount, unsigned int value)
     for (int i = 0; i < bytesPerWord * wordCount; ++i)
         bytes[i] = static_cast<unsigned char>(value >> (8 * i));
     for (int word = 0; word < wordCount; ++word)
-        callHost(recipeLink, recipeStation, QLatin1String("RWI"),
+        callHost(recipeLink, recipeStation, QLatin1String(fxRecipeWordText),
                  static_cast<int>(firstRecipeWord + word));
 }

@@ -39,7 +39,7 @@ void queueBits(VARIABLE request, int startIndex, int bitCount, const unsigned ch
 // one then starts at a number that advanced by words.
 void queueWords(VARIABLE request, int startIndex, int wordCount, const unsigned char* data)
 {
-    const int wordLimit = qMin(wordsPerRequest(), maxWriteWords);
+    const int wordLimit = qMin(wordsPerRequest(), fxMaxWriteWords);
     for (int done = 0; done < wordCount; done += wordLimit) {
         request.addressIndex = startIndex + done;
         request.count = qMin(wordLimit, wordCount - done);
@@ -150,9 +150,9 @@ int intf_setData(int stationNo, QString registerType, int startIndex, int count,
 {
     const RegisterType* type = findRegisterType(registerType);
     if (type == nullptr || data == nullptr)
-        return 1;
+        return fxDone;
     if (driver.cacheOnlyWrites == 0)
         queueWrite(*type, writeRequest(tag, stationNo, registerType), startIndex, count, data);
     write_saveDataToArea(stationNo, registerType, startIndex, count, data);
-    return 1;
+    return fxDone;
 }

@@ -18,8 +18,8 @@
 //     and the 32-bit counters "32CV". "X" and "Y" are numbered in octal on paper; every integer
 //     here is the value of that number (X17 is 15). "SM" and "SD" count from 8000, "32CV" from 200.
 //  7. Values travel as the PLC stores them: low byte first, one byte (0 or 1) for a bit.
-//  8. One call serves at most 65,536 elements, more than the PLC can address; elements beyond
-//     them, or whose number does not fit 32 bits, are left out.
+//  8. One call serves at most fxMaxElements; elements beyond them, or whose number does not fit 32
+//     bits, are left out.
 //  9. Build the library with the Qt of its host (4.8, 5 or 6): Qt value types cross the interface.
 // 10. The link is the FX programming port: 9600 baud, 7 data bits, even parity, 1 stop bit.
 // 11. Stations are numbers from 1 up that tell requests and values apart. No frame carries one:
@@ -40,7 +40,17 @@ class QMutex;
 #define FX_EXPORT __attribute__((visibility("default")))
 #define FX_ENTRY_POINT extern "C" FX_EXPORT
 
+// The answer of the entry points that always answer the same.
+constexpr int fxDone = 1;
+
 // ---- Set-up -----------------------------------------------------------------------------------
+
+// The host's memory: its least size, and where its two request bytes stand. The driver reads and
+// clears them under the host's mutex only.
+constexpr int fxHostMemoryBytes = 60117;
+constexpr int fxDownloadRequestByte = 60115;    // requests a recipe transfer to the PLC
+constexpr int fxUploadRequestByte = 60116;      // requests a recipe transfer from the PLC
+constexpr unsigned char fxRecipeRequested = 1;  // any other value is no request
 
 // The default settings of a new device: 22 comma-separated fields: a host setting, baud rate, data
 // bits, parity, stop bits, two host settings, network address, network port, model name, and the
@@ -56,21 +66,31 @@ FX_ENTRY_POINT void intf_SetDriverPropertyPage(QString& text);
 // Writes the protocol type to `*type`: always 0.
 FX_ENTRY_POINT void intf_getProtocolType(int* type);
 
-// Registers the host's callback in place of any earlier one; null: no calls. It is called on the
-// thread and inside the call that caused it, with no lock held, its result is ignored, and `text`
-// is valid during the call only:
+// The host's callback. It is called on the thread and inside the call that caused it, with no lock
+// held, its result is ignored, and `text` is valid during the call only:
 //   (link, station, register type, number)   a monitored element changed, or its write has ended
-//   (-1, -1, "-1", 0 or -1)                  the one-off read queued last ended well (0) or failed
-//   (0, -1, "RWI", word)                     an upload stored a word of recipe memory
+//   (-1, -1, fxReadEndText, FxReadEnd)       the one-off read queued last has ended
+//   (0, -1, fxRecipeWordText, word)          an upload stored a word of recipe memory
 // The number is that of the bit, word or counter. Bits that change in the PLC are cached but not
 // reported: read them with intf_getData.
-FX_ENTRY_POINT void intf_setAddrValueChangeCallBack(int (*callback)(int linkNo, int stationNo,
-                                                                    QString& text, int value));
+typedef int (*FxValueChangeCallback)(int linkNo, int stationNo, QString& text, int value);
+
+constexpr char fxReadEndText[] = "-1";
+constexpr char fxRecipeWordText[] = "RWI";
+
+enum FxReadEnd
+{
+    fxReadSucceeded = 0,
+    fxReadFailed = -1
+};
+
+// Registers the host's callback in place of any earlier one; null: no calls.
+FX_ENTRY_POINT void intf_setAddrValueChangeCallBack(FxValueChangeCallback callback);
 
 // Sets a connection up, or up anew: empties the plan, the queues and the cache, forgets the
-// exchange in flight, keeps the recipe list and the callback. Always 1, with 0 in `*status`.
-//   hostMemory      the host's memory, 60,117 bytes at least: byte 60115 = 1 requests a recipe
-//                   download, byte 60116 = 1 an upload; null: no recipe requests
+// exchange in flight, keeps the recipe list and the callback. Always fxDone, with 0 in
+// `*status`.
+//   hostMemory      fxHostMemoryBytes or more; null: no recipe requests
 //   hostContext     stored only
 //   recipeWords     the host's recipe memory, large enough for every entry; the driver does not
 //                   know its size; null: no recipe can be carried
@@ -89,57 +109,81 @@ FX_ENTRY_POINT int intf_initProperty(unsigned char* hostMemory, unsigned int hos
 
 // ---- Planning ---------------------------------------------------------------------------------
 
+constexpr int fxPlanTag = 4;              // tag of the read requests of the plan
+constexpr int fxUnpolledStation = 0;      // station of a key that is marked but not polled
+constexpr int fxMaxQueuedRequests = 513;  // in each queue: a further one replaces the last
+
+// By which limit a one-off read is cut to requests.
+enum FxSplit
+{
+    fxSplitByBits = -1,  // eight times as many as by words, more than a PLC answers at once
+    fxSplitByWords = 0   // or any other number
+};
+
 // Replaces the polling plan and the monitor marks by those of `keys`; call it whenever the set of
 // monitored addresses changes. Used of a key: station, type, start and length (bits, words,
 // counters; for "32CV" the marks count words, two a counter). Of bits as many whole bytes are read
-// as `length` fills, from the byte of the start: M5 with length 8 reads M0 to M7. Station 0 is
-// marked, not polled. Returns the number of read requests in the plan.
+// as `length` fills, from the byte of the start: M5 with length 8 reads M0 to M7. Returns the
+// number of read requests in the plan.
 FX_ENTRY_POINT int intf_addrMerge(QList<KEY_ADDRESS>& keys);
 
 // Queues a one-off read, which goes out behind the host's writes and ahead of the plan; the
 // callback tells the end of the request queued last. A request for the same range as a waiting one
-// other than the head takes its place; 513 wait at most, a further one replaces the last. One that
-// fails takes all that wait with it, and only the one queued last is told of. Always 1.
+// other than the head takes its place. A request that fails takes all that wait with it, also one
+// that the host queues from inside the callback that tells of the failure. Always fxDone.
 //   key.registerType  an unknown one is read as words all the same, which nobody keeps
 //   key.startIndex    of bits a multiple of 8: intf_getData does not find what other starts read
 //   key.length        words, counters, or, of bit types, bytes; cut to the words of one frame. Keep
 //                     bits within one: the next would start as many bits on as this one has bytes.
 //                     Below 1 it is queued as it stands, to fail
-//   key.bitIndex      0; with -1 cut to eight times as many, more than a PLC answers at once
+//   key.bitIndex      an FxSplit
 //   tag               carried with each request
 FX_ENTRY_POINT int intf_addConditionRead(KEY_ADDRESS& key, int tag);
 
 // ---- Exchange ---------------------------------------------------------------------------------
 
+constexpr int fxMaxBurst = 3;  // writes and one-off reads between two reads of the plan
+
+enum FxSendResult
+{
+    fxNothingToSend = 0,  // the frame is left as it was
+    fxFrameToSend = 1     // send its first `frameLength` bytes and hand over the reply
+};
+
 // Gives the next frame to send: of a recipe transfer, else of a write, a one-off read, the plan in
-// rotation. At most three writes or one-off reads go out between two reads of the plan, and if the
-// plan is empty three in all: the rest waits for a plan or a set-up.
-//   1  `*out` is a frame: send the first `frameLength` bytes of its `frame`, hand over the reply
-//   0  nothing to send; `*out` is left as it was
-// Until its exchange has ended the same frame is given again.
+// rotation. If the plan is empty, fxMaxBurst writes and one-off reads go out in all: the rest waits
+// for a plan or a set-up. Until its exchange has ended the same frame is given again.
+// Returns an FxSendResult.
 FX_ENTRY_POINT int intf_getSendFrame(FRAME_PRO* out);
+
+enum FxReplyResult
+{
+    fxNoFrameInFlight = 0,  // the reply is ignored, the error text is empty
+    fxReplyAccepted = 1,    // the exchange has ended
+    fxExchangeFailed = 2,   // rejected as often as the property string allows: it has ended, too
+    fxSendAgain = 8         // rejected: send the same frame again
+};
 
 // Takes the reply to the frame in flight (empty after a time-out). `errorText` becomes
 // "station#register(count)(reply bytes)" of the frame in flight, whatever the result.
-//   0  no frame was in flight: the reply is ignored, `errorText` is empty
-//   1  accepted: the exchange has ended
-//   8  rejected: send the same frame again
-//   2  rejected as often as the property string allows: the exchange has ended as failed
+// Returns an FxReplyResult.
 FX_ENTRY_POINT int intf_dealRcvFrame(QByteArray& reply, QString& errorText);
 
 // ---- Values -----------------------------------------------------------------------------------
 
+constexpr int fxMaxElements = 65536;  // that one call serves: more than the PLC can address
+constexpr int fxMaxWriteWords = 253;  // that one frame writes: no record holds a longer one
+
 // Reads values from the cache, never from the link; what was neither polled nor written is 0.
-// Always 1; an unknown type or a count below 1 (below 2 for "32CV") leaves `out` alone.
+// Always fxDone; an unknown type or a count below 1 (below 2 for "32CV") leaves `out` alone.
 //   count  bits, words, or for "32CV" words, two a counter
 //   out    count bytes for bits, 2 x count for words, 4 x (count / 2) for "32CV"
 FX_ENTRY_POINT int intf_getData(int stationNo, QString registerType, int startIndex, int count,
                                 unsigned char* out);
 
 // Writes values: into the cache at once, to the PLC by queued requests (one a bit; words cut to
-// the frame limit, 253 at most). "X" reaches the cache only. A request for the same range as a
-// waiting one other than the head takes its place; 513 wait at most, a further one replaces the
-// last. Always 1.
+// the frame limit, fxMaxWriteWords at most). "X" reaches the cache only. A request for the same
+// range as a waiting one other than the head takes its place. Always fxDone.
 //   count, data  as in intf_getData; a bit is on only if its byte is exactly 1
 //   tag          carried with each request
 // Keep a write of "32CV" to the words of one frame: a further request would start as many counters
@@ -149,40 +193,70 @@ FX_ENTRY_POINT int intf_setData(int stationNo, QString registerType, int startIn
 
 // ---- Recipes ----------------------------------------------------------------------------------
 
+constexpr int fxMaxUploadWords = fxRecordBytes / 2;  // that one entry fetches; of "32CV" counters
+
 // Replaces the recipe list by the entries of `list` that carry this link's number, so call it
 // after intf_initProperty. Returns the number of entries kept.
 // A transfer starts when the host sets a request byte to 1, under its mutex, and has ended when
 // the driver has set it back to 0: all was carried, or an exchange failed. An entry that no frame
-// can carry (count below 0, above 253 to download, above 512 to upload, offset below 0) ends it
-// too. With no entries a request repeats the last exchange until the host sets its byte back.
+// can carry (count below 0, above fxMaxWriteWords to download, above fxMaxUploadWords to upload,
+// offset below 0) ends it too. With no entries a request repeats the last exchange until the host
+// sets its byte back; if that was a write, each repeat that is acknowledged takes the head of the
+// waiting writes with it, unsent.
 // An entry of a bit type forces one bit, on if the low byte of its first word is exactly 1, and
 // fetches nothing into recipe memory.
 FX_ENTRY_POINT int intf_setRcpAddress(QVector<_RCP_VAR_PRO>& list);
 
 // ---- Address services for the editor ----------------------------------------------------------
 
-// Checks the number part of an address, in the order 1, 4 for a sign, 6, 5, 3, 4, 2: the first that
-// applies is the result. `addressIndex` receives the number once the text was parsed (0 if it is
-// none), so with 0, 2 and the later 4.
-//   dataType    -1 = bit, anything else = word; "32CV" takes 1, 3, 5, 6 and 9
-//   count       registers that the address covers
-//   accessMode  1 and 2 write
-//   0  valid
-//   1  the width does not suit the register type
-//   2  out of the type's range, or running past its end
-//   3  unknown register type
-//   4  holds a sign, or is no number in the type's base
-//   5  "32CV" with another data type
-//   6  write access to "X"
+// Data types; any other is a word.
+constexpr int fxBitDataType = -1;
+constexpr int fxCounterDataTypes[] = {1, 3, 5, 6, 9};  // those of 32 bits, which "32CV" takes
+
+// Access modes; any other reads.
+enum FxAccessMode
+{
+    fxReadAccess = 0,
+    fxWriteAccess = 1,
+    fxReadWriteAccess = 2
+};
+
+enum FxAccessWidth
+{
+    fxBitAccess = 0,
+    fxWordAccess = 1  // or any other number
+};
+
+enum FxAddressCheck
+{
+    fxAddressValid = 0,
+    fxWrongWidth = 1,         // a bit access to a word type, or the other way round
+    fxAddressOutOfRange = 2,  // out of the type's range, or running past its end
+    fxUnknownType = 3,
+    fxNotANumber = 4,  // a sign in the text, or no number in the type's base
+    fxNotACounterDataType = 5,
+    fxWriteToInput = 6
+};
+
+// Checks the number part of an address: its width, signs, writes to "X", the data type of "32CV",
+// the register type, the number, its range. The first that is wrong is the result, an
+// FxAddressCheck. `addressIndex` receives the number as soon as the text is parsed (0 if it is no
+// number), whatever the range.
+//   count  registers that the address covers
 FX_ENTRY_POINT int intf_checkAddr(const QString& registerType, const QString& addressText,
                                   int* addressIndex, int dataType, int count, int accessMode);
 
-// The same where only the width of the access is known; 5 and 6 do not occur.
-//   wordAccess  0 = bit, anything else = word
+// The same where only the width of the access is known, an FxAccessWidth.
 FX_ENTRY_POINT int intf_checkAddrValidity(const QString& registerType, const QString& addressText,
                                           int* addressIndex, int count, int wordAccess);
 
-// Appends the names of the bit types (kind 0) or word types (kind 1) to `names`.
+enum FxTypeList
+{
+    fxBitTypes = 0,
+    fxWordTypes = 1
+};
+
+// Appends the names of the register types of that FxTypeList to `names`.
 // 1 for these kinds, else 0 with nothing appended.
 FX_ENTRY_POINT int intf_getRegListByType(int kind, QList<QString>& names);
 
@@ -191,13 +265,23 @@ FX_ENTRY_POINT int intf_getRegListByType(int kind, QList<QString>& names);
 // be written, else "0". Nothing for an unknown type. 1 for "32CV", else 0: go by the texts.
 FX_ENTRY_POINT int intf_getRegDiscription(const QString& registerType, QList<QString>& fields);
 
+// Steps with a meaning of their own; any other below 1 is 1.
+enum FxSeriesStep
+{
+    fxPlainStep = -1,    // 1
+    fxStepOf32Bits = -2  // 2 for words, else 1
+};
+
+enum FxSeriesResult
+{
+    fxSeriesUnknownType = 0,  // nothing appended
+    fxSeriesFitted = 1,       // every number fitted
+    fxSeriesClamped = 2       // at least one was past the type's end and became its last number
+};
+
 // Appends the addresses of `copies` copies of an object, `step` apart, from `startIndex` on, as
 // texts (of "X" and "Y" in octal) and as numbers. Nothing is checked against the type's first
-// number; below one copy nothing is appended, and the result is 1.
-//   step  -1 = 1; -2 = a 32-bit value: 2 for words, else 1; anything else below 1 = 1
-//   0  unknown register type, nothing appended
-//   1  every number fitted
-//   2  at least one was past the type's end and became its last number
+// number; below one copy nothing is appended. Returns an FxSeriesResult.
 FX_ENTRY_POINT int intf_multiCopy(const QString& registerType, int startIndex, int copies, int step,
                                   QVector<QString>& texts, QVector<int>& values);
 

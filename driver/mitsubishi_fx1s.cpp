@@ -16,16 +16,16 @@ Mitsubishi_fx1s::~Mitsubishi_fx1s() = default;
 
 int wordsPerRequest()
 {
-    return qBound(1, driver.maxWordsPerFrame, maxElements);
+    return qBound(1, driver.maxWordsPerFrame, fxMaxElements);
 }
 
 int bitsPerRequest()
 {
     return driver.maxBitsPerFrame < 1 ? bitsPerArea
-                                      : qMin(driver.maxBitsPerFrame, maxElements * bitsPerArea);
+                                      : qMin(driver.maxBitsPerFrame, fxMaxElements * bitsPerArea);
 }
 
 int servedCount(int startIndex, int count)
 {
-    return static_cast<int>(qMin<qint64>(qBound(0, count, maxElements), intsFrom(startIndex)));
+    return static_cast<int>(qMin<qint64>(qBound(0, count, fxMaxElements), intsFrom(startIndex)));
 }

@@ -15,18 +15,8 @@
 #include <QList>
 #include <QVector>
 
-constexpr int maxBurst = 3;         // writes and one-off reads between two cyclic reads
-constexpr int maxElements = 65536;  // longer runs exceed what the 16-bit wire address can reach
-constexpr int maxWriteWords = 253;  // 11 + 4 x 253 = 1023 bytes: the longest write in one record
-constexpr int maxRecipeWords = recordBytes / 2;  // recipe words that one request can hold
-constexpr int bitsPerArea = 8;                   // bit devices are cached by the byte
+constexpr int bitsPerArea = 8;  // bit devices are cached by the byte
 constexpr int bytesPerWord = 2;
-
-constexpr int downloadRequestByte = 60115;  // position in host memory: recipe to the PLC
-constexpr int uploadRequestByte = 60116;    // position in host memory: recipe from the PLC
-
-// Tells the host about a change; the result is ignored, `text` is valid during the call only.
-typedef int (*ValueChangeCallback)(int linkNo, int stationNo, QString& text, int value);
 
 // Kinds of the exchange in progress, as `operationKind` holds them. There is no kind 1.
 enum class OperationKind
@@ -47,7 +37,7 @@ public:
     Mitsubishi_fx1s(const Mitsubishi_fx1s&) = delete;
     Mitsubishi_fx1s& operator=(const Mitsubishi_fx1s&) = delete;
 
-    ValueChangeCallback valueChangeCallback = nullptr;
+    FxValueChangeCallback valueChangeCallback = nullptr;
 
     // The six numbers of the property string.
     int linkNo = 0;
@@ -96,7 +86,7 @@ extern FX_EXPORT Mitsubishi_fx1s driver;
 int wordsPerRequest();
 int bitsPerRequest();
 
-// How many of the `count` elements from `startIndex` on one call serves: at most maxElements, and
+// How many of the `count` elements from `startIndex` on one call serves: at most fxMaxElements, and
 // none whose number does not fit 32 bits.
 int servedCount(int startIndex, int count);
 

@@ -13,17 +13,17 @@
 
 #include <cstddef>
 
-constexpr int recordBytes = 1024;  // value or frame bytes that one record carries
+constexpr int fxRecordBytes = 1024;  // value or frame bytes that one record carries
 
 // One request for a contiguous run of registers of one type in one station.
 struct VARIABLE
 {
-    int tag = 0;           // the host's own mark; of the plan 4, of a recipe what was there before
+    int tag = 0;           // the host's own mark; fxPlanTag; of a recipe what was there before
     int stationNo = 0;     // PLC station
     QString registerType;  // "X", "Y", "M", "S", "SM", "T", "C", "D", "SD", "TV", "CV", "32CV"
     int addressIndex = 0;  // register number; X and Y: the value of the octal number
     int count = 0;         // read: bytes of 8 bits, words or counters; word write: words; bit: 1
-    unsigned char data[recordBytes] = {};  // payload of a write
+    unsigned char data[fxRecordBytes] = {};  // payload of a write
 
     VARIABLE() = default;
     VARIABLE(const VARIABLE&) = default;
@@ -36,13 +36,13 @@ struct KEY_ADDRESS
     QString hostText1;     // the host's own
     int hostValue1 = 0;    // the host's own
     int hostValue2 = 0;    // the host's own
-    int stationNo = 0;     // PLC station; 0 = marked in the cache but not polled
+    int stationNo = 0;     // PLC station, or fxUnpolledStation
     QString registerType;  // as in VARIABLE
     QString hostText2;     // the host's own
     int startIndex = 0;    // first register number
-    int bitIndex = 0;      // one-off reads: -1 splits by the bit limit, else by the word limit
+    int bitIndex = 0;      // one-off reads: an FxSplit
     int length = 0;        // bits, words or counters; see intf_addrMerge, intf_addConditionRead
-    unsigned char data[recordBytes] = {};  // the host's own
+    unsigned char data[fxRecordBytes] = {};  // the host's own
 
     KEY_ADDRESS() = default;
     KEY_ADDRESS(const KEY_ADDRESS&) = default;
@@ -53,9 +53,9 @@ struct KEY_ADDRESS
 // One request frame, ready to be sent, and what its reply is expected to look like.
 struct FRAME_PRO
 {
-    unsigned char frame[recordBytes] = {};  // from STX to the last sum character
-    int frameLength = 0;                    // bytes of `frame` to send
-    int replyLength = 0;                    // bytes of a whole reply
+    unsigned char frame[fxRecordBytes] = {};  // from STX to the last sum character
+    int frameLength = 0;                      // bytes of `frame` to send
+    int replyLength = 0;                      // bytes of a whole reply
     int isRead = 0;          // 1 = the reply carries data, which starts at this position; 0 = write
     int replyDataChars = 0;  // hexadecimal data characters of a whole reply, two a byte
     int spare = 0;           // carried, without a meaning
@@ -113,13 +113,13 @@ static_assert(offsetof(KEY_ADDRESS, length) == offsetof(KEY_ADDRESS, startIndex)
 static_assert(offsetof(KEY_ADDRESS, data) == offsetof(KEY_ADDRESS, startIndex) + 12);
 
 static_assert(offsetof(FRAME_PRO, frame) == 0);
-static_assert(offsetof(FRAME_PRO, frameLength) == recordBytes);
-static_assert(offsetof(FRAME_PRO, replyLength) == recordBytes + 4);
-static_assert(offsetof(FRAME_PRO, isRead) == recordBytes + 8);
-static_assert(offsetof(FRAME_PRO, replyDataChars) == recordBytes + 12);
-static_assert(offsetof(FRAME_PRO, spare) == recordBytes + 16);
+static_assert(offsetof(FRAME_PRO, frameLength) == fxRecordBytes);
+static_assert(offsetof(FRAME_PRO, replyLength) == fxRecordBytes + 4);
+static_assert(offsetof(FRAME_PRO, isRead) == fxRecordBytes + 8);
+static_assert(offsetof(FRAME_PRO, replyDataChars) == fxRecordBytes + 12);
+static_assert(offsetof(FRAME_PRO, spare) == fxRecordBytes + 16);
 static_assert(offsetof(FRAME_PRO, variable) ==
-              (recordBytes + 20 + alignof(VARIABLE) - 1) / alignof(VARIABLE) * alignof(VARIABLE));
+              (fxRecordBytes + 20 + alignof(VARIABLE) - 1) / alignof(VARIABLE) * alignof(VARIABLE));
 
 static_assert(offsetof(_RCP_VAR_PRO, linkNo) == 0);
 static_assert(offsetof(_RCP_VAR_PRO, stationNo) == 4);

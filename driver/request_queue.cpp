@@ -5,6 +5,8 @@
 
 #include "driver/request_queue.h"
 
+#include "driver/intf.h"
+
 bool isSameRequest(const VARIABLE& a, const VARIABLE& b)
 {
     return a.addressIndex == b.addressIndex && a.count == b.count && a.stationNo == b.stationNo &&
@@ -20,8 +22,8 @@ void enqueueRequest(QList<VARIABLE>& queue, const VARIABLE& request)
             return;
         }
     }
-    if (size < maxQueuedRequests)
+    if (size < fxMaxQueuedRequests)
         queue.append(request);
     else
-        queue[maxQueuedRequests - 1] = request;
+        queue[fxMaxQueuedRequests - 1] = request;
 }

@@ -10,8 +10,6 @@
 
 #include <QList>
 
-constexpr int maxQueuedRequests = 513;  // bounds what a host that never sends can pile up
-
 // True when both ask for the same run of registers; tag and data are not compared.
 bool isSameRequest(const VARIABLE& a, const VARIABLE& b);
 

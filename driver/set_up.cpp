@@ -65,10 +65,10 @@ int intf_initProperty(unsigned char* hostMemory, unsigned int hostContext,
     driver.hostMutex = hostMutex;
     resetLists();
     resetExchange();
-    return 1;
+    return fxDone;
 }
 
-void intf_setAddrValueChangeCallBack(int (*callback)(int, int, QString&, int))
+void intf_setAddrValueChangeCallBack(FxValueChangeCallback callback)
 {
     driver.valueChangeCallback = callback;
 }

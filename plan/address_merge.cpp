@@ -19,9 +19,6 @@
 
 namespace {
 
-constexpr int planTag = static_cast<int>(OperationKind::CyclicRead);
-constexpr int unpolledStation = 0;
-
 // How many steps ahead things are prefetched: each needs the one before it at hand.
 constexpr int keyAhead = 16;
 constexpr int slotAhead = 8;
@@ -92,7 +89,7 @@ void prefetchAhead(const QList<VARIABLE>& plan, int position)
 void filePieces(const KEY_ADDRESS& key, PieceMap& pieces)
 {
     const RegisterType* type = findRegisterType(key.registerType);
-    if (key.stationNo == unpolledStation || type == nullptr)
+    if (key.stationNo == fxUnpolledStation || type == nullptr)
         return;
     const PieceCutter cutter(key.startIndex, key.length, requestLimit(*type));
     if (cutter.pieceCount() == 0)
@@ -169,7 +166,7 @@ void mergeGroup(const Group& group, const std::vector<Piece>& pieces, std::vecto
 
 void fillRequest(VARIABLE& request, const Block& block)
 {
-    request.tag = planTag;
+    request.tag = fxPlanTag;
     request.stationNo = block.group.stationNo;
     request.registerType = registerTypeName(*block.group.type);
     request.addressIndex = block.addressIndex;

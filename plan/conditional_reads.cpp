@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr int splitByBits = -1;
-
 void queueRead(const VARIABLE& request)
 {
     enqueueRequest(driver.conditionReadList, request);
@@ -30,15 +28,15 @@ int intf_addConditionRead(KEY_ADDRESS& key, int tag)
     request.count = key.length;
     if (key.length < 1) {
         queueRead(request);  // as it stands
-        return 1;
+        return fxDone;
     }
     // By bitIndex alone, whatever the register type.
-    const int limit = key.bitIndex == splitByBits ? bitsPerRequest() : wordsPerRequest();
+    const int limit = key.bitIndex == fxSplitByBits ? bitsPerRequest() : wordsPerRequest();
     const PieceCutter cutter(key.startIndex, key.length, limit);
     for (int i = 0; i < cutter.pieceCount(); ++i) {
         request.addressIndex = cutter.start(i);
         request.count = cutter.length(i);
         queueRead(request);
     }
-    return 1;
+    return fxDone;
 }

@@ -24,7 +24,8 @@ void endHostWrite()
 
 void reportConditionRead()
 {
-    callHost(noLink, noStation, QLatin1String("-1"), driver.lastExchangeFailed != 0 ? -1 : 0);
+    callHost(noLink, noStation, QLatin1String(fxReadEndText),
+             driver.lastExchangeFailed != 0 ? fxReadFailed : fxReadSucceeded);
 }
 
 void endConditionRead()
@@ -77,9 +78,9 @@ void dealListWhenFinish()
     case OperationKind::CyclicRead:
         return rotatePlan();
     case OperationKind::RecipeDownload:
-        return endRecipeEntry(downloadRequestByte);
+        return endRecipeEntry(fxDownloadRequestByte);
     case OperationKind::RecipeUpload:
-        return endRecipeEntry(uploadRequestByte);
+        return endRecipeEntry(fxUploadRequestByte);
     }
 }
 

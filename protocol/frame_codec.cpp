@@ -98,7 +98,7 @@ void buildWordWrite(const VARIABLE& request, FRAME_PRO& frame)
 {
     const RegisterType* type = findRegisterType(request.registerType);
     const int base = type == nullptr ? 0 : type->writeBase;
-    const int byteCount = bytesPerWord * qBound(0, request.count, maxWriteWords);
+    const int byteCount = bytesPerWord * qBound(0, request.count, fxMaxWriteWords);
 
     FrameWriter writer(frame.frame, wordWriteCommand);
     writer.putWord(static_cast<unsigned int>(byteAddress(type, base, request.addressIndex)));

@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr unsigned char requested = 1;  // any other value is no request
-
 bool hasRequestBytes()
 {
     return driver.hostMemory != nullptr && driver.hostMutex != nullptr;
@@ -25,10 +23,10 @@ RecipeRequests readRecipeRequests()
     if (!hasRequestBytes())
         return {false, false};
     driver.hostMutex->lock();
-    const unsigned char download = driver.hostMemory[downloadRequestByte];
-    const unsigned char upload = driver.hostMemory[uploadRequestByte];
+    const unsigned char download = driver.hostMemory[fxDownloadRequestByte];
+    const unsigned char upload = driver.hostMemory[fxUploadRequestByte];
     driver.hostMutex->unlock();
-    return {download == requested, upload == requested};
+    return {download == fxRecipeRequested, upload == fxRecipeRequested};
 }
 
 void clearRecipeRequest(int requestByte)

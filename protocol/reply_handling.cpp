@@ -14,14 +14,6 @@
 
 namespace {
 
-enum class ReplyResult
-{
-    NoFrame = 0,
-    Accepted = 1,
-    Failed = 2,
-    SendAgain = 8
-};
-
 // Tells the cache how a host write ended; a recipe download is not one.
 void endHostWriteInCache(bool isConfirmed)
 {
@@ -32,21 +24,21 @@ void endHostWriteInCache(bool isConfirmed)
                     isConfirmed ? 1 : 0);
 }
 
-ReplyResult endAccepted()
+FxReplyResult endAccepted()
 {
     driver.lastExchangeFailed = 0;
     if (!driver.frames.isEmpty())
         driver.frames.removeFirst();
     dealListWhenFinish();
     driver.failCount = 0;
-    return ReplyResult::Accepted;
+    return fxReplyAccepted;
 }
 
-ReplyResult reject()
+FxReplyResult reject()
 {
     ++driver.failCount;
     if (driver.failCount < driver.failLimit)
-        return ReplyResult::SendAgain;
+        return fxSendAgain;
     const ReadRange range(driver.frames.at(0));
     driver.lastExchangeFailed = 1;
     endHostWriteInCache(false);
@@ -54,11 +46,11 @@ ReplyResult reject()
     driver.frames.clear();
     driver.failCount = 0;
     dealListWhenFinish();
-    return ReplyResult::Failed;
+    return fxExchangeFailed;
 }
 
 // Takes the reply by value: the host may reuse its buffer in a callback.
-ReplyResult handleReply(QByteArray reply)
+FxReplyResult handleReply(QByteArray reply)
 {
     const unsigned char* bytes = reinterpret_cast<const unsigned char*>(reply.constData());
     switch (judgeReply(bytes, static_cast<int>(reply.size()), driver.frames.at(0))) {
@@ -72,7 +64,7 @@ ReplyResult handleReply(QByteArray reply)
         storeReply(ReadRange(driver.frames.at(0)), reply);
         return endAccepted();
     }
-    return ReplyResult::NoFrame;
+    return fxNoFrameInFlight;
 }
 
 }  // namespace
@@ -81,7 +73,7 @@ int intf_dealRcvFrame(QByteArray& reply, QString& errorText)
 {
     errorText = QLatin1String("");
     if (driver.frames.isEmpty())
-        return static_cast<int>(ReplyResult::NoFrame);
+        return fxNoFrameInFlight;
     errorText = getErrorInfo(reply);
-    return static_cast<int>(handleReply(reply));
+    return handleReply(reply);
 }

@@ -79,7 +79,7 @@ void startCyclicRead()
 
 void startOrdinary()
 {
-    const bool mayBurst = driver.burstCount < maxBurst;
+    const bool mayBurst = driver.burstCount < fxMaxBurst;
     if (mayBurst && !driver.writeList.isEmpty()) {
         ++driver.burstCount;
         startExchange(OperationKind::HostWrite, driver.writeList.at(0));
@@ -106,11 +106,11 @@ void chooseExchange()
 int intf_getSendFrame(FRAME_PRO* out)
 {
     if (out == nullptr)
-        return 0;
+        return fxNothingToSend;
     if (driver.frames.isEmpty())
         chooseExchange();
     if (driver.frames.isEmpty())
-        return 0;
+        return fxNothingToSend;
     *out = driver.frames.at(0);
-    return 1;
+    return fxFrameToSend;
 }

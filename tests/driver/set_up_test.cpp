@@ -83,7 +83,7 @@ TEST_F(SetUpOfAConnection, KeepsRecipeRequestsAndCallback)
     driver.recipeIndex = 1;
     driver.lastConditionRead = request("D", 3, 1);
     driver.current = request("D", 4, 1);
-    const ValueChangeCallback callback = driver.valueChangeCallback;
+    const FxValueChangeCallback callback = driver.valueChangeCallback;
     setUpDriver();
     setUpDriver();
     EXPECT_EQ(2, driver.recipeVars.size());

@@ -88,7 +88,7 @@ TEST_F(AnyTime, SetUpLetsATransferGoOnWhereItStood)
     expectIdle();
     EXPECT_EQ("1#D50/1", nextRequest());
     EXPECT_EQ(1, reply("<ACK>"));
-    EXPECT_EQ(0, hostMemory[downloadRequestByte]);
+    EXPECT_EQ(0, hostMemory[fxDownloadRequestByte]);
 }
 
 // The host's memory goes away between two words of an upload.

@@ -211,7 +211,7 @@ TEST_P(CallbackPlace, StaysSound)
     EXPECT_GT(called, 0) << "no callback was made here";
     expectSound();
 
-    hostMemory[uploadRequestByte] = 0;
+    hostMemory[fxUploadRequestByte] = 0;
     setUpDriver();
     monitor("D", 100, 2);
     EXPECT_EQ("1#D100/2", nextRequest());

@@ -12,8 +12,6 @@
 
 namespace {
 
-constexpr int mostElements = 65536;
-
 const int extremes[] = {INT_MIN, INT_MIN + 1, -65537, -8,  -1,   0,     1,           7,      8,
                         253,     254,         512,    513, 8000, 65535, INT_MAX - 1, INT_MAX};
 const int counts[] = {INT_MIN, -1, 0, 1, 2, 3, 253, 254, 512, 513};
@@ -27,7 +25,7 @@ const char* const oneOfEachWidth[] = {"M", "D", "32CV", "Z"};
 class ExtremeNumbers : public DriverTest
 {
 protected:
-    ExtremeNumbers() : buffer(4 * mostElements, 1) { setUpDriver("1#0#0#1#32"); }
+    ExtremeNumbers() : buffer(4 * fxMaxElements, 1) { setUpDriver("1#0#0#1#32"); }
 
     void readAndWrite(int station, const QString& type, int start, int count)
     {
@@ -80,7 +78,7 @@ TEST_F(ExtremeNumbers, InCountsThatNoLinkCarries)
             for (const int count : hugeCounts) {
                 setUpDriver("1#0#0#1#32");
                 ASSERT_NO_FATAL_FAILURE(readAndWrite(1, QString::fromLatin1(type), start, count));
-                ASSERT_LE(driver.dataAreas.size(), mostElements);
+                ASSERT_LE(driver.dataAreas.size(), fxMaxElements);
                 ASSERT_NO_FATAL_FAILURE(exchangeTwice());
             }
         }
@@ -98,7 +96,7 @@ TEST_F(ExtremeNumbers, InKeys)
                     QList<KEY_ADDRESS> keys{key};
                     const int planned = intf_addrMerge(keys);
                     ASSERT_EQ(planned, driver.readList.size());
-                    ASSERT_LE(planned, mostElements);
+                    ASSERT_LE(planned, fxMaxElements);
                     ASSERT_EQ(1, intf_addConditionRead(key, INT_MIN));
                     ASSERT_NO_FATAL_FAILURE(exchangeTwice());
                 }
@@ -204,7 +202,7 @@ TEST_F(ExtremeNumbers, InLengthsOfSeries)
         QVector<QString> texts;
         QVector<int> values;
         intf_multiCopy(QLatin1String("D"), 0, copies, 1, texts, values);
-        EXPECT_EQ(copies < 1 ? 0 : std::min(copies, mostElements), texts.size());
+        EXPECT_EQ(copies < 1 ? 0 : std::min(copies, fxMaxElements), texts.size());
     }
 }
 

@@ -189,7 +189,7 @@ TEST_F(ReentrantHost, WhileAnUploadStoresWords)
     EXPECT_EQ((Texts{"0,-1,RWI,10", "0,-1,RWI,11"}), calls);
     EXPECT_EQ(0x3412, recipeWords[10]);
     EXPECT_EQ(0x7856, recipeWords[11]);
-    EXPECT_EQ(0, hostMemory[uploadRequestByte]);
+    EXPECT_EQ(0, hostMemory[fxUploadRequestByte]);
     expectSound();
 }
 

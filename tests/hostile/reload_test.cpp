@@ -72,7 +72,7 @@ void live(void* library, std::vector<unsigned char>& memory, std::vector<unsigne
 
 TEST(Reload, AThousandLoadsLeaveNothingBehind)
 {
-    std::vector<unsigned char> memory(60117);
+    std::vector<unsigned char> memory(fxHostMemoryBytes);
     std::vector<unsigned short> words(16);
     long settled = 0;
     for (int load = 0; load < loads; ++load) {

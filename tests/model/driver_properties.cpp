@@ -12,8 +12,6 @@
 
 namespace {
 
-constexpr int mostQueued = 513;
-
 bool isBitType(const QString& type)
 {
     return type == "X" || type == "Y" || type == "M" || type == "S" || type == "SM" ||
@@ -35,7 +33,7 @@ std::string brokenArea(const _DATA_& area)
 
 std::string brokenQueue(const QList<VARIABLE>& queue)
 {
-    if (queue.size() > mostQueued)
+    if (queue.size() > fxMaxQueuedRequests)
         return "a queue is longer than its limit";
     return "";
 }
@@ -83,7 +81,7 @@ bool isMonitored(int stationNo, const QString& type, int number)
 std::string malformed(const FRAME_PRO& frame)
 {
     const int length = frame.frameLength;
-    if (length < 9 || length > recordBytes || length != lengthOf(frame))
+    if (length < 9 || length > fxRecordBytes || length != lengthOf(frame))
         return "a frame has the wrong length";
     if (frame.frame[0] != 0x02 || frame.frame[length - 3] != 0x03)
         return "a frame is not framed";

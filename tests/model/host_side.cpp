@@ -51,7 +51,7 @@ std::string describe(const VARIABLE& request)
 
 std::string describe(const FRAME_PRO& frame)
 {
-    const int length = std::max(0, std::min(frame.frameLength, recordBytes));
+    const int length = std::max(0, std::min(frame.frameLength, fxRecordBytes));
     return "frame " + hexOf(frame.frame, static_cast<std::size_t>(length)) + " " +
            std::to_string(frame.frameLength) + "," + std::to_string(frame.replyLength) + "," +
            std::to_string(frame.isRead) + "," + std::to_string(frame.replyDataChars) + "," +

@@ -8,7 +8,7 @@
 #ifndef TESTS_MODEL_HOST_SIDE_H
 #define TESTS_MODEL_HOST_SIDE_H
 
-#include "driver/records.h"
+#include "driver/intf.h"
 
 #include <QMutex>
 #include <QString>
@@ -48,7 +48,7 @@ extern std::function<int(int, int, QString&, int)> activeHost;
 class Host
 {
 public:
-    Host() : memory(60117), recipe(recipeWordCount) {}
+    Host() : memory(fxHostMemoryBytes), recipe(recipeWordCount) {}
     Host(const Host&) = delete;
     Host& operator=(const Host&) = delete;
 

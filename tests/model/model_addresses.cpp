@@ -149,7 +149,7 @@ int ModelDriver::multiCopy(const QString& registerType, int startIndex, int copi
     const int last = lastNumber(registerType);
     int result = 1;
     long long number = startIndex;
-    for (int copy = 0; copy < copies && copy < modelMostElements; ++copy) {
+    for (int copy = 0; copy < copies && copy < fxMaxElements; ++copy) {
         const int shown = number <= last ? static_cast<int>(number) : last;
         texts.append(modelNumberText(registerType, shown));
         values.append(shown);

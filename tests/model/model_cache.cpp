@@ -37,7 +37,7 @@ unsigned char* currentBytes(_DATA_& area)
 // None below 1, at most 65,536.
 int capped(int count)
 {
-    return std::max(0, std::min(count, modelMostElements));
+    return std::max(0, std::min(count, fxMaxElements));
 }
 
 // Elements that a call names: two words a counter, none of an unknown type.

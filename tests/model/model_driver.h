@@ -9,7 +9,7 @@
 #ifndef TESTS_MODEL_MODEL_DRIVER_H
 #define TESTS_MODEL_MODEL_DRIVER_H
 
-#include "driver/records.h"
+#include "driver/intf.h"
 
 #include <QByteArray>
 #include <QList>
@@ -145,7 +145,5 @@ bool modelIsWord(const QString& type);
 bool modelFitsInt(long long number);
 int modelNumbered(int start, int count);  // of `count` elements those whose number is an integer
 QString modelNumberText(const QString& type, int number);  // as the operator writes it
-
-constexpr int modelMostElements = 65536;
 
 #endif

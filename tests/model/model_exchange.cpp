@@ -11,9 +11,6 @@
 
 namespace {
 
-constexpr int downloadByte = 60115;
-constexpr int uploadByte = 60116;
-
 int nibbleAt(const QByteArray& reply, int position)
 {
     if (position >= static_cast<int>(reply.size()))
@@ -50,8 +47,8 @@ void ModelDriver::chooseFrame()
     bool upload = false;
     if (hostMemory && hostMutex) {
         hostMutex->lock();
-        download = hostMemory[downloadByte] == 1;
-        upload = hostMemory[uploadByte] == 1;
+        download = hostMemory[fxDownloadRequestByte] == 1;
+        upload = hostMemory[fxUploadRequestByte] == 1;
         hostMutex->unlock();
     }
     if (download && transferRecipe(true))
@@ -276,6 +273,6 @@ void ModelDriver::endRecipe(bool download)
     if (!hostMemory || !hostMutex)
         return;
     hostMutex->lock();
-    hostMemory[download ? downloadByte : uploadByte] = 0;
+    hostMemory[download ? fxDownloadRequestByte : fxUploadRequestByte] = 0;
     hostMutex->unlock();
 }

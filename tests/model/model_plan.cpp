@@ -33,7 +33,7 @@ long long bytesOf(long long bits)
 
 int ModelDriver::wordLimit() const
 {
-    return std::max(1, std::min(maxWordsPerFrame, modelMostElements));
+    return std::max(1, std::min(maxWordsPerFrame, fxMaxElements));
 }
 
 int ModelDriver::bitLimit() const
@@ -46,7 +46,7 @@ int ModelDriver::bitLimit() const
 ModelDriver::Pieces ModelDriver::cut(int start, int length, int limit)
 {
     Pieces pieces;
-    length = modelNumbered(start, std::min(length, modelMostElements));
+    length = modelNumbered(start, std::min(length, fxMaxElements));
     for (int done = 0; done < length; done += std::min(limit, length - done))
         pieces.push_back({start + done, std::min(limit, length - done)});
     return pieces;

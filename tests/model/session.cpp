@@ -234,10 +234,12 @@ void Session::setRecipe()
 
 void Session::request()
 {
-    const std::size_t position = choices.oneOf({60115U, 60116U});
+    const int position = choices.oneOf({fxDownloadRequestByte, fxUploadRequestByte});
     const int value = choices.oneOf({1, 1, 1, 0, 2, 255});
     both("request byte " + std::to_string(position) + " = " + std::to_string(value),
-         [&](auto&, Host& host) { host.memory[position] = static_cast<unsigned char>(value); });
+         [&](auto&, Host& host) {
+             host.memory[static_cast<std::size_t>(position)] = static_cast<unsigned char>(value);
+         });
 }
 
 void Session::scribble()

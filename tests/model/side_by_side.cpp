@@ -11,7 +11,7 @@
 
 int bufferBytes(int count)
 {
-    return 4 * std::max(0, std::min(count, 65536));
+    return 4 * std::max(0, std::min(count, fxMaxElements));
 }
 
 SideBySide::SideBySide()

@@ -17,7 +17,7 @@ protected:
         driver.conditionReadList << request("D", 3, 1) << request("D", 4, 1);
         driver.readList << request("D", 5, 1) << request("D", 6, 1) << request("D", 7, 1);
         driver.recipeVars << recipeEntry("D", 8, 1, 0) << recipeEntry("D", 9, 1, 0);
-        hostMemory[60115] = hostMemory[60116] = 1;
+        hostMemory[fxDownloadRequestByte] = hostMemory[fxUploadRequestByte] = 1;
     }
     void end(int kind, bool failed)
     {
@@ -34,8 +34,9 @@ protected:
     }
     std::string transfer()
     {
-        return std::to_string(driver.recipeIndex) + ' ' + std::to_string(hostMemory[60115]) + ' ' +
-               std::to_string(hostMemory[60116]);
+        return std::to_string(driver.recipeIndex) + ' ' +
+               std::to_string(hostMemory[fxDownloadRequestByte]) + ' ' +
+               std::to_string(hostMemory[fxUploadRequestByte]);
     }
 };
 
@@ -197,7 +198,7 @@ TEST_F(EndOfExchange, WholeConditionalReadIsReportedOnceWithItsLastPiece)
 {
     driver.conditionReadList.clear();
     driver.writeList.clear();
-    hostMemory[60115] = hostMemory[60116] = 0;
+    hostMemory[fxDownloadRequestByte] = hostMemory[fxUploadRequestByte] = 0;
     KEY_ADDRESS key = watch("D", 100, 34);
     key.bitIndex = 0;
     intf_addConditionRead(key, 0);

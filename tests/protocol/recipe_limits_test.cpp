@@ -56,13 +56,13 @@ protected:
 TEST_P(RecipeLimits, DownloadIsCarriedOrEnded)
 {
     requestDownload();
-    expectCarriedOrEnded(GetParam().goesDown, 60115);
+    expectCarriedOrEnded(GetParam().goesDown, fxDownloadRequestByte);
 }
 
 TEST_P(RecipeLimits, UploadIsCarriedOrEnded)
 {
     requestUpload();
-    expectCarriedOrEnded(GetParam().goesUp, 60116);
+    expectCarriedOrEnded(GetParam().goesUp, fxUploadRequestByte);
 }
 
 const Row rows[] = {
@@ -99,7 +99,7 @@ TEST_F(RecipeWithoutMemory, EndsADownload)
     requestDownload();
     driver.readList << request("D", 1, 1);
     nextRequest();
-    EXPECT_EQ(0, hostMemory[60115]);
+    EXPECT_EQ(0, hostMemory[fxDownloadRequestByte]);
     EXPECT_EQ("1#D1/1", nextRequest());
 }
 
@@ -108,7 +108,7 @@ TEST_F(RecipeWithoutMemory, EndsAnUpload)
     requestUpload();
     driver.readList << request("D", 1, 1);
     nextRequest();
-    EXPECT_EQ(0, hostMemory[60116]);
+    EXPECT_EQ(0, hostMemory[fxUploadRequestByte]);
     EXPECT_EQ("1#D1/1", nextRequest());
 }
 
@@ -119,7 +119,7 @@ TEST_F(RecipeWithoutMemory, TakenAwayUnderAnUploadLosesTheWordsOnly)
     nextRequest();
     driver.recipeWords = nullptr;
     EXPECT_EQ(1, reply("<STX>1234<ETX>CD"));
-    EXPECT_EQ(0, hostMemory[60116]);
+    EXPECT_EQ(0, hostMemory[fxUploadRequestByte]);
 }
 
 class RecipeListReplaced : public DriverTest
@@ -148,7 +148,7 @@ TEST_F(RecipeListReplaced, UploadUnderAShorterListStoresNothingAndEnds)
     EXPECT_EQ(Bytes(2 * recipeWordCount, 0), recipeBytes());
     EXPECT_EQ(Texts(), callsWith("RWI"));
     EXPECT_EQ(0, driver.recipeIndex);
-    EXPECT_EQ(0, hostMemory[60116]);
+    EXPECT_EQ(0, hostMemory[fxUploadRequestByte]);
 }
 
 TEST_F(RecipeListReplaced, UploadUnderAnEmptiedListStoresNothingAndEnds)
@@ -159,7 +159,7 @@ TEST_F(RecipeListReplaced, UploadUnderAnEmptiedListStoresNothingAndEnds)
     EXPECT_EQ(1, reply("<STX>1234<ETX>CD"));
     EXPECT_EQ(Bytes(2 * recipeWordCount, 0), recipeBytes());
     EXPECT_EQ(Texts(), calls);
-    EXPECT_EQ(0, hostMemory[60116]);
+    EXPECT_EQ(0, hostMemory[fxUploadRequestByte]);
 }
 
 TEST_F(RecipeListReplaced, DownloadUnderAShorterListEnds)
@@ -169,7 +169,7 @@ TEST_F(RecipeListReplaced, DownloadUnderAShorterListEnds)
     driver.recipeVars.clear();
     EXPECT_EQ(1, acknowledge());
     EXPECT_EQ(0, driver.recipeIndex);
-    EXPECT_EQ(0, hostMemory[60115]);
+    EXPECT_EQ(0, hostMemory[fxDownloadRequestByte]);
 }
 
 TEST_F(RecipeListReplaced, EntryWithANegativeOffsetUnderAnUploadStoresNothingBeforeTheMemory)
@@ -179,7 +179,7 @@ TEST_F(RecipeListReplaced, EntryWithANegativeOffsetUnderAnUploadStoresNothingBef
     driver.recipeVars[1].recipeWordOffset = -5;
     EXPECT_EQ(1, reply("<STX>1234<ETX>CD"));
     EXPECT_EQ(Bytes(2 * recipeWordCount, 0), recipeBytes());
-    EXPECT_EQ(0, hostMemory[60116]);
+    EXPECT_EQ(0, hostMemory[fxUploadRequestByte]);
 }
 
 TEST_F(RecipeListReplaced, HostMemoryTakenAwayUnderATransferIsNotWrittenTo)
@@ -188,7 +188,7 @@ TEST_F(RecipeListReplaced, HostMemoryTakenAwayUnderATransferIsNotWrittenTo)
     nextRequest();
     driver.hostMemory = nullptr;
     EXPECT_EQ(1, acknowledge());
-    EXPECT_EQ(1, hostMemory[60115]);
+    EXPECT_EQ(1, hostMemory[fxDownloadRequestByte]);
 }
 
 TEST_F(RecipeListReplaced, MutexTakenAwayUnderATransferLeavesTheByteAlone)
@@ -198,6 +198,6 @@ TEST_F(RecipeListReplaced, MutexTakenAwayUnderATransferLeavesTheByteAlone)
     driver.hostMutex = nullptr;
     EXPECT_EQ(1, reply("<STX>1234<ETX>CD"));
     EXPECT_EQ(0, driver.recipeIndex);
-    EXPECT_EQ(1, hostMemory[60116]);
+    EXPECT_EQ(1, hostMemory[fxUploadRequestByte]);
 }
 }  // namespace

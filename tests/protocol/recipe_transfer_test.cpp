@@ -44,11 +44,11 @@ TEST_F(RecipeTransfer, DownloadWritesEveryEntryThenClearsItsByte)
     EXPECT_EQ(5, driver.operationKind);
     EXPECT_EQ(1, acknowledge());
     EXPECT_EQ(1, driver.recipeIndex);
-    EXPECT_EQ(1, hostMemory[60115]);
+    EXPECT_EQ(1, hostMemory[fxDownloadRequestByte]);
     EXPECT_EQ("<STX>11190020100<ETX>22", nextFrame());
     EXPECT_EQ(1, acknowledge());
     EXPECT_EQ(0, driver.recipeIndex);
-    EXPECT_EQ(0, hostMemory[60115]);
+    EXPECT_EQ(0, hostMemory[fxDownloadRequestByte]);
     EXPECT_EQ("", nextFrame());
     EXPECT_EQ(Texts(), calls);
 }
@@ -92,12 +92,12 @@ TEST_F(RecipeTransfer, UploadStoresEveryEntryThenClearsItsByte)
     EXPECT_EQ((Bytes{0, 0, 0x12, 0x34, 0x56, 0x78, 0, 0}), recipeAt(39, 4));
     EXPECT_EQ((Texts{"0,-1,RWI,40", "0,-1,RWI,41"}), calls);
     EXPECT_EQ(1, driver.recipeIndex);
-    EXPECT_EQ(1, hostMemory[60116]);
+    EXPECT_EQ(1, hostMemory[fxUploadRequestByte]);
     EXPECT_EQ("<STX>0080002<ETX>5D", nextFrame());
     EXPECT_EQ(1, reply("<STX>ABCD<ETX>0D"));
     EXPECT_EQ((Bytes{0xAB, 0xCD}), recipeAt(50, 1));
     EXPECT_EQ(0, driver.recipeIndex);
-    EXPECT_EQ(0, hostMemory[60116]);
+    EXPECT_EQ(0, hostMemory[fxUploadRequestByte]);
 }
 
 TEST_F(RecipeTransfer, UploadFillsTheVeryFirstRecipeWord)
@@ -157,7 +157,7 @@ TEST_F(RecipeTransfer, UploadOfBitsStaysOutOfRecipeMemory)
     EXPECT_EQ((Bytes{0, 0}), recipeAt(10, 1));
     EXPECT_EQ(Texts(), calls);
     EXPECT_EQ(0xFF, area("M", 8).valueBuffer0[0]);
-    EXPECT_EQ(0, hostMemory[60116]);
+    EXPECT_EQ(0, hostMemory[fxUploadRequestByte]);
 }
 
 TEST_F(RecipeTransfer, ShortReplyUploadsZeros)
@@ -191,8 +191,8 @@ TEST_F(RecipeTransfer, DownloadGoesBeforeUpload)
         EXPECT_EQ(5, driver.operationKind);
         acknowledge();
     }
-    EXPECT_EQ(0, hostMemory[60115]);
-    EXPECT_EQ(1, hostMemory[60116]);
+    EXPECT_EQ(0, hostMemory[fxDownloadRequestByte]);
+    EXPECT_EQ(1, hostMemory[fxUploadRequestByte]);
     EXPECT_EQ("1#D100/1", nextRequest());
     EXPECT_EQ(6, driver.operationKind);
 }
@@ -222,7 +222,7 @@ TEST_F(RecipeTransfer, OnlyEntriesOfThisLinkAreTransferred)
     acknowledge();
     EXPECT_EQ("1#D4/1", nextRequest());
     acknowledge();
-    EXPECT_EQ(0, hostMemory[60115]);
+    EXPECT_EQ(0, hostMemory[fxDownloadRequestByte]);
 }
 
 TEST_F(RecipeTransfer, TagOfTheLastRequestStays)
@@ -245,7 +245,7 @@ TEST_F(RecipeTransfer, FailedDownloadAbandonsTheRest)
     nextRequest();
     EXPECT_EQ(2, reply("<NAK>"));
     EXPECT_EQ(0, driver.recipeIndex);
-    EXPECT_EQ(0, hostMemory[60115]);
+    EXPECT_EQ(0, hostMemory[fxDownloadRequestByte]);
     EXPECT_EQ("", nextRequest());
     EXPECT_EQ(Texts(), calls);
 }
@@ -259,7 +259,7 @@ TEST_F(RecipeTransfer, FailedUploadAbandonsTheRest)
     nextRequest();
     EXPECT_EQ(2, reply(""));
     EXPECT_EQ(0, driver.recipeIndex);
-    EXPECT_EQ(0, hostMemory[60116]);
+    EXPECT_EQ(0, hostMemory[fxUploadRequestByte]);
     EXPECT_EQ(0x5555, recipeWords[7]);
     EXPECT_EQ(Texts(), calls);
 }
@@ -286,8 +286,8 @@ TEST_F(RecipeTransfer, WithoutEntriesTheSameCyclicReadIsRepeated)
         EXPECT_EQ(4, driver.operationKind);
         EXPECT_EQ(1, reply("<STX>0000<ETX>C3"));
     }
-    EXPECT_EQ(1, hostMemory[60115]);
-    hostMemory[60115] = 0;
+    EXPECT_EQ(1, hostMemory[fxDownloadRequestByte]);
+    hostMemory[fxDownloadRequestByte] = 0;
     EXPECT_EQ("1#D3/1", nextRequest());
 }
 
@@ -352,7 +352,7 @@ TEST_F(RecipeTransfer, RepeatedDownloadIsAWriteAndRepeatedUploadARead)
     EXPECT_EQ("<STX>110C8020000<ETX>32", nextFrame());
     EXPECT_EQ(5, driver.operationKind);
     acknowledge();
-    EXPECT_EQ(0, hostMemory[60115]);
+    EXPECT_EQ(0, hostMemory[fxDownloadRequestByte]);
 
     setList(entries(recipeEntry("D", 100, 1, 0)));
     requestUpload();

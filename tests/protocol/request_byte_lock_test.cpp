@@ -58,8 +58,9 @@ TEST_F(RequestByteLock, DownloadByteIsClearedWithTheMutexHeld)
 {
     requestDownload();
     ASSERT_EQ("1#D100/1", nextRequest());
-    callWhileHeld([this] { acknowledge(); }, [this] { EXPECT_EQ(1, hostMemory[60115]); });
-    EXPECT_EQ(0, hostMemory[60115]);
+    callWhileHeld([this] { acknowledge(); },
+                  [this] { EXPECT_EQ(1, hostMemory[fxDownloadRequestByte]); });
+    EXPECT_EQ(0, hostMemory[fxDownloadRequestByte]);
 }
 
 TEST_F(RequestByteLock, UploadByteIsClearedWithTheMutexHeld)
@@ -67,7 +68,7 @@ TEST_F(RequestByteLock, UploadByteIsClearedWithTheMutexHeld)
     requestUpload();
     ASSERT_EQ("1#D100/1", nextRequest());
     callWhileHeld([this] { reply("<STX>1234<ETX>CD"); },
-                  [this] { EXPECT_EQ(1, hostMemory[60116]); });
-    EXPECT_EQ(0, hostMemory[60116]);
+                  [this] { EXPECT_EQ(1, hostMemory[fxUploadRequestByte]); });
+    EXPECT_EQ(0, hostMemory[fxUploadRequestByte]);
 }
 }  // namespace

@@ -127,11 +127,12 @@ TEST_F(SendScheduling, OtherValuesThanOneAreNoRecipeRequest)
     driver.readList << request("D", 3, 1);
     driver.recipeVars << recipeEntry("D", 100, 1, 0);
     for (const int value : {0, 2, 3, 128, 255}) {
-        hostMemory[60115] = hostMemory[60116] = static_cast<unsigned char>(value);
+        hostMemory[fxDownloadRequestByte] = hostMemory[fxUploadRequestByte] =
+            static_cast<unsigned char>(value);
         EXPECT_EQ("1#D3/1", nextRequest()) << value;
         reply("<STX>0000<ETX>C3");
-        EXPECT_EQ(value, hostMemory[60115]);
-        EXPECT_EQ(value, hostMemory[60116]);
+        EXPECT_EQ(value, hostMemory[fxDownloadRequestByte]);
+        EXPECT_EQ(value, hostMemory[fxUploadRequestByte]);
     }
 }
 
@@ -181,7 +182,7 @@ TEST_F(SendScheduling, WithoutAMutexThereIsNoRecipeRequest)
     driver.readList << request("D", 3, 1);
     requestDownload();
     EXPECT_EQ("1#D3/1", nextRequest());
-    EXPECT_EQ(1, hostMemory[60115]);
+    EXPECT_EQ(1, hostMemory[fxDownloadRequestByte]);
 }
 
 TEST_F(SendScheduling, NullOutputAnswersZeroAndChangesNothing)

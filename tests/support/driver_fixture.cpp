@@ -31,7 +31,7 @@ void resetDriver()
     driver.recipeIndex = 0;
 }
 
-DriverTest::DriverTest() : hostMemory(60117), recipeWords(recipeWordCount)
+DriverTest::DriverTest() : hostMemory(fxHostMemoryBytes), recipeWords(recipeWordCount)
 {
     resetDriver();
     calls.clear();

@@ -37,8 +37,8 @@ protected:
 
     // Link 1, three rejections fail an exchange, 32 words a frame, unless told otherwise.
     void setUpDriver(const char* propertyString = "1#0#0#3#32");
-    void requestDownload() { hostMemory[downloadRequestByte] = 1; }
-    void requestUpload() { hostMemory[uploadRequestByte] = 1; }
+    void requestDownload() { hostMemory[fxDownloadRequestByte] = 1; }
+    void requestUpload() { hostMemory[fxUploadRequestByte] = 1; }
     bool mutexIsFree();
 
     // The frame that the driver gives next as text, "" when there is nothing to send.

@@ -71,7 +71,7 @@ ReplyVerdict judgeDataFrame(const QByteArray& reply)
 
 QByteArray requestBytes(const FRAME_PRO& frame)
 {
-    const int byteCount = std::clamp(frame.frameLength, 0, recordBytes);
+    const int byteCount = std::clamp(frame.frameLength, 0, fxRecordBytes);
     return QByteArray(reinterpret_cast<const char*>(frame.frame), byteCount);
 }
 
