@@ -41,6 +41,7 @@ target_compile_features(mitsubishi_fx1s INTERFACE cxx_std_17)
 target_include_directories(mitsubishi_fx1s INTERFACE
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/driver>)
 set(export_list ${PROJECT_SOURCE_DIR}/cmake/exports.map)
-target_link_options(mitsubishi_fx1s PRIVATE -Wl,--version-script=${export_list})
+# Its own symbols come first: another library or the host program may export a `driver`, too.
+target_link_options(mitsubishi_fx1s PRIVATE -Wl,--version-script=${export_list} -Wl,-Bsymbolic)
 set_target_properties(mitsubishi_fx1s PROPERTIES LINK_DEPENDS ${export_list}
     VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})

@@ -1,8 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// The library loaded, used and unloaded a thousand times in one process. Each load starts afresh,
-// each unload really unloads and gives everything back.
+// The library loaded, used and unloaded a thousand times in one process: each load starts afresh,
+// each unload really unloads and gives everything back. And two copies of its file, one for each
+// of two links: each keeps to an object of its own.
 
 #include "driver/intf.h"
 
@@ -11,8 +12,10 @@
 #include <gtest/gtest.h>
 
 #include <dlfcn.h>
+#include <unistd.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -68,6 +71,25 @@ void live(void* library, std::vector<unsigned char>& memory, std::vector<unsigne
     ASSERT_EQ(11 + 4 * 20, frame.frameLength);
 }
 
+// Loaded with its symbols open to all, and not unloaded: the end of the process destroys the
+// object.
+void* loadCopy(const char* name)
+{
+    const std::filesystem::path copy =
+        std::filesystem::path(::testing::TempDir()) / (std::to_string(getpid()) + name);
+    std::filesystem::copy_file(DRIVER_LIBRARY, copy);
+    void* const library = dlopen(copy.c_str(), RTLD_NOW | RTLD_GLOBAL);
+    std::filesystem::remove(copy);
+    return library;
+}
+
+unsigned char valueOfD0(void* library)
+{
+    unsigned char value[2] = {};
+    ENTRY_POINT(library, intf_getData)(1, QLatin1String("D"), 0, 1, value);
+    return value[0];
+}
+
 }  // namespace
 
 TEST(Reload, AThousandLoadsLeaveNothingBehind)
@@ -86,4 +108,16 @@ TEST(Reload, AThousandLoadsLeaveNothingBehind)
     }
     EXPECT_TRUE(isWatched() || residentKilobytes() - settled < mostGrowthKilobytes)
         << residentKilobytes() - settled << " KB more than after " << loadsToSettle << " loads";
+}
+
+TEST(TwoCopies, ShareNoValuesThoughLoadedForAll)
+{
+    void* const first = loadCopy("first.so");
+    void* const second = loadCopy("second.so");
+    ASSERT_TRUE(first != nullptr && second != nullptr) << dlerror();
+    unsigned char written[2] = {7, 0};
+    ENTRY_POINT(first, intf_setData)(1, QLatin1String("D"), 0, 1, written, 0);
+    EXPECT_EQ(7, valueOfD0(first));
+    EXPECT_EQ(0, valueOfD0(second));
+    EXPECT_NE(dlsym(first, "driver"), dlsym(second, "driver"));
 }
