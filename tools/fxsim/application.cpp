@@ -5,10 +5,6 @@
 
 #include "tools/fxsim/application.h"
 
-#include <QCoreApplication>
-#include <iostream>
-#include <unistd.h>
-
 #include "tools/fxsim/line/trace_text.h"
 #include "tools/fxsim/links/pty_link.h"
 #include "tools/fxsim/links/serial_link.h"
@@ -16,6 +12,12 @@
 #include "tools/fxsim/plc/memory_image.h"
 #include "tools/fxsim/plc/sample_program.h"
 #include "tools/fxsim/plc/script_program.h"
+
+#include <QCoreApplication>
+
+#include <iostream>
+
+#include <unistd.h>
 
 namespace fxsim {
 

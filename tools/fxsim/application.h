@@ -7,15 +7,16 @@
 
 #pragma once
 
-#include <QFile>
-#include <QTimer>
-#include <memory>
-#include <vector>
-
 #include "tools/fxsim/control/control_channels.h"
 #include "tools/fxsim/line/clock.h"
 #include "tools/fxsim/links/link.h"
 #include "tools/fxsim/options.h"
+
+#include <QFile>
+#include <QTimer>
+
+#include <memory>
+#include <vector>
 
 namespace fxsim {
 

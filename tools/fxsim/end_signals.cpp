@@ -7,7 +7,9 @@
 #include "tools/fxsim/end_signals.h"
 
 #include <QCoreApplication>
+
 #include <csignal>
+
 #include <fcntl.h>
 #include <unistd.h>
 

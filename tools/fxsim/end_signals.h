@@ -7,6 +7,7 @@
 #pragma once
 
 #include <QSocketNotifier>
+
 #include <memory>
 
 namespace fxsim {

@@ -3,11 +3,11 @@
 //
 // fxsim: reads the command line, starts the application, runs until a signal or `quit`.
 
-#include <QCoreApplication>
-
 #include "tools/fxsim/application.h"
 #include "tools/fxsim/control/control_client.h"
 #include "tools/fxsim/end_signals.h"
+
+#include <QCoreApplication>
 
 int main(int argumentCount, char** arguments)
 {

@@ -6,11 +6,12 @@
 
 #include "tools/fxsim/options.h"
 
+#include "tools/fxsim/plc/number_text.h"
+
 #include <CLI/CLI.hpp>
+
 #include <iostream>
 #include <limits>
-
-#include "tools/fxsim/plc/number_text.h"
 
 namespace fxsim {
 
@@ -189,8 +190,8 @@ void readTcp(const std::string& text, Options& options)
     QString address = whole.left(std::max(0, colon));
     if (address.startsWith('[') && address.endsWith(']'))
         address = address.mid(1, address.size() - 2);
-    options.tcpPort =
-        quint16(need(parseNumber(whole.mid(colon + 1), 0, 65535), "--tcp", text, wanted));
+    options.tcpPort = static_cast<quint16>(
+        need(parseNumber(whole.mid(colon + 1), 0, 65535), "--tcp", text, wanted));
     if (address.isEmpty() || address == QLatin1String("localhost"))
         return;
     if (!options.tcpAddress.setAddress(address))

@@ -6,11 +6,11 @@
 
 #pragma once
 
+#include "tools/fxsim/line/simulator.h"
+
 #include <QHostAddress>
 #include <QString>
 #include <QVector>
-
-#include "tools/fxsim/line/simulator.h"
 
 namespace fxsim {
 

@@ -5,11 +5,11 @@
 
 #include "tools/fxsim/control/control.h"
 
-#include <QRegularExpression>
-#include <QStringList>
-
 #include "tools/fxsim/plc/memory_image.h"
 #include "tools/fxsim/plc/number_text.h"
+
+#include <QRegularExpression>
+#include <QStringList>
 
 namespace fxsim {
 
@@ -142,7 +142,7 @@ QByteArray Control::poke(const Arguments& arguments)
     if (place)
         m_simulator.memory().setBit(place->address, place->bit, values[0] == 1);
     for (int index = 0; !place && index < values.size(); ++index)
-        m_simulator.memory().setByte(*address + index, quint8(values[index]));
+        m_simulator.memory().setByte(*address + index, static_cast<quint8>(values[index]));
     return ok;
 }
 

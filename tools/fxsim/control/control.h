@@ -7,11 +7,12 @@
 
 #pragma once
 
+#include "tools/fxsim/line/simulator.h"
+
 #include <QByteArray>
 #include <QString>
-#include <functional>
 
-#include "tools/fxsim/line/simulator.h"
+#include <functional>
 
 namespace fxsim {
 

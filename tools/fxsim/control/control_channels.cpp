@@ -7,8 +7,10 @@
 
 #include <QFileInfo>
 #include <QLocalSocket>
+
 #include <cerrno>
 #include <iostream>
+
 #include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -19,7 +21,7 @@ namespace {
 
 constexpr int readBytes = 4096;
 constexpr int backgroundMs = 200;  // no signal tells when a terminal is ours again
-constexpr int longestSocketPath = int(sizeof(sockaddr_un::sun_path)) - 1;
+constexpr int longestSocketPath = static_cast<int>(sizeof(sockaddr_un::sun_path)) - 1;
 constexpr int longestLine = 65536;  // more without a line end is no command
 
 void print(const QByteArray& text)
@@ -75,14 +77,14 @@ InputControl::InputControl(Control& control, int inputDescriptor)
 void InputControl::readAvailable()
 {
     char buffer[readBytes];
-    const ssize_t got = ::read(int(m_notifier.socket()), buffer, sizeof buffer);
+    const ssize_t got = ::read(static_cast<int>(m_notifier.socket()), buffer, sizeof buffer);
     if (got <= 0) {
         m_notifier.setEnabled(false);
         if (got < 0 && errno == EIO)
             m_retry.start(backgroundMs);  // the terminal is another's to read, for now
         return;
     }
-    m_partLine.append(buffer, int(got));
+    m_partLine.append(buffer, static_cast<int>(got));
     int end = 0;
     while ((end = m_partLine.indexOf('\n')) >= 0) {
         print(m_control.run(QString::fromUtf8(m_partLine.left(end))));

@@ -6,11 +6,11 @@
 
 #pragma once
 
+#include "tools/fxsim/control/control.h"
+
 #include <QLocalServer>
 #include <QSocketNotifier>
 #include <QTimer>
-
-#include "tools/fxsim/control/control.h"
 
 namespace fxsim {
 

@@ -5,11 +5,12 @@
 
 #include "tools/fxsim/control/control_client.h"
 
+#include "tools/fxsim/options.h"
+
 #include <QFileInfo>
 #include <QLocalSocket>
-#include <iostream>
 
-#include "tools/fxsim/options.h"
+#include <iostream>
 
 namespace fxsim {
 

@@ -15,12 +15,18 @@ class Dice
 {
 public:
     Dice(quint64 seed, qint64 exchange)
-        : m_state(mixed(mixed(seed + increment) + quint64(exchange)))
+        : m_state(mixed(mixed(seed + increment) + static_cast<quint64>(exchange)))
     {}
 
     quint64 next() { return mixed(m_state += increment); }
-    int below(int limit) { return int(next() % quint64(limit)); }            // 0 to limit - 1
-    double fraction() { return double(next() >> 11) / double(1ULL << 53); }  // 0 to just under 1
+    int below(int limit)
+    {
+        return static_cast<int>(next() % static_cast<quint64>(limit));
+    }  // 0 to limit - 1
+    double fraction()
+    {
+        return static_cast<double>(next() >> 11) / static_cast<double>(1ULL << 53);
+    }  // 0 to just under 1
 
 private:
     static constexpr quint64 increment =

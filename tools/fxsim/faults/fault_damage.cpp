@@ -6,9 +6,9 @@
 
 #include "tools/fxsim/faults/fault_damage.h"
 
-#include <algorithm>
-
 #include "tools/fxsim/line/characters.h"
+
+#include <algorithm>
 
 namespace fxsim {
 
@@ -42,15 +42,15 @@ void flipBits(QByteArray& reply, int bits, Dice& dice)
 {
     for (int flip = 0; flip < bits && !reply.isEmpty(); ++flip) {
         const int at = dice.below(reply.size());
-        reply[at] = char(quint8(reply[at]) ^ 1 << dice.below(dataBits));
+        reply[at] = static_cast<char>(static_cast<quint8>(reply[at]) ^ 1 << dice.below(dataBits));
     }
 }
 
 void showParity(QByteArray& reply)
 {
     for (char& character : reply) {
-        if (qPopulationCount(quint8(character)) % 2 == 1)
-            character = char(quint8(character) ^ parityBit);
+        if (qPopulationCount(static_cast<quint8>(character)) % 2 == 1)
+            character = static_cast<char>(static_cast<quint8>(character) ^ parityBit);
     }
 }
 
@@ -60,7 +60,7 @@ QByteArray junk(int wanted, Dice& dice)
     const int characters = wanted > 0 ? wanted : 1 + dice.below(randomJunkLimit);
     QByteArray result;
     for (int index = 0; index < characters; ++index)
-        result.append(char(0x20 + dice.below(0x100 - 0x20)));
+        result.append(static_cast<char>(0x20 + dice.below(0x100 - 0x20)));
     return result;
 }
 

@@ -6,6 +6,7 @@
 #include "tools/fxsim/faults/faults.h"
 
 #include <QStringList>
+
 #include <limits>
 
 namespace fxsim {
@@ -144,7 +145,7 @@ void appendMixed(FaultPlan& plan, const QString& item, const FaultRule& when, co
         refuse(item, QStringLiteral("%1 goes by rate only").arg(mixedName));
     const FaultFacts& delay = factsOf(FaultKind::Delay);
     const int delayMs = value.isEmpty() ? delay.value : parseValue(item, value, delay);
-    const int kinds = int(std::size(lineFaults));
+    const int kinds = static_cast<int>(std::size(lineFaults));
     for (const FaultKind kind : lineFaults) {
         const int faultValue = kind == FaultKind::Delay ? delayMs : factsOf(kind).value;
         plan.append({kind, faultValue, when.rate / kinds, {}});
@@ -197,7 +198,7 @@ QString ruleText(const FaultRule& rule)
 
 const FaultFacts& factsOf(FaultKind kind)
 {
-    return facts[int(kind)];
+    return facts[static_cast<int>(kind)];
 }
 
 ParsedFaults parseFaults(const QString& text)

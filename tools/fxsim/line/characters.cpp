@@ -34,30 +34,32 @@ QByteArray hexOfBytes(const QByteArray& bytes)
     QByteArray digits(2 * bytes.size(), Qt::Uninitialized);
     char* next = digits.data();
     for (const char byte : bytes) {
-        *next++ = hexDigits[quint8(byte) >> 4];
-        *next++ = hexDigits[quint8(byte) & 0xF];
+        *next++ = hexDigits[static_cast<quint8>(byte) >> 4];
+        *next++ = hexDigits[static_cast<quint8>(byte) & 0xF];
     }
     return digits;
 }
 
 QByteArray bytesOfHex(std::string_view digits)
 {
-    return QByteArray::fromHex(QByteArray::fromRawData(digits.data(), int(digits.size())));
+    return QByteArray::fromHex(
+        QByteArray::fromRawData(digits.data(), static_cast<int>(digits.size())));
 }
 
 quint8 sumOf(std::string_view fromCommandToEtx)
 {
     quint8 sum = 0;
     for (const char character : fromCommandToEtx)
-        sum = quint8(sum + quint8(character));
+        sum = static_cast<quint8>(sum + static_cast<quint8>(character));
     return sum;
 }
 
 QByteArray framed(const QByteArray& content)
 {
     QByteArray frame = stx + content + etx;
-    const quint8 sum = sumOf(std::string_view(frame.constData(), size_t(frame.size())).substr(1));
-    return frame += hexOfBytes(QByteArray(1, char(sum)));
+    const quint8 sum =
+        sumOf(std::string_view(frame.constData(), static_cast<size_t>(frame.size())).substr(1));
+    return frame += hexOfBytes(QByteArray(1, static_cast<char>(sum)));
 }
 
 }  // namespace fxsim

@@ -8,6 +8,7 @@
 #pragma once
 
 #include <QByteArray>
+
 #include <string_view>
 
 namespace fxsim {

@@ -6,10 +6,10 @@
 
 #include "tools/fxsim/line/frame_server.h"
 
+#include "tools/fxsim/line/characters.h"
+
 #include <algorithm>
 #include <string_view>
-
-#include "tools/fxsim/line/characters.h"
 
 namespace fxsim {
 
@@ -59,7 +59,7 @@ void judgeBytes(Request& request, std::string_view fields, const PlcMemory& memo
     request.byteCount = hexNumber(fields.substr(addressDigits, countDigits));
     const std::string_view dataDigits = fields.substr(addressDigits + countDigits);
     const int dataBytes = request.command == Command::Write ? request.byteCount : 0;
-    if (dataDigits.size() != digitsPerByte * size_t(dataBytes))
+    if (dataDigits.size() != digitsPerByte * static_cast<size_t>(dataBytes))
         return;
     request.data = bytesOfHex(dataDigits);
     request.verdict = judgeRange(request, memory, maxBytes);
@@ -106,7 +106,7 @@ const char* verdictText(Verdict verdict)
 Request judgeFrame(const QByteArray& frame, const PlcMemory& memory, int maxBytes)
 {
     Request request;
-    const std::string_view characters(frame.constData(), size_t(frame.size()));
+    const std::string_view characters(frame.constData(), static_cast<size_t>(frame.size()));
     if (characters.size() < frameAround)
         return request;
     const std::string_view summed = characters.substr(1, characters.size() - 1 - sumDigits);

@@ -12,9 +12,9 @@
 
 #pragma once
 
-#include <QByteArray>
-
 #include "tools/fxsim/plc/plc_memory.h"
+
+#include <QByteArray>
 
 namespace fxsim {
 

@@ -55,8 +55,8 @@ QByteArray PacedLine::takeDue(qint64 nowUs, QVector<Sent>& whole)
         const qint64 size = piece.sent.bytes.size();
         const qint64 left =
             characterUs > 0 ? std::min(size, (nowUs - piece.startUs) / characterUs) : size;
-        due += piece.sent.bytes.mid(piece.taken, int(left) - piece.taken);
-        piece.taken = int(left);
+        due += piece.sent.bytes.mid(piece.taken, static_cast<int>(left) - piece.taken);
+        piece.taken = static_cast<int>(left);
         if (left < size)
             break;
         whole.append(m_pieces.dequeue().sent);

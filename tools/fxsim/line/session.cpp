@@ -165,7 +165,7 @@ void Session::refuseOverlong()
 void Session::noteFaults(const ActiveFaults& faults)
 {
     for (const ActiveFault& fault : faults.all())
-        ++m_simulator.statistics().faults[size_t(fault.kind)];
+        ++m_simulator.statistics().faults[static_cast<size_t>(fault.kind)];
     if (!faults.all().isEmpty())
         trace(TraceEntry::Direction::Note, QByteArray(), "meets " + names(faults));
 }

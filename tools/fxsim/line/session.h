@@ -7,11 +7,11 @@
 
 #pragma once
 
-#include <optional>
-
 #include "tools/fxsim/faults/fault_damage.h"
 #include "tools/fxsim/line/frame_reader.h"
 #include "tools/fxsim/line/simulator.h"
+
+#include <optional>
 
 namespace fxsim {
 

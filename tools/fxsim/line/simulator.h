@@ -15,16 +15,17 @@
 
 #pragma once
 
-#include <QByteArray>
-#include <QVector>
-#include <functional>
-#include <memory>
-
 #include "tools/fxsim/faults/faults.h"
 #include "tools/fxsim/line/paced_line.h"
 #include "tools/fxsim/line/statistics.h"
 #include "tools/fxsim/plc/plc_memory.h"
 #include "tools/fxsim/plc/program.h"
+
+#include <QByteArray>
+#include <QVector>
+
+#include <functional>
+#include <memory>
 
 namespace fxsim {
 

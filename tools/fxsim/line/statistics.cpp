@@ -25,7 +25,7 @@ QByteArray rowUnlessZero(const char* label, qint64 number)
 
 void Statistics::countRequest(const Request& request)
 {
-    ++verdicts[size_t(request.verdict)];
+    ++verdicts[static_cast<size_t>(request.verdict)];
     if (request.verdict != Verdict::Good)
         return;
     reads += request.command == Command::Read;
@@ -39,7 +39,7 @@ QByteArray Statistics::text() const
                       row("writes", writes) + row("forces", forces) + row("enquiries", enquiries) +
                       row("characters in", charactersIn) + row("characters out", charactersOut);
     for (size_t verdict = 1; verdict < verdicts.size(); ++verdict)
-        text += rowUnlessZero(QByteArray("refused: ") + verdictText(Verdict(verdict)),
+        text += rowUnlessZero(QByteArray("refused: ") + verdictText(static_cast<Verdict>(verdict)),
                               verdicts[verdict]);
     text += rowUnlessZero("overlong frames", overlongFrames) +
             rowUnlessZero("frames before an ENQ", ungreetedFrames) +
@@ -48,8 +48,8 @@ QByteArray Statistics::text() const
             rowUnlessZero("characters lost", charactersLost) +
             rowUnlessZero("power cycles", powerCycles);
     for (size_t fault = 0; fault < faults.size(); ++fault)
-        text +=
-            rowUnlessZero(QByteArray("fault: ") + factsOf(FaultKind(fault)).name, faults[fault]);
+        text += rowUnlessZero(QByteArray("fault: ") + factsOf(static_cast<FaultKind>(fault)).name,
+                              faults[fault]);
     return text;
 }
 

@@ -6,11 +6,12 @@
 
 #pragma once
 
-#include <QByteArray>
-#include <array>
-
 #include "tools/fxsim/faults/faults.h"
 #include "tools/fxsim/line/frame_server.h"
+
+#include <QByteArray>
+
+#include <array>
 
 namespace fxsim {
 

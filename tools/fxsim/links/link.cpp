@@ -42,7 +42,8 @@ void HostConnection::sendDue()
         m_simulator.statistics().charactersLost += m_write(due);
     const qint64 nextUs = m_session.nextDueUs();
     if (nextUs != nothingDue)
-        m_timer.start(int(std::max<qint64>(0, (nextUs - nowUs + usPerMs - 1) / usPerMs)));
+        m_timer.start(
+            static_cast<int>(std::max<qint64>(0, (nextUs - nowUs + usPerMs - 1) / usPerMs)));
 }
 
 Link::Link(Simulator& simulator, const Clock& clock) : m_simulator(simulator), m_clock(clock)

@@ -7,12 +7,13 @@
 
 #pragma once
 
-#include <QObject>
-#include <QTimer>
-#include <functional>
-
 #include "tools/fxsim/line/clock.h"
 #include "tools/fxsim/line/session.h"
+
+#include <QObject>
+#include <QTimer>
+
+#include <functional>
 
 namespace fxsim {
 

@@ -7,9 +7,11 @@
 
 #include <QFile>
 #include <QFileInfo>
+
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+
 #include <fcntl.h>
 #include <termios.h>
 #include <unistd.h>
@@ -133,13 +135,13 @@ void PtyLink::readAvailable()
     char buffer[readBytes];
     const ssize_t got = ::read(m_master, buffer, sizeof buffer);
     if (got > 0)
-        m_host->receive(QByteArray(buffer, int(got)));
+        m_host->receive(QByteArray(buffer, static_cast<int>(got)));
 }
 
 int PtyLink::write(const QByteArray& bytes)
 {
-    const ssize_t written = ::write(m_master, bytes.constData(), size_t(bytes.size()));
-    return bytes.size() - int(std::max<ssize_t>(0, written));
+    const ssize_t written = ::write(m_master, bytes.constData(), static_cast<size_t>(bytes.size()));
+    return bytes.size() - static_cast<int>(std::max<ssize_t>(0, written));
 }
 
 }  // namespace fxsim

@@ -7,10 +7,11 @@
 
 #pragma once
 
-#include <QSocketNotifier>
-#include <memory>
-
 #include "tools/fxsim/links/link.h"
+
+#include <QSocketNotifier>
+
+#include <memory>
 
 namespace fxsim {
 

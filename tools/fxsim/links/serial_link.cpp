@@ -6,6 +6,7 @@
 #include "tools/fxsim/links/serial_link.h"
 
 #include <QFile>
+
 #include <fcntl.h>
 #include <poll.h>
 #include <unistd.h>
@@ -51,7 +52,7 @@ QString SerialLink::open()
                                                           : m_port.errorString());
     m_host = std::make_unique<HostConnection>(
         simulator(), clock(), m_device.toLocal8Bit(), [this](const QByteArray& bytes) {
-            return bytes.size() - int(std::max<qint64>(0, m_port.write(bytes)));
+            return bytes.size() - static_cast<int>(std::max<qint64>(0, m_port.write(bytes)));
         });
     m_host->session().setTiming({0, simulator().settings().timing.scanMs});
     connect(m_host.get(), &HostConnection::linkTaken, this, &Link::drop, Qt::QueuedConnection);

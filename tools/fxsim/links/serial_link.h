@@ -6,10 +6,11 @@
 
 #pragma once
 
-#include <QSerialPort>
-#include <memory>
-
 #include "tools/fxsim/links/link.h"
+
+#include <QSerialPort>
+
+#include <memory>
 
 namespace fxsim {
 

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cerrno>
+
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/socket.h>
@@ -42,7 +43,7 @@ void TcpClient::readAvailable()
     char buffer[readBytes];
     const ssize_t got = ::recv(m_descriptor, buffer, sizeof buffer, MSG_DONTWAIT);
     if (got > 0) {
-        m_host.receive(QByteArray(buffer, int(got)));
+        m_host.receive(QByteArray(buffer, static_cast<int>(got)));
     } else if (got == 0 || (errno != EAGAIN && errno != EINTR)) {
         m_notifier.setEnabled(false);
         deleteLater();
@@ -52,9 +53,9 @@ void TcpClient::readAvailable()
 // What the system has no room for, since the host takes nothing, is lost as on a serial line.
 int TcpClient::write(const QByteArray& bytes) const
 {
-    const ssize_t sent =
-        ::send(m_descriptor, bytes.constData(), size_t(bytes.size()), MSG_DONTWAIT | MSG_NOSIGNAL);
-    return bytes.size() - int(std::max<ssize_t>(0, sent));
+    const ssize_t sent = ::send(m_descriptor, bytes.constData(), static_cast<size_t>(bytes.size()),
+                                MSG_DONTWAIT | MSG_NOSIGNAL);
+    return bytes.size() - static_cast<int>(std::max<ssize_t>(0, sent));
 }
 
 }  // namespace fxsim

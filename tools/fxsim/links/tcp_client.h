@@ -6,9 +6,9 @@
 
 #pragma once
 
-#include <QSocketNotifier>
-
 #include "tools/fxsim/links/link.h"
+
+#include <QSocketNotifier>
 
 namespace fxsim {
 

@@ -5,11 +5,12 @@
 
 #include "tools/fxsim/links/tcp_link.h"
 
+#include "tools/fxsim/links/tcp_client.h"
+
 #include <QtEndian>
+
 #include <netinet/in.h>
 #include <sys/socket.h>
-
-#include "tools/fxsim/links/tcp_client.h"
 
 namespace fxsim {
 

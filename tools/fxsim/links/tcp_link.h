@@ -5,10 +5,10 @@
 
 #pragma once
 
+#include "tools/fxsim/links/link.h"
+
 #include <QHostAddress>
 #include <QTcpServer>
-
-#include "tools/fxsim/links/link.h"
 
 namespace fxsim {
 
@@ -21,7 +21,10 @@ signals:
     void accepted(int descriptor);
 
 protected:
-    void incomingConnection(qintptr descriptor) override { emit accepted(int(descriptor)); }
+    void incomingConnection(qintptr descriptor) override
+    {
+        emit accepted(static_cast<int>(descriptor));
+    }
 };
 
 class TcpLink : public Link

@@ -6,12 +6,13 @@
 
 #include "tools/fxsim/plc/memory_image.h"
 
+#include "tools/fxsim/plc/plc_memory.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
-#include <algorithm>
 
-#include "tools/fxsim/plc/plc_memory.h"
+#include <algorithm>
 
 namespace fxsim {
 
@@ -50,13 +51,13 @@ quint8 sumOfBytes(const QByteArray& bytes)
 {
     quint8 sum = 0;
     for (const char byte : bytes)
-        sum = quint8(sum + quint8(byte));
+        sum = static_cast<quint8>(sum + static_cast<quint8>(byte));
     return sum;
 }
 
 int wordAt(const QByteArray& bytes, int at)
 {
-    return quint8(bytes[at]) << 8 | quint8(bytes[at + 1]);
+    return static_cast<quint8>(bytes[at]) << 8 | static_cast<quint8>(bytes[at + 1]);
 }
 
 QString placeData(HexReader& reader, int offset, const QByteArray& data)
@@ -64,34 +65,34 @@ QString placeData(HexReader& reader, int offset, const QByteArray& data)
     const qint64 address = reader.base + offset;
     if (address > addressableBytes - data.size())
         return QStringLiteral("the data lies beyond 64 KiB");
-    reader.image.replace(int(address), data.size(), data);
+    reader.image.replace(static_cast<int>(address), data.size(), data);
     return QString();
 }
 
 QString takeRecord(HexReader& reader, const QByteArray& record)
 {
-    const QByteArray data = record.mid(dataAt, quint8(record[0]));
-    const bool isBase = RecordType(record[3]) == RecordType::SegmentBase ||
-                        RecordType(record[3]) == RecordType::LinearBase;
+    const QByteArray data = record.mid(dataAt, static_cast<quint8>(record[0]));
+    const bool isBase = static_cast<RecordType>(record[3]) == RecordType::SegmentBase ||
+                        static_cast<RecordType>(record[3]) == RecordType::LinearBase;
     if (isBase && data.size() != 2)
         return QStringLiteral("an extended address has two bytes");
-    switch (RecordType(record[3])) {
+    switch (static_cast<RecordType>(record[3])) {
     case RecordType::Data:
         return placeData(reader, wordAt(record, 1), data);
     case RecordType::End:
         reader.ended = true;
         return QString();
     case RecordType::SegmentBase:
-        reader.base = qint64(wordAt(data, 0)) << 4;
+        reader.base = static_cast<qint64>(wordAt(data, 0)) << 4;
         return QString();
     case RecordType::LinearBase:
-        reader.base = qint64(wordAt(data, 0)) << 16;
+        reader.base = static_cast<qint64>(wordAt(data, 0)) << 16;
         return QString();
     case RecordType::SegmentStart:
     case RecordType::LinearStart:
         return QString();  // where a program would begin: nothing to a memory
     }
-    return QStringLiteral("unknown record type %1").arg(quint8(record[3]));
+    return QStringLiteral("unknown record type %1").arg(static_cast<quint8>(record[3]));
 }
 
 QString takeLine(HexReader& reader, const QByteArray& line)
@@ -99,7 +100,8 @@ QString takeLine(HexReader& reader, const QByteArray& line)
     if (!line.startsWith(':') || !isHex(line.mid(1)) || line.size() % 2 == 0)
         return QStringLiteral("a record is \":\" and pairs of hex digits");
     const QByteArray record = QByteArray::fromHex(line.mid(1));
-    if (record.size() < recordAround || record.size() != recordAround + quint8(record[0]))
+    if (record.size() < recordAround ||
+        record.size() != recordAround + static_cast<quint8>(record[0]))
         return QStringLiteral("the record is not as long as it says");
     if (sumOfBytes(record) != 0)
         return QStringLiteral("wrong sum");
@@ -109,12 +111,12 @@ QString takeLine(HexReader& reader, const QByteArray& line)
 QByteArray recordText(int address, RecordType type, const QByteArray& data)
 {
     QByteArray record;
-    record.append(char(data.size()))
-        .append(char(address >> 8))
-        .append(char(address))
-        .append(char(type))
+    record.append(static_cast<char>(data.size()))
+        .append(static_cast<char>(address >> 8))
+        .append(static_cast<char>(address))
+        .append(static_cast<char>(type))
         .append(data);
-    record.append(char(-sumOfBytes(record)));
+    record.append(static_cast<char>(-sumOfBytes(record)));
     return ':' + record.toHex().toUpper() + '\n';
 }
 
@@ -188,7 +190,7 @@ QString saveImage(const QString& path, const QByteArray& image)
     QSaveFile file(path);
     if (file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
         const QByteArray text = hexText(image);
-        const int written = int(std::max<qint64>(0, file.write(text)));
+        const int written = static_cast<int>(std::max<qint64>(0, file.write(text)));
         const QByteArray rest = text.mid(written);
         if ((rest.isEmpty() || file.write(rest) == rest.size()) && file.commit())
             return QString();

@@ -7,10 +7,11 @@
 
 #pragma once
 
-#include <QString>
-#include <optional>
-
 #include "tools/fxsim/plc/plc_memory.h"
+
+#include <QString>
+
+#include <optional>
 
 namespace fxsim {
 

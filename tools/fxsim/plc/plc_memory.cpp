@@ -72,12 +72,12 @@ void PlcMemory::forceBit(int bitAddress, bool on)
 
 quint8 PlcMemory::byte(int address) const
 {
-    return quint8(m_bytes[address & addressMask]);
+    return static_cast<quint8>(m_bytes[address & addressMask]);
 }
 
 void PlcMemory::setByte(int address, quint8 value)
 {
-    m_bytes[address & addressMask] = char(value);
+    m_bytes[address & addressMask] = static_cast<char>(value);
 }
 
 bool PlcMemory::bit(int address, int bitNumber) const
@@ -88,7 +88,7 @@ bool PlcMemory::bit(int address, int bitNumber) const
 void PlcMemory::setBit(int address, int bitNumber, bool on)
 {
     const int mask = 1 << bitNumber;
-    setByte(address, quint8(on ? byte(address) | mask : byte(address) & ~mask));
+    setByte(address, static_cast<quint8>(on ? byte(address) | mask : byte(address) & ~mask));
 }
 
 quint32 PlcMemory::value(int address, int byteCount) const
@@ -102,7 +102,7 @@ quint32 PlcMemory::value(int address, int byteCount) const
 void PlcMemory::setValue(int address, int byteCount, quint32 value)
 {
     for (int offset = 0; offset < byteCount; ++offset) {
-        setByte(address + offset, quint8(value));
+        setByte(address + offset, static_cast<quint8>(value));
         value >>= bitsPerByte;
     }
 }

@@ -53,10 +53,10 @@ void setTimers(PlcMemory& memory, qint64 elapsedMs)
     for (int timer = 0; timer < timerCount; ++timer) {
         const int preset = timerStep * (timer + 1);
         const int runMs = preset * tenthMs;
-        const int phaseMs = int(elapsedMs % (runMs + timerHoldMs));
+        const int phaseMs = static_cast<int>(elapsedMs % (runMs + timerHoldMs));
         const bool done = phaseMs >= runMs;
         memory.setValue(timerValues + wordBytes * timer, wordBytes,
-                        quint32(std::min(phaseMs / tenthMs, preset)));
+                        static_cast<quint32>(std::min(phaseMs / tenthMs, preset)));
         memory.setBit(timerContacts, timer, done);
         memory.setBit(outputs, timer, done);
     }
@@ -64,7 +64,8 @@ void setTimers(PlcMemory& memory, qint64 elapsedMs)
 
 void addTo(PlcMemory& memory, int address, int byteCount, qint64 increase)
 {
-    memory.setValue(address, byteCount, quint32(memory.value(address, byteCount) + increase));
+    memory.setValue(address, byteCount,
+                    static_cast<quint32>(memory.value(address, byteCount) + increase));
 }
 
 // The first input rises at every odd multiple of its step.
@@ -86,18 +87,18 @@ void advanceCounters(PlcMemory& memory, qint64 beforeMs, qint64 elapsedMs)
 void setWords(PlcMemory& memory, qint64 elapsedMs)
 {
     const auto setWord = [&memory](int word, qint64 value) {
-        memory.setValue(words + wordBytes * word, wordBytes, quint32(value));
+        memory.setValue(words + wordBytes * word, wordBytes, static_cast<quint32>(value));
     };
     const qint64 triangle = elapsedMs / triangleStepMs % (2 * triangleTop);
-    const double turn = fullTurn * double(elapsedMs) / sinePeriodMs;
-    const quint64 moving = quint64(1) << (elapsedMs / movingStepMs % movingBits);
+    const double turn = fullTurn * static_cast<double>(elapsedMs) / sinePeriodMs;
+    const quint64 moving = static_cast<quint64>(1) << (elapsedMs / movingStepMs % movingBits);
     setWord(0, elapsedMs / 1000);
     setWord(1, triangle <= triangleTop ? triangle : 2 * triangleTop - triangle);
     setWord(2, std::lround(1000 * std::sin(turn)));
     setWord(3, elapsedMs / tenthMs % sawTop);
-    memory.setValue(words + wordBytes * 4, 2 * wordBytes, quint32(moving));
-    memory.setValue(words + wordBytes * 6, 2 * wordBytes, quint32(moving >> 32));
-    memory.setValue(words + wordBytes * 8, 2 * wordBytes, quint32(elapsedMs));
+    memory.setValue(words + wordBytes * 4, 2 * wordBytes, static_cast<quint32>(moving));
+    memory.setValue(words + wordBytes * 6, 2 * wordBytes, static_cast<quint32>(moving >> 32));
+    memory.setValue(words + wordBytes * 8, 2 * wordBytes, static_cast<quint32>(elapsedMs));
 }
 
 }  // namespace
@@ -114,7 +115,7 @@ void SampleProgram::start(PlcMemory& memory)
 void SampleProgram::advance(PlcMemory& memory, qint64 elapsedMs)
 {
     setInputs(memory, elapsedMs);
-    memory.setByte(relays, quint8(1 << (elapsedMs / relayStepMs % bitsPerByte)));
+    memory.setByte(relays, static_cast<quint8>(1 << (elapsedMs / relayStepMs % bitsPerByte)));
     setTimers(memory, elapsedMs);
     advanceCounters(memory, m_elapsedMs, elapsedMs);
     setWords(memory, elapsedMs);

@@ -3,10 +3,10 @@
 //
 // See script_program.h: steps at work. Reading them is script_reader.cpp.
 
+#include "tools/fxsim/plc/script_program.h"
+
 #include <algorithm>
 #include <limits>
-
-#include "tools/fxsim/plc/script_program.h"
 
 namespace fxsim {
 
@@ -18,24 +18,24 @@ constexpr int mostCatchUps =
 
 void addStep(PlcMemory& memory, const ScriptStep& step)
 {
-    qint64 sum = qint64(memory.value(step.address, step.byteCount)) + step.value;
+    qint64 sum = static_cast<qint64>(memory.value(step.address, step.byteCount)) + step.value;
     if (step.to >= step.from && (sum > step.to || sum < step.from))
         sum = step.from;
-    memory.setValue(step.address, step.byteCount, quint32(sum));
+    memory.setValue(step.address, step.byteCount, static_cast<quint32>(sum));
 }
 
 void copyStep(PlcMemory& memory, const ScriptStep& step)
 {
     const QByteArray bytes = memory.read(step.address, step.byteCount);
     for (int offset = 0; offset < bytes.size(); ++offset)
-        memory.setByte(step.toAddress + offset, quint8(bytes[offset]));
+        memory.setByte(step.toAddress + offset, static_cast<quint8>(bytes[offset]));
 }
 
 void runStep(PlcMemory& memory, const ScriptStep& step)
 {
     switch (step.action) {
     case ScriptStep::Action::Set:
-        memory.setValue(step.address, step.byteCount, quint32(step.value));
+        memory.setValue(step.address, step.byteCount, static_cast<quint32>(step.value));
         break;
     case ScriptStep::Action::SetBit:
         memory.setBit(step.address, step.bit, step.value != 0);
@@ -76,7 +76,7 @@ void ScriptProgram::advance(PlcMemory& memory, qint64 elapsedMs)
         const auto next = std::min_element(m_nextMs.begin(), m_nextMs.end());
         if (next == m_nextMs.end() || *next > elapsedMs)
             return;
-        const ScriptStep& step = m_steps[int(next - m_nextMs.begin())];
+        const ScriptStep& step = m_steps[static_cast<int>(next - m_nextMs.begin())];
         runStep(memory, step);
         *next = step.everyMs > 0 ? *next + step.everyMs : never;
     }

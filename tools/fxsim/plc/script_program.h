@@ -18,10 +18,11 @@
 
 #pragma once
 
-#include <QString>
-#include <memory>
-
 #include "tools/fxsim/plc/program.h"
+
+#include <QString>
+
+#include <memory>
 
 namespace fxsim {
 

@@ -4,15 +4,16 @@
 // Scripts from JSON, see script_program.h. Whatever does not fit is refused with the number of its
 // step.
 
+#include "tools/fxsim/plc/number_text.h"
+#include "tools/fxsim/plc/script_program.h"
+
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+
 #include <cmath>
 #include <optional>
-
-#include "tools/fxsim/plc/number_text.h"
-#include "tools/fxsim/plc/script_program.h"
 
 namespace fxsim {
 
@@ -42,9 +43,9 @@ public:
         const bool whole = value.isDouble() && number == std::floor(number);
         const QString wanted =
             QStringLiteral("a whole number from %1 to %2").arg(lowest).arg(highest);
-        if (!whole || number < double(lowest) || number > double(highest))
+        if (!whole || number < static_cast<double>(lowest) || number > static_cast<double>(highest))
             throw ScriptError{QStringLiteral("\"%1\" must be %2").arg(key, wanted)};
-        return qint64(number);
+        return static_cast<qint64>(number);
     }
 
     qint64 numberOr(const char* key, qint64 otherwise, qint64 lowest, qint64 highest)
@@ -103,7 +104,7 @@ void readTimes(StepReader& reader, ScriptStep& step)
 
 void readByteCount(StepReader& reader, ScriptStep& step)
 {
-    step.byteCount = int(reader.numberOr("bytes", 2, 1, 4));
+    step.byteCount = static_cast<int>(reader.numberOr("bytes", 2, 1, 4));
     if (step.byteCount == 3)
         throw ScriptError{QStringLiteral("\"bytes\" must be 1, 2 or 4")};
     if (step.byteCount > addressableBytes - step.address)
@@ -151,7 +152,7 @@ void readCopy(StepReader& reader, ScriptStep& step)
     step.address = reader.address("copy");
     step.toAddress = reader.address("to");
     const int room = addressableBytes - std::max(step.address, step.toAddress);
-    step.byteCount = int(reader.numberOr("bytes", std::min(2, room), 1, room));
+    step.byteCount = static_cast<int>(reader.numberOr("bytes", std::min(2, room), 1, room));
 }
 
 ScriptStep readStep(const QJsonObject& object)
