@@ -3,16 +3,16 @@
 //
 // The files that the program reads and writes: memory images and scripts.
 
-#include <gtest/gtest.h>
-
-#include <QFile>
-#include <QTemporaryDir>
-
 #include "tests/tools/fxsim/fxsim_process.h"
 #include "tests/tools/fxsim/printing.h"
 #include "tests/tools/fxsim/wire_frames.h"
 
-TEST(FxsimFiles, memoryIsSavedAndLoaded)
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+TEST(FxsimFiles, MemoryIsSavedAndLoaded)
 {
     const QTemporaryDir folder;
     const QString path = folder.filePath("plc.hex");
@@ -32,7 +32,7 @@ TEST(FxsimFiles, memoryIsSavedAndLoaded)
     EXPECT_EQ(second.command("peek 0x10C8"), "10C8: 01\nok\n") << "as it was loaded";
 }
 
-TEST(FxsimFiles, scriptRuns)
+TEST(FxsimFiles, ScriptRuns)
 {
     const QTemporaryDir folder;
     const QString path = folder.filePath("plant.json");
@@ -45,7 +45,7 @@ TEST(FxsimFiles, scriptRuns)
     EXPECT_EQ(process.command("peek 0x10C8 2"), "10C8: 01 02\nok\n");
 }
 
-TEST(FxsimFiles, badFilesAreNamedBeforeAnythingStarts)
+TEST(FxsimFiles, BadFilesAreNamedBeforeAnythingStarts)
 {
     const QTemporaryDir folder;
     const QString path = folder.filePath("bad");
@@ -72,7 +72,7 @@ TEST(FxsimFiles, badFilesAreNamedBeforeAnythingStarts)
 }
 
 // Told before the run, not after it, when the memory is lost.
-TEST(FxsimFiles, saveToAProtectedFileIsRefusedAtTheStart)
+TEST(FxsimFiles, SaveToAProtectedFileIsRefusedAtTheStart)
 {
     const QTemporaryDir folder;
     const QString path = folder.filePath("plc.hex");
@@ -83,7 +83,7 @@ TEST(FxsimFiles, saveToAProtectedFileIsRefusedAtTheStart)
     EXPECT_EQ(start.errors, "fxsim: " + path.toUtf8() + ": this file may not be written\n");
 }
 
-TEST(FxsimFiles, traceThatFindsNoRoomIsNoSuccess)
+TEST(FxsimFiles, TraceThatFindsNoRoomIsNoSuccess)
 {
     FxsimProcess process({"--trace", "/dev/full", "--program", "none"});
     PtyEnd host(process.waitReady());

@@ -5,13 +5,13 @@
 
 #include "tests/tools/fxsim/fxsim_process.h"
 
+#include <csignal>
+#include <cstdlib>
+
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/types.h>
 #include <unistd.h>
-
-#include <csignal>
-#include <cstdlib>
 
 namespace {
 
@@ -19,7 +19,7 @@ constexpr int deviceNameBytes = 128;
 
 int millisecondsLeft(const QElapsedTimer& timer)
 {
-    return qMax(0, deadlineMs - int(timer.elapsed()));
+    return qMax(0, deadlineMs - static_cast<int>(timer.elapsed()));
 }
 
 }  // namespace
@@ -85,7 +85,7 @@ int FxsimProcess::waitEnd()
 
 int FxsimProcess::signal(int number)
 {
-    ::kill(pid_t(m_process.processId()), number);
+    ::kill(static_cast<pid_t>(m_process.processId()), number);
     return waitEnd();
 }
 
@@ -124,7 +124,7 @@ QString PtyEnd::otherEnd() const
 
 void PtyEnd::send(const QByteArray& bytes)
 {
-    if (::write(m_descriptor, bytes.constData(), size_t(bytes.size())) != bytes.size())
+    if (::write(m_descriptor, bytes.constData(), static_cast<size_t>(bytes.size())) != bytes.size())
         qWarning("the terminal did not take %d bytes", bytes.size());
 }
 
@@ -152,7 +152,8 @@ bool PtyEnd::waitGone()
 TcpEnd::TcpEnd(const QString& name)
 {
     const int colon = name.lastIndexOf(':');
-    m_socket.connectToHost(name.mid(4, colon - 4), quint16(name.mid(colon + 1).toInt()));
+    m_socket.connectToHost(name.mid(4, colon - 4),
+                           static_cast<quint16>(name.mid(colon + 1).toInt()));
     m_socket.waitForConnected(deadlineMs);
 }
 

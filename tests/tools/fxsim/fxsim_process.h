@@ -12,6 +12,7 @@
 #include <QString>
 #include <QStringList>
 #include <QTcpSocket>
+
 #include <csignal>
 
 constexpr int deadlineMs = 10000;

@@ -3,13 +3,13 @@
 //
 // The command line of the program: mistakes in it, its help, and what the manual tells of it.
 
-#include <gtest/gtest.h>
+#include "tests/tools/fxsim/fxsim_process.h"
+#include "tests/tools/fxsim/printing.h"
 
 #include <QFile>
 #include <QRegularExpression>
 
-#include "tests/tools/fxsim/fxsim_process.h"
-#include "tests/tools/fxsim/printing.h"
+#include <gtest/gtest.h>
 
 struct UsageCase
 {
@@ -17,7 +17,7 @@ struct UsageCase
     QByteArray message;
 };
 
-TEST(FxsimUsage, badArgumentsGetOneLineAndExitCode2)
+TEST(FxsimUsage, BadArgumentsGetOneLineAndExitCode2)
 {
     const UsageCase cases[] = {
         {{"--tcp", "99999"},
@@ -64,7 +64,7 @@ TEST(FxsimUsage, badArgumentsGetOneLineAndExitCode2)
     }
 }
 
-TEST(FxsimUsage, helpAndVersionAreNoFaults)
+TEST(FxsimUsage, HelpAndVersionAreNoFaults)
 {
     const FailedStart help = runToEnd({"--help"});
     EXPECT_EQ(help.exitCode, 0);
@@ -77,7 +77,7 @@ TEST(FxsimUsage, helpAndVersionAreNoFaults)
     EXPECT_TRUE(faults.output.contains("\n  lost-etx     the ETX is missing"));
 }
 
-TEST(FxsimUsage, manualAndCompletionKnowEveryOptionAndFault)
+TEST(FxsimUsage, ManualAndCompletionKnowEveryOptionAndFault)
 {
     const auto contents = [](const char* path) {
         QFile file(path);

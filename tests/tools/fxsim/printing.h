@@ -7,6 +7,7 @@
 
 #include <QByteArray>
 #include <QString>
+
 #include <ostream>
 
 inline void PrintTo(const QByteArray& bytes, std::ostream* out)

@@ -3,14 +3,13 @@
 //
 // What each fault makes of a reply, and that the same seed makes the same damage.
 
+#include "tests/tools/fxsim/printing.h"
+#include "tests/tools/fxsim/wire_frames.h"
 #include "tools/fxsim/faults/fault_damage.h"
 
 #include <gtest/gtest.h>
 
 #include <functional>
-
-#include "tests/tools/fxsim/printing.h"
-#include "tests/tools/fxsim/wire_frames.h"
 
 using namespace fxsim;
 
@@ -40,7 +39,7 @@ int differingBits(const QByteArray& left, const QByteArray& right)
 {
     int bits = 0;
     for (int at = 0; at < left.size(); ++at)
-        bits += int(qPopulationCount(quint8(left[at] ^ right[at])));
+        bits += static_cast<int>(qPopulationCount(static_cast<quint8>(left[at] ^ right[at])));
     return bits;
 }
 
@@ -57,7 +56,7 @@ struct DamageCase
 class Damage : public testing::TestWithParam<DamageCase>
 {};
 
-TEST_P(Damage, isWhatTheFaultSays)
+TEST_P(Damage, IsWhatTheFaultSays)
 {
     EXPECT_EQ(bytesOf(damagedBy(GetParam().plan, GetParam().sound)), GetParam().damagedBytes);
 }
@@ -104,7 +103,7 @@ INSTANTIATE_TEST_SUITE_P(
                                          "A7"}),
     [](const auto& row) { return std::string(row.param.name); });
 
-TEST(Faults, flippedBitsFlipOneBitUnlessToldOtherwise)
+TEST(Faults, FlippedBitsFlipOneBitUnlessToldOtherwise)
 {
     for (quint64 seed = 1; seed <= 200; ++seed) {
         const QByteArray bytes = bytesOf(damagedBy("flipped-bits@1", reply, seed));
@@ -113,7 +112,7 @@ TEST(Faults, flippedBitsFlipOneBitUnlessToldOtherwise)
     }
 }
 
-TEST(Faults, truncatedIsAlwaysShorter)
+TEST(Faults, TruncatedIsAlwaysShorter)
 {
     for (quint64 seed = 1; seed <= 200; ++seed) {
         const QByteArray bytes = bytesOf(damagedBy("truncated@1", reply, seed));
@@ -122,7 +121,7 @@ TEST(Faults, truncatedIsAlwaysShorter)
     }
 }
 
-TEST(Faults, junkForgesNoControlCharacter)
+TEST(Faults, JunkForgesNoControlCharacter)
 {
     for (quint64 seed = 1; seed <= 200; ++seed) {
         const QByteArray bytes =
@@ -132,18 +131,18 @@ TEST(Faults, junkForgesNoControlCharacter)
         EXPECT_LE(at, 8);
         EXPECT_EQ(bytes.size(), at + 1 + 3);
         for (const char character : bytes)
-            EXPECT_TRUE(character == '\x06' || quint8(character) >= 0x20);
+            EXPECT_TRUE(character == '\x06' || static_cast<quint8>(character) >= 0x20);
     }
 }
 
-TEST(Faults, delayComesBeforeTheFirstCharacter)
+TEST(Faults, DelayComesBeforeTheFirstCharacter)
 {
     const QVector<Chunk> chunks = damagedBy("delay:800@1", reply);
     ASSERT_EQ(chunks.size(), 1);
     EXPECT_EQ(chunks[0].pauseMs, 800);
 }
 
-TEST(Faults, slicesAre32CharactersWithPauses)
+TEST(Faults, SlicesAre32CharactersWithPauses)
 {
     const QVector<Chunk> chunks = damagedBy("slices:5@1", QByteArray(70, 'x'));
     ASSERT_EQ(chunks.size(), 3);
@@ -155,14 +154,14 @@ TEST(Faults, slicesAre32CharactersWithPauses)
     EXPECT_EQ(chunks[2].pauseMs, 5);
 }
 
-TEST(Faults, duplicateWaitsBetweenTheTwo)
+TEST(Faults, DuplicateWaitsBetweenTheTwo)
 {
     const QVector<Chunk> chunks = damagedBy("duplicate:30@1", reply);
     ASSERT_EQ(chunks.size(), 2);
     EXPECT_EQ(chunks[1].pauseMs, 30);
 }
 
-TEST(Faults, sameSeedSameDamage)
+TEST(Faults, SameSeedSameDamage)
 {
     const char* plan = "flipped-bits:3=0.5,truncated=0.3,junk-before=0.5,silence=0.1";
     for (qint64 exchange = 1; exchange <= 200; ++exchange)
@@ -170,7 +169,7 @@ TEST(Faults, sameSeedSameDamage)
                   bytesOf(damagedBy(plan, reply, 7, exchange)));
 }
 
-TEST(Faults, anotherSeedOtherDamage)
+TEST(Faults, AnotherSeedOtherDamage)
 {
     int different = 0;
     for (qint64 exchange = 1; exchange <= 200; ++exchange)
@@ -180,14 +179,14 @@ TEST(Faults, anotherSeedOtherDamage)
 }
 
 // Known numbers: a change of the generator would make old runs irreproducible.
-TEST(Faults, diceRollTheSameEverywhere)
+TEST(Faults, DiceRollTheSameEverywhere)
 {
     Dice dice(1, 1);
     EXPECT_EQ(dice.next(), 0xBD17853175C4F325ULL);
     EXPECT_EQ(dice.next(), 0x72C343E604CA3AF6ULL);
 }
 
-TEST(Faults, rateIsMetInTheLongRun)
+TEST(Faults, RateIsMetInTheLongRun)
 {
     int silent = 0;
     for (qint64 exchange = 1; exchange <= 10000; ++exchange)
@@ -196,7 +195,7 @@ TEST(Faults, rateIsMetInTheLongRun)
     EXPECT_LT(silent, 570);
 }
 
-TEST(Faults, listIsMetExactly)
+TEST(Faults, ListIsMetExactly)
 {
     QVector<qint64> silent;
     for (qint64 exchange = 1; exchange <= 30; ++exchange) {
@@ -206,7 +205,7 @@ TEST(Faults, listIsMetExactly)
     EXPECT_EQ(silent, (QVector<qint64>{3, 7, 8, 9, 29, 30}));
 }
 
-TEST(Faults, rateZeroNeverAndRateOneAlways)
+TEST(Faults, RateZeroNeverAndRateOneAlways)
 {
     for (qint64 exchange = 1; exchange <= 1000; ++exchange) {
         EXPECT_FALSE(damagedBy("silence=0", reply, 1, exchange).isEmpty());

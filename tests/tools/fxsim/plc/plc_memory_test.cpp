@@ -3,29 +3,28 @@
 //
 // The flat memory: bytes, bits, what is missing and what is mirrored.
 
+#include "tests/tools/fxsim/printing.h"
 #include "tools/fxsim/plc/plc_memory.h"
 
 #include <gtest/gtest.h>
 
-#include "tests/tools/fxsim/printing.h"
-
 using namespace fxsim;
 
-TEST(PlcMemory, startsAsZeros)
+TEST(PlcMemory, StartsAsZeros)
 {
     const PlcMemory memory;
     EXPECT_EQ(memory.read(0, 4), fromHex("00000000"));
     EXPECT_EQ(memory.byte(0xFFFF), 0);
 }
 
-TEST(PlcMemory, keepsWhatWasWritten)
+TEST(PlcMemory, KeepsWhatWasWritten)
 {
     PlcMemory memory;
     memory.write(0x10C8, fromHex("AABB"));
     EXPECT_EQ(memory.read(0x10C7, 4), fromHex("00AABB00"));
 }
 
-TEST(PlcMemory, valuesStandLowestByteFirst)
+TEST(PlcMemory, ValuesStandLowestByteFirst)
 {
     PlcMemory memory;
     memory.setValue(0x0C00, 4, 0x12345678);
@@ -33,7 +32,7 @@ TEST(PlcMemory, valuesStandLowestByteFirst)
     EXPECT_EQ(memory.value(0x0C01, 2), 0x3456U);
 }
 
-TEST(PlcMemory, bitAddressIsEightTimesByteAddressPlusBit)
+TEST(PlcMemory, BitAddressIsEightTimesByteAddressPlusBit)
 {
     PlcMemory memory;
     memory.forceBit(0x0803, true);
@@ -43,7 +42,7 @@ TEST(PlcMemory, bitAddressIsEightTimesByteAddressPlusBit)
     EXPECT_EQ(memory.byte(0x0100), 0x80);
 }
 
-TEST(PlcMemory, hasWholeRangesOnly)
+TEST(PlcMemory, HasWholeRangesOnly)
 {
     PlcMemory memory;
     memory.setPresent({{0x1000, 0x1FFF}});
@@ -56,7 +55,7 @@ TEST(PlcMemory, hasWholeRangesOnly)
     EXPECT_FALSE(memory.has(0x1FFF, 2));
 }
 
-TEST(PlcMemory, hasNothingPastTheLastAddress)
+TEST(PlcMemory, HasNothingPastTheLastAddress)
 {
     const PlcMemory memory;
     EXPECT_TRUE(memory.has(0xFFFF, 1));
@@ -65,7 +64,7 @@ TEST(PlcMemory, hasNothingPastTheLastAddress)
     EXPECT_FALSE(memory.has(-1, 1));
 }
 
-TEST(PlcMemory, mirrorShowsWritesAndForcesAtItsOtherEnd)
+TEST(PlcMemory, MirrorShowsWritesAndForcesAtItsOtherEnd)
 {
     PlcMemory memory;
     memory.setMirrors({{0x0F00, 0x0E00, 0x100}});
@@ -79,7 +78,7 @@ TEST(PlcMemory, mirrorShowsWritesAndForcesAtItsOtherEnd)
     EXPECT_EQ(memory.byte(0x0E10), 0x01);
 }
 
-TEST(PlcMemory, benchWritesAreNotMirrored)
+TEST(PlcMemory, BenchWritesAreNotMirrored)
 {
     PlcMemory memory;
     memory.setMirrors({{0x0F00, 0x0E00, 0x100}});
@@ -87,7 +86,7 @@ TEST(PlcMemory, benchWritesAreNotMirrored)
     EXPECT_EQ(memory.byte(0x0E00), 0);
 }
 
-TEST(PlcMemory, imageIsAlwaysOfFullLength)
+TEST(PlcMemory, ImageIsAlwaysOfFullLength)
 {
     PlcMemory memory;
     memory.setImage(fromHex("0102"));

@@ -3,11 +3,10 @@
 //
 // Fault plans from and to text.
 
+#include "tests/tools/fxsim/printing.h"
 #include "tools/fxsim/faults/faults.h"
 
 #include <gtest/gtest.h>
-
-#include "tests/tools/fxsim/printing.h"
 
 using namespace fxsim;
 
@@ -29,7 +28,7 @@ QString errorOf(const char* text)
 
 }  // namespace
 
-TEST(FaultPlan, readsRates)
+TEST(FaultPlan, ReadsRates)
 {
     const FaultPlan plan = parseFaults("silence=0.05,nak=2%").plan;
     ASSERT_EQ(plan.size(), 2);
@@ -39,7 +38,7 @@ TEST(FaultPlan, readsRates)
     EXPECT_DOUBLE_EQ(plan[1].rate, 0.02);
 }
 
-TEST(FaultPlan, readsLists)
+TEST(FaultPlan, ReadsLists)
 {
     const FaultPlan plan = parseFaults("delay@3,wrong-sum@7-9+20-").plan;
     ASSERT_EQ(plan.size(), 2);
@@ -51,7 +50,7 @@ TEST(FaultPlan, readsLists)
     EXPECT_GT(plan[1].spans[1].last, 1000000000);
 }
 
-TEST(FaultPlan, readsValuesAndKnowsTheOnesNotGiven)
+TEST(FaultPlan, ReadsValuesAndKnowsTheOnesNotGiven)
 {
     const FaultPlan plan = parseFaults("delay:800@3,delay@4,slices=1").plan;
     EXPECT_EQ(plan[0].value, 800);
@@ -59,7 +58,7 @@ TEST(FaultPlan, readsValuesAndKnowsTheOnesNotGiven)
     EXPECT_EQ(plan[2].value, 20);
 }
 
-TEST(FaultPlan, isTextAgain)
+TEST(FaultPlan, IsTextAgain)
 {
     EXPECT_EQ(again("silence=0.05,nak=2%"), "silence=0.05,nak=0.02");
     EXPECT_EQ(again("delay:800@3+7-9+20-"), "delay:800@3+7-9+20-");
@@ -68,7 +67,7 @@ TEST(FaultPlan, isTextAgain)
     EXPECT_EQ(again(""), "none");
 }
 
-TEST(FaultPlan, knowsEveryFaultByName)
+TEST(FaultPlan, KnowsEveryFaultByName)
 {
     for (const char* name : {"silence", "nak", "delay", "wrong-sum", "flipped-bits", "bit7",
                              "truncated", "lost-stx", "lost-etx", "junk-before", "junk-after",
@@ -79,13 +78,13 @@ TEST(FaultPlan, knowsEveryFaultByName)
     }
 }
 
-TEST(FaultPlan, factsStandInTheOrderOfTheirKinds)
+TEST(FaultPlan, FactsStandInTheOrderOfTheirKinds)
 {
     for (int kind = 0; kind < faultKinds; ++kind)
-        EXPECT_EQ(int(factsOf(FaultKind(kind)).kind), kind);
+        EXPECT_EQ(static_cast<int>(factsOf(static_cast<FaultKind>(kind)).kind), kind);
 }
 
-TEST(FaultPlan, mixedSharesItsRateAmongTheFaultsOfTheLine)
+TEST(FaultPlan, MixedSharesItsRateAmongTheFaultsOfTheLine)
 {
     const FaultPlan plan = parseFaults("mixed:50=0.14").plan;
     ASSERT_EQ(plan.size(), 14);
@@ -97,7 +96,7 @@ TEST(FaultPlan, mixedSharesItsRateAmongTheFaultsOfTheLine)
     }
 }
 
-TEST(FaultPlan, saysWhatIsWrong)
+TEST(FaultPlan, SaysWhatIsWrong)
 {
     EXPECT_EQ(errorOf("silent=0.1"), "there is no fault 'silent'; --faults help lists them");
     EXPECT_EQ(errorOf("silence"), "fault 'silence': say when, as in NAME=0.05 or NAME@3");

@@ -3,17 +3,17 @@
 //
 // Commands to the running program, by its control socket and its standard input.
 
-#include <gtest/gtest.h>
+#include "tests/tools/fxsim/fxsim_process.h"
+#include "tests/tools/fxsim/printing.h"
+#include "tests/tools/fxsim/wire_frames.h"
 
 #include <QFileInfo>
 #include <QLocalSocket>
 #include <QTemporaryDir>
 
-#include "tests/tools/fxsim/fxsim_process.h"
-#include "tests/tools/fxsim/printing.h"
-#include "tests/tools/fxsim/wire_frames.h"
+#include <gtest/gtest.h>
 
-TEST(FxsimControl, socketTakesCommandsFromSeveralClients)
+TEST(FxsimControl, SocketTakesCommandsFromSeveralClients)
 {
     const QTemporaryDir folder;
     const QString path = folder.filePath("control");
@@ -37,7 +37,7 @@ TEST(FxsimControl, socketTakesCommandsFromSeveralClients)
     EXPECT_FALSE(QFileInfo::exists(path));
 }
 
-TEST(FxsimControl, socketInUseAndForeignFilesStay)
+TEST(FxsimControl, SocketInUseAndForeignFilesStay)
 {
     const QTemporaryDir folder;
     const QString path = folder.filePath("control");
@@ -50,7 +50,7 @@ TEST(FxsimControl, socketInUseAndForeignFilesStay)
 }
 
 // It was taken for one left behind, and removed under whoever listened.
-TEST(FxsimControl, socketThatMayNotBeAskedStays)
+TEST(FxsimControl, SocketThatMayNotBeAskedStays)
 {
     const QTemporaryDir folder;
     const QString path = folder.filePath("control");
@@ -71,7 +71,7 @@ TEST(FxsimControl, socketThatMayNotBeAskedStays)
     QFile::setPermissions(folder.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }
 
-TEST(FxsimControl, socketThatCannotBeMadeIsExplained)
+TEST(FxsimControl, SocketThatCannotBeMadeIsExplained)
 {
     const FailedStart folder = runToEnd({"--control", "/nonexistent/control"});
     EXPECT_EQ(folder.exitCode, 3);
@@ -84,7 +84,7 @@ TEST(FxsimControl, socketThatCannotBeMadeIsExplained)
                                  ": a socket's path has at most 107 bytes\n");
 }
 
-TEST(FxsimControl, socketLeftBehindIsReplaced)
+TEST(FxsimControl, SocketLeftBehindIsReplaced)
 {
     const QTemporaryDir folder;
     const QString path = folder.filePath("control");
@@ -103,7 +103,7 @@ TEST(FxsimControl, socketLeftBehindIsReplaced)
     EXPECT_EQ(process.waitEnd(), 0);
 }
 
-TEST(FxsimControl, tellGivesOneCommand)
+TEST(FxsimControl, TellGivesOneCommand)
 {
     const QTemporaryDir folder;
     const QString path = folder.filePath("control");
@@ -125,7 +125,7 @@ TEST(FxsimControl, tellGivesOneCommand)
     EXPECT_EQ(runToEnd({"--tell", "help"}).exitCode, 2);
 }
 
-TEST(FxsimControl, inputThatEndsDoesNotEndTheSimulator)
+TEST(FxsimControl, InputThatEndsDoesNotEndTheSimulator)
 {
     FxsimProcess process({"--baud", "0", "--program", "none"});
     PtyEnd host(process.waitReady());

@@ -3,11 +3,10 @@
 //
 // The built-in program, at chosen moments.
 
+#include "tests/tools/fxsim/printing.h"
 #include "tools/fxsim/plc/sample_program.h"
 
 #include <gtest/gtest.h>
-
-#include "tests/tools/fxsim/printing.h"
 
 using namespace fxsim;
 
@@ -27,7 +26,7 @@ PlcMemory after(qint64 elapsedMs)
 
 }  // namespace
 
-TEST(SampleProgram, inputsToggle)
+TEST(SampleProgram, InputsToggle)
 {
     EXPECT_EQ(after(0).byte(0x0080), 0x00);
     EXPECT_EQ(after(500).byte(0x0080), 0x01);
@@ -35,7 +34,7 @@ TEST(SampleProgram, inputsToggle)
     EXPECT_EQ(after(1500).byte(0x0080), 0x07);
 }
 
-TEST(SampleProgram, oneRelayMovesUp)
+TEST(SampleProgram, OneRelayMovesUp)
 {
     EXPECT_EQ(after(0).byte(0x0100), 0x01);
     EXPECT_EQ(after(250).byte(0x0100), 0x02);
@@ -43,7 +42,7 @@ TEST(SampleProgram, oneRelayMovesUp)
     EXPECT_EQ(after(2000).byte(0x0100), 0x01);
 }
 
-TEST(SampleProgram, timersCountTenthsAndHoldWithTheirContactAndOutputOn)
+TEST(SampleProgram, TimersCountTenthsAndHoldWithTheirContactAndOutputOn)
 {
     EXPECT_EQ(after(4999).read(0x0800, 8), fromHex("3100310031003100"));
     EXPECT_EQ(after(4999).byte(0x00C0), 0x00);
@@ -56,7 +55,7 @@ TEST(SampleProgram, timersCountTenthsAndHoldWithTheirContactAndOutputOn)
     EXPECT_EQ(after(15000).byte(0x00C0), 0x04);
 }
 
-TEST(SampleProgram, countersCount)
+TEST(SampleProgram, CountersCount)
 {
     EXPECT_EQ(after(499).value(0x0A00, 2), 0U);
     EXPECT_EQ(after(500).value(0x0A00, 2), 1U);
@@ -68,7 +67,7 @@ TEST(SampleProgram, countersCount)
     EXPECT_EQ(after(100000).byte(0x01C0), 0x03);
 }
 
-TEST(SampleProgram, countersGoOnFromWhereAHostSetsThem)
+TEST(SampleProgram, CountersGoOnFromWhereAHostSetsThem)
 {
     PlcMemory memory;
     SampleProgram program;
@@ -79,7 +78,7 @@ TEST(SampleProgram, countersGoOnFromWhereAHostSetsThem)
     EXPECT_EQ(memory.value(0x0C00, 4), 200074U);
 }
 
-TEST(SampleProgram, wordsMove)
+TEST(SampleProgram, WordsMove)
 {
     const PlcMemory memory = after(5000);
     EXPECT_EQ(memory.value(0x1000, 2), 5U);
@@ -92,10 +91,10 @@ TEST(SampleProgram, wordsMove)
     EXPECT_EQ(after(15000).value(0x1004, 2), 0xFC18U) << "-1000";
 }
 
-TEST(SampleProgram, touchesNothingElse)
+TEST(SampleProgram, TouchesNothingElse)
 {
     PlcMemory memory;
-    memory.setImage(QByteArray(65536, char(0xA5)));
+    memory.setImage(QByteArray(65536, static_cast<char>(0xA5)));
     SampleProgram program;
     program.start(memory);
     for (qint64 ms = 0; ms < 40000; ms += 10)

@@ -3,15 +3,14 @@
 //
 // Trace lines as people read them.
 
+#include "tests/tools/fxsim/printing.h"
 #include "tools/fxsim/line/trace_text.h"
 
 #include <gtest/gtest.h>
 
-#include "tests/tools/fxsim/printing.h"
-
 using namespace fxsim;
 
-TEST(TraceText, showsHexAndReadableSideBySide)
+TEST(TraceText, ShowsHexAndReadableSideBySide)
 {
     EXPECT_EQ(
         traceLine({12345678, "/dev/pts/5", TraceEntry::Direction::FromHost,
@@ -25,7 +24,7 @@ TEST(TraceText, showsHexAndReadableSideBySide)
               "    1.000000 pty * meets silence");
 }
 
-TEST(TraceText, namesEveryCharacterThatCannotBeRead)
+TEST(TraceText, NamesEveryCharacterThatCannotBeRead)
 {
     EXPECT_EQ(readable(fromHex("0203050615")), "<STX><ETX><ENQ><ACK><NAK>");
     EXPECT_EQ(readable(fromHex("417E207F0AFF00")), "A~ <7F><0A><FF><00>");

@@ -3,17 +3,18 @@
 //
 // The programming port that the program offers: each test runs over a pseudo-terminal and over TCP.
 
-#include <gtest/gtest.h>
+#include "tests/tools/fxsim/fxsim_process.h"
+#include "tests/tools/fxsim/printing.h"
+#include "tests/tools/fxsim/wire_frames.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
 #include <csignal>
 #include <memory>
-
-#include "tests/tools/fxsim/fxsim_process.h"
-#include "tests/tools/fxsim/printing.h"
-#include "tests/tools/fxsim/wire_frames.h"
 
 namespace {
 
@@ -94,7 +95,7 @@ INSTANTIATE_TEST_SUITE_P(Links, FxsimOver, testing::Values(Way::Pty, Way::Tcp),
 
 }  // namespace
 
-TEST_P(FxsimOver, readsWritesAndForces)
+TEST_P(FxsimOver, ReadsWritesAndForces)
 {
     Connected plc(GetParam());
     EXPECT_EQ(plc.ask("\x05", 1), "\x06");
@@ -119,7 +120,7 @@ TEST_P(FxsimOver, readsWritesAndForces)
     EXPECT_EQ(plc.ask(damagedRead, 1), "\x15");
 }
 
-TEST_P(FxsimOver, framesMayBeCutAnywhere)
+TEST_P(FxsimOver, FramesMayBeCutAnywhere)
 {
     Connected plc(GetParam());
     for (const char character : writeD100)
@@ -128,26 +129,26 @@ TEST_P(FxsimOver, framesMayBeCutAnywhere)
     EXPECT_EQ(plc.ask("junk" + readD100 + readD100, 24), valueOfD100 + valueOfD100);
 }
 
-TEST_P(FxsimOver, onErrorSilenceKeepsSilent)
+TEST_P(FxsimOver, OnErrorSilenceKeepsSilent)
 {
     Connected plc(GetParam(), {"--on-error", "silence"});
     EXPECT_EQ(plc.all(damagedRead), "");
 }
 
-TEST_P(FxsimOver, enqNeededWaitsForAnEnquiry)
+TEST_P(FxsimOver, EnqNeededWaitsForAnEnquiry)
 {
     Connected plc(GetParam(), {"--enq", "needed"});
     plc.host->send(readD100);
     EXPECT_EQ(plc.ask("\x05" + readD100, 13), "\x06" + zerosOfD100);
 }
 
-TEST_P(FxsimOver, enqIgnoredGetsNoAnswer)
+TEST_P(FxsimOver, EnqIgnoredGetsNoAnswer)
 {
     Connected plc(GetParam(), {"--enq", "ignored"});
     EXPECT_EQ(plc.all("\x05" + readD100), zerosOfD100);
 }
 
-TEST_P(FxsimOver, maxBytesAndHolesAreRefused)
+TEST_P(FxsimOver, MaxBytesAndHolesAreRefused)
 {
     Connected plc(GetParam(), {"--max-bytes", "3", "--memory", "0-0x1FFF", "--holes", "0x10D0"});
     EXPECT_EQ(plc.ask(readD100, 1), "\x15");
@@ -174,7 +175,7 @@ TEST_P(FxsimOver, maxBytesAndHolesAreRefused)
               "63");
 }
 
-TEST_P(FxsimOver, writesAtTheMirrorShowWhereTheyAreRead)
+TEST_P(FxsimOver, WritesAtTheMirrorShowWhereTheyAreRead)
 {
     const QByteArray write = "\x02"
                              "10F0002ABCD"
@@ -204,7 +205,7 @@ struct FaultCase
     QByteArray answer;  // to a read, from one sent after it
 };
 
-TEST_P(FxsimOver, everyFaultOfTheLineDoesWhatItSays)
+TEST_P(FxsimOver, EveryFaultOfTheLineDoesWhatItSays)
 {
     const FaultCase cases[] = {
         {"silence@1", ""},
@@ -236,7 +237,7 @@ TEST_P(FxsimOver, everyFaultOfTheLineDoesWhatItSays)
     }
 }
 
-TEST_P(FxsimOver, randomFaultsDamageAsTheySay)
+TEST_P(FxsimOver, RandomFaultsDamageAsTheySay)
 {
     Connected plc(GetParam());
     EXPECT_EQ(plc.ask(writeD100, 1), "\x06");
@@ -254,7 +255,7 @@ TEST_P(FxsimOver, randomFaultsDamageAsTheySay)
     EXPECT_NE(flipped, valueOfD100);
 }
 
-TEST_P(FxsimOver, sameSeedRepeatsARun)
+TEST_P(FxsimOver, SameSeedRepeatsARun)
 {
     const QStringList arguments = {"--faults", "mixed:1=0.5", "--seed", "42"};
     Connected first(GetParam(), arguments);
@@ -277,7 +278,7 @@ TEST_P(FxsimOver, sameSeedRepeatsARun)
     EXPECT_NE(firstRun, run(other));
 }
 
-TEST_P(FxsimOver, linkDropsAndComesBack)
+TEST_P(FxsimOver, LinkDropsAndComesBack)
 {
     Connected plc(GetParam(), {"--faults", "link-drop:50@2"});
     EXPECT_EQ(plc.ask(writeD100, 1), "\x06");
@@ -293,7 +294,7 @@ TEST_P(FxsimOver, linkDropsAndComesBack)
     EXPECT_EQ(plc.ask(readD100, 12), valueOfD100);
 }
 
-TEST_P(FxsimOver, droppingTwiceAtOnceIsOneDrop)
+TEST_P(FxsimOver, DroppingTwiceAtOnceIsOneDrop)
 {
     Connected plc(GetParam());
     const QByteArray first = plc.process.command("drop-link 20");
@@ -305,7 +306,7 @@ TEST_P(FxsimOver, droppingTwiceAtOnceIsOneDrop)
     EXPECT_EQ(plc.ask(readD100, 12), zerosOfD100);
 }
 
-TEST_P(FxsimOver, powerCycleForgetsTheMemoryAndTheRequest)
+TEST_P(FxsimOver, PowerCycleForgetsTheMemoryAndTheRequest)
 {
     Connected plc(GetParam(), {"--faults", "power-cycle:0@2"});
     EXPECT_EQ(plc.ask(writeD100, 1), "\x06");
@@ -313,7 +314,7 @@ TEST_P(FxsimOver, powerCycleForgetsTheMemoryAndTheRequest)
     EXPECT_EQ(plc.all(readD100), zerosOfD100);
 }
 
-TEST_P(FxsimOver, pacingTakesAtLeastTheTimeOfTheCharacters)
+TEST_P(FxsimOver, PacingTakesAtLeastTheTimeOfTheCharacters)
 {
     Connected plc(GetParam(), {"--baud", "9600"});
     QElapsedTimer timer;
@@ -322,7 +323,7 @@ TEST_P(FxsimOver, pacingTakesAtLeastTheTimeOfTheCharacters)
     EXPECT_GE(timer.elapsed(), 23) << "11 + 12 characters of 1.04 ms";
 }
 
-TEST_P(FxsimOver, sampleProgramMoves)
+TEST_P(FxsimOver, SampleProgramMoves)
 {
     Connected plc(GetParam(), {"--program", "sample"});
     const QByteArray readMs = "\x02"
@@ -339,7 +340,7 @@ TEST_P(FxsimOver, sampleProgramMoves)
     EXPECT_NE(next, first);
 }
 
-TEST_P(FxsimOver, commandsWorkWhileItRuns)
+TEST_P(FxsimOver, CommandsWorkWhileItRuns)
 {
     Connected plc(GetParam());
     EXPECT_EQ(plc.process.command("poke 0x10C8 0x12 0x34 0x56 0x78"), "ok\n");
@@ -350,7 +351,7 @@ TEST_P(FxsimOver, commandsWorkWhileItRuns)
     EXPECT_EQ(plc.process.waitEnd(), 0);
 }
 
-TEST_P(FxsimOver, endsCleanlyOnSigterm)
+TEST_P(FxsimOver, EndsCleanlyOnSigterm)
 {
     Connected plc(GetParam(), {"--stats"});
     plc.ask(readD100, 12);
@@ -359,20 +360,20 @@ TEST_P(FxsimOver, endsCleanlyOnSigterm)
     EXPECT_FALSE(QFileInfo(plc.folder.filePath("plc")).isSymLink()) << "the link is gone";
 }
 
-TEST_P(FxsimOver, endsCleanlyOnSigint)
+TEST_P(FxsimOver, EndsCleanlyOnSigint)
 {
     Connected plc(GetParam());
     EXPECT_EQ(plc.process.signal(SIGINT), 0);
 }
 
-TEST_P(FxsimOver, endsCleanlyWithItsTerminal)
+TEST_P(FxsimOver, EndsCleanlyWithItsTerminal)
 {
     Connected plc(GetParam(), {"--stats"});
     EXPECT_EQ(plc.process.signal(SIGHUP), 0);
     EXPECT_TRUE(plc.process.restOfOutput().contains("  exchanges                     0\n"));
 }
 
-TEST_P(FxsimOver, traceGoesToAFile)
+TEST_P(FxsimOver, TraceGoesToAFile)
 {
     const QTemporaryDir folder;
     const QString path = folder.filePath("trace");

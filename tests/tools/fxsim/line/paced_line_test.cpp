@@ -3,11 +3,10 @@
 //
 // Characters and scans as a matter of time, without a clock: the tests say what time it is.
 
+#include "tests/tools/fxsim/printing.h"
 #include "tools/fxsim/line/paced_line.h"
 
 #include <gtest/gtest.h>
-
-#include "tests/tools/fxsim/printing.h"
 
 using namespace fxsim;
 
@@ -21,14 +20,14 @@ QByteArray dueAt(PacedLine& line, qint64 nowUs)
 
 }  // namespace
 
-TEST(LineTiming, characterIsTenBits)
+TEST(LineTiming, CharacterIsTenBits)
 {
     EXPECT_EQ((LineTiming{9600, 0}.characterTimeUs()), 1041);
     EXPECT_EQ((LineTiming{19200, 0}.characterTimeUs()), 520);
     EXPECT_EQ((LineTiming{0, 0}.characterTimeUs()), 0);
 }
 
-TEST(LineTiming, scanEndsAtItsMultiples)
+TEST(LineTiming, ScanEndsAtItsMultiples)
 {
     const LineTiming timing{0, 10};
     EXPECT_EQ(timing.scanEndUs(0), 0);
@@ -38,7 +37,7 @@ TEST(LineTiming, scanEndsAtItsMultiples)
     EXPECT_EQ((LineTiming{0, 0}.scanEndUs(10001)), 10001);
 }
 
-TEST(PacedLine, unpacedSendsAtOnce)
+TEST(PacedLine, UnpacedSendsAtOnce)
 {
     PacedLine line({0, 0});
     EXPECT_EQ(line.nextDueUs(), nothingDue);
@@ -49,7 +48,7 @@ TEST(PacedLine, unpacedSendsAtOnce)
     EXPECT_EQ(line.nextDueUs(), nothingDue);
 }
 
-TEST(PacedLine, charactersLeaveOneByOne)
+TEST(PacedLine, CharactersLeaveOneByOne)
 {
     PacedLine line({10000, 0});  // a millisecond each
     line.send("abcd", "", 5000);
@@ -61,7 +60,7 @@ TEST(PacedLine, charactersLeaveOneByOne)
     EXPECT_EQ(dueAt(line, 20000), "d");
 }
 
-TEST(PacedLine, piecesWaitForEachOther)
+TEST(PacedLine, PiecesWaitForEachOther)
 {
     PacedLine line({10000, 0});
     line.send("ab", "", 5000);
@@ -71,7 +70,7 @@ TEST(PacedLine, piecesWaitForEachOther)
     EXPECT_EQ(dueAt(line, 9000), "d");
 }
 
-TEST(PacedLine, delayedPieceHoldsUpTheNext)
+TEST(PacedLine, DelayedPieceHoldsUpTheNext)
 {
     PacedLine line({0, 0});
     line.send("late", "", 9000);
@@ -80,7 +79,7 @@ TEST(PacedLine, delayedPieceHoldsUpTheNext)
     EXPECT_EQ(dueAt(line, 9000), "latenext");
 }
 
-TEST(PacedLine, arrivingCharactersTakeTheirTimeToo)
+TEST(PacedLine, ArrivingCharactersTakeTheirTimeToo)
 {
     PacedLine line({10000, 0});
     EXPECT_EQ(line.arrivalUs(11, 1000), 12000);
@@ -88,7 +87,7 @@ TEST(PacedLine, arrivingCharactersTakeTheirTimeToo)
     EXPECT_EQ(line.arrivalUs(1, 50000), 51000);
 }
 
-TEST(PacedLine, tellsWhichPiecesAreWhole)
+TEST(PacedLine, TellsWhichPiecesAreWhole)
 {
     PacedLine line({10000, 0});
     line.send("ab", "first", 0);
@@ -100,7 +99,7 @@ TEST(PacedLine, tellsWhichPiecesAreWhole)
     EXPECT_EQ(whole[0].note, "first");
 }
 
-TEST(PacedLine, clearForgetsWhatWasQueued)
+TEST(PacedLine, ClearForgetsWhatWasQueued)
 {
     PacedLine line({0, 0});
     line.send("late", "", 9000);
@@ -110,7 +109,7 @@ TEST(PacedLine, clearForgetsWhatWasQueued)
     EXPECT_EQ(dueAt(line, 100), "x");
 }
 
-TEST(PacedLine, queueHasAnEnd)
+TEST(PacedLine, QueueHasAnEnd)
 {
     PacedLine line({0, 0});
     for (int piece = 0; piece < 1000; ++piece)

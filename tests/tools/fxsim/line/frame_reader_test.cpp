@@ -3,13 +3,12 @@
 //
 // Streams cut into frames: however the bytes arrive, the same events come out.
 
+#include "tests/tools/fxsim/printing.h"
 #include "tools/fxsim/line/frame_reader.h"
-
-#include <gtest/gtest.h>
 
 #include <QByteArrayList>
 
-#include "tests/tools/fxsim/printing.h"
+#include <gtest/gtest.h>
 
 using namespace fxsim;
 
@@ -42,13 +41,13 @@ QByteArray told(const QVector<LineEvent>& events)
 
 }  // namespace
 
-TEST(FrameReader, findsAFrame)
+TEST(FrameReader, FindsAFrame)
 {
     FrameReader reader;
     EXPECT_EQ(told(reader.receive(readD100)), "F0230313043383034033733");
 }
 
-TEST(FrameReader, findsAFrameThatComesByteByByte)
+TEST(FrameReader, FindsAFrameThatComesByteByByte)
 {
     FrameReader reader;
     for (int at = 0; at < readD100.size() - 1; ++at)
@@ -56,7 +55,7 @@ TEST(FrameReader, findsAFrameThatComesByteByByte)
     EXPECT_EQ(told(reader.receive(readD100.right(1))), "F0230313043383034033733");
 }
 
-TEST(FrameReader, findsAFrameCutAnywhere)
+TEST(FrameReader, FindsAFrameCutAnywhere)
 {
     for (int cut = 1; cut < readD100.size(); ++cut) {
         FrameReader reader;
@@ -65,47 +64,47 @@ TEST(FrameReader, findsAFrameCutAnywhere)
     }
 }
 
-TEST(FrameReader, findsTwoFramesInOneRead)
+TEST(FrameReader, FindsTwoFramesInOneRead)
 {
     FrameReader reader;
     EXPECT_EQ(told(reader.receive(readD100 + readD100)),
               "F0230313043383034033733 F0230313043383034033733");
 }
 
-TEST(FrameReader, tellsJunkBeforeBetweenAndAfter)
+TEST(FrameReader, TellsJunkBeforeBetweenAndAfter)
 {
     FrameReader reader;
     EXPECT_EQ(told(reader.receive("ab" + readD100 + "\x15" + readD100 + "c")),
               "J6162 F0230313043383034033733 J15 F0230313043383034033733 J63");
 }
 
-TEST(FrameReader, enquiryResetsTheReceiver)
+TEST(FrameReader, EnquiryResetsTheReceiver)
 {
     FrameReader reader;
     EXPECT_EQ(told(reader.receive(readD100.left(5) + "\x05" + readD100)),
               "J0230313043 E F0230313043383034033733");
 }
 
-TEST(FrameReader, stxInsideAFrameStartsANewOne)
+TEST(FrameReader, StxInsideAFrameStartsANewOne)
 {
     FrameReader reader;
     EXPECT_EQ(told(reader.receive(readD100.left(9) + readD100)),
               "J023031304338303403 F0230313043383034033733");
 }
 
-TEST(FrameReader, everyEnquiryCounts)
+TEST(FrameReader, EveryEnquiryCounts)
 {
     FrameReader reader;
     EXPECT_EQ(told(reader.receive("\x05\x05")), "E E");
 }
 
-TEST(FrameReader, sumOfAnyCharactersEndsAFrame)
+TEST(FrameReader, SumOfAnyCharactersEndsAFrame)
 {
     FrameReader reader;
     EXPECT_EQ(told(reader.receive(fromHex("0230030603"))), "F0230030603");
 }
 
-TEST(FrameReader, givesUpAFrameWithoutEndAndGoesOn)
+TEST(FrameReader, GivesUpAFrameWithoutEndAndGoesOn)
 {
     FrameReader reader;
     EXPECT_EQ(told(reader.receive('\x02' + QByteArray(2046, '0'))), "");
@@ -113,7 +112,7 @@ TEST(FrameReader, givesUpAFrameWithoutEndAndGoesOn)
     EXPECT_EQ(told(reader.receive("00" + readD100)), "J3030 F0230313043383034033733");
 }
 
-TEST(FrameReader, resetForgetsHalfAFrame)
+TEST(FrameReader, ResetForgetsHalfAFrame)
 {
     FrameReader reader;
     reader.receive(readD100.left(10));

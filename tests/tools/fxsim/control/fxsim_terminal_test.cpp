@@ -4,19 +4,21 @@
 // fxsim as a job of a shell: it is started in the background of a terminal, and fetched to the
 // foreground.
 
-#include <gtest/gtest.h>
+#include "tests/tools/fxsim/fxsim_process.h"
+#include "tests/tools/fxsim/printing.h"
+#include "tests/tools/fxsim/wire_frames.h"
 
 #include <QRegularExpression>
+
+#include <gtest/gtest.h>
+
 #include <csignal>
+
 #include <poll.h>
 #include <pty.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include "tests/tools/fxsim/fxsim_process.h"
-#include "tests/tools/fxsim/printing.h"
-#include "tests/tools/fxsim/wire_frames.h"
 
 namespace {
 
@@ -43,7 +45,8 @@ public:
 
     void type(const QByteArray& line)
     {
-        EXPECT_EQ(::write(m_terminal, line.constData(), size_t(line.size())), line.size());
+        EXPECT_EQ(::write(m_terminal, line.constData(), static_cast<size_t>(line.size())),
+                  line.size());
     }
 
     // What was shown, up to the text that is waited for or the deadline.
@@ -88,7 +91,7 @@ private:
 }  // namespace
 
 // What was typed for the shell made it read no more commands ever.
-TEST(FxsimTerminal, commandsAreReadWhenItComesToTheForeground)
+TEST(FxsimTerminal, CommandsAreReadWhenItComesToTheForeground)
 {
     Shell shell;
     const QString ready = QString::fromLatin1(shell.waitFor("\n"));

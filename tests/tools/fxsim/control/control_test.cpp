@@ -3,13 +3,12 @@
 //
 // Control commands, one line in and some out.
 
+#include "tests/tools/fxsim/printing.h"
 #include "tools/fxsim/control/control.h"
-
-#include <gtest/gtest.h>
 
 #include <QTemporaryDir>
 
-#include "tests/tools/fxsim/printing.h"
+#include <gtest/gtest.h>
 
 using namespace fxsim;
 
@@ -22,14 +21,14 @@ struct ControlTest : testing::Test
     Simulator plc{Settings(), nullptr, 0};
     int quits = 0;
     int droppedMs = -1;
-    Control control{
-        plc,
-        {[this] { ++quits; }, [this](int forMs) { droppedMs = forMs; }, [] { return qint64(0); }}};
+    Control control{plc,
+                    {[this] { ++quits; }, [this](int forMs) { droppedMs = forMs; },
+                     [] { return static_cast<qint64>(0); }}};
 };
 
 }  // namespace
 
-TEST_F(ControlTest, pokesAndPeeks)
+TEST_F(ControlTest, PokesAndPeeks)
 {
     EXPECT_EQ(run("poke 0x1000 1 0xFF 16"), "ok\n");
     EXPECT_EQ(run("peek 0x1000 4"), "1000: 01 FF 10 00\nok\n");
@@ -38,7 +37,7 @@ TEST_F(ControlTest, pokesAndPeeks)
               "0FFF: 00 01 FF 10 00 00 00 00 00 00 00 00 00 00 00 00\n100F: 00 00\nok\n");
 }
 
-TEST_F(ControlTest, pokesAndPeeksBits)
+TEST_F(ControlTest, PokesAndPeeksBits)
 {
     EXPECT_EQ(run("poke 0x0100.3 1"), "ok\n");
     EXPECT_EQ(run("peek 0x0100.3"), "1\nok\n");
@@ -47,7 +46,7 @@ TEST_F(ControlTest, pokesAndPeeksBits)
     EXPECT_EQ(run("peek 0x0100.3"), "0\nok\n");
 }
 
-TEST_F(ControlTest, badPokeChangesNothing)
+TEST_F(ControlTest, BadPokeChangesNothing)
 {
     EXPECT_EQ(run("poke 0x1000 1 2 256"), "error: '256' is no value; 0 to 255\n");
     EXPECT_EQ(run("poke 0xFFFF 1 2"), "error: 2 values, but there is room for 1\n");
@@ -58,14 +57,14 @@ TEST_F(ControlTest, badPokeChangesNothing)
     EXPECT_EQ(plc.memory().image(), QByteArray(65536, '\0'));
 }
 
-TEST_F(ControlTest, badPeekIsExplained)
+TEST_F(ControlTest, BadPeekIsExplained)
 {
     EXPECT_EQ(run("peek 0x10000"),
               "error: '0x10000' is no address; 0x0000 to 0xFFFF, or 0x0100.3 for a bit\n");
     EXPECT_EQ(run("peek 0xFFFF 2"), "error: '2' is no number of bytes; 1 to 1 from there\n");
 }
 
-TEST_F(ControlTest, showsAndSetsFaults)
+TEST_F(ControlTest, ShowsAndSetsFaults)
 {
     EXPECT_EQ(run("faults"), "none\nok\n");
     EXPECT_EQ(run("faults silence=0.1,nak@3"), "ok\n");
@@ -77,13 +76,13 @@ TEST_F(ControlTest, showsAndSetsFaults)
     EXPECT_TRUE(run("faults help").contains("  wrong-sum "));
 }
 
-TEST_F(ControlTest, showsStatistics)
+TEST_F(ControlTest, ShowsStatistics)
 {
     EXPECT_TRUE(run("stats").startsWith("  clients "));
     EXPECT_TRUE(run("stats").endsWith("\nok\n"));
 }
 
-TEST_F(ControlTest, cyclesThePower)
+TEST_F(ControlTest, CyclesThePower)
 {
     run("poke 0x1000 1");
     EXPECT_EQ(run("power-cycle 250"), "ok\n");
@@ -93,7 +92,7 @@ TEST_F(ControlTest, cyclesThePower)
     EXPECT_EQ(run("power-cycle soon"), "error: 'soon' is no time; 0 to 600000 ms\n");
 }
 
-TEST_F(ControlTest, dropsTheLinks)
+TEST_F(ControlTest, DropsTheLinks)
 {
     EXPECT_EQ(run("drop-link"), "ok\n");
     EXPECT_EQ(droppedMs, 1000);
@@ -102,7 +101,7 @@ TEST_F(ControlTest, dropsTheLinks)
     EXPECT_EQ(run("drop-link -1"), "error: '-1' is no time; 0 to 600000 ms\n");
 }
 
-TEST_F(ControlTest, savesAndLoads)
+TEST_F(ControlTest, SavesAndLoads)
 {
     const QTemporaryDir folder;
     const QByteArray path = folder.filePath("plc.hex").toUtf8();
@@ -114,20 +113,20 @@ TEST_F(ControlTest, savesAndLoads)
     EXPECT_EQ(run("load /nonexistent"), "error: /nonexistent: No such file or directory\n");
 }
 
-TEST_F(ControlTest, quits)
+TEST_F(ControlTest, Quits)
 {
     EXPECT_EQ(run("quit"), "ok\n");
     EXPECT_EQ(quits, 1);
 }
 
-TEST_F(ControlTest, helpNamesEveryCommand)
+TEST_F(ControlTest, HelpNamesEveryCommand)
 {
     for (const char* name : {"peek", "poke", "faults", "stats", "power-cycle", "drop-link", "save",
                              "load", "help", "quit"})
         EXPECT_TRUE(run("help").contains(QByteArray("  ") + name + ' ')) << name;
 }
 
-TEST_F(ControlTest, explainsWhatItDoesNotKnow)
+TEST_F(ControlTest, ExplainsWhatItDoesNotKnow)
 {
     EXPECT_EQ(run(""), "");
     EXPECT_EQ(run("jump"), "error: there is no command 'jump'; help lists them\n");

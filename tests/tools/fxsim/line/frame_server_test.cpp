@@ -4,11 +4,10 @@
 // Frames as they stand on the wire, judged and carried out. Every byte here is a literal, so that
 // the test and the simulator cannot be wrong together.
 
+#include "tests/tools/fxsim/printing.h"
 #include "tools/fxsim/line/frame_server.h"
 
 #include <gtest/gtest.h>
-
-#include "tests/tools/fxsim/printing.h"
 
 using namespace fxsim;
 
@@ -31,7 +30,7 @@ QByteArray served(const QByteArray& frame, PlcMemory& memory)
 
 }  // namespace
 
-TEST(FrameServer, readsFourBytes)
+TEST(FrameServer, ReadsFourBytes)
 {
     PlcMemory memory;
     memory.write(0x10C8, fromHex("12345678"));
@@ -46,7 +45,7 @@ TEST(FrameServer, readsFourBytes)
               "A7");
 }
 
-TEST(FrameServer, readsHexLettersInUpperCase)
+TEST(FrameServer, ReadsHexLettersInUpperCase)
 {
     PlcMemory memory;
     memory.write(0x0080, fromHex("ABCDEF"));
@@ -61,7 +60,7 @@ TEST(FrameServer, readsHexLettersInUpperCase)
               "98");
 }
 
-TEST(FrameServer, writesBytesInTheirOrder)
+TEST(FrameServer, WritesBytesInTheirOrder)
 {
     PlcMemory memory;
     EXPECT_EQ(served("\x02"
@@ -84,7 +83,7 @@ struct ForceCase
 class ForceOn : public testing::TestWithParam<ForceCase>
 {};
 
-TEST_P(ForceOn, setsTheBitThatAReadShows)
+TEST_P(ForceOn, SetsTheBitThatAReadShows)
 {
     PlcMemory memory;
     EXPECT_EQ(served(GetParam().frame, memory), "\x06");
@@ -137,7 +136,7 @@ INSTANTIATE_TEST_SUITE_P(Wire, ForceOn,
                                                    0x1FFF, 0x80}),
                          [](const auto& row) { return std::string(row.param.name); });
 
-TEST(FrameServer, forceOffClearsOneBit)
+TEST(FrameServer, ForceOffClearsOneBit)
 {
     PlcMemory memory;
     memory.setByte(0x0100, 0xFF);
@@ -160,7 +159,7 @@ struct VerdictCase
 class BadFrame : public testing::TestWithParam<VerdictCase>
 {};
 
-TEST_P(BadFrame, isToldApart)
+TEST_P(BadFrame, IsToldApart)
 {
     PlcMemory memory;
     memory.setMissing({{0x1010, 0x1013}, {0x0150, 0x0150}});
@@ -294,7 +293,7 @@ INSTANTIATE_TEST_SUITE_P(Wire, BadFrame,
                                                      Verdict::NoMemory}),
                          [](const auto& row) { return std::string(row.param.name); });
 
-TEST(FrameServer, takesAsManyBytesAsItIsTold)
+TEST(FrameServer, TakesAsManyBytesAsItIsTold)
 {
     const QByteArray readOf255 = "\x02"
                                  "01000FF"
@@ -305,7 +304,7 @@ TEST(FrameServer, takesAsManyBytesAsItIsTold)
               Verdict::TooMany);
 }
 
-TEST(FrameServer, framesOfLessThanASumAreMalformed)
+TEST(FrameServer, FramesOfLessThanASumAreMalformed)
 {
     EXPECT_EQ(verdictOn(""), Verdict::Malformed);
     EXPECT_EQ(verdictOn("\x02\x03"
@@ -313,7 +312,7 @@ TEST(FrameServer, framesOfLessThanASumAreMalformed)
               Verdict::Malformed);
 }
 
-TEST(FrameServer, saysWhatWasAskedFor)
+TEST(FrameServer, SaysWhatWasAskedFor)
 {
     const auto text = [](const char* frame) {
         return requestText(judgeFrame(frame, PlcMemory(), maxBytes));

@@ -3,18 +3,19 @@
 //
 // Memory images as Intel HEX.
 
+#include "tests/tools/fxsim/printing.h"
 #include "tools/fxsim/plc/memory_image.h"
-
-#include <gtest/gtest.h>
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
 #include <csignal>
+
 #include <sys/resource.h>
 #include <sys/stat.h>
-
-#include "tests/tools/fxsim/printing.h"
 
 using namespace fxsim;
 
@@ -56,29 +57,29 @@ private:
 
 }  // namespace
 
-TEST(MemoryImage, emptyMemoryIsTheEndRecord)
+TEST(MemoryImage, EmptyMemoryIsTheEndRecord)
 {
     EXPECT_EQ(hexText(zeros), ":00000001FF\n");
 }
 
-TEST(MemoryImage, isWrittenInRecordsOfSixteen)
+TEST(MemoryImage, IsWrittenInRecordsOfSixteen)
 {
     QByteArray image = zeros;
     image.replace(0x10C8, 2, fromHex("ABCD"));
     EXPECT_EQ(hexText(image), ":1010C0000000000000000000ABCD000000000000A8\n:00000001FF\n");
 }
 
-TEST(MemoryImage, isReadBack)
+TEST(MemoryImage, IsReadBack)
 {
     QByteArray image = zeros;
     for (int at = 0; at < image.size(); at += 7)
-        image[at] = char(at * 31);
+        image[at] = static_cast<char>(at * 31);
     QByteArray again = zeros;
     EXPECT_EQ(applyHex(hexText(image), again), QString());
     EXPECT_EQ(again, image);
 }
 
-TEST(MemoryImage, takesOtherPeoplesRecords)
+TEST(MemoryImage, TakesOtherPeoplesRecords)
 {
     QByteArray image = zeros;
     EXPECT_EQ(applyHex(":02100000abcd76\r\n\r\n:020000020100FB\r\n:01000000EE11\r\n"
@@ -88,14 +89,14 @@ TEST(MemoryImage, takesOtherPeoplesRecords)
     EXPECT_EQ(image.mid(0x1000, 3), fromHex("EECD00")) << "segment 0x0100 begins at 0x1000";
 }
 
-TEST(MemoryImage, leavesWhatItDoesNotName)
+TEST(MemoryImage, LeavesWhatItDoesNotName)
 {
     QByteArray image(65536, 'x');
     EXPECT_EQ(applyHex(":0100050041B9\n:00000001FF\n", image), QString());
     EXPECT_EQ(image.left(8), "xxxxxAxx");
 }
 
-TEST(MemoryImage, saysWhatIsWrongAndChangesNothing)
+TEST(MemoryImage, SaysWhatIsWrongAndChangesNothing)
 {
     EXPECT_EQ(errorOf(""), "the end record (:00000001FF) is missing");
     EXPECT_EQ(errorOf(":0100000041BE\n"), "the end record (:00000001FF) is missing");
@@ -111,7 +112,7 @@ TEST(MemoryImage, saysWhatIsWrongAndChangesNothing)
     EXPECT_EQ(errorOf(":020000040001F9\n:0100000041BE\n"), "line 2: the data lies beyond 64 KiB");
 }
 
-TEST(MemoryImage, filesAreSavedAndLoaded)
+TEST(MemoryImage, FilesAreSavedAndLoaded)
 {
     const QTemporaryDir folder;
     const QString path = folder.filePath("plc.hex");
@@ -123,7 +124,7 @@ TEST(MemoryImage, filesAreSavedAndLoaded)
     EXPECT_EQ(again, image);
 }
 
-TEST(MemoryImage, filesThatDoNotWorkAreNamed)
+TEST(MemoryImage, FilesThatDoNotWorkAreNamed)
 {
     QByteArray image = zeros;
     EXPECT_EQ(loadImage("/nonexistent/plc.hex", image),
@@ -133,7 +134,7 @@ TEST(MemoryImage, filesThatDoNotWorkAreNamed)
 }
 
 // As root, /dev/full was replaced by a file of its name.
-TEST(MemoryImage, whatIsNoOrdinaryFileStays)
+TEST(MemoryImage, WhatIsNoOrdinaryFileStays)
 {
     const QTemporaryDir folder;
     const QString path = folder.filePath("pipe");
@@ -143,7 +144,7 @@ TEST(MemoryImage, whatIsNoOrdinaryFileStays)
 }
 
 // A memory that found no room was called saved, and the older file was empty.
-TEST(MemoryImage, fullDiskLeavesTheOlderFile)
+TEST(MemoryImage, FullDiskLeavesTheOlderFile)
 {
     const QTemporaryDir folder;
     const QString path = folder.filePath("plc.hex");

@@ -9,7 +9,7 @@
 
 using namespace fxsim;
 
-TEST(NumberText, readsDecimalAndHex)
+TEST(NumberText, ReadsDecimalAndHex)
 {
     EXPECT_EQ(parseNumber("10", 0, 100), 10);
     EXPECT_EQ(parseNumber("0x1f", 0, 100), 31);
@@ -20,14 +20,14 @@ TEST(NumberText, readsDecimalAndHex)
         EXPECT_EQ(parseNumber(text, -10, 100), std::nullopt) << text;
 }
 
-TEST(NumberText, readsAddresses)
+TEST(NumberText, ReadsAddresses)
 {
     EXPECT_EQ(parseByteAddress("0xFFFF"), 65535);
     EXPECT_EQ(parseByteAddress("0x10000"), std::nullopt);
     EXPECT_EQ(parseByteAddress("-1"), std::nullopt);
 }
 
-TEST(NumberText, readsBits)
+TEST(NumberText, ReadsBits)
 {
     const std::optional<BitPlace> place = parseBitPlace("0x0100.7");
     ASSERT_TRUE(place);
@@ -37,7 +37,7 @@ TEST(NumberText, readsBits)
         EXPECT_FALSE(parseBitPlace(text)) << text;
 }
 
-TEST(NumberText, readsRanges)
+TEST(NumberText, ReadsRanges)
 {
     const auto ranges = parseRanges("0x0000-0x3FFF, 0x8000");
     ASSERT_TRUE(ranges);
@@ -49,7 +49,7 @@ TEST(NumberText, readsRanges)
         EXPECT_FALSE(parseRanges(text)) << text;
 }
 
-TEST(NumberText, readsMirrors)
+TEST(NumberText, ReadsMirrors)
 {
     const auto mirrors = parseMirrors("0x0F00:0x0E00:256");
     ASSERT_TRUE(mirrors);

@@ -3,17 +3,18 @@
 //
 // What is special to each kind of link of the program, and several of them together.
 
-#include <gtest/gtest.h>
+#include "tests/tools/fxsim/fxsim_process.h"
+#include "tests/tools/fxsim/printing.h"
+#include "tests/tools/fxsim/wire_frames.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
-#include <memory>
 
-#include "tests/tools/fxsim/fxsim_process.h"
-#include "tests/tools/fxsim/printing.h"
-#include "tests/tools/fxsim/wire_frames.h"
+#include <gtest/gtest.h>
+
+#include <memory>
 
 namespace {
 
@@ -25,7 +26,7 @@ int openDescriptors(const FxsimProcess& process)
 
 }  // namespace
 
-TEST(FxsimTcp, servesSeveralClientsTogetherAndInTurn)
+TEST(FxsimTcp, ServesSeveralClientsTogetherAndInTurn)
 {
     FxsimProcess process({"--tcp", "0", "--baud", "0", "--program", "none"});
     const QString name = process.waitReady();
@@ -39,7 +40,7 @@ TEST(FxsimTcp, servesSeveralClientsTogetherAndInTurn)
     EXPECT_EQ(third.ask(readD100, 12), valueOfD100);
 }
 
-TEST(FxsimTcp, portThatIsTakenIsToldAndNothingIsLeftBehind)
+TEST(FxsimTcp, PortThatIsTakenIsToldAndNothingIsLeftBehind)
 {
     FxsimProcess process({"--tcp", "0"});
     const QString name = process.waitReady();
@@ -49,7 +50,7 @@ TEST(FxsimTcp, portThatIsTakenIsToldAndNothingIsLeftBehind)
     EXPECT_EQ(second.output, "");
 }
 
-TEST(FxsimTcp, portThatIsNotForEveryUserIsExplained)
+TEST(FxsimTcp, PortThatIsNotForEveryUserIsExplained)
 {
     QFile firstForAll("/proc/sys/net/ipv4/ip_unprivileged_port_start");
     if (!firstForAll.open(QIODevice::ReadOnly) || firstForAll.readAll().toInt() <= 81)
@@ -60,7 +61,7 @@ TEST(FxsimTcp, portThatIsNotForEveryUserIsExplained)
                             "from 1024 on\n");
 }
 
-TEST(FxsimTcp, hostsThatCameAndWentLeaveNothingBehind)
+TEST(FxsimTcp, HostsThatCameAndWentLeaveNothingBehind)
 {
     FxsimProcess process({"--tcp", "0", "--baud", "0", "--program", "none"});
     const QString name = process.waitReady();
@@ -77,7 +78,7 @@ TEST(FxsimTcp, hostsThatCameAndWentLeaveNothingBehind)
     }
 }
 
-TEST(FxsimTcp, hostThatHangsUpWithinAFrameIsForgotten)
+TEST(FxsimTcp, HostThatHangsUpWithinAFrameIsForgotten)
 {
     FxsimProcess process({"--tcp", "0", "--baud", "0", "--program", "none"});
     const QString name = process.waitReady();
@@ -89,7 +90,7 @@ TEST(FxsimTcp, hostThatHangsUpWithinAFrameIsForgotten)
 }
 
 // More than the system keeps for a host is lost and counted, as on a serial line.
-TEST(FxsimTcp, hostThatTakesNothingHoldsUpNobody)
+TEST(FxsimTcp, HostThatTakesNothingHoldsUpNobody)
 {
     FxsimProcess process({"--tcp", "0", "--baud", "0", "--program", "none"});
     const QString name = process.waitReady();
@@ -109,7 +110,7 @@ TEST(FxsimTcp, hostThatTakesNothingHoldsUpNobody)
     FAIL() << "nothing was lost";
 }
 
-TEST(FxsimTcp, tracesNameTheHostByItsAddress)
+TEST(FxsimTcp, TracesNameTheHostByItsAddress)
 {
     const QTemporaryDir folder;
     const QString path = folder.filePath("trace");
@@ -123,7 +124,7 @@ TEST(FxsimTcp, tracesNameTheHostByItsAddress)
     EXPECT_TRUE(file.readAll().contains(address + " > "));
 }
 
-TEST(FxsimPty, isRawFromTheStart)
+TEST(FxsimPty, IsRawFromTheStart)
 {
     FxsimProcess process({"--baud", "0", "--program", "none"});
     PtyEnd host(process.waitReady());
@@ -135,7 +136,7 @@ TEST(FxsimPty, isRawFromTheStart)
                                       "AE");
 }
 
-TEST(FxsimPty, hostsMayComeAndGo)
+TEST(FxsimPty, HostsMayComeAndGo)
 {
     FxsimProcess process({"--baud", "0", "--program", "none"});
     const QString device = process.waitReady();
@@ -145,7 +146,7 @@ TEST(FxsimPty, hostsMayComeAndGo)
     }
 }
 
-TEST(FxsimPty, linkLeftBehindIsReplacedAndAFileIsNot)
+TEST(FxsimPty, LinkLeftBehindIsReplacedAndAFileIsNot)
 {
     const QTemporaryDir folder;
     const QString link = folder.filePath("plc");
@@ -161,7 +162,7 @@ TEST(FxsimPty, linkLeftBehindIsReplacedAndAFileIsNot)
     EXPECT_TRUE(QFileInfo(file).isFile());
 }
 
-TEST(FxsimSerial, answersOnADevice)
+TEST(FxsimSerial, AnswersOnADevice)
 {
     PtyEnd host;
     FxsimProcess plc({"--serial", host.otherEnd(), "--program", "none"});
@@ -171,7 +172,7 @@ TEST(FxsimSerial, answersOnADevice)
     EXPECT_EQ(plc.terminate(), 0);
 }
 
-TEST(FxsimSerial, deviceThatGoesAwayIsAwaited)
+TEST(FxsimSerial, DeviceThatGoesAwayIsAwaited)
 {
     const QTemporaryDir folder;
     const QString link = folder.filePath("device");
@@ -188,7 +189,7 @@ TEST(FxsimSerial, deviceThatGoesAwayIsAwaited)
     EXPECT_EQ(host->ask(readD100, 12), zerosOfD100);
 }
 
-TEST(FxsimSerial, missingDeviceIsNamed)
+TEST(FxsimSerial, MissingDeviceIsNamed)
 {
     const FailedStart start = runToEnd({"--serial", "/dev/nonexistent"});
     EXPECT_EQ(start.exitCode, 3);
@@ -198,7 +199,7 @@ TEST(FxsimSerial, missingDeviceIsNamed)
     EXPECT_EQ(other.errors, "fxsim: /dev/null: it is no serial port\n");
 }
 
-TEST(FxsimLinks, ptyAndTcpServeOnePlc)
+TEST(FxsimLinks, PtyAndTcpServeOnePlc)
 {
     FxsimProcess process({"--pty", "--tcp", "0", "--baud", "0", "--program", "none"});
     const QStringList names = process.waitReady().split(", ");

@@ -3,11 +3,10 @@
 //
 // Scripts: what steps do and when, and what is said of a script that is wrong.
 
+#include "tests/tools/fxsim/printing.h"
 #include "tools/fxsim/plc/script_program.h"
 
 #include <gtest/gtest.h>
-
-#include "tests/tools/fxsim/printing.h"
 
 using namespace fxsim;
 
@@ -38,7 +37,7 @@ QString errorOfStep(const QByteArray& step)
 
 }  // namespace
 
-TEST(Script, setsOnceAtItsTime)
+TEST(Script, SetsOnceAtItsTime)
 {
     ScriptRun run(R"({"at": 1000, "set": "0x1000", "value": 4660, "bytes": 2})");
     EXPECT_EQ(run.at(999).value(0x1000, 2), 0U);
@@ -47,13 +46,13 @@ TEST(Script, setsOnceAtItsTime)
     EXPECT_EQ(run.at(5000).byte(0x1000), 0);
 }
 
-TEST(Script, timeZeroIsPowerOn)
+TEST(Script, TimeZeroIsPowerOn)
 {
     ScriptRun run(R"({"at": 0, "set": "0x1000", "value": -2, "bytes": 4})");
     EXPECT_EQ(run.memory.value(0x1000, 4), 0xFFFFFFFEU);
 }
 
-TEST(Script, addsAgainAndAgain)
+TEST(Script, AddsAgainAndAgain)
 {
     ScriptRun run(R"({"every": 500, "add": "0x1002", "value": 3})");
     EXPECT_EQ(run.at(499).value(0x1002, 2), 0U);
@@ -61,7 +60,7 @@ TEST(Script, addsAgainAndAgain)
     EXPECT_EQ(run.at(2600).value(0x1002, 2), 15U) << "the ones missed are made up for";
 }
 
-TEST(Script, sumStartsAgainPastItsEnd)
+TEST(Script, SumStartsAgainPastItsEnd)
 {
     ScriptRun run(R"({"every": 1, "add": "0x1002", "value": 1, "from": 5, "to": 7})");
     EXPECT_EQ(run.at(1).value(0x1002, 2), 5U);
@@ -69,13 +68,13 @@ TEST(Script, sumStartsAgainPastItsEnd)
     EXPECT_EQ(run.at(4).value(0x1002, 2), 5U);
 }
 
-TEST(Script, sumWithoutEndWrapsInItsBytes)
+TEST(Script, SumWithoutEndWrapsInItsBytes)
 {
     ScriptRun run(R"({"every": 1, "add": "0x1002", "value": 255, "bytes": 1})");
     EXPECT_EQ(run.at(2).value(0x1002, 2), 0x00FEU);
 }
 
-TEST(Script, togglesABit)
+TEST(Script, TogglesABit)
 {
     ScriptRun run(R"({"every": 1000, "after": 0, "toggle": "0x0080.3"})");
     EXPECT_EQ(run.memory.byte(0x0080), 0x08);
@@ -83,7 +82,7 @@ TEST(Script, togglesABit)
     EXPECT_EQ(run.at(2000).byte(0x0080), 0x08);
 }
 
-TEST(Script, setsABit)
+TEST(Script, SetsABit)
 {
     ScriptRun run(
         R"({"at": 0, "set": "0x0100.7", "value": 1}, {"at": 5, "set": "0x0100.7", "value": 0})");
@@ -91,14 +90,14 @@ TEST(Script, setsABit)
     EXPECT_EQ(run.at(5).byte(0x0100), 0x00);
 }
 
-TEST(Script, copies)
+TEST(Script, Copies)
 {
     ScriptRun run(R"({"at": 0, "set": "0x1000", "value": 305419896, "bytes": 4},
                {"every": 10, "copy": "0x1000", "to": "0x1100", "bytes": 3})");
     EXPECT_EQ(run.at(10).read(0x1100, 4), fromHex("78563400"));
 }
 
-TEST(Script, stepsOfOneMomentRunInTheirOrder)
+TEST(Script, StepsOfOneMomentRunInTheirOrder)
 {
     ScriptRun run(R"({"every": 10, "add": "0x1000", "value": 1},
                {"every": 10, "copy": "0x1000", "to": "0x1100"})");
@@ -106,7 +105,7 @@ TEST(Script, stepsOfOneMomentRunInTheirOrder)
     EXPECT_EQ(run.at(35).value(0x1100, 2), 3U);
 }
 
-TEST(Script, startsAnewWithThePower)
+TEST(Script, StartsAnewWithThePower)
 {
     ScriptRun run(R"({"at": 10, "set": "0x1000", "value": 1})");
     run.at(10);
@@ -118,14 +117,14 @@ TEST(Script, startsAnewWithThePower)
     EXPECT_EQ(fresh.byte(0x1000), 1);
 }
 
-TEST(Script, longSleepIsNotMadeUpForWithoutEnd)
+TEST(Script, LongSleepIsNotMadeUpForWithoutEnd)
 {
     ScriptRun run(R"({"every": 1, "add": "0x1000", "value": 1, "bytes": 4})");
     EXPECT_EQ(run.at(500000000).value(0x1000, 4), 100000U);
     EXPECT_EQ(run.at(500000001).value(0x1000, 4), 100001U);
 }
 
-TEST(Script, commentsMayStandAnywhere)
+TEST(Script, CommentsMayStandAnywhere)
 {
     EXPECT_EQ(
         parseScript(R"({"comment": "a", "steps": [{"comment": "b", "at": 0, "toggle": "0.0"}]})")
@@ -133,7 +132,7 @@ TEST(Script, commentsMayStandAnywhere)
         QString());
 }
 
-TEST(Script, saysWhatIsWrongAndWhere)
+TEST(Script, SaysWhatIsWrongAndWhere)
 {
     EXPECT_EQ(parseScript("{\n\"steps\": [\n{]}").error, "line 3: unterminated object");
     EXPECT_EQ(parseScript("[]").error, "a script is { \"steps\": [ ... ] }");
@@ -166,7 +165,7 @@ TEST(Script, saysWhatIsWrongAndWhere)
               "step 2: one of \"set\", \"add\", \"toggle\" and \"copy\" says what");
 }
 
-TEST(Script, fileThatIsMissingIsNamed)
+TEST(Script, FileThatIsMissingIsNamed)
 {
     EXPECT_EQ(loadScript("/nonexistent/plant.json").error,
               "/nonexistent/plant.json: No such file or directory");

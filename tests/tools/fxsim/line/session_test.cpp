@@ -4,15 +4,14 @@
 // A host's bytes in, a PLC's bytes out: session and simulator together, with the time given by the
 // tests.
 
+#include "tests/tools/fxsim/printing.h"
+#include "tests/tools/fxsim/wire_frames.h"
 #include "tools/fxsim/line/session.h"
-
-#include <gtest/gtest.h>
+#include "tools/fxsim/plc/sample_program.h"
 
 #include <QByteArrayList>
 
-#include "tests/tools/fxsim/printing.h"
-#include "tests/tools/fxsim/wire_frames.h"
-#include "tools/fxsim/plc/sample_program.h"
+#include <gtest/gtest.h>
 
 using namespace fxsim;
 
@@ -46,7 +45,7 @@ Settings withFaults(const char* plan)
 
 }  // namespace
 
-TEST(Session, answersAReadAndAWrite)
+TEST(Session, AnswersAReadAndAWrite)
 {
     Bench bench;
     EXPECT_EQ(bench.answer(readD100), zerosOfD100);
@@ -54,13 +53,13 @@ TEST(Session, answersAReadAndAWrite)
     EXPECT_EQ(bench.answer(readD100), valueOfD100);
 }
 
-TEST(Session, answersTwoFramesOfOneReadInTheirOrder)
+TEST(Session, AnswersTwoFramesOfOneReadInTheirOrder)
 {
     Bench bench;
     EXPECT_EQ(bench.answer(writeD100 + readD100), "\x06" + valueOfD100);
 }
 
-TEST(Session, badFrameGetsNakOrSilence)
+TEST(Session, BadFrameGetsNakOrSilence)
 {
     Bench strict;
     EXPECT_EQ(strict.answer(damagedRead), "\x15");
@@ -71,20 +70,20 @@ TEST(Session, badFrameGetsNakOrSilence)
     EXPECT_EQ(silent.answer(readD100), zerosOfD100);
 }
 
-TEST(Session, frameWithoutEndIsRefusedOnce)
+TEST(Session, FrameWithoutEndIsRefusedOnce)
 {
     Bench bench;
     EXPECT_EQ(bench.answer('\x02' + QByteArray(5000, '0')), "\x15");
     EXPECT_EQ(bench.answer(readD100), zerosOfD100);
 }
 
-TEST(Session, enquiryIsOptional)
+TEST(Session, EnquiryIsOptional)
 {
     Bench bench;
     EXPECT_EQ(bench.answer("\x05" + readD100), "\x06" + zerosOfD100);
 }
 
-TEST(Session, neededEnquiryOpensTheSessionUntilThePowerGoes)
+TEST(Session, NeededEnquiryOpensTheSessionUntilThePowerGoes)
 {
     Settings settings;
     settings.enquiry = EnquiryMode::Needed;
@@ -100,7 +99,7 @@ TEST(Session, neededEnquiryOpensTheSessionUntilThePowerGoes)
     EXPECT_EQ(bench.plc.statistics().ungreetedFrames, 3);
 }
 
-TEST(Session, ignoredEnquiryStillResetsTheReceiver)
+TEST(Session, IgnoredEnquiryStillResetsTheReceiver)
 {
     Settings settings;
     settings.enquiry = EnquiryMode::Ignored;
@@ -108,7 +107,7 @@ TEST(Session, ignoredEnquiryStillResetsTheReceiver)
     EXPECT_EQ(bench.answer(readD100.left(4) + "\x05" + readD100), zerosOfD100);
 }
 
-TEST(Session, largestReadIsASetting)
+TEST(Session, LargestReadIsASetting)
 {
     Settings settings;
     settings.maxBytes = 3;
@@ -116,14 +115,14 @@ TEST(Session, largestReadIsASetting)
     EXPECT_EQ(bench.answer(readD100), "\x15");
 }
 
-TEST(Session, nakFaultLeavesTheWriteUndone)
+TEST(Session, NakFaultLeavesTheWriteUndone)
 {
     Bench bench(withFaults("nak@1"));
     EXPECT_EQ(bench.answer(writeD100), "\x15");
     EXPECT_EQ(bench.answer(readD100), zerosOfD100);
 }
 
-TEST(Session, nakFaultIsNoSilenceEither)
+TEST(Session, NakFaultIsNoSilenceEither)
 {
     Settings settings = withFaults("nak@1");
     settings.onError = OnError::Silence;
@@ -131,14 +130,14 @@ TEST(Session, nakFaultIsNoSilenceEither)
     EXPECT_EQ(bench.answer(readD100), "\x15");
 }
 
-TEST(Session, silenceFaultLosesTheReplyOfAWriteThatWasDone)
+TEST(Session, SilenceFaultLosesTheReplyOfAWriteThatWasDone)
 {
     Bench bench(withFaults("silence@1"));
     EXPECT_EQ(bench.answer(writeD100), "");
     EXPECT_EQ(bench.answer(readD100), valueOfD100);
 }
 
-TEST(Session, delayedReplyComesWhenTheNextOneIsAwaited)
+TEST(Session, DelayedReplyComesWhenTheNextOneIsAwaited)
 {
     Bench bench(withFaults("delay:1500@1"));
     bench.session.receive(writeD100, 0);
@@ -148,7 +147,7 @@ TEST(Session, delayedReplyComesWhenTheNextOneIsAwaited)
     EXPECT_EQ(bench.session.takeDue(1500000), "\x06" + valueOfD100);
 }
 
-TEST(Session, linkDropTakesTheRequestWithIt)
+TEST(Session, LinkDropTakesTheRequestWithIt)
 {
     Bench bench(withFaults("link-drop:250@1"));
     EXPECT_EQ(bench.answer(writeD100), "");
@@ -157,7 +156,7 @@ TEST(Session, linkDropTakesTheRequestWithIt)
     EXPECT_EQ(bench.answer(readD100), zerosOfD100);
 }
 
-TEST(Session, powerCycleForgetsTheMemoryAndIsSilentForItsTime)
+TEST(Session, PowerCycleForgetsTheMemoryAndIsSilentForItsTime)
 {
     Bench bench(withFaults("power-cycle:300@2"));
     EXPECT_EQ(bench.answer(writeD100), "\x06");
@@ -170,7 +169,7 @@ TEST(Session, powerCycleForgetsTheMemoryAndIsSilentForItsTime)
     EXPECT_EQ(bench.plc.statistics().ignoredCharacters, readD100.size());
 }
 
-TEST(Session, powerCycleRestoresTheImageItStartedWith)
+TEST(Session, PowerCycleRestoresTheImageItStartedWith)
 {
     Bench bench;
     PlcMemory memory;
@@ -181,7 +180,7 @@ TEST(Session, powerCycleRestoresTheImageItStartedWith)
     EXPECT_EQ(bench.answer(readD100), valueOfD100);
 }
 
-TEST(Session, powerCycleStartsTheProgramAnew)
+TEST(Session, PowerCycleStartsTheProgramAnew)
 {
     Bench bench({}, std::make_unique<SampleProgram>());
     bench.plc.advance(7000000);
@@ -193,7 +192,7 @@ TEST(Session, powerCycleStartsTheProgramAnew)
     EXPECT_EQ(bench.plc.memory().value(0x1000, 2), 2U);
 }
 
-TEST(Session, newPlanCountsItsExchangesFromOne)
+TEST(Session, NewPlanCountsItsExchangesFromOne)
 {
     Bench bench;
     EXPECT_EQ(bench.answer(readD100), zerosOfD100);
@@ -202,7 +201,7 @@ TEST(Session, newPlanCountsItsExchangesFromOne)
     EXPECT_EQ(bench.answer(readD100), zerosOfD100);
 }
 
-TEST(Session, atTenThousandBaudEachCharacterTakesAMillisecond)
+TEST(Session, AtTenThousandBaudEachCharacterTakesAMillisecond)
 {
     Settings settings;
     settings.timing.baud = 10000;
@@ -214,7 +213,7 @@ TEST(Session, atTenThousandBaudEachCharacterTakesAMillisecond)
     EXPECT_EQ(bench.session.takeDue(23000), "3");
 }
 
-TEST(Session, answersLeaveAtTheEndOfAScan)
+TEST(Session, AnswersLeaveAtTheEndOfAScan)
 {
     Settings settings;
     settings.timing.scanMs = 10;
@@ -223,7 +222,7 @@ TEST(Session, answersLeaveAtTheEndOfAScan)
     EXPECT_EQ(bench.session.nextDueUs(), 20000);
 }
 
-TEST(Session, physicalLinksAreNotPacedTwice)
+TEST(Session, PhysicalLinksAreNotPacedTwice)
 {
     Settings settings;
     settings.timing = {9600, 10};
@@ -233,7 +232,7 @@ TEST(Session, physicalLinksAreNotPacedTwice)
     EXPECT_EQ(bench.session.takeDue(20000), zerosOfD100);
 }
 
-TEST(Session, sessionsShareTheMemory)
+TEST(Session, SessionsShareTheMemory)
 {
     Bench bench;
     Session second(bench.plc, "second");
@@ -243,7 +242,7 @@ TEST(Session, sessionsShareTheMemory)
     EXPECT_EQ(bench.plc.statistics().clients, 2);
 }
 
-TEST(Session, everythingIsCounted)
+TEST(Session, EverythingIsCounted)
 {
     Bench bench(withFaults("wrong-sum@1"));
     bench.answer("junk\x05" + readD100 + writeD100 + damagedRead +
@@ -265,7 +264,7 @@ TEST(Session, everythingIsCounted)
     EXPECT_FALSE(counted.text().contains("silence"));
 }
 
-TEST(Session, traceTellsRequestsFaultsAndReplies)
+TEST(Session, TraceTellsRequestsFaultsAndReplies)
 {
     Bench bench(withFaults("wrong-sum@1"));
     QByteArrayList told;
@@ -275,7 +274,7 @@ TEST(Session, traceTellsRequestsFaultsAndReplies)
                                     "wrong-sum"}));
 }
 
-TEST(Session, hostThatTakesNothingLosesWhatIsTooMuch)
+TEST(Session, HostThatTakesNothingLosesWhatIsTooMuch)
 {
     Bench bench(withFaults("delay:600000@1"));
     for (int request = 0; request < 1010; ++request)
@@ -284,7 +283,7 @@ TEST(Session, hostThatTakesNothingLosesWhatIsTooMuch)
 }
 
 // Whatever came before, an ENQ and a frame behind it are answered as if nothing had.
-TEST(Session, noGarbageOutlivesAnEnquiry)
+TEST(Session, NoGarbageOutlivesAnEnquiry)
 {
     const QByteArray likely = fromHex("0203050615") + "0178" + "0123456789ABCDEF";
     Bench bench;
@@ -293,7 +292,8 @@ TEST(Session, noGarbageOutlivesAnEnquiry)
         QByteArray garbage;
         for (int length = dice.below(60); length > 0; --length) {
             const bool anything = dice.below(4) == 0;
-            garbage += anything ? char(dice.below(256)) : likely[dice.below(likely.size())];
+            garbage +=
+                anything ? static_cast<char>(dice.below(256)) : likely[dice.below(likely.size())];
         }
         bench.answer(garbage);
         bench.plc.memory().setImage(QByteArray());
