@@ -1,8 +1,9 @@
 # SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 # SPDX-License-Identifier: MIT
 #
-# Puts name and version of what is built into its file, as the packaging note that
-# `readelf --notes` and crash reports show, without exporting a symbol.
+# Puts the name, the version and the major version of Qt into each file that is built, as the
+# packaging note that `readelf --notes` and crash reports show, without exporting a symbol. A host
+# can read it before it loads the library.
 
 foreach(target mitsubishi_fx1s fxhost fxsim)
     if(TARGET ${target})

@@ -3,7 +3,7 @@
 # SPDX-License-Identifier: MIT
 #
 # The version of the CMake project is the one that the changelog has on top, that the files carry
-# in themselves and that the tools tell.
+# in themselves and that the tools tell. The library's file also names the Qt that it needs.
 
 source "$(dirname "$0")/support.sh"
 
@@ -14,6 +14,8 @@ library=$FX_BUILD/libmitsubishi_fx1s.so
 [ "$(basename "$(readlink -f "$library")")" = "libmitsubishi_fx1s.so.$FX_VERSION" ] ||
     fail "$library leads to $(readlink -f "$library")"
 expect_text "note of $library" "\"version\":\"$FX_VERSION\"" readelf --notes "$library"
+core=$(readelf -d "$library" | grep -oE 'libQt[56]?Core\.so\.[456]')
+expect_text "note of $library" "\"qt\":\"${core##*.}\"" readelf --notes "$library"
 
 # The documents and examples ask for the version from which the interface is what they say.
 grep -rhoE 'find_package\(mitsubishi_fx1s [0-9.]+' "$FX_SOURCE/docs" "$FX_SOURCE/examples" |

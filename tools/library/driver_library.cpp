@@ -7,7 +7,10 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
+
+#include <dlfcn.h>
 
 namespace fxtools {
 
@@ -27,6 +30,22 @@ QString choosePath(const QString& given)
             return place;
     }
     return places.last();
+}
+
+// The major version of Qt that the file of this entry point was built with, as its packaging note
+// says; empty when it does not say.
+QByteArray qtMajorOf(QFunctionPointer entryPoint)
+{
+    Dl_info place = {};
+    if (dladdr(reinterpret_cast<void*>(entryPoint), &place) == 0)
+        return {};
+    QFile file(QFile::decodeName(place.dli_fname));
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QByteArray content = file.readAll();
+    const QByteArray field = "\"qt\":\"";
+    const int start = content.indexOf(field);
+    return start < 0 ? QByteArray() : content.mid(start + field.size(), 1);
 }
 
 }  // namespace
@@ -52,6 +71,7 @@ DriverLibrary::DriverLibrary(const QString& path) : m_library(choosePath(path))
                            "; name it with --library PATH or in FX_DRIVER");
     }
     resolveAll();
+    requireSameQt();
 }
 
 DriverLibrary::~DriverLibrary()
@@ -65,6 +85,17 @@ void DriverLibrary::resolve(EntryPoint& entryPoint, const char* name)
     entryPoint = reinterpret_cast<EntryPoint>(m_library.resolve(name));
     if (!entryPoint)
         throw LibraryError(m_library.fileName().toStdString() + " has no entry point " + name);
+}
+
+// Texts and lists of another Qt are laid out differently: the first call would crash.
+void DriverLibrary::requireSameQt() const
+{
+    const QByteArray qtMajor = qtMajorOf(reinterpret_cast<QFunctionPointer>(getProtocolType));
+    const QByteArray ownMajor = QByteArray::number(QT_VERSION_MAJOR);
+    if (!qtMajor.isEmpty() && qtMajor != ownMajor)
+        throw LibraryError(m_library.fileName().toStdString() + " was built with Qt " +
+                           qtMajor.toStdString() + "; this program needs one built with Qt " +
+                           ownMajor.toStdString());
 }
 
 void DriverLibrary::resolveAll()

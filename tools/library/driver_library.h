@@ -55,6 +55,7 @@ private:
     template <typename EntryPoint>
     void resolve(EntryPoint& entryPoint, const char* name);
     void resolveAll();
+    void requireSameQt() const;
 
     QLibrary m_library;
 };

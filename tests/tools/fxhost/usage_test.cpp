@@ -150,6 +150,11 @@ INSTANTIATE_TEST_SUITE_P(
                 7,
                 "fxhost: cannot load the driver library: /no/such/library.so: No such file or "
                 "directory; name it with --library PATH or in FX_DRIVER"},
+        Mistake{"LibraryOfAnotherQt",
+                {"--library", FX_QT6_DRIVER_FILE, "types"},
+                7,
+                "fxhost: " FX_QT6_DRIVER_FILE
+                " was built with Qt 6; this program needs one built with Qt 5"},
         Mistake{"NoPlaceForADump",
                 {"dump", "/no/such/place.csv", "D0"},
                 7,
