@@ -23,11 +23,11 @@ declare -A allowed=(
     [cache]="driver/* address/register_types.h cache/*"
     [plan]="driver/* address/register_types.h cache/data_areas.h plan/*"
     [protocol]="driver/* address/register_types.h cache/* protocol/*"
-    [tools/link]="tools/link/*"
-    [tools/simulated]="tools/link/* tools/simulated/* $simulated_plc"
-    [tools/library]="driver/intf.h tools/library/*"
-    [tools/exchange]="driver/intf.h tools/link/* tools/library/* tools/exchange/*"
-    [tools/fxhost]="driver/intf.h tools/link/* tools/simulated/* tools/library/* tools/exchange/* tools/fxhost/* $simulated_plc"
+    [tools/link]="tools/failure.h tools/link/*"
+    [tools/simulated]="tools/failure.h tools/link/* tools/simulated/* $simulated_plc"
+    [tools/library]="tools/failure.h driver/intf.h tools/library/*"
+    [tools/exchange]="tools/failure.h driver/intf.h tools/link/* tools/library/* tools/exchange/*"
+    [tools/fxhost]="tools/failure.h driver/intf.h tools/link/* tools/simulated/* tools/library/* tools/exchange/* tools/fxhost/* $simulated_plc"
     [tools/fxsim]="tools/fxsim/*"
 )
 include_line='^([^:]+):([0-9]+):[[:space:]]*#[[:space:]]*include[[:space:]]*(["<])([^">]+)[">]'

@@ -124,7 +124,7 @@ int main(int argc, char** argv)
     }
     try {
         return run(options, faults.plan);
-    } catch (const fxtools::LibraryError& error) {
+    } catch (const fxtools::Failure& error) {
         std::fprintf(stderr, "soak: %s\n", error.what());
         return 3;
     }

@@ -22,8 +22,8 @@ constexpr int wordsField = 4;
 
 [[noreturn]] void reject(const QFile& file, int line, const QString& reason)
 {
-    throw FileError(
-        QStringLiteral("%1, line %2: %3").arg(file.fileName()).arg(line).arg(reason).toStdString());
+    throw Failure(ExitCode::File,
+                  QStringLiteral("%1, line %2: %3").arg(file.fileName()).arg(line).arg(reason));
 }
 
 QJsonObject nextObject(QFile& file, int line)
@@ -78,7 +78,7 @@ Recorder::Recorder(const QString& path, const QString& property, const QStringLi
     : m_file(path)
 {
     if (!m_file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        throw FileError((path + ": " + m_file.errorString()).toStdString());
+        throw Failure(ExitCode::File, path + ": " + m_file.errorString());
     put({{"fxhost", formatVersion},
          {"property", property},
          {"addresses", QJsonArray::fromStringList(addresses)}});
@@ -103,7 +103,7 @@ Recording readRecording(const QString& path)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        throw FileError((path + ": " + file.errorString()).toStdString());
+        throw Failure(ExitCode::File, path + ": " + file.errorString());
     const QJsonObject head = nextObject(file, 1);
     if (head.value("fxhost").toInt() != formatVersion)
         reject(file, 1, QStringLiteral("this is no recording of fxhost"));

@@ -37,12 +37,12 @@ struct Recording
     QVector<RecordedExchange> exchanges;
 };
 
-Recording readRecording(const QString& path);  // throws FileError
+Recording readRecording(const QString& path);  // throws Failure
 
 class Recorder
 {
 public:
-    // Throws FileError, as add() does.
+    // Throws Failure, as add() does.
     Recorder(const QString& path, const QString& property, const QStringList& addresses);
 
     void add(const Exchange& exchange);

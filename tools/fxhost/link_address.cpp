@@ -20,7 +20,7 @@ constexpr quint16 defaultPort = 8888;
 
 [[noreturn]] void reject(const QString& text, const QString& reason)
 {
-    throw LinkAddressError(("link '" + text + "': " + reason).toStdString());
+    throw Failure(ExitCode::Usage, "link '" + text + "': " + reason);
 }
 
 int baudOf(const QString& text, const QUrlQuery& query, int unlessSaid)

@@ -17,14 +17,7 @@
 
 namespace fxtools {
 
-// What a link text should look like, and what is wrong with this one.
-class LinkAddressError : public std::runtime_error
-{
-public:
-    using std::runtime_error::runtime_error;
-};
-
-// The link, not yet open. Throws LinkAddressError.
+// The link, not yet open. Throws Failure.
 std::unique_ptr<Link> makeLink(const QString& text);
 
 }  // namespace fxtools

@@ -5,12 +5,7 @@
 // and turns what went wrong into one line and an exit code.
 
 #include "tools/fxhost/commands/command.h"
-#include "tools/fxhost/link_address.h"
 #include "tools/fxhost/views/console.h"
-#include "tools/library/addresses.h"
-#include "tools/library/driver_library.h"
-#include "tools/library/register_file.h"
-#include "tools/library/values.h"
 #include "tools/link/interrupt.h"
 
 #include <QCoreApplication>
@@ -30,12 +25,6 @@ const char* const footer = R"(Examples:
 
 fxhost COMMAND --help tells more, and the manual page fxhost(1) all.)";
 
-int complainOf(const std::exception& error, ExitCode code)
-{
-    complain(QString::fromUtf8(error.what()));
-    return static_cast<int>(code);
-}
-
 // What was printed is in the file or the pipe, or the command has not done its work.
 int outputWritten(int code)
 {
@@ -51,20 +40,9 @@ int runAction(const Action& action)
 {
     try {
         return static_cast<int>(action());
-    } catch (const AddressError& error) {
-        return complainOf(error, ExitCode::Usage);
-    } catch (const ValueError& error) {
-        return complainOf(error, ExitCode::Usage);
-    } catch (const UsageError& error) {
-        return complainOf(error, ExitCode::Usage);
-    } catch (const LinkAddressError& error) {
-        return complainOf(error, ExitCode::Usage);
-    } catch (const LinkError& error) {
-        return complainOf(error, ExitCode::LinkNotOpened);
-    } catch (const LibraryError& error) {
-        return complainOf(error, ExitCode::File);
-    } catch (const FileError& error) {
-        return complainOf(error, ExitCode::File);
+    } catch (const Failure& failure) {
+        complain(failure.text());
+        return static_cast<int>(failure.code());
     }
 }
 

@@ -15,20 +15,25 @@
 
 #include "tools/library/registers.h"
 
-#include <stdexcept>
+#include <optional>
 
 namespace fxtools {
 
-// What is wrong with an address and what would be right, in one line.
-class AddressError : public std::runtime_error
+// An address taken apart; whether there is such a register is not known yet.
+struct AddressParts
 {
-public:
-    using std::runtime_error::runtime_error;
+    QString written;  // for messages
+    QString type;     // "D"
+    QString number;   // in the number base of the type
+    int station = 1;
+    std::optional<int> count;  // nothing: not written, which is one
 };
 
-// Throws AddressError.
-RegisterRange parseAddress(const QString& text, const RegisterCatalogue& catalogue,
-                           const DriverLibrary& library);
+// Both throw Failure, with what is wrong and what would be right in one line.
+AddressParts takeApart(const QString& text);
+RegisterRange rangeOf(const AddressParts& parts, const RegisterCatalogue& catalogue);
+
+RegisterRange parseAddress(const QString& text, const RegisterCatalogue& catalogue);
 
 // "D0 to D7999 in decimal".
 QString limitsText(const RegisterType& type);

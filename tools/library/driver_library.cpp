@@ -67,8 +67,8 @@ DriverLibrary::DriverLibrary(const QString& path) : m_library(choosePath(path))
     if (isMissing || !m_library.load()) {
         const QString reason =
             isMissing ? file + ": No such file or directory" : m_library.errorString();
-        throw LibraryError("cannot load the driver library: " + reason.toStdString() +
-                           "; name it with --library PATH or in FX_DRIVER");
+        throw Failure(ExitCode::File, "cannot load the driver library: " + reason +
+                                          "; name it with --library PATH or in FX_DRIVER");
     }
     resolveAll();
     requireSameQt();
@@ -84,7 +84,7 @@ void DriverLibrary::resolve(EntryPoint& entryPoint, const char* name)
 {
     entryPoint = reinterpret_cast<EntryPoint>(m_library.resolve(name));
     if (!entryPoint)
-        throw LibraryError(m_library.fileName().toStdString() + " has no entry point " + name);
+        throw Failure(ExitCode::File, m_library.fileName() + " has no entry point " + name);
 }
 
 // Texts and lists of another Qt are laid out differently: the first call would crash.

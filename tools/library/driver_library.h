@@ -8,25 +8,17 @@
 #pragma once
 
 #include "driver/intf.h"
+#include "tools/failure.h"
 
 #include <QLibrary>
 #include <QStringList>
 
-#include <stdexcept>
-
 namespace fxtools {
-
-// Why the library could not be used, for people to read.
-class LibraryError : public std::runtime_error
-{
-public:
-    using std::runtime_error::runtime_error;
-};
 
 class DriverLibrary
 {
 public:
-    // An empty `path` looks in the usual places. Throws LibraryError.
+    // An empty `path` looks in the usual places. Throws Failure.
     explicit DriverLibrary(const QString& path = {});
     ~DriverLibrary();
     DriverLibrary(const DriverLibrary&) = delete;

@@ -16,12 +16,6 @@ namespace {
 
 const QString titleLine = QStringLiteral("address,value");
 
-[[noreturn]] void reject(const QFile& file, int line, const QString& reason)
-{
-    throw FileError(
-        QStringLiteral("%1, line %2: %3").arg(file.fileName()).arg(line).arg(reason).toStdString());
-}
-
 QString quoted(const QString& text)
 {
     constexpr int longest = 40;
@@ -34,25 +28,18 @@ struct FileRegister
     quint32 value = 0;
 };
 
-FileRegister parseLine(const QFile& file, int line, const QString& text,
-                       const RegisterCatalogue& catalogue, const DriverLibrary& library)
+FileRegister parseLine(const QString& text, const RegisterCatalogue& catalogue)
 {
     const QStringList fields = text.split(',');
     if (fields.size() < 2)
-        reject(file, line, QStringLiteral("'%1' is not ADDRESS,VALUE").arg(quoted(text)));
-    try {
-        FileRegister one;
-        one.range = parseAddress(fields[0], catalogue, library);
-        const QVector<quint32> values = parseValue(fields[1].trimmed(), one.range.type);
-        if (one.range.count != 1 || values.size() != 1)
-            reject(file, line, QStringLiteral("'%1' is more than one register").arg(quoted(text)));
-        one.value = values.first();
-        return one;
-    } catch (const AddressError& error) {
-        reject(file, line, QString::fromUtf8(error.what()));
-    } catch (const ValueError& error) {
-        reject(file, line, QString::fromUtf8(error.what()));
-    }
+        throw Failure(ExitCode::File,
+                      QStringLiteral("'%1' is not ADDRESS,VALUE").arg(quoted(text)));
+    const RegisterRange range = parseAddress(fields[0], catalogue);
+    const QVector<quint32> values = parseValue(fields[1].trimmed(), range.type);
+    if (range.count != 1 || values.size() != 1)
+        throw Failure(ExitCode::File,
+                      QStringLiteral("'%1' is more than one register").arg(quoted(text)));
+    return {range, values.first()};
 }
 
 bool continues(const RegisterRun& run, const RegisterRange& next, int mostRegisters)
@@ -73,13 +60,13 @@ void append(QVector<RegisterRun>& runs, const FileRegister& one, int mostRegiste
 
 [[noreturn]] void fail(const QFileDevice& file)
 {
-    throw FileError((file.fileName() + ": " + file.errorString()).toStdString());
+    throw Failure(ExitCode::File, file.fileName() + ": " + file.errorString());
 }
 
 void checkOrdinary(const QFileInfo& file)
 {
     if (file.exists() && !file.isDir() && !file.isFile())
-        throw FileError((file.filePath() + ": this is no ordinary file").toStdString());
+        throw Failure(ExitCode::File, file.filePath() + ": this is no ordinary file");
 }
 
 QByteArray lineOf(const QString& address, quint32 value)
@@ -90,17 +77,24 @@ QByteArray lineOf(const QString& address, quint32 value)
 }  // namespace
 
 QVector<RegisterRun> readRegisterFile(const QString& path, const RegisterCatalogue& catalogue,
-                                      const DriverLibrary& library, int mostRegisters)
+                                      int mostRegisters)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
-        throw FileError((path + ": " + file.errorString()).toStdString());
+        fail(file);
     QVector<RegisterRun> runs;
     for (int line = 1; !file.atEnd(); ++line) {
         const QString text = QString::fromUtf8(file.readLine()).trimmed();
         const bool isTitle = line == 1 && text.startsWith(titleLine);
-        if (!text.isEmpty() && !text.startsWith('#') && !isTitle)
-            append(runs, parseLine(file, line, text, catalogue, library), mostRegisters);
+        if (text.isEmpty() || text.startsWith('#') || isTitle)
+            continue;
+        try {
+            append(runs, parseLine(text, catalogue), mostRegisters);
+        } catch (const Failure& failure) {
+            throw Failure(
+                ExitCode::File,
+                QStringLiteral("%1, line %2: %3").arg(path).arg(line).arg(failure.text()));
+        }
     }
     return runs;
 }
@@ -108,11 +102,11 @@ QVector<RegisterRun> readRegisterFile(const QString& path, const RegisterCatalog
 void checkWritable(const QString& path, const QVector<RegisterRun>& runs)
 {
     if (runs.isEmpty())
-        throw FileError((path + ": there is no register in it").toStdString());
+        throw Failure(ExitCode::File, path + ": there is no register in it");
     for (const RegisterRun& run : runs) {
         if (!run.range.type.writable) {
-            throw FileError(
-                (path + ": " + run.range.text() + " cannot be written; take it out").toStdString());
+            throw Failure(ExitCode::File,
+                          path + ": " + run.range.text() + " cannot be written; take it out");
         }
     }
 }

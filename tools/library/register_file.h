@@ -12,13 +12,6 @@
 
 namespace fxtools {
 
-// A file that cannot be read or written, or whose content is wrong; the text names file and line.
-class FileError : public std::runtime_error
-{
-public:
-    using std::runtime_error::runtime_error;
-};
-
 // Neighbouring registers with their values.
 struct RegisterRun
 {
@@ -26,21 +19,21 @@ struct RegisterRun
     QVector<quint32> values;
 };
 
-// The registers of a file in its order, neighbours joined up to `mostRegisters`. Throws FileError.
+// The registers of a file in its order, neighbours joined up to `mostRegisters`. Throws Failure.
 QVector<RegisterRun> readRegisterFile(const QString& path, const RegisterCatalogue& catalogue,
-                                      const DriverLibrary& library, int mostRegisters);
+                                      int mostRegisters);
 
-// Throws FileError when there are none, or one of them cannot be written.
+// Throws Failure when there are none, or one of them cannot be written.
 void checkWritable(const QString& path, const QVector<RegisterRun>& runs);
 
-// Throws FileError when it is certain that nothing can be written there. Changes nothing.
+// Throws Failure when it is certain that nothing can be written there. Changes nothing.
 void checkPlace(const QString& path);
 
-// Writes all to the disk, or throws FileError.
+// Writes all to the disk, or throws Failure.
 void writeWhole(QFileDevice& file, const QByteArray& bytes);
 
 // Writes such a file at once: one that is there stays as it is unless all was written. Throws
-// FileError.
+// Failure.
 void saveRegisterFile(const QString& path, const QVector<RegisterRun>& runs);
 
 // Writes such a file line by line, so that what was written survives an interruption. A file that
@@ -54,7 +47,7 @@ public:
         Append,  // behind the last whole line
     };
 
-    RegisterFileWriter(const QString& path, Mode mode);  // throws FileError, as all below
+    RegisterFileWriter(const QString& path, Mode mode);  // throws Failure, as all below
     ~RegisterFileWriter();                               // a new file without a value goes
     RegisterFileWriter(const RegisterFileWriter&) = delete;
     RegisterFileWriter& operator=(const RegisterFileWriter&) = delete;

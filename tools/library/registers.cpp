@@ -9,9 +9,6 @@ namespace fxtools {
 
 namespace {
 
-constexpr int bitTypes = 0;
-constexpr int wordTypes = 1;
-
 // Positions of the texts that describe a type.
 enum DescriptionField
 {
@@ -28,7 +25,7 @@ RegisterType describe(const DriverLibrary& library, const QString& name)
     QList<QString> fields;
     library.getRegDiscription(name, fields);
     if (fields.size() < descriptionFields)
-        throw LibraryError("the driver does not describe its own type " + name.toStdString());
+        throw Failure(ExitCode::File, "the driver does not describe its own type " + name);
     RegisterType type;
     type.name = name;
     type.width = static_cast<RegisterWidth>(fields[WidthField].toInt());
@@ -102,11 +99,11 @@ QString RegisterRange::text() const
     return count == 1 ? nameOf(0) : nameOf(0) + ':' + QString::number(count);
 }
 
-RegisterCatalogue::RegisterCatalogue(const DriverLibrary& library)
+RegisterCatalogue::RegisterCatalogue(const DriverLibrary& library) : m_library(library)
 {
     QList<QString> names;
-    library.getRegListByType(bitTypes, names);
-    library.getRegListByType(wordTypes, names);
+    library.getRegListByType(fxBitTypes, names);
+    library.getRegListByType(fxWordTypes, names);
     for (const QString& name : names)
         m_types.append(describe(library, name));
 }

@@ -55,12 +55,14 @@ struct RegisterRange
 class RegisterCatalogue
 {
 public:
-    explicit RegisterCatalogue(const DriverLibrary& library);
+    explicit RegisterCatalogue(const DriverLibrary& library);  // which outlives it
 
+    const DriverLibrary& library() const { return m_library; }
     const QVector<RegisterType>& all() const { return m_types; }
     const RegisterType* find(const QString& name) const;
 
 private:
+    const DriverLibrary& m_library;
     QVector<RegisterType> m_types;
 };
 

@@ -45,7 +45,7 @@ QVector<quint32> overTwoWords(quint32 bits)
 
 [[noreturn]] void reject(const QString& text, const QString& reason)
 {
-    throw ValueError(("value '" + text + "' " + reason).toStdString());
+    throw Failure(ExitCode::Usage, "value '" + text + "' " + reason);
 }
 
 QVector<quint32> parseBit(const QString& text)

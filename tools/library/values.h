@@ -12,7 +12,6 @@
 #include <QJsonValue>
 
 #include <map>
-#include <stdexcept>
 #include <string>
 
 namespace fxtools {
@@ -30,13 +29,6 @@ enum class ValueFormat
 // The names that the command line gives to them.
 const std::map<std::string, ValueFormat>& valueFormats();
 
-// What is wrong with a value and what would fit, in one line.
-class ValueError : public std::runtime_error
-{
-public:
-    using std::runtime_error::runtime_error;
-};
-
 int registersPerValue(const RegisterType& type, ValueFormat format);
 
 // One value of the registers from `registers[0]` on: a number where JSON has one, else a text.
@@ -45,7 +37,7 @@ QString valueText(quint32 value, const RegisterType& type, ValueFormat format);
 
 // The registers that a written value becomes. Unless the format says more, a number with a point
 // or an exponent becomes a floating-point number over two words, one too large for a word 32 bits
-// over two. Throws ValueError.
+// over two. Throws Failure.
 QVector<quint32> parseValue(const QString& text, const RegisterType& type,
                             ValueFormat format = ValueFormat::Unsigned);
 

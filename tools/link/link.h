@@ -7,19 +7,12 @@
 
 #pragma once
 
+#include "tools/failure.h"
+
 #include <QByteArray>
 #include <QString>
 
-#include <stdexcept>
-
 namespace fxtools {
-
-// The link could not be opened; the text names the link and the cause.
-class LinkError : public std::runtime_error
-{
-public:
-    using std::runtime_error::runtime_error;
-};
 
 class Link
 {
@@ -27,7 +20,7 @@ public:
     virtual ~Link() = default;
 
     virtual QString name() const = 0;  // as the user would write it
-    virtual void open() = 0;           // also anew, after a loss; throws LinkError
+    virtual void open() = 0;           // also anew, after a loss; throws Failure
     virtual bool isOpen() const = 0;   // false once the other end is gone
     virtual bool send(const QByteArray& bytes) = 0;
 

@@ -79,9 +79,8 @@ void SerialLink::open()
     m_port.setDataBits(settings.dataBits);
     m_port.setParity(settings.parity);
     m_port.setStopBits(settings.stopBits);
-    if (!m_port.open(QIODevice::ReadWrite)) {
-        throw LinkError("cannot open " + m_path.toStdString() + ": " + reason().toStdString());
-    }
+    if (!m_port.open(QIODevice::ReadWrite))
+        throw Failure(ExitCode::LinkNotOpened, "cannot open " + m_path + ": " + reason());
     m_port.clear();
 }
 

@@ -33,8 +33,10 @@ void TcpLink::open()
     m_socket.abort();
     m_socket.connectToHost(m_host, m_port);
     if (!m_socket.waitForConnected(connectTimeoutMs)) {
-        throw LinkError("cannot connect to " + m_host.toStdString() + " port " +
-                        std::to_string(m_port) + ": " + m_socket.errorString().toStdString());
+        throw Failure(ExitCode::LinkNotOpened, QStringLiteral("cannot connect to %1 port %2: %3")
+                                                   .arg(m_host)
+                                                   .arg(m_port)
+                                                   .arg(m_socket.errorString()));
     }
     m_socket.setSocketOption(QAbstractSocket::LowDelayOption, 1);
 }

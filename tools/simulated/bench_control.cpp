@@ -19,8 +19,8 @@ SocketBenchControl::SocketBenchControl(const QString& path)
 {
     m_socket.connectToServer(path);
     if (!m_socket.waitForConnected(controlTimeoutMs)) {
-        throw LinkError("cannot reach the simulator's control socket " + path.toStdString() + ": " +
-                        m_socket.errorString().toStdString());
+        throw Failure(ExitCode::LinkNotOpened, "cannot reach the simulator's control socket " +
+                                                   path + ": " + m_socket.errorString());
     }
 }
 
@@ -36,10 +36,10 @@ void SocketBenchControl::run(const QString& command)
         if (line == "ok")
             return;
         if (line.startsWith("error: "))
-            throw LinkError("the simulator refused '" + command.toStdString() +
-                            "': " + line.mid(7).toStdString());
+            throw Failure(ExitCode::LinkNotOpened, "the simulator refused '" + command +
+                                                       "': " + QString::fromUtf8(line.mid(7)));
     }
-    throw LinkError("the simulator did not carry out '" + command.toStdString() + "'");
+    throw Failure(ExitCode::LinkNotOpened, "the simulator did not carry out '" + command + "'");
 }
 
 }  // namespace fxtools

@@ -17,14 +17,14 @@ class BenchControl
 public:
     virtual ~BenchControl() = default;
 
-    // Returns when the command has been carried out; throws LinkError when it was not.
+    // Returns when the command has been carried out; throws Failure when it was not.
     virtual void run(const QString& command) = 0;
 };
 
 class SocketBenchControl : public BenchControl
 {
 public:
-    explicit SocketBenchControl(const QString& path);  // throws LinkError
+    explicit SocketBenchControl(const QString& path);  // throws Failure
 
     void run(const QString& command) override;
 

@@ -61,7 +61,7 @@ void SimLink::run(const QString& command)
 {
     const QByteArray answer = m_control.run(command);
     if (answer.startsWith("error: "))
-        throw LinkError(answer.trimmed().toStdString());
+        throw Failure(ExitCode::LinkNotOpened, QString::fromUtf8(answer.trimmed()));
 }
 
 }  // namespace fxtools

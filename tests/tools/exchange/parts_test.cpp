@@ -118,8 +118,8 @@ TEST(Values, AreWrittenAsPeopleWriteThem)
     EXPECT_EQ(parseValue("0b101", word), QVector<quint32>({5}));
     EXPECT_EQ(parseValue("3.14", word), QVector<quint32>({0xF5C3, 0x4048}));
     EXPECT_EQ(parseValue("-1", counter), QVector<quint32>({0xFFFFFFFF}));
-    EXPECT_THROW(parseValue("1.5", counter), ValueError);
-    EXPECT_THROW(parseValue("", word), ValueError);
+    EXPECT_THROW(parseValue("1.5", counter), Failure);
+    EXPECT_THROW(parseValue("", word), Failure);
 }
 
 TEST(Timeout, FollowsTheLineBetweenFloorAndCeiling)

@@ -23,7 +23,7 @@ const fxtools::RegisterCatalogue& catalogue()
 
 fxtools::RegisterRange range(const char* address)
 {
-    return fxtools::parseAddress(QString::fromLatin1(address), catalogue(), driver());
+    return fxtools::parseAddress(QString::fromLatin1(address), catalogue());
 }
 
 }  // namespace tool_tests

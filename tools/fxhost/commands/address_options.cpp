@@ -42,10 +42,12 @@ void addAddressOptions(CLI::App& command, AddressOptions& options)
 std::string addressOfLetters(const AddressOptions& options)
 {
     if (options.first.empty() && options.registers > 0)
-        throw UsageError("-c counts the registers from -r on, and there is no -r; write for "
-                         "example -r 100 -c 8 or D100:8");
+        throw Failure(ExitCode::Usage,
+                      "-c counts the registers from -r on, and there is no -r; write for "
+                      "example -r 100 -c 8 or D100:8");
     if (options.first.empty())
-        throw UsageError("-t needs the first register: -t " + options.type + " -r 100");
+        throw Failure(ExitCode::Usage, QStringLiteral("-t needs the first register: -t %1 -r 100")
+                                           .arg(QString::fromStdString(options.type)));
     const std::string type = options.type.empty() ? defaultType : options.type;
     const std::string address = type + options.first;
     return options.registers > 0 ? address + ':' + std::to_string(options.registers) : address;
@@ -57,7 +59,8 @@ std::vector<std::string> addressesOf(const AddressOptions& options)
     if (options.byLetters() || options.registers > 0 || !options.type.empty())
         addresses.push_back(addressOfLetters(options));
     if (addresses.empty())
-        throw UsageError("no address; write for example D100:32, or -t D -r 100 -c 32");
+        throw Failure(ExitCode::Usage,
+                      "no address; write for example D100:32, or -t D -r 100 -c 32");
     return addresses;
 }
 

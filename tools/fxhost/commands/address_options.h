@@ -26,10 +26,10 @@ void addAddressLetters(CLI::App& command, AddressOptions& options);
 // Adds these and the addresses as arguments.
 void addAddressOptions(CLI::App& command, AddressOptions& options);
 
-// "D100:32" from the letters; throws UsageError when they say only half of it.
+// "D100:32" from the letters; throws Failure when they say only half of it.
 std::string addressOfLetters(const AddressOptions& options);
 
-// All that was asked for; throws UsageError when that is nothing.
+// All that was asked for; throws Failure when that is nothing.
 std::vector<std::string> addressesOf(const AddressOptions& options);
 
 }  // namespace fxtools

@@ -26,9 +26,9 @@ ExitCode runCheck(const CommonOptions& common, const Addresses& addresses)
                                      .arg(range.station)
                                      .arg(widthText(range.type.width));
             records.add({text, true, what});
-        } catch (const AddressError& error) {
+        } catch (const Failure& failure) {
             allValid = false;
-            records.add({text, false, QString::fromUtf8(error.what())});
+            records.add({text, false, failure.text()});
         }
     }
     records.finish();

@@ -6,6 +6,7 @@
 
 #pragma once
 
+#include "tools/failure.h"
 #include "tools/fxhost/views/records.h"
 
 #include <CLI/CLI.hpp>
@@ -15,20 +16,6 @@
 #include <vector>
 
 namespace fxtools {
-
-// Documented in the manual page; scripts rely on them.
-enum class ExitCode
-{
-    Good = 0,
-    SomeFailed = 1,
-    Usage = 2,
-    LinkNotOpened = 3,
-    Silence = 4,
-    Refused = 5,
-    Damaged = 6,
-    File = 7,
-    Interrupted = 130,
-};
 
 struct CommonOptions
 {
@@ -46,13 +33,6 @@ struct CommonOptions
 };
 
 constexpr int mostCycles = 1000000000;
-
-// A command line that parses but makes no sense; the text says what would.
-class UsageError : public std::runtime_error
-{
-public:
-    using std::runtime_error::runtime_error;
-};
 
 // What is run once the whole command line was read and found good.
 using Action = std::function<ExitCode()>;

@@ -85,16 +85,18 @@ void Connection::openFirst()
 {
     try {
         m_link->open();
-    } catch (const LinkError& error) {
+    } catch (const Failure& failure) {
         if (!m_reconnectIsGiven || m_reconnectS == 0)
             throw;
-        sayState(QString::fromUtf8(error.what()) + "; it is awaited");
+        sayState(failure.text() + "; it is awaited");
         m_pauseMs = shortestPauseMs;
         if (awaitLink())
             sayState(QStringLiteral("the link is there"));
         else if (!interrupted())
-            throw LinkError(m_link->name().toStdString() + ": the link did not come within " +
-                            std::to_string(m_reconnectS) + " s");
+            throw Failure(ExitCode::LinkNotOpened,
+                          QStringLiteral("%1: the link did not come within %2 s")
+                              .arg(m_link->name())
+                              .arg(m_reconnectS));
     }
 }
 
@@ -108,7 +110,7 @@ QVector<RegisterRange> Connection::ranges(const std::vector<std::string>& addres
 {
     QVector<RegisterRange> ranges;
     for (const std::string& address : addresses)
-        ranges.append(parseAddress(QString::fromStdString(address), m_catalogue, m_library));
+        ranges.append(parseAddress(QString::fromStdString(address), m_catalogue));
     return ranges;
 }
 
@@ -163,7 +165,7 @@ bool Connection::linkOpens()
     try {
         m_link->open();
         return true;
-    } catch (const LinkError&) {
+    } catch (const Failure&) {
         return false;  // one line a change of state, not one a try
     }
 }
@@ -180,7 +182,7 @@ AddressServices::AddressServices(const CommonOptions& common)
 
 RegisterRange AddressServices::parse(const std::string& address) const
 {
-    return parseAddress(QString::fromStdString(address), catalogue, library);
+    return parseAddress(QString::fromStdString(address), catalogue);
 }
 
 ExitCode exitCodeOf(ReplyVerdict verdict)

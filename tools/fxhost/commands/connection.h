@@ -17,7 +17,7 @@ namespace fxtools {
 class Connection
 {
 public:
-    // Loads the library and opens the link; throws LibraryError, LinkAddressError or LinkError. A
+    // Loads the library and opens the link; throws Failure. A
     // link that is not there is awaited only for as long as the user said.
     explicit Connection(const CommonOptions& common, const QString& linkUnlessSaid = "sim:");
     Connection(const Connection&) = delete;

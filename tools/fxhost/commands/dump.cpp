@@ -43,8 +43,7 @@ QSet<QString> namesIn(const QString& path, const Connection& connection)
     QSet<QString> names;
     if (!QFile::exists(path))
         return names;
-    for (const RegisterRun& run :
-         readRegisterFile(path, connection.catalogue(), connection.library(), 1))
+    for (const RegisterRun& run : readRegisterFile(path, connection.catalogue(), 1))
         names.insert(run.range.nameOf(0));
     return names;
 }

@@ -60,8 +60,9 @@ void needWholeValues(const QVector<RegisterRange>& ranges, ValueFormat format)
 {
     for (const RegisterRange& range : ranges) {
         if (range.count % registersPerValue(range.type, format) != 0) {
-            throw UsageError(range.text().toStdString() +
-                             ": these values take two words each, so the count must be even");
+            throw Failure(ExitCode::Usage,
+                          range.text() +
+                              ": these values take two words each, so the count must be even");
         }
     }
 }

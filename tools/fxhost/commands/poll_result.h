@@ -27,7 +27,7 @@ QVector<PolledValue> polledValues(const Poller& poller, const RegisterRange& ran
 // --as FORMAT
 void addFormatOption(CLI::App& command, ValueFormat& format);
 
-// Throws UsageError when a value of this format would reach past the end of a range.
+// Throws Failure when a value of this format would reach past the end of a range.
 void needWholeValues(const QVector<RegisterRange>& ranges, ValueFormat format);
 
 class PollResult

@@ -24,7 +24,7 @@ void needWords(const QVector<RegisterRange>& entries)
 {
     for (const RegisterRange& entry : entries) {
         if (entry.type.isBit())
-            throw UsageError(entry.text().toStdString() + ": a recipe carries words, no bits");
+            throw Failure(ExitCode::Usage, entry.text() + ": a recipe carries words, no bits");
     }
 }
 
@@ -75,7 +75,8 @@ void load(const QVector<RegisterRun>& runs, std::vector<quint16>& memory)
         const int words = wordsPerRegister(run.range);
         if (memory.size() - word <
             static_cast<size_t>(words) * static_cast<size_t>(run.values.size()))
-            throw FileError("the recipe is longer than the recipe memory: 65536 words");
+            throw Failure(ExitCode::File,
+                          "the recipe is longer than the recipe memory: 65536 words");
         for (const quint32 value : run.values) {
             memory[word++] = static_cast<quint16>(value & 0xFFFF);
             if (words == 2)
@@ -88,8 +89,8 @@ ExitCode runDownload(const CommonOptions& common, const RecipeOptions& options)
 {
     Connection connection(common);
     const QString path = QString::fromStdString(options.file);
-    const QVector<RegisterRun> runs = readRegisterFile(
-        path, connection.catalogue(), connection.library(), common.wordsPerFrame / 2);
+    const QVector<RegisterRun> runs =
+        readRegisterFile(path, connection.catalogue(), common.wordsPerFrame / 2);
     checkWritable(path, runs);
     QVector<RegisterRange> entries;
     for (const RegisterRun& run : runs)

@@ -98,8 +98,8 @@ QVector<RegisterRange> recordedRanges(const AddressServices& services, const Rec
     try {
         for (const QString& address : recording.addresses)
             ranges.append(services.parse(address.toStdString()));
-    } catch (const AddressError& error) {
-        throw FileError(path.toStdString() + ", line 1: " + error.what());
+    } catch (const Failure& failure) {
+        throw Failure(ExitCode::File, path + ", line 1: " + failure.text());
     }
     return ranges;
 }

@@ -40,7 +40,7 @@ QVector<RegisterRun> runsFrom(const QVector<RegisterRun>& runs, const RegisterRa
             left.append({run.range.part(offset, run.range.count - offset), run.values.mid(offset)});
     }
     if (left.isEmpty())
-        throw UsageError("--from " + from.text().toStdString() + ": the file does not hold it");
+        throw Failure(ExitCode::Usage, "--from " + from.text() + ": the file does not hold it");
     return left;
 }
 
@@ -108,8 +108,8 @@ ExitCode runRestore(const CommonOptions& common, const RestoreOptions& options)
 {
     Connection connection(common);
     const QString path = QString::fromStdString(options.file);
-    QVector<RegisterRun> runs = readRegisterFile(path, connection.catalogue(), connection.library(),
-                                                 common.wordsPerFrame / 2);
+    QVector<RegisterRun> runs =
+        readRegisterFile(path, connection.catalogue(), common.wordsPerFrame / 2);
     checkWritable(path, runs);
     if (!options.from.empty())
         runs = runsFrom(runs, connection.ranges({options.from}).first());

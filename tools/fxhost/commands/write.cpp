@@ -38,20 +38,23 @@ Assignment parseAssignment(const Connection& connection, const std::string& text
     const QString whole = QString::fromStdString(text);
     const int equals = whole.indexOf('=');
     if (equals < 1 || equals + 1 == whole.size())
-        throw UsageError("'" + text + "' assigns nothing; write for example D100=5 or M0=on");
+        throw Failure(ExitCode::Usage,
+                      "'" + whole + "' assigns nothing; write for example D100=5 or M0=on");
     Assignment assignment;
     assignment.written = whole.mid(equals + 1);
     assignment.range = connection.ranges({whole.left(equals).toStdString()}).first();
     if (!assignment.range.type.writable) {
-        throw UsageError("'" + text + "': " + assignment.range.type.name.toStdString() +
-                         " cannot be written");
+        throw Failure(ExitCode::Usage,
+                      "'" + whole + "': " + assignment.range.type.name + " cannot be written");
     }
     for (const QString& value : assignment.written.split(','))
         assignment.values += parseValue(value.trimmed(), assignment.range.type, format);
     const int values = assignment.values.size();
     if (whole.left(equals).contains(':') && assignment.range.count != values) {
-        throw UsageError("'" + text + "': " + std::to_string(assignment.range.count) +
-                         " registers, but values for " + std::to_string(values));
+        throw Failure(ExitCode::Usage, QStringLiteral("'%1': %2 registers, but values for %3")
+                                           .arg(whole)
+                                           .arg(assignment.range.count)
+                                           .arg(values));
     }
     // The count is what was written; checked again, because it may run past the end of the type.
     const QString start = whole.left(equals).section(':', 0, 0);
@@ -165,7 +168,8 @@ std::vector<std::string> assignmentsOf(const WriteOptions& options)
     std::string assignment = addressOfLetters(letters) + '=';
     for (const std::string& value : options.assignments) {
         if (value.find('=') != std::string::npos)
-            throw UsageError("'" + value + "': with -r only values follow");
+            throw Failure(ExitCode::Usage,
+                          "'" + QString::fromStdString(value) + "': with -r only values follow");
         assignment += (assignment.back() == '=' ? "" : ",") + value;
     }
     return {assignment};

@@ -63,7 +63,7 @@ DemoBench::DemoBench(ExchangeLoop& loop, const RegisterCatalogue& catalogue, Ben
 
 RegisterRange DemoBench::range(const QString& address) const
 {
-    return parseAddress(address, m_catalogue, m_loop.session().library());
+    return parseAddress(address, m_catalogue);
 }
 
 bool DemoBench::linkIsGood() const
