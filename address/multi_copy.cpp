@@ -30,9 +30,11 @@ int stepWidth(const RegisterType& type, int step)
 FxSeriesResult appendSeries(int startIndex, int copies, int stepWidth, int numberBase,
                             const LastNumber& last, QVector<QString>& texts, QVector<int>& values)
 {
-    FxSeriesResult series = fxSeriesFitted;
+    if (copies < 1)
+        return fxSeriesFitted;
+    const qint64 highest = startIndex + static_cast<qint64>(stepWidth) * (copies - 1);
     qint64 number = startIndex;
-    for (int i = 0; i < qMin(copies, fxMaxElements); ++i, number += stepWidth) {
+    for (int i = 0; i < qMin(copies, fxMaxCopies); ++i, number += stepWidth) {
         if (number <= last.index) {
             const int index = static_cast<int>(number);
             texts.append(QString::number(static_cast<uint>(index), numberBase));
@@ -40,10 +42,9 @@ FxSeriesResult appendSeries(int startIndex, int copies, int stepWidth, int numbe
         } else {
             texts.append(last.text);
             values.append(last.index);
-            series = fxSeriesClamped;
         }
     }
-    return series;
+    return highest > last.index ? fxSeriesClamped : fxSeriesFitted;
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include "cache/recipe.h"
 
+#include "address/register_types.h"
 #include "cache/notification.h"
 
 #include <cstring>
@@ -15,10 +16,15 @@ namespace {
 constexpr int recipeLink = 0;
 constexpr int recipeStation = -1;
 
-bool isCarriable(const _RCP_VAR_PRO& entry, int wordLimit)
+bool hasWords(const _RCP_VAR_PRO& entry)
 {
-    return driver.recipeWords != nullptr && entry.recipeWordOffset >= 0 && entry.count >= 0 &&
-           entry.count <= wordLimit;
+    return driver.recipeWords != nullptr && entry.recipeWordOffset >= 0 && entry.count >= 0;
+}
+
+bool isBitEntry(const _RCP_VAR_PRO& entry)
+{
+    const RegisterType* type = findRegisterType(entry.registerType);
+    return type != nullptr && isBit(*type);
 }
 
 unsigned char* recipeBytes(qint64 recipeWord)
@@ -47,19 +53,21 @@ void rcpAddrToVar(_RCP_VAR_PRO rcp, VARIABLE& var, int withData)
     var.addressIndex = rcp.addressIndex;
     var.count = rcp.count;
     std::memset(var.data, 0, sizeof var.data);
-    if (withData != 0 && isCarriable(rcp, fxMaxUploadWords))
-        std::memcpy(var.data, recipeBytes(rcp.recipeWordOffset),
-                    static_cast<std::size_t>(bytesPerWord) * static_cast<std::size_t>(rcp.count));
+    if (withData == 0 || !hasWords(rcp))
+        return;
+    const int wordCount = qMin(rcp.count, fxRecordBytes / bytesPerWord);
+    std::memcpy(var.data, recipeBytes(rcp.recipeWordOffset),
+                static_cast<std::size_t>(bytesPerWord * wordCount));
 }
 
 bool isDownloadable(const _RCP_VAR_PRO& entry)
 {
-    return isCarriable(entry, fxMaxWriteWords);
+    return hasWords(entry) && (entry.count <= fxMaxWriteWords || isBitEntry(entry));
 }
 
 bool isUploadable(const _RCP_VAR_PRO& entry)
 {
-    return isCarriable(entry, fxMaxUploadWords);
+    return hasWords(entry) && entry.count <= fxMaxUploadWords;
 }
 
 void storeRecipeValue(qint64 firstRecipeWord, int wordCount, unsigned int value)

@@ -199,12 +199,11 @@ constexpr int fxMaxUploadWords = fxRecordBytes / 2;  // that one entry fetches; 
 // after intf_initProperty. Returns the number of entries kept.
 // A transfer starts when the host sets a request byte to 1, under its mutex, and has ended when
 // the driver has set it back to 0: all was carried, or an exchange failed. An entry that no frame
-// can carry (count below 0, above fxMaxWriteWords to download, above fxMaxUploadWords to upload,
-// offset below 0) ends it too. With no entries a request repeats the last exchange until the host
-// sets its byte back; if that was a write, each repeat that is acknowledged takes the head of the
-// waiting writes with it, unsent.
-// An entry of a bit type forces one bit, on if the low byte of its first word is exactly 1, and
-// fetches nothing into recipe memory.
+// can carry (count or offset below 0, count above fxMaxUploadWords to upload, above fxMaxWriteWords
+// to download words) ends it too. With no entries a request repeats the last exchange until the
+// host sets its byte back; if that was a write, each repeat that is acknowledged takes the head of
+// the waiting writes with it, unsent. An entry of a bit type forces one bit whatever its count, on
+// if the low byte of its first word is exactly 1, and fetches nothing into recipe memory.
 FX_ENTRY_POINT int intf_setRcpAddress(QVector<_RCP_VAR_PRO>& list);
 
 // ---- Address services for the editor ----------------------------------------------------------
@@ -272,16 +271,19 @@ enum FxSeriesStep
     fxStepOf32Bits = -2  // 2 for words, else 1
 };
 
+constexpr int fxMaxCopies = 1000000;  // that one call appends
+
 enum FxSeriesResult
 {
     fxSeriesUnknownType = 0,  // nothing appended
-    fxSeriesFitted = 1,       // every number fitted
-    fxSeriesClamped = 2       // at least one was past the type's end and became its last number
+    fxSeriesFitted = 1,       // every number fits
+    fxSeriesClamped = 2       // at least one is past the type's end and becomes its last number
 };
 
 // Appends the addresses of `copies` copies of an object, `step` apart, from `startIndex` on, as
 // texts (of "X" and "Y" in octal) and as numbers. Nothing is checked against the type's first
-// number; below one copy nothing is appended. Returns an FxSeriesResult.
+// number; below one copy nothing is appended. Returns an FxSeriesResult, which speaks of all copies
+// asked for.
 FX_ENTRY_POINT int intf_multiCopy(const QString& registerType, int startIndex, int copies, int step,
                                   QVector<QString>& texts, QVector<int>& values);
 

@@ -16,13 +16,12 @@ Mitsubishi_fx1s::~Mitsubishi_fx1s() = default;
 
 int wordsPerRequest()
 {
-    return qBound(1, driver.maxWordsPerFrame, fxMaxElements);
+    return qMax(1, driver.maxWordsPerFrame);
 }
 
 int bitsPerRequest()
 {
-    return driver.maxBitsPerFrame < 1 ? bitsPerArea
-                                      : qMin(driver.maxBitsPerFrame, fxMaxElements * bitsPerArea);
+    return driver.maxBitsPerFrame < 1 ? bitsPerArea : driver.maxBitsPerFrame;
 }
 
 int servedCount(int startIndex, int count)

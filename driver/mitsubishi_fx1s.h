@@ -82,7 +82,7 @@ public:
 extern FX_EXPORT Mitsubishi_fx1s driver;
 
 // The limits by which requests are cut: what the property string said, but never less than one
-// word or one byte of bits, and never more than the wire can address.
+// word or one byte of bits.
 int wordsPerRequest();
 int bitsPerRequest();
 

@@ -71,7 +71,7 @@ void requireCover(const KEY_ADDRESS& key)
 
 void requireOrder()
 {
-    const long long most = std::max(1, std::min(driver.maxWordsPerFrame, 65536));
+    const long long most = std::max(1, driver.maxWordsPerFrame);
     for (int i = 0; i < driver.readList.size(); ++i) {
         const VARIABLE& request = driver.readList.at(i);
         require(request.count >= 1 && request.count <= most, "a request is longer than a frame");

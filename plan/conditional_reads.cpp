@@ -26,12 +26,12 @@ int intf_addConditionRead(KEY_ADDRESS& key, int tag)
     request.registerType = key.registerType;
     request.addressIndex = key.startIndex;
     request.count = key.length;
-    if (key.length < 1) {
-        queueRead(request);  // as it stands
-        return fxDone;
-    }
     // By bitIndex alone, whatever the register type.
     const int limit = key.bitIndex == fxSplitByBits ? bitsPerRequest() : wordsPerRequest();
+    if (key.length <= limit) {
+        queueRead(request);
+        return fxDone;
+    }
     const PieceCutter cutter(key.startIndex, key.length, limit);
     for (int i = 0; i < cutter.pieceCount(); ++i) {
         request.addressIndex = cutter.start(i);

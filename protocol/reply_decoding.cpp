@@ -10,11 +10,14 @@
 #include "cache/notification.h"
 #include "cache/recipe.h"
 #include "driver/integers.h"
+#include "driver/intf.h"
 #include "protocol/frame_format.h"
 
 #include <array>
 
 namespace {
+
+constexpr int maxAreas = 4 * fxMaxElements;  // what the longest read of counters marks as stale
 
 // Lower-case digits decode like upper-case ones, anything else to some digit: a reply that passed
 // its sum is taken as it is.
@@ -78,9 +81,12 @@ private:
     int m_length;
 };
 
-// Start of area `k` of a run; false past the largest number.
+// Start of area `k` of a run; false past the largest number, and past what a frame limit beyond all
+// that a PLC can address may cost in memory.
 bool startOfArea(const ReadRange& range, int k, int& startIndex)
 {
+    if (k >= maxAreas)
+        return false;
     const qint64 step = isBit(*range.type) ? bitsPerArea : 1;
     const qint64 start = range.addressIndex + step * k;
     startIndex = static_cast<int>(start);

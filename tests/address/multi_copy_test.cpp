@@ -164,22 +164,36 @@ TEST(MultiCopyVectors, AreAppendedToAndNeverCleared)
     EXPECT_EQ((Numbers{-9, -8, 8, 8}), plain(values));
 }
 
-TEST(MultiCopyVectors, NeverGrowByMoreThan65536Copies)
+TEST(MultiCopyVectors, TakeAMillionCopies)
+{
+    QVector<QString> texts;
+    QVector<int> values;
+    EXPECT_EQ(2, intf_multiCopy(QString::fromLatin1("Y"), 0, 1000000, 1, texts, values));
+    EXPECT_EQ(1000000, texts.size());
+    EXPECT_EQ(1000000, values.size());
+    EXPECT_EQ(255, values.at(999999));
+}
+
+TEST(MultiCopyVectors, NeverGrowByMoreThanAMillionCopies)
 {
     QVector<QString> texts;
     QVector<int> values;
     EXPECT_EQ(2, intf_multiCopy(QString::fromLatin1("D"), 0, largest, largest, texts, values));
-    EXPECT_EQ(65536, texts.size());
-    EXPECT_EQ(65536, values.size());
-    EXPECT_EQ(7999, values.at(65535));
+    EXPECT_EQ(1000000, texts.size());
+    EXPECT_EQ(1000000, values.size());
+    EXPECT_EQ(7999, values.at(999999));
 }
 
-TEST(MultiCopyVectors, Take65536Copies)
+// The millionth number is 7999, the next one would not fit.
+TEST(MultiCopyVectors, AnswerForCopiesThatAreNotAppended)
 {
     QVector<QString> texts;
     QVector<int> values;
-    EXPECT_EQ(2, intf_multiCopy(QString::fromLatin1("Y"), 0, 65536, 1, texts, values));
-    EXPECT_EQ(65536, texts.size());
+    const int start = 7999 - 999999;
+    EXPECT_EQ(1, intf_multiCopy(QString::fromLatin1("D"), start, 1000000, 1, texts, values));
+    EXPECT_EQ(2, intf_multiCopy(QString::fromLatin1("D"), start, 1000001, 1, texts, values));
+    EXPECT_EQ(2000000, values.size());
+    EXPECT_EQ(7999, values.last());
 }
 
 TEST(DecimalSeries, ClampsToTheGivenNumberAndText)

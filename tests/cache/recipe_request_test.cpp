@@ -90,6 +90,7 @@ TEST_F(RecipeRequest, CountBeyondTheRecordOverrunsNothing)
         rcpAddrToVar(recipeEntry("D", 1, count, 0), guarded.var, 1);
         EXPECT_EQ(0x5A5A5A5A, guarded.guard) << count;
         EXPECT_EQ(count, guarded.var.count);
+        EXPECT_EQ(1023 % 251 + 1, guarded.var.data[1023]);
     }
 }
 

@@ -34,6 +34,7 @@ TEST_P(RequestLimits, NeverDivideByLessThanOneWordOrEightBits)
 
 const Row rows[] = {
     {"Usual", "1#0#0#3#32", 32, 256},
+    {"BeyondTheWire", "1#0#0#3#100000", 100000, 800000},
     {"One", "1#0#0#3#1", 1, 8},
     {"ZeroCountsAsOne", "1#0#0#3#0", 1, 8},
     {"MinusOneCountsAsOne", "1#0#0#3#-1", 1, 8},
@@ -47,8 +48,8 @@ INSTANTIATE_TEST_SUITE_P(PropertyStrings, RequestLimits, ::testing::ValuesIn(row
 TEST_F(DriverTest, HugeLimitStaysPositiveForWordsAndBits)
 {
     setUpDriver("1#0#0#3#2147483647");
-    EXPECT_GE(wordsPerRequest(), 65536);
-    EXPECT_GE(bitsPerRequest(), 65536);
+    EXPECT_EQ(2147483647, wordsPerRequest());
+    EXPECT_EQ(2147483647, bitsPerRequest());
 }
 
 TEST(ServedCount, NoneBelowOneAndAtMost65536)

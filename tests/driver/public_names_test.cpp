@@ -36,6 +36,7 @@ TEST(PublicNames, Limits)
     EXPECT_EQ(65536, fxMaxElements);
     EXPECT_EQ(253, fxMaxWriteWords);
     EXPECT_EQ(512, fxMaxUploadWords);
+    EXPECT_EQ(1000000, fxMaxCopies);
 }
 
 TEST(PublicNames, Planning)

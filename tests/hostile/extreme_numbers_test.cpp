@@ -202,7 +202,7 @@ TEST_F(ExtremeNumbers, InLengthsOfSeries)
         QVector<QString> texts;
         QVector<int> values;
         intf_multiCopy(QLatin1String("D"), 0, copies, 1, texts, values);
-        EXPECT_EQ(copies < 1 ? 0 : std::min(copies, fxMaxElements), texts.size());
+        EXPECT_EQ(copies < 1 ? 0 : std::min(copies, fxMaxCopies), texts.size());
     }
 }
 

@@ -147,15 +147,11 @@ int ModelDriver::multiCopy(const QString& registerType, int startIndex, int copi
     if (!modelIsBit(registerType) && !isWordOr32(registerType))
         return 0;
     const int last = lastNumber(registerType);
-    int result = 1;
-    long long number = startIndex;
-    for (int copy = 0; copy < copies && copy < fxMaxElements; ++copy) {
-        const int shown = number <= last ? static_cast<int>(number) : last;
+    const long long width = stepWidth(registerType, step);
+    for (int copy = 0; copy < copies && copy < 1000000; ++copy) {
+        const int shown = static_cast<int>(std::min<long long>(last, startIndex + width * copy));
         texts.append(modelNumberText(registerType, shown));
         values.append(shown);
-        if (number > last)
-            result = 2;
-        number += stepWidth(registerType, step);
     }
-    return result;
+    return copies >= 1 && startIndex + width * (copies - 1) > last ? 2 : 1;
 }

@@ -6,10 +6,13 @@
 
 #include "tests/model/model_driver.h"
 
+#include <algorithm>
 #include <climits>
 #include <cstring>
 
 namespace {
+
+constexpr int mostAreas = 4 * 65536;  // of one reply
 
 int nibbleAt(const QByteArray& reply, int position)
 {
@@ -101,7 +104,7 @@ bool ModelDriver::transferRecipe(bool download)
     operationKind = download ? 5 : 6;
     if (download) {
         std::memcpy(current.data, recipeWords + entry.recipeWordOffset,
-                    static_cast<size_t>(entry.count) * 2);
+                    static_cast<size_t>(std::min(entry.count, 512)) * 2);
         buildWriteFrame(current);
     } else {
         buildReadFrame(current);
@@ -111,8 +114,8 @@ bool ModelDriver::transferRecipe(bool download)
 
 bool ModelDriver::canCarry(const _RCP_VAR_PRO& entry, bool download) const
 {
-    return recipeWords && entry.count >= 0 && entry.recipeWordOffset >= 0 &&
-           entry.count <= (download ? 253 : 512);
+    const int most = !download ? 512 : modelIsBit(entry.registerType) ? INT_MAX : 253;
+    return recipeWords && entry.count >= 0 && entry.recipeWordOffset >= 0 && entry.count <= most;
 }
 
 void ModelDriver::repeatCurrent()
@@ -163,7 +166,7 @@ void ModelDriver::decode(const QByteArray& reply)
     if (!bits && !modelIsWord(type) && type != "32CV")
         return;
     const int width = bits ? 1 : type == "32CV" ? 4 : 2;
-    for (int k = 0; k < open.replyDataChars / (2 * width); ++k) {
+    for (int k = 0; k < std::min(mostAreas, open.replyDataChars / (2 * width)); ++k) {
         unsigned char bytes[4] = {};
         for (int i = 0; i < width; ++i)
             bytes[i] = byteAt(reply, open.isRead + 2 * (k * width + i));
@@ -215,7 +218,7 @@ void ModelDriver::markStale()
     const bool bits = modelIsBit(type);
     if (!bits && !modelIsWord(type) && type != "32CV")
         return;
-    const int total = bits ? open.replyDataChars : open.replyDataChars / 2;
+    const int total = std::min(mostAreas, bits ? open.replyDataChars : open.replyDataChars / 2);
     for (int k = 0; k < total; ++k) {
         const long long number = open.variable.addressIndex + (bits ? 8LL : 1LL) * k;
         if (!modelFitsInt(number))

@@ -7,6 +7,7 @@
 #include "tests/model/model_driver.h"
 
 #include <algorithm>
+#include <climits>
 #include <set>
 
 namespace {
@@ -33,12 +34,12 @@ long long bytesOf(long long bits)
 
 int ModelDriver::wordLimit() const
 {
-    return std::max(1, std::min(maxWordsPerFrame, fxMaxElements));
+    return std::max(1, maxWordsPerFrame);
 }
 
 int ModelDriver::bitLimit() const
 {
-    return 8 * wordLimit();
+    return static_cast<int>(std::min<long long>(8LL * wordLimit(), INT_MAX));
 }
 
 // Pieces of `limit` elements, the rest in the last; elements whose number is no integer are left
@@ -150,7 +151,7 @@ int ModelDriver::addConditionRead(KEY_ADDRESS& key, int tag)
 {
     const int limit = key.bitIndex == -1 ? bitLimit() : wordLimit();
     Pieces pieces{{key.startIndex, key.length}};
-    if (key.length > 0)
+    if (key.length > limit)
         pieces = cut(key.startIndex, key.length, limit);
     for (const Piece& piece : pieces) {
         VARIABLE request;

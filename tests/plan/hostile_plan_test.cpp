@@ -102,11 +102,32 @@ TEST_F(HostilePlan, OneOffReadWithoutEndFillsTheQueueWithItsFirst512PiecesAndIts
     EXPECT_EQ("1#D65504/32", textOf(driver.lastConditionRead));
 }
 
-TEST_F(HostilePlan, OneOffReadWithoutEndAndWithoutLimitCountsAs65536)
+TEST_F(HostilePlan, FrameLimitBeyondTheWireIsNoLimitOfBlocks)
 {
+    setUpDriver("1#0#0#3#100000");
+    QList<KEY_ADDRESS> keys;
+    keys << watch("D", 0, 1) << watch("D", 80000, 1);
+    EXPECT_EQ(1, intf_addrMerge(keys));
+    EXPECT_EQ("1#D0/80001", textOf(driver.readList));
+}
+
+TEST_F(HostilePlan, OneOffReadThatFitsAFrameIsQueuedAsItStands)
+{
+    setUpDriver();
+    queue("D", largest, 2, 0);
+    queue("M", largest, 32, -1);
+    EXPECT_EQ("1#D2147483647/2 1#M2147483647/32", textOf(driver.conditionReadList));
     setUpDriver("1#0#0#3#2147483647");
-    queue("D", 0, largest, 0);
-    EXPECT_EQ("1#D0/65536", textOf(driver.conditionReadList));
+    queue("D", 5, largest, 0);
+    EXPECT_EQ("1#D5/2147483647", textOf(driver.conditionReadList));
+}
+
+TEST_F(HostilePlan, OneOffReadBeyondAFrameCountsAs65536)
+{
+    setUpDriver("1#0#0#3#70000");
+    queue("D", 0, 70000, 0);
+    queue("D", 0, 70001, 0);
+    EXPECT_EQ("1#D0/70000 1#D0/65536", textOf(driver.conditionReadList));
 }
 
 TEST_F(HostilePlan, PiecesPastTheLargestNumberAreLeftOut)

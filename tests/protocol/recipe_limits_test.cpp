@@ -77,6 +77,12 @@ const Row rows[] = {
     {"NegativeOffset", "D", 1, -1, false, false},
     {"SmallestOffset", "D", 1, -2147483647 - 1, false, false},
     {"LongestDownloadOfCounters", "32CV", 253, 0, true, true},
+    {"BitWithoutWords", "Y", 0, 0, true, true},
+    {"BitWithTheWordsOfARecord", "Y", 512, 0, true, true},
+    {"BitWithMoreWordsThanARecord", "Y", 513, 0, true, false},
+    {"BitWithTheLargestCount", "Y", 2147483647, 0, true, false},
+    {"BitWithANegativeCount", "Y", -1, 0, false, false},
+    {"UnknownTypeCountsAsWords", "Z", 254, 0, false, true},
     {"LastWordsOfTheMemory", "D", 8, 2040, true, true},
 };
 
