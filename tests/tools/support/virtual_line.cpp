@@ -13,25 +13,63 @@ namespace {
 
 constexpr int wordBytes = 2;
 
+fxsim::FaultPlan planOf(const char* faults)
+{
+    const fxsim::ParsedFaults parsed = fxsim::parseFaults(QString::fromLatin1(faults));
+    if (!parsed.error.isEmpty())
+        throw std::invalid_argument(parsed.error.toStdString());
+    return parsed.plan;
+}
+
 }  // namespace
 
-VirtualLine::VirtualLine(const fxsim::Settings& settings)
-    : m_plc(settings, nullptr, 0), m_session(m_plc, "virtual")
-{}
+VirtualLine::VirtualLine(const fxsim::Settings& settings) : m_plc(settings, nullptr, 0)
+{
+    open();
+}
+
+void VirtualLine::open()
+{
+    m_session.emplace(m_plc, "virtual");
+}
 
 bool VirtualLine::send(const QByteArray& bytes)
 {
-    m_session.receive(bytes, m_nowUs);
+    if (!isOpen())
+        return false;
+    m_sent.append(bytes);
+    m_session->receive(bytes, m_nowUs);
     return true;
 }
 
 QByteArray VirtualLine::receive(int timeoutMs)
 {
+    if (!isOpen())
+        return {};
+    if (m_session->takeLinkDrop()) {
+        m_session.reset();
+        return {};
+    }
     const qint64 deadlineUs = m_nowUs + qint64(1000) * timeoutMs;
-    const qint64 dueUs = m_session.nextDueUs();
+    const qint64 dueUs = m_session->nextDueUs();
     m_nowUs =
         dueUs == fxsim::nothingDue || dueUs > deadlineUs ? deadlineUs : std::max(dueUs, m_nowUs);
-    return m_session.takeDue(m_nowUs);
+    return m_session->takeDue(m_nowUs);
+}
+
+void VirtualLine::setFaults(const char* faults)
+{
+    m_plc.setFaults(planOf(faults));
+}
+
+void VirtualLine::refuse(int firstAddress, int lastAddress)
+{
+    memory().setMissing({{firstAddress, lastAddress}});
+}
+
+void VirtualLine::refuseNothing()
+{
+    memory().setPresent({{0, fxsim::addressableBytes - 1}});
 }
 
 fxtools::LoopSettings VirtualLine::loopSettings() const
@@ -55,12 +93,9 @@ void fillWithOwnAddresses(fxsim::PlcMemory& memory)
 
 fxsim::Settings badLine(int baud, const char* faults, fxsim::EnquiryMode enquiry)
 {
-    const fxsim::ParsedFaults parsed = fxsim::parseFaults(QString::fromLatin1(faults));
-    if (!parsed.error.isEmpty())
-        throw std::invalid_argument(parsed.error.toStdString());
     fxsim::Settings settings;
     settings.timing.baud = baud;
-    settings.faults = parsed.plan;
+    settings.faults = planOf(faults);
     settings.enquiry = enquiry;
     return settings;
 }

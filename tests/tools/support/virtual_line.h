@@ -2,12 +2,15 @@
 // SPDX-License-Identifier: MIT
 //
 // A simulated PLC on a line whose time is simulated too: waiting costs nothing and every run is
-// the same to the microsecond. What goes wrong on it is set by the simulator's fault plan.
+// the same to the microsecond. What goes wrong on it is set by the simulator's fault plan, or later
+// by a new one; registers that the PLC is to refuse are taken out of its memory.
 
 #pragma once
 
 #include "tools/exchange/exchange_loop.h"
 #include "tools/fxsim/line/session.h"
+
+#include <QByteArrayList>
 
 namespace tool_tests {
 
@@ -17,14 +20,19 @@ public:
     explicit VirtualLine(const fxsim::Settings& settings);
 
     QString name() const override { return QStringLiteral("virtual"); }
-    void open() override {}
-    bool isOpen() const override { return true; }
+    void open() override;
+    bool isOpen() const override { return m_session.has_value(); }
     bool send(const QByteArray& bytes) override;
     QByteArray receive(int timeoutMs) override;
 
     fxsim::PlcMemory& memory() { return m_plc.memory(); }
     fxsim::Simulator& plc() { return m_plc; }
     qint64 nowUs() const { return m_nowUs; }
+    const QByteArrayList& sent() const { return m_sent; }  // by the host, a call each
+
+    void setFaults(const char* faults);              // its exchanges count from 1 again
+    void refuse(int firstAddress, int lastAddress);  // these bytes too, from now on
+    void refuseNothing();
 
     // Settings of a loop that lives in this time.
     fxtools::LoopSettings loopSettings() const;
@@ -32,7 +40,8 @@ public:
 private:
     qint64 m_nowUs = 0;
     fxsim::Simulator m_plc;
-    fxsim::Session m_session;
+    std::optional<fxsim::Session> m_session;
+    QByteArrayList m_sent;
 };
 
 // Fills the memory so that every 16-bit word names its own place, and tells what it holds.
