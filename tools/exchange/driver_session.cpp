@@ -58,9 +58,7 @@ DriverSession::DriverSession(const DriverLibrary& library, const SessionSettings
 {
     activeSession = this;
     m_library.setAddrValueChangeCallBack(&DriverSession::forwardCallback);
-    int status = 0;
-    m_library.initProperty(m_hostMemory.data(), 0, m_recipeWords.data(), &status,
-                           propertyString().toLatin1().constData(), &m_mutex);
+    forgetValues();
 }
 
 DriverSession::~DriverSession()
@@ -77,6 +75,13 @@ QString DriverSession::propertyString() const
         .arg(linkNumber)
         .arg(m_settings.failLimit)
         .arg(m_settings.wordsPerFrame);
+}
+
+void DriverSession::forgetValues()
+{
+    int status = 0;
+    m_library.initProperty(m_hostMemory.data(), 0, m_recipeWords.data(), &status,
+                           propertyString().toLatin1().constData(), &m_mutex);
 }
 
 int DriverSession::setPlan(const QVector<RegisterRange>& ranges)

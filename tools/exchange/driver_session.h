@@ -47,6 +47,9 @@ public:
     const SessionSettings& settings() const { return m_settings; }
     QString propertyString() const;
 
+    // Empties the plan, the queues and the cache.
+    void forgetValues();
+
     // Replaces the polling plan; the number of blocks.
     int setPlan(const QVector<RegisterRange>& ranges);
     void queueRead(const RegisterRange& range);

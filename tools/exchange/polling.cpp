@@ -29,12 +29,27 @@ bool isDead(const ExchangeLoop& loop, const Round& round)
 // The driver holds 513 writes at most and overwrites the last of them silently.
 constexpr int mostQueuedFrames = 256;
 
+// The registers that are handed to the driver at once. It cuts what is longer than a frame by
+// words and numbers the pieces by words, which is wrong for registers of two words each.
+int portionOf(const RegisterType& type, int wordsPerFrame)
+{
+    switch (type.width) {
+    case RegisterWidth::Bit:
+        return mostQueuedFrames;
+    case RegisterWidth::Word:
+        return mostQueuedFrames * wordsPerFrame;
+    case RegisterWidth::DoubleWord:
+        return type.mostInFrame(wordsPerFrame);
+    }
+    return 1;
+}
+
 int framesFor(const RegisterRange& range, int wordsPerFrame)
 {
     if (range.type.isBit())
         return range.count;
-    const int words = range.type.driverCount(range.count);
-    return (words + wordsPerFrame - 1) / wordsPerFrame;
+    const int most = range.type.mostInFrame(wordsPerFrame);
+    return (range.count + most - 1) / most;
 }
 
 // The registers of `whole` that one frame writes. Counters take two words each.
@@ -155,20 +170,29 @@ ReplyVerdict readOnce(ExchangeLoop& loop, const RegisterRange& range)
     return ReplyVerdict::Good;
 }
 
+ReplyVerdict readBack(ExchangeLoop& loop, const RegisterRange& range)
+{
+    loop.session().forgetValues();
+    loop.session().setPlan({range.part(0, 1)});
+    return readOnce(loop, range);
+}
+
 WriteOutcome writeRegisters(ExchangeLoop& loop, const RegisterRange& range,
                             const QVector<quint32>& values)
 {
     const int wordsPerFrame = loop.session().settings().wordsPerFrame;
-    const int portion = range.type.isBit() ? mostQueuedFrames : mostQueuedFrames * wordsPerFrame;
+    const int portion = portionOf(range.type, wordsPerFrame);
     WriteOutcome outcome;
+    outcome.frames = framesFor(range, wordsPerFrame);
+    int sent = 0;
     loop.session().setPlan({range.part(0, 1)});
     for (int done = 0; done < range.count && outcome.isGood(); done += portion) {
         const int count = std::min(portion, range.count - done);
         loop.session().write(range.part(done, count), values.mid(done, count));
         const int frames = framesFor(range.part(done, count), wordsPerFrame);
-        outcome.frames += frames;
+        sent += frames;
         noteWrites(flushWrites(loop, frames), range, outcome);
-        if (outcome.isGood() && outcome.acknowledged.size() < outcome.frames)
+        if (outcome.isGood() && outcome.acknowledged.size() < sent)
             outcome.problem = ReplyVerdict::LinkLost;
     }
     return outcome;

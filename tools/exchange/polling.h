@@ -38,10 +38,14 @@ Round flushWrites(ExchangeLoop& loop, int writes);
 // why not. Needs a plan as well. A read in several frames ends with the first that fails.
 ReplyVerdict readOnce(ExchangeLoop& loop, const RegisterRange& range);
 
+// The same for what was written: the driver forgets what it holds of it before, so that all values
+// are the PLC's. Replaces the plan by the range's first register; nothing may be under way.
+ReplyVerdict readBack(ExchangeLoop& loop, const RegisterRange& range);
+
 // What became of a write, frame by frame: one a bit, else as many as the words need.
 struct WriteOutcome
 {
-    int frames = 0;
+    int frames = 0;  // that the whole takes
     QVector<RegisterRange> acknowledged;
     QVector<RegisterRange> uncertain;     // sent without a clear answer: they may have arrived
     std::optional<ReplyVerdict> problem;  // of the first frame that failed, or was not sent

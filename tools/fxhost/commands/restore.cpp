@@ -72,7 +72,7 @@ std::optional<Failure> restoreRun(Connection& connection, const RegisterRun& run
     const WriteOutcome outcome = writeRegisters(connection.loop(), run.range, run.values);
     if (!outcome.isGood())
         return Failure{failureText(outcome), exitCodeOf(*outcome.problem)};
-    const ReplyVerdict verdict = readOnce(connection.loop(), run.range);
+    const ReplyVerdict verdict = readBack(connection.loop(), run.range);
     if (verdict != ReplyVerdict::Good)
         return Failure{"written, but not read back: " + reasonText(verdict), exitCodeOf(verdict)};
     different += namesOfDifferent(run, connection.session().values(run.range));

@@ -110,7 +110,7 @@ bool Writer::write(const Assignment& assignment)
 
 bool Writer::verify(const Assignment& assignment)
 {
-    const ReplyVerdict verdict = readOnce(m_connection.loop(), assignment.range);
+    const ReplyVerdict verdict = readBack(m_connection.loop(), assignment.range);
     if (verdict != ReplyVerdict::Good) {
         report(assignment, "acknowledged, but not read back: " +
                                (interrupted() ? "interrupted" : verdictText(verdict)));

@@ -1,0 +1,168 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// Writes of the host, judged by the PLC's own memory: until a write has ended the driver answers
+// with what was written, wherever it went.
+
+#include "tests/tools/support/bench.h"
+#include "tools/exchange/polling.h"
+
+#include <gtest/gtest.h>
+
+using namespace fxtools;
+using namespace tool_tests;
+
+namespace {
+
+// Where the registers of a type lie on the wire when they are written.
+struct WrittenType
+{
+    const char* first;
+    int address;
+    int valueBytes;
+    int registersPerFrame;
+};
+
+void PrintTo(const WrittenType& type, std::ostream* out)
+{
+    *out << type.first;
+}
+
+QVector<quint32> differentValues(int count, int valueBytes)
+{
+    QVector<quint32> values;
+    for (int index = 0; index < count; ++index) {
+        const quint32 value = 0x01020304U * static_cast<quint32>(index + 1);
+        values.append(valueBytes == 4 ? value : value & 0xFFFF);
+    }
+    return values;
+}
+
+QByteArray asBytes(const QVector<quint32>& values, int valueBytes)
+{
+    QByteArray bytes;
+    for (const quint32 value : values) {
+        for (int byte = 0; byte < valueBytes; ++byte)
+            bytes.append(static_cast<char>(value >> 8 * byte & 0xFF));
+    }
+    return bytes;
+}
+
+RegisterRange rangeOf(const char* first, int count)
+{
+    RegisterRange whole = range(first);
+    whole.count = count;
+    return whole;
+}
+
+}  // namespace
+
+class WordWrites : public testing::TestWithParam<WrittenType>
+{};
+
+INSTANTIATE_TEST_SUITE_P(Types, WordWrites,
+                         testing::Values(WrittenType{"D100", 0x10C8, 2, 32},
+                                         WrittenType{"TV3", 0x0806, 2, 32},
+                                         WrittenType{"CV5", 0x0A0A, 2, 32},
+                                         WrittenType{"SD8002", 0x0F04, 2, 32},
+                                         WrittenType{"32CV200", 0x0C00, 4, 16}));
+
+TEST_P(WordWrites, OfAnyNumberOfFramesChangeTheirRegistersAndNothingElse)
+{
+    const WrittenType& type = GetParam();
+    const int frame = type.registersPerFrame;
+    for (const int count : {1, frame - 1, frame, frame + 1, 2 * frame + 1, 56}) {
+        Bench bench;
+        fillWithOwnAddresses(bench.line.memory());
+        const QVector<quint32> values = differentValues(count, type.valueBytes);
+        QByteArray expected = bench.line.memory().image();
+        expected.replace(type.address, count * type.valueBytes, asBytes(values, type.valueBytes));
+
+        const WriteOutcome outcome = writeRegisters(bench.loop, rangeOf(type.first, count), values);
+
+        EXPECT_TRUE(outcome.isGood()) << count;
+        EXPECT_EQ(outcome.frames, (count + frame - 1) / frame) << count;
+        EXPECT_TRUE(bench.line.memory().image() == expected) << count;
+    }
+}
+
+// An odd limit and one below a counter's two words.
+TEST(CounterWrites, AreNeverCutWithinACounter)
+{
+    for (const int wordsPerFrame : {2, 3, 31, 33}) {
+        Bench bench(badLine(0, ""), SessionSettings{3, wordsPerFrame});
+        const QVector<quint32> values = differentValues(56, 4);
+        EXPECT_TRUE(writeRegisters(bench.loop, range("32CV200:56"), values).isGood());
+        EXPECT_EQ(bench.line.memory().read(addressOf32CV200, 56 * 4), asBytes(values, 4))
+            << wordsPerFrame;
+    }
+}
+
+// A host write to an input never leaves, and the driver answers with it from then on.
+TEST(ReadBack, IsThePlcsValueAndNotTheWrittenOne)
+{
+    Bench bench;
+    bench.session.write(range("X0"), {1});
+    ASSERT_EQ(bench.session.values(range("X0")), QVector<quint32>({1}));
+    EXPECT_EQ(readBack(bench.loop, range("X0")), ReplyVerdict::Good);
+    EXPECT_EQ(bench.session.values(range("X0")), QVector<quint32>({0}));
+}
+
+namespace {
+
+std::string texts(const QVector<RegisterRange>& ranges)
+{
+    QStringList all;
+    for (const RegisterRange& one : ranges)
+        all += one.text();
+    return all.join(' ').toStdString();
+}
+
+struct BrokenWrite
+{
+    const char* name;
+    const char* address;
+    const char* faults;
+    ReplyVerdict problem;
+    int frames;
+    const char* acknowledged;
+    const char* uncertain;
+};
+
+void PrintTo(const BrokenWrite& write, std::ostream* out)
+{
+    *out << write.name;
+}
+
+}  // namespace
+
+class BrokenWrites : public testing::TestWithParam<BrokenWrite>
+{};
+
+TEST_P(BrokenWrites, TellWhatArrivedAndWhatMayHave)
+{
+    Bench bench(badLine(0, GetParam().faults), SessionSettings{1, 32});
+    const RegisterRange whole = range(GetParam().address);
+    const QVector<quint32> values = differentValues(whole.count, whole.type.valueBytes());
+    const WriteOutcome outcome = writeRegisters(bench.loop, whole, values);
+    EXPECT_EQ(outcome.problem, GetParam().problem);
+    EXPECT_EQ(outcome.frames, GetParam().frames);
+    EXPECT_EQ(texts(outcome.acknowledged), GetParam().acknowledged);
+    EXPECT_EQ(texts(outcome.uncertain), GetParam().uncertain);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Faults, BrokenWrites,
+    testing::Values(BrokenWrite{"RefusedInTheMiddle", "D0:96", "nak@2", ReplyVerdict::Refused, 3,
+                                "D0:32 D64:32", ""},
+                    BrokenWrite{"UnansweredAtTheEnd", "D0:70", "silence@3", ReplyVerdict::Silence,
+                                3, "D0:32 D32:32", "D64:6"},
+                    BrokenWrite{"TheFirstProblemCounts", "D0:96", "nak@1,silence@2",
+                                ReplyVerdict::Refused, 3, "D64:32", "D32:32"},
+                    BrokenWrite{"LinkLost", "D0:96", "link-drop@2", ReplyVerdict::LinkLost, 3,
+                                "D0:32", "D32:32"},
+                    BrokenWrite{"CountersEndAtTheFirst", "32CV200:56", "silence@3",
+                                ReplyVerdict::Silence, 4, "32CV200:16 32CV216:16", "32CV232:16"},
+                    BrokenWrite{"Bits", "M8:3", "silence@2", ReplyVerdict::Silence, 3, "M8 M10",
+                                "M9"}),
+    [](const auto& row) { return row.param.name; });
