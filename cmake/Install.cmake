@@ -36,7 +36,7 @@ install(FILES ${PROJECT_BINARY_DIR}/mitsubishi_fx1s.pc
 
 # The documents keep their places to each other, so that the links between them work.
 install(FILES CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT dev)
-install(FILES docs/host-guide.md docs/entry-points.md docs/frames.md docs/compatibility.md
+install(FILES docs/host-guide.md docs/frames.md docs/compatibility.md
     DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT dev)
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT dev)
 

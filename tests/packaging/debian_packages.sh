@@ -46,7 +46,26 @@ expect_files "$runtime" <<END
 ./usr/share/doc/libmitsubishi-fx1s0/changelog.gz
 ./usr/share/doc/libmitsubishi-fx1s0/copyright
 END
-expect_files "$dev" <<END
+entry_points="SetDriverPropertyPage addConditionRead addrMerge checkAddr checkAddrValidity dealRcvFrame
+    getData getDriverParameter getDriverPropertyPage getProtocolType getRegDiscription getRegListByType
+    getSendFrame initProperty multiCopy setAddrValueChangeCallBack setData setRcpAddress"
+
+# The reference: a manual page and an HTML page for each entry point, chapters, records, indexes.
+reference_files() {
+    # shellcheck disable=SC2086  # names are words
+    {
+        printf './usr/share/man/man3/intf_%s.3.gz\n' $entry_points
+        printf "./usr/share/doc/libmitsubishi-fx1s-dev/reference/%s\n" \
+            $(printf 'group__intf__%s.html ' $entry_points) group__chapter{1..6}.html \
+            struct{FRAME__PRO,KEY__ADDRESS,VARIABLE,__DATA__,__RCP__VAR__PRO}.html \
+            {annotated,classes,files,functions{,_vars},globals{,_enum,_eval,_func,_type,_vars}}.html \
+            {index,intf_8h,modules,records_8h}.html {doxygen,tabs}.css doxygen.svg \
+            {bc_s,bdwn,closed,doc,folder{closed,open},nav_{f,g,h},open,splitbar}.png \
+            {sync_{off,on},tab_{a,b,h,s}}.png
+    }
+}
+
+{ [ "$FX_REFERENCE" -eq 0 ] || reference_files; cat; } <<END | expect_files "$dev"
 ./usr/$FX_LIBDIR/cmake/mitsubishi_fx1s/mitsubishi_fx1s-config-version.cmake
 ./usr/$FX_LIBDIR/cmake/mitsubishi_fx1s/mitsubishi_fx1s-config.cmake
 ./usr/$FX_LIBDIR/cmake/mitsubishi_fx1s/mitsubishi_fx1s-targets-$FX_BUILD_TYPE.cmake
@@ -59,7 +78,6 @@ expect_files "$dev" <<END
 ./usr/share/doc/libmitsubishi-fx1s-dev/changelog.gz
 ./usr/share/doc/libmitsubishi-fx1s-dev/copyright
 ./usr/share/doc/libmitsubishi-fx1s-dev/docs/compatibility.md
-./usr/share/doc/libmitsubishi-fx1s-dev/docs/entry-points.md
 ./usr/share/doc/libmitsubishi-fx1s-dev/docs/frames.md
 ./usr/share/doc/libmitsubishi-fx1s-dev/docs/host-guide.md
 ./usr/share/doc/libmitsubishi-fx1s-dev/examples/CMakeLists.txt
