@@ -93,9 +93,8 @@ void DriverLibrary::requireSameQt() const
     const QByteArray qtMajor = qtMajorOf(reinterpret_cast<QFunctionPointer>(getProtocolType));
     const QByteArray ownMajor = QByteArray::number(QT_VERSION_MAJOR);
     if (!qtMajor.isEmpty() && qtMajor != ownMajor)
-        throw LibraryError(m_library.fileName().toStdString() + " was built with Qt " +
-                           qtMajor.toStdString() + "; this program needs one built with Qt " +
-                           ownMajor.toStdString());
+        throw Failure(ExitCode::File, m_library.fileName() + " was built with Qt " + qtMajor +
+                                          "; this program needs one built with Qt " + ownMajor);
 }
 
 void DriverLibrary::resolveAll()
