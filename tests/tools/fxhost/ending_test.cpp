@@ -69,6 +69,18 @@ TEST_P(UnplannedEnd, AnInterruptedDumpIsResumed)
     EXPECT_EQ(contentOf(file).count('\n') - 1, before + 5);
 }
 
+TEST(InterruptedDemo, SaysHowFarItCame)
+{
+    RunningHost demo({"demo"});
+    ASSERT_TRUE(demo.hasPrinted());
+    demo.send(SIGINT);
+    const Ended ended = demo.end();
+    EXPECT_EQ(ended.code, 130);
+    EXPECT_TRUE(holds(ended.out, "Interrupted after ")) << ended.out;
+    EXPECT_TRUE(holds(ended.out, " of 13 checks.")) << ended.out;
+    EXPECT_FALSE(holds(ended.out, "came true")) << ended.out;
+}
+
 TEST_P(UnplannedEnd, AnInterruptNeedNotWaitForALongTimeout)
 {
     const RunningSimulator silent(GetParam(), {"--baud", "0", "--faults", "silence@2-"});

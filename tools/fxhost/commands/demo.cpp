@@ -71,7 +71,7 @@ ExitCode runDemo(const CommonOptions& common, const DemoOptions& options)
                              .arg(connection.library().fileName(), connection.link().name(),
                                   connection.session().propertyString()));
     showChapters(bench, options.live);
-    if (interrupted() && !options.live)
+    if (interrupted() && bench.judged() < bench.checks())
         return ExitCode::Interrupted;
     return bench.refuted() > 0 ? ExitCode::SomeFailed : ExitCode::Good;
 }

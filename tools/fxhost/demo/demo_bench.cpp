@@ -6,6 +6,7 @@
 #include "tools/fxhost/demo/demo_bench.h"
 
 #include "tools/library/addresses.h"
+#include "tools/link/interrupt.h"
 
 namespace fxtools {
 
@@ -74,6 +75,8 @@ bool DemoBench::linkIsGood() const
 
 void DemoBench::confirm(bool isSo, const QString& what)
 {
+    if (interrupted())
+        return;
     ++(isSo ? m_confirmed : m_refuted);
     m_console.line(
         QStringLiteral("  %1 %2").arg(isSo ? m_console.good("✔") : m_console.bad("✘"), what));

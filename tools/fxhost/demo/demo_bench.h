@@ -38,10 +38,13 @@ public:
     // The link is there and the PLC answered at least once, if it was asked.
     bool linkIsGood() const;
 
-    // One line with a mark in front; what is not so makes the demo fail.
+    // One line with a mark in front; what is not so makes the demo fail. What an interrupt cut
+    // short is not judged.
     void confirm(bool isSo, const QString& what);
     int confirmed() const { return m_confirmed; }
     int refuted() const { return m_refuted; }
+    int judged() const { return m_confirmed + m_refuted; }
+    int checks() const { return m_control ? 13 : 10; }  // of a whole run; the last three need it
 
     int valuesChanged = 0;  // callbacks so far
 

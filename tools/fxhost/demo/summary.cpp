@@ -5,6 +5,7 @@
 
 #include "tools/fxhost/demo/chapters.h"
 #include "tools/fxhost/views/statistics_report.h"
+#include "tools/link/interrupt.h"
 
 namespace fxtools {
 
@@ -14,7 +15,12 @@ void showSummary(DemoBench& bench)
     for (const QString& line : statisticsLines(bench.loop().statistics(), bench.loop().elapsedUs()))
         bench.console().line(line);
     bench.console().line();
-    if (bench.refuted() == 0) {
+    if (interrupted() && bench.judged() < bench.checks()) {
+        bench.console().line(
+            bench.console().bad(QStringLiteral("Interrupted after %1 of %2 checks.")
+                                    .arg(bench.judged())
+                                    .arg(bench.checks())));
+    } else if (bench.refuted() == 0) {
         bench.console().line(bench.console().good(
             QStringLiteral("All %1 checks came true: what was read back is what was written.")
                 .arg(bench.confirmed())));
@@ -22,7 +28,7 @@ void showSummary(DemoBench& bench)
         bench.console().line(
             bench.console().bad(QStringLiteral("%1 of %2 checks did not come true.")
                                     .arg(bench.refuted())
-                                    .arg(bench.refuted() + bench.confirmed())));
+                                    .arg(bench.judged())));
     }
 }
 
