@@ -1,13 +1,14 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// The smallest host that does everything once: sets the driver up, plans, exchanges frames over a
-// link of three functions, reads values and writes one. Run it against a PLC or the simulator:
-//   fxsim --link /tmp/plc        (in another window)
-//   minimal_host /tmp/plc
+// The smallest host that does everything once: it sets the driver up, plans, exchanges frames over
+// a serial port, reads values and writes one. Run it against a PLC or the simulator:
+//   fxsim --link "$HOME/plc"        (in another window)
+//   minimal_host "$HOME/plc"
 
-#include <mitsubishi_fx1s/intf.h>
+#include "plc_exchange.h"
 
+#include <QList>
 #include <QMutex>
 
 #include <cerrno>
@@ -21,66 +22,72 @@
 namespace {
 
 constexpr int station = 1;
-constexpr int replyTimeoutMs = 500;
 
-// ---- The link: three functions ----------------------------------------------------------------
+// ---- The link ---------------------------------------------------------------------------------
 
-int openLink(const char* device)
+class SerialPort : public PlcLink
 {
-    const int link = open(device, O_RDWR | O_NOCTTY | O_CLOEXEC);
+public:
+    explicit SerialPort(const char* device);
+    ~SerialPort() override;
+    SerialPort(const SerialPort&) = delete;
+    SerialPort& operator=(const SerialPort&) = delete;
+
+    bool isOpen() const { return m_isOpen; }
+    void send(const QByteArray& bytes) override;
+    QByteArray receive(int timeoutMs) override;
+
+private:
+    bool configure();
+
+    int m_port;
+    bool m_isOpen;
+};
+
+SerialPort::SerialPort(const char* device)
+    : m_port(open(device, O_RDWR | O_NOCTTY | O_CLOEXEC)), m_isOpen(m_port >= 0 && configure())
+{}
+
+SerialPort::~SerialPort()
+{
+    if (m_port >= 0)
+        close(m_port);
+}
+
+// The FX programming port: 9600 baud, 7 data bits, even parity, 1 stop bit.
+bool SerialPort::configure()
+{
     termios settings;
-    if (link < 0 || tcgetattr(link, &settings) != 0)
-        return -1;
+    if (tcgetattr(m_port, &settings) != 0)
+        return false;
     cfmakeraw(&settings);
     cfsetspeed(&settings, B9600);
-    if (tcsetattr(link, TCSAFLUSH, &settings) != 0)
-        return -1;
+    if (tcsetattr(m_port, TCSAFLUSH, &settings) != 0)
+        return false;
     settings.c_cflag &= ~static_cast<tcflag_t>(CSIZE | PARODD | CSTOPB);
-    settings.c_cflag |= CS7 | PARENB;  // the FX programming port: 7 data bits, even parity
-    const bool isSet = tcsetattr(link, TCSAFLUSH, &settings) == 0;
-    return isSet || errno == EINVAL ? link : -1;  // a pseudo-terminal has no parity, and says so
+    settings.c_cflag |= CS7 | PARENB;
+    // A pseudo-terminal has no parity and answers with EINVAL.
+    return tcsetattr(m_port, TCSAFLUSH, &settings) == 0 || errno == EINVAL;
 }
 
-void sendBytes(int link, const unsigned char* bytes, int length)
+void SerialPort::send(const QByteArray& bytes)
 {
-    for (ssize_t sent = 1; length > 0 && sent > 0; bytes += sent, length -= static_cast<int>(sent))
-        sent = write(link, bytes, static_cast<std::size_t>(length));
+    const char* next = bytes.constData();
+    for (ssize_t left = bytes.size(), sent = 1; left > 0 && sent > 0; next += sent, left -= sent)
+        sent = write(m_port, next, static_cast<std::size_t>(left));
 }
 
-// The whole reply, or nothing when the time was up or the PLC refused.
-QByteArray receiveBytes(int link, int length)
+QByteArray SerialPort::receive(int timeoutMs)
 {
-    QByteArray reply;
-    pollfd readable = {link, POLLIN, 0};
-    while (reply.size() < length && poll(&readable, 1, replyTimeoutMs) > 0) {
-        char bytes[1024];
-        const ssize_t received = read(link, bytes, sizeof bytes);
-        if (received <= 0)
-            break;
-        reply.append(bytes, static_cast<int>(received));
-        if (reply.size() == 1 && reply[0] != '\x02')
-            break;  // ACK or NAK: the PLC says no more
-    }
-    return reply.size() == length ? reply : QByteArray();
+    pollfd readable = {m_port, POLLIN, 0};
+    if (poll(&readable, 1, timeoutMs) <= 0)
+        return QByteArray();
+    char bytes[1024];
+    const ssize_t received = read(m_port, bytes, sizeof bytes);
+    return received > 0 ? QByteArray(bytes, static_cast<int>(received)) : QByteArray();
 }
 
 // ---- The host ---------------------------------------------------------------------------------
-
-// One exchange; false when the driver has nothing to send.
-bool exchange(int link)
-{
-    FRAME_PRO frame;
-    if (intf_getSendFrame(&frame) == 0)
-        return false;
-    tcflush(link, TCIFLUSH);  // what comes late answers an earlier frame
-    sendBytes(link, frame.frame, frame.frameLength);
-    QByteArray reply = receiveBytes(link, frame.replyLength);
-    QString errorText;
-    const int result = intf_dealRcvFrame(reply, errorText);
-    if (result != 1)
-        std::printf("%s: %s\n", result == 8 ? "again" : "failed", qPrintable(errorText));
-    return true;
-}
 
 KEY_ADDRESS monitored(const char* registerType, int startIndex, int length)
 {
@@ -113,17 +120,17 @@ int main(int argumentCount, char** arguments)
         std::fprintf(stderr, "usage: minimal_host DEVICE\n");
         return 2;
     }
-    const int link = openLink(arguments[1]);
-    if (link < 0) {
+    SerialPort port(arguments[1]);
+    if (!port.isOpen()) {
         std::perror(arguments[1]);
         return 3;
     }
 
-    std::vector<unsigned char> hostMemory(60117, 0);  // holds the two recipe request bytes
+    std::vector<unsigned char> hostMemory(fxHostMemoryBytes, 0);
     QMutex hostMutex;
     int status = 0;
     intf_setAddrValueChangeCallBack(valueChanged);
-    // Link 1, writes go to the PLC, 3 rejections end an exchange, 32 words in one frame.
+    // Link 1, writes go to the PLC, 3 rejections in a row end an exchange, 32 words in one frame.
     intf_initProperty(hostMemory.data(), 0, nullptr, &status, "1#0#0#3#32", &hostMutex);
 
     QList<KEY_ADDRESS> keys;
@@ -131,12 +138,17 @@ int main(int argumentCount, char** arguments)
     const int blocks = intf_addrMerge(keys);
     std::printf("the plan has %d blocks\n", blocks);
 
-    unsigned char value[2] = {0x39, 0x05};  // 1337, low byte first
+    const unsigned short wanted = 1337;
+    unsigned char value[2] = {wanted & 0xFF, wanted >> 8};  // low byte first
     intf_setData(station, "D", 100, 1, value, 0);
-    for (int i = 0; i < 3 * (blocks + 1); ++i)
-        exchange(link);
+    PlcExchange plc(port);
+    for (int i = 0; i < 3 * (blocks + 1); ++i) {
+        const int result = plc.run();
+        if (result == fxSendAgain || result == fxExchangeFailed)
+            std::printf("%s: %s\n", result == fxSendAgain ? "rejected" : "failed",
+                        qPrintable(plc.errorText));
+    }
 
     std::printf("D0 = %d, D100 = %d, TV0 = %d\n", word("D", 0), word("D", 100), word("TV", 0));
-    close(link);
-    return word("D", 100) == 1337 ? 0 : 1;
+    return word("D", 100) == wanted ? 0 : 1;
 }

@@ -83,6 +83,7 @@ reference_files() {
 ./usr/share/doc/libmitsubishi-fx1s-dev/examples/CMakeLists.txt
 ./usr/share/doc/libmitsubishi-fx1s-dev/examples/editor_services/editor_services.cpp
 ./usr/share/doc/libmitsubishi-fx1s-dev/examples/minimal_host/minimal_host.cpp
+./usr/share/doc/libmitsubishi-fx1s-dev/examples/minimal_host/plc_exchange.h
 ./usr/share/doc/libmitsubishi-fx1s-dev/examples/recipes/recipes.cpp
 END
 ! has_tools || expect_files "$tools" <<END

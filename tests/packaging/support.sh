@@ -36,9 +36,9 @@ quietly() {
     "$@" >"$work/output" 2>&1 || { cat "$work/output" >&2; fail "$*"; }
 }
 
-# start_simulator PROGRAM: a PLC at $work/plc, ready when this returns.
+# start_simulator PROGRAM: a PLC at $work/plc that wants an ENQ first, ready when this returns.
 start_simulator() {
-    coproc FXSIM { exec "$1" --link "$work/plc" --baud 0 --no-commands; }
+    coproc FXSIM { exec "$1" --link "$work/plc" --baud 0 --enq needed --no-commands; }
     simulator=$FXSIM_PID
     local line
     IFS= read -t 20 -r line <&"${FXSIM[0]}" || fail "$1 did not start"
