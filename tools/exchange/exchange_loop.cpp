@@ -179,7 +179,7 @@ bool ExchangeLoop::enquire()
     const bool answered = late.contains(ack);
     throwAway(late.replace(QByteArray(1, ack), QByteArray()));
     m_statistics.enquiriesAnswered += answered;
-    m_enquiriesUnanswered = answered ? 0 : m_enquiriesUnanswered + 1;
+    m_enquiriesUnanswered += !answered;
     m_enquiryWasAnswered |= answered;
     return answered;
 }

@@ -77,7 +77,7 @@ private:
     Statistics m_statistics;
     bool m_repeating = false;  // the driver will give the same frame again
     ExchangeKind m_kind = ExchangeKind::CyclicRead;
-    int m_enquiriesUnanswered = 0;  // in a row
+    int m_enquiriesUnanswered = 0;
     bool m_enquiryWasAnswered = false;
 };
 

@@ -3,6 +3,7 @@
 //
 // What came back, judged from the outside: reads and writes, byte by byte.
 
+#include "tests/tools/support/wire.h"
 #include "tools/exchange/reply_verdict.h"
 
 #include <gtest/gtest.h>
@@ -10,6 +11,7 @@
 #include <algorithm>
 
 using namespace fxtools;
+using namespace tool_tests;
 
 namespace {
 
@@ -23,12 +25,8 @@ FRAME_PRO frameOf(const QByteArray& bytes, int replyLength, bool isRead)
     return frame;
 }
 
-const QByteArray readRequest("\x02"
-                             "0100002\x03"
-                             "57");
-const QByteArray writeRequest("\x02"
-                              "11000021234\x03"
-                              "22");
+const QByteArray readRequest = wire("␂0100002␃57");
+const QByteArray writeRequest = wire("␂11000021234␃22");
 
 struct Reply
 {
@@ -42,70 +40,27 @@ TEST(Verdicts, OfAReadNameWhatCame)
 {
     const FRAME_PRO read = frameOf(readRequest, 8, true);
     const Reply replies[] = {
-        {"\x02"
-         "1234\x03"
-         "CD",
-         ReplyVerdict::Good},
+        {wire("␂1234␃CD"), ReplyVerdict::Good},
         {"", ReplyVerdict::Silence},
-        {"\x15", ReplyVerdict::Refused},
-        {"\x15"
-         "1234\x03"
-         "CD",
-         ReplyVerdict::Refused},
-        {"\x02"
-         "12",
-         ReplyVerdict::Incomplete},
-        {"\x06", ReplyVerdict::Incomplete},
-        {"\x02"
-         "1234\x03"
-         "C",
-         ReplyVerdict::Incomplete},
-        {"\x02"
-         "1234\x03"
-         "CD\x02",
-         ReplyVerdict::TooLong},
-        {"\x02"
-         "1234\x03"
-         "CD"
-         "\x02"
-         "1234\x03"
-         "CD",
-         ReplyVerdict::TooLong},
-        {"\x02"
-         "1234\x03"
-         "DD",
-         ReplyVerdict::WrongSum},
-        {"\x02"
-         "1234\x03"
-         "CE",
-         ReplyVerdict::WrongSum},
-        {"\x02"
-         "1235\x03"
-         "CD",
-         ReplyVerdict::WrongSum},
-        {"\x02"
-         "1234\x03"
-         "cd",
-         ReplyVerdict::WrongSum},
-        {"?1234\x03"
-         "CD",
-         ReplyVerdict::NotAFrame},
-        {"\x02"
-         "12345CD",
-         ReplyVerdict::NotAFrame},
-        {"\x82"
-         "1234\x03"
-         "CD",
+        {wire("␕"), ReplyVerdict::Refused},
+        {wire("␕␂1234␃CD"), ReplyVerdict::Refused},
+        {wire("␂12"), ReplyVerdict::Incomplete},
+        {wire("␆"), ReplyVerdict::Incomplete},
+        {wire("␂1234␃C"), ReplyVerdict::Incomplete},
+        {wire("␂1234␃CD␂"), ReplyVerdict::TooLong},
+        {wire("␂1234␃CD␂1234␃CD"), ReplyVerdict::TooLong},
+        {wire("␂1234␃DD"), ReplyVerdict::WrongSum},
+        {wire("␂1234␃CE"), ReplyVerdict::WrongSum},
+        {wire("␂1235␃CD"), ReplyVerdict::WrongSum},
+        {wire("␂1234␃cd"), ReplyVerdict::WrongSum},
+        {wire("?1234␃CD"), ReplyVerdict::NotAFrame},
+        {wire("␂12345CD"), ReplyVerdict::NotAFrame},
+        {wire("\x82"
+              "1234␃CD"),
          ReplyVerdict::HighBits},
-        {"\x02"
-         "1234\x03"
-         "C\xC4",
-         ReplyVerdict::HighBits},
+        {wire("␂1234␃C\xC4"), ReplyVerdict::HighBits},
         {readRequest, ReplyVerdict::Echo},
-        {readRequest + "\x02"
-                       "1234\x03"
-                       "CD",
-         ReplyVerdict::Echo},
+        {readRequest + wire("␂1234␃CD"), ReplyVerdict::Echo},
     };
     for (const Reply& reply : replies)
         EXPECT_EQ(judgeReply(read, reply.bytes), reply.verdict) << reply.bytes.toStdString();
@@ -115,9 +70,9 @@ TEST(Verdicts, OfAWriteNameWhatCame)
 {
     const FRAME_PRO write = frameOf(writeRequest, 1, false);
     const Reply replies[] = {
-        {"\x06", ReplyVerdict::Good},        {"", ReplyVerdict::Silence},
-        {"\x15", ReplyVerdict::Refused},     {"\x02", ReplyVerdict::NotAFrame},
-        {"\x06\x06", ReplyVerdict::TooLong}, {"\x86", ReplyVerdict::HighBits},
+        {wire("␆"), ReplyVerdict::Good},     {"", ReplyVerdict::Silence},
+        {wire("␕"), ReplyVerdict::Refused},  {wire("␂"), ReplyVerdict::NotAFrame},
+        {wire("␆␆"), ReplyVerdict::TooLong}, {"\x86", ReplyVerdict::HighBits},
         {writeRequest, ReplyVerdict::Echo},
     };
     for (const Reply& reply : replies)
@@ -127,13 +82,9 @@ TEST(Verdicts, OfAWriteNameWhatCame)
 // A reply that is no frame at all must not be looked at behind its end.
 TEST(Verdicts, OfAReadTooShortForAFrameIsNone)
 {
-    EXPECT_EQ(judgeReply(frameOf(readRequest, 1, true), "\x02"), ReplyVerdict::NotAFrame);
-    EXPECT_EQ(judgeReply(frameOf(readRequest, 3, true), "\x03"
-                                                        "03"),
-              ReplyVerdict::NotAFrame);
-    EXPECT_EQ(judgeReply(frameOf(readRequest, 4, true), "\x02\x03"
-                                                        "03"),
-              ReplyVerdict::Good);
+    EXPECT_EQ(judgeReply(frameOf(readRequest, 1, true), wire("␂")), ReplyVerdict::NotAFrame);
+    EXPECT_EQ(judgeReply(frameOf(readRequest, 3, true), wire("␃03")), ReplyVerdict::NotAFrame);
+    EXPECT_EQ(judgeReply(frameOf(readRequest, 4, true), wire("␂␃03")), ReplyVerdict::Good);
 }
 
 TEST(Verdicts, EachHaveAWordAndAText)

@@ -1,0 +1,358 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// What the loop does with the line between two frames: when it waits for quiet, when it asks with
+// ENQ, and what it throws away so that nothing of it stands for the answer to the next frame.
+
+#include "tests/tools/support/bench.h"
+#include "tests/tools/support/wire.h"
+
+#include <gtest/gtest.h>
+
+using namespace fxtools;
+using namespace tool_tests;
+
+namespace {
+
+// Every block is read, one after the other, and the values name their registers.
+class Loop : public testing::Test
+{
+protected:
+    void start(const fxsim::Settings& settings, const SessionSettings& sessionSettings = {})
+    {
+        bench.emplace(settings, sessionSettings);
+        fillWithOwnAddresses(bench->line.memory());
+        bench->session.setPlan({range("D0:4"), range("D100:4")});
+    }
+
+    Exchange step() { return bench->loop.step().value(); }
+
+    // Steps until `goodOnes` answers were accepted; what was wrong with the others, in their order.
+    QStringList verdictsUntil(int goodOnes)
+    {
+        QStringList verdicts;
+        for (int good = 0; good < goodOnes;) {
+            const Exchange exchange = step();
+            if (exchange.answer == DriverAnswer::Accepted)
+                ++good;
+            else
+                verdicts += verdictName(exchange.verdict);
+        }
+        return verdicts;
+    }
+
+    void expectRightValues()
+    {
+        for (const int first : {0, 100}) {
+            RegisterRange block = range("D0:4");
+            block.first = first;
+            const QVector<quint32> values = bench->session.values(block);
+            for (int index = 0; index < values.size(); ++index)
+                EXPECT_EQ(values[index], wordNaming(addressOfD(first + index))) << first + index;
+        }
+    }
+
+    int enquiries() { return bench->line.sent().count(QByteArray(1, enq)); }
+
+    std::optional<Bench> bench;
+};
+
+}  // namespace
+
+TEST_F(Loop, HasNothingToDoWithoutAPlan)
+{
+    Bench idle;
+    EXPECT_FALSE(idle.loop.step());
+    EXPECT_TRUE(idle.line.sent().isEmpty());
+    EXPECT_EQ(idle.loop.statistics().total().sent, 0);
+}
+
+TEST_F(Loop, SendsAFrameAndHandsItsAnswerOver)
+{
+    start(badLine(9600, ""));
+    int calls = 0;
+    bench->loop.onExchange = [&calls](const Exchange&) { ++calls; };
+    Exchange exchange = step();
+    EXPECT_EQ(bench->line.sent(), QByteArrayList({wire("␂0100008␃5C")}));
+    EXPECT_EQ(exchange.kind, ExchangeKind::CyclicRead);
+    EXPECT_EQ(exchange.verdict, ReplyVerdict::Good);
+    EXPECT_EQ(exchange.answer, DriverAnswer::Accepted);
+    EXPECT_EQ(exchange.reply, exchange.handed);
+    EXPECT_EQ(exchange.thrownAway, "");
+    // 11 characters to the PLC and 20 back, of 10 bits each.
+    EXPECT_EQ(exchange.responseUs, (11 + 20) * 1041);
+    exchange = step();
+    EXPECT_EQ(exchange.startedUs, (11 + 20) * 1041 + 4000);  // behind a moment of quiet
+    EXPECT_EQ(bench->loop.statistics().busyUs, 2 * exchange.responseUs);
+    EXPECT_EQ(calls, 2);
+}
+
+TEST_F(Loop, AsksWithEnqAfterEverySilence)
+{
+    start(badLine(0, "silence@2+4-8"), SessionSettings{20, 32});
+    EXPECT_EQ(verdictsUntil(4).join(' '), "silence silence silence silence silence silence");
+    EXPECT_EQ(enquiries(), 6);
+    EXPECT_EQ(bench->loop.statistics().enquiriesSent, 6);
+    EXPECT_EQ(bench->loop.statistics().enquiriesAnswered, 6);
+    // Each silence is followed by its ENQ before the frame goes out again.
+    const QByteArrayList& sent = bench->line.sent();
+    for (int index = 1; index < sent.size(); ++index)
+        EXPECT_FALSE(sent[index] == sent[index - 1]) << index;
+}
+
+TEST_F(Loop, GivesEnqUpWhereItWasNeverAnswered)
+{
+    start(badLine(0, "silence@1-2+4-7", fxsim::EnquiryMode::Ignored), SessionSettings{20, 32});
+    verdictsUntil(2);
+    EXPECT_EQ(enquiries(), 3);
+    EXPECT_EQ(bench->loop.statistics().enquiriesAnswered, 0);
+}
+
+TEST_F(Loop, AsksOnWhereEnqWasAnsweredOnce)
+{
+    start(badLine(0, "power-cycle:60000@2"), SessionSettings{20, 32});
+    EXPECT_TRUE(bench->loop.resynchronise());
+    verdictsUntil(1);
+    for (int silence = 0; silence < 5; ++silence)
+        EXPECT_EQ(step().verdict, ReplyVerdict::Silence);
+    EXPECT_EQ(enquiries(), 1 + 5);
+    EXPECT_EQ(bench->loop.statistics().enquiriesAnswered, 1);
+}
+
+// The answer to a frame given up comes before the ACK, or behind it where ENQ is not answered in
+// its turn: either way it is gone before the next frame.
+TEST_F(Loop, ThrowsALateAnswerAway)
+{
+    start(badLine(0, "delay:1200@1"), SessionSettings{20, 32});
+    const Exchange late = step();
+    EXPECT_EQ(late.verdict, ReplyVerdict::Late);
+    EXPECT_EQ(late.handed, "");
+    EXPECT_EQ(late.thrownAway.size(), 20);
+    EXPECT_EQ(verdictsUntil(2).join(' '), "");
+    expectRightValues();
+}
+
+TEST_F(Loop, ThrowsAnAnswerAwayThatComesAfterEnq)
+{
+    struct Row
+    {
+        const char* faults;
+        fxsim::EnquiryMode mode;
+    };
+    // The time-out is 1 s here: ENQ goes out after 1.25 s, and is given up after 2.25 s.
+    for (const Row& row : {Row{"delay:1600@1", fxsim::EnquiryMode::Optional},
+                           Row{"delay:1600@1", fxsim::EnquiryMode::Ignored},
+                           Row{"delay:3200@1", fxsim::EnquiryMode::Ignored}}) {
+        start(badLine(0, row.faults, row.mode), SessionSettings{20, 32});
+        EXPECT_EQ(step().verdict, ReplyVerdict::Silence);
+        EXPECT_EQ(bench->loop.statistics().bytesThrownAway, 20);
+        EXPECT_EQ(verdictsUntil(2).join(' '), "");
+        expectRightValues();
+    }
+}
+
+// Right behind a good answer, within the moment that the line must be quiet before a frame.
+TEST_F(Loop, ThrowsADuplicateAwayThatComesLate)
+{
+    start(badLine(9600, "duplicate:2@1-"), SessionSettings{20, 32});
+    EXPECT_EQ(verdictsUntil(20).join(' '), "");
+    expectRightValues();
+    EXPECT_EQ(bench->loop.statistics().bytesThrownAway, 19 * 20);
+    EXPECT_EQ(bench->loop.statistics().bytesReceived, (20 + 19) * 20);
+}
+
+// Four usual response times of 32 ms.
+TEST_F(Loop, ListensForLongAfterADamagedAnswer)
+{
+    start(badLine(9600, "wrong-sum@2,duplicate:120@2"), SessionSettings{20, 32});
+    verdictsUntil(1);
+    EXPECT_EQ(step().thrownAway.size(), 20);
+    EXPECT_EQ(verdictsUntil(2).join(' '), "");
+    expectRightValues();
+}
+
+TEST_F(Loop, WaitsLongerAfterASilence)
+{
+    start(badLine(0, "silence@2+3"), SessionSettings{20, 32});
+    verdictsUntil(1);
+    EXPECT_EQ(bench->loop.timeout().milliseconds(), 50);
+    step();
+    EXPECT_EQ(bench->loop.timeout().milliseconds(), 100);
+    step();
+    EXPECT_EQ(bench->loop.timeout().milliseconds(), 200);
+    verdictsUntil(1);
+    EXPECT_EQ(bench->loop.timeout().milliseconds(), 50);
+}
+
+TEST_F(Loop, NeedsNoWaitAfterAPlainNak)
+{
+    start(badLine(9600, "nak@2"), SessionSettings{20, 32});
+    verdictsUntil(1);
+    const qint64 beforeUs = bench->line.nowUs();
+    const Exchange refused = step();
+    EXPECT_EQ(refused.verdict, ReplyVerdict::Refused);
+    EXPECT_EQ(refused.handed, wire("␕"));
+    EXPECT_EQ(enquiries(), 0);
+    // The moment of quiet before it, eleven characters there and one back.
+    EXPECT_EQ(bench->line.nowUs() - beforeUs, 4000 + (11 + 1) * 1041);
+}
+
+TEST_F(Loop, DrainsTheLineAfterNakAndMoreBytes)
+{
+    start(badLine(0, "nak@1,junk-after:100@1,slices:20@1"), SessionSettings{20, 32});
+    const Exchange refused = step();
+    EXPECT_EQ(refused.verdict, ReplyVerdict::Refused);
+    EXPECT_EQ(refused.handed, QByteArray(32, nak));
+    EXPECT_EQ(refused.reply.size() + refused.thrownAway.size(), 101);
+    EXPECT_EQ(verdictsUntil(2).join(' '), "");
+    expectRightValues();
+    EXPECT_EQ(enquiries(), 0);
+}
+
+namespace {
+
+struct Damage
+{
+    const char* faults;  // of the first exchange
+    ReplyVerdict verdict;
+    int handedBytes;  // of NAK where the answer was not as long as it should be
+    int enquiries;
+};
+
+}  // namespace
+
+TEST_F(Loop, HandsNothingOverThatIsNotAsLongAsTheAnswer)
+{
+    const Damage damages[] = {
+        {"truncated:7@1", ReplyVerdict::Incomplete, 7, 1},
+        {"truncated:1@1", ReplyVerdict::Incomplete, 1, 1},
+        {"junk-after:3@1", ReplyVerdict::HighBits, 23, 0},
+        {"duplicate@1", ReplyVerdict::TooLong, 40, 0},
+        {"echo@1", ReplyVerdict::Echo, 31, 0},
+        {"silence@1", ReplyVerdict::Silence, 0, 1},
+    };
+    for (const Damage& damage : damages) {
+        start(badLine(0, damage.faults), SessionSettings{20, 32});
+        const Exchange exchange = step();
+        EXPECT_EQ(exchange.verdict, damage.verdict) << damage.faults;
+        EXPECT_EQ(exchange.answer, DriverAnswer::Repeat) << damage.faults;
+        EXPECT_EQ(exchange.handed.size(), damage.handedBytes) << damage.faults;
+        EXPECT_EQ(enquiries(), damage.enquiries) << damage.faults;
+        EXPECT_EQ(verdictsUntil(2).join(' '), "") << damage.faults;
+        expectRightValues();
+    }
+}
+
+TEST_F(Loop, HandsADamagedAnswerOverAsItCame)
+{
+    start(badLine(0, "wrong-sum@1"));
+    const Exchange damaged = step();
+    EXPECT_EQ(damaged.verdict, ReplyVerdict::WrongSum);
+    EXPECT_EQ(damaged.handed, damaged.reply);
+    EXPECT_EQ(damaged.answer, DriverAnswer::Repeat);
+}
+
+// A USB adapter hands an answer over in slices, with pauses shorter than those between answers.
+TEST_F(Loop, WaitsBetweenSlicesOnly)
+{
+    start(badLine(0, "slices:90@1"));
+    bench->session.setPlan({range("D0:32")});
+    EXPECT_EQ(step().verdict, ReplyVerdict::Good);
+    start(badLine(0, "slices:110@1"));
+    bench->session.setPlan({range("D0:32")});
+    EXPECT_EQ(step().verdict, ReplyVerdict::Late);
+}
+
+TEST_F(Loop, WaitsBetweenSlicesNoLongerThanForAnAnswer)
+{
+    start(badLine(0, "slices:90@1"));
+    bench->session.setPlan({range("D0:32")});
+    LoopSettings settings = bench->line.loopSettings();
+    settings.timeout = TimeoutLimits::fixed(50);
+    ExchangeLoop impatient(bench->session, bench->line, settings);
+    EXPECT_EQ(impatient.step()->verdict, ReplyVerdict::Late);
+}
+
+namespace {
+
+// Something on the line sends all the time.
+class BabblingLine : public Link
+{
+public:
+    QString name() const override { return QStringLiteral("babble"); }
+    void open() override {}
+    bool isOpen() const override { return true; }
+    bool send(const QByteArray&) override { return true; }
+    QByteArray receive(int) override { return QByteArray(100, '7'); }
+};
+
+}  // namespace
+
+TEST_F(Loop, EndsEvenWhereTheLineIsNeverQuiet)
+{
+    start(badLine(0, ""));
+    BabblingLine babble;
+    ExchangeLoop loop(bench->session, babble, bench->line.loopSettings());
+    EXPECT_EQ(loop.step()->verdict, ReplyVerdict::TooLong);
+}
+
+TEST_F(Loop, KeepsAFrameThatALostLinkTook)
+{
+    start(badLine(0, "link-drop@2"));
+    verdictsUntil(1);
+    const Exchange lost = step();
+    EXPECT_EQ(lost.verdict, ReplyVerdict::LinkLost);
+    EXPECT_EQ(lost.answer, DriverAnswer::NoFrame);
+    EXPECT_FALSE(lost.hasEnded());
+    EXPECT_EQ(step().verdict, ReplyVerdict::LinkLost);  // still away
+    EXPECT_EQ(bench->loop.statistics().linksLost, 2);
+    bench->line.open();
+    const Exchange again = step();
+    EXPECT_EQ(again.answer, DriverAnswer::Accepted);
+    EXPECT_EQ(requestBytes(again.frame), requestBytes(lost.frame));
+}
+
+TEST_F(Loop, KnowsTheKindOfAFrame)
+{
+    start(badLine(0, ""));
+    bench->session.write(range("D9"), {1});
+    EXPECT_EQ(step().kind, ExchangeKind::Write);
+    bench->session.queueRead(range("D20:2"));
+    EXPECT_EQ(step().kind, ExchangeKind::ConditionalRead);
+    EXPECT_EQ(step().kind, ExchangeKind::CyclicRead);
+    bench->session.startRecipe(RecipeDirection::Upload, {range("D30:2")});
+    EXPECT_EQ(step().kind, ExchangeKind::RecipeUpload);
+    bench->session.startRecipe(RecipeDirection::Upload, {range("D30:2")});
+    bench->session.startRecipe(RecipeDirection::Download, {range("D30:2")});
+    EXPECT_EQ(step().kind, ExchangeKind::RecipeDownload);
+    EXPECT_EQ(step().kind, ExchangeKind::RecipeUpload);
+}
+
+TEST_F(Loop, KnowsTheKindOfARepeatedFrameFromItsFirstTime)
+{
+    start(badLine(0, "wrong-sum@1,link-drop@3"));
+    EXPECT_EQ(step().kind, ExchangeKind::CyclicRead);
+    bench->session.startRecipe(RecipeDirection::Download, {range("D30:2")});
+    EXPECT_EQ(step().kind, ExchangeKind::CyclicRead);
+    EXPECT_EQ(step().kind, ExchangeKind::RecipeDownload);
+    bench->line.open();
+    EXPECT_EQ(step().kind, ExchangeKind::RecipeDownload);
+    bench->session.write(range("D9"), {1});
+    bench->line.setFaults("link-drop@1");
+    EXPECT_EQ(step().verdict, ReplyVerdict::LinkLost);
+    bench->session.startRecipe(RecipeDirection::Upload, {range("D30:2")});
+    bench->line.open();
+    EXPECT_EQ(step().kind, ExchangeKind::Write);
+}
+
+TEST_F(Loop, CountsItsFailures)
+{
+    start(badLine(0, "wrong-sum@2-4"), SessionSettings{3, 32});
+    for (int exchange = 0; exchange < 5; ++exchange)
+        step();
+    const KindCounts& reads = bench->loop.statistics().of(ExchangeKind::CyclicRead);
+    EXPECT_EQ(reads.sent, 5);
+    EXPECT_EQ(reads.accepted, 2);
+    EXPECT_EQ(reads.repeated, 2);
+    EXPECT_EQ(reads.failed, 1);
+}
