@@ -117,13 +117,11 @@ int main(int argc, char** argv)
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? 0 : 2;
     }
-    const fxsim::ParsedFaults faults = fxsim::parseFaults(QString::fromStdString(options.faults));
-    if (!faults.error.isEmpty()) {
-        std::fprintf(stderr, "soak: %s\n", qPrintable(faults.error));
-        return 2;
-    }
     try {
-        return run(options, faults.plan);
+        return run(options, fxsim::parseFaults(QString::fromStdString(options.faults)));
+    } catch (const fxsim::Error& error) {
+        std::fprintf(stderr, "soak: %s\n", error.what());
+        return 2;
     } catch (const fxtools::Failure& error) {
         std::fprintf(stderr, "soak: %s\n", error.what());
         return 3;

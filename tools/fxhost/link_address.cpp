@@ -101,10 +101,11 @@ std::unique_ptr<Link> makeSim(const QString& text, const QString& rest)
     allowSettings(text, query, {"baud", "faults"});
     fxsim::Settings settings;
     settings.timing.baud = baudOf(text, query, settings.timing.baud);
-    const fxsim::ParsedFaults faults = fxsim::parseFaults(query.queryItemValue("faults"));
-    if (!faults.error.isEmpty())
-        reject(text, faults.error);
-    settings.faults = faults.plan;
+    try {
+        settings.faults = fxsim::parseFaults(query.queryItemValue("faults"));
+    } catch (const fxsim::Error& error) {
+        reject(text, error.text());
+    }
     return std::make_unique<SimLink>(settings);
 }
 

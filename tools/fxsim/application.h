@@ -1,8 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// fxsim as a running program: the simulator, its links, its controls and its trace, held together
-// from the first line on standard output ("fxsim: ready on ...") to a clean end. main() makes one
+// fxsim as a running program: the simulator with its links, controls and trace. main() makes one
 // and runs the event loop.
 
 #pragma once
@@ -20,6 +19,8 @@
 
 namespace fxsim {
 
+ExitCode complain(const Error& error);  // prints it; returns its exit code
+
 class Application : public QObject
 {
     Q_OBJECT
@@ -27,18 +28,21 @@ class Application : public QObject
 public:
     explicit Application(const Options& options);
 
-    int start();   // an ExitCode; on anything but exitGood the reason was printed
-    int finish();  // the same, after the event loop ended
+    void start();       // throws an Error; prints "fxsim: ready on ..." when all is open
+    ExitCode finish();  // after the event loop ended; prints what could not be written
 
 private:
-    int prepareMemory();
-    int prepareProgram();
-    int prepareTrace();
-    int openLinks();
-    int openControls();
+    void prepareProgram();
+    void prepareMemory();
+    void prepareTrace();
+    void openControls();
+    void openLinks();
     void addLink(std::unique_ptr<Link> link);
     void dropLinks(int forMs);
     void sayReady() const;
+    void printStatistics();
+    void endTrace();
+    void saveMemory();
 
     Options m_options;
     Clock m_clock;

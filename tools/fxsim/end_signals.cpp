@@ -1,12 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// See end_signals.h. A handler may do little: it writes a byte into a pipe, and the event loop does
-// the rest.
+// See end_signals.h. A handler may do little: it writes a byte into a pipe that the event loop
+// reads.
 
 #include "tools/fxsim/end_signals.h"
 
 #include <QCoreApplication>
+#include <QSocketNotifier>
 
 #include <csignal>
 
@@ -23,7 +24,7 @@ void onSignal(int)
 {
     const char byte = 0;
     const ssize_t written = ::write(pipeEnds[1], &byte, 1);
-    static_cast<void>(written);  // a full pipe has told the loop already
+    static_cast<void>(written);  // a full pipe has woken the loop already
 }
 
 void answer(int signalNumber, void (*handler)(int))
@@ -43,18 +44,19 @@ bool isIgnored(int signalNumber)
 
 }  // namespace
 
-EndSignals::EndSignals()
+void endOnSignals()
 {
     if (::pipe2(pipeEnds, O_NONBLOCK | O_CLOEXEC) != 0)
-        return;  // the signals then end the program at once, as they do by themselves
-    m_notifier = std::make_unique<QSocketNotifier>(pipeEnds[0], QSocketNotifier::Read);
-    QObject::connect(m_notifier.get(), &QSocketNotifier::activated, &QCoreApplication::quit);
+        return;  // signals then end the program at once
+    auto* notifier =
+        new QSocketNotifier(pipeEnds[0], QSocketNotifier::Read, QCoreApplication::instance());
+    QObject::connect(notifier, &QSocketNotifier::activated, &QCoreApplication::quit);
     answer(SIGINT, onSignal);
     answer(SIGTERM, onSignal);
-    if (!isIgnored(SIGHUP))  // as nohup wants it
+    if (!isIgnored(SIGHUP))  // nohup ignores it
         answer(SIGHUP, onSignal);
     answer(SIGPIPE, SIG_IGN);  // a client that left is no reason to end
-    answer(SIGTTIN, SIG_IGN);  // in the background the terminal's input is simply not ours
+    answer(SIGTTIN, SIG_IGN);  // in the background the terminal belongs to others
 }
 
 }  // namespace fxsim

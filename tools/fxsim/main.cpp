@@ -9,21 +9,41 @@
 
 #include <QCoreApplication>
 
-int main(int argumentCount, char** arguments)
+namespace {
+
+using namespace fxsim;
+
+ExitCode run(const Options& options)
 {
-    const fxsim::ParsedOptions parsed = fxsim::parseOptions(argumentCount, arguments);
-    if (!parsed.runs)
-        return parsed.exitCode;
-    // GLib's event loop takes more turns and system calls for a request than Qt's own.
-    qputenv("QT_NO_GLIB", "1");
-    QCoreApplication loop(argumentCount, arguments);
-    if (!parsed.options.tellCommand.isEmpty())
-        return fxsim::tell(parsed.options.controlPath, parsed.options.tellCommand);
-    const fxsim::EndSignals endSignals;
-    fxsim::Application application(parsed.options);
-    const int code = application.start();
-    if (code != fxsim::exitGood)
-        return code;
+    if (!options.tellCommand.isEmpty()) {
+        tell(options.controlPath, options.tellCommand);
+        return ExitCode::Good;
+    }
+    endOnSignals();
+    Application application(options);
+    application.start();
     QCoreApplication::exec();
     return application.finish();
+}
+
+ExitCode runCommandLine(int argumentCount, char** arguments)
+{
+    try {
+        const std::optional<Options> options = parseOptions(argumentCount, arguments);
+        if (!options)
+            return ExitCode::Good;
+        // GLib's event loop takes more turns and system calls for a request than Qt's own.
+        qputenv("QT_NO_GLIB", "1");
+        const QCoreApplication loop(argumentCount, arguments);
+        return run(*options);
+    } catch (const Error& error) {
+        return complain(error);
+    }
+}
+
+}  // namespace
+
+int main(int argumentCount, char** arguments)
+{
+    return static_cast<int>(runCommandLine(argumentCount, arguments));
 }

@@ -1,35 +1,35 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// The command line of fxsim, taken apart and checked. What is wrong with it is said on standard
-// error in one line.
+// The command line of fxsim as typed settings.
 
 #pragma once
 
 #include "tools/fxsim/line/simulator.h"
+#include "tools/fxsim/plc/error.h"
 
 #include <QHostAddress>
 #include <QString>
 #include <QVector>
 
+#include <optional>
+
 namespace fxsim {
 
-enum ExitCode
+struct TcpAddress
 {
-    exitGood = 0,
-    exitUsage = 2,
-    exitLink = 3,
-    exitFile = 7,
+    QHostAddress address = QHostAddress(QHostAddress::LocalHost);
+    quint16 port = 8888;
 };
 
-constexpr quint16 defaultPort = 8888;
-
+// The defaults are in the texts of the options, so that --help prints what counts.
 struct Options
 {
     Settings settings;
 
+    bool pty = false;
     QString linkPath;
-    QHostAddress tcpAddress = QHostAddress(QHostAddress::LocalHost);
+    std::optional<TcpAddress> tcp;
     QString serialDevice;
 
     QVector<AddressRange> present;
@@ -39,25 +39,15 @@ struct Options
     QString loadPath;
     QString savePath;
 
-    QString tracePath;  // empty: standard error
-    QString controlPath;
-    QString tellCommand;  // for the simulator that listens there; then nothing else is done
-
-    quint16 tcpPort = defaultPort;
-    bool pty = false;
-    bool tcp = false;
     bool trace = false;
+    QString tracePath;  // empty: standard error
     bool stats = false;
-    bool commands = true;  // from standard input
+    QString controlPath;
+    QString tellCommand;      // for the simulator that listens there; then nothing else is done
+    bool noCommands = false;  // from standard input
 };
 
-struct ParsedOptions
-{
-    Options options;
-    bool runs = false;        // otherwise there is nothing more to do than to end
-    int exitCode = exitGood;  // with this
-};
-
-ParsedOptions parseOptions(int argumentCount, char** arguments);
+// Nothing when the command line asked for a text, which has been printed. Throws an Error.
+std::optional<Options> parseOptions(int argumentCount, const char* const* arguments);
 
 }  // namespace fxsim

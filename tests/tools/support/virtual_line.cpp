@@ -5,21 +5,11 @@
 
 #include "tests/tools/support/virtual_line.h"
 
-#include <stdexcept>
-
 namespace tool_tests {
 
 namespace {
 
 constexpr int wordBytes = 2;
-
-fxsim::FaultPlan planOf(const char* faults)
-{
-    const fxsim::ParsedFaults parsed = fxsim::parseFaults(QString::fromLatin1(faults));
-    if (!parsed.error.isEmpty())
-        throw std::invalid_argument(parsed.error.toStdString());
-    return parsed.plan;
-}
 
 }  // namespace
 
@@ -59,7 +49,7 @@ QByteArray VirtualLine::receive(int timeoutMs)
 
 void VirtualLine::setFaults(const char* faults)
 {
-    m_plc.setFaults(planOf(faults));
+    m_plc.setFaults(fxsim::parseFaults(QString::fromLatin1(faults)));
 }
 
 void VirtualLine::refuse(int firstAddress, int lastAddress)
@@ -95,7 +85,7 @@ fxsim::Settings badLine(int baud, const char* faults, fxsim::EnquiryMode enquiry
 {
     fxsim::Settings settings;
     settings.timing.baud = baud;
-    settings.faults = planOf(faults);
+    settings.faults = fxsim::parseFaults(QString::fromLatin1(faults));
     settings.enquiry = enquiry;
     return settings;
 }

@@ -16,15 +16,9 @@ namespace fxsim {
 namespace {
 
 constexpr int bytesPerLine = 16;
-constexpr int defaultPowerOffMs = 500;
-constexpr int defaultLinkDropMs = 1000;
-constexpr int maxMs = 600000;
-const QByteArray ok = "ok\n";
-
-QByteArray failure(const QString& text)
-{
-    return "error: " + text.toUtf8() + '\n';
-}
+constexpr int highestByte = 255;
+constexpr int mostPokes = 1000;
+constexpr int helpColumn = 31;
 
 QByteArray dump(const PlcMemory& memory, int address, int byteCount)
 {
@@ -35,6 +29,19 @@ QByteArray dump(const PlcMemory& memory, int address, int byteCount)
                 memory.read(at, lineBytes).toHex(' ').toUpper() + '\n';
     }
     return text;
+}
+
+// The argument, or what the fault of the same effect takes unless told otherwise.
+int milliseconds(const QStringList& arguments, FaultKind fault)
+{
+    const FaultFacts& row = factsOf(fault);
+    const QString text = arguments.value(0, QString::number(row.value));
+    return parseNumber(text, row.lowestValue, row.highestValue, "time in ms");
+}
+
+[[noreturn]] void refuse(const QString& text)
+{
+    throw Error(ExitCode::Usage, text);
 }
 
 QStringList words(const QString& line)
@@ -51,22 +58,22 @@ struct Control::CommandRow
     int most;
     const char* arguments;
     const char* text;
-    QByteArray (Control::*run)(const Arguments&);
+    QByteArray (Control::*run)(const Arguments&);  // what comes before "ok"; may throw an Error
 };
 
 // clang-format off
 const Control::CommandRow Control::commands[] = {
-    // name         least most    arguments              text
-    {"peek",        1, 2,         "ADDRESS [BYTES]",     "show memory from a byte address, or the bit at ADDRESS.BIT", &Control::peek},
-    {"poke",        2, 1000,      "ADDRESS BYTE...",     "set bytes, or one bit: poke 0x0100.3 1", &Control::poke},
-    {"faults",      0, 1,         "[PLAN|none|help]",    "show, set, end or explain faults", &Control::faults},
-    {"stats",       0, 0,         "",                    "show what was counted", &Control::stats},
-    {"power-cycle", 0, 1,         "[MS]",                "PLC off and on again, memory as at the start", &Control::powerCycle},
-    {"drop-link",   0, 1,         "[MS]",                "close every link and bring it back", &Control::dropLink},
-    {"save",        1, 1,         "FILE",                "write the memory as Intel HEX", &Control::save},
-    {"load",        1, 1,         "FILE",                "read Intel HEX over the memory", &Control::load},
-    {"help",        0, 0,         "",                    "this list", &Control::showHelp},
-    {"quit",        0, 0,         "",                    "end the simulator", &Control::quit},
+    // name         fewest most      arguments                text
+    {"peek",        1,    2,         "ADDRESS[.BIT] [BYTES]", "show bytes, or one bit: peek 0x0100.3", &Control::peek},
+    {"poke",        2,    mostPokes, "ADDRESS[.BIT] VALUE...", "set bytes, or one bit: poke 0x0100.3 1", &Control::poke},
+    {"faults",      0,    1,         "[PLAN|none|help]",      "show or set the fault plan, clear it, or list all faults", &Control::faults},
+    {"stats",       0,    0,         "",                      "show the statistics", &Control::stats},
+    {"power-cycle", 0,    1,         "[MS]",                  "switch the PLC off for MS and on again", &Control::powerCycle},
+    {"drop-link",   0,    1,         "[MS]",                  "close every link for MS and open it again", &Control::dropLink},
+    {"save",        1,    1,         "FILE",                  "save the memory as Intel HEX", &Control::save},
+    {"load",        1,    1,         "FILE",                  "load Intel HEX into the memory", &Control::load},
+    {"help",        0,    0,         "",                      "show this list", &Control::help},
+    {"quit",        0,    0,         "",                      "end the simulator", &Control::quit},
 };
 // clang-format on
 
@@ -86,129 +93,99 @@ QByteArray Control::run(const QString& line)
         return QByteArray();
     const QString name = arguments.takeFirst();
     const CommandRow* row = findCommand(name);
-    if (row == nullptr)
-        return failure(QStringLiteral("there is no command '%1'; help lists them").arg(name));
-    if (arguments.size() < row->fewest || arguments.size() > row->most)
-        return failure(QStringLiteral("usage: %1 %2").arg(row->name, row->arguments).trimmed());
-    return (this->*row->run)(arguments);
-}
-
-QByteArray Control::help()
-{
-    QByteArray text;
-    for (const CommandRow& row : commands)
-        text +=
-            "  " + (QByteArray(row.name) + ' ' + row.arguments).leftJustified(30) + row.text + '\n';
-    return text;
+    try {
+        if (row == nullptr)
+            refuse(QStringLiteral("unknown command '%1'; 'help' lists all commands").arg(name));
+        if (arguments.size() < row->fewest || arguments.size() > row->most)
+            refuse(QStringLiteral("usage: %1 %2").arg(row->name, row->arguments).trimmed());
+        return (this->*row->run)(arguments) + "ok\n";
+    } catch (const Error& error) {
+        return "error: " + error.text().toUtf8() + '\n';
+    }
 }
 
 QByteArray Control::peek(const Arguments& arguments)
 {
-    if (const std::optional<BitPlace> place = parseBitPlace(arguments[0]))
-        return (m_simulator.memory().bit(place->address, place->bit) ? "1\n" : "0\n") + ok;
-    const std::optional<int> address = parseByteAddress(arguments[0]);
-    if (!address)
-        return failure(QStringLiteral("'%1' is no address; 0x0000 to 0xFFFF, or 0x0100.3 for a bit")
-                           .arg(arguments[0]));
-    const int most = addressableBytes - *address;
-    const std::optional<int> byteCount =
-        parseNumber(arguments.value(1, QStringLiteral("1")), 1, most);
-    if (!byteCount)
-        return failure(QStringLiteral("'%1' is no number of bytes; 1 to %2 from there")
-                           .arg(arguments[1])
-                           .arg(most));
-    return dump(m_simulator.memory(), *address, *byteCount) + ok;
+    const MemoryPlace place = parsePlace(arguments[0]);
+    if (place.bit)
+        return m_simulator.memory().bit(place.address, *place.bit) ? "1\n" : "0\n";
+    const int byteCount = parseNumber(arguments.value(1, QStringLiteral("1")), 1,
+                                      addressableBytes - place.address, "number of bytes");
+    return dump(m_simulator.memory(), place.address, byteCount);
 }
 
 QByteArray Control::poke(const Arguments& arguments)
 {
-    const std::optional<BitPlace> place = parseBitPlace(arguments[0]);
-    const std::optional<int> address = parseByteAddress(arguments[0]);
-    if (!place && !address)
-        return failure(QStringLiteral("'%1' is no address; 0x0000 to 0xFFFF, or 0x0100.3 for a bit")
-                           .arg(arguments[0]));
+    const MemoryPlace place = parsePlace(arguments[0]);
+    const int room = place.bit ? 1 : addressableBytes - place.address;
     QVector<int> values;
-    for (const QString& argument : arguments.mid(1)) {
-        const std::optional<int> value = parseNumber(argument, 0, place ? 1 : 255);
-        if (!value)
-            return failure(
-                QStringLiteral("'%1' is no value; 0 to %2").arg(argument).arg(place ? 1 : 255));
-        values.append(*value);
-    }
-    const int room = place ? 1 : addressableBytes - *address;
+    for (const QString& argument : arguments.mid(1))
+        values.append(parseNumber(argument, 0, place.bit ? 1 : highestByte, "value"));
     if (values.size() > room)
-        return failure(
-            QStringLiteral("%1 values, but there is room for %2").arg(values.size()).arg(room));
-    if (place)
-        m_simulator.memory().setBit(place->address, place->bit, values[0] == 1);
-    for (int index = 0; !place && index < values.size(); ++index)
-        m_simulator.memory().setByte(*address + index, static_cast<quint8>(values[index]));
-    return ok;
+        refuse(QStringLiteral("too many values: room for %1").arg(room));
+    PlcMemory& memory = m_simulator.memory();
+    if (place.bit)
+        memory.setBit(place.address, *place.bit, values[0] == 1);
+    for (int index = 0; !place.bit && index < values.size(); ++index)
+        memory.setByte(place.address + index, static_cast<quint8>(values[index]));
+    return QByteArray();
 }
 
 QByteArray Control::faults(const Arguments& arguments)
 {
     if (arguments.isEmpty())
-        return faultPlanText(m_simulator.settings().faults).toUtf8() + '\n' + ok;
+        return faultPlanText(m_simulator.settings().faults).toUtf8() + '\n';
     if (arguments[0] == QLatin1String("help"))
-        return faultHelp() + ok;
-    const ParsedFaults parsed = parseFaults(arguments[0]);
-    if (!parsed.error.isEmpty())
-        return failure(parsed.error);
-    m_simulator.setFaults(parsed.plan);
-    return ok;
+        return faultHelp();
+    m_simulator.setFaults(parseFaults(arguments[0]));
+    return QByteArray();
 }
 
 QByteArray Control::stats(const Arguments&)
 {
-    return m_simulator.statistics().text() + ok;
+    return m_simulator.statistics().text();
 }
 
 QByteArray Control::powerCycle(const Arguments& arguments)
 {
-    const std::optional<int> offMs =
-        parseNumber(arguments.value(0, QString::number(defaultPowerOffMs)), 0, maxMs);
-    if (!offMs)
-        return failure(QStringLiteral("'%1' is no time; 0 to %2 ms").arg(arguments[0]).arg(maxMs));
-    m_simulator.powerCycle(*offMs, m_actions.nowUs());
-    return ok;
+    const int offMs = milliseconds(arguments, FaultKind::PowerCycle);
+    m_simulator.powerCycle(offMs, m_actions.nowUs());
+    return QByteArray();
 }
 
 QByteArray Control::dropLink(const Arguments& arguments)
 {
-    const std::optional<int> forMs =
-        parseNumber(arguments.value(0, QString::number(defaultLinkDropMs)), 0, maxMs);
-    if (!forMs)
-        return failure(QStringLiteral("'%1' is no time; 0 to %2 ms").arg(arguments[0]).arg(maxMs));
-    m_actions.dropLinks(*forMs);
-    return ok;
+    m_actions.dropLinks(milliseconds(arguments, FaultKind::LinkDrop));
+    return QByteArray();
 }
 
 QByteArray Control::save(const Arguments& arguments)
 {
-    const QString error = saveImage(arguments[0], m_simulator.memory().image());
-    return error.isEmpty() ? ok : failure(error);
+    saveImage(arguments[0], m_simulator.memory().image());
+    return QByteArray();
 }
 
 QByteArray Control::load(const Arguments& arguments)
 {
     QByteArray image = m_simulator.memory().image();
-    const QString error = loadImage(arguments[0], image);
-    if (!error.isEmpty())
-        return failure(error);
+    loadImage(arguments[0], image);
     m_simulator.memory().setImage(image);
-    return ok;
+    return QByteArray();
 }
 
-QByteArray Control::showHelp(const Arguments&)
+QByteArray Control::help(const Arguments&)
 {
-    return help() + ok;
+    QByteArray text;
+    for (const CommandRow& row : commands)
+        text += "  " + (QByteArray(row.name) + ' ' + row.arguments).leftJustified(helpColumn) +
+                row.text + '\n';
+    return text;
 }
 
 QByteArray Control::quit(const Arguments&)
 {
     m_actions.quit();
-    return ok;
+    return QByteArray();
 }
 
 }  // namespace fxsim

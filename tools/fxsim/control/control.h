@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 //
 // The commands that a person or a script gives while the simulator runs, on its standard input or
-// over the control socket. One line in, some lines out, of which the last is "ok" or starts with
-// "error: ".
+// over the control socket. Each command is one line. The answer is some lines, the last of which is
+// "ok" or starts with "error: ".
 
 #pragma once
 
@@ -32,7 +32,6 @@ public:
     {}
 
     QByteArray run(const QString& line);
-    static QByteArray help();
 
 private:
     using Arguments = QStringList;
@@ -48,7 +47,7 @@ private:
     QByteArray dropLink(const Arguments& arguments);
     QByteArray save(const Arguments& arguments);
     QByteArray load(const Arguments& arguments);
-    QByteArray showHelp(const Arguments& arguments);
+    QByteArray help(const Arguments& arguments);
     QByteArray quit(const Arguments& arguments);
 
     Simulator& m_simulator;

@@ -5,6 +5,8 @@
 
 #include "tools/fxsim/control/control_channels.h"
 
+#include "tools/fxsim/plc/error.h"
+
 #include <QFileInfo>
 #include <QLocalSocket>
 
@@ -48,20 +50,24 @@ bool isLeftBehind(const QString& path)
            probe.error() == QLocalSocket::ConnectionRefusedError;
 }
 
-// What the server would call a name error. Empty: nothing.
-QString obstacleAt(const QString& path)
+[[noreturn]] void refuse(const QString& path, const QString& why)
+{
+    throw Error(ExitCode::Link, QStringLiteral("control socket %1: %2").arg(path, why));
+}
+
+// The server calls all of these a name error.
+void checkPath(const QString& path)
 {
     const QFileInfo file(path);
     const QFileInfo folder(file.absolutePath());
     if (file.exists())
-        return QStringLiteral("the file exists");
+        refuse(path, QStringLiteral("the file already exists"));
     if (!folder.isDir())
-        return QStringLiteral("there is no folder %1").arg(folder.filePath());
+        refuse(path, QStringLiteral("the folder %1 does not exist").arg(folder.filePath()));
     if (!folder.isWritable())
-        return QStringLiteral("nothing may be made in the folder %1").arg(folder.filePath());
+        refuse(path, QStringLiteral("no permission to write in %1").arg(folder.filePath()));
     if (QFile::encodeName(path).size() > longestSocketPath)
-        return QStringLiteral("a socket's path has at most %1 bytes").arg(longestSocketPath);
-    return QString();
+        refuse(path, QStringLiteral("the path is longer than %1 bytes").arg(longestSocketPath));
 }
 
 }  // namespace
@@ -101,18 +107,15 @@ SocketControl::SocketControl(Control& control) : m_control(control)
 
 // A socket that an earlier run left behind is replaced; one that somebody listens on stays, and so
 // does any other file (the server would rename its socket over it).
-QString SocketControl::listen(const QString& path)
+void SocketControl::listen(const QString& path)
 {
     const QString fullPath = QFileInfo(path).absoluteFilePath();  // a bare name means one in /tmp
     if (isLeftBehind(fullPath))
         QLocalServer::removeServer(fullPath);
-    const QString obstacle = obstacleAt(fullPath);
-    if (!obstacle.isEmpty())
-        return QStringLiteral("control socket %1: %2").arg(path, obstacle);
+    checkPath(fullPath);
     m_server.setSocketOptions(QLocalServer::UserAccessOption);
     if (!m_server.listen(fullPath))
-        return QStringLiteral("control socket %1: %2").arg(path, m_server.errorString());
-    return QString();
+        refuse(fullPath, m_server.errorString());
 }
 
 void SocketControl::welcome()

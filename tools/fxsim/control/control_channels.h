@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// Where control commands come from: the standard input, and the clients of a local socket. Both
-// hand over whole lines and print what comes back.
+// Where control commands come from: standard input, and the clients of a local socket. Both hand
+// over whole lines and print the answer.
 
 #pragma once
 
@@ -19,8 +19,8 @@ class InputControl : public QObject
     Q_OBJECT
 
 public:
-    // Reads the descriptor until it ends; the end of the input does not end the simulator. A
-    // terminal in whose background it runs is read again from when it comes to the foreground.
+    // Reads the descriptor until it ends; the end of the input does not end the simulator. In the
+    // background of a terminal, reading resumes when the simulator returns to the foreground.
     InputControl(Control& control, int inputDescriptor);
 
 private:
@@ -39,7 +39,7 @@ class SocketControl : public QObject
 public:
     explicit SocketControl(Control& control);
 
-    QString listen(const QString& path);  // what went wrong, or nothing
+    void listen(const QString& path);  // throws an Error
 
 private:
     void welcome();

@@ -7,6 +7,8 @@
 
 #include "tools/fxsim/options.h"
 
+#include "tools/fxsim/plc/error.h"
+
 #include <QFileInfo>
 #include <QLocalSocket>
 
@@ -18,36 +20,34 @@ namespace {
 
 constexpr int answerMs = 5000;
 
-int fail(ExitCode code, const QString& text)
+[[noreturn]] void refuse(const QString& path, const QString& why)
 {
-    std::cerr << "fxsim: " << qPrintable(text) << std::endl;
-    return code;
+    throw Error(ExitCode::Link, QStringLiteral("control socket %1: %2").arg(path, why));
 }
 
 }  // namespace
 
-int tell(const QString& controlPath, const QString& command)
+void tell(const QString& controlPath, const QString& command)
 {
     QLocalSocket socket;
     socket.connectToServer(QFileInfo(controlPath).absoluteFilePath());
-    if (!socket.waitForConnected(answerMs)) {
-        const bool mayNot = socket.error() == QLocalSocket::SocketAccessError;
-        return fail(exitLink, QStringLiteral("control socket %1: %2")
-                                  .arg(controlPath, mayNot ? "only its owner may connect to it"
-                                                           : "no simulator listens there"));
-    }
+    if (!socket.waitForConnected(answerMs))
+        refuse(controlPath, socket.error() == QLocalSocket::SocketAccessError
+                                ? QStringLiteral("no permission: only its owner may connect")
+                                : QStringLiteral("no simulator is listening"));
+    const QByteArray errorMark = "error: ";
     socket.write(command.toUtf8() + '\n');
     while (socket.canReadLine() || socket.waitForReadyRead(answerMs)) {
         if (!socket.canReadLine())
             continue;
         const QByteArray line = socket.readLine();
         if (line == "ok\n")
-            return exitGood;
-        if (line.startsWith("error: "))
-            return fail(exitUsage, QString::fromUtf8(line.mid(7)).trimmed());
+            return;
+        if (line.startsWith(errorMark))
+            throw Error(ExitCode::Usage, QString::fromUtf8(line.mid(errorMark.size())).trimmed());
         std::cout << line.constData();
     }
-    return fail(exitLink, QStringLiteral("control socket %1: no answer").arg(controlPath));
+    refuse(controlPath, QStringLiteral("no answer"));
 }
 
 }  // namespace fxsim

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// fxsim --tell: one command to a simulator that runs already, over its control socket.
+// fxsim --tell: sends one command to a running simulator, over its control socket.
 
 #pragma once
 
@@ -9,7 +9,7 @@
 
 namespace fxsim {
 
-// Prints what came back; an ExitCode: exitUsage when the simulator refused the command.
-int tell(const QString& controlPath, const QString& command);
+// Prints the answer; throws an Error when nobody answered or the simulator refused the command.
+void tell(const QString& controlPath, const QString& command);
 
 }  // namespace fxsim

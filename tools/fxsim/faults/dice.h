@@ -1,9 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// Random numbers that are the same on every machine and need no history: the numbers of exchange n
-// depend on the seed and on n alone, so that a run with one fault more or less is damaged alike
-// everywhere else.
+// Random numbers that are the same on every machine. Those of exchange n depend on the seed and on
+// n alone, so that one fault more or less changes nothing in the other exchanges.
 
 #pragma once
 

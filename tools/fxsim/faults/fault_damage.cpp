@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// See fault_damage.h. Faults that spoil the characters come first, then those that add to them,
-// then those that spread them over time.
+// See fault_damage.h. First come the faults that spoil characters, then those that add some, then
+// those that spread them over time.
 
 #include "tools/fxsim/faults/fault_damage.h"
 
@@ -54,7 +54,7 @@ void showParity(QByteArray& reply)
     }
 }
 
-// Characters that no control character of the port hides in: junk must not forge an ACK.
+// No control characters: junk must not forge an ACK.
 QByteArray junk(int wanted, Dice& dice)
 {
     const int characters = wanted > 0 ? wanted : 1 + dice.below(randomJunkLimit);

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// Faults at work: which of a plan meet an exchange, and what they make of its reply. Pure: the same
-// seed, exchange and plan always give the same damage.
+// Which faults of a plan occur in an exchange, and what they do to its reply. Pure: the same seed,
+// exchange and plan always give the same damage.
 
 #pragma once
 
@@ -11,7 +11,7 @@
 
 namespace fxsim {
 
-constexpr int sliceBytes = 32;  // what a USB adapter hands over at a time
+constexpr int sliceBytes = 32;  // what a USB adapter delivers at a time
 
 struct ActiveFault
 {
@@ -36,7 +36,7 @@ private:
 struct Chunk
 {
     QByteArray bytes;
-    int pauseMs = 0;  // before the chunk, counted from the end of the one before
+    int pauseMs = 0;  // after the end of the chunk before
 };
 
 // What goes on the line for `reply`; empty when nothing does.

@@ -5,6 +5,8 @@
 
 #include "tools/fxsim/faults/faults.h"
 
+#include "tools/fxsim/plc/number_text.h"
+
 #include <QStringList>
 
 #include <limits>
@@ -13,43 +15,50 @@ namespace fxsim {
 
 namespace {
 
-constexpr int maxMs = 600000;  // ten minutes: nobody waits longer for a reply
+constexpr int maxMs = 10 * 60 * 1000;  // nobody waits longer for a reply
 constexpr int maxCount = 1000;
 
 // clang-format off
-const FaultFacts facts[faultKinds] = {
-    // kind                    value  least  most      name             text
-    {FaultKind::PowerCycle,     500,     0, maxMs,    "power-cycle",   "the PLC goes off for VALUE ms; memory and program start anew"},
-    {FaultKind::LinkDrop,      1000,     0, maxMs,    "link-drop",     "the link is closed under the host and comes back after VALUE ms"},
-    {FaultKind::Silence,          0,     0, 0,        "silence",       "the request is carried out, its reply is lost"},
+constexpr FaultFacts facts[] = {
+    // kind                 default  least  most      name             text
+    {FaultKind::PowerCycle,     500,     0, maxMs,    "power-cycle",   "the PLC is off for VALUE ms; its memory and program start afresh"},
+    {FaultKind::LinkDrop,      1000,     0, maxMs,    "link-drop",     "the link closes and comes back after VALUE ms"},
+    {FaultKind::Silence,          0,     0, 0,        "silence",       "the request is carried out, but its reply is lost"},
     {FaultKind::Nak,              0,     0, 0,        "nak",           "the request is refused with NAK and not carried out"},
-    {FaultKind::Delay,         1500,     0, maxMs,    "delay",         "the reply comes VALUE ms late"},
-    {FaultKind::WrongSum,         0,     0, 0,        "wrong-sum",     "the reply carries a wrong sum (not on a lone ACK)"},
-    {FaultKind::FlippedBits,      1,     1, maxCount, "flipped-bits",  "VALUE bits of the reply are flipped (two can hide from the sum)"},
+    {FaultKind::Delay,         1500,     0, maxMs,    "delay",         "the reply is VALUE ms late"},
+    {FaultKind::WrongSum,         0,     0, 0,        "wrong-sum",     "the reply has a wrong checksum (a lone ACK or NAK has none)"},
+    {FaultKind::FlippedBits,      1,     1, maxCount, "flipped-bits",  "VALUE bits of the reply are flipped (the checksum can miss two or more)"},
     {FaultKind::Bit7,             0,     0, 0,        "bit7",          "bit 7 carries even parity, as when a 7E1 line is read as 8N1"},
-    {FaultKind::Truncated,        0,     0, maxCount, "truncated",     "only the first VALUE characters arrive (0: a number at random)"},
-    {FaultKind::LostStx,          0,     0, 0,        "lost-stx",      "the STX is missing (not on a lone ACK)"},
-    {FaultKind::LostEtx,          0,     0, 0,        "lost-etx",      "the ETX is missing (not on a lone ACK)"},
+    {FaultKind::Truncated,        0,     0, maxCount, "truncated",     "only the first VALUE characters arrive (0: a random number)"},
+    {FaultKind::LostStx,          0,     0, 0,        "lost-stx",      "the STX is missing (a lone ACK or NAK has none)"},
+    {FaultKind::LostEtx,          0,     0, 0,        "lost-etx",      "the ETX is missing (a lone ACK or NAK has none)"},
     {FaultKind::JunkBefore,       0,     0, maxCount, "junk-before",   "VALUE stray characters come before the reply (0: 1 to 8)"},
     {FaultKind::JunkAfter,        0,     0, maxCount, "junk-after",    "VALUE stray characters come after the reply (0: 1 to 8)"},
-    {FaultKind::Duplicate,        0,     0, maxMs,    "duplicate",     "the reply comes twice, VALUE ms apart"},
-    {FaultKind::Slices,          20,     0, maxMs,    "slices",        "the reply comes in slices of 32 characters, VALUE ms apart"},
-    {FaultKind::Echo,             0,     0, 0,        "echo",          "the request comes back before the reply"},
+    {FaultKind::Duplicate,        0,     0, maxMs,    "duplicate",     "the reply arrives twice, VALUE ms apart"},
+    {FaultKind::Slices,          20,     0, maxMs,    "slices",        "the reply arrives in slices of 32 characters, VALUE ms apart"},
+    {FaultKind::Echo,             0,     0, 0,        "echo",          "the request is echoed before the reply"},
 };
 // clang-format on
 
-constexpr const char* mixedName = "mixed";
-const FaultKind lineFaults[] = {
-    FaultKind::Silence,     FaultKind::Nak,        FaultKind::Delay,     FaultKind::WrongSum,
-    FaultKind::FlippedBits, FaultKind::Bit7,       FaultKind::Truncated, FaultKind::LostStx,
-    FaultKind::LostEtx,     FaultKind::JunkBefore, FaultKind::JunkAfter, FaultKind::Duplicate,
-    FaultKind::Slices,      FaultKind::Echo,
-};
-
-struct PlanError
+constexpr bool factsStandInOrderOfKinds()
 {
-    QString text;
-};
+    int kind = 0;
+    for (const FaultFacts& row : facts) {
+        if (static_cast<int>(row.kind) != kind++)
+            return false;
+    }
+    return kind == faultKinds;
+}
+static_assert(factsStandInOrderOfKinds());
+
+constexpr const char* mixedName = "mixed";  // all faults from silence to echo, the last kind
+constexpr int firstMixed = static_cast<int>(FaultKind::Silence);
+constexpr int mixedKinds = faultKinds - firstMixed;
+
+[[noreturn]] void refuse(const QString& why)
+{
+    throw Error(ExitCode::Usage, why);
+}
 
 const FaultFacts* findFacts(const QString& name)
 {
@@ -60,12 +69,7 @@ const FaultFacts* findFacts(const QString& name)
     return nullptr;
 }
 
-[[noreturn]] void refuse(const QString& item, const QString& why)
-{
-    throw PlanError{QStringLiteral("fault '%1': %2").arg(item, why)};
-}
-
-double parseRate(const QString& item, QString text)
+double parseRate(QString text)
 {
     const bool percent = text.endsWith('%');
     if (percent)
@@ -73,82 +77,78 @@ double parseRate(const QString& item, QString text)
     bool ok = false;
     const double rate = text.toDouble(&ok) / (percent ? 100 : 1);
     if (!ok || !(rate >= 0 && rate <= 1))
-        refuse(item, QStringLiteral("the rate must be 0 to 1, or 0% to 100%"));
+        refuse(QStringLiteral("the rate must be 0 to 1, or 0% to 100%"));
     return rate;
 }
 
-qint64 parseExchange(const QString& item, const QString& text)
+qint64 parseExchange(const QString& text)
 {
     bool ok = false;
     const qint64 number = text.toLongLong(&ok);
     if (!ok || number < 1)
-        refuse(item,
-               QStringLiteral("exchanges are numbers from 1, as in @3, @7-9, @20- or @3+7-9"));
+        refuse(QStringLiteral("exchanges are numbered from 1, as in @3, @7-9, @20- or @3+7-9"));
     return number;
 }
 
-ExchangeSpan parseSpan(const QString& item, const QString& text)
+ExchangeSpan parseSpan(const QString& text)
 {
     const int dash = text.indexOf('-');
     if (dash < 0) {
-        const qint64 only = parseExchange(item, text);
+        const qint64 only = parseExchange(text);
         return {only, only};
     }
     const QString end = text.mid(dash + 1);
-    const ExchangeSpan span{parseExchange(item, text.left(dash)),
-                            end.isEmpty() ? std::numeric_limits<qint64>::max()
-                                          : parseExchange(item, end)};
+    const ExchangeSpan span{parseExchange(text.left(dash)), end.isEmpty()
+                                                                ? std::numeric_limits<qint64>::max()
+                                                                : parseExchange(end)};
     if (span.last < span.first)
-        refuse(item, QStringLiteral("the span ends before it begins"));
+        refuse(QStringLiteral("the range of exchanges ends before it starts"));
     return span;
 }
 
-int parseValue(const QString& item, const QString& text, const FaultFacts& row)
+int parseValue(const QString& text, const FaultFacts& row)
 {
+    if (text.isEmpty())
+        return row.value;
     if (row.highestValue == 0)
-        refuse(item, QStringLiteral("%1 takes no value").arg(row.name));
-    bool ok = false;
-    const int value = text.toInt(&ok);
-    const QString range = QStringLiteral("%1 to %2").arg(row.lowestValue).arg(row.highestValue);
-    if (!ok || value < row.lowestValue || value > row.highestValue)
-        refuse(item, QStringLiteral("the value must be %1").arg(range));
-    return value;
+        refuse(QStringLiteral("%1 takes no value").arg(row.name));
+    return parseNumber(text, row.lowestValue, row.highestValue, "value");
 }
 
-// `when` fills in the rate or the spans of a rule from what follows the name.
-FaultRule parseWhen(const QString& item, int whenAt)
-{
-    if (whenAt < 0)
-        refuse(item, QStringLiteral("say when, as in NAME=0.05 or NAME@3"));
-    FaultRule rule;
-    const QString when = item.mid(whenAt + 1);
-    if (item[whenAt] == '=') {
-        rule.rate = parseRate(item, when);
-        return rule;
-    }
-    for (const QString& span : when.split('+'))
-        rule.spans.append(parseSpan(item, span));
-    return rule;
-}
-
+// Where the part that says when begins: at "=" or "@".
 int whenPosition(const QString& item)
 {
     const int rateAt = item.indexOf('=');
     return rateAt >= 0 ? rateAt : item.indexOf('@');
 }
 
-// One of the line faults in so many exchanges of a hundred; its value is that of the delays among
-// them.
-void appendMixed(FaultPlan& plan, const QString& item, const FaultRule& when, const QString& value)
+FaultRule parseWhen(const QString& item, int whenAt)
+{
+    if (whenAt < 0)
+        refuse(QStringLiteral("add a rate or exchanges, as in NAME=0.05 or NAME@3"));
+    FaultRule rule;
+    const QString when = item.mid(whenAt + 1);
+    if (item[whenAt] == '=') {
+        rule.rate = parseRate(when);
+        return rule;
+    }
+    for (const QString& span : when.split('+'))
+        rule.spans.append(parseSpan(span));
+    return rule;
+}
+
+// The rate is shared among the faults; the value is that of the delays among them.
+void appendMixed(FaultPlan& plan, const FaultRule& when, const QString& value)
 {
     if (!when.spans.isEmpty())
-        refuse(item, QStringLiteral("%1 goes by rate only").arg(mixedName));
-    const FaultFacts& delay = factsOf(FaultKind::Delay);
-    const int delayMs = value.isEmpty() ? delay.value : parseValue(item, value, delay);
-    const int kinds = static_cast<int>(std::size(lineFaults));
-    for (const FaultKind kind : lineFaults) {
-        const int faultValue = kind == FaultKind::Delay ? delayMs : factsOf(kind).value;
-        plan.append({kind, faultValue, when.rate / kinds, {}});
+        refuse(QStringLiteral("%1 takes a rate, as in %1=0.1").arg(mixedName));
+    const int delayMs = parseValue(value, factsOf(FaultKind::Delay));
+    for (int index = firstMixed; index < faultKinds; ++index) {
+        const FaultFacts& row = facts[index];
+        plan.append({row.kind,
+                     row.kind == FaultKind::Delay ? delayMs : row.value,
+                     when.rate / mixedKinds,
+                     {}});
     }
 }
 
@@ -160,15 +160,14 @@ void appendItem(FaultPlan& plan, const QString& item)
     const QString value = named.section(':', 1);
     const FaultFacts* row = findFacts(name);
     if (row == nullptr && name != QLatin1String(mixedName))
-        throw PlanError{
-            QStringLiteral("there is no fault '%1'; --faults help lists them").arg(name)};
+        refuse(QStringLiteral("unknown fault; 'help' in place of the plan lists all faults"));
     FaultRule rule = parseWhen(item, whenAt);
     if (row == nullptr) {
-        appendMixed(plan, item, rule, value);
+        appendMixed(plan, rule, value);
         return;
     }
     rule.kind = row->kind;
-    rule.value = value.isEmpty() ? row->value : parseValue(item, value, *row);
+    rule.value = parseValue(value, *row);
     plan.append(rule);
 }
 
@@ -201,19 +200,20 @@ const FaultFacts& factsOf(FaultKind kind)
     return facts[static_cast<int>(kind)];
 }
 
-ParsedFaults parseFaults(const QString& text)
+FaultPlan parseFaults(const QString& text)
 {
-    ParsedFaults parsed;
+    FaultPlan plan;
     if (text.isEmpty() || text == QLatin1String("none"))
-        return parsed;
-    try {
-        for (const QString& item : text.split(','))
-            appendItem(parsed.plan, item.trimmed());
-    } catch (const PlanError& error) {
-        parsed.plan.clear();
-        parsed.error = error.text;
+        return plan;
+    for (const QString& part : text.split(',')) {
+        const QString item = part.trimmed();
+        try {
+            appendItem(plan, item);
+        } catch (const Error& error) {
+            throw error.at(QStringLiteral("fault '%1'").arg(item));
+        }
     }
-    return parsed;
+    return plan;
 }
 
 QString faultPlanText(const FaultPlan& plan)
@@ -226,18 +226,19 @@ QString faultPlanText(const FaultPlan& plan)
 
 QByteArray faultHelp()
 {
+    constexpr int nameWidth = 13;
     QByteArray help =
-        "Faults, as NAME=RATE or NAME@EXCHANGES, with NAME:VALUE where a value is named:\n";
+        "Write a fault as NAME=RATE or NAME@EXCHANGES, and NAME:VALUE to set its value:\n";
     for (const FaultFacts& row : facts) {
-        help += "  " + QByteArray(row.name).leftJustified(13) + row.text;
+        help += "  " + QByteArray(row.name).leftJustified(nameWidth) + row.text;
         if (row.highestValue > 0)
-            help += "; VALUE is " + QByteArray::number(row.value) + " unless given";
+            help += "; default " + QByteArray::number(row.value);
         help += '\n';
     }
-    help += "  " + QByteArray(mixedName).leftJustified(13) +
-            "all from silence to echo, each at a fourteenth of RATE; VALUE is the ms of the "
-            "delays\n"
-            "Example: --faults silence=0.05,nak=2%,delay:800@3,wrong-sum@7-9+20-\n";
+    help += "  " + QByteArray(mixedName).leftJustified(nameWidth) +
+            "all faults from silence to echo, each at 1/" + QByteArray::number(mixedKinds) +
+            " of RATE; VALUE is the delay in ms\n"
+            "Example: silence=0.05,nak=2%,delay:800@3,wrong-sum@7-9+20-\n";
     return help;
 }
 

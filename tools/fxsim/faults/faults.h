@@ -1,17 +1,19 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// What can go wrong with an exchange, and the plan that says when. A plan is a list with commas:
+// What can go wrong with an exchange, and the plan that says when. A plan is a list separated by
+// commas:
 //
-//   silence=0.05            in five exchanges of a hundred, at random
+//   silence=0.05            in 5 % of the exchanges, at random
 //   wrong-sum@7-9           in exchanges 7 to 9
-//   delay:800@3+12+20-      with a value of its own (here milliseconds), in exchanges 3 and 12 and
-//                           from 20 on
+//   delay:800@3+12+20-      with a value (here milliseconds), in exchanges 3, 12 and from 20 on
 //
-// Exchanges are counted over all links from 1, the first after the plan was given: a frame each; an
-// ENQ is none. Several faults may meet in one exchange.
+// An exchange is one frame that came whole; an ENQ is none. They are counted from 1, over all
+// links, from the moment when the plan was set. Several faults may meet in one exchange.
 
 #pragma once
+
+#include "tools/fxsim/plc/error.h"
 
 #include <QByteArray>
 #include <QString>
@@ -38,12 +40,12 @@ enum class FaultKind
     Slices,
     Echo,
 };
-constexpr int faultKinds = 16;
+constexpr int faultKinds = static_cast<int>(FaultKind::Echo) + 1;
 
 struct FaultFacts
 {
     FaultKind kind;
-    int value;  // when the plan gives none; what it means stands in the text
+    int value;  // default; the text says what it means
     int lowestValue;
     int highestValue;
     const char* name;
@@ -68,13 +70,7 @@ struct FaultRule
 
 using FaultPlan = QVector<FaultRule>;
 
-struct ParsedFaults
-{
-    FaultPlan plan;
-    QString error;  // empty when all is well
-};
-
-ParsedFaults parseFaults(const QString& text);
+FaultPlan parseFaults(const QString& text);  // throws an Error that quotes the wrong fault
 QString faultPlanText(const FaultPlan& plan);
 QByteArray faultHelp();
 

@@ -2,8 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The characters of the FX programming port: control characters, upper-case hex digits and the sum
-// that ends a frame. Frame reader, frame server, faults and trace speak through these few
-// functions.
+// that ends a frame.
 
 #pragma once
 
@@ -21,14 +20,14 @@ constexpr char nak = 0x15;
 
 constexpr int sumDigits = 2;
 
-// -1 when the character is no digit; lower case is none, the port speaks upper case only.
+// -1 when the character is not a digit; the port speaks upper case only.
 int hexDigitValue(char digit);
 
-// The number that `digits` spell, or -1 when one of them is no digit. Up to four digits.
+// The number that up to four digits spell, or -1 when one of them is not a digit.
 int hexNumber(std::string_view digits);
 
 QByteArray hexOfBytes(const QByteArray& bytes);  // two digits a byte
-QByteArray bytesOfHex(std::string_view digits);  // all digits were checked before
+QByteArray bytesOfHex(std::string_view digits);  // digits that were checked before
 
 // The sum over everything after STX up to ETX, both given to it; a frame ends with its two digits.
 quint8 sumOf(std::string_view fromCommandToEtx);

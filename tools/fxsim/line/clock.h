@@ -1,8 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// The simulator's one clock: microseconds since it was made. Links, programs and traces all count
-// from there.
+// The simulator's one clock: microseconds since it was made.
 
 #pragma once
 

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 //
 // Cuts a stream of characters into what the PLC acts on: an ENQ, or a frame from STX to the second
-// sum digit. Bytes may come one by one or many frames at once. Everything between frames is junk:
-// skipped and counted. ENQ and STX inside a frame end it unanswered, because neither can stand in
-// one: whoever sends them has started again.
+// sum digit. Bytes may come one by one or many frames at once. Everything between frames is junk,
+// which is ignored and counted. ENQ or STX inside a frame ends it unanswered: neither can occur in
+// a frame, so the host has started again.
 
 #pragma once
 
@@ -14,7 +14,7 @@
 namespace fxsim {
 
 // Far above the longest frame with a meaning (STX, command, 4 + 2 digits, 255 bytes as digits, ETX,
-// sum = 521), so that a frame which merely claims too much is answered for what it is.
+// sum = 521), so that a frame which merely asks for too much still gets its answer.
 constexpr int longestFrame = 2048;
 
 struct LineEvent
@@ -24,7 +24,7 @@ struct LineEvent
         Enquiry,
         Frame,     // `bytes` from STX to the second sum digit
         Overlong,  // longer than any frame may be; the rest of it will be junk
-        Junk,      // `bytes` that stood outside a frame, or in one that was given up
+        Junk,      // `bytes` outside a frame, or of one that was given up
     };
     Kind kind = Kind::Junk;
     QByteArray bytes;

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// See frame_server.h. The order of the tests is that of a PLC: the sum first, then what the
-// characters say.
+// See frame_server.h. A frame is checked in the order of a PLC: the checksum first, then the
+// fields.
 
 #include "tools/fxsim/line/frame_server.h"
 
@@ -88,17 +88,17 @@ const char* verdictText(Verdict verdict)
     case Verdict::Good:
         return "good";
     case Verdict::WrongSum:
-        return "wrong sum";
+        return "wrong checksum";
     case Verdict::UnknownCommand:
         return "unknown command";
     case Verdict::Malformed:
-        return "malformed";
+        return "malformed frame";
     case Verdict::TooMany:
         return "too many bytes";
     case Verdict::NoBytes:
-        return "no bytes asked for";
+        return "byte count is 0";
     case Verdict::NoMemory:
-        return "no such memory";
+        return "address does not exist";
     }
     return "";
 }
@@ -154,8 +154,9 @@ QByteArray requestText(const Request& request)
     const QByteArray verdict = request.verdict == Verdict::Good
                                    ? QByteArray()
                                    : QByteArray(": ") + verdictText(request.verdict);
-    const QByteArray bytes =
-        QByteArray::number(request.byteCount) + " bytes at " + addressText(request.address);
+    const QByteArray bytes = QByteArray::number(request.byteCount) +
+                             (request.byteCount == 1 ? " byte at " : " bytes at ") +
+                             addressText(request.address);
     const QByteArray bit = "bit " + addressText(request.address) + " (byte " +
                            addressText(request.address / bitsPerByte) + " bit " +
                            QByteArray::number(request.address % bitsPerByte) + ")";

@@ -8,7 +8,7 @@
 //   "7" bit address (4 digits, low byte first)       force on: ACK
 //   "8" the same                                     force off: ACK
 //
-// A frame that fails in any way changes nothing. Sessions call it, once a frame.
+// A bad frame changes nothing. Sessions call this once for each frame.
 
 #pragma once
 
@@ -25,10 +25,10 @@ enum class Verdict
     UnknownCommand,
     Malformed,  // a wrong length, or a character that is no upper-case hex digit
     TooMany,    // more bytes than the PLC takes in one frame
-    NoBytes,    // a count of zero
-    NoMemory,   // some of the range is not there
+    NoBytes,    // a byte count of zero
+    NoMemory,   // the PLC does not have all of the range
 };
-constexpr int verdictKinds = 7;
+constexpr int verdictKinds = static_cast<int>(Verdict::NoMemory) + 1;
 
 const char* verdictText(Verdict verdict);
 
@@ -53,10 +53,10 @@ struct Request
 
 Request judgeFrame(const QByteArray& frame, const PlcMemory& memory, int maxBytes);
 
-// For a request judged good: does it, and gives the answer that goes on the wire.
+// Carries out a request that was judged good; returns the reply as it goes on the wire.
 QByteArray carryOut(const Request& request, PlcMemory& memory);
 
-// "read 4 bytes at 0x10C8", "force on bit 0x0508 (byte 0x00A1 bit 0)": for the trace.
+// For the trace: "read 4 bytes at 0x10C8", "force on bit 0x0508 (byte 0x00A1 bit 0)".
 QByteArray requestText(const Request& request);
 
 }  // namespace fxsim

@@ -9,13 +9,6 @@
 
 namespace fxsim {
 
-namespace {
-
-constexpr qint64 usPerSecond = 1000000;
-constexpr qint64 usPerMs = 1000;
-
-}  // namespace
-
 qint64 LineTiming::characterTimeUs() const
 {
     return baud > 0 ? bitsPerCharacter * usPerSecond / baud : 0;

@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// The line between a host and the PLC as a matter of time: characters take their time in both
-// directions, one after the other, and a PLC answers at the end of a scan. Pure: it is told the
-// time (in microseconds of any clock that only moves forward) and sleeps nowhere. Every session has
-// one; its link asks what is due and when to ask again.
+// The timing of the line between a host and the PLC: each character takes its time, in both
+// directions, and the PLC answers at the end of a scan. Pure: it is told the time (in microseconds
+// of any clock that only moves forward) and never sleeps. Every session has one; its link asks what
+// is due and when to ask again.
 
 #pragma once
 
@@ -13,9 +13,11 @@
 
 namespace fxsim {
 
+constexpr qint64 usPerMs = 1000;
+constexpr qint64 usPerSecond = 1000000;
 constexpr int bitsPerCharacter = 10;  // start, seven data, even parity, stop
 constexpr qint64 nothingDue = -1;
-constexpr int mostQueuedPieces = 1000;  // a host that asks on and on and takes nothing gets no more
+constexpr int mostQueuedPieces = 1000;  // for a host that keeps asking and reads nothing
 
 struct LineTiming
 {
@@ -31,12 +33,11 @@ class PacedLine
 public:
     explicit PacedLine(const LineTiming& timing) : m_timing(timing) {}
 
-    // When the last of `characters` is in, which begin to arrive now (or once those before them are
-    // in).
+    // When the last of `characters` has arrived; the first starts now, or after those before it.
     qint64 arrivalUs(int characters, qint64 nowUs);
 
-    // Queues bytes whose first may leave at `notBeforeUs`, and after all that was queued before.
-    // False: the queue is full and they are lost.
+    // Queues bytes to leave from `notBeforeUs` on, after all that was queued before. False: the
+    // queue is full and they are lost.
     bool send(const QByteArray& bytes, const QByteArray& note, qint64 notBeforeUs);
 
     struct Sent
@@ -45,7 +46,7 @@ public:
         QByteArray note;
     };
 
-    // What has left by now; pieces that became whole are appended to `whole`.
+    // What leaves until now; pieces of which nothing is left are appended to `whole`.
     QByteArray takeDue(qint64 nowUs, QVector<Sent>& whole);
     qint64 nextDueUs() const;  // or nothingDue
     qint64 queuedUntilUs() const { return m_sendingUntilUs; }

@@ -11,8 +11,6 @@ namespace fxsim {
 
 namespace {
 
-constexpr qint64 usPerMs = 1000;
-
 QByteArray names(const ActiveFaults& faults)
 {
     QByteArray text;
@@ -69,7 +67,7 @@ std::optional<int> Session::takeLinkDrop()
     return dropMs;
 }
 
-// A PLC that went off forgets half a frame, the ENQ it had, and what it was about to send.
+// A PLC that was off forgets a half frame, the ENQ it had, and what it was about to send.
 void Session::noticePowerCycle()
 {
     const qint64 powerCycles = m_simulator.statistics().powerCycles;
@@ -95,7 +93,7 @@ void Session::handle(const LineEvent& event)
         break;
     case LineEvent::Kind::Junk:
         m_simulator.statistics().junkCharacters += event.bytes.size();
-        trace(TraceEntry::Direction::FromHost, event.bytes, "junk, skipped");
+        trace(TraceEntry::Direction::FromHost, event.bytes, "junk, ignored");
         break;
     }
 }
@@ -119,7 +117,7 @@ void Session::exchange(const QByteArray& frame)
         trace(TraceEntry::Direction::FromHost, frame, requestText(request));
     if (m_simulator.settings().enquiry == EnquiryMode::Needed && !m_greeted) {
         ++m_simulator.statistics().ungreetedFrames;
-        trace(TraceEntry::Direction::Note, QByteArray(), "no ENQ came before: not answered");
+        trace(TraceEntry::Direction::Note, QByteArray(), "no reply: waiting for an ENQ");
         return;
     }
     const qint64 number = m_simulator.exchangeOfPlan();
@@ -158,7 +156,7 @@ QByteArray Session::replyTo(const Request& request, bool refused)
 void Session::refuseOverlong()
 {
     ++m_simulator.statistics().overlongFrames;
-    trace(TraceEntry::Direction::FromHost, QByteArray(), "frame without end, given up");
+    trace(TraceEntry::Direction::FromHost, QByteArray(), "frame too long, dropped");
     send(replyTo(Request(), false), QByteArray(), scanEndUs());
 }
 
@@ -167,7 +165,7 @@ void Session::noteFaults(const ActiveFaults& faults)
     for (const ActiveFault& fault : faults.all())
         ++m_simulator.statistics().faults[static_cast<size_t>(fault.kind)];
     if (!faults.all().isEmpty())
-        trace(TraceEntry::Direction::Note, QByteArray(), "meets " + names(faults));
+        trace(TraceEntry::Direction::Note, QByteArray(), "fault: " + names(faults));
 }
 
 void Session::send(const QByteArray& bytes, const QByteArray& note, qint64 notBeforeUs)

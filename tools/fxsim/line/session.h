@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// One host on one link: takes its bytes apart, has each frame judged, carried out and damaged, and
-// queues what goes back. See simulator.h for how it is driven. A session must not outlive its
-// simulator.
+// One host on one link: cuts its bytes into frames, has each judged and carried out, lets the
+// faults damage the reply and queues it. See simulator.h for how it is driven. A session must not
+// outlive its simulator.
 
 #pragma once
 
@@ -20,14 +20,14 @@ class Session
 public:
     Session(Simulator& simulator, const QByteArray& client);
 
-    // On a real serial port the hardware paces: such a link says so.
+    // For a real serial port, where the hardware paces the characters.
     void setTiming(const LineTiming& timing) { m_line = PacedLine(timing); }
 
     void receive(const QByteArray& bytes, qint64 nowUs);
     QByteArray takeDue(qint64 nowUs);
     qint64 nextDueUs() const { return m_line.nextDueUs(); }
 
-    // Set when a fault took the link away: for how many milliseconds. Asking clears it.
+    // Set when a fault closed the link: for how many milliseconds. Asking clears it.
     std::optional<int> takeLinkDrop();
 
 private:
@@ -50,7 +50,7 @@ private:
     FrameReader m_reader;
     PacedLine m_line;
     qint64 m_nowUs = 0;      // while bytes are handled
-    qint64 m_arrivedUs = 0;  // when the last of them is in, at the speed of the line
+    qint64 m_arrivedUs = 0;  // when the last of them has arrived, at the speed of the line
     qint64 m_powerCyclesSeen = 0;
     bool m_greeted = false;
     std::optional<int> m_linkDropMs;

@@ -7,12 +7,6 @@
 
 namespace fxsim {
 
-namespace {
-
-constexpr qint64 usPerMs = 1000;
-
-}  // namespace
-
 Simulator::Simulator(const Settings& settings, std::unique_ptr<Program> program, qint64 nowUs)
     : m_settings(settings), m_program(std::move(program))
 {

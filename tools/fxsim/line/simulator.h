@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// The PLC as a whole: memory, program, faults and counts, shared by all its sessions. A session is
-// one host on one link. Neither opens, sleeps or reads a clock: whoever embeds them passes the time
-// in microseconds (any clock that only moves forward) and the bytes. The executable does that from
-// an event loop; a host can do it inside itself:
+// The whole PLC: memory, program, faults and statistics, shared by all its sessions. A session is
+// one host on one link. Neither opens anything, sleeps or reads a clock: the caller passes the
+// bytes and the time in microseconds (of any clock that only moves forward). fxsim does that from
+// an event loop; a host can do it in its own process:
 //
 //   fxsim::Simulator plc(settings, std::make_unique<fxsim::SampleProgram>(), nowUs());
 //   fxsim::Session session(plc, "inside");
@@ -31,9 +31,9 @@ namespace fxsim {
 
 enum class EnquiryMode
 {
-    Optional,  // ENQ is answered with ACK, frames need none
-    Needed,    // frames stay unanswered until an ENQ came, on each link and after each power cycle
-    Ignored,   // ENQ resets the receiver and gets no answer
+    Optional,  // ENQ gets ACK; frames are answered without one
+    Needed,    // no frame is answered before an ENQ, on each link and after each power cycle
+    Ignored,   // ENQ resets the receiver and gets no reply
 };
 enum class OnError
 {
@@ -46,7 +46,7 @@ struct Settings
     LineTiming timing;
     EnquiryMode enquiry = EnquiryMode::Optional;
     OnError onError = OnError::Nak;
-    int maxBytes = 64;  // the largest read and write that PLCs of this family take
+    int maxBytes = 64;  // the largest read and write that PLCs of this family accept
     FaultPlan faults;
     quint64 seed = 1;
 };
@@ -70,14 +70,14 @@ using TraceSink = std::function<void(const TraceEntry&)>;
 class Simulator
 {
 public:
-    // `program` may be null: then nothing changes the memory but hosts.
+    // `program` may be null: then only hosts change the memory.
     Simulator(const Settings& settings, std::unique_ptr<Program> program, qint64 nowUs);
 
-    // Sets the memory as it is at every power-on, and starts the program on it.
+    // Sets the memory as it is after every power-on, and starts the program.
     void powerOnWith(const PlcMemory& memory, qint64 nowUs);
     void advance(qint64 nowUs);
 
-    // A new plan counts its exchanges from 1 again.
+    // Exchanges count from 1 again.
     void setFaults(const FaultPlan& plan);
     qint64 exchangeOfPlan() const { return m_statistics.exchanges - m_exchangesBeforePlan; }
 
@@ -88,7 +88,7 @@ public:
     const Settings& settings() const { return m_settings; }
     Statistics& statistics() { return m_statistics; }
     void setTrace(TraceSink sink) { m_trace = std::move(sink); }
-    bool isTraced() const { return m_trace != nullptr; }  // texts are made for a trace alone
+    bool isTraced() const { return m_trace != nullptr; }  // without a trace no texts are made
     void trace(const TraceEntry& entry) const;
 
 private:

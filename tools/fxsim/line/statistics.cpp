@@ -42,9 +42,9 @@ QByteArray Statistics::text() const
         text += rowUnlessZero(QByteArray("refused: ") + verdictText(static_cast<Verdict>(verdict)),
                               verdicts[verdict]);
     text += rowUnlessZero("overlong frames", overlongFrames) +
-            rowUnlessZero("frames before an ENQ", ungreetedFrames) +
+            rowUnlessZero("frames before ENQ", ungreetedFrames) +
             rowUnlessZero("junk characters", junkCharacters) +
-            rowUnlessZero("ignored while off", ignoredCharacters) +
+            rowUnlessZero("characters while off", ignoredCharacters) +
             rowUnlessZero("characters lost", charactersLost) +
             rowUnlessZero("power cycles", powerCycles);
     for (size_t fault = 0; fault < faults.size(); ++fault)

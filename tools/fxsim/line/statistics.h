@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// What the simulator counted since it started: frames by command and verdict, answers, faults,
-// characters. Sessions count; the `stats` command and the end of a run print.
+// What the simulator has counted since it started. Sessions count; the `stats` command and --stats
+// print.
 
 #pragma once
 
@@ -27,10 +27,10 @@ struct Statistics
     qint64 overlongFrames = 0;
     qint64 ungreetedFrames = 0;  // left unanswered because no ENQ came first
     qint64 junkCharacters = 0;
-    qint64 ignoredCharacters = 0;  // came while the PLC was off
+    qint64 ignoredCharacters = 0;  // arrived while the PLC was off
     qint64 charactersIn = 0;
     qint64 charactersOut = 0;
-    qint64 charactersLost = 0;  // nobody took them at the other end of the link
+    qint64 charactersLost = 0;  // the host did not read them
     qint64 clients = 0;
     qint64 powerCycles = 0;
 

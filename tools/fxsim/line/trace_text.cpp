@@ -11,8 +11,6 @@ namespace fxsim {
 
 namespace {
 
-constexpr qint64 usPerSecond = 1000000;
-
 QByteArray nameOf(char character)
 {
     switch (character) {

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// One line of trace for people, from one entry: time, client, direction, the bytes in hex, the same
-// readable, and what the simulator made of them. Pure text.
+// One trace line from one entry: time in seconds, client, direction, the bytes in hex, the same
+// bytes readable, and what the simulator made of them.
 
 #pragma once
 

@@ -5,14 +5,15 @@
 
 #include "tools/fxsim/links/link.h"
 
+#include "tools/fxsim/plc/error.h"
+
 #include <algorithm>
 
 namespace fxsim {
 
 namespace {
 
-constexpr int reopenMs = 1000;  // between attempts to get a lost link back
-constexpr qint64 usPerMs = 1000;
+constexpr int reopenMs = 1000;  // between attempts to reopen a lost link
 
 }  // namespace
 
@@ -55,27 +56,27 @@ Link::Link(Simulator& simulator, const Clock& clock) : m_simulator(simulator), m
 void Link::drop(int forMs)
 {
     if (m_down)
-        return;  // it is on its way back already
+        return;  // it will reopen anyway
     m_down = true;
     const QString gone = name();
     close();
-    m_failureTold = false;
+    m_failureReported = false;
     emit message(QStringLiteral("link down: %1, back in %2 ms").arg(gone).arg(forMs));
     m_return.start(forMs);
 }
 
 void Link::reopen()
 {
-    const QString error = open();
-    if (error.isEmpty()) {
+    try {
+        open();
         m_down = false;
         emit message(QStringLiteral("ready on %1").arg(name()));
-        return;
+    } catch (const Error& error) {
+        if (!m_failureReported)
+            emit message(QStringLiteral("%1; retrying every second").arg(error.text()));
+        m_failureReported = true;
+        m_return.start(reopenMs);
     }
-    if (!m_failureTold)
-        emit message(QStringLiteral("%1; trying again").arg(error));
-    m_failureTold = true;
-    m_return.start(reopenMs);
 }
 
 }  // namespace fxsim

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// A way from hosts to the simulated PLC, and what all ways share: a session for each host, a timer
-// that lets its replies out when they are due, and a link that can be taken away and comes back.
-// The ways themselves are in pty_link, tcp_link and serial_link.
+// What all links share: a session for each host, a timer that sends its replies when they are due,
+// and a link that can close and come back. The kinds of link are pty_link, tcp_link and
+// serial_link.
 
 #pragma once
 
@@ -17,13 +17,13 @@
 
 namespace fxsim {
 
-// One host on a link: bytes in by receive(), bytes out by the function it was given, at their time.
+// One host on a link: bytes come in by receive() and go out, when they are due, by a function.
 class HostConnection : public QObject
 {
     Q_OBJECT
 
 public:
-    // `write` answers how many bytes it could not pass on.
+    // Returns how many of the bytes could not be sent.
     using Write = std::function<int(const QByteArray& bytes)>;
 
     HostConnection(Simulator& simulator, const Clock& clock, const QByteArray& client, Write write);
@@ -51,9 +51,9 @@ class Link : public QObject
 public:
     Link(Simulator& simulator, const Clock& clock);
 
-    virtual QString open() = 0;  // what went wrong, or nothing
+    virtual void open() = 0;  // throws an Error
     virtual void close() = 0;
-    virtual QString name() const = 0;  // as in the line that says ready
+    virtual QString name() const = 0;  // as the line "ready on" prints it
 
     void drop(int forMs);
 
@@ -71,7 +71,7 @@ private:
     const Clock& m_clock;
     QTimer m_return;
     bool m_down = false;
-    bool m_failureTold = false;
+    bool m_failureReported = false;
 };
 
 }  // namespace fxsim

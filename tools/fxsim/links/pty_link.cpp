@@ -5,6 +5,8 @@
 
 #include "tools/fxsim/links/pty_link.h"
 
+#include "tools/fxsim/plc/error.h"
+
 #include <QFile>
 #include <QFileInfo>
 
@@ -23,9 +25,10 @@ namespace {
 constexpr int readBytes = 4096;  // what a terminal holds at most
 constexpr int deviceNameBytes = 128;
 
-QString systemError(const QString& what)
+// Of the system call that just failed.
+Error systemError(const QString& what)
 {
-    return QStringLiteral("%1: %2").arg(what, QString::fromLocal8Bit(std::strerror(errno)));
+    return Error(ExitCode::Link, QString::fromLocal8Bit(std::strerror(errno))).at(what);
 }
 
 void closeDescriptor(int& descriptor)
@@ -44,7 +47,7 @@ bool makeRaw(int terminal)
     return tcsetattr(terminal, TCSANOW, &settings) == 0;
 }
 
-// readlink() as it stands in the link, whether or not its target exists.
+// What a symbolic link says, whether or not it exists; empty for any other file.
 QString targetOf(const QString& path)
 {
     const QFileInfo info(path);
@@ -62,14 +65,15 @@ PtyLink::~PtyLink()
     PtyLink::close();
 }
 
-QString PtyLink::open()
+void PtyLink::open()
 {
-    QString error = openTerminal();
-    if (error.isEmpty() && !m_linkPath.isEmpty())
-        error = makeLink();
-    if (!error.isEmpty()) {
+    try {
+        openTerminal();
+        if (!m_linkPath.isEmpty())
+            makeLink();
+    } catch (const Error&) {
         close();
-        return error;
+        throw;
     }
     m_host =
         std::make_unique<HostConnection>(simulator(), clock(), m_device.toLocal8Bit(),
@@ -77,7 +81,6 @@ QString PtyLink::open()
     connect(m_host.get(), &HostConnection::linkTaken, this, &Link::drop, Qt::QueuedConnection);
     m_notifier = std::make_unique<QSocketNotifier>(m_master, QSocketNotifier::Read);
     connect(m_notifier.get(), &QSocketNotifier::activated, this, &PtyLink::readAvailable);
-    return QString();
 }
 
 void PtyLink::close()
@@ -96,32 +99,27 @@ QString PtyLink::name() const
                                 : QStringLiteral("%1 (linked as %2)").arg(m_device, m_linkPath);
 }
 
-QString PtyLink::openTerminal()
+void PtyLink::openTerminal()
 {
-    m_master = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-    if (m_master < 0 || grantpt(m_master) != 0 || unlockpt(m_master) != 0)
-        return systemError(QStringLiteral("no pseudo-terminal"));
     char device[deviceNameBytes];
-    if (ptsname_r(m_master, device, sizeof device) != 0)
-        return systemError(QStringLiteral("no name of the pseudo-terminal"));
+    m_master = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    if (m_master < 0 || grantpt(m_master) != 0 || unlockpt(m_master) != 0 ||
+        ptsname_r(m_master, device, sizeof device) != 0)
+        throw systemError(QStringLiteral("cannot open a pseudo-terminal"));
     m_device = QString::fromLocal8Bit(device);
     m_slave = ::open(device, O_RDWR | O_NOCTTY | O_CLOEXEC);
     if (m_slave < 0 || !makeRaw(m_slave))
-        return systemError(m_device);
-    return QString();
+        throw systemError(m_device);
 }
 
-// A link that an earlier run left behind is replaced; anything else at that path is somebody's and
-// stays.
-QString PtyLink::makeLink()
+// Replaces a link to a terminal that an earlier run left behind; any other file stays.
+void PtyLink::makeLink() const
 {
-    const QFileInfo existing(m_linkPath);
-    if (existing.isSymLink() && targetOf(m_linkPath).startsWith(QLatin1String("/dev/pts/")))
+    if (targetOf(m_linkPath).startsWith(QLatin1String("/dev/pts/")))
         QFile::remove(m_linkPath);
     if (::symlink(QFile::encodeName(m_device).constData(),
                   QFile::encodeName(m_linkPath).constData()) != 0)
-        return systemError(QStringLiteral("cannot make the link %1").arg(m_linkPath));
-    return QString();
+        throw systemError(QStringLiteral("cannot create the symbolic link %1").arg(m_linkPath));
 }
 
 void PtyLink::removeLink()

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// A pseudo-terminal: the host opens its other end as it would a serial port. It is raw from the
-// start, so that a host which sets nothing reads what was sent. With a link path, a symbolic link
-// leads to whatever terminal it is this time.
+// A pseudo-terminal: the host opens its other end like a serial port. It is raw from the start, so
+// a host that sets nothing reads the bytes as they were sent. A symbolic link can give it a fixed
+// name.
 
 #pragma once
 
@@ -23,13 +23,13 @@ public:
     PtyLink(Simulator& simulator, const Clock& clock, const QString& linkPath);
     ~PtyLink() override;
 
-    QString open() override;
+    void open() override;
     void close() override;
     QString name() const override;
 
 private:
-    QString openTerminal();
-    QString makeLink();
+    void openTerminal();
+    void makeLink() const;
     void removeLink();
     void readAvailable();
     int write(const QByteArray& bytes);
@@ -37,7 +37,7 @@ private:
     QString m_linkPath;
     QString m_device;
     int m_master = -1;
-    int m_slave = -1;  // kept open: without it the master hangs up whenever a host closes its end
+    int m_slave = -1;  // kept open: else the master hangs up whenever a host closes its end
     std::unique_ptr<QSocketNotifier> m_notifier;
     std::unique_ptr<HostConnection> m_host;
 };

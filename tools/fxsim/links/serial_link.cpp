@@ -5,6 +5,8 @@
 
 #include "tools/fxsim/links/serial_link.h"
 
+#include "tools/fxsim/plc/error.h"
+
 #include <QFile>
 
 #include <fcntl.h>
@@ -15,10 +17,10 @@ namespace fxsim {
 
 namespace {
 
-constexpr int unpluggedMs = 1000;  // until the first attempt to open the port again
+constexpr int unpluggedMs = 1000;  // before the first attempt to reopen the port
 constexpr int watchMs = 200;
 
-// Something that can be opened, but has no line settings.
+// A file that can be opened, but has no line settings.
 bool isOtherFile(const QString& path)
 {
     const int file = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_NOCTTY | O_NONBLOCK);
@@ -44,12 +46,13 @@ SerialLink::SerialLink(Simulator& simulator, const Clock& clock, const QString& 
     connect(&m_watch, &QTimer::timeout, this, &SerialLink::lookForHangup);
 }
 
-QString SerialLink::open()
+void SerialLink::open()
 {
-    if (!m_port.open(QIODevice::ReadWrite))
-        return QStringLiteral("%1: %2").arg(m_device, isOtherFile(m_device)
-                                                          ? QStringLiteral("it is no serial port")
-                                                          : m_port.errorString());
+    if (!m_port.open(QIODevice::ReadWrite)) {
+        const QString reason =
+            isOtherFile(m_device) ? QStringLiteral("not a serial port") : m_port.errorString();
+        throw Error(ExitCode::Link, reason).at(m_device);
+    }
     m_host = std::make_unique<HostConnection>(
         simulator(), clock(), m_device.toLocal8Bit(), [this](const QByteArray& bytes) {
             return bytes.size() - static_cast<int>(std::max<qint64>(0, m_port.write(bytes)));
@@ -57,7 +60,6 @@ QString SerialLink::open()
     m_host->session().setTiming({0, simulator().settings().timing.scanMs});
     connect(m_host.get(), &HostConnection::linkTaken, this, &Link::drop, Qt::QueuedConnection);
     m_watch.start(watchMs);
-    return QString();
 }
 
 void SerialLink::close()
@@ -72,7 +74,7 @@ QString SerialLink::name() const
     return m_device;
 }
 
-// An adapter that was pulled out hangs up its port, on which reads then give nothing and no error.
+// An unplugged adapter hangs up its port; reads then give nothing and no error.
 void SerialLink::lookForHangup()
 {
     pollfd port{m_port.handle(), 0, 0};

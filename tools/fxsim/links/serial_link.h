@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// A real serial port, seven data bits, even parity, one stop bit. The hardware paces the characters
-// here.
+// A real serial port with 7 data bits, even parity and 1 stop bit. The hardware paces the
+// characters.
 
 #pragma once
 
@@ -21,7 +21,7 @@ class SerialLink : public Link
 public:
     SerialLink(Simulator& simulator, const Clock& clock, const QString& device, int baud);
 
-    QString open() override;
+    void open() override;
     void close() override;
     QString name() const override;
 

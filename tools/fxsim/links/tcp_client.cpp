@@ -50,7 +50,7 @@ void TcpClient::readAvailable()
     }
 }
 
-// What the system has no room for, since the host takes nothing, is lost as on a serial line.
+// A host that reads nothing loses what the system has no room for, as on a serial line.
 int TcpClient::write(const QByteArray& bytes) const
 {
     const ssize_t sent = ::send(m_descriptor, bytes.constData(), static_cast<size_t>(bytes.size()),

@@ -1,8 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// A host that connected over TCP. Its bytes go by the descriptor: the buffers and signals of a
-// socket object would cost as much as the PLC itself. The client goes when the host does.
+// A host that connected over TCP. Its bytes go through the bare descriptor: the buffers and signals
+// of a socket object would cost as much as the PLC itself. Deletes itself when the host
+// disconnects.
 
 #pragma once
 
@@ -17,7 +18,7 @@ class TcpClient : public QObject
     Q_OBJECT
 
 public:
-    // Owns `descriptor`, a connected socket. `name` is the host's, as traces show it.
+    // Owns `descriptor`, a connected socket. `name` is that of the host in the trace.
     TcpClient(Simulator& simulator, const Clock& clock, int descriptor, const QByteArray& name,
               QObject* parent);
     ~TcpClient() override;

@@ -6,6 +6,7 @@
 #include "tools/fxsim/links/tcp_link.h"
 
 #include "tools/fxsim/links/tcp_client.h"
+#include "tools/fxsim/plc/error.h"
 
 #include <QtEndian>
 
@@ -29,7 +30,7 @@ QString peerText(int descriptor)
     sockaddr_storage peer{};
     socklen_t size = sizeof peer;
     ::getpeername(descriptor, reinterpret_cast<sockaddr*>(&peer), &size);
-    // The port stands at the same place in the addresses of both families.
+    // The port is at the same place in the addresses of both families.
     const quint16 port = reinterpret_cast<const sockaddr_in&>(peer).sin_port;
     return addressText(QHostAddress(reinterpret_cast<const sockaddr*>(&peer)),
                        qFromBigEndian(port));
@@ -44,17 +45,15 @@ TcpLink::TcpLink(Simulator& simulator, const Clock& clock, const QHostAddress& a
     connect(&m_server, &TcpServer::accepted, this, &TcpLink::welcome);
 }
 
-QString TcpLink::open()
+void TcpLink::open()
 {
     if (!m_server.listen(m_address, m_port)) {
         const QString reason = m_server.serverError() == QAbstractSocket::SocketAccessError
-                                   ? QStringLiteral("this port is not for every user; take one "
-                                                    "from 1024 on")
+                                   ? QStringLiteral("no permission; use a port from 1024 up")
                                    : m_server.errorString();
-        return QStringLiteral("%1: %2").arg(addressText(m_address, m_port), reason);
+        throw Error(ExitCode::Link, reason).at(addressText(m_address, m_port));
     }
     m_port = m_server.serverPort();
-    return QString();
 }
 
 void TcpLink::close()

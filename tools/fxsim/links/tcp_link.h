@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// A TCP server: several hosts in turn or together, each with a session of its own on the one PLC.
+// A TCP server: several hosts in turn or at once, each with its own session on the one PLC.
 
 #pragma once
 
@@ -12,7 +12,7 @@
 
 namespace fxsim {
 
-// Hands out the connections as they are, without socket objects around them.
+// Hands out bare descriptors, without socket objects.
 class TcpServer : public QTcpServer
 {
     Q_OBJECT
@@ -34,7 +34,7 @@ class TcpLink : public Link
 public:
     TcpLink(Simulator& simulator, const Clock& clock, const QHostAddress& address, quint16 port);
 
-    QString open() override;
+    void open() override;
     void close() override;
     QString name() const override;
 
@@ -43,7 +43,7 @@ private:
 
     TcpServer m_server;
     QHostAddress m_address;
-    quint16 m_port;  // 0 until the system chose one
+    quint16 m_port;  // 0 until the system has chosen one
 };
 
 }  // namespace fxsim

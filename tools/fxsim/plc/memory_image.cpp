@@ -1,11 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// See memory_image.h. A record is ":", byte count, address (2), type, data, sum; all its bytes add
-// up to zero.
+// See memory_image.h. A record is ":", byte count, address (2), type, data, checksum; all its bytes
+// add up to zero.
 
 #include "tools/fxsim/plc/memory_image.h"
 
+#include "tools/fxsim/plc/error.h"
 #include "tools/fxsim/plc/plc_memory.h"
 
 #include <QFile>
@@ -13,13 +14,14 @@
 #include <QSaveFile>
 
 #include <algorithm>
+#include <cctype>
 
 namespace fxsim {
 
 namespace {
 
 constexpr int recordBytes = 16;
-constexpr int recordAround = 1 + 2 + 1 + 1;  // byte count, address, type, sum
+constexpr int recordAround = 1 + 2 + 1 + 1;  // byte count, address, type, checksum
 constexpr int dataAt = 4;
 
 enum class RecordType
@@ -41,10 +43,8 @@ struct HexReader
 
 bool isHex(const QByteArray& digits)
 {
-    return std::all_of(digits.begin(), digits.end(), [](char digit) {
-        return (digit >= '0' && digit <= '9') || (digit >= 'A' && digit <= 'F') ||
-               (digit >= 'a' && digit <= 'f');
-    });
+    return std::all_of(digits.begin(), digits.end(),
+                       [](unsigned char digit) { return std::isxdigit(digit) != 0; });
 }
 
 quint8 sumOfBytes(const QByteArray& bytes)
@@ -60,52 +60,60 @@ int wordAt(const QByteArray& bytes, int at)
     return static_cast<quint8>(bytes[at]) << 8 | static_cast<quint8>(bytes[at + 1]);
 }
 
-QString placeData(HexReader& reader, int offset, const QByteArray& data)
+[[noreturn]] void refuse(const QString& text)
+{
+    throw Error(ExitCode::File, text);
+}
+
+void placeData(HexReader& reader, int offset, const QByteArray& data)
 {
     const qint64 address = reader.base + offset;
     if (address > addressableBytes - data.size())
-        return QStringLiteral("the data lies beyond 64 KiB");
+        refuse(QStringLiteral("data beyond 64 KiB"));
     reader.image.replace(static_cast<int>(address), data.size(), data);
-    return QString();
 }
 
-QString takeRecord(HexReader& reader, const QByteArray& record)
+qint64 extendedAddress(const QByteArray& data)
+{
+    if (data.size() != 2)
+        refuse(QStringLiteral("an extended address must have 2 bytes"));
+    return wordAt(data, 0);
+}
+
+void takeRecord(HexReader& reader, const QByteArray& record)
 {
     const QByteArray data = record.mid(dataAt, static_cast<quint8>(record[0]));
-    const bool isBase = static_cast<RecordType>(record[3]) == RecordType::SegmentBase ||
-                        static_cast<RecordType>(record[3]) == RecordType::LinearBase;
-    if (isBase && data.size() != 2)
-        return QStringLiteral("an extended address has two bytes");
     switch (static_cast<RecordType>(record[3])) {
     case RecordType::Data:
-        return placeData(reader, wordAt(record, 1), data);
+        placeData(reader, wordAt(record, 1), data);
+        return;
     case RecordType::End:
         reader.ended = true;
-        return QString();
+        return;
     case RecordType::SegmentBase:
-        reader.base = static_cast<qint64>(wordAt(data, 0)) << 4;
-        return QString();
+        reader.base = extendedAddress(data) << 4;
+        return;
     case RecordType::LinearBase:
-        reader.base = static_cast<qint64>(wordAt(data, 0)) << 16;
-        return QString();
+        reader.base = extendedAddress(data) << 16;
+        return;
     case RecordType::SegmentStart:
     case RecordType::LinearStart:
-        return QString();  // where a program would begin: nothing to a memory
+        return;  // where a program would begin: nothing to a memory
     }
-    return QStringLiteral("unknown record type %1").arg(static_cast<quint8>(record[3]));
+    refuse(QStringLiteral("unknown record type %1").arg(static_cast<quint8>(record[3])));
 }
 
-QString takeLine(HexReader& reader, const QByteArray& line)
+void takeLine(HexReader& reader, const QByteArray& line)
 {
     if (!line.startsWith(':') || !isHex(line.mid(1)) || line.size() % 2 == 0)
-        return QStringLiteral("a record is \":\" and pairs of hex digits");
+        refuse(QStringLiteral("expected \":\" followed by pairs of hex digits"));
     const QByteArray record = QByteArray::fromHex(line.mid(1));
     if (record.size() < recordAround ||
         record.size() != recordAround + static_cast<quint8>(record[0]))
-        return QStringLiteral("the record is not as long as it says");
+        refuse(QStringLiteral("the length of the record does not match its byte count"));
     if (sumOfBytes(record) != 0)
-        return QStringLiteral("wrong sum");
-    return takeRecord(reader, record);
+        refuse(QStringLiteral("wrong checksum"));
+    takeRecord(reader, record);
 }
 
 QByteArray recordText(int address, RecordType type, const QByteArray& data)
@@ -122,7 +130,7 @@ QByteArray recordText(int address, RecordType type, const QByteArray& data)
 
 }  // namespace
 
-QString applyHex(const QByteArray& text, QByteArray& image)
+void applyHex(const QByteArray& text, QByteArray& image)
 {
     HexReader reader;
     reader.image = image;
@@ -132,14 +140,15 @@ QString applyHex(const QByteArray& text, QByteArray& image)
         const QByteArray record = line.trimmed();
         if (record.isEmpty() || reader.ended)
             continue;
-        const QString error = takeLine(reader, record);
-        if (!error.isEmpty())
-            return QStringLiteral("line %1: %2").arg(number).arg(error);
+        try {
+            takeLine(reader, record);
+        } catch (const Error& error) {
+            throw error.at(QStringLiteral("line %1").arg(number));
+        }
     }
     if (!reader.ended)
-        return QStringLiteral("the end record (:00000001FF) is missing");
+        refuse(QStringLiteral("the end record (:00000001FF) is missing"));
     image = reader.image;
-    return QString();
 }
 
 QByteArray hexText(const QByteArray& image)
@@ -154,48 +163,48 @@ QByteArray hexText(const QByteArray& image)
     return text + recordText(0, RecordType::End, QByteArray());
 }
 
-QString loadImage(const QString& path, QByteArray& image)
+void loadImage(const QString& path, QByteArray& image)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        return QStringLiteral("%1: %2").arg(path, file.errorString());
-    const QString error = applyHex(file.readAll(), image);
-    return error.isEmpty() ? QString() : QStringLiteral("%1: %2").arg(path, error);
+        throw Error(ExitCode::File, file.errorString()).at(path);
+    try {
+        applyHex(file.readAll(), image);
+    } catch (const Error& error) {
+        throw error.at(path);
+    }
 }
 
-QString obstacleToSaving(const QString& path)
+void checkSaving(const QString& path)
 {
     const QFileInfo file(path);
     const QFileInfo folder(file.absolutePath());
     if (file.isDir())
-        return QStringLiteral("%1: this is a folder, no file").arg(path);
+        refuse(QStringLiteral("%1: this is a folder, not a file").arg(path));
     if (file.exists() && !file.isFile())
-        return QStringLiteral("%1: this is no ordinary file").arg(path);
+        refuse(QStringLiteral("%1: not a regular file").arg(path));
     if (file.exists() && !file.isWritable())
-        return QStringLiteral("%1: this file may not be written").arg(path);
+        refuse(QStringLiteral("%1: no permission to write this file").arg(path));
     if (!folder.isDir())
-        return QStringLiteral("%1: there is no folder %2").arg(path, folder.filePath());
+        refuse(QStringLiteral("%1: the folder %2 does not exist").arg(path, folder.filePath()));
     if (!folder.isWritable())
-        return QStringLiteral("%1: nothing can be saved in this folder").arg(path);
-    return QString();
+        refuse(QStringLiteral("%1: no permission to write in this folder").arg(path));
 }
 
 // Renamed over an older file when all of it is on the disk. commit() by itself does not notice that
 // the last bytes found no room, and a disk that took a part says only when asked again why.
-QString saveImage(const QString& path, const QByteArray& image)
+void saveImage(const QString& path, const QByteArray& image)
 {
-    QString obstacle = obstacleToSaving(path);
-    if (!obstacle.isEmpty())
-        return obstacle;
+    checkSaving(path);
     QSaveFile file(path);
     if (file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
         const QByteArray text = hexText(image);
         const int written = static_cast<int>(std::max<qint64>(0, file.write(text)));
         const QByteArray rest = text.mid(written);
         if ((rest.isEmpty() || file.write(rest) == rest.size()) && file.commit())
-            return QString();
+            return;
     }
-    return QStringLiteral("%1: %2").arg(path, file.errorString());
+    throw Error(ExitCode::File, file.errorString()).at(path);
 }
 
 }  // namespace fxsim

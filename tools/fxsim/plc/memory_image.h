@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 //
 // A memory image as Intel HEX text: records of up to sixteen bytes, types 00 (data) and 01 (end),
-// each with its sum. The addresses are those of the wire; extended addresses (types 02 and 04) are
-// taken where they stay within 64 KiB. Files from other tools load, and what is saved loads
-// elsewhere.
+// each with its checksum. The addresses are those of the wire; extended addresses (types 02 and 04)
+// are accepted as long as they stay within 64 KiB. Files from other tools can be loaded, and other
+// tools can load what is saved here. All of these throw an Error that names the file or the line.
 
 #pragma once
 
@@ -13,18 +13,17 @@
 
 namespace fxsim {
 
-// Writes the records of `text` over `image` (64 KiB), or changes nothing and says what is wrong,
-// and in which line.
-QString applyHex(const QByteArray& text, QByteArray& image);
+// Writes the records of `text` over `image` (64 KiB); an Error leaves the image as it was.
+void applyHex(const QByteArray& text, QByteArray& image);
 
-// Runs of zeros are left out: a loaded image starts from zeros.
+// Leaves out runs of zeros: a loaded image starts from zeros.
 QByteArray hexText(const QByteArray& image);
 
-// The same from and to a file. The file is replaced only when it was written whole.
-QString loadImage(const QString& path, QByteArray& image);
-QString saveImage(const QString& path, const QByteArray& image);
+// The same from and to a file. An existing file is replaced only once all is written.
+void loadImage(const QString& path, QByteArray& image);
+void saveImage(const QString& path, const QByteArray& image);
 
-// Why nothing can be saved there, as far as it can be told without doing it; empty: nothing.
-QString obstacleToSaving(const QString& path);
+// Throws when it is certain that nothing can be saved there. Changes nothing.
+void checkSaving(const QString& path);
 
 }  // namespace fxsim

@@ -7,88 +7,84 @@
 
 #include <QStringList>
 
+#include <algorithm>
+
 namespace fxsim {
 
 namespace {
 
-std::optional<AddressRange> parseRange(const QString& text)
+AddressRange parseRange(const QString& text)
 {
     const QStringList ends = text.split('-');
-    if (ends.size() > 2)
-        return std::nullopt;
-    const std::optional<int> first = parseByteAddress(ends.first());
-    const std::optional<int> last = parseByteAddress(ends.last());
-    if (!first || !last || *last < *first)
-        return std::nullopt;
-    return AddressRange{*first, *last};
+    const AddressRange range{parseByteAddress(ends.first()), parseByteAddress(ends.last())};
+    if (ends.size() > 2 || range.last < range.first)
+        throw invalid("address range", text, QStringLiteral("FIRST-LAST, as in 0x0000-0x7FFF"));
+    return range;
 }
 
-std::optional<MirrorWindow> parseMirror(const QString& text)
+MirrorWindow parseMirror(const QString& text)
 {
     const QStringList fields = text.split(':');
     if (fields.size() != 3)
-        return std::nullopt;
-    const std::optional<int> from = parseByteAddress(fields[0]);
-    const std::optional<int> to = parseByteAddress(fields[1]);
-    const std::optional<int> byteCount = parseNumber(fields[2], 1, addressableBytes);
-    if (!from || !to || !byteCount || *byteCount > addressableBytes - std::max(*from, *to))
-        return std::nullopt;
-    return MirrorWindow{*from, *to, *byteCount};
+        throw invalid("mirror", text,
+                      QStringLiteral("FROM:TO:BYTES, as in 0x0F00:0x0E00:256, or none"));
+    const int from = parseByteAddress(fields[0]);
+    const int to = parseByteAddress(fields[1]);
+    const int room = addressableBytes - std::max(from, to);
+    return {from, to, parseNumber(fields[2], 1, room, "number of bytes")};
 }
 
-template <typename Item, typename Parse>
-std::optional<QVector<Item>> parseList(const QString& text, Parse parse)
+template <typename Item>
+QVector<Item> parseList(const QString& text, Item (*parse)(const QString&))
 {
     QVector<Item> items;
-    for (const QString& part : text.split(',')) {
-        const std::optional<Item> item = parse(part.trimmed());
-        if (!item)
-            return std::nullopt;
-        items.append(*item);
-    }
+    for (const QString& part : text.split(','))
+        items.append(parse(part.trimmed()));
     return items;
 }
 
 }  // namespace
 
-std::optional<int> parseNumber(const QString& text, int lowest, int highest)
+int parseNumber(const QString& text, int lowest, int highest, const char* what)
 {
     const bool hex = text.startsWith(QLatin1String("0x"), Qt::CaseInsensitive);
-    if (hex && text.size() > 2 && !text[2].isLetterOrNumber())
-        return std::nullopt;  // a sign behind the prefix, which the conversion would take
-    bool ok = false;
-    const int number = hex ? text.mid(2).toInt(&ok, 16) : text.toInt(&ok, 10);
-    if (!ok || number < lowest || number > highest)
-        return std::nullopt;
+    const bool signAfterPrefix = hex && text.size() > 2 && !text[2].isLetterOrNumber();
+    bool isNumber = false;
+    const int number = hex ? text.mid(2).toInt(&isNumber, 16) : text.toInt(&isNumber, 10);
+    if (!isNumber || signAfterPrefix || number < lowest || number > highest)
+        throw invalid(what, text,
+                      lowest == highest ? QString::number(lowest)
+                                        : QStringLiteral("%1 to %2").arg(lowest).arg(highest));
     return number;
 }
 
-std::optional<int> parseByteAddress(const QString& text)
+int parseByteAddress(const QString& text)
 {
-    return parseNumber(text, 0, addressableBytes - 1);
+    try {
+        return parseNumber(text, 0, addressableBytes - 1);
+    } catch (const Error&) {
+        throw invalid("byte address", text, QStringLiteral("0x0000 to 0xFFFF"));
+    }
 }
 
-std::optional<BitPlace> parseBitPlace(const QString& text)
+MemoryPlace parsePlace(const QString& text)
 {
-    const QStringList fields = text.split('.');
-    if (fields.size() != 2)
-        return std::nullopt;
-    const std::optional<int> address = parseByteAddress(fields[0]);
-    const std::optional<int> bit = parseNumber(fields[1], 0, bitsPerByte - 1);
-    if (!address || !bit)
-        return std::nullopt;
-    return BitPlace{*address, *bit};
+    const int dot = text.indexOf('.');
+    if (dot < 0)
+        return {parseByteAddress(text), std::nullopt};
+    return {parseByteAddress(text.left(dot)),
+            parseNumber(text.mid(dot + 1), 0, bitsPerByte - 1, "bit number")};
 }
 
-std::optional<QVector<AddressRange>> parseRanges(const QString& text)
+QVector<AddressRange> parseRanges(const QString& text)
 {
     return parseList<AddressRange>(text, parseRange);
 }
 
-std::optional<QVector<MirrorWindow>> parseMirrors(const QString& text)
+QVector<MirrorWindow> parseMirrors(const QString& text)
 {
     if (text == QLatin1String("none"))
-        return QVector<MirrorWindow>();
+        return {};
     return parseList<MirrorWindow>(text, parseMirror);
 }
 

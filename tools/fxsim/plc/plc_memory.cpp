@@ -1,8 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// See plc_memory.h. Addresses wrap at 64 KiB on the bench's road, so that no program can leave the
-// memory.
+// See plc_memory.h. Addresses of the bench wrap at 64 KiB, so that no program can leave the memory.
 
 #include "tools/fxsim/plc/plc_memory.h"
 

@@ -1,11 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// The memory of the simulated PLC: 64 KiB of bytes under the addresses that frames carry. It knows
-// no registers: what a byte stands for is the business of whoever reads the wire. Some of the 64
-// KiB may be missing (ranges that the PLC does not have), and what a frame writes in one window can
-// show in a second one as well (mirrors). The frame server reads and writes here for the host;
-// programs, images and the control commands do so for the bench.
+// The memory of the simulated PLC: 64 KiB at the byte addresses that frames carry. It does not know
+// what a byte stands for. Some addresses may be missing, and what a host writes in one window can
+// appear in a second one too (mirrors). The frame server reads and writes here for the host;
+// programs, images and control commands do so for the bench.
 
 #pragma once
 
@@ -23,7 +22,7 @@ struct AddressRange
     int last = 0;  // included
 };
 
-// What the host writes at `from` shows at `to` too; a mirror does not feed another one.
+// What the host writes at `from` appears at `to` too; a mirror does not feed another mirror.
 struct MirrorWindow
 {
     int from = 0;
@@ -42,13 +41,12 @@ public:
 
     bool has(int address, int byteCount) const;
 
-    // The host's road: the caller has asked has() before; mirrors apply to writes.
+    // For the host: the caller has asked has() before; writes are mirrored.
     QByteArray read(int address, int byteCount) const;
     void write(int address, const QByteArray& bytes);
     void forceBit(int bitAddress, bool on);
 
-    // The bench's road: programs, images and control commands reach every byte and bypass the
-    // mirrors.
+    // For the bench: programs, images and control commands reach every byte; nothing is mirrored.
     quint8 byte(int address) const;
     void setByte(int address, quint8 value);
     bool bit(int address, int bitNumber) const;

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// What runs inside the PLC: something that changes its memory as time goes by. The simulator starts
-// it at power-on and lets it advance with each scan; the time is counted from that start.
+// What runs inside the PLC and changes its memory over time. The simulator starts it at power-on
+// and advances it with each scan; the time counts from that start.
 
 #pragma once
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// See script_program.h: steps at work. Reading them is script_reader.cpp.
+// See script_program.h: running the steps. Reading them is script_reader.cpp.
 
 #include "tools/fxsim/plc/script_program.h"
 
@@ -13,8 +13,7 @@ namespace fxsim {
 namespace {
 
 constexpr qint64 never = std::numeric_limits<qint64>::max();
-constexpr int mostCatchUps =
-    100000;  // steps in one go, should the machine have slept; the rest is left out
+constexpr int mostCatchUps = 100000;  // steps at once after the machine slept; more are left out
 
 void addStep(PlcMemory& memory, const ScriptStep& step)
 {

@@ -1,8 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// A program of one's own, from a JSON file: a list of steps, each done once at a time or again and
-// again.
+// A program from a JSON file: a list of steps, each done once or again and again.
 //
 //   { "steps": [
 //     { "at": 0,       "set": "0x1000", "value": 1234, "bytes": 2 },      two bytes, lowest first
@@ -12,9 +11,9 @@
 //     { "every": 2000, "after": 500, "set": "0x0100.3", "value": 1 } ] }
 //
 // Times are milliseconds from power-on; "every" starts after its first interval, or at "after".
-// "bytes" is 1, 2 or 4 for set and add (2 unless given) and 1 to 65536 for copy. A sum past "to"
-// starts again at "from". Steps that are due together run in the order of the file. A "comment" may
-// stand in any step and beside "steps".
+// "bytes" is 1, 2 or 4 for set and add and 1 to 65536 for copy (default 2). A sum past "to" starts
+// again at "from". Steps that are due together run in the order of the file. A "comment" may stand
+// in any step and beside "steps".
 
 #pragma once
 
@@ -45,8 +44,8 @@ struct ScriptStep
     int toAddress = 0;  // of a copy
     int byteCount = 2;
     qint64 value = 0;
-    qint64 from = 0;  // where a sum starts again
-    qint64 to = -1;   // the last value of a sum before that; below `from` when there is none
+    qint64 from = 0;  // where a sum past `to` starts again
+    qint64 to = -1;   // below `from`: the sum wraps in its bytes
 };
 
 class ScriptProgram : public Program
@@ -62,13 +61,8 @@ private:
     QVector<qint64> m_nextMs;
 };
 
-struct LoadedScript
-{
-    std::unique_ptr<Program> program;
-    QString error;  // empty when all is well
-};
-
-LoadedScript parseScript(const QByteArray& json);
-LoadedScript loadScript(const QString& path);
+// These throw an Error that names the step or the line, and the file.
+std::unique_ptr<Program> parseScript(const QByteArray& json);
+std::unique_ptr<Program> loadScript(const QString& path);
 
 }  // namespace fxsim

@@ -1,8 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// Scripts from JSON, see script_program.h. Whatever does not fit is refused with the number of its
-// step.
+// Reads scripts from JSON, see script_program.h.
 
 #include "tools/fxsim/plc/number_text.h"
 #include "tools/fxsim/plc/script_program.h"
@@ -13,7 +12,6 @@
 #include <QJsonObject>
 
 #include <cmath>
-#include <optional>
 
 namespace fxsim {
 
@@ -22,11 +20,12 @@ namespace {
 constexpr qint64 longestMs = 7LL * 24 * 3600 * 1000;  // a week
 constexpr qint64 lowestValue = -2147483648LL;
 constexpr qint64 highestValue = 4294967295LL;
+constexpr int defaultBytes = 2;
 
-struct ScriptError
+[[noreturn]] void refuse(const QString& text)
 {
-    QString text;
-};
+    throw Error(ExitCode::File, text);
+}
 
 class StepReader
 {
@@ -37,14 +36,14 @@ public:
 
     qint64 number(const char* key, qint64 lowest, qint64 highest)
     {
-        m_read.append(QLatin1String(key));
-        const QJsonValue value = m_object[QLatin1String(key)];
+        const QJsonValue value = take(key);
         const double number = value.toDouble();
         const bool whole = value.isDouble() && number == std::floor(number);
-        const QString wanted =
-            QStringLiteral("a whole number from %1 to %2").arg(lowest).arg(highest);
         if (!whole || number < static_cast<double>(lowest) || number > static_cast<double>(highest))
-            throw ScriptError{QStringLiteral("\"%1\" must be %2").arg(key, wanted)};
+            refuse(QStringLiteral("\"%1\" must be a whole number from %2 to %3")
+                       .arg(key)
+                       .arg(lowest)
+                       .arg(highest));
         return static_cast<qint64>(number);
     }
 
@@ -53,39 +52,40 @@ public:
         return has(key) ? number(key, lowest, highest) : otherwise;
     }
 
-    QString text(const char* key)
+    MemoryPlace place(const char* key)
     {
-        m_read.append(QLatin1String(key));
-        return m_object[QLatin1String(key)].toString();
+        try {
+            return parsePlace(take(key).toString());
+        } catch (const Error&) {
+            refuse(QStringLiteral("\"%1\" must be a byte address such as \"0x1000\", or a bit such "
+                                  "as \"0x0100.3\"")
+                       .arg(key));
+        }
     }
 
     int address(const char* key)
     {
-        const std::optional<int> address = parseByteAddress(text(key));
-        if (!address)
-            throw ScriptError{
-                QStringLiteral("\"%1\" must be a byte address such as \"0x1000\"").arg(key)};
-        return *address;
+        const MemoryPlace byte = place(key);
+        if (byte.bit)
+            refuse(QStringLiteral("\"%1\" must be a byte address, not a bit").arg(key));
+        return byte.address;
     }
 
-    BitPlace bit(const char* key)
-    {
-        const std::optional<BitPlace> place = parseBitPlace(text(key));
-        if (!place)
-            throw ScriptError{QStringLiteral("\"%1\" must be a bit such as \"0x0080.3\"").arg(key)};
-        return *place;
-    }
-
-    // A key that nobody asked for is a mistake of its writer.
-    void refuseOthers() const
+    void refuseOtherKeys() const
     {
         for (const QString& key : m_object.keys()) {
             if (!m_read.contains(key))
-                throw ScriptError{QStringLiteral("\"%1\" has no meaning here").arg(key)};
+                refuse(QStringLiteral("\"%1\" is not expected here").arg(key));
         }
     }
 
 private:
+    QJsonValue take(const char* key)
+    {
+        m_read.append(QLatin1String(key));
+        return m_object[QLatin1String(key)];
+    }
+
     QJsonObject m_object;
     QStringList m_read{QStringLiteral("comment")};  // which JSON has no other place for
 };
@@ -93,7 +93,7 @@ private:
 void readTimes(StepReader& reader, ScriptStep& step)
 {
     if (reader.has("at") == reader.has("every"))
-        throw ScriptError{QStringLiteral("one of \"at\" and \"every\" says when")};
+        refuse(QStringLiteral("expected either \"at\" or \"every\""));
     if (reader.has("at")) {
         step.firstMs = reader.number("at", 0, longestMs);
         return;
@@ -104,26 +104,23 @@ void readTimes(StepReader& reader, ScriptStep& step)
 
 void readByteCount(StepReader& reader, ScriptStep& step)
 {
-    step.byteCount = static_cast<int>(reader.numberOr("bytes", 2, 1, 4));
+    step.byteCount = static_cast<int>(reader.numberOr("bytes", defaultBytes, 1, 4));
     if (step.byteCount == 3)
-        throw ScriptError{QStringLiteral("\"bytes\" must be 1, 2 or 4")};
+        refuse(QStringLiteral("\"bytes\" must be 1, 2 or 4"));
     if (step.byteCount > addressableBytes - step.address)
-        throw ScriptError{QStringLiteral("the bytes end beyond 0xFFFF")};
+        refuse(QStringLiteral("the value extends beyond address 0xFFFF"));
 }
 
 void readSet(StepReader& reader, ScriptStep& step)
 {
-    if (const std::optional<BitPlace> place = parseBitPlace(reader.text("set"))) {
-        step.action = ScriptStep::Action::SetBit;
-        step.address = place->address;
-        step.bit = place->bit;
-        step.value = reader.number("value", 0, 1);
-        return;
-    }
-    step.action = ScriptStep::Action::Set;
-    step.address = reader.address("set");
-    readByteCount(reader, step);
-    step.value = reader.number("value", lowestValue, highestValue);
+    const MemoryPlace place = reader.place("set");
+    step.action = place.bit ? ScriptStep::Action::SetBit : ScriptStep::Action::Set;
+    step.address = place.address;
+    step.bit = place.bit.value_or(0);
+    if (!place.bit)
+        readByteCount(reader, step);
+    step.value = place.bit ? reader.number("value", 0, 1)
+                           : reader.number("value", lowestValue, highestValue);
 }
 
 void readAdd(StepReader& reader, ScriptStep& step)
@@ -140,10 +137,12 @@ void readAdd(StepReader& reader, ScriptStep& step)
 
 void readToggle(StepReader& reader, ScriptStep& step)
 {
-    const BitPlace place = reader.bit("toggle");
+    const MemoryPlace place = reader.place("toggle");
+    if (!place.bit)
+        refuse(QStringLiteral("\"toggle\" must be a bit such as \"0x0080.3\""));
     step.action = ScriptStep::Action::Toggle;
     step.address = place.address;
-    step.bit = place.bit;
+    step.bit = *place.bit;
 }
 
 void readCopy(StepReader& reader, ScriptStep& step)
@@ -152,7 +151,8 @@ void readCopy(StepReader& reader, ScriptStep& step)
     step.address = reader.address("copy");
     step.toAddress = reader.address("to");
     const int room = addressableBytes - std::max(step.address, step.toAddress);
-    step.byteCount = static_cast<int>(reader.numberOr("bytes", std::min(2, room), 1, room));
+    step.byteCount =
+        static_cast<int>(reader.numberOr("bytes", std::min(defaultBytes, room), 1, room));
 }
 
 ScriptStep readStep(const QJsonObject& object)
@@ -174,10 +174,9 @@ ScriptStep readStep(const QJsonObject& object)
         row.read(reader, step);
     }
     if (actions != 1)
-        throw ScriptError{
-            QStringLiteral("one of \"set\", \"add\", \"toggle\" and \"copy\" says what")};
+        refuse(QStringLiteral("expected one of \"set\", \"add\", \"toggle\" and \"copy\""));
     readTimes(reader, step);
-    reader.refuseOthers();
+    reader.refuseOtherKeys();
     return step;
 }
 
@@ -187,49 +186,41 @@ QJsonArray stepsOf(const QByteArray& json)
     const QJsonDocument document = QJsonDocument::fromJson(json, &problem);
     if (problem.error != QJsonParseError::NoError) {
         const int line = 1 + json.left(problem.offset).count('\n');
-        throw ScriptError{QStringLiteral("line %1: %2").arg(line).arg(problem.errorString())};
+        refuse(QStringLiteral("line %1: %2").arg(line).arg(problem.errorString()));
     }
     const QJsonObject top = document.object();
     const int comments = top.contains(QLatin1String("comment")) ? 1 : 0;
     if (!top[QLatin1String("steps")].isArray() || top.size() != 1 + comments)
-        throw ScriptError{QStringLiteral("a script is { \"steps\": [ ... ] }")};
+        refuse(QStringLiteral("expected { \"steps\": [ ... ] }"));
     return top[QLatin1String("steps")].toArray();
 }
 
-QVector<ScriptStep> readSteps(const QByteArray& json)
+}  // namespace
+
+std::unique_ptr<Program> parseScript(const QByteArray& json)
 {
     QVector<ScriptStep> steps;
     const QJsonArray array = stepsOf(json);
     for (const QJsonValue& value : array) {
         try {
             steps.append(readStep(value.toObject()));
-        } catch (const ScriptError& error) {
-            throw ScriptError{QStringLiteral("step %1: %2").arg(steps.size() + 1).arg(error.text)};
+        } catch (const Error& error) {
+            throw error.at(QStringLiteral("step %1").arg(steps.size() + 1));
         }
     }
-    return steps;
+    return std::make_unique<ScriptProgram>(steps);
 }
 
-}  // namespace
-
-LoadedScript parseScript(const QByteArray& json)
-{
-    try {
-        return {std::make_unique<ScriptProgram>(readSteps(json)), QString()};
-    } catch (const ScriptError& error) {
-        return {nullptr, error.text};
-    }
-}
-
-LoadedScript loadScript(const QString& path)
+std::unique_ptr<Program> loadScript(const QString& path)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        return {nullptr, QStringLiteral("%1: %2").arg(path, file.errorString())};
-    LoadedScript script = parseScript(file.readAll());
-    if (!script.error.isEmpty())
-        script.error = QStringLiteral("%1: %2").arg(path, script.error);
-    return script;
+        throw Error(ExitCode::File, file.errorString()).at(path);
+    try {
+        return parseScript(file.readAll());
+    } catch (const Error& error) {
+        throw error.at(path);
+    }
 }
 
 }  // namespace fxsim

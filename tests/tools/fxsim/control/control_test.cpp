@@ -48,20 +48,19 @@ TEST_F(ControlTest, PokesAndPeeksBits)
 
 TEST_F(ControlTest, BadPokeChangesNothing)
 {
-    EXPECT_EQ(run("poke 0x1000 1 2 256"), "error: '256' is no value; 0 to 255\n");
-    EXPECT_EQ(run("poke 0xFFFF 1 2"), "error: 2 values, but there is room for 1\n");
-    EXPECT_EQ(run("poke 0x0100.3 2"), "error: '2' is no value; 0 to 1\n");
-    EXPECT_EQ(run("poke 0x0100.3 1 1"), "error: 2 values, but there is room for 1\n");
-    EXPECT_EQ(run("poke D5 1"),
-              "error: 'D5' is no address; 0x0000 to 0xFFFF, or 0x0100.3 for a bit\n");
+    EXPECT_EQ(run("poke 0x1000 1 2 256"), "error: invalid value '256': expected 0 to 255\n");
+    EXPECT_EQ(run("poke 0xFFFF 1 2"), "error: too many values: room for 1\n");
+    EXPECT_EQ(run("poke 0x0100.3 2"), "error: invalid value '2': expected 0 to 1\n");
+    EXPECT_EQ(run("poke 0x0100.3 1 1"), "error: too many values: room for 1\n");
+    EXPECT_EQ(run("poke D5 1"), "error: invalid byte address 'D5': expected 0x0000 to 0xFFFF\n");
     EXPECT_EQ(plc.memory().image(), QByteArray(65536, '\0'));
 }
 
 TEST_F(ControlTest, BadPeekIsExplained)
 {
     EXPECT_EQ(run("peek 0x10000"),
-              "error: '0x10000' is no address; 0x0000 to 0xFFFF, or 0x0100.3 for a bit\n");
-    EXPECT_EQ(run("peek 0xFFFF 2"), "error: '2' is no number of bytes; 1 to 1 from there\n");
+              "error: invalid byte address '0x10000': expected 0x0000 to 0xFFFF\n");
+    EXPECT_EQ(run("peek 0xFFFF 2"), "error: invalid number of bytes '2': expected 1\n");
 }
 
 TEST_F(ControlTest, ShowsAndSetsFaults)
@@ -69,7 +68,8 @@ TEST_F(ControlTest, ShowsAndSetsFaults)
     EXPECT_EQ(run("faults"), "none\nok\n");
     EXPECT_EQ(run("faults silence=0.1,nak@3"), "ok\n");
     EXPECT_EQ(run("faults"), "silence=0.1,nak@3\nok\n");
-    EXPECT_EQ(run("faults loud"), "error: there is no fault 'loud'; --faults help lists them\n");
+    EXPECT_EQ(run("faults loud"),
+              "error: fault 'loud': unknown fault; 'help' in place of the plan lists all faults\n");
     EXPECT_EQ(run("faults"), "silence=0.1,nak@3\nok\n");
     EXPECT_EQ(run("faults none"), "ok\n");
     EXPECT_EQ(run("faults"), "none\nok\n");
@@ -89,7 +89,7 @@ TEST_F(ControlTest, CyclesThePower)
     EXPECT_EQ(plc.memory().byte(0x1000), 0);
     EXPECT_TRUE(plc.isOff(249999));
     EXPECT_FALSE(plc.isOff(250000));
-    EXPECT_EQ(run("power-cycle soon"), "error: 'soon' is no time; 0 to 600000 ms\n");
+    EXPECT_EQ(run("power-cycle soon"), "error: invalid time in ms 'soon': expected 0 to 600000\n");
 }
 
 TEST_F(ControlTest, DropsTheLinks)
@@ -98,7 +98,7 @@ TEST_F(ControlTest, DropsTheLinks)
     EXPECT_EQ(droppedMs, 1000);
     EXPECT_EQ(run("drop-link 20"), "ok\n");
     EXPECT_EQ(droppedMs, 20);
-    EXPECT_EQ(run("drop-link -1"), "error: '-1' is no time; 0 to 600000 ms\n");
+    EXPECT_EQ(run("drop-link -1"), "error: invalid time in ms '-1': expected 0 to 600000\n");
 }
 
 TEST_F(ControlTest, SavesAndLoads)
@@ -129,7 +129,7 @@ TEST_F(ControlTest, HelpNamesEveryCommand)
 TEST_F(ControlTest, ExplainsWhatItDoesNotKnow)
 {
     EXPECT_EQ(run(""), "");
-    EXPECT_EQ(run("jump"), "error: there is no command 'jump'; help lists them\n");
-    EXPECT_EQ(run("peek"), "error: usage: peek ADDRESS [BYTES]\n");
+    EXPECT_EQ(run("jump"), "error: unknown command 'jump'; 'help' lists all commands\n");
+    EXPECT_EQ(run("peek"), "error: usage: peek ADDRESS[.BIT] [BYTES]\n");
     EXPECT_EQ(run("quit now"), "error: usage: quit\n");
 }

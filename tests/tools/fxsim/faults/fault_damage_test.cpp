@@ -23,7 +23,7 @@ QVector<Chunk> damagedBy(const char* plan, const QByteArray& sound, quint64 seed
                          qint64 exchange = 1)
 {
     Dice dice(seed, exchange);
-    const ActiveFaults faults(parseFaults(plan).plan, exchange, dice);
+    const ActiveFaults faults(parseFaults(plan), exchange, dice);
     return damaged(sound, request, faults, dice);
 }
 
@@ -63,44 +63,25 @@ TEST_P(Damage, IsWhatTheFaultSays)
 
 INSTANTIATE_TEST_SUITE_P(
     Faults, Damage,
-    testing::Values(DamageCase{"none", "none", reply, reply},
-                    DamageCase{"silence", "silence@1", reply, ""},
-                    DamageCase{"wrongSum", "wrong-sum@1", reply,
-                               "\x02"
-                               "12345678"
-                               "\x03"
-                               "A0"},
-                    DamageCase{"wrongSumThatEndsInZero", "wrong-sum@1",
-                               "\x02\x03"
-                               "A0",
-                               "\x02\x03"
-                               "A1"},
-                    DamageCase{"wrongSumOnAck", "wrong-sum@1", acknowledge, acknowledge},
-                    DamageCase{"bit7", "bit7@1", reply,
-                               fromHex("82B1B233B43536B7B8"
-                                       "03"
-                                       "41B7")},
-                    DamageCase{"truncatedTo5", "truncated:5@1", reply,
-                               "\x02"
-                               "1234"},
-                    DamageCase{"truncatedAck", "truncated@1", acknowledge, ""},
-                    DamageCase{"lostStx", "lost-stx@1", reply,
-                               "12345678"
-                               "\x03"
-                               "A7"},
-                    DamageCase{"lostEtx", "lost-etx@1", reply,
-                               "\x02"
-                               "12345678"
-                               "A7"},
-                    DamageCase{"lostEtxOnAck", "lost-etx@1", acknowledge, acknowledge},
-                    DamageCase{"duplicate", "duplicate@1", reply, reply + reply},
-                    DamageCase{"duplicateAck", "duplicate@1", acknowledge, "\x06\x06"},
-                    DamageCase{"echo", "echo@1", reply, request + reply},
-                    DamageCase{"delayKeepsTheBytes", "delay@1", reply, reply},
-                    DamageCase{"slicesKeepTheBytes", "slices@1", reply, reply},
-                    DamageCase{"mixed", "lost-stx@1,lost-etx@1,echo@1", reply,
-                               request + "12345678"
-                                         "A7"}),
+    testing::Values(
+        DamageCase{"None", "none", reply, reply}, DamageCase{"Silence", "silence@1", reply, ""},
+        DamageCase{"WrongSum", "wrong-sum@1", reply, frame("12345678", "A0")},
+        DamageCase{"WrongSumThatEndsInZero", "wrong-sum@1", frame("", "A0"), frame("", "A1")},
+        DamageCase{"WrongSumOnAck", "wrong-sum@1", acknowledge, acknowledge},
+        DamageCase{"Bit7", "bit7@1", reply, fromHex("82B1B233B43536B7B80341B7")},
+        DamageCase{"TruncatedTo5", "truncated:5@1", reply, valueOfD100.left(5)},
+        DamageCase{"TruncatedAck", "truncated@1", acknowledge, ""},
+        DamageCase{"LostStx", "lost-stx@1", reply, reply.mid(1)},
+        DamageCase{"LostEtx", "lost-etx@1", reply,
+                   "\x02"
+                   "12345678A7"},
+        DamageCase{"LostEtxOnAck", "lost-etx@1", acknowledge, acknowledge},
+        DamageCase{"Duplicate", "duplicate@1", reply, reply + reply},
+        DamageCase{"DuplicateAck", "duplicate@1", acknowledge, "\x06\x06"},
+        DamageCase{"Echo", "echo@1", reply, request + reply},
+        DamageCase{"DelayKeepsTheBytes", "delay@1", reply, reply},
+        DamageCase{"SlicesKeepTheBytes", "slices@1", reply, reply},
+        DamageCase{"Mixed", "lost-stx@1,lost-etx@1,echo@1", reply, request + "12345678A7"}),
     [](const auto& row) { return std::string(row.param.name); });
 
 TEST(Faults, FlippedBitsFlipOneBitUnlessToldOtherwise)

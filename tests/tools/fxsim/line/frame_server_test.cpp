@@ -5,6 +5,7 @@
 // the test and the simulator cannot be wrong together.
 
 #include "tests/tools/fxsim/printing.h"
+#include "tests/tools/fxsim/wire_frames.h"
 #include "tools/fxsim/line/frame_server.h"
 
 #include <gtest/gtest.h>
@@ -16,15 +17,15 @@ namespace {
 constexpr int maxBytes = 64;
 constexpr int mostThatFramesCarry = 255;
 
-Verdict verdictOn(const QByteArray& frame, const PlcMemory& memory = PlcMemory())
+Verdict verdictOn(const QByteArray& bytes, const PlcMemory& memory = PlcMemory())
 {
-    return judgeFrame(frame, memory, maxBytes).verdict;
+    return judgeFrame(bytes, memory, maxBytes).verdict;
 }
 
-QByteArray served(const QByteArray& frame, PlcMemory& memory)
+QByteArray served(const QByteArray& bytes, PlcMemory& memory)
 {
-    const Request request = judgeFrame(frame, memory, maxBytes);
-    EXPECT_EQ(request.verdict, Verdict::Good) << frame;
+    const Request request = judgeFrame(bytes, memory, maxBytes);
+    EXPECT_EQ(request.verdict, Verdict::Good) << bytes;
     return carryOut(request, memory);
 }
 
@@ -34,48 +35,27 @@ TEST(FrameServer, ReadsFourBytes)
 {
     PlcMemory memory;
     memory.write(0x10C8, fromHex("12345678"));
-    EXPECT_EQ(served("\x02"
-                     "010C804"
-                     "\x03"
-                     "73",
-                     memory),
-              "\x02"
-              "12345678"
-              "\x03"
-              "A7");
+    EXPECT_EQ(served(frame("010C804", "73"), memory), frame("12345678", "A7"));
 }
 
 TEST(FrameServer, ReadsHexLettersInUpperCase)
 {
     PlcMemory memory;
     memory.write(0x0080, fromHex("ABCDEF"));
-    EXPECT_EQ(served("\x02"
-                     "0008003"
-                     "\x03"
-                     "5E",
-                     memory),
-              "\x02"
-              "ABCDEF"
-              "\x03"
-              "98");
+    EXPECT_EQ(served(frame("0008003", "5E"), memory), frame("ABCDEF", "98"));
 }
 
 TEST(FrameServer, WritesBytesInTheirOrder)
 {
     PlcMemory memory;
-    EXPECT_EQ(served("\x02"
-                     "11000041234ABCD"
-                     "\x03"
-                     "2D",
-                     memory),
-              "\x06");
+    EXPECT_EQ(served(frame("11000041234ABCD", "2D"), memory), "\x06");
     EXPECT_EQ(memory.read(0x0FFF, 6), fromHex("001234ABCD00"));
 }
 
 struct ForceCase
 {
     const char* name;
-    const char* frame;
+    QByteArray frame;
     int byteAddress;
     int byteAfter;  // of a byte that was zero
 };
@@ -91,61 +71,22 @@ TEST_P(ForceOn, SetsTheBitThatAReadShows)
 }
 
 // A force base is eight times the byte address at which the same devices are read.
-INSTANTIATE_TEST_SUITE_P(Wire, ForceOn,
-                         testing::Values(ForceCase{"firstBitOfAll",
-                                                   "\x02"
-                                                   "70000"
-                                                   "\x03"
-                                                   "FA",
-                                                   0x0000, 0x01},
-                                         ForceCase{"outputs",
-                                                   "\x02"
-                                                   "70805"
-                                                   "\x03"
-                                                   "07",
-                                                   0x00A1, 0x01},
-                                         ForceCase{"timerContacts",
-                                                   "\x02"
-                                                   "70306"
-                                                   "\x03"
-                                                   "03",
-                                                   0x00C0, 0x08},
-                                         ForceCase{"relays",
-                                                   "\x02"
-                                                   "7FF08"
-                                                   "\x03"
-                                                   "2E",
-                                                   0x011F, 0x80},
-                                         ForceCase{"counterContacts",
-                                                   "\x02"
-                                                   "7000E"
-                                                   "\x03"
-                                                   "0F",
-                                                   0x01C0, 0x01},
-                                         ForceCase{"specialRelays",
-                                                   "\x02"
-                                                   "7070F"
-                                                   "\x03"
-                                                   "17",
-                                                   0x01E0, 0x80},
-                                         ForceCase{"lastBitOfAll",
-                                                   "\x02"
-                                                   "7FFFF"
-                                                   "\x03"
-                                                   "52",
-                                                   0x1FFF, 0x80}),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(
+    Wire, ForceOn,
+    testing::Values(ForceCase{"FirstBitOfAll", frame("70000", "FA"), 0x0000, 0x01},
+                    ForceCase{"Outputs", frame("70805", "07"), 0x00A1, 0x01},
+                    ForceCase{"TimerContacts", frame("70306", "03"), 0x00C0, 0x08},
+                    ForceCase{"Relays", frame("7FF08", "2E"), 0x011F, 0x80},
+                    ForceCase{"CounterContacts", frame("7000E", "0F"), 0x01C0, 0x01},
+                    ForceCase{"SpecialRelays", frame("7070F", "17"), 0x01E0, 0x80},
+                    ForceCase{"LastBitOfAll", frame("7FFFF", "52"), 0x1FFF, 0x80}),
+    [](const auto& row) { return std::string(row.param.name); });
 
 TEST(FrameServer, ForceOffClearsOneBit)
 {
     PlcMemory memory;
     memory.setByte(0x0100, 0xFF);
-    EXPECT_EQ(served("\x02"
-                     "80308"
-                     "\x03"
-                     "06",
-                     memory),
-              "\x06");
+    EXPECT_EQ(served(frame("80308", "06"), memory), "\x06");
     EXPECT_EQ(memory.byte(0x0100), 0xF7);
 }
 
@@ -166,139 +107,35 @@ TEST_P(BadFrame, IsToldApart)
     EXPECT_EQ(verdictOn(GetParam().frame, memory), GetParam().verdict);
 }
 
-INSTANTIATE_TEST_SUITE_P(Wire, BadFrame,
-                         testing::Values(VerdictCase{"wrongSum",
-                                                     "\x02"
-                                                     "010C804"
-                                                     "\x03"
-                                                     "74",
-                                                     Verdict::WrongSum},
-                                         VerdictCase{"sumInLowerCase",
-                                                     "\x02"
-                                                     "001E001"
-                                                     "\x03"
-                                                     "6a",
-                                                     Verdict::WrongSum},
-                                         VerdictCase{"sumInUpperCase",
-                                                     "\x02"
-                                                     "001E001"
-                                                     "\x03"
-                                                     "6A",
-                                                     Verdict::Good},
-                                         VerdictCase{"unknownCommand",
-                                                     "\x02"
-                                                     "2100004"
-                                                     "\x03"
-                                                     "5A",
-                                                     Verdict::UnknownCommand},
-                                         VerdictCase{"emptyFrame",
-                                                     "\x02\x03"
-                                                     "03",
-                                                     Verdict::UnknownCommand},
-                                         VerdictCase{"lowerCaseDigit",
-                                                     "\x02"
-                                                     "010c804"
-                                                     "\x03"
-                                                     "93",
-                                                     Verdict::Malformed},
-                                         VerdictCase{"noDigit",
-                                                     "\x02"
-                                                     "010G804"
-                                                     "\x03"
-                                                     "77",
-                                                     Verdict::Malformed},
-                                         VerdictCase{"readTooShort",
-                                                     "\x02"
-                                                     "010C80"
-                                                     "\x03"
-                                                     "3F",
-                                                     Verdict::Malformed},
-                                         VerdictCase{"readTooLong",
-                                                     "\x02"
-                                                     "010C8040"
-                                                     "\x03"
-                                                     "A3",
-                                                     Verdict::Malformed},
-                                         VerdictCase{"writeWithTooFewBytes",
-                                                     "\x02"
-                                                     "11000021"
-                                                     "\x03"
-                                                     "88",
-                                                     Verdict::Malformed},
-                                         VerdictCase{"writeWithTooManyBytes",
-                                                     "\x02"
-                                                     "1100001ABCD"
-                                                     "\x03"
-                                                     "60",
-                                                     Verdict::Malformed},
-                                         VerdictCase{"forceTooShort",
-                                                     "\x02"
-                                                     "7000"
-                                                     "\x03"
-                                                     "CA",
-                                                     Verdict::Malformed},
-                                         VerdictCase{"forceTooLong",
-                                                     "\x02"
-                                                     "700000"
-                                                     "\x03"
-                                                     "2A",
-                                                     Verdict::Malformed},
-                                         VerdictCase{"readOfNothing",
-                                                     "\x02"
-                                                     "0100000"
-                                                     "\x03"
-                                                     "54",
-                                                     Verdict::NoBytes},
-                                         VerdictCase{"readOf64",
-                                                     "\x02"
-                                                     "0200040"
-                                                     "\x03"
-                                                     "59",
-                                                     Verdict::Good},
-                                         VerdictCase{"readOf65",
-                                                     "\x02"
-                                                     "0200041"
-                                                     "\x03"
-                                                     "5A",
-                                                     Verdict::TooMany},
-                                         VerdictCase{"readTouchesAHole",
-                                                     "\x02"
-                                                     "0100E03"
-                                                     "\x03"
-                                                     "6C",
-                                                     Verdict::NoMemory},
-                                         VerdictCase{"readEndsBeforeAHole",
-                                                     "\x02"
-                                                     "0100E02"
-                                                     "\x03"
-                                                     "6B",
-                                                     Verdict::Good},
-                                         VerdictCase{"readPastTheEnd",
-                                                     "\x02"
-                                                     "0FFFF02"
-                                                     "\x03"
-                                                     "AD",
-                                                     Verdict::NoMemory},
-                                         VerdictCase{"writeTouchesAHole",
-                                                     "\x02"
-                                                     "11013020000"
-                                                     "\x03"
-                                                     "1B",
-                                                     Verdict::NoMemory},
-                                         VerdictCase{"forceInAHole",
-                                                     "\x02"
-                                                     "7800A"
-                                                     "\x03"
-                                                     "13",
-                                                     Verdict::NoMemory}),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(
+    Wire, BadFrame,
+    testing::Values(
+        VerdictCase{"WrongSum", frame("010C804", "74"), Verdict::WrongSum},
+        VerdictCase{"SumInLowerCase", frame("001E001", "6a"), Verdict::WrongSum},
+        VerdictCase{"SumInUpperCase", frame("001E001", "6A"), Verdict::Good},
+        VerdictCase{"UnknownCommand", frame("2100004", "5A"), Verdict::UnknownCommand},
+        VerdictCase{"EmptyFrame", frame("", "03"), Verdict::UnknownCommand},
+        VerdictCase{"LowerCaseDigit", frame("010c804", "93"), Verdict::Malformed},
+        VerdictCase{"NoDigit", frame("010G804", "77"), Verdict::Malformed},
+        VerdictCase{"ReadTooShort", frame("010C80", "3F"), Verdict::Malformed},
+        VerdictCase{"ReadTooLong", frame("010C8040", "A3"), Verdict::Malformed},
+        VerdictCase{"WriteWithTooFewBytes", frame("11000021", "88"), Verdict::Malformed},
+        VerdictCase{"WriteWithTooManyBytes", frame("1100001ABCD", "60"), Verdict::Malformed},
+        VerdictCase{"ForceTooShort", frame("7000", "CA"), Verdict::Malformed},
+        VerdictCase{"ForceTooLong", frame("700000", "2A"), Verdict::Malformed},
+        VerdictCase{"ReadOfNothing", frame("0100000", "54"), Verdict::NoBytes},
+        VerdictCase{"ReadOf64", frame("0200040", "59"), Verdict::Good},
+        VerdictCase{"ReadOf65", frame("0200041", "5A"), Verdict::TooMany},
+        VerdictCase{"ReadTouchesAHole", frame("0100E03", "6C"), Verdict::NoMemory},
+        VerdictCase{"ReadEndsBeforeAHole", frame("0100E02", "6B"), Verdict::Good},
+        VerdictCase{"ReadPastTheEnd", frame("0FFFF02", "AD"), Verdict::NoMemory},
+        VerdictCase{"WriteTouchesAHole", frame("11013020000", "1B"), Verdict::NoMemory},
+        VerdictCase{"ForceInAHole", frame("7800A", "13"), Verdict::NoMemory}),
+    [](const auto& row) { return std::string(row.param.name); });
 
 TEST(FrameServer, TakesAsManyBytesAsItIsTold)
 {
-    const QByteArray readOf255 = "\x02"
-                                 "01000FF"
-                                 "\x03"
-                                 "80";
+    const QByteArray readOf255 = frame("01000FF", "80");
     EXPECT_EQ(judgeFrame(readOf255, PlcMemory(), mostThatFramesCarry).verdict, Verdict::Good);
     EXPECT_EQ(judgeFrame(readOf255, PlcMemory(), mostThatFramesCarry - 1).verdict,
               Verdict::TooMany);
@@ -314,27 +151,12 @@ TEST(FrameServer, FramesOfLessThanASumAreMalformed)
 
 TEST(FrameServer, SaysWhatWasAskedFor)
 {
-    const auto text = [](const char* frame) {
-        return requestText(judgeFrame(frame, PlcMemory(), maxBytes));
+    const auto text = [](const QByteArray& request) {
+        return requestText(judgeFrame(request, PlcMemory(), maxBytes));
     };
-    EXPECT_EQ(text("\x02"
-                   "010C804"
-                   "\x03"
-                   "73"),
-              "read 4 bytes at 0x10C8");
-    EXPECT_EQ(text("\x02"
-                   "70805"
-                   "\x03"
-                   "07"),
-              "force on bit 0x0508 (byte 0x00A1 bit 0)");
-    EXPECT_EQ(text("\x02"
-                   "0200041"
-                   "\x03"
-                   "5A"),
-              "read 65 bytes at 0x2000: too many bytes");
-    EXPECT_EQ(text("\x02"
-                   "2100004"
-                   "\x03"
-                   "5A"),
-              "frame: unknown command");
+    EXPECT_EQ(text(frame("010C804", "73")), "read 4 bytes at 0x10C8");
+    EXPECT_EQ(text(frame("010D001", "69")), "read 1 byte at 0x10D0");
+    EXPECT_EQ(text(frame("70805", "07")), "force on bit 0x0508 (byte 0x00A1 bit 0)");
+    EXPECT_EQ(text(frame("0200041", "5A")), "read 65 bytes at 0x2000: too many bytes");
+    EXPECT_EQ(text(frame("2100004", "5A")), "frame: unknown command");
 }

@@ -39,7 +39,7 @@ struct Bench
 Settings withFaults(const char* plan)
 {
     Settings settings;
-    settings.faults = parseFaults(plan).plan;
+    settings.faults = parseFaults(plan);
     return settings;
 }
 
@@ -196,7 +196,7 @@ TEST(Session, NewPlanCountsItsExchangesFromOne)
 {
     Bench bench;
     EXPECT_EQ(bench.answer(readD100), zerosOfD100);
-    bench.plc.setFaults(parseFaults("silence@1").plan);
+    bench.plc.setFaults(parseFaults("silence@1"));
     EXPECT_EQ(bench.answer(readD100), "");
     EXPECT_EQ(bench.answer(readD100), zerosOfD100);
 }
@@ -245,11 +245,7 @@ TEST(Session, SessionsShareTheMemory)
 TEST(Session, EverythingIsCounted)
 {
     Bench bench(withFaults("wrong-sum@1"));
-    bench.answer("junk\x05" + readD100 + writeD100 + damagedRead +
-                 "\x02"
-                 "70000"
-                 "\x03"
-                 "FA");
+    bench.answer("junk\x05" + readD100 + writeD100 + damagedRead + frame("70000", "FA"));
     const Statistics& counted = bench.plc.statistics();
     EXPECT_EQ(counted.exchanges, 4);
     EXPECT_EQ(counted.reads, 1);
@@ -259,7 +255,7 @@ TEST(Session, EverythingIsCounted)
     EXPECT_EQ(counted.junkCharacters, 4);
     EXPECT_EQ(counted.charactersIn, 4 + 1 + 11 + 19 + 11 + 9);
     EXPECT_EQ(counted.charactersOut, 1 + 12 + 1 + 1 + 1);
-    EXPECT_TRUE(counted.text().contains("refused: wrong sum            1\n")) << counted.text();
+    EXPECT_TRUE(counted.text().contains("refused: wrong checksum       1\n")) << counted.text();
     EXPECT_TRUE(counted.text().contains("fault: wrong-sum              1\n")) << counted.text();
     EXPECT_FALSE(counted.text().contains("silence"));
 }
@@ -270,7 +266,7 @@ TEST(Session, TraceTellsRequestsFaultsAndReplies)
     QByteArrayList told;
     bench.plc.setTrace([&told](const TraceEntry& entry) { told.append(entry.text); });
     bench.answer("x" + readD100);
-    EXPECT_EQ(told, (QByteArrayList{"junk, skipped", "read 4 bytes at 0x10C8", "meets wrong-sum",
+    EXPECT_EQ(told, (QByteArrayList{"junk, ignored", "read 4 bytes at 0x10C8", "fault: wrong-sum",
                                     "wrong-sum"}));
 }
 

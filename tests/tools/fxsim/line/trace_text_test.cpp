@@ -20,8 +20,8 @@ TEST(TraceText, ShowsHexAndReadableSideBySide)
         "   12.345678 /dev/pts/5 > 02 37 30 38 30 35 03 30 37 | <STX>70805<ETX>07 | force on");
     EXPECT_EQ(traceLine({5, "pty", TraceEntry::Direction::ToHost, "\x06", ""}),
               "    0.000005 pty < 06 | <ACK>");
-    EXPECT_EQ(traceLine({1000000, "pty", TraceEntry::Direction::Note, "", "meets silence"}),
-              "    1.000000 pty * meets silence");
+    EXPECT_EQ(traceLine({1000000, "pty", TraceEntry::Direction::Note, "", "fault: silence"}),
+              "    1.000000 pty * fault: silence");
 }
 
 TEST(TraceText, NamesEveryCharacterThatCannotBeRead)

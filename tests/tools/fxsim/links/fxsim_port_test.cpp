@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// The programming port that the program offers: each test runs over a pseudo-terminal and over TCP.
+// The programming port as the running program offers it: what depends on the kind of link runs over
+// a pseudo-terminal and over TCP.
 
 #include "tests/tools/fxsim/fxsim_process.h"
 #include "tests/tools/fxsim/printing.h"
@@ -29,7 +30,7 @@ void PrintTo(Way way, std::ostream* out)
     *out << (way == Way::Pty ? "pty" : "tcp");
 }
 
-// A simulator without a program, as fast as it goes, and a host connected to it.
+// A simulator without a program and without delays, and a host connected to it.
 struct Connected
 {
     explicit Connected(Way chosen, const QStringList& arguments = {})
@@ -56,28 +57,6 @@ struct Connected
 
     QByteArray ask(const QByteArray& bytes, int byteCount) { return host->ask(bytes, byteCount); }
 
-    // What came back before the answer to an ENQ that was sent behind: all that there is.
-    QByteArray all(const QByteArray& bytes)
-    {
-        const QByteArray marker = "\x02"
-                                  "0000001"
-                                  "\x03"
-                                  "54";
-        const QByteArray end = "\x02"
-                               "00"
-                               "\x03"
-                               "63";
-        host->send(bytes + marker);
-        QByteArray taken;
-        while (!taken.endsWith(end)) {
-            const QByteArray next = host->take(1);
-            if (next.isEmpty())
-                return "nothing more after " + taken;
-            taken += next;
-        }
-        return taken.left(taken.size() - end.size());
-    }
-
     Way way;
     QTemporaryDir folder;
     FxsimProcess process;
@@ -100,182 +79,13 @@ TEST_P(FxsimOver, ReadsWritesAndForces)
     Connected plc(GetParam());
     EXPECT_EQ(plc.ask("\x05", 1), "\x06");
     EXPECT_EQ(plc.ask(readD100, 12), zerosOfD100);
-    EXPECT_EQ(plc.ask(writeD100, 1), "\x06");
-    EXPECT_EQ(plc.ask(readD100, 12), valueOfD100);
-    EXPECT_EQ(plc.ask("\x02"
-                      "70805"
-                      "\x03"
-                      "07",
-                      1),
-              "\x06");
-    EXPECT_EQ(plc.ask("\x02"
-                      "000A101"
-                      "\x03"
-                      "66",
-                      6),
-              "\x02"
-              "01"
-              "\x03"
-              "64");
-    EXPECT_EQ(plc.ask(damagedRead, 1), "\x15");
-}
-
-TEST_P(FxsimOver, FramesMayBeCutAnywhere)
-{
-    Connected plc(GetParam());
     for (const char character : writeD100)
         plc.host->send(QByteArray(1, character));
     EXPECT_EQ(plc.host->take(1), "\x06");
     EXPECT_EQ(plc.ask("junk" + readD100 + readD100, 24), valueOfD100 + valueOfD100);
-}
-
-TEST_P(FxsimOver, OnErrorSilenceKeepsSilent)
-{
-    Connected plc(GetParam(), {"--on-error", "silence"});
-    EXPECT_EQ(plc.all(damagedRead), "");
-}
-
-TEST_P(FxsimOver, EnqNeededWaitsForAnEnquiry)
-{
-    Connected plc(GetParam(), {"--enq", "needed"});
-    plc.host->send(readD100);
-    EXPECT_EQ(plc.ask("\x05" + readD100, 13), "\x06" + zerosOfD100);
-}
-
-TEST_P(FxsimOver, EnqIgnoredGetsNoAnswer)
-{
-    Connected plc(GetParam(), {"--enq", "ignored"});
-    EXPECT_EQ(plc.all("\x05" + readD100), zerosOfD100);
-}
-
-TEST_P(FxsimOver, MaxBytesAndHolesAreRefused)
-{
-    Connected plc(GetParam(), {"--max-bytes", "3", "--memory", "0-0x1FFF", "--holes", "0x10D0"});
-    EXPECT_EQ(plc.ask(readD100, 1), "\x15");
-    EXPECT_EQ(plc.ask("\x02"
-                      "010D001"
-                      "\x03"
-                      "69",
-                      1),
-              "\x15");
-    EXPECT_EQ(plc.ask("\x02"
-                      "0200001"
-                      "\x03"
-                      "56",
-                      1),
-              "\x15");
-    EXPECT_EQ(plc.ask("\x02"
-                      "010D101"
-                      "\x03"
-                      "6A",
-                      6),
-              "\x02"
-              "00"
-              "\x03"
-              "63");
-}
-
-TEST_P(FxsimOver, WritesAtTheMirrorShowWhereTheyAreRead)
-{
-    const QByteArray write = "\x02"
-                             "10F0002ABCD"
-                             "\x03"
-                             "76";
-    const QByteArray read = "\x02"
-                            "00E0002"
-                            "\x03"
-                            "6A";
-    Connected mirrored(GetParam());
-    EXPECT_EQ(mirrored.ask(write, 1), "\x06");
-    EXPECT_EQ(mirrored.ask(read, 8), "\x02"
-                                     "ABCD"
-                                     "\x03"
-                                     "0D");
-    Connected flat(GetParam(), {"--mirror", "none"});
-    EXPECT_EQ(flat.ask(write, 1), "\x06");
-    EXPECT_EQ(flat.ask(read, 8), "\x02"
-                                 "0000"
-                                 "\x03"
-                                 "C3");
-}
-
-struct FaultCase
-{
-    const char* fault;
-    QByteArray answer;  // to a read, from one sent after it
-};
-
-TEST_P(FxsimOver, EveryFaultOfTheLineDoesWhatItSays)
-{
-    const FaultCase cases[] = {
-        {"silence@1", ""},
-        {"nak@1", "\x15"},
-        {"delay:20@1", valueOfD100},
-        {"wrong-sum@1", "\x02"
-                        "12345678"
-                        "\x03"
-                        "A0"},
-        {"bit7@1", fromHex("82B1B233B43536B7B80341B7")},
-        {"truncated:5@1", "\x02"
-                          "1234"},
-        {"lost-stx@1", "12345678"
-                       "\x03"
-                       "A7"},
-        {"lost-etx@1", "\x02"
-                       "12345678"
-                       "A7"},
-        {"duplicate@1", valueOfD100 + valueOfD100},
-        {"slices:5@1", valueOfD100},
-        {"echo@1", readD100 + valueOfD100},
-    };
-    Connected plc(GetParam());
-    EXPECT_EQ(plc.ask(writeD100, 1), "\x06");
-    for (const FaultCase& row : cases) {
-        EXPECT_EQ(plc.process.command(QByteArray("faults ") + row.fault), "ok\n");
-        EXPECT_EQ(plc.all(readD100), row.answer) << row.fault;
-        EXPECT_EQ(plc.all(readD100), valueOfD100) << "after " << row.fault;
-    }
-}
-
-TEST_P(FxsimOver, RandomFaultsDamageAsTheySay)
-{
-    Connected plc(GetParam());
-    EXPECT_EQ(plc.ask(writeD100, 1), "\x06");
-    plc.process.command("faults junk-before:3@1");
-    const QByteArray before = plc.all(readD100);
-    EXPECT_EQ(before.size(), 15);
-    EXPECT_TRUE(before.endsWith(valueOfD100));
-    EXPECT_EQ(plc.process.command("faults junk-after:2@1"), "ok\n");
-    const QByteArray after = plc.all(readD100);
-    EXPECT_EQ(after.size(), 14);
-    EXPECT_TRUE(after.startsWith(valueOfD100));
-    EXPECT_EQ(plc.process.command("faults flipped-bits@1"), "ok\n");
-    const QByteArray flipped = plc.all(readD100);
-    EXPECT_EQ(flipped.size(), 12);
-    EXPECT_NE(flipped, valueOfD100);
-}
-
-TEST_P(FxsimOver, SameSeedRepeatsARun)
-{
-    const QStringList arguments = {"--faults", "mixed:1=0.5", "--seed", "42"};
-    Connected first(GetParam(), arguments);
-    Connected second(GetParam(), arguments);
-    Connected other(GetParam(), {"--faults", "mixed:1=0.5", "--seed", "43"});
-    QByteArray requests;
-    for (int request = 0; request < 100; ++request)
-        requests += readD100;
-    requests += "\x05";  // its answer meets no fault
-    const auto run = [&requests](Connected& plc) {
-        plc.host->send(requests);
-        QByteArray taken;
-        while (!taken.endsWith("\x06"))
-            taken += plc.host->take(1);
-        return taken;
-    };
-    const QByteArray firstRun = run(first);
-    EXPECT_GT(firstRun.size(), 500);
-    EXPECT_EQ(firstRun, run(second));
-    EXPECT_NE(firstRun, run(other));
+    EXPECT_EQ(plc.ask(frame("70805", "07"), 1), "\x06");
+    EXPECT_EQ(plc.ask(frame("000A101", "66"), 6), frame("01", "64"));
+    EXPECT_EQ(plc.ask(damagedRead, 1), "\x15");
 }
 
 TEST_P(FxsimOver, LinkDropsAndComesBack)
@@ -286,7 +96,7 @@ TEST_P(FxsimOver, LinkDropsAndComesBack)
     EXPECT_TRUE(plc.host->waitGone());
     EXPECT_TRUE(plc.process.waitLine("fxsim: link down: ").contains("back in 50 ms"));
     const QString again = plc.process.waitReady();
-    EXPECT_EQ(again.isEmpty(), false);
+    EXPECT_NE(again, "");
     if (GetParam() == Way::Tcp) {
         EXPECT_EQ(again, plc.name) << "the same port";
     }
@@ -306,14 +116,6 @@ TEST_P(FxsimOver, DroppingTwiceAtOnceIsOneDrop)
     EXPECT_EQ(plc.ask(readD100, 12), zerosOfD100);
 }
 
-TEST_P(FxsimOver, PowerCycleForgetsTheMemoryAndTheRequest)
-{
-    Connected plc(GetParam(), {"--faults", "power-cycle:0@2"});
-    EXPECT_EQ(plc.ask(writeD100, 1), "\x06");
-    EXPECT_EQ(plc.all(readD100), "");
-    EXPECT_EQ(plc.all(readD100), zerosOfD100);
-}
-
 TEST_P(FxsimOver, PacingTakesAtLeastTheTimeOfTheCharacters)
 {
     Connected plc(GetParam(), {"--baud", "9600"});
@@ -321,34 +123,6 @@ TEST_P(FxsimOver, PacingTakesAtLeastTheTimeOfTheCharacters)
     timer.start();
     EXPECT_EQ(plc.ask(readD100, 12), zerosOfD100);
     EXPECT_GE(timer.elapsed(), 23) << "11 + 12 characters of 1.04 ms";
-}
-
-TEST_P(FxsimOver, SampleProgramMoves)
-{
-    Connected plc(GetParam(), {"--program", "sample"});
-    const QByteArray readMs = "\x02"
-                              "0101004"
-                              "\x03"
-                              "59";
-    const QByteArray first = plc.ask(readMs, 12);
-    QByteArray next = first;
-    QElapsedTimer timer;
-    timer.start();
-    while (next == first && timer.elapsed() < deadlineMs)
-        next = plc.ask(readMs, 12);
-    EXPECT_EQ(first.size(), 12);
-    EXPECT_NE(next, first);
-}
-
-TEST_P(FxsimOver, CommandsWorkWhileItRuns)
-{
-    Connected plc(GetParam());
-    EXPECT_EQ(plc.process.command("poke 0x10C8 0x12 0x34 0x56 0x78"), "ok\n");
-    EXPECT_EQ(plc.ask(readD100, 12), valueOfD100);
-    EXPECT_EQ(plc.process.command("peek 0x10C8 4"), "10C8: 12 34 56 78\nok\n");
-    EXPECT_TRUE(plc.process.command("stats").contains("  reads                         1\n"));
-    EXPECT_EQ(plc.process.command("quit"), "ok\n");
-    EXPECT_EQ(plc.process.waitEnd(), 0);
 }
 
 TEST_P(FxsimOver, EndsCleanlyOnSigterm)
@@ -360,32 +134,70 @@ TEST_P(FxsimOver, EndsCleanlyOnSigterm)
     EXPECT_FALSE(QFileInfo(plc.folder.filePath("plc")).isSymLink()) << "the link is gone";
 }
 
-TEST_P(FxsimOver, EndsCleanlyOnSigint)
+TEST(FxsimPort, EndsCleanlyOnSigintAndWithItsTerminal)
 {
-    Connected plc(GetParam());
-    EXPECT_EQ(plc.process.signal(SIGINT), 0);
+    for (const int number : {SIGINT, SIGHUP}) {
+        Connected plc(Way::Tcp, {"--stats"});
+        EXPECT_EQ(plc.process.signal(number), 0);
+        EXPECT_TRUE(plc.process.restOfOutput().contains("  exchanges                     0\n"));
+    }
 }
 
-TEST_P(FxsimOver, EndsCleanlyWithItsTerminal)
+TEST(FxsimPort, SettingsReachThePlc)
 {
-    Connected plc(GetParam(), {"--stats"});
-    EXPECT_EQ(plc.process.signal(SIGHUP), 0);
-    EXPECT_TRUE(plc.process.restOfOutput().contains("  exchanges                     0\n"));
+    Connected plc(Way::Tcp,
+                  {"--enq", "needed", "--max-bytes", "3", "--memory", "0-0x1FFF", "--holes",
+                   "0x10D0", "--mirror", "0x0100:0x0200:1", "--faults", "nak@7"});
+    plc.host->send(readD100);  // no reply before an ENQ
+    EXPECT_EQ(plc.ask("\x05" + readD100, 2), "\x06\x15") << "4 bytes are too many";
+    EXPECT_EQ(plc.ask(frame("010D001", "69"), 1), "\x15") << "a hole";
+    EXPECT_EQ(plc.ask(frame("0200001", "56"), 1), "\x15") << "beyond the memory";
+    EXPECT_EQ(plc.ask(frame("10100017F", "D3"), 1), "\x06");
+    EXPECT_EQ(plc.ask(frame("0020001", "56"), 6), frame("7F", "80")) << "the mirror";
+    EXPECT_EQ(plc.ask(frame("0020001", "56"), 1), "\x15") << "exchange 7";
 }
 
-TEST_P(FxsimOver, TraceGoesToAFile)
+TEST(FxsimPort, SampleProgramRuns)
+{
+    Connected plc(Way::Tcp, {"--program", "sample"});
+    const QByteArray readMs = frame("0101004", "59");
+    const QByteArray first = plc.ask(readMs, 12);
+    QByteArray next = first;
+    QElapsedTimer timer;
+    timer.start();
+    while (next == first && timer.elapsed() < deadlineMs)
+        next = plc.ask(readMs, 12);
+    EXPECT_EQ(first.size(), 12);
+    EXPECT_NE(next, first);
+}
+
+TEST(FxsimPort, CommandsWorkWhileItRuns)
+{
+    Connected plc(Way::Tcp);
+    EXPECT_EQ(plc.process.command("poke 0x10C8 0x12 0x34 0x56 0x78"), "ok\n");
+    EXPECT_EQ(plc.ask(readD100, 12), valueOfD100);
+    EXPECT_EQ(plc.process.command("peek 0x10C8 4"), "10C8: 12 34 56 78\nok\n");
+    EXPECT_EQ(plc.process.command("quit"), "ok\n");
+    EXPECT_EQ(plc.process.waitEnd(), 0);
+}
+
+TEST(FxsimPort, TraceGoesToAFileAndNamesTheHost)
 {
     const QTemporaryDir folder;
     const QString path = folder.filePath("trace");
-    Connected plc(GetParam(), {"--trace", path});
-    plc.ask(readD100, 12);
-    EXPECT_EQ(plc.process.terminate(), 0);
+    FxsimProcess process({"--tcp", "0", "--program", "none", "--trace", path});
+    TcpEnd host(process.waitReady());
+    EXPECT_EQ(host.ask(readD100, 12), zerosOfD100);
+    EXPECT_EQ(process.terminate(), 0);
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QByteArray text = file.readAll();
-    EXPECT_TRUE(text.contains(" > 02 30 31 30 43 38 30 34 03 37 33 | <STX>010C804<ETX>73 | read 4 "
-                              "bytes at 0x10C8\n"))
+    const QByteArray name = " tcp:127.0.0.1:" + QByteArray::number(host.ownPort());
+    EXPECT_TRUE(text.contains(name +
+                              " > 02 30 31 30 43 38 30 34 03 37 33 | <STX>010C804<ETX>73 | read "
+                              "4 bytes at 0x10C8\n"))
         << text;
-    EXPECT_TRUE(text.contains(" < 02 30 30 30 30 30 30 30 30 03 38 33 | <STX>00000000<ETX>83\n"))
+    EXPECT_TRUE(
+        text.contains(name + " < 02 30 30 30 30 30 30 30 30 03 38 33 | <STX>00000000<ETX>83\n"))
         << text;
 }

@@ -3,6 +3,7 @@
 //
 // Memory images as Intel HEX.
 
+#include "tests/tools/fxsim/error_text.h"
 #include "tests/tools/fxsim/printing.h"
 #include "tools/fxsim/plc/memory_image.h"
 
@@ -26,7 +27,7 @@ const QByteArray zeros(65536, '\0');
 QString errorOf(const QByteArray& text)
 {
     QByteArray image = zeros;
-    const QString error = applyHex(text, image);
+    const QString error = errorText([&] { applyHex(text, image); });
     EXPECT_EQ(image, zeros);
     return error;
 }
@@ -75,24 +76,23 @@ TEST(MemoryImage, IsReadBack)
     for (int at = 0; at < image.size(); at += 7)
         image[at] = static_cast<char>(at * 31);
     QByteArray again = zeros;
-    EXPECT_EQ(applyHex(hexText(image), again), QString());
+    applyHex(hexText(image), again);
     EXPECT_EQ(again, image);
 }
 
 TEST(MemoryImage, TakesOtherPeoplesRecords)
 {
     QByteArray image = zeros;
-    EXPECT_EQ(applyHex(":02100000abcd76\r\n\r\n:020000020100FB\r\n:01000000EE11\r\n"
-                       ":0400000500000000F7\r\n:00000001FF\r\nwhatever follows\r\n",
-                       image),
-              QString());
+    applyHex(":02100000abcd76\r\n\r\n:020000020100FB\r\n:01000000EE11\r\n"
+             ":0400000500000000F7\r\n:00000001FF\r\nwhatever follows\r\n",
+             image);
     EXPECT_EQ(image.mid(0x1000, 3), fromHex("EECD00")) << "segment 0x0100 begins at 0x1000";
 }
 
 TEST(MemoryImage, LeavesWhatItDoesNotName)
 {
     QByteArray image(65536, 'x');
-    EXPECT_EQ(applyHex(":0100050041B9\n:00000001FF\n", image), QString());
+    applyHex(":0100050041B9\n:00000001FF\n", image);
     EXPECT_EQ(image.left(8), "xxxxxAxx");
 }
 
@@ -100,16 +100,17 @@ TEST(MemoryImage, SaysWhatIsWrongAndChangesNothing)
 {
     EXPECT_EQ(errorOf(""), "the end record (:00000001FF) is missing");
     EXPECT_EQ(errorOf(":0100000041BE\n"), "the end record (:00000001FF) is missing");
-    EXPECT_EQ(errorOf(":0100000041BE\n\n:0100000041BF\n"), "line 3: wrong sum");
-    EXPECT_EQ(errorOf("0100000041BE\n"), "line 1: a record is \":\" and pairs of hex digits");
-    EXPECT_EQ(errorOf(":01000000zzBE\n"), "line 1: a record is \":\" and pairs of hex digits");
-    EXPECT_EQ(errorOf(":01000000411\n"), "line 1: a record is \":\" and pairs of hex digits");
-    EXPECT_EQ(errorOf(":0200000041BD\n"), "line 1: the record is not as long as it says");
-    EXPECT_EQ(errorOf(":\n"), "line 1: the record is not as long as it says");
+    EXPECT_EQ(errorOf(":0100000041BE\n\n:0100000041BF\n"), "line 3: wrong checksum");
+    EXPECT_EQ(errorOf("0100000041BE\n"), "line 1: expected \":\" followed by pairs of hex digits");
+    EXPECT_EQ(errorOf(":01000000zzBE\n"), "line 1: expected \":\" followed by pairs of hex digits");
+    EXPECT_EQ(errorOf(":01000000411\n"), "line 1: expected \":\" followed by pairs of hex digits");
+    EXPECT_EQ(errorOf(":0200000041BD\n"),
+              "line 1: the length of the record does not match its byte count");
+    EXPECT_EQ(errorOf(":\n"), "line 1: the length of the record does not match its byte count");
     EXPECT_EQ(errorOf(":00000006FA\n"), "line 1: unknown record type 6");
-    EXPECT_EQ(errorOf(":0100000212EB\n"), "line 1: an extended address has two bytes");
-    EXPECT_EQ(errorOf(":02FFFF000102FD\n"), "line 1: the data lies beyond 64 KiB");
-    EXPECT_EQ(errorOf(":020000040001F9\n:0100000041BE\n"), "line 2: the data lies beyond 64 KiB");
+    EXPECT_EQ(errorOf(":0100000212EB\n"), "line 1: an extended address must have 2 bytes");
+    EXPECT_EQ(errorOf(":02FFFF000102FD\n"), "line 1: data beyond 64 KiB");
+    EXPECT_EQ(errorOf(":020000040001F9\n:0100000041BE\n"), "line 2: data beyond 64 KiB");
 }
 
 TEST(MemoryImage, FilesAreSavedAndLoaded)
@@ -118,19 +119,20 @@ TEST(MemoryImage, FilesAreSavedAndLoaded)
     const QString path = folder.filePath("plc.hex");
     QByteArray image = zeros;
     image[0x1234] = 5;
-    EXPECT_EQ(saveImage(path, image), QString());
+    saveImage(path, image);
     QByteArray again = zeros;
-    EXPECT_EQ(loadImage(path, again), QString());
+    loadImage(path, again);
     EXPECT_EQ(again, image);
 }
 
 TEST(MemoryImage, FilesThatDoNotWorkAreNamed)
 {
     QByteArray image = zeros;
-    EXPECT_EQ(loadImage("/nonexistent/plc.hex", image),
+    EXPECT_EQ(errorText([&] { loadImage("/nonexistent/plc.hex", image); }),
               "/nonexistent/plc.hex: No such file or directory");
-    EXPECT_EQ(saveImage("/nonexistent/plc.hex", image),
-              "/nonexistent/plc.hex: there is no folder /nonexistent");
+    EXPECT_EQ(errorText([] { saveImage("/nonexistent/plc.hex", zeros); }),
+              "/nonexistent/plc.hex: the folder /nonexistent does not exist");
+    EXPECT_EQ(errorText([] { saveImage("/tmp", zeros); }), "/tmp: this is a folder, not a file");
 }
 
 // As root, /dev/full was replaced by a file of its name.
@@ -139,7 +141,7 @@ TEST(MemoryImage, WhatIsNoOrdinaryFileStays)
     const QTemporaryDir folder;
     const QString path = folder.filePath("pipe");
     ASSERT_EQ(mkfifo(QFile::encodeName(path).constData(), 0600), 0);
-    EXPECT_EQ(saveImage(path, zeros), path + ": this is no ordinary file");
+    EXPECT_EQ(errorText([&] { saveImage(path, zeros); }), path + ": not a regular file");
     EXPECT_FALSE(QFileInfo(path).isFile());
 }
 
@@ -148,14 +150,13 @@ TEST(MemoryImage, FullDiskLeavesTheOlderFile)
 {
     const QTemporaryDir folder;
     const QString path = folder.filePath("plc.hex");
-    ASSERT_EQ(saveImage(path, zeros), QString());
+    saveImage(path, zeros);
     for (const rlim_t room : {0U, 5U, 20000U}) {
         const FullDisk disk(room);
         const QByteArray image = room < 20000 ? zeros : QByteArray(65536, 'x');
-        EXPECT_EQ(saveImage(path, image), path + ": File too large");
-        QByteArray again(65536, 'x');
-        EXPECT_EQ(loadImage(path, again), QString()) << "with room for " << room;
-        EXPECT_EQ(QFileInfo(path).size(), QByteArray(":00000001FF\n").size());
+        EXPECT_EQ(errorText([&] { saveImage(path, image); }), path + ": File too large");
+        EXPECT_EQ(QFileInfo(path).size(), QByteArray(":00000001FF\n").size())
+            << "with room for " << room;
     }
     EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList("plc.hex"));
 }

@@ -3,6 +3,8 @@
 //
 // Numbers, places and ranges as people write them.
 
+#include "tests/tools/fxsim/error_text.h"
+#include "tests/tools/fxsim/printing.h"
 #include "tools/fxsim/plc/number_text.h"
 
 #include <gtest/gtest.h>
@@ -17,47 +19,53 @@ TEST(NumberText, ReadsDecimalAndHex)
     EXPECT_EQ(parseNumber("-5", -10, 100), -5);
     for (const char* text :
          {"", "0x", "x", "1.5", "101", "-11", "1 2", "0x-1", "0x+1", "+", "99999999999"})
-        EXPECT_EQ(parseNumber(text, -10, 100), std::nullopt) << text;
+        EXPECT_EQ(errorText([text] { parseNumber(text, -10, 100); }),
+                  QStringLiteral("invalid number '%1': expected -10 to 100").arg(text));
+    EXPECT_EQ(errorText([] { parseNumber("2", 1, 1, "byte"); }), "invalid byte '2': expected 1");
 }
 
 TEST(NumberText, ReadsAddresses)
 {
     EXPECT_EQ(parseByteAddress("0xFFFF"), 65535);
-    EXPECT_EQ(parseByteAddress("0x10000"), std::nullopt);
-    EXPECT_EQ(parseByteAddress("-1"), std::nullopt);
+    for (const char* text : {"0x10000", "-1", "D5"})
+        EXPECT_EQ(errorText([text] { parseByteAddress(text); }),
+                  QStringLiteral("invalid byte address '%1': expected 0x0000 to 0xFFFF").arg(text));
 }
 
-TEST(NumberText, ReadsBits)
+TEST(NumberText, ReadsBytesAndBits)
 {
-    const std::optional<BitPlace> place = parseBitPlace("0x0100.7");
-    ASSERT_TRUE(place);
-    EXPECT_EQ(place->address, 0x0100);
-    EXPECT_EQ(place->bit, 7);
-    for (const char* text : {"0x0100", "0x0100.8", ".1", "0x0100.", "1.2.3"})
-        EXPECT_FALSE(parseBitPlace(text)) << text;
+    EXPECT_EQ(parsePlace("0x0100").address, 0x0100);
+    EXPECT_EQ(parsePlace("0x0100").bit, std::nullopt);
+    EXPECT_EQ(parsePlace("0x0100.7").address, 0x0100);
+    EXPECT_EQ(parsePlace("0x0100.7").bit, 7);
+    EXPECT_EQ(errorText([] { parsePlace("0x0100.8"); }), "invalid bit number '8': expected 0 to 7");
+    for (const char* text : {"0x0100.", ".1", "1.2.3"})
+        EXPECT_THROW(parsePlace(text), Error) << text;
 }
 
 TEST(NumberText, ReadsRanges)
 {
-    const auto ranges = parseRanges("0x0000-0x3FFF, 0x8000");
-    ASSERT_TRUE(ranges);
-    ASSERT_EQ(ranges->size(), 2);
-    EXPECT_EQ(ranges->at(0).last, 0x3FFF);
-    EXPECT_EQ(ranges->at(1).first, 0x8000);
-    EXPECT_EQ(ranges->at(1).last, 0x8000);
+    const QVector<AddressRange> ranges = parseRanges("0x0000-0x3FFF, 0x8000");
+    ASSERT_EQ(ranges.size(), 2);
+    EXPECT_EQ(ranges[0].last, 0x3FFF);
+    EXPECT_EQ(ranges[1].first, 0x8000);
+    EXPECT_EQ(ranges[1].last, 0x8000);
     for (const char* text : {"", "1-", "2-1", "1-2-3", "1,,2", "0-0x10000"})
-        EXPECT_FALSE(parseRanges(text)) << text;
+        EXPECT_THROW(parseRanges(text), Error) << text;
+    EXPECT_EQ(errorText([] { parseRanges("0,2-1"); }),
+              "invalid address range '2-1': expected FIRST-LAST, as in 0x0000-0x7FFF");
 }
 
 TEST(NumberText, ReadsMirrors)
 {
-    const auto mirrors = parseMirrors("0x0F00:0x0E00:256");
-    ASSERT_TRUE(mirrors);
-    ASSERT_EQ(mirrors->size(), 1);
-    EXPECT_EQ(mirrors->at(0).from, 0x0F00);
-    EXPECT_EQ(mirrors->at(0).to, 0x0E00);
-    EXPECT_EQ(mirrors->at(0).byteCount, 256);
-    EXPECT_TRUE(parseMirrors("none")->isEmpty());
-    for (const char* text : {"", "1:2", "1:2:0", "0xFFFF:0:2", "0:0xFFFF:2", "a:b:c"})
-        EXPECT_FALSE(parseMirrors(text)) << text;
+    const QVector<MirrorWindow> mirrors = parseMirrors("0x0F00:0x0E00:256");
+    ASSERT_EQ(mirrors.size(), 1);
+    EXPECT_EQ(mirrors[0].from, 0x0F00);
+    EXPECT_EQ(mirrors[0].to, 0x0E00);
+    EXPECT_EQ(mirrors[0].byteCount, 256);
+    EXPECT_TRUE(parseMirrors("none").isEmpty());
+    for (const char* text : {"", "1:2:0", "0xFFFF:0:2", "0:0xFFFF:2", "a:b:c"})
+        EXPECT_THROW(parseMirrors(text), Error) << text;
+    EXPECT_EQ(errorText([] { parseMirrors("1:2"); }),
+              "invalid mirror '1:2': expected FROM:TO:BYTES, as in 0x0F00:0x0E00:256, or none");
 }

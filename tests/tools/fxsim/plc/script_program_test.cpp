@@ -3,6 +3,7 @@
 //
 // Scripts: what steps do and when, and what is said of a script that is wrong.
 
+#include "tests/tools/fxsim/error_text.h"
 #include "tests/tools/fxsim/printing.h"
 #include "tools/fxsim/plc/script_program.h"
 
@@ -14,25 +15,30 @@ namespace {
 
 struct ScriptRun
 {
-    explicit ScriptRun(const QByteArray& steps) : script(parseScript("{\"steps\":[" + steps + "]}"))
+    explicit ScriptRun(const QByteArray& steps)
+        : program(parseScript("{\"steps\":[" + steps + "]}"))
     {
-        EXPECT_EQ(script.error, QString());
-        script.program->start(memory);
+        program->start(memory);
     }
 
     PlcMemory& at(qint64 elapsedMs)
     {
-        script.program->advance(memory, elapsedMs);
+        program->advance(memory, elapsedMs);
         return memory;
     }
 
-    LoadedScript script;
+    std::unique_ptr<Program> program;
     PlcMemory memory;
 };
 
+QString errorOf(const QByteArray& json)
+{
+    return errorText([json] { parseScript(json); });
+}
+
 QString errorOfStep(const QByteArray& step)
 {
-    return parseScript("{\"steps\":[{\"at\":0,\"set\":\"0\",\"value\":0}," + step + "]}").error;
+    return errorOf("{\"steps\":[{\"at\":0,\"set\":\"0\",\"value\":0}," + step + "]}");
 }
 
 }  // namespace
@@ -110,10 +116,10 @@ TEST(Script, StartsAnewWithThePower)
     ScriptRun run(R"({"at": 10, "set": "0x1000", "value": 1})");
     run.at(10);
     PlcMemory fresh;
-    run.script.program->start(fresh);
-    run.script.program->advance(fresh, 9);
+    run.program->start(fresh);
+    run.program->advance(fresh, 9);
     EXPECT_EQ(fresh.byte(0x1000), 0);
-    run.script.program->advance(fresh, 10);
+    run.program->advance(fresh, 10);
     EXPECT_EQ(fresh.byte(0x1000), 1);
 }
 
@@ -126,47 +132,58 @@ TEST(Script, LongSleepIsNotMadeUpForWithoutEnd)
 
 TEST(Script, CommentsMayStandAnywhere)
 {
-    EXPECT_EQ(
-        parseScript(R"({"comment": "a", "steps": [{"comment": "b", "at": 0, "toggle": "0.0"}]})")
-            .error,
-        QString());
+    EXPECT_EQ(errorOf(R"({"comment": "a", "steps": [{"comment": "b", "at": 0, "toggle": "0.0"}]})"),
+              "no error");
 }
 
-TEST(Script, SaysWhatIsWrongAndWhere)
+TEST(Script, ErrorNamesTheLine)
 {
-    EXPECT_EQ(parseScript("{\n\"steps\": [\n{]}").error, "line 3: unterminated object");
-    EXPECT_EQ(parseScript("[]").error, "a script is { \"steps\": [ ... ] }");
-    EXPECT_EQ(parseScript(R"({"steps": [], "stepps": []})").error,
-              "a script is { \"steps\": [ ... ] }");
-    EXPECT_EQ(errorOfStep(R"({"at": 0})"),
-              "step 2: one of \"set\", \"add\", \"toggle\" and \"copy\" says what");
-    EXPECT_EQ(errorOfStep(R"({"at": 0, "toggle": "0.0", "add": "0"})"),
-              "step 2: one of \"set\", \"add\", \"toggle\" and \"copy\" says what");
-    EXPECT_EQ(errorOfStep(R"({"toggle": "0.0"})"), "step 2: one of \"at\" and \"every\" says when");
-    EXPECT_EQ(errorOfStep(R"({"at": 1, "every": 1, "toggle": "0.0"})"),
-              "step 2: one of \"at\" and \"every\" says when");
-    EXPECT_EQ(errorOfStep(R"({"every": 0, "toggle": "0.0"})"),
-              "step 2: \"every\" must be a whole number from 1 to 604800000");
-    EXPECT_EQ(errorOfStep(R"({"at": 0.5, "toggle": "0.0"})"),
-              "step 2: \"at\" must be a whole number from 0 to 604800000");
-    EXPECT_EQ(errorOfStep(R"({"at": 0, "toggle": "0x80.8"})"),
-              "step 2: \"toggle\" must be a bit such as \"0x0080.3\"");
-    EXPECT_EQ(errorOfStep(R"({"at": 0, "set": "0x10000", "value": 1})"),
-              "step 2: \"set\" must be a byte address such as \"0x1000\"");
-    EXPECT_EQ(errorOfStep(R"({"at": 0, "set": "0x1000"})"),
-              "step 2: \"value\" must be a whole number from -2147483648 to 4294967295");
-    EXPECT_EQ(errorOfStep(R"({"at": 0, "set": "0x1000", "value": 1, "bytes": 3})"),
-              "step 2: \"bytes\" must be 1, 2 or 4");
-    EXPECT_EQ(errorOfStep(R"({"at": 0, "set": "0xFFFF", "value": 1})"),
-              "step 2: the bytes end beyond 0xFFFF");
-    EXPECT_EQ(errorOfStep(R"({"at": 0, "set": "0x1000", "value": 1, "to": 3})"),
-              "step 2: \"to\" has no meaning here");
-    EXPECT_EQ(errorOfStep("7"),
-              "step 2: one of \"set\", \"add\", \"toggle\" and \"copy\" says what");
+    EXPECT_EQ(errorOf("{\n\"steps\": [\n{]}"), "line 3: unterminated object");
+    EXPECT_EQ(errorOf("[]"), "expected { \"steps\": [ ... ] }");
+    EXPECT_EQ(errorOf(R"({"steps": [], "stepps": []})"), "expected { \"steps\": [ ... ] }");
+}
+
+TEST(Script, ErrorNamesTheStep)
+{
+    const char* const oneAction =
+        "step 2: expected one of \"set\", \"add\", \"toggle\" and \"copy\"";
+    const char* const oneTime = "step 2: expected either \"at\" or \"every\"";
+    const char* const place =
+        "step 2: \"set\" must be a byte address such as \"0x1000\", or a bit such "
+        "as \"0x0100.3\"";
+    const struct
+    {
+        const char* step;
+        const char* error;
+    } rows[] = {
+        {"7", oneAction},
+        {R"({"at": 0})", oneAction},
+        {R"({"at": 0, "toggle": "0.0", "add": "0"})", oneAction},
+        {R"({"toggle": "0.0"})", oneTime},
+        {R"({"at": 1, "every": 1, "toggle": "0.0"})", oneTime},
+        {R"({"every": 0, "toggle": "0.0"})",
+         "step 2: \"every\" must be a whole number from 1 to 604800000"},
+        {R"({"at": 0.5, "toggle": "0.0"})",
+         "step 2: \"at\" must be a whole number from 0 to 604800000"},
+        {R"({"at": 0, "toggle": "0x80"})", "step 2: \"toggle\" must be a bit such as \"0x0080.3\""},
+        {R"({"at": 0, "add": "0x80.1"})", "step 2: \"add\" must be a byte address, not a bit"},
+        {R"({"at": 0, "set": "0x10000", "value": 1})", place},
+        {R"({"at": 0, "set": "0x80.8", "value": 1})", place},
+        {R"({"at": 0, "set": "0x1000"})",
+         "step 2: \"value\" must be a whole number from -2147483648 to 4294967295"},
+        {R"({"at": 0, "set": "0x1000", "value": 1, "bytes": 3})",
+         "step 2: \"bytes\" must be 1, 2 or 4"},
+        {R"({"at": 0, "set": "0xFFFF", "value": 1})",
+         "step 2: the value extends beyond address 0xFFFF"},
+        {R"({"at": 0, "set": "0x1000", "value": 1, "to": 3})",
+         "step 2: \"to\" is not expected here"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(errorOfStep(row.step), row.error);
 }
 
 TEST(Script, FileThatIsMissingIsNamed)
 {
-    EXPECT_EQ(loadScript("/nonexistent/plant.json").error,
+    EXPECT_EQ(errorText([] { loadScript("/nonexistent/plant.json"); }),
               "/nonexistent/plant.json: No such file or directory");
 }

@@ -1,0 +1,169 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// The command line: what each option sets, and what is said of a mistake.
+
+#include "tools/fxsim/options.h"
+
+#include "tests/tools/fxsim/error_text.h"
+#include "tests/tools/fxsim/printing.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <vector>
+
+using namespace fxsim;
+
+namespace {
+
+using Arguments = std::vector<const char*>;
+
+std::optional<Options> parsed(Arguments arguments)
+{
+    arguments.insert(arguments.begin(), "fxsim");
+    return parseOptions(static_cast<int>(arguments.size()), arguments.data());
+}
+
+Options options(const Arguments& arguments)
+{
+    return parsed(arguments).value();
+}
+
+}  // namespace
+
+TEST(Options, HaveDefaults)
+{
+    const Options none = options({});
+    EXPECT_TRUE(none.pty);
+    EXPECT_FALSE(none.tcp);
+    EXPECT_EQ(none.settings.timing.baud, 9600);
+    EXPECT_EQ(none.settings.timing.scanMs, 0);
+    EXPECT_EQ(none.settings.enquiry, EnquiryMode::Optional);
+    EXPECT_EQ(none.settings.onError, OnError::Nak);
+    EXPECT_EQ(none.settings.maxBytes, 64);
+    EXPECT_EQ(none.settings.seed, 1U);
+    EXPECT_TRUE(none.settings.faults.isEmpty());
+    EXPECT_EQ(none.present.at(0).last, 0x7FFF);
+    EXPECT_TRUE(none.missing.isEmpty());
+    EXPECT_EQ(none.mirrors.at(0).to, 0x0E00);
+    EXPECT_EQ(none.program, "sample");
+    EXPECT_FALSE(none.trace || none.stats || none.noCommands);
+}
+
+TEST(Options, SetThePlc)
+{
+    const Options all =
+        options({"--baud=0", "--scan-ms=10000", "--enq=needed", "--on-error=silence",
+                 "--max-bytes=255", "--memory=0-0x1FFF", "--holes=1,2", "--mirror=none",
+                 "--faults=nak@3,delay=1%", "--seed=18446744073709551615"});
+    EXPECT_EQ(all.settings.timing.baud, 0);
+    EXPECT_EQ(all.settings.timing.scanMs, 10000);
+    EXPECT_EQ(all.settings.enquiry, EnquiryMode::Needed);
+    EXPECT_EQ(all.settings.onError, OnError::Silence);
+    EXPECT_EQ(all.settings.maxBytes, 255);
+    EXPECT_EQ(all.present.at(0).last, 0x1FFF);
+    EXPECT_EQ(all.missing.size(), 2);
+    EXPECT_TRUE(all.mirrors.isEmpty());
+    EXPECT_EQ(faultPlanText(all.settings.faults), "nak@3,delay=0.01");
+    EXPECT_EQ(all.settings.seed, std::numeric_limits<quint64>::max());
+    EXPECT_EQ(options({"--enq=ignored"}).settings.enquiry, EnquiryMode::Ignored);
+}
+
+TEST(Options, SetTheBench)
+{
+    const Options all = options({"--program", "a.json", "--load", "b", "--save", "c", "--trace",
+                                 "--stats", "--control", "d", "--tell", "quit", "--no-commands"});
+    EXPECT_EQ(all.program, "a.json");
+    EXPECT_EQ(all.loadPath, "b");
+    EXPECT_EQ(all.savePath, "c");
+    EXPECT_EQ(all.controlPath, "d");
+    EXPECT_EQ(all.tellCommand, "quit");
+    EXPECT_TRUE(all.trace && all.stats && all.noCommands);
+    EXPECT_EQ(all.tracePath, "");
+    EXPECT_EQ(options({"--trace", "e"}).tracePath, "e");
+}
+
+TEST(Options, ChooseTheLinks)
+{
+    EXPECT_TRUE(options({"--link", "a", "--tcp"}).pty);
+    EXPECT_EQ(options({"--link", "a"}).linkPath, "a");
+    EXPECT_FALSE(options({"--tcp"}).pty);
+    EXPECT_TRUE(options({"--tcp", "--pty"}).pty);
+    EXPECT_FALSE(options({"--serial", "b"}).pty);
+    EXPECT_EQ(options({"--serial", "b"}).serialDevice, "b");
+}
+
+TEST(Options, ReadTcpAddresses)
+{
+    const struct
+    {
+        const char* text;
+        const char* address;
+        int port;
+    } rows[] = {
+        {"", "127.0.0.1", 8888},
+        {"502", "127.0.0.1", 502},
+        {":0", "127.0.0.1", 0},
+        {"localhost:8889", "127.0.0.1", 8889},
+        {"0.0.0.0:8888", "0.0.0.0", 8888},
+        {"[::1]:65535", "::1", 65535},
+    };
+    for (const auto& row : rows) {
+        const QByteArray option = QByteArray("--tcp=") + row.text;
+        const Options read =
+            options(*row.text != '\0' ? Arguments{option.constData()} : Arguments{"--tcp"});
+        ASSERT_TRUE(read.tcp);
+        EXPECT_EQ(read.tcp->address, QHostAddress(row.address)) << row.text;
+        EXPECT_EQ(read.tcp->port, row.port) << row.text;
+    }
+}
+
+TEST(Options, TheLastOfTwoCounts)
+{
+    EXPECT_EQ(options({"--baud", "300", "--baud", "4000000"}).settings.timing.baud, 4000000);
+}
+
+TEST(Options, MistakesAreExplained)
+{
+    const struct
+    {
+        Arguments arguments;
+        const char* message;
+    } rows[] = {
+        {{"--tcp", "99999"}, "--tcp: invalid port '99999': expected 0 to 65535"},
+        {{"--tcp", "plc.example:1"},
+         "--tcp: invalid address 'plc.example': expected an IP address or localhost"},
+        {{"--baud", "299"}, "--baud: invalid speed '299': expected 0 or 300 to 4000000"},
+        {{"--baud", "fast"}, "--baud: invalid speed 'fast': expected 0 or 300 to 4000000"},
+        {{"--seed", "-1"}, "--seed: invalid seed '-1': expected 0 to 18446744073709551615"},
+        {{"--seed", "18446744073709551616"},
+         "--seed: invalid seed '18446744073709551616': expected 0 to 18446744073709551615"},
+        {{"--scan-ms", "10001"}, "--scan-ms: invalid time in ms '10001': expected 0 to 10000"},
+        {{"--on-error", "ack"}, "--on-error: invalid word 'ack': expected nak or silence"},
+        {{"--enq", "never"}, "--enq: invalid word 'never': expected optional, needed or ignored"},
+        {{"--max-bytes", "256"}, "--max-bytes: invalid number of bytes '256': expected 1 to 255"},
+        {{"--max-bytes", "0"}, "--max-bytes: invalid number of bytes '0': expected 1 to 255"},
+        {{"--holes", "7-3"},
+         "--holes: invalid address range '7-3': expected FIRST-LAST, as in 0x0000-0x7FFF"},
+        {{"--memory", "0x10000"},
+         "--memory: invalid byte address '0x10000': expected 0x0000 to 0xFFFF"},
+        {{"--mirror", "1:2"},
+         "--mirror: invalid mirror '1:2': expected FROM:TO:BYTES, as in "
+         "0x0F00:0x0E00:256, or none"},
+        {{"--faults", "loud"},
+         "--faults: fault 'loud': unknown fault; 'help' in place of the plan "
+         "lists all faults"},
+        {{"--serial", "/dev/null", "--baud", "0"}, "--serial needs a speed: --baud 0 has none"},
+        {{"--tell", "quit"}, "--tell requires --control"},
+        {{"plc"}, "The following argument was not expected: plc"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(errorText([&row] { parsed(row.arguments); }),
+                  QString(row.message) + " (see fxsim --help)");
+    for (const char* option : {"--link", "--serial", "--load", "--save", "--program", "--control"})
+        EXPECT_EQ(errorText([option] {
+                      parsed({option, ""});
+                  }),
+                  QStringLiteral("%1: the name must not be empty (see fxsim --help)").arg(option));
+}
