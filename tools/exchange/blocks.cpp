@@ -5,13 +5,11 @@
 
 #include "tools/exchange/blocks.h"
 
+#include <algorithm>
+
 namespace fxtools {
 
 namespace {
-
-constexpr int bitsPerByte = 8;
-constexpr int accepted = 1;
-constexpr int sendAgain = 8;
 
 bool sameKind(const RegisterRange& one, const RegisterRange& other)
 {
@@ -23,7 +21,7 @@ void giveUp(const DriverLibrary& library)
 {
     QByteArray nothing;
     QString errorText;
-    while (library.dealRcvFrame(nothing, errorText) == sendAgain) {
+    while (library.dealRcvFrame(nothing, errorText) == fxSendAgain) {
     }
 }
 
@@ -36,6 +34,19 @@ RegisterRange blockRange(const RegisterCatalogue& catalogue, const VARIABLE& req
     range.station = request.stationNo;
     range.first = request.addressIndex;
     range.count = range.type.isBit() ? bitsPerByte * request.count : request.count;
+    return range;
+}
+
+int writtenRegisters(const RegisterType& type, const VARIABLE& request)
+{
+    return type.isBit() ? 1 : std::max(request.count / type.driverCount(1), 1);
+}
+
+RegisterRange requestRange(const RegisterCatalogue& catalogue, const FRAME_PRO& frame)
+{
+    RegisterRange range = blockRange(catalogue, frame.variable);
+    if (frame.isRead == 0)
+        range.count = writtenRegisters(range.type, frame.variable);
     return range;
 }
 
@@ -64,7 +75,7 @@ QVector<FRAME_PRO> planOf(DriverSession& session, const QVector<RegisterRange>& 
     QVector<FRAME_PRO> frames;
     for (int block = 0; block < blocks; ++block) {
         FRAME_PRO frame;
-        if (session.library().getSendFrame(&frame) != accepted)
+        if (session.library().getSendFrame(&frame) != fxFrameToSend)
             break;
         frames.append(frame);
         giveUp(session.library());

@@ -13,6 +13,13 @@ namespace fxtools {
 // What one read request covers. A bit request counts bytes.
 RegisterRange blockRange(const RegisterCatalogue& catalogue, const VARIABLE& request);
 
+// How many registers one write frame sets: its request counts words, also of counters, and bits one
+// by one.
+int writtenRegisters(const RegisterType& type, const VARIABLE& request);
+
+// The registers that a frame reads or writes.
+RegisterRange requestRange(const RegisterCatalogue& catalogue, const FRAME_PRO& frame);
+
 bool isInside(const RegisterRange& inner, const RegisterRange& outer);
 bool overlap(const RegisterRange& one, const RegisterRange& other);
 QString fromToText(const RegisterRange& range);  // "D100 … D131"

@@ -10,25 +10,21 @@ namespace fxtools {
 namespace {
 
 constexpr int linkNumber = 1;
-constexpr size_t downloadRequest = 60115;
-constexpr size_t uploadRequest = 60116;
-constexpr size_t hostMemoryBytes = uploadRequest + 1;
 constexpr size_t recipeMemoryWords = 65536;
 
-// The tags that tell one's own requests apart; the driver gives its cyclic reads a 4.
+// The tags that tell one's own requests from those of the plan.
 constexpr int writeTag = 2;
 constexpr int conditionalTag = 3;
-constexpr int cyclicTag = 4;
+static_assert(writeTag != fxPlanTag && conditionalTag != fxPlanTag);
 
-constexpr int endOfReadStation = -1;
-const QString recipeWordText = QStringLiteral("RWI");
+constexpr int noStation = -1;  // of callbacks that tell of no register
 
 // The callback of the driver is a plain function, and the driver serves one session.
 DriverSession* activeSession = nullptr;
 
 size_t requestByte(RecipeDirection direction)
 {
-    return direction == RecipeDirection::Download ? downloadRequest : uploadRequest;
+    return direction == RecipeDirection::Download ? fxDownloadRequestByte : fxUploadRequestByte;
 }
 
 quint32 valueAt(const std::vector<unsigned char>& bytes, size_t position, size_t byteCount)
@@ -53,7 +49,7 @@ int wordsOf(const RegisterRange& range)
 }  // namespace
 
 DriverSession::DriverSession(const DriverLibrary& library, const SessionSettings& settings)
-    : m_library(library), m_settings(settings), m_hostMemory(hostMemoryBytes, 0),
+    : m_library(library), m_settings(settings), m_hostMemory(fxHostMemoryBytes, 0),
       m_recipeWords(recipeMemoryWords, 0)
 {
     activeSession = this;
@@ -96,7 +92,8 @@ void DriverSession::queueRead(const RegisterRange& range)
 {
     KEY_ADDRESS key = planKey(range);
     if (range.type.isBit())
-        key.length = (key.length + 7) / 8;  // a one-off read of bits counts bytes
+        key.length =
+            (key.length + bitsPerByte - 1) / bitsPerByte;  // a one-off read of bits counts bytes
     m_library.addConditionRead(key, conditionalTag);
 }
 
@@ -146,14 +143,14 @@ int DriverSession::startRecipe(RecipeDirection direction, const QVector<Register
     if (entryCount == 0)
         return 0;  // a request without a list would stop everything else
     const QMutexLocker lock(&m_mutex);
-    m_hostMemory[requestByte(direction)] = 1;
+    m_hostMemory[requestByte(direction)] = fxRecipeRequested;
     return entryCount;
 }
 
 bool DriverSession::recipeRuns(RecipeDirection direction)
 {
     const QMutexLocker lock(&m_mutex);
-    return m_hostMemory[requestByte(direction)] == 1;
+    return m_hostMemory[requestByte(direction)] == fxRecipeRequested;
 }
 
 ExchangeKind DriverSession::kindOf(const FRAME_PRO& frame)
@@ -165,7 +162,7 @@ ExchangeKind DriverSession::kindOf(const FRAME_PRO& frame)
         return ExchangeKind::RecipeUpload;
     if (frame.isRead == 0)
         return ExchangeKind::Write;
-    return frame.variable.tag == cyclicTag ? ExchangeKind::CyclicRead
+    return frame.variable.tag == fxPlanTag ? ExchangeKind::CyclicRead
                                            : ExchangeKind::ConditionalRead;
 }
 
@@ -178,14 +175,14 @@ int DriverSession::forwardCallback(int, int stationNo, QString& text, int value)
 
 void DriverSession::handleCallback(int stationNo, const QString& text, int value)
 {
-    if (stationNo != endOfReadStation) {
+    if (stationNo != noStation) {
         if (onValueChanged)
             onValueChanged(text, stationNo, value);
-    } else if (text == recipeWordText) {
+    } else if (text == QLatin1String(fxRecipeWordText)) {
         if (onRecipeWord)
             onRecipeWord(value);
     } else if (onReadEnded) {
-        onReadEnded(value == 0);
+        onReadEnded(value == fxReadSucceeded);
     }
 }
 

@@ -9,6 +9,7 @@
 #include "tools/exchange/reply_verdict.h"
 
 #include <QString>
+#include <QVector>
 
 namespace fxtools {
 
@@ -20,17 +21,17 @@ enum class ExchangeKind
     RecipeDownload,
     RecipeUpload,
 };
-constexpr int exchangeKinds = 5;
 
+const QVector<ExchangeKind>& allExchangeKinds();
 QString kindText(ExchangeKind kind);
 
 // What intf_dealRcvFrame answers.
 enum class DriverAnswer
 {
-    NoFrame = 0,
-    Accepted = 1,
-    Failed = 2,
-    Repeat = 8,
+    NoFrame = fxNoFrameInFlight,
+    Accepted = fxReplyAccepted,
+    Failed = fxExchangeFailed,
+    Repeat = fxSendAgain,
 };
 
 struct Exchange

@@ -5,8 +5,6 @@
 
 #include "tools/exchange/exchange_loop.h"
 
-#include "tools/link/interrupt.h"
-
 #include <QElapsedTimer>
 
 #include <algorithm>
@@ -39,6 +37,8 @@ bool isTimeout(ReplyVerdict verdict)
 ExchangeLoop::ExchangeLoop(DriverSession& session, Link& link, const LoopSettings& settings)
     : m_session(session), m_link(link), m_settings(settings), m_timeout(settings.timeout)
 {
+    if (!m_settings.isInterrupted)
+        m_settings.isInterrupted = [] { return false; };
     if (m_settings.clockUs)
         return;
     QElapsedTimer clock;
@@ -49,7 +49,7 @@ ExchangeLoop::ExchangeLoop(DriverSession& session, Link& link, const LoopSetting
 std::optional<Exchange> ExchangeLoop::step()
 {
     Exchange exchange;
-    if (m_session.library().getSendFrame(&exchange.frame) != 1)
+    if (m_session.library().getSendFrame(&exchange.frame) != fxFrameToSend)
         return std::nullopt;
     if (!m_repeating)
         m_kind = m_session.kindOf(exchange.frame);
@@ -82,7 +82,9 @@ void ExchangeLoop::sendAndReceive(Exchange& exchange)
         m_timeout.answered(exchange.responseUs);
         return;
     }
-    if (m_link.isOpen())
+    if (isTimeout(exchange.verdict) && isInterrupted())
+        exchange.verdict = ReplyVerdict::Interrupted;  // the whole time-out was not waited for
+    else if (m_link.isOpen())
         settle(exchange);
     if (!m_link.isOpen())  // perhaps told by the ENQ only
         exchange.verdict = ReplyVerdict::LinkLost;
@@ -135,7 +137,7 @@ QByteArray ExchangeLoop::listen(int timeoutMs)
 {
     QByteArray bytes = m_link.receive(std::min(timeoutMs, longestTurnMs));
     for (int leftMs = timeoutMs - longestTurnMs;
-         bytes.isEmpty() && leftMs > 0 && m_link.isOpen() && !interrupted();
+         bytes.isEmpty() && leftMs > 0 && m_link.isOpen() && !isInterrupted();
          leftMs -= longestTurnMs)
         bytes = m_link.receive(std::min(leftMs, longestTurnMs));
     return bytes;

@@ -30,6 +30,7 @@ struct LoopSettings
     TimeoutLimits timeout;
     int betweenBytesMs = 100;         // a USB adapter hands bytes over in slices with pauses
     std::function<qint64()> clockUs;  // empty: the real time; a simulated link may bring its own
+    std::function<bool()> isInterrupted;  // whether the user wants an end; empty: never
 };
 
 class ExchangeLoop
@@ -50,12 +51,12 @@ public:
     bool resynchronise();
 
     DriverSession& session() { return m_session; }
-    Link& link() { return m_link; }
     const Link& link() const { return m_link; }
     const Statistics& statistics() const { return m_statistics; }
     Statistics& statistics() { return m_statistics; }
     const AdaptiveTimeout& timeout() const { return m_timeout; }
     qint64 elapsedUs() const { return m_settings.clockUs(); }
+    bool isInterrupted() const { return m_settings.isInterrupted(); }
 
 private:
     void sendAndReceive(Exchange& exchange);

@@ -6,7 +6,6 @@
 #include "tools/exchange/poller.h"
 
 #include "tools/exchange/blocks.h"
-#include "tools/link/interrupt.h"
 
 #include <algorithm>
 
@@ -15,7 +14,6 @@ namespace fxtools {
 namespace {
 
 constexpr int cyclesUntilAskedAgain = 50;
-constexpr int bitsPerByte = 8;
 
 // The smallest part of a block that can be read alone.
 int smallestCount(const RegisterType& type)
@@ -47,33 +45,33 @@ void Poller::replan()
     m_blocks = m_loop.session().setPlan(m_planned);
 }
 
-bool Poller::poll()
+RoundEnd Poller::poll()
 {
     m_problems.clear();
     m_read.clear();
-    m_brokenOff.reset();
+    m_end = RoundEnd::Done;
     for (const Aside& aside : m_aside)
         note(aside.range, aside.reason);
-    const bool whole = pollPlan() && pollPieces() && askAsideAgain();
+    pollPlan();
+    pollPieces();
+    if (m_cycle % cyclesUntilAskedAgain == cyclesUntilAskedAgain - 1 && !isStopped())
+        askAsideAgain();
     ++m_cycle;
-    return whole && !interrupted();
+    return m_end;
 }
 
-bool Poller::pollPlan()
+void Poller::pollPlan()
 {
     const Round round = pollCycle(m_loop, m_blocks);
+    m_end = round.end;
+    m_unasked = m_end == RoundEnd::NeverAnswered ? round.ended.last().verdict : verdictOf(m_end);
     QVector<RegisterRange> refused;
     for (const Exchange& exchange : round.ended) {
         if (exchange.kind == ExchangeKind::CyclicRead)
             noteBlock(exchange, refused);
     }
-    if (round.linkLost)
-        m_brokenOff = ReplyVerdict::LinkLost;
-    else if (round.ended.size() < m_blocks)
-        m_brokenOff = ReplyVerdict::Silence;
-    for (int block = 0; block < refused.size() && !linkLost(); ++block)
-        halve(refused[block]);
-    return !linkLost();
+    for (const RegisterRange& block : refused)
+        halve(block);
 }
 
 void Poller::noteBlock(const Exchange& exchange, QVector<RegisterRange>& refused)
@@ -88,50 +86,37 @@ void Poller::noteBlock(const Exchange& exchange, QVector<RegisterRange>& refused
         refused.append(block);
 }
 
-bool Poller::pollPieces()
+void Poller::pollPieces()
 {
     const QVector<RegisterRange> pieces = m_pieces;
     m_pieces.clear();
     for (const RegisterRange& piece : pieces) {
         const ReplyVerdict verdict = readPiece(piece);
-        if (linkLost())
-            return false;
-        if (verdict == ReplyVerdict::Refused) {
+        if (verdict == ReplyVerdict::Refused)
             readOrHalve(piece);  // what was good before has lost a part
-            continue;
-        }
-        m_pieces.append(piece);
-        if (verdict == ReplyVerdict::Good)
-            m_read.append(piece);
         else
-            note(piece, verdict);
+            keep(piece, verdict);
     }
-    return true;
 }
 
-bool Poller::askAsideAgain()
+void Poller::askAsideAgain()
 {
-    if (m_cycle % cyclesUntilAskedAgain != cyclesUntilAskedAgain - 1)
-        return true;
     if (m_planned.isEmpty()) {
         m_aside.clear();  // a one-off read needs a plan to go in between: all of it is the plan
         planEverything();
-        return true;
+        return;
     }
-    QVector<Aside> stillAside;
-    for (const Aside& aside : m_aside) {
+    const QVector<Aside> asides = m_aside;
+    m_aside.clear();
+    for (const Aside& aside : asides) {
         const ReplyVerdict verdict = readPiece(aside.range);
-        if (linkLost())
-            return false;
         if (verdict == ReplyVerdict::Good)
             m_pieces.append(aside.range);
         else
-            stillAside.append({aside.range, verdict});
+            m_aside.append({aside.range, isStopped() ? aside.reason : verdict});
     }
-    m_aside = stillAside;
     if (m_aside.isEmpty() && !m_pieces.isEmpty())
         planEverything();
-    return true;
 }
 
 void Poller::planEverything()
@@ -144,38 +129,42 @@ void Poller::planEverything()
 // Takes what was asked for in a refused block out of the plan and finds out what of it can be read.
 void Poller::halve(const RegisterRange& block)
 {
-    QVector<RegisterRange> inBlock;
+    for (const RegisterRange& piece : takeFromPlan(block))
+        readOrHalve(piece);
+    replan();
+}
+
+// A range may reach over several blocks; the parts outside this one stay with the plan.
+QVector<RegisterRange> Poller::takeFromPlan(const RegisterRange& block)
+{
+    QVector<RegisterRange> taken;
     QVector<RegisterRange> left;
     for (const RegisterRange& range : m_planned) {
-        if (overlap(range, block))
-            inBlock.append(range);
-        else
+        if (!overlap(range, block)) {
             left.append(range);
-    }
-    for (const RegisterRange& range : inBlock) {
-        // A range may reach over several blocks; the parts outside this one stay with the plan.
-        const int from = std::max(range.first, block.first);
-        const int to = std::min(range.first + range.count, block.first + block.count);
-        if (from > range.first)
-            left.append(range.part(0, from - range.first));
-        if (to < range.first + range.count)
-            left.append(range.part(to - range.first, range.first + range.count - to));
-        readOrHalve(range.part(from - range.first, to - from));
+            continue;
+        }
+        const int from = std::max(block.first - range.first, 0);
+        const int to = std::min(block.first + block.count - range.first, range.count);
+        taken.append(range.part(from, to - from));
+        if (from > 0)
+            left.append(range.part(0, from));
+        if (to < range.count)
+            left.append(range.part(to, range.count - to));
     }
     m_planned = left;
-    replan();
+    return taken;
 }
 
 void Poller::readOrHalve(const RegisterRange& piece)
 {
     const ReplyVerdict verdict = readPiece(piece);
-    if (linkLost() || interrupted())
-        return;
     if (verdict == ReplyVerdict::Good) {
-        m_pieces.append(piece);
-        m_read.append(piece);
         for (int index = 0; index < piece.count; ++index)
             m_problems.remove(piece.nameOf(index));
+    }
+    if (verdict == ReplyVerdict::Good || isStopped()) {
+        keep(piece, verdict);
     } else if (piece.count <= smallestCount(piece.type)) {
         m_aside.append({piece, verdict});
         note(piece, verdict);
@@ -186,17 +175,31 @@ void Poller::readOrHalve(const RegisterRange& piece)
     }
 }
 
+void Poller::keep(const RegisterRange& piece, ReplyVerdict verdict)
+{
+    m_pieces.append(piece);
+    if (verdict == ReplyVerdict::Good)
+        m_read.append(piece);
+    else
+        note(piece, verdict);
+}
+
+// Nothing is asked any more once the cycle was stopped.
 ReplyVerdict Poller::readPiece(const RegisterRange& piece)
 {
+    if (isStopped())
+        return m_unasked;
     const ReplyVerdict verdict = readOnce(m_loop, piece);
-    if (verdict == ReplyVerdict::LinkLost)
-        m_brokenOff = verdict;
+    if (verdict == ReplyVerdict::LinkLost || verdict == ReplyVerdict::Interrupted) {
+        m_end = verdict == ReplyVerdict::LinkLost ? RoundEnd::LinkLost : RoundEnd::Interrupted;
+        m_unasked = verdict;
+    }
     return verdict;
 }
 
-bool Poller::linkLost() const
+bool Poller::isStopped() const
 {
-    return m_brokenOff == ReplyVerdict::LinkLost;
+    return m_end == RoundEnd::LinkLost || m_end == RoundEnd::Interrupted;
 }
 
 void Poller::note(const RegisterRange& range, ReplyVerdict verdict)
@@ -215,13 +218,13 @@ std::optional<ReplyVerdict> Poller::problemOf(const RegisterRange& range, int in
     const auto found = m_problems.constFind(range.nameOf(index));
     if (found != m_problems.constEnd())
         return *found;
-    if (!m_brokenOff)
+    if (m_end == RoundEnd::Done)
         return std::nullopt;
     const RegisterRange one = range.part(index, 1);
     const bool wasRead =
         std::any_of(m_read.begin(), m_read.end(),
                     [&one](const RegisterRange& block) { return isInside(one, block); });
-    return wasRead ? std::nullopt : m_brokenOff;
+    return wasRead ? std::nullopt : std::optional(m_unasked);
 }
 
 }  // namespace fxtools

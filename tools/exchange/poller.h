@@ -20,8 +20,8 @@ public:
     Poller(ExchangeLoop& loop, const RegisterCatalogue& catalogue,
            const QVector<RegisterRange>& ranges);
 
-    // One cycle. False when the link was lost for good or the user wants an end.
-    bool poll();
+    // One cycle. What it did not come to, because of its end, is asked for again in the next one.
+    RoundEnd poll();
 
     const QVector<RegisterRange>& ranges() const { return m_ranges; }
     QVector<quint32> values(const RegisterRange& range) const;
@@ -38,12 +38,14 @@ private:
 
     void planEverything();
     void replan();
-    bool linkLost() const;
-    bool pollPlan();
-    bool pollPieces();
-    bool askAsideAgain();
+    bool isStopped() const;
+    void pollPlan();
+    void pollPieces();
+    void askAsideAgain();
     void halve(const RegisterRange& block);
+    QVector<RegisterRange> takeFromPlan(const RegisterRange& block);
     void readOrHalve(const RegisterRange& piece);
+    void keep(const RegisterRange& piece, ReplyVerdict verdict);
     void note(const RegisterRange& range, ReplyVerdict verdict);
     void noteBlock(const Exchange& exchange, QVector<RegisterRange>& refused);
     ReplyVerdict readPiece(const RegisterRange& piece);
@@ -54,9 +56,10 @@ private:
     QVector<RegisterRange> m_planned;  // left to the driver's plan
     QVector<RegisterRange> m_pieces;   // good parts of refused blocks
     QVector<Aside> m_aside;
-    QHash<QString, ReplyVerdict> m_problems;  // by the register's name
-    QVector<RegisterRange> m_read;            // in this cycle, without a problem
-    std::optional<ReplyVerdict> m_brokenOff;  // why the cycle ended before all was asked for
+    QHash<QString, ReplyVerdict> m_problems;         // by the register's name
+    QVector<RegisterRange> m_read;                   // in this cycle, without a problem
+    RoundEnd m_end = RoundEnd::Done;                 // of this cycle
+    ReplyVerdict m_unasked = ReplyVerdict::Silence;  // what is said of the rest, if it ended early
     int m_blocks = 0;
     int m_cycle = 0;
 };

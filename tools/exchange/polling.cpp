@@ -5,13 +5,16 @@
 
 #include "tools/exchange/polling.h"
 
-#include "tools/link/interrupt.h"
+#include "tools/exchange/blocks.h"
 
 #include <algorithm>
 
 namespace fxtools {
 
 namespace {
+
+// The driver overwrites the last of a full queue silently: a portion fills half of it at most.
+constexpr int mostQueuedFrames = fxMaxQueuedRequests / 2;
 
 int endedOfKind(const Round& round, ExchangeKind kind)
 {
@@ -20,18 +23,17 @@ int endedOfKind(const Round& round, ExchangeKind kind)
                       [kind](const Exchange& exchange) { return exchange.kind == kind; }));
 }
 
-bool isDead(const ExchangeLoop& loop, const Round& round)
+bool hasNeverAnswered(const ExchangeLoop& loop, const Round& round)
 {
-    return !round.ended.isEmpty() && round.ended.last().verdict == ReplyVerdict::Silence &&
-           loop.statistics().total().accepted == 0;
+    if (round.ended.isEmpty() || loop.statistics().plcHasAnswered())
+        return false;
+    const ReplyVerdict verdict = round.ended.last().verdict;
+    return verdict == ReplyVerdict::Silence || verdict == ReplyVerdict::Late;
 }
-
-// The driver holds 513 writes at most and overwrites the last of them silently.
-constexpr int mostQueuedFrames = 256;
 
 // The registers that are handed to the driver at once. It cuts what is longer than a frame by
 // words and numbers the pieces by words, which is wrong for registers of two words each.
-int portionOf(const RegisterType& type, int wordsPerFrame)
+int mostInPortion(const RegisterType& type, int wordsPerFrame)
 {
     switch (type.width) {
     case RegisterWidth::Bit:
@@ -52,20 +54,13 @@ int framesFor(const RegisterRange& range, int wordsPerFrame)
     return (range.count + most - 1) / most;
 }
 
-// The registers of `whole` that one frame writes. Counters take two words each.
-RegisterRange writtenBy(const Exchange& exchange, const RegisterRange& whole)
-{
-    const VARIABLE& request = exchange.frame.variable;
-    const int registers =
-        whole.type.isBit() ? 1 : std::max(request.count / whole.type.driverCount(1), 1);
-    return whole.part(request.addressIndex - whole.first, registers);
-}
-
 void noteWrite(const Exchange& exchange, const RegisterRange& whole, WriteOutcome& outcome)
 {
     if (exchange.kind != ExchangeKind::Write)
         return;
-    const RegisterRange written = writtenBy(exchange, whole);
+    const VARIABLE& request = exchange.frame.variable;
+    const RegisterRange written =
+        whole.part(request.addressIndex - whole.first, writtenRegisters(whole.type, request));
     if (exchange.answer == DriverAnswer::Accepted)
         outcome.acknowledged.append(written);
     else if (exchange.verdict != ReplyVerdict::Refused)
@@ -76,23 +71,15 @@ void noteWrite(const Exchange& exchange, const RegisterRange& whole, WriteOutcom
 
 void noteWrites(const Round& round, const RegisterRange& whole, WriteOutcome& outcome)
 {
+    if (round.end != RoundEnd::Done)
+        outcome.problem = verdictOf(round.end);
     for (const Exchange& exchange : round.ended)
         noteWrite(exchange, whole, outcome);
     if (round.inFlight)
         noteWrite(*round.inFlight, whole, outcome);
 }
 
-bool hasFailed(const Exchange& exchange, ExchangeKind kind)
-{
-    return exchange.kind == kind && exchange.hasFailed();
-}
-
-bool reconnected(const ExchangeLoop& loop)
-{
-    return loop.onLinkLost && loop.onLinkLost();
-}
-
-ReplyVerdict readPortion(ExchangeLoop& loop, const RegisterRange& range)
+ReplyVerdict readFrame(ExchangeLoop& loop, const RegisterRange& range)
 {
     std::optional<bool> result;
     std::optional<ReplyVerdict> failure;
@@ -100,21 +87,55 @@ ReplyVerdict readPortion(ExchangeLoop& loop, const RegisterRange& range)
     loop.session().queueRead(range);
     const Round round = runUntil(loop, [&](const Round& soFar) {
         // The driver drops what is queued behind a failed read, and reports only the last one.
-        if (!soFar.ended.isEmpty() && hasFailed(soFar.ended.last(), ExchangeKind::ConditionalRead))
+        if (!soFar.ended.isEmpty() && soFar.ended.last().hasFailed() &&
+            soFar.ended.last().kind == ExchangeKind::ConditionalRead)
             failure = soFar.ended.last().verdict;
         return result.has_value() || failure.has_value();
     });
     loop.session().onReadEnded = nullptr;
-    if (round.linkLost)
-        return ReplyVerdict::LinkLost;
+    if (round.end != RoundEnd::Done)
+        return verdictOf(round.end);
     return result.value_or(false) ? ReplyVerdict::Good : failure.value_or(ReplyVerdict::Silence);
+}
+
+// One exchange of a round; what it ends the round with, if it does.
+std::optional<RoundEnd> stepIn(ExchangeLoop& loop, Round& round)
+{
+    const std::optional<Exchange> exchange = loop.step();
+    if (!exchange)
+        return RoundEnd::NothingToSend;
+    round.inFlight.reset();
+    if (exchange->hasEnded())
+        round.ended.append(*exchange);
+    else
+        round.inFlight = exchange;
+    const bool isLost = exchange->verdict == ReplyVerdict::LinkLost;
+    if (!isLost || (loop.onLinkLost && loop.onLinkLost()))
+        return std::nullopt;
+    return loop.isInterrupted() ? RoundEnd::Interrupted : RoundEnd::LinkLost;
 }
 
 }  // namespace
 
+ReplyVerdict verdictOf(RoundEnd end)
+{
+    switch (end) {
+    case RoundEnd::Done:
+        return ReplyVerdict::Good;
+    case RoundEnd::NothingToSend:
+    case RoundEnd::NeverAnswered:
+        return ReplyVerdict::Silence;
+    case RoundEnd::LinkLost:
+        return ReplyVerdict::LinkLost;
+    case RoundEnd::Interrupted:
+        return ReplyVerdict::Interrupted;
+    }
+    return ReplyVerdict::Silence;
+}
+
 bool Round::allGood() const
 {
-    return !linkLost && failed() == 0;
+    return end == RoundEnd::Done && failed() == 0;
 }
 
 int Round::failed() const
@@ -126,28 +147,22 @@ int Round::failed() const
 Round runUntil(ExchangeLoop& loop, const Enough& enough)
 {
     Round round;
-    while (!enough(round) && !interrupted()) {
-        const std::optional<Exchange> exchange = loop.step();
-        if (!exchange)
-            break;
-        round.inFlight.reset();
-        if (exchange->hasEnded())
-            round.ended.append(*exchange);
-        else
-            round.inFlight = exchange;
-        if (exchange->verdict == ReplyVerdict::LinkLost && !reconnected(loop)) {
-            round.linkLost = true;
-            break;
-        }
-    }
+    std::optional<RoundEnd> end;
+    while (!end && !enough(round))
+        end = loop.isInterrupted() ? RoundEnd::Interrupted : stepIn(loop, round);
+    round.end = end.value_or(RoundEnd::Done);
     return round;
 }
 
 Round pollCycle(ExchangeLoop& loop, int blocks)
 {
-    return runUntil(loop, [&loop, blocks](const Round& round) {
-        return endedOfKind(round, ExchangeKind::CyclicRead) >= blocks || isDead(loop, round);
+    Round round = runUntil(loop, [&loop, blocks](const Round& soFar) {
+        return endedOfKind(soFar, ExchangeKind::CyclicRead) >= blocks ||
+               hasNeverAnswered(loop, soFar);
     });
+    if (round.end == RoundEnd::Done && hasNeverAnswered(loop, round))
+        round.end = RoundEnd::NeverAnswered;
+    return round;
 }
 
 Round flushWrites(ExchangeLoop& loop, int writes)
@@ -160,14 +175,13 @@ Round flushWrites(ExchangeLoop& loop, int writes)
 ReplyVerdict readOnce(ExchangeLoop& loop, const RegisterRange& range)
 {
     // The driver cuts a read by its registers, so that one of counters could be twice too long.
-    const int most = range.type.mostInFrame(loop.session().settings().wordsPerFrame);
-    for (int done = 0; done < range.count; done += most) {
-        const int count = std::min(most, range.count - done);
-        const ReplyVerdict verdict = readPortion(loop, range.part(done, count));
-        if (verdict != ReplyVerdict::Good)
-            return verdict;
+    ReplyVerdict verdict = ReplyVerdict::Good;
+    for (const RegisterRange& part :
+         cutToFrames({range}, loop.session().settings().wordsPerFrame)) {
+        if (verdict == ReplyVerdict::Good)
+            verdict = readFrame(loop, part);
     }
-    return ReplyVerdict::Good;
+    return verdict;
 }
 
 ReplyVerdict readBack(ExchangeLoop& loop, const RegisterRange& range)
@@ -181,19 +195,14 @@ WriteOutcome writeRegisters(ExchangeLoop& loop, const RegisterRange& range,
                             const QVector<quint32>& values)
 {
     const int wordsPerFrame = loop.session().settings().wordsPerFrame;
-    const int portion = portionOf(range.type, wordsPerFrame);
     WriteOutcome outcome;
     outcome.frames = framesFor(range, wordsPerFrame);
-    int sent = 0;
     loop.session().setPlan({range.part(0, 1)});
-    for (int done = 0; done < range.count && outcome.isGood(); done += portion) {
-        const int count = std::min(portion, range.count - done);
-        loop.session().write(range.part(done, count), values.mid(done, count));
-        const int frames = framesFor(range.part(done, count), wordsPerFrame);
-        sent += frames;
-        noteWrites(flushWrites(loop, frames), range, outcome);
-        if (outcome.isGood() && outcome.acknowledged.size() < sent)
-            outcome.problem = ReplyVerdict::LinkLost;
+    for (const RegisterRange& part : range.cut(mostInPortion(range.type, wordsPerFrame))) {
+        if (!outcome.isGood())
+            break;
+        loop.session().write(part, values.mid(part.first - range.first, part.count));
+        noteWrites(flushWrites(loop, framesFor(part, wordsPerFrame)), range, outcome);
     }
     return outcome;
 }

@@ -10,12 +10,24 @@
 
 namespace fxtools {
 
+enum class RoundEnd
+{
+    Done,           // what the round was made for has happened
+    NothingToSend,  // the driver has no frame
+    NeverAnswered,  // in time, in any round: a PLC that may not be there is not asked for the rest
+    LinkLost,       // and it did not come back
+    Interrupted,    // the user wants an end
+};
+
+// As the verdict of what the round did not come to; Good when it is done.
+ReplyVerdict verdictOf(RoundEnd end);
+
 // What became of the exchanges of one round.
 struct Round
 {
     QVector<Exchange> ended;           // in their order, accepted or failed
     std::optional<Exchange> inFlight;  // sent, and neither accepted nor given up at the end
-    bool linkLost = false;             // and it did not come back
+    RoundEnd end = RoundEnd::Done;
 
     bool allGood() const;
     int failed() const;
@@ -23,12 +35,10 @@ struct Round
 
 using Enough = std::function<bool(const Round&)>;
 
-// Steps until `enough` says so, the link is lost for good, the user interrupts or there is nothing
-// to send.
+// Steps until `enough` says so, or until the round ends for another reason than NeverAnswered.
 Round runUntil(ExchangeLoop& loop, const Enough& enough);
 
-// Until each of the plan's blocks was read once, whatever else went out in between. A PLC that has
-// never answered is not asked for the rest when it is silent about one.
+// Until each of the plan's blocks was read once, whatever else went out in between.
 Round pollCycle(ExchangeLoop& loop, int blocks);
 
 // Until `writes` host writes have ended. Needs a plan: without one the driver sends three at most.

@@ -22,10 +22,11 @@ RecipeOutcome transferRecipe(ExchangeLoop& loop, RecipeDirection direction,
         return !loop.session().recipeRuns(direction);
     });
     outcome.transferred = round.ended.size() - round.failed();
-    if (round.failed() > 0)
-        outcome.problem = round.ended.last().verdict;
-    else if (round.linkLost || outcome.transferred < outcome.entries)
-        outcome.problem = ReplyVerdict::LinkLost;
+    if (round.end != RoundEnd::Done)
+        outcome.problem = verdictOf(round.end);
+    else if (outcome.transferred < outcome.entries)
+        outcome.problem =
+            round.ended.isEmpty() ? ReplyVerdict::Silence : round.ended.last().verdict;
     return outcome;
 }
 

@@ -6,7 +6,7 @@
 #include "tools/exchange/reply_verdict.h"
 
 #include <algorithm>
-#include <array>
+#include <iterator>
 
 namespace fxtools {
 
@@ -22,7 +22,7 @@ struct VerdictRow
     const char* text;
 };
 
-constexpr std::array<VerdictRow, replyVerdicts> verdictRows = {{
+constexpr VerdictRow verdictRows[] = {
     {ReplyVerdict::Good, "good", "good"},
     {ReplyVerdict::Silence, "silence", "no answer"},
     {ReplyVerdict::Refused, "refused", "refused by the PLC (NAK)"},
@@ -34,11 +34,12 @@ constexpr std::array<VerdictRow, replyVerdicts> verdictRows = {{
     {ReplyVerdict::WrongSum, "wrong-sum", "damaged: the sum is wrong"},
     {ReplyVerdict::Late, "late", "the answer came too late"},
     {ReplyVerdict::LinkLost, "link-lost", "the link was lost"},
-}};
+    {ReplyVerdict::Interrupted, "interrupted", "interrupted"},
+};
 
 const VerdictRow& rowOf(ReplyVerdict verdict)
 {
-    return *std::find_if(verdictRows.begin(), verdictRows.end(),
+    return *std::find_if(std::begin(verdictRows), std::end(verdictRows),
                          [verdict](const VerdictRow& row) { return row.verdict == verdict; });
 }
 
@@ -92,6 +93,17 @@ ReplyVerdict judgeReply(const FRAME_PRO& frame, const QByteArray& reply)
     if (frame.isRead == 0)
         return reply.front() == ack ? ReplyVerdict::Good : ReplyVerdict::NotAFrame;
     return judgeDataFrame(reply);
+}
+
+const QVector<ReplyVerdict>& allVerdicts()
+{
+    static const QVector<ReplyVerdict> all = [] {
+        QVector<ReplyVerdict> verdicts;
+        for (const VerdictRow& row : verdictRows)
+            verdicts.append(row.verdict);
+        return verdicts;
+    }();
+    return all;
 }
 
 QString verdictText(ReplyVerdict verdict)

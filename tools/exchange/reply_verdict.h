@@ -11,6 +11,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QVector>
 
 namespace fxtools {
 
@@ -33,8 +34,10 @@ enum class ReplyVerdict
     WrongSum,    // a frame, damaged on the way
     Late,        // right, but after the time-out: thrown away
     LinkLost,    // the link went away before the answer came
+    Interrupted  // the user wanted an end before the answer came
 };
-constexpr int replyVerdicts = 11;
+
+const QVector<ReplyVerdict>& allVerdicts();
 
 ReplyVerdict judgeReply(const FRAME_PRO& frame, const QByteArray& reply);
 

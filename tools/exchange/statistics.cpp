@@ -7,6 +7,14 @@
 
 namespace fxtools {
 
+const QVector<ExchangeKind>& allExchangeKinds()
+{
+    static const QVector<ExchangeKind> all = {
+        ExchangeKind::Write, ExchangeKind::ConditionalRead, ExchangeKind::CyclicRead,
+        ExchangeKind::RecipeDownload, ExchangeKind::RecipeUpload};
+    return all;
+}
+
 QString kindText(ExchangeKind kind)
 {
     switch (kind) {
@@ -26,12 +34,12 @@ QString kindText(ExchangeKind kind)
 
 void Statistics::add(const Exchange& exchange)
 {
-    KindCounts& counts = kinds[static_cast<size_t>(exchange.kind)];
+    KindCounts& counts = kinds[exchange.kind];
     ++counts.sent;
     counts.accepted += exchange.answer == DriverAnswer::Accepted;
     counts.repeated += exchange.answer == DriverAnswer::Repeat;
     counts.failed += exchange.answer == DriverAnswer::Failed;
-    ++verdicts[static_cast<size_t>(exchange.verdict)];
+    ++verdicts[exchange.verdict];
     bytesSent += exchange.frame.frameLength;
     bytesReceived += exchange.reply.size() + exchange.thrownAway.size();
     bytesThrownAway += exchange.thrownAway.size();

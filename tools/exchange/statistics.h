@@ -9,7 +9,7 @@
 #include "tools/exchange/exchange.h"
 #include "tools/exchange/histogram.h"
 
-#include <array>
+#include <QMap>
 
 namespace fxtools {
 
@@ -23,8 +23,8 @@ struct KindCounts
 
 struct Statistics
 {
-    std::array<KindCounts, exchangeKinds> kinds;
-    std::array<qint64, replyVerdicts> verdicts = {};
+    QMap<ExchangeKind, KindCounts> kinds;
+    QMap<ReplyVerdict, qint64> verdicts;
     qint64 bytesSent = 0;
     qint64 bytesReceived = 0;
     qint64 bytesThrownAway = 0;  // late, double or damaged: never handed to the driver as data
@@ -37,9 +37,10 @@ struct Statistics
 
     void add(const Exchange& exchange);
 
-    const KindCounts& of(ExchangeKind kind) const { return kinds[static_cast<size_t>(kind)]; }
-    qint64 of(ReplyVerdict verdict) const { return verdicts[static_cast<size_t>(verdict)]; }
+    KindCounts of(ExchangeKind kind) const { return kinds.value(kind); }
+    qint64 of(ReplyVerdict verdict) const { return verdicts.value(verdict); }
     KindCounts total() const;
+    bool plcHasAnswered() const { return total().accepted > 0; }
 };
 
 }  // namespace fxtools

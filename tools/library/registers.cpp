@@ -71,7 +71,7 @@ int RegisterType::driverCount(int count) const
 
 int RegisterType::mostInFrame(int wordsPerFrame) const
 {
-    constexpr int bitsPerByte = 8;  // the driver reads as many bytes of bits as words
+    // The driver reads as many bytes of bits as words.
     return isBit() ? bitsPerByte * wordsPerFrame : qMax(wordsPerFrame / driverCount(1), 1);
 }
 
@@ -86,6 +86,14 @@ RegisterRange RegisterRange::part(int offset, int partCount) const
     range.first += offset;
     range.count = partCount;
     return range;
+}
+
+QVector<RegisterRange> RegisterRange::cut(int mostRegisters) const
+{
+    QVector<RegisterRange> parts;
+    for (int offset = 0; offset < count; offset += mostRegisters)
+        parts.append(part(offset, qMin(mostRegisters, count - offset)));
+    return parts;
 }
 
 QString RegisterRange::nameOf(int index) const
@@ -117,6 +125,14 @@ const RegisterType* RegisterCatalogue::find(const QString& name) const
     return nullptr;
 }
 
+QVector<RegisterRange> cutToFrames(const QVector<RegisterRange>& ranges, int wordsPerFrame)
+{
+    QVector<RegisterRange> parts;
+    for (const RegisterRange& range : ranges)
+        parts += range.cut(range.type.mostInFrame(wordsPerFrame));
+    return parts;
+}
+
 KEY_ADDRESS planKey(const RegisterRange& range)
 {
     KEY_ADDRESS key;
@@ -124,7 +140,7 @@ KEY_ADDRESS planKey(const RegisterRange& range)
     key.registerType = range.type.name;
     // The planner takes whole bytes of bits and counts them from `length` alone, so a run that
     // starts within a byte has to ask from the byte's first bit on.
-    const int offset = range.type.isBit() ? range.first % 8 : 0;
+    const int offset = range.type.isBit() ? range.first % bitsPerByte : 0;
     key.startIndex = range.first - offset;
     key.length = range.count + offset;
     return key;

@@ -20,6 +20,8 @@ enum class RegisterWidth
     DoubleWord = 2,
 };
 
+constexpr int bitsPerByte = 8;
+
 QString widthText(RegisterWidth width);  // "bit", "16 bits", "32 bits"
 
 struct RegisterType
@@ -48,6 +50,7 @@ struct RegisterRange
     int count = 1;
 
     RegisterRange part(int offset, int partCount) const;
+    QVector<RegisterRange> cut(int mostRegisters) const;  // to parts, the last one shorter
     QString nameOf(int index) const;  // "D100"; "2#D100" on another station than 1
     QString text() const;             // "D100" or "D100:32"
 };
@@ -65,6 +68,9 @@ private:
     const DriverLibrary& m_library;
     QVector<RegisterType> m_types;
 };
+
+// Cut to parts whose values fit one frame, counters of two words included.
+QVector<RegisterRange> cutToFrames(const QVector<RegisterRange>& ranges, int wordsPerFrame);
 
 // The range as the planner takes it.
 KEY_ADDRESS planKey(const RegisterRange& range);

@@ -5,8 +5,9 @@
 
 #include "tools/link/interrupt.h"
 
-#include <QtGlobal>
+#include <QThread>
 
+#include <algorithm>
 #include <csignal>
 #include <ctime>
 
@@ -17,6 +18,7 @@ namespace fxtools {
 namespace {
 
 constexpr qint64 oneInterruptMs = 500;
+constexpr qint64 napMs = 20;  // how soon an interrupt is noticed
 
 volatile std::sig_atomic_t interruptSeen = 0;
 timespec firstSeen = {};
@@ -65,6 +67,12 @@ void catchSignals()
 bool interrupted()
 {
     return interruptSeen != 0;
+}
+
+void sleepUnlessInterrupted(qint64 timeMs)
+{
+    for (qint64 leftMs = timeMs; leftMs > 0 && !interrupted(); leftMs -= napMs)
+        QThread::msleep(static_cast<unsigned long>(std::min(leftMs, napMs)));
 }
 
 bool takeContinued()

@@ -6,10 +6,15 @@
 
 #pragma once
 
+#include <QtGlobal>
+
 namespace fxtools {
 
 void catchSignals();
 bool interrupted();
+
+// Sleeps so long, or until an interrupt.
+void sleepUnlessInterrupted(qint64 timeMs);
 
 // Whether the program was stopped and goes on since this was asked last.
 bool takeContinued();

@@ -5,8 +5,6 @@
 
 #include "tools/link/tcp_link.h"
 
-#include "tools/link/interrupt.h"
-
 #include <cerrno>
 #include <poll.h>
 #include <sys/socket.h>
@@ -76,7 +74,7 @@ bool TcpLink::waitFor(short event, int timeoutMs) const
 {
     pollfd waited = {descriptor(), event, 0};
     int ready = ::poll(&waited, 1, timeoutMs);
-    while (ready < 0 && errno == EINTR && !interrupted())  // stopped, and now going on
+    while (ready < 0 && errno == EINTR)  // a signal is for others to see
         ready = ::poll(&waited, 1, timeoutMs);
     return ready > 0;
 }

@@ -90,10 +90,8 @@ TEST(Verdicts, OfAReadTooShortForAFrameIsNone)
 TEST(Verdicts, EachHaveAWordAndAText)
 {
     QStringList rows;
-    for (int verdict = 0; verdict < replyVerdicts; ++verdict) {
-        const auto one = static_cast<ReplyVerdict>(verdict);
-        rows += verdictName(one) + ": " + verdictText(one);
-    }
+    for (const ReplyVerdict verdict : allVerdicts())
+        rows += verdictName(verdict) + ": " + verdictText(verdict);
     EXPECT_EQ(rows.join('\n').toStdString(), R"(good: good
 silence: no answer
 refused: refused by the PLC (NAK)
@@ -104,7 +102,8 @@ echo: the request came back as an echo
 not-a-frame: no frame
 wrong-sum: damaged: the sum is wrong
 late: the answer came too late
-link-lost: the link was lost)");
+link-lost: the link was lost
+interrupted: interrupted)");
 }
 
 TEST(RequestBytes, AreThoseOfTheFrameAndNoMore)

@@ -101,8 +101,8 @@ TEST(Statistics, KeepTheTimesOfGoodAnswersOnly)
 TEST(Kinds, HaveTheirNames)
 {
     QStringList names;
-    for (int kind = 0; kind < exchangeKinds; ++kind)
-        names += kindText(static_cast<ExchangeKind>(kind));
+    for (const ExchangeKind kind : allExchangeKinds())
+        names += kindText(kind);
     EXPECT_EQ(names.join('/').toStdString(),
               "write/conditional read/cyclic read/recipe download/recipe upload");
 }

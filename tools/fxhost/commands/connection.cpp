@@ -10,7 +10,6 @@
 #include "tools/link/interrupt.h"
 
 #include <QRandomGenerator>
-#include <QThread>
 
 #include <algorithm>
 
@@ -22,7 +21,6 @@ constexpr int boundedS = 30;
 constexpr int endless = -1;
 constexpr int shortestPauseMs = 100;
 constexpr int longestPauseMs = 5000;
-constexpr int napMs = 20;  // how soon an interrupt is noticed
 
 // The link with what the options say about it in front of its own settings: the first one counts.
 QString linkText(const CommonOptions& common, const QString& linkUnlessSaid)
@@ -47,15 +45,10 @@ QString linkText(const CommonOptions& common, const QString& linkUnlessSaid)
 LoopSettings loopSettings(const CommonOptions& common)
 {
     LoopSettings settings;
+    settings.isInterrupted = interrupted;
     if (common.timeoutMs > 0)
         settings.timeout = TimeoutLimits::fixed(common.timeoutMs);
     return settings;
-}
-
-void pauseFor(qint64 timeMs)
-{
-    for (qint64 left = timeMs; left > 0 && !interrupted(); left -= napMs)
-        QThread::msleep(napMs);
 }
 
 // Jitter, so that many hosts do not come back in the same moment.
@@ -152,7 +145,7 @@ bool Connection::reconnect()
 bool Connection::awaitLink()
 {
     while (!interrupted() && patienceLeftMs() > 0) {
-        pauseFor(std::min<qint64>(jittered(m_pauseMs), patienceLeftMs()));
+        sleepUnlessInterrupted(std::min<qint64>(jittered(m_pauseMs), patienceLeftMs()));
         m_pauseMs = std::min(2 * m_pauseMs, longestPauseMs);
         if (linkOpens())
             return true;
@@ -195,6 +188,8 @@ ExitCode exitCodeOf(ReplyVerdict verdict)
         return ExitCode::Silence;
     case ReplyVerdict::LinkLost:
         return ExitCode::LinkNotOpened;
+    case ReplyVerdict::Interrupted:
+        return ExitCode::Interrupted;
     case ReplyVerdict::Refused:
         return ExitCode::Refused;
     case ReplyVerdict::Incomplete:
@@ -213,11 +208,10 @@ ExitCode exitCodeOf(const Statistics& statistics)
     const KindCounts total = statistics.total();
     if (total.failed == 0)
         return ExitCode::Good;
-    if (total.accepted > 0)
+    if (statistics.plcHasAnswered())
         return ExitCode::SomeFailed;
     auto worst = ReplyVerdict::Silence;
-    for (int index = 0; index < replyVerdicts; ++index) {
-        const auto verdict = static_cast<ReplyVerdict>(index);
+    for (const ReplyVerdict verdict : allVerdicts()) {
         if (statistics.of(verdict) > statistics.of(worst))
             worst = verdict;
     }

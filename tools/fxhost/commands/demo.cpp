@@ -5,7 +5,6 @@
 
 #include "tools/fxhost/commands/connection.h"
 #include "tools/fxhost/demo/chapters.h"
-#include "tools/link/interrupt.h"
 
 #include <memory>
 
@@ -50,13 +49,13 @@ void showChapters(DemoBench& bench, bool live)
                                 showRecipe,
                                 showTrouble};
     for (const Chapter& chapter : chapters) {
-        if (interrupted() || !bench.linkIsGood())
+        if (bench.isInterrupted() || !bench.linkIsGood())
             break;
         chapter(bench);
     }
-    if (!interrupted())
+    if (!bench.isInterrupted())
         bench.confirm(bench.linkIsGood(), QStringLiteral("the link held to the end"));
-    if (live && !interrupted() && bench.linkIsGood())
+    if (live && !bench.isInterrupted() && bench.linkIsGood())
         showLiveValues(bench, -1);
     showSummary(bench);
 }
@@ -71,7 +70,7 @@ ExitCode runDemo(const CommonOptions& common, const DemoOptions& options)
                              .arg(connection.library().fileName(), connection.link().name(),
                                   connection.session().propertyString()));
     showChapters(bench, options.live);
-    if (interrupted() && bench.judged() < bench.checks())
+    if (bench.wasCutShort())
         return ExitCode::Interrupted;
     return bench.refuted() > 0 ? ExitCode::SomeFailed : ExitCode::Good;
 }

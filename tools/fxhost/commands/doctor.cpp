@@ -7,7 +7,6 @@
 
 #include "tools/exchange/polling.h"
 #include "tools/fxhost/commands/connection.h"
-#include "tools/link/interrupt.h"
 
 #include <functional>
 
@@ -72,15 +71,14 @@ QVector<Finding> examineAll(const CommonOptions& common, const OnFinding& onFind
         return findings;
     }
     for (const Setting& setting : settings) {
-        if (interrupted())
-            break;
         patient.baud = setting.baud;
         patient.line = setting.line;
         findings.append(examine(
             patient,
             QStringLiteral("%1 baud %2").arg(setting.baud).arg(QLatin1String(setting.line))));
         onFinding(findings);
-        if (findings.last().verdict == ReplyVerdict::Good)
+        const ReplyVerdict verdict = findings.last().verdict;
+        if (verdict == ReplyVerdict::Good || verdict == ReplyVerdict::Interrupted)
             break;
     }
     return findings;
@@ -102,6 +100,8 @@ QString advice(const Finding& best)
                                     "talking to it, or is it no FX programming port?")
                    : QStringLiteral("Nothing comes at all: is the PLC on, is the cable in the "
                                     "programming port, are sending and receiving lines crossed?");
+    case ReplyVerdict::Interrupted:
+        return QStringLiteral("Interrupted before anything could be said.");
     case ReplyVerdict::Late:
         return QStringLiteral("The answer is right but late: give more time with --timeout.");
     case ReplyVerdict::HighBits:
@@ -182,8 +182,6 @@ ExitCode runDoctor(const CommonOptions& common)
             drawTable(console, soFar, common.output.quiet);
     };
     const QVector<Finding> findings = examineAll(common, draw);
-    if (findings.isEmpty())
-        return ExitCode::Interrupted;
     if (!forPeople)
         showRecords(common.output, findings);
     else if (!console.isTerminal())
@@ -191,7 +189,8 @@ ExitCode runDoctor(const CommonOptions& common)
     console.endRedraw();
     if (forPeople)
         showAdvice(console, common, findings);
-    return interrupted() ? ExitCode::Interrupted : exitCodeOf(mostTelling(findings).verdict);
+    const bool isInterrupted = findings.last().verdict == ReplyVerdict::Interrupted;
+    return isInterrupted ? ExitCode::Interrupted : exitCodeOf(mostTelling(findings).verdict);
 }
 
 }  // namespace

@@ -8,7 +8,6 @@
 #include "tools/fxhost/commands/poll_result.h"
 #include "tools/fxhost/commands/progress.h"
 #include "tools/library/register_file.h"
-#include "tools/link/interrupt.h"
 
 #include <QSet>
 
@@ -24,18 +23,6 @@ struct DumpOptions
     AddressOptions addresses;
     bool resume = false;
 };
-
-// Pieces that take one frame each.
-QVector<RegisterRange> portionsOf(const QVector<RegisterRange>& ranges, int wordsPerFrame)
-{
-    QVector<RegisterRange> portions;
-    for (const RegisterRange& range : ranges) {
-        const int most = range.type.mostInFrame(wordsPerFrame);
-        for (int done = 0; done < range.count; done += most)
-            portions.append(range.part(done, std::min(most, range.count - done)));
-    }
-    return portions;
-}
 
 // The names of the registers that a file holds already.
 QSet<QString> namesIn(const QString& path, const Connection& connection)
@@ -91,11 +78,12 @@ std::optional<ReplyVerdict> Dumper::dump(const RegisterRange& portion)
     if (isDumped(portion, m_done))
         return std::nullopt;
     Poller poller(m_connection.loop(), m_connection.catalogue(), {portion});
-    if (!poller.poll())
-        return ReplyVerdict::LinkLost;
+    const RoundEnd end = poller.poll();
+    if (end != RoundEnd::Done)
+        return verdictOf(end);
     const bool silent = poller.problemOf(portion, 0) == ReplyVerdict::Silence;
     m_silentPortions = silent ? m_silentPortions + 1 : 0;
-    if (m_silentPortions == silentPortionsUntilEnd || (silent && m_result.good() == 0))
+    if (m_silentPortions == silentPortionsUntilEnd)
         return ReplyVerdict::Silence;
     keep(poller, portion);
     return std::nullopt;
@@ -121,13 +109,13 @@ ExitCode stopped(const Dumper& dumper, const QString& path, const RegisterRange&
                  ReplyVerdict problem)
 {
     const bool holdsSome = dumper.result().good() + dumper.alreadyThere() > 0;
-    const QString reason = interrupted() ? QStringLiteral("interrupted") : verdictText(problem);
+    const QString reason = verdictText(problem);
     complain(
         holdsSome
             ? QStringLiteral("%1: %2 holds what could be read before %3; go on with --resume")
                   .arg(reason, path, portion.nameOf(0))
             : QStringLiteral("%1: nothing was read, and nothing written to %2").arg(reason, path));
-    return interrupted() ? ExitCode::Interrupted : exitCodeOf(problem);
+    return exitCodeOf(problem);
 }
 
 QString resultText(const PollResult& result, int alreadyThere)
@@ -145,7 +133,7 @@ ExitCode runDump(const CommonOptions& common, const DumpOptions& options)
     Connection connection(common);
     const QString path = QString::fromStdString(options.file);
     const QVector<RegisterRange> portions =
-        portionsOf(connection.ranges(addressesOf(options.addresses)), common.wordsPerFrame);
+        cutToFrames(connection.ranges(addressesOf(options.addresses)), common.wordsPerFrame);
     Dumper dumper(connection, path, options.resume);
     const Progress progress = progressOf(common.output, QStringLiteral("dump"));
     for (int portion = 0; portion < portions.size(); ++portion) {

@@ -3,10 +3,10 @@
 //
 // fxhost monitor: every frame of a polling host and its answer, made visible, with times.
 
+#include "tools/exchange/blocks.h"
 #include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/poll_result.h"
 #include "tools/fxhost/views/frame_text.h"
-#include "tools/link/interrupt.h"
 
 #include <cmath>
 #include <optional>
@@ -117,10 +117,8 @@ ExitCode runMonitor(const CommonOptions& common, const MonitorOptions& options)
         connection.session().setPlan(connection.ranges(addressesOf(options.addresses)));
     for (int cycle = 0; options.cycles == 0 || cycle < options.cycles; ++cycle) {
         const Round round = pollCycle(connection.loop(), blocks);
-        if (interrupted())
-            return ExitCode::Interrupted;
-        if (round.linkLost)
-            return ExitCode::LinkNotOpened;
+        if (round.end == RoundEnd::Interrupted || round.end == RoundEnd::LinkLost)
+            return exitCodeOf(verdictOf(round.end));
     }
     return exitCodeOf(connection.loop().statistics());
 }

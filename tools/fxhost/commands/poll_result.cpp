@@ -5,8 +5,6 @@
 
 #include "tools/fxhost/commands/poll_result.h"
 
-#include "tools/link/interrupt.h"
-
 namespace fxtools {
 
 QJsonValue PolledValue::error() const
@@ -76,8 +74,6 @@ void PollResult::count(const PolledValue& polled)
 
 ExitCode PollResult::exitCode() const
 {
-    if (interrupted())
-        return ExitCode::Interrupted;
     if (m_failed == 0)
         return ExitCode::Good;
     return m_good > 0 ? ExitCode::SomeFailed : exitCodeOf(*m_firstProblem);

@@ -5,7 +5,6 @@
 
 #include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/poll_result.h"
-#include "tools/link/interrupt.h"
 
 namespace fxtools {
 
@@ -23,8 +22,7 @@ ExitCode runRead(const CommonOptions& common, const ReadOptions& options)
     const QVector<RegisterRange> ranges = connection.ranges(addressesOf(options.addresses));
     needWholeValues(ranges, options.format);
     Poller poller(connection.loop(), connection.catalogue(), ranges);
-    poller.poll();
-    if (interrupted()) {
+    if (poller.poll() == RoundEnd::Interrupted) {
         complain(QStringLiteral("interrupted before everything was read"));
         return ExitCode::Interrupted;
     }

@@ -8,7 +8,6 @@
 #include "tools/fxhost/commands/poll_result.h"
 #include "tools/fxhost/commands/progress.h"
 #include "tools/library/register_file.h"
-#include "tools/link/interrupt.h"
 
 namespace fxtools {
 
@@ -33,10 +32,8 @@ QString stoppedText(const RecipeOutcome& outcome, RecipeDirection direction,
                     const QVector<RegisterRange>& entries)
 {
     const QString entry = entries.value(outcome.transferred).text();
-    const QString reason =
-        interrupted() ? QStringLiteral("interrupted") : verdictText(*outcome.problem);
     QString text = QStringLiteral("%1: %2; %3 of %4 entries were transferred")
-                       .arg(entry, reason)
+                       .arg(entry, verdictText(*outcome.problem))
                        .arg(outcome.transferred)
                        .arg(outcome.entries);
     if (direction == RecipeDirection::Upload)
@@ -51,7 +48,7 @@ ExitCode finish(const CommonOptions& common, RecipeDirection direction,
 {
     if (!outcome.isGood()) {
         complain(stoppedText(outcome, direction, entries));
-        return interrupted() ? ExitCode::Interrupted : exitCodeOf(*outcome.problem);
+        return exitCodeOf(*outcome.problem);
     }
     int registers = 0;
     for (const RegisterRange& entry : entries)
@@ -121,23 +118,11 @@ QVector<RegisterRun> runsOf(const QVector<RegisterRange>& entries,
     return runs;
 }
 
-// Entries that fit a frame, counters of four bytes included.
-QVector<RegisterRange> cut(const QVector<RegisterRange>& ranges, int mostWords)
-{
-    QVector<RegisterRange> entries;
-    for (const RegisterRange& range : ranges) {
-        const int most = range.type.mostInFrame(mostWords);
-        for (int done = 0; done < range.count; done += most)
-            entries.append(range.part(done, std::min(most, range.count - done)));
-    }
-    return entries;
-}
-
 ExitCode runUpload(const CommonOptions& common, const RecipeOptions& options)
 {
     Connection connection(common);
     const QVector<RegisterRange> entries =
-        cut(connection.ranges(addressesOf(options.addresses)), common.wordsPerFrame);
+        cutToFrames(connection.ranges(addressesOf(options.addresses)), common.wordsPerFrame);
     needWords(entries);
     const QString path = QString::fromStdString(options.file);
     checkPlace(path);

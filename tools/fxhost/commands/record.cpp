@@ -11,7 +11,6 @@
 #include "tools/fxhost/views/frame_text.h"
 #include "tools/library/addresses.h"
 #include "tools/library/register_file.h"
-#include "tools/link/interrupt.h"
 
 namespace fxtools {
 
@@ -28,12 +27,10 @@ ExitCode poll(Connection& connection, int blocks, int cycles)
 {
     for (int cycle = 0; cycles == 0 || cycle < cycles; ++cycle) {
         const Round round = pollCycle(connection.loop(), blocks);
-        if (interrupted())
-            return ExitCode::Interrupted;
-        if (round.linkLost)
-            return ExitCode::LinkNotOpened;
-        if (exitCodeOf(connection.loop().statistics()) == ExitCode::Silence)
-            break;  // a PLC that has never answered
+        if (round.end == RoundEnd::Interrupted || round.end == RoundEnd::LinkLost)
+            return exitCodeOf(verdictOf(round.end));
+        if (round.end == RoundEnd::NeverAnswered)
+            break;
     }
     return exitCodeOf(connection.loop().statistics());
 }
@@ -71,7 +68,7 @@ ExitCode runRecord(const CommonOptions& common, const RecordOptions& options)
 QString difference(const DriverLibrary& library, const RecordedExchange& recorded)
 {
     FRAME_PRO frame;
-    if (library.getSendFrame(&frame) != 1)
+    if (library.getSendFrame(&frame) != fxFrameToSend)
         return QStringLiteral("the driver sends nothing");
     if (requestBytes(frame) != recorded.sent) {
         return QStringLiteral("the driver sends %1 instead of %2")

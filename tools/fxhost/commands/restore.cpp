@@ -9,7 +9,6 @@
 #include "tools/fxhost/commands/progress.h"
 #include "tools/fxhost/commands/write_report.h"
 #include "tools/library/register_file.h"
-#include "tools/link/interrupt.h"
 
 #include <QJsonArray>
 
@@ -44,16 +43,11 @@ QVector<RegisterRun> runsFrom(const QVector<RegisterRun>& runs, const RegisterRa
     return left;
 }
 
-struct Failure
+struct Stop
 {
     QString text;
-    ExitCode code = ExitCode::SomeFailed;
+    ReplyVerdict reason;
 };
-
-QString reasonText(ReplyVerdict verdict)
-{
-    return interrupted() ? QStringLiteral("interrupted") : verdictText(verdict);
-}
 
 QStringList namesOfDifferent(const RegisterRun& run, const QVector<quint32>& held)
 {
@@ -66,25 +60,25 @@ QStringList namesOfDifferent(const RegisterRun& run, const QVector<quint32>& hel
 }
 
 // Nothing when the PLC took what was written and was asked what it holds then.
-std::optional<Failure> restoreRun(Connection& connection, const RegisterRun& run,
-                                  QStringList& different)
+std::optional<Stop> restoreRun(Connection& connection, const RegisterRun& run,
+                               QStringList& different)
 {
     const WriteOutcome outcome = writeRegisters(connection.loop(), run.range, run.values);
     if (!outcome.isGood())
-        return Failure{failureText(outcome), exitCodeOf(*outcome.problem)};
+        return Stop{failureText(outcome), *outcome.problem};
     const ReplyVerdict verdict = readBack(connection.loop(), run.range);
     if (verdict != ReplyVerdict::Good)
-        return Failure{"written, but not read back: " + reasonText(verdict), exitCodeOf(verdict)};
+        return Stop{"written, but not read back: " + verdictText(verdict), verdict};
     different += namesOfDifferent(run, connection.session().values(run.range));
     return std::nullopt;
 }
 
-ExitCode stopped(const RegisterRun& run, const Failure& failure)
+ExitCode stopped(const RegisterRun& run, const Stop& stop)
 {
     complain(QStringLiteral("%1: %2; what stands before it in the file was written and read back, "
                             "go on with --from %3")
-                 .arg(run.range.text(), failure.text, run.range.nameOf(0)));
-    return interrupted() ? ExitCode::Interrupted : failure.code;
+                 .arg(run.range.text(), stop.text, run.range.nameOf(0)));
+    return exitCodeOf(stop.reason);
 }
 
 ExitCode finished(const CommonOptions& common, const QString& path, int registers,
@@ -118,9 +112,9 @@ ExitCode runRestore(const CommonOptions& common, const RestoreOptions& options)
     int registers = 0;
     for (int done = 0; done < runs.size(); ++done) {
         progress(done, runs.size());
-        const std::optional<Failure> failure = restoreRun(connection, runs[done], different);
-        if (failure)
-            return stopped(runs[done], *failure);
+        const std::optional<Stop> stop = restoreRun(connection, runs[done], different);
+        if (stop)
+            return stopped(runs[done], *stop);
         registers += runs[done].range.count;
     }
     progress(runs.size(), runs.size());

@@ -7,7 +7,6 @@
 #include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/poll_result.h"
 #include "tools/fxhost/views/statistics_report.h"
-#include "tools/link/interrupt.h"
 
 namespace fxtools {
 
@@ -44,18 +43,15 @@ ExitCode runStats(const CommonOptions& common, const StatsOptions& options)
     const int blocks =
         connection.session().setPlan(connection.ranges(addressesOf(options.addresses)));
     Histogram cycleTimes;
-    bool linkLost = false;
-    bool isDead = false;  // a PLC that has never answered has nothing to measure
-    for (int cycle = 0; cycle < options.cycles && !interrupted() && !linkLost && !isDead; ++cycle) {
+    auto end = RoundEnd::Done;
+    for (int cycle = 0; cycle < options.cycles && end == RoundEnd::Done; ++cycle) {
         const qint64 startedUs = loop.elapsedUs();
-        linkLost = pollCycle(loop, blocks).linkLost;
+        end = pollCycle(loop, blocks).end;
         cycleTimes.add(loop.elapsedUs() - startedUs);
-        isDead = exitCodeOf(loop.statistics()) == ExitCode::Silence;
     }
     show({loop.statistics(), cycleTimes, loop.elapsedUs(), loop.timeout()}, common.output.mode);
-    if (interrupted())
-        return ExitCode::Interrupted;
-    return linkLost ? ExitCode::LinkNotOpened : exitCodeOf(loop.statistics());
+    const bool isStopped = end == RoundEnd::Interrupted || end == RoundEnd::LinkLost;
+    return isStopped ? exitCodeOf(verdictOf(end)) : exitCodeOf(loop.statistics());
 }
 
 }  // namespace

@@ -8,15 +8,12 @@
 #include "tools/fxhost/commands/poll_result.h"
 #include "tools/link/interrupt.h"
 
-#include <QThread>
-
 #include <cmath>
 
 namespace fxtools {
 
 namespace {
 
-constexpr int napMs = 20;  // how soon an interrupt is noticed
 constexpr int longestIntervalMs = 86400000;
 
 struct WatchOptions
@@ -119,12 +116,6 @@ void Watcher::showChanges(const QVector<PolledValue>& values)
     }
 }
 
-void waitUntil(const ExchangeLoop& loop, qint64 untilUs)
-{
-    while (loop.elapsedUs() < untilUs && !interrupted())
-        QThread::msleep(napMs);
-}
-
 ExitCode runWatch(const CommonOptions& common, const WatchOptions& options)
 {
     Connection connection(common);
@@ -136,16 +127,15 @@ ExitCode runWatch(const CommonOptions& common, const WatchOptions& options)
     const int cycles = options.once ? 1 : options.cycles;
     for (int cycle = 1; cycles == 0 || cycle <= cycles; ++cycle) {
         const qint64 startedUs = connection.loop().elapsedUs();
-        const bool whole = poller.poll();
-        if (interrupted())
+        const RoundEnd end = poller.poll();
+        if (end == RoundEnd::Interrupted)
             return ExitCode::Interrupted;
         watcher.show(poller);
-        if (!whole)
+        if (end == RoundEnd::LinkLost)
             return ExitCode::LinkNotOpened;
         if (cycle != cycles)
-            waitUntil(connection.loop(), startedUs + qint64(1000) * options.intervalMs);
-        if (interrupted())
-            return ExitCode::Interrupted;
+            sleepUnlessInterrupted(options.intervalMs -
+                                   (connection.loop().elapsedUs() - startedUs) / 1000);
     }
     return watcher.exitCode();
 }

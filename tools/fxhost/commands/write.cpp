@@ -8,7 +8,6 @@
 #include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/poll_result.h"
 #include "tools/fxhost/commands/write_report.h"
-#include "tools/link/interrupt.h"
 
 namespace fxtools {
 
@@ -63,6 +62,11 @@ Assignment parseAssignment(const Connection& connection, const std::string& text
     return assignment;
 }
 
+bool mayGoOn(ReplyVerdict problem)
+{
+    return problem != ReplyVerdict::LinkLost && problem != ReplyVerdict::Interrupted;
+}
+
 class Writer
 {
 public:
@@ -99,7 +103,7 @@ bool Writer::write(const Assignment& assignment)
     if (!outcome.isGood()) {
         report(assignment, failureText(outcome));
         fail(exitCodeOf(*outcome.problem));
-        return outcome.problem != ReplyVerdict::LinkLost && !interrupted();
+        return mayGoOn(*outcome.problem);
     }
     if (m_options.verify)
         return verify(assignment);
@@ -112,10 +116,9 @@ bool Writer::verify(const Assignment& assignment)
 {
     const ReplyVerdict verdict = readBack(m_connection.loop(), assignment.range);
     if (verdict != ReplyVerdict::Good) {
-        report(assignment, "acknowledged, but not read back: " +
-                               (interrupted() ? "interrupted" : verdictText(verdict)));
+        report(assignment, "acknowledged, but not read back: " + verdictText(verdict));
         fail(exitCodeOf(verdict));
-        return verdict != ReplyVerdict::LinkLost && !interrupted();
+        return mayGoOn(verdict);
     }
     if (m_connection.session().values(assignment.range) == assignment.values) {
         ++m_good;
@@ -145,18 +148,17 @@ QString Writer::shownText(const QString& written) const
 
 void Writer::fail(ExitCode code)
 {
-    if (!m_firstFailure)
+    if (!m_firstFailure || code == ExitCode::Interrupted)
         m_firstFailure = code;
 }
 
 ExitCode Writer::finish()
 {
     m_records.finish();
-    if (interrupted())
-        return ExitCode::Interrupted;
     if (!m_firstFailure)
         return ExitCode::Good;
-    return m_good > 0 ? ExitCode::SomeFailed : *m_firstFailure;
+    return m_good > 0 && m_firstFailure != ExitCode::Interrupted ? ExitCode::SomeFailed
+                                                                 : *m_firstFailure;
 }
 
 // The values that stand alone when -r says where they go.

@@ -6,7 +6,6 @@
 #include "tools/fxhost/commands/write_report.h"
 
 #include "tools/exchange/blocks.h"
-#include "tools/link/interrupt.h"
 
 namespace fxtools {
 
@@ -32,8 +31,6 @@ QStringList joined(const QVector<RegisterRange>& ranges)
 
 QString failureText(const WriteOutcome& outcome)
 {
-    const QString reason =
-        interrupted() ? QStringLiteral("interrupted") : verdictText(*outcome.problem);
     QStringList parts;
     if (!outcome.acknowledged.isEmpty())
         parts += joined(outcome.acknowledged).join(QStringLiteral(", ")) + " arrived";
@@ -44,7 +41,7 @@ QString failureText(const WriteOutcome& outcome)
     const QString text = QStringLiteral("%1 of %2 frames written: %3")
                              .arg(outcome.acknowledged.size())
                              .arg(outcome.frames)
-                             .arg(reason);
+                             .arg(verdictText(*outcome.problem));
     return parts.isEmpty() ? text : text + "; " + parts.join(QStringLiteral(", "));
 }
 

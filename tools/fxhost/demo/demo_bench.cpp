@@ -6,7 +6,6 @@
 #include "tools/fxhost/demo/demo_bench.h"
 
 #include "tools/library/addresses.h"
-#include "tools/link/interrupt.h"
 
 namespace fxtools {
 
@@ -69,13 +68,14 @@ RegisterRange DemoBench::range(const QString& address) const
 
 bool DemoBench::linkIsGood() const
 {
-    const KindCounts total = m_loop.statistics().total();
-    return m_loop.link().isOpen() && (total.sent == 0 || total.accepted > 0);
+    const Statistics& statistics = m_loop.statistics();
+    const bool wasAsked = statistics.total().sent > 0;
+    return m_loop.link().isOpen() && (!wasAsked || statistics.plcHasAnswered());
 }
 
 void DemoBench::confirm(bool isSo, const QString& what)
 {
-    if (interrupted())
+    if (isInterrupted())
         return;
     ++(isSo ? m_confirmed : m_refuted);
     m_console.line(

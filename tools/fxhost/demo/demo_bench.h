@@ -35,6 +35,8 @@ public:
     RegisterRange range(const QString& address) const;
     Round pollOnce() { return pollCycle(m_loop, m_blocks); }
 
+    bool isInterrupted() const { return m_loop.isInterrupted(); }
+
     // The link is there and the PLC answered at least once, if it was asked.
     bool linkIsGood() const;
 
@@ -44,6 +46,7 @@ public:
     int confirmed() const { return m_confirmed; }
     int refuted() const { return m_refuted; }
     int judged() const { return m_confirmed + m_refuted; }
+    bool wasCutShort() const { return isInterrupted() && judged() < checks(); }
     int checks() const { return m_control ? 13 : 10; }  // of a whole run; the last three need it
 
     int valuesChanged = 0;  // callbacks so far

@@ -7,7 +7,6 @@
 #include "tools/fxhost/demo/chapters.h"
 #include "tools/fxhost/views/table.h"
 #include "tools/library/values.h"
-#include "tools/link/interrupt.h"
 
 namespace fxtools {
 
@@ -75,11 +74,11 @@ void showLiveValues(DemoBench& bench, int forMs)
     qint64 nowUs = startedUs;
     qint64 nextDrawUs = startedUs;
     const int drawEveryMs = bench.console().isTerminal() ? redrawEveryMs : snapshotEveryMs;
-    while (!interrupted() && (forMs < 0 || nowUs - startedUs < qint64(1000) * forMs)) {
+    while (forMs < 0 || nowUs - startedUs < qint64(1000) * forMs) {
         const qint64 cycleStartUs = nowUs;
         const Round cycle = bench.pollOnce();
         nowUs = bench.loop().elapsedUs();
-        if (cycle.linkLost)
+        if (cycle.end != RoundEnd::Done)
             break;
         table.noteCycle();
         if (nowUs < nextDrawUs)

@@ -5,7 +5,6 @@
 
 #include "tools/fxhost/demo/chapters.h"
 #include "tools/fxhost/views/statistics_report.h"
-#include "tools/link/interrupt.h"
 
 namespace fxtools {
 
@@ -15,7 +14,7 @@ void showSummary(DemoBench& bench)
     for (const QString& line : statisticsLines(bench.loop().statistics(), bench.loop().elapsedUs()))
         bench.console().line(line);
     bench.console().line();
-    if (interrupted() && bench.judged() < bench.checks()) {
+    if (bench.wasCutShort()) {
         bench.console().line(
             bench.console().bad(QStringLiteral("Interrupted after %1 of %2 checks.")
                                     .arg(bench.judged())

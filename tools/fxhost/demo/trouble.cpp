@@ -61,7 +61,7 @@ void pollThroughNoise(DemoBench& bench)
     while (bench.loop().elapsedUs() < endUs) {
         const Round cycle = bench.pollOnce();
         ended += cycle.ended.size();
-        if (cycle.linkLost || cycle.ended.isEmpty())
+        if (cycle.end != RoundEnd::Done)
             break;
     }
     bench.control()->run("faults none");

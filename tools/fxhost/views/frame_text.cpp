@@ -36,14 +36,6 @@ QString visibleByte(char byte)
     return "\\x" + QString::number(code, 16).toUpper().rightJustified(2, '0');
 }
 
-// A write counts words, also of counters, and bits one by one.
-RegisterRange writtenRange(const RegisterCatalogue& catalogue, const VARIABLE& request)
-{
-    RegisterRange range = blockRange(catalogue, request);
-    range.count = range.type.isBit() ? 1 : std::max(request.count / range.type.driverCount(1), 1);
-    return range;
-}
-
 }  // namespace
 
 QString visibleBytes(const QByteArray& bytes)
@@ -52,12 +44,6 @@ QString visibleBytes(const QByteArray& bytes)
     for (const char byte : bytes)
         text += visibleByte(byte);
     return text;
-}
-
-RegisterRange requestRange(const RegisterCatalogue& catalogue, const FRAME_PRO& frame)
-{
-    return frame.isRead != 0 ? blockRange(catalogue, frame.variable)
-                             : writtenRange(catalogue, frame.variable);
 }
 
 QString requestText(const RegisterCatalogue& catalogue, const FRAME_PRO& frame)

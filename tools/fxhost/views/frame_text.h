@@ -13,9 +13,6 @@ namespace fxtools {
 // Control characters as ␂ ␃ ␅ ␆ ␕, anything else that cannot be printed as \x9C.
 QString visibleBytes(const QByteArray& bytes);
 
-// The registers that a request reads or writes.
-RegisterRange requestRange(const RegisterCatalogue& catalogue, const FRAME_PRO& frame);
-
 // "read D100 … D131", "write D100 … D103", "force M5 on".
 QString requestText(const RegisterCatalogue& catalogue, const FRAME_PRO& frame);
 

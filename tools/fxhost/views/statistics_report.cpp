@@ -121,8 +121,7 @@ QStringList kindLines(const Statistics& statistics)
                  {"good", Align::Right},
                  {"sent again", Align::Right},
                  {"given up", Align::Right}});
-    for (int index = 0; index < exchangeKinds; ++index) {
-        const auto kind = static_cast<ExchangeKind>(index);
+    for (const ExchangeKind kind : allExchangeKinds()) {
         if (statistics.of(kind).sent > 0)
             table.add(kindRow(kindText(kind), statistics.of(kind)));
     }
@@ -133,8 +132,7 @@ QStringList kindLines(const Statistics& statistics)
 QString rejectionLine(const Statistics& statistics)
 {
     QStringList causes;
-    for (int index = 0; index < replyVerdicts; ++index) {
-        const auto verdict = static_cast<ReplyVerdict>(index);
+    for (const ReplyVerdict verdict : allVerdicts()) {
         if (verdict != ReplyVerdict::Good && statistics.of(verdict) > 0)
             causes += QStringLiteral("%1 %2").arg(statistics.of(verdict)).arg(verdictName(verdict));
     }
@@ -147,12 +145,10 @@ QJsonObject objectOf(const LineReport& report)
     const Statistics& statistics = report.statistics;
     QJsonObject kinds;
     QJsonObject rejected;
-    for (int index = 0; index < exchangeKinds; ++index) {
-        const auto kind = static_cast<ExchangeKind>(index);
+    for (const ExchangeKind kind : allExchangeKinds()) {
         kinds.insert(kindText(kind), countsOf(statistics.of(kind)));
     }
-    for (int index = 0; index < replyVerdicts; ++index) {
-        const auto verdict = static_cast<ReplyVerdict>(index);
+    for (const ReplyVerdict verdict : allVerdicts()) {
         if (verdict != ReplyVerdict::Good)
             rejected.insert(verdictName(verdict), statistics.of(verdict));
     }
