@@ -53,12 +53,14 @@ blocks() {
 
 mkdir "$work/panel"
 blocks cmake >"$work/panel/CMakeLists.txt"
+cp "$examples/minimal_host/plc_exchange.h" "$work/panel"
 { blocks cpp; cat "$FX_SOURCE/tests/packaging/rest_of_panel.cpp"; } >"$work/panel/panel.cpp"
 quietly "$FX_CMAKE" -S "$work/panel" -B "$work/panel/build" -G "$FX_GENERATOR" \
     -DCMAKE_PREFIX_PATH="$prefix" \
     -DCMAKE_CXX_COMPILER="$FX_CXX" -DCMAKE_CXX_FLAGS="-Wall -Wextra -Werror"
 quietly "$FX_CMAKE" --build "$work/panel/build"
-expect_text "the code of the host guide" "all as the guide says" "$work/panel/build/panel"
+expect_text "the code of the host guide" "all as the guide says" "$work/panel/build/panel" \
+    "$prefix/$FX_LIBDIR/libmitsubishi_fx1s.so.0"
 
 mkdir "$work/by_pkg_config"
 export PKG_CONFIG_PATH=$prefix/$FX_LIBDIR/pkgconfig

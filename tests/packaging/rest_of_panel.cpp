@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // What the host guide leaves to its reader, put behind the guide's code by installed_tree.sh: a
-// link to a PLC inside this program that knows data registers and can fall silent, what the
+// link to a PLC inside this program that has a memory and can fall silent, what the
 // callback calls, and a main() that goes through the guide and says so at the end.
 
 #include <cstdio>
@@ -10,10 +10,9 @@
 
 namespace {
 
-constexpr int firstDataRegister = 0x1000;  // byte address of D0
-unsigned char dataRegisters[400] = {};
+unsigned char memory[0x2000] = {};                     // of the PLC
+unsigned char* const dataRegisters = memory + 0x1000;  // from D0 on
 bool isSilent = false;
-QByteArray answerOnTheLine;
 
 int changes = 0;
 int goodOneOffReads = 0;
@@ -30,15 +29,37 @@ QByteArray framed(const QByteArray& content)
 
 QByteArray answerTo(const QByteArray& frame)
 {
-    const int place = frame.mid(2, 4).toInt(nullptr, 16) - firstDataRegister;
+    if (frame == "\x05")
+        return "\x06";
+    char* const bytes = reinterpret_cast<char*>(memory) + frame.mid(2, 4).toInt(nullptr, 16);
     const int byteCount = frame.mid(6, 2).toInt(nullptr, 16);
-    char* const bytes = reinterpret_cast<char*>(dataRegisters) + place;
+    if (frame[1] == '7')
+        return "\x06";  // a force is acknowledged and forgotten
     if (frame[1] == '0')
         return framed(QByteArray(bytes, byteCount).toHex().toUpper());
     const QByteArray data = QByteArray::fromHex(frame.mid(8, 2 * byteCount));
     std::copy(data.begin(), data.end(), bytes);
     return QByteArray(1, '\x06');
 }
+
+class PanelLink : public PlcLink
+{
+public:
+    void send(const QByteArray& bytes) override
+    {
+        if (!isSilent)
+            m_onTheLine += answerTo(bytes);
+    }
+    QByteArray receive(int) override
+    {
+        const QByteArray bytes = m_onTheLine;
+        m_onTheLine.clear();
+        return bytes;
+    }
+
+private:
+    QByteArray m_onTheLine;
+};
 
 void expect(bool isSo, const char* what)
 {
@@ -50,23 +71,7 @@ void expect(bool isSo, const char* what)
 
 }  // namespace
 
-void clearLine()
-{
-    answerOnTheLine.clear();
-}
-
-void sendBytes(const unsigned char* bytes, int byteCount)
-{
-    if (!isSilent)
-        answerOnTheLine = answerTo(QByteArray(reinterpret_cast<const char*>(bytes), byteCount));
-}
-
-QByteArray receiveBytes(int byteCount)
-{
-    return answerOnTheLine.left(byteCount);
-}
-
-void elementChanged(int, const QString&, int)
+void registerChanged(int, const QString&, int)
 {
     ++changes;
 }
@@ -81,20 +86,33 @@ void recipeWordStored(int)
     ++recipeWordsStored;
 }
 
-int main()
+int main(int, char** arguments)
 {
+    expect(qtMajorOf(arguments[1]) == QByteArray::number(QT_VERSION >> 16), "the file says its Qt");
     QLibrary library("libmitsubishi_fx1s.so.0");
     expect(lookUpGetSendFrame(library) == &intf_getSendFrame, "the library is found by name");
 
-    connectToPlc();
+    PanelLink link;
+    PlcExchange plc(link);
+    const int blocks = connectToPlc();
     dataRegisters[2 * 101] = 7;
-    expect(exchange() && readWord(101) == 7, "a poll brings a value");
+    pollOnce(plc, blocks);
+    expect(readWord(101) == 7, "a poll brings a value");
     expect(changes == 1, "the change is reported");
 
     writeWord(100, 1337);
     expect(readWord(100) == 1337, "a write shows at once");
-    expect(exchange() && dataRegisters[2 * 100] == (1337 & 0xFF), "and reaches the PLC");
+    expect(plc.run() == fxReplyAccepted && dataRegisters[2 * 100] == (1337 & 0xFF),
+           "and reaches the PLC");
     expect(changes == 3, "a write is reported twice");
+
+    unsigned char values[4] = {1, 0, 1, 0};
+    intf_setData(1, "M", 8, 1, values, 0);
+    intf_setData(1, "32CV", 200, 2, values, 0);
+    expect(readBit("M", 8) && !readBit("M", 9), "a bit is read");
+    expect(readCounter(200) == 65537, "a counter is read");
+    while (plc.run() == fxReplyAccepted && plc.frame.isRead == 0)
+        ;  // they go out
 
     KEY_ADDRESS once;
     once.stationNo = 1;
@@ -102,7 +120,7 @@ int main()
     once.startIndex = 150;
     once.length = 1;
     intf_addConditionRead(once, 0);
-    expect(exchange() && goodOneOffReads == 1, "a one-off read is reported");
+    expect(plc.run() == fxReplyAccepted && goodOneOffReads == 1, "a one-off read is reported");
 
     _RCP_VAR_PRO entry;
     entry.linkNo = 1;
@@ -112,15 +130,20 @@ int main()
     entry.count = 2;
     QVector<_RCP_VAR_PRO> recipe(1, entry);
     expect(intf_setRcpAddress(recipe) == 1, "the entry belongs to this link");
-    for (const std::size_t position : {uploadRequest, downloadRequest}) {
-        request(position);
-        expect(exchange() && !isRequested(position), "a transfer ends by itself");
+    for (const int requestByte : {fxUploadRequestByte, fxDownloadRequestByte}) {
+        request(requestByte);
+        expect(plc.run() == fxReplyAccepted && !isRequested(requestByte),
+               "a transfer ends by itself");
     }
     expect(recipeWordsStored == 2 && recipeWords[0] == 1337, "recipe words are fetched");
 
     isSilent = true;
-    for (int i = 0; i < 3; ++i)
-        exchange();  // the third gives up and says so
+    writeWord(100, 1);
+    pollOnce(plc, blocks);  // a write and a block fail, each after three rejections
+    expect(readWord(100) == 1337, "a failed write is taken back");
+    isSilent = false;
+    pollOnce(plc, blocks);
+    expect(plc.run() == fxReplyAccepted, "the host recovers");
     std::printf("all as the guide says\n");
     return 0;
 }
