@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 //
 /// @file
-/// The five plain records: a request for a run of registers, an address to watch, a prepared
-/// frame, a cached data area and a recipe entry. Host and driver exchange them by memory layout,
-/// so fields keep their order and widths; value bytes lie inside the record, never on the heap of
-/// their own. The few members are inline because a host includes this header without linking.
+/// The five plain records: a request for a range of registers, an address to monitor or read, a
+/// frame, a cached data area and a recipe entry. Host and driver exchange them by memory layout, so
+/// fields keep their order and widths, and value bytes are part of the record. The few functions
+/// are inline because a host may include this header without linking.
 
 #ifndef DRIVER_RECORDS_H
 #define DRIVER_RECORDS_H
@@ -14,36 +14,36 @@
 
 #include <cstddef>
 
-constexpr int fxRecordBytes = 1024;  ///< value or frame bytes that one record carries
+constexpr int fxRecordBytes = 1024;  ///< space for values or a frame in a record
 
-/// One request for a contiguous run of registers of one type in one station.
+/// A request for consecutive registers of one type in one station.
 struct VARIABLE
 {
-    int tag = 0;           ///< the host's own mark; fxPlanTag; of a recipe what was there before
+    int tag = 0;           ///< the host's mark; fxPlanTag; for a recipe that of the last request
     int stationNo = 0;     ///< PLC station
     QString registerType;  ///< "X", "Y", "M", "S", "SM", "T", "C", "D", "SD", "TV", "CV", "32CV"
-    int addressIndex = 0;  ///< register number; X and Y: the value of the octal number
-    int count = 0;         ///< read: bytes of 8 bits, words or counters; word write: words; bit: 1
-    unsigned char data[fxRecordBytes] = {};  ///< payload of a write
+    int addressIndex = 0;  ///< first number; X and Y: the value of the octal number
+    int count = 0;         ///< read: bytes of bits, words or counters; write: words, or 1 bit
+    unsigned char data[fxRecordBytes] = {};  ///< values to write
 
     VARIABLE() = default;
     VARIABLE(const VARIABLE&) = default;
     VARIABLE& operator=(const VARIABLE&) = default;  // all data bytes travel, used or not
 };
 
-/// One address range that the host wants kept up to date, or read once.
+/// A range of registers that the host monitors or reads once.
 struct KEY_ADDRESS
 {
-    QString hostText1;     ///< the host's own
-    int hostValue1 = 0;    ///< the host's own
-    int hostValue2 = 0;    ///< the host's own
+    QString hostText1;     ///< for the host
+    int hostValue1 = 0;    ///< for the host
+    int hostValue2 = 0;    ///< for the host
     int stationNo = 0;     ///< PLC station, or fxUnpolledStation
     QString registerType;  ///< as in VARIABLE
-    QString hostText2;     ///< the host's own
+    QString hostText2;     ///< for the host
     int startIndex = 0;    ///< first register number
-    int bitIndex = 0;      ///< one-off reads: an FxSplit
+    int bitIndex = 0;      ///< an FxSplit, for one-off reads
     int length = 0;        ///< bits, words or counters; see intf_addrMerge, intf_addConditionRead
-    unsigned char data[fxRecordBytes] = {};  ///< the host's own
+    unsigned char data[fxRecordBytes] = {};  ///< for the host
 
     KEY_ADDRESS() = default;
     KEY_ADDRESS(const KEY_ADDRESS&) = default;
@@ -51,43 +51,43 @@ struct KEY_ADDRESS
     ~KEY_ADDRESS() = default;
 };
 
-/// One request frame, ready to be sent, and what its reply is expected to look like.
+/// A frame to send, and the reply that is expected.
 struct FRAME_PRO
 {
     unsigned char frame[fxRecordBytes] = {};  ///< from STX to the last sum character
     int frameLength = 0;                      ///< bytes of `frame` to send
     int replyLength = 0;                      ///< bytes of a whole reply
-    int isRead = 0;  ///< 1 = the reply carries data, which starts at this position; 0 = write
-    int replyDataChars = 0;  ///< hexadecimal data characters of a whole reply, two a byte
-    int spare = 0;           ///< carried, without a meaning
-    VARIABLE variable;       ///< the request that the frame was built for
+    int isRead = 0;          ///< 1: a read, whose data begins at reply[1]; 0: a write
+    int replyDataChars = 0;  ///< data characters of a whole reply, 2 for each byte
+    int spare = 0;           ///< not used
+    VARIABLE variable;       ///< the request of this frame
 };
 
-/// One cached data area: eight bits, one word or one 32-bit counter.
+/// A cached data area: eight bits, one word or one 32-bit counter.
 struct _DATA_
 {
-    unsigned char flag0 = 0;         ///< 1 = the last read of it, or of areas just below, failed
-    unsigned char bufferSelect = 0;  ///< nonzero = a host write waits in valueBuffer1
-    int word1 = 0;                   ///< unused
-    int monitorFlags = 0;            ///< word and counter areas: bit 0 = monitored
-    int changeFlags = 0;   ///< bit areas: bit k = startIndex + k is monitored (not a change!)
-    int stationNo = 0;     ///< key, compared first
-    QString registerType;  ///< key, compared second
-    int startIndex = 0;    ///< key, compared third
-    unsigned char valueBuffer0[4] = {};  ///< as read from the PLC or confirmed by it
-    unsigned char valueBuffer1[4] = {};  ///< as written by the host
+    unsigned char flag0 = 0;         ///< 1: the last read failed, of it or of areas just below it
+    unsigned char bufferSelect = 0;  ///< nonzero: a host write waits in valueBuffer1
+    int word1 = 0;                   ///< not used
+    int monitorFlags = 0;            ///< words and counters: bit 0 set: monitored
+    int changeFlags = 0;             ///< bits: bit k set: startIndex + k is monitored (no change!)
+    int stationNo = 0;               ///< key, compared first
+    QString registerType;            ///< key, compared second
+    int startIndex = 0;              ///< key, compared third
+    unsigned char valueBuffer0[4] = {};  ///< read from the PLC, or confirmed by it
+    unsigned char valueBuffer1[4] = {};  ///< written by the host
 };
 
-/// One entry of the recipe transfer list.
+/// An entry of the recipe list.
 struct _RCP_VAR_PRO
 {
-    int linkNo = 0;            ///< taken only if it is the number of this link
+    int linkNo = 0;            ///< used only if it is the number of this link
     int stationNo = 0;         ///< PLC station
     QString registerType;      ///< as in VARIABLE
-    int addressIndex = 0;      ///< first register number
-    int count = 0;             ///< 16-bit words; an upload of 32CV: counters, two words each
-    int recipeWordOffset = 0;  ///< first word in the host's recipe memory
-    int hostValue = 0;         ///< the host's own
+    int addressIndex = 0;      ///< first number
+    int count = 0;             ///< words; for an upload of 32CV counters, of two words each
+    int recipeWordOffset = 0;  ///< index of its first word in the host's recipe memory
+    int hostValue = 0;         ///< for the host
 };
 
 // Offsets that host and driver must agree on. A text field takes the pointer-sized (Qt 4, Qt 5)
