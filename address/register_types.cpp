@@ -7,8 +7,12 @@
 
 #include <QChar>
 
+#include <array>
+#include <iterator>
+
 namespace {
 
+constexpr std::size_t typeCount = std::size(registerTypes);
 constexpr int longestName = 4;  // "32CV"
 constexpr unsigned int noName = 0;
 
@@ -35,15 +39,15 @@ unsigned int packName(const QString& name)
     return packed;
 }
 
-constexpr std::array<unsigned int, registerTypes.size()> packNames()
+constexpr std::array<unsigned int, typeCount> packNames()
 {
-    std::array<unsigned int, registerTypes.size()> packed = {};
+    std::array<unsigned int, typeCount> packed = {};
     for (std::size_t row = 0; row < packed.size(); ++row)
         packed[row] = packName(registerTypes[row].name);
     return packed;
 }
 
-constexpr std::array<unsigned int, registerTypes.size()> packedNames = packNames();
+constexpr std::array<unsigned int, typeCount> packedNames = packNames();
 
 constexpr bool hasSoundAddresses(const RegisterType& type)
 {
@@ -60,11 +64,11 @@ constexpr bool hasSoundNumbers(const RegisterType& type)
 
 constexpr bool rowsAreSound()
 {
-    bool planPlaceTaken[registerTypes.size()] = {};
+    bool planPlaceTaken[typeCount] = {};
     for (const RegisterType& type : registerTypes) {
         const int place = type.planOrder;
         if (!hasSoundAddresses(type) || !hasSoundNumbers(type) || place < 0 ||
-            place >= static_cast<int>(registerTypes.size()) || planPlaceTaken[place])
+            place >= static_cast<int>(typeCount) || planPlaceTaken[place])
             return false;
         planPlaceTaken[place] = true;
     }
@@ -90,13 +94,13 @@ const QString& registerTypeName(const RegisterType& type)
 {
     struct Names
     {
-        QString texts[registerTypes.size()];
+        QString texts[typeCount];
         Names()
         {
-            for (std::size_t row = 0; row < registerTypes.size(); ++row)
+            for (std::size_t row = 0; row < typeCount; ++row)
                 texts[row] = QLatin1String(registerTypes[row].name);
         }
     };
     static const Names names;
-    return names.texts[&type - registerTypes.data()];
+    return names.texts[&type - registerTypes];
 }

@@ -10,8 +10,6 @@
 
 #include <QString>
 
-#include <array>
-
 enum class RegisterKind
 {
     Bit,
@@ -39,7 +37,7 @@ struct RegisterType
 
 // Rows stand in the order of the catalogue: bit types, word types, the double-word type.
 // clang-format off
-inline constexpr std::array<RegisterType, 12> registerTypes = {{
+inline constexpr RegisterType registerTypes[] = {
 //   name    kind                      base  first  last   end    read    write   force   plan  format   writable
     {"X",    RegisterKind::Bit,        8,    0,     255,   256,   0x0080, noBase, 0x0000, 0,    "ooo",   false},  // forces go out with the base of "S": inputs have none
     {"Y",    RegisterKind::Bit,        8,    0,     255,   256,   0x00A0, noBase, 0x0500, 1,    "ooo",   true},
@@ -53,7 +51,7 @@ inline constexpr std::array<RegisterType, 12> registerTypes = {{
     {"TV",   RegisterKind::Word,       10,   0,     255,   256,   0x0800, 0x0800, noBase, 9,    "ddd",   true},
     {"CV",   RegisterKind::Word,       10,   0,     199,   200,   0x0A00, 0x0A00, noBase, 10,   "ddd",   true},
     {"32CV", RegisterKind::DoubleWord, 10,   200,   255,   257,   0x0C00, 0x0C00, noBase, 11,   "ddddd", true},   // the check accepts 256, the lists end at 255
-}};
+};
 // clang-format on
 
 // The row of a type, by exact and case-sensitive name; null for an unknown type.
@@ -73,17 +71,11 @@ constexpr bool isDoubleWord(const RegisterType& type)
     return type.kind == RegisterKind::DoubleWord;
 }
 
-// Bytes of one value, in the cache and in the host's buffers: there a bit takes a byte, here the
-// eight bits of an area share one.
+// Bytes of one value in a frame and in the cache, where eight bits share a byte, and in the host's
+// buffers, where each bit takes one.
 constexpr int valueBytes(const RegisterType& type)
 {
     return isBit(type) ? 1 : isDoubleWord(type) ? 4 : 2;
-}
-
-// Elements that `count` of the host's values and marks mean: a counter takes two of its words.
-constexpr int elementCount(const RegisterType& type, int count)
-{
-    return isDoubleWord(type) ? count / 2 : count;
 }
 
 #endif

@@ -3,7 +3,7 @@
 //
 // The cache: data areas of eight bits, one word or one counter, found by station, register type
 // and start, created on first use and kept until the next set-up. Their marks say what the host
-// monitors.
+// monitors. Areas are written to through a WritableArea, and by this folder only.
 
 #ifndef CACHE_DATA_AREAS_H
 #define CACHE_DATA_AREAS_H
@@ -43,25 +43,42 @@ constexpr int areaStart(const RegisterType& type, int address)
     return isBit(type) ? bitAreaStart(address) : address;
 }
 
-// Finds the areas of one station and register type in the driver's cache, creating those that are
-// missing. A position holds until the next callback only: the host may add areas from inside it.
-// The text must outlive the finder.
+// An area that can be written to in place while this lives. Not to be held across a callback, in
+// which the host may add areas.
+class WritableArea
+{
+public:
+    explicit WritableArea(int position)
+        : m_edit(driver.areaIndex, driver.dataAreas), m_area(driver.dataAreas[position])
+    {}
+    _DATA_& operator*() const { return m_area; }
+    _DATA_* operator->() const { return &m_area; }
+
+private:
+    AreaIndex::Edit m_edit;
+    _DATA_& m_area;
+};
+
+// Finds the areas of one station and register type, creating those that are missing. What it finds
+// holds until the next callback only.
 class AreaFinder
 {
 public:
-    AreaFinder(int stationNo, const QString& registerType)
-        : m_stationNo(stationNo), m_registerType(registerType)
+    AreaFinder(int stationNo, const RegisterType& type)
+        : m_stationNo(stationNo), m_registerType(registerTypeName(type))
     {}
 
     // The area that starts at `startIndex`, aligned or not.
+    const _DATA_& area(int startIndex) const { return driver.dataAreas.at(position(startIndex)); }
+    WritableArea writableArea(int startIndex) const { return WritableArea(position(startIndex)); }
+
+private:
     int position(int startIndex) const
     {
         return driver.areaIndex.findOrAppend(driver.dataAreas, m_stationNo, m_registerType,
                                              startIndex);
     }
-    const _DATA_& area(int startIndex) const { return driver.dataAreas.at(position(startIndex)); }
 
-private:
     int m_stationNo;
     const QString& m_registerType;
 };
@@ -70,7 +87,7 @@ private:
 // PLC holds.
 const unsigned char* currentValue(const _DATA_& area);
 
-// How many elements of a type one call serves that asks for `count` from `startIndex` on.
+// How many elements one call serves that asks for `count` bits, words or words of counters.
 int servedElements(const RegisterType& type, int startIndex, int count);
 
 #endif

@@ -10,25 +10,25 @@
 
 namespace {
 
-void notifyWord(int stationNo, const QString& registerType, int address)
+void notifyWord(int stationNo, const RegisterType& type, int address)
 {
-    if (isBitSet(AreaFinder(stationNo, registerType).area(address).monitorFlags, 0))
-        callHost(driver.linkNo, stationNo, registerType, address);
+    if (isBitSet(AreaFinder(stationNo, type).area(address).monitorFlags, 0))
+        callHost(driver.linkNo, stationNo, registerTypeName(type), address);
 }
 
-void notifyBit(int stationNo, const QString& registerType, int address)
+void notifyBit(int stationNo, const RegisterType& type, int address)
 {
-    const int marks = AreaFinder(stationNo, registerType).area(bitAreaStart(address)).changeFlags;
+    const int marks = AreaFinder(stationNo, type).area(bitAreaStart(address)).changeFlags;
     if (isBitSet(marks, bitInArea(address)))
-        callHost(driver.linkNo, stationNo, registerType, address);
+        callHost(driver.linkNo, stationNo, registerTypeName(type), address);
 }
 
-void notifyByte(int stationNo, const QString& registerType, int address, int changedBits)
+void notifyByte(int stationNo, const RegisterType& type, int address, int changedBits)
 {
-    const int marks = AreaFinder(stationNo, registerType).area(bitAreaStart(address)).changeFlags;
+    const int marks = AreaFinder(stationNo, type).area(bitAreaStart(address)).changeFlags;
     for (int bit = 0; bit < bitsPerArea && bit < intsFrom(address); ++bit) {
         if (isBitSet(marks & changedBits, bit))
-            callHost(driver.linkNo, stationNo, registerType, address + bit);
+            callHost(driver.linkNo, stationNo, registerTypeName(type), address + bit);
     }
 }
 
@@ -45,20 +45,21 @@ void callHost(int linkNo, int stationNo, const QString& text, int value)
 void _OnlyOneDataTypeDataChange(int stationNo, QString registerType, int address, int isBitType,
                                 unsigned char newBits, unsigned char oldBits, int wholeByte)
 {
-    if (findRegisterType(registerType) == nullptr)
+    const RegisterType* type = findRegisterType(registerType);
+    if (type == nullptr)
         return;
     if (isBitType == 0)
-        notifyWord(stationNo, registerType, address);
+        notifyWord(stationNo, *type, address);
     else if (wholeByte == 0)
-        notifyBit(stationNo, registerType, address);
+        notifyBit(stationNo, *type, address);
     else
-        notifyByte(stationNo, registerType, address, newBits ^ oldBits);
+        notifyByte(stationNo, *type, address, newBits ^ oldBits);
 }
 
 void notifyElement(int stationNo, const RegisterType& type, int address)
 {
     if (isBit(type))
-        notifyBit(stationNo, registerTypeName(type), address);
+        notifyBit(stationNo, type, address);
     else
-        notifyWord(stationNo, registerTypeName(type), address);
+        notifyWord(stationNo, type, address);
 }

@@ -5,7 +5,7 @@
 
 #include "cache/data_areas.h"
 
-#include <cstring>
+#include <algorithm>
 
 namespace {
 
@@ -18,11 +18,11 @@ void copyBits(const AreaFinder& finder, int startIndex, int bitCount, unsigned c
     }
 }
 
-template <std::size_t valueBytes>
-void copyValues(const AreaFinder& finder, int startIndex, int elements, unsigned char* out)
+void copyValues(const AreaFinder& finder, int startIndex, int elements, int valueBytes,
+                unsigned char* out)
 {
-    for (int i = 0; i < elements; ++i, out += valueBytes)
-        std::memcpy(out, currentValue(finder.area(startIndex + i)), valueBytes);
+    for (int i = 0; i < elements; ++i)
+        out = std::copy_n(currentValue(finder.area(startIndex + i)), valueBytes, out);
 }
 
 }  // namespace
@@ -32,18 +32,11 @@ int intf_getData(int stationNo, QString registerType, int startIndex, int count,
     const RegisterType* type = findRegisterType(registerType);
     if (type == nullptr || out == nullptr)
         return fxDone;
-    const AreaFinder finder(stationNo, registerTypeName(*type));
+    const AreaFinder finder(stationNo, *type);
     const int elements = servedElements(*type, startIndex, count);
-    switch (type->kind) {
-    case RegisterKind::Bit:
+    if (isBit(*type))
         copyBits(finder, startIndex, elements, out);
-        break;
-    case RegisterKind::Word:
-        copyValues<2>(finder, startIndex, elements, out);
-        break;
-    case RegisterKind::DoubleWord:
-        copyValues<4>(finder, startIndex, elements, out);
-        break;
-    }
+    else
+        copyValues(finder, startIndex, elements, valueBytes(*type), out);
     return fxDone;
 }

@@ -76,7 +76,7 @@ MirroredValue mirrored(const RegisterType& type, const _DATA_& area, int address
         const int bits = _setBitValue(currentValue(area)[0], bitInArea(address), on);
         value.bytes[0] = static_cast<unsigned char>(bits);
     } else {
-        std::copy(data, data + valueBytes(type), value.bytes);
+        std::copy_n(data, valueBytes(type), value.bytes);
     }
     return value;
 }
@@ -88,33 +88,32 @@ bool differs(const RegisterType& type, const _DATA_& area, const MirroredValue& 
 
 void mirrorElement(int stationNo, const RegisterType& type, int address, const unsigned char* data)
 {
-    const AreaFinder finder(stationNo, registerTypeName(type));
+    const AreaFinder finder(stationNo, type);
     const int start = areaStart(type, address);
     const _DATA_& area = finder.area(start);
     if (differs(type, area, mirrored(type, area, address, data)))
         notifyElement(stationNo, type, address);
 
     // Found and made up again: the host may have written a neighbouring bit meanwhile.
-    const int position = finder.position(start);
-    const MirroredValue value = mirrored(type, driver.dataAreas.at(position), address, data);
-    const AreaIndex::Edit edit(driver.areaIndex, driver.dataAreas);
-    _DATA_& mirror = driver.dataAreas[position];
-    std::copy(value.bytes, value.bytes + valueBytes(type), mirror.valueBuffer1);
-    mirror.bufferSelect = 1;
+    const WritableArea mirror = finder.writableArea(start);
+    const MirroredValue value = mirrored(type, *mirror, address, data);
+    std::copy_n(value.bytes, valueBytes(type), mirror->valueBuffer1);
+    mirror->bufferSelect = 1;
 }
 
-void endElement(int stationNo, const RegisterType& type, int address, bool isConfirmed)
+void mirrorWrite(int stationNo, const RegisterType& type, int startIndex, int count,
+                 const unsigned char* data)
 {
-    const int position =
-        AreaFinder(stationNo, registerTypeName(type)).position(areaStart(type, address));
-    {
-        const AreaIndex::Edit edit(driver.areaIndex, driver.dataAreas);
-        _DATA_& area = driver.dataAreas[position];
-        area.bufferSelect = 0;
-        if (isConfirmed)  // of a bit the whole byte, not the one bit alone
-            std::copy(area.valueBuffer1, area.valueBuffer1 + valueBytes(type), area.valueBuffer0);
-    }
-    notifyElement(stationNo, type, address);
+    const int elements = servedElements(type, startIndex, count);
+    for (int i = 0; i < elements; ++i, data += valueBytes(type))
+        mirrorElement(stationNo, type, startIndex + i, data);
+}
+
+void endWrite(const WritableArea& area, const RegisterType& type, bool isConfirmed)
+{
+    area->bufferSelect = 0;
+    if (isConfirmed)  // of a bit the whole byte, not the one bit alone
+        std::copy_n(area->valueBuffer1, valueBytes(type), area->valueBuffer0);
 }
 
 }  // namespace
@@ -128,11 +127,8 @@ void write_saveDataToArea(int stationNo, QString registerType, int startIndex, i
                           unsigned char* data)
 {
     const RegisterType* type = findRegisterType(registerType);
-    if (type == nullptr || data == nullptr)
-        return;
-    const int elements = servedElements(*type, startIndex, count);
-    for (int i = 0; i < elements; ++i, data += valueBytes(*type))
-        mirrorElement(stationNo, *type, startIndex + i, data);
+    if (type != nullptr && data != nullptr)
+        mirrorWrite(stationNo, *type, startIndex, count, data);
 }
 
 void write_FailOrSuc(int stationNo, QString registerType, int startIndex, int count, int success)
@@ -140,9 +136,13 @@ void write_FailOrSuc(int stationNo, QString registerType, int startIndex, int co
     const RegisterType* type = findRegisterType(registerType);
     if (type == nullptr)
         return;
+    const AreaFinder finder(stationNo, *type);
     const int elements = servedElements(*type, startIndex, count);
-    for (int i = 0; i < elements; ++i)
-        endElement(stationNo, *type, startIndex + i, success == confirmed);
+    for (int i = 0; i < elements; ++i) {
+        const int address = startIndex + i;
+        endWrite(finder.writableArea(areaStart(*type, address)), *type, success == confirmed);
+        notifyElement(stationNo, *type, address);
+    }
 }
 
 int intf_setData(int stationNo, QString registerType, int startIndex, int count,
@@ -153,6 +153,6 @@ int intf_setData(int stationNo, QString registerType, int startIndex, int count,
         return fxDone;
     if (driver.cacheOnlyWrites == 0)
         queueWrite(*type, writeRequest(tag, stationNo, registerType), startIndex, count, data);
-    write_saveDataToArea(stationNo, registerType, startIndex, count, data);
+    mirrorWrite(stationNo, *type, startIndex, count, data);
     return fxDone;
 }

@@ -11,8 +11,10 @@ add_library(fx_driver_objects OBJECT
     address/register_types.cpp
     cache/data_areas.cpp
     cache/notification.cpp
+    cache/polled_values.cpp
     cache/read_values.cpp
-    cache/recipe.cpp
+    cache/recipe_list.cpp
+    cache/recipe_words.cpp
     cache/write_values.cpp
     driver/area_index.cpp
     driver/mitsubishi_fx1s.cpp

@@ -76,6 +76,9 @@ public:
     int recipeIndex = 0;          // the recipe entry being transferred
 
     AreaIndex areaIndex;  // finds data areas without a scan
+
+    OperationKind kind() const { return static_cast<OperationKind>(operationKind); }
+    void setKind(OperationKind kind) { operationKind = static_cast<int>(kind); }
 };
 
 // Exported beside the entry points.

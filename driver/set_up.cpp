@@ -39,7 +39,7 @@ void resetLists()
 
 void resetExchange()
 {
-    driver.operationKind = static_cast<int>(OperationKind::Idle);
+    driver.setKind(OperationKind::Idle);
     driver.burstCount = 0;
     driver.spareCounter0 = 0;
     driver.failCount = 0;

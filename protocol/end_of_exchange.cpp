@@ -7,6 +7,7 @@
 #include "protocol/end_of_exchange.h"
 
 #include "cache/notification.h"
+#include "cache/recipe_list.h"
 #include "driver/mitsubishi_fx1s.h"
 #include "driver/request_queue.h"
 #include "protocol/recipe_requests.h"
@@ -55,20 +56,15 @@ void rotatePlan()
 
 void endRecipeEntry(int requestByte)
 {
-    if (driver.lastExchangeFailed == 0) {
-        ++driver.recipeIndex;
-        if (driver.recipeIndex < driver.recipeVars.size())
-            return;
-    }
-    driver.recipeIndex = 0;
-    clearRecipeRequest(requestByte);
+    if (!goOnInRecipe(driver.lastExchangeFailed == 0))
+        clearRecipeRequest(requestByte);
 }
 
 }  // namespace
 
 void dealListWhenFinish()
 {
-    switch (static_cast<OperationKind>(driver.operationKind)) {
+    switch (driver.kind()) {
     case OperationKind::Idle:
         return;
     case OperationKind::HostWrite:

@@ -14,6 +14,11 @@ namespace {
 
 constexpr int forceOn = 1;
 
+constexpr int longestWrite = emptyWriteLength + charsPerByte * bytesPerWord * fxMaxWriteWords;
+static_assert(longestWrite <= fxRecordBytes &&
+                  longestWrite + charsPerByte * bytesPerWord > fxRecordBytes,
+              "fxMaxWriteWords are the most words that fit a record");
+
 unsigned char hexDigit(unsigned int nibble)
 {
     static constexpr char digits[] = "0123456789ABCDEF";
@@ -133,12 +138,27 @@ FRAME_PRO& appendedFrame(const VARIABLE& request)
     return frame;
 }
 
-bool sumMatches(const unsigned char* reply, int length)
+bool sumMatches(const unsigned char* reply, int etxPosition)
 {
     unsigned int sum = 0;
-    for (int i = replyDataStart; i <= length - 3; ++i)
+    for (int i = replyDataStart; i <= etxPosition; ++i)
         sum += reply[i];
-    return reply[length - 2] == hexDigit(sum >> 4) && reply[length - 1] == hexDigit(sum);
+    return reply[etxPosition + 1] == hexDigit(sum >> 4) && reply[etxPosition + 2] == hexDigit(sum);
+}
+
+ReplyJudgement judge(const unsigned char* reply, int length, const FRAME_PRO& frame)
+{
+    if (reply == nullptr || length < 1)
+        return ReplyJudgement::Rejected;
+    const bool waitsForData = frame.replyDataChars != 0;
+    if (length == ackLength && !waitsForData)
+        return reply[0] == ack ? ReplyJudgement::Acknowledged : ReplyJudgement::Rejected;
+    if (frame.replyLength < shortestReadReply || length < frameEnds)
+        return ReplyJudgement::Rejected;  // a write takes nothing but ACK
+    const int etxPosition = length - frameTail;
+    if (reply[0] != stx || reply[etxPosition] != etx || !sumMatches(reply, etxPosition))
+        return ReplyJudgement::Rejected;
+    return waitsForData ? ReplyJudgement::Data : ReplyJudgement::Acknowledged;
 }
 
 }  // namespace
@@ -158,23 +178,15 @@ void getWriteFrame(VARIABLE& var)
         buildWordWrite(var, frame);
 }
 
-ReplyJudgement judgeReply(const unsigned char* reply, int length, const FRAME_PRO& frame)
+ReplyJudgement judgeReply(const QByteArray& reply, const FRAME_PRO& frame)
 {
-    if (reply == nullptr || length < 1)
-        return ReplyJudgement::Rejected;
-    const bool waitsForData = frame.replyDataChars != 0;
-    if (length == ackLength && !waitsForData)
-        return reply[0] == ack ? ReplyJudgement::Acknowledged : ReplyJudgement::Rejected;
-    if (frame.replyLength < shortestReadReply || length < frameEnds)
-        return ReplyJudgement::Rejected;  // a write takes nothing but ACK
-    if (reply[0] != stx || reply[length - 3] != etx || !sumMatches(reply, length))
-        return ReplyJudgement::Rejected;
-    return waitsForData ? ReplyJudgement::Data : ReplyJudgement::Acknowledged;
+    return judge(reinterpret_cast<const unsigned char*>(reply.constData()),
+                 static_cast<int>(reply.size()), frame);
 }
 
 int check_rcv_data(unsigned char* reply, int length)
 {
     if (driver.frames.isEmpty())
         return static_cast<int>(ReplyJudgement::Rejected);
-    return static_cast<int>(judgeReply(reply, length, driver.frames.at(0)));
+    return static_cast<int>(judge(reply, length, driver.frames.at(0)));
 }

@@ -22,10 +22,10 @@ void getReadFrame(VARIABLE& var);
 // Appends the frame that forces the one bit of `var`, or that writes its words.
 void getWriteFrame(VARIABLE& var);
 
-// Judges `length` bytes of a reply against the frame in flight: a ReplyJudgement as a number.
-int check_rcv_data(unsigned char* reply, int length);
+// Judges a reply against the frame that waits for it.
+ReplyJudgement judgeReply(const QByteArray& reply, const FRAME_PRO& frame);
 
-// The same against a frame that is given.
-ReplyJudgement judgeReply(const unsigned char* reply, int length, const FRAME_PRO& frame);
+// The same of `length` bytes against the frame in flight: a ReplyJudgement as a number.
+int check_rcv_data(unsigned char* reply, int length);
 
 #endif

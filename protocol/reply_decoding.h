@@ -1,35 +1,23 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// Takes the data of an accepted reply into the cache and, during an upload, into recipe memory;
-// marks what a failed read leaves stale.
+// From the characters of an accepted reply to the bytes that they stand for.
 
 #ifndef PROTOCOL_REPLY_DECODING_H
 #define PROTOCOL_REPLY_DECODING_H
 
-#include "address/register_types.h"
 #include "driver/records.h"
 
 #include <QByteArray>
 
-// What a read covers. Held by value, since callbacks may change the lists.
-struct ReadRange
-{
-    explicit ReadRange(const FRAME_PRO& frame);
+#include <vector>
 
-    const RegisterType* type;  // null: nothing is decoded
-    int stationNo;
-    int addressIndex;
-    int dataStart;  // position of the first data character in the reply
-    int dataChars;
-};
+// Data characters of a whole reply, as far as they are decoded, or marked as stale when it fails:
+// those of fxMaxElements counters. A frame limit beyond all that a PLC can address must not cost
+// the host its memory.
+int dataChars(const FRAME_PRO& frame);
 
-// Stores the values of `reply`, telling the host of those that changed. Characters that a short
-// reply lacks count as 0.
-void storeReply(const ReadRange& range, const QByteArray& reply);
-
-// Marks the areas of a failed read as stale, and as many again beyond them (three times as many
-// for "32CV"), creating those that are missing.
-void markStale(const ReadRange& range);
+// The bytes of a reply to `frame`; those that a short reply lacks are 0.
+std::vector<unsigned char> decodeReply(const FRAME_PRO& frame, const QByteArray& reply);
 
 #endif

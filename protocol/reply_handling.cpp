@@ -4,6 +4,8 @@
 // Decides whether an exchange has succeeded, is to be repeated or has failed, and has its effects
 // carried out. The frame in flight stays where it is until its effects are done.
 
+#include "address/register_types.h"
+#include "cache/polled_values.h"
 #include "cache/write_values.h"
 #include "driver/intf.h"
 #include "driver/mitsubishi_fx1s.h"
@@ -17,11 +19,21 @@ namespace {
 // Tells the cache how a host write ended; a recipe download is not one.
 void endHostWriteInCache(bool isConfirmed)
 {
-    if (driver.operationKind != static_cast<int>(OperationKind::HostWrite))
+    if (driver.kind() != OperationKind::HostWrite)
         return;
     const VARIABLE& request = driver.frames.at(0).variable;
     write_FailOrSuc(request.stationNo, request.registerType, request.addressIndex, request.count,
                     isConfirmed ? 1 : 0);
+}
+
+// Twice the areas that the read covers are marked, four times those of a read of counters.
+void markFailedRead(const FRAME_PRO& frame)
+{
+    const VARIABLE& request = frame.variable;
+    const RegisterType* type = findRegisterType(request.registerType);
+    const int charsPerArea = type != nullptr && isBit(*type) ? 1 : 2;
+    markStale(request.stationNo, request.registerType, request.addressIndex,
+              dataChars(frame) / charsPerArea);
 }
 
 FxReplyResult endAccepted()
@@ -34,37 +46,34 @@ FxReplyResult endAccepted()
     return fxReplyAccepted;
 }
 
+FxReplyResult acceptData(const QByteArray& reply)
+{
+    const FRAME_PRO& frame = driver.frames.at(0);
+    const VARIABLE& request = frame.variable;
+    driver.lastExchangeFailed = 0;
+    storePolledValues(request.stationNo, request.registerType, request.addressIndex,
+                      decodeReply(frame, reply));
+    return endAccepted();
+}
+
+FxReplyResult acceptWrite()
+{
+    endHostWriteInCache(true);
+    return endAccepted();
+}
+
 FxReplyResult reject()
 {
     ++driver.failCount;
     if (driver.failCount < driver.failLimit)
         return fxSendAgain;
-    const ReadRange range(driver.frames.at(0));
     driver.lastExchangeFailed = 1;
+    markFailedRead(driver.frames.at(0));
     endHostWriteInCache(false);
-    markStale(range);
     driver.frames.clear();
     driver.failCount = 0;
     dealListWhenFinish();
     return fxExchangeFailed;
-}
-
-// Takes the reply by value: the host may reuse its buffer in a callback.
-FxReplyResult handleReply(QByteArray reply)
-{
-    const unsigned char* bytes = reinterpret_cast<const unsigned char*>(reply.constData());
-    switch (judgeReply(bytes, static_cast<int>(reply.size()), driver.frames.at(0))) {
-    case ReplyJudgement::Rejected:
-        return reject();
-    case ReplyJudgement::Acknowledged:
-        endHostWriteInCache(true);
-        return endAccepted();
-    case ReplyJudgement::Data:
-        driver.lastExchangeFailed = 0;
-        storeReply(ReadRange(driver.frames.at(0)), reply);
-        return endAccepted();
-    }
-    return fxNoFrameInFlight;
 }
 
 }  // namespace
@@ -75,5 +84,13 @@ int intf_dealRcvFrame(QByteArray& reply, QString& errorText)
     if (driver.frames.isEmpty())
         return fxNoFrameInFlight;
     errorText = getErrorInfo(reply);
-    return handleReply(reply);
+    switch (judgeReply(reply, driver.frames.at(0))) {
+    case ReplyJudgement::Data:
+        return acceptData(reply);
+    case ReplyJudgement::Acknowledged:
+        return acceptWrite();
+    case ReplyJudgement::Rejected:
+        break;
+    }
+    return reject();
 }

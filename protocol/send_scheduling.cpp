@@ -5,7 +5,8 @@
 // read. At most three writes or one-off reads go out between two cyclic reads. A frame whose
 // exchange has not ended is handed out again, which is how a request is repeated.
 
-#include "cache/recipe.h"
+#include "cache/recipe_list.h"
+#include "cache/recipe_words.h"
 #include "driver/intf.h"
 #include "driver/mitsubishi_fx1s.h"
 #include "protocol/end_of_exchange.h"
@@ -17,7 +18,7 @@ namespace {
 // Builds the frame of the request in `current` as its kind wants it.
 void buildCurrent()
 {
-    switch (static_cast<OperationKind>(driver.operationKind)) {
+    switch (driver.kind()) {
     case OperationKind::HostWrite:
     case OperationKind::RecipeDownload:
         return getWriteFrame(driver.current);
@@ -30,39 +31,28 @@ void buildCurrent()
     }
 }
 
-void setKind(OperationKind kind)
-{
-    driver.operationKind = static_cast<int>(kind);
-}
-
 void startExchange(OperationKind kind, const VARIABLE& request)
 {
     driver.current = request;
-    setKind(kind);
+    driver.setKind(kind);
     buildCurrent();
-}
-
-// False when the entry cannot be carried and the transfer has ended over it.
-bool startRecipeEntry(OperationKind kind, const _RCP_VAR_PRO& entry)
-{
-    const bool isDownload = kind == OperationKind::RecipeDownload;
-    setKind(kind);
-    if (!(isDownload ? isDownloadable(entry) : isUploadable(entry))) {
-        abandonRecipe();
-        return false;
-    }
-    rcpAddrToVar(entry, driver.current, isDownload ? 1 : 0);
-    buildCurrent();
-    return true;
 }
 
 // With no entry to transfer, a request repeats the exchange of `current` under its own kind, and
-// goes on doing so until the host takes it back.
+// goes on doing so until the host takes it back. False when the entry cannot be carried and the
+// transfer has ended over it.
 bool startRecipe(OperationKind kind)
 {
-    const int index = driver.recipeIndex;
-    if (index >= 0 && index < driver.recipeVars.size())
-        return startRecipeEntry(kind, driver.recipeVars.at(index));
+    const _RCP_VAR_PRO* entry = recipeEntryDue();
+    if (entry != nullptr) {
+        const bool isDownload = kind == OperationKind::RecipeDownload;
+        driver.setKind(kind);
+        if (!(isDownload ? isDownloadable(*entry) : isUploadable(*entry))) {
+            abandonRecipe();
+            return false;
+        }
+        rcpAddrToVar(*entry, driver.current, isDownload ? 1 : 0);
+    }
     buildCurrent();
     return true;
 }
@@ -70,7 +60,7 @@ bool startRecipe(OperationKind kind)
 void startCyclicRead()
 {
     if (driver.readList.isEmpty()) {
-        setKind(OperationKind::Idle);
+        driver.setKind(OperationKind::Idle);
         return;  // without a plan nothing sets burstCount back: after three, writes wait
     }
     driver.burstCount = 0;

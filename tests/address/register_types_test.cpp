@@ -60,7 +60,7 @@ INSTANTIATE_TEST_SUITE_P(Rows, RegisterTypeTable, ::testing::Range(0, 12), [](co
 
 TEST(RegisterTypes, AreTwelve)
 {
-    EXPECT_EQ(12U, registerTypes.size());
+    EXPECT_EQ(12U, std::size(registerTypes));
 }
 
 TEST(RegisterTypes, UnknownNamesHaveNoRow)

@@ -3,7 +3,7 @@
 //
 // One recipe entry turned into a request, with or without the words of recipe memory.
 
-#include "cache/recipe.h"
+#include "cache/recipe_words.h"
 #include "tests/support/driver_fixture.h"
 
 namespace {

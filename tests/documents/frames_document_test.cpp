@@ -65,7 +65,7 @@ TEST(FramesDocument, MapsEveryRegisterType)
 {
     QList<Row> rows =
         tableRows("| type | holds | kind | first | last | read base | write base | force base |");
-    ASSERT_EQ(int(registerTypes.size()), rows.size());
+    ASSERT_EQ(int(std::size(registerTypes)), rows.size());
     for (int i = 0; i < rows.size(); ++i) {
         rows[i].removeAt(1);  // what the type holds
         EXPECT_EQ(mapRow(registerTypes[std::size_t(i)]), rows[i]) << qPrintable(rows[i].join(' '));

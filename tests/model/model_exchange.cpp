@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr int mostAreas = 4 * 65536;  // of one reply
+constexpr int mostDataChars = 2 * 4 * 65536;  // of one reply
 
 int nibbleAt(const QByteArray& reply, int position)
 {
@@ -166,7 +166,7 @@ void ModelDriver::decode(const QByteArray& reply)
     if (!bits && !modelIsWord(type) && type != "32CV")
         return;
     const int width = bits ? 1 : type == "32CV" ? 4 : 2;
-    for (int k = 0; k < std::min(mostAreas, open.replyDataChars / (2 * width)); ++k) {
+    for (int k = 0; k < std::min(mostDataChars, open.replyDataChars) / (2 * width); ++k) {
         unsigned char bytes[4] = {};
         for (int i = 0; i < width; ++i)
             bytes[i] = byteAt(reply, open.isRead + 2 * (k * width + i));
@@ -218,7 +218,7 @@ void ModelDriver::markStale()
     const bool bits = modelIsBit(type);
     if (!bits && !modelIsWord(type) && type != "32CV")
         return;
-    const int total = std::min(mostAreas, bits ? open.replyDataChars : open.replyDataChars / 2);
+    const int total = std::min(mostDataChars, open.replyDataChars) / (bits ? 1 : 2);
     for (int k = 0; k < total; ++k) {
         const long long number = open.variable.addressIndex + (bits ? 8LL : 1LL) * k;
         if (!modelFitsInt(number))

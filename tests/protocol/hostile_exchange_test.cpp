@@ -113,7 +113,7 @@ TEST_F(HostileExchange, OneOffReadWithoutEndStaysBounded)
             intf_addConditionRead(key, 0);
             nextFrame();
             EXPECT_EQ(good ? 1 : 2, reply(good ? "<STX>1234<ETX>CD" : "")) << type;
-            EXPECT_GE(4 * 65536, driver.dataAreas.size()) << type;
+            EXPECT_GE(8 * 65536, driver.dataAreas.size()) << type;
             EXPECT_LE(65536, driver.dataAreas.size()) << type;
             driver.readList.clear();
             driver.burstCount = 0;

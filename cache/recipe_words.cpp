@@ -1,14 +1,16 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// Recipe entries and recipe memory, whose size only the host knows.
+// Recipe memory is the host's: nothing is moved before its start, or without it.
 
-#include "cache/recipe.h"
+#include "cache/recipe_words.h"
 
 #include "address/register_types.h"
 #include "cache/notification.h"
+#include "driver/mitsubishi_fx1s.h"
 
-#include <cstring>
+#include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -34,30 +36,16 @@ unsigned char* recipeBytes(qint64 recipeWord)
 
 }  // namespace
 
-int intf_setRcpAddress(QVector<_RCP_VAR_PRO>& list)
-{
-    const QVector<_RCP_VAR_PRO>& entries = list;
-    QVector<_RCP_VAR_PRO> ownEntries;
-    for (const _RCP_VAR_PRO& entry : entries) {
-        if (entry.linkNo == driver.linkNo)
-            ownEntries.append(entry);
-    }
-    driver.recipeVars = ownEntries;
-    return static_cast<int>(driver.recipeVars.size());
-}
-
 void rcpAddrToVar(_RCP_VAR_PRO rcp, VARIABLE& var, int withData)
 {
     var.stationNo = rcp.stationNo;
     var.registerType = rcp.registerType;
     var.addressIndex = rcp.addressIndex;
     var.count = rcp.count;
-    std::memset(var.data, 0, sizeof var.data);
-    if (withData == 0 || !hasWords(rcp))
-        return;
-    const int wordCount = qMin(rcp.count, fxRecordBytes / bytesPerWord);
-    std::memcpy(var.data, recipeBytes(rcp.recipeWordOffset),
-                static_cast<std::size_t>(bytesPerWord * wordCount));
+    std::fill(std::begin(var.data), std::end(var.data), 0);
+    if (withData != 0 && hasWords(rcp))
+        std::copy_n(recipeBytes(rcp.recipeWordOffset),
+                    bytesPerWord * qMin(rcp.count, fxRecordBytes / bytesPerWord), var.data);
 }
 
 bool isDownloadable(const _RCP_VAR_PRO& entry)
@@ -70,13 +58,11 @@ bool isUploadable(const _RCP_VAR_PRO& entry)
     return hasWords(entry) && entry.count <= fxMaxUploadWords;
 }
 
-void storeRecipeValue(qint64 firstRecipeWord, int wordCount, unsigned int value)
+void storeRecipeWords(qint64 firstRecipeWord, const unsigned char* bytes, int wordCount)
 {
     if (driver.recipeWords == nullptr || firstRecipeWord < 0)
         return;
-    unsigned char* bytes = recipeBytes(firstRecipeWord);
-    for (int i = 0; i < bytesPerWord * wordCount; ++i)
-        bytes[i] = static_cast<unsigned char>(value >> (8 * i));
+    std::copy_n(bytes, bytesPerWord * wordCount, recipeBytes(firstRecipeWord));
     for (int word = 0; word < wordCount; ++word)
         callHost(recipeLink, recipeStation, QLatin1String(fxRecipeWordText),
                  static_cast<int>(firstRecipeWord + word));

@@ -1,13 +1,15 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// The recipe list and the conversion of one entry into a request. Word w of recipe memory is its
-// bytes 2w and 2w + 1, moved in memory order.
+// The host's recipe memory, whose size only the host knows: to requests and from replies. Word w is
+// its bytes 2w and 2w + 1, moved in memory order.
 
-#ifndef CACHE_RECIPE_H
-#define CACHE_RECIPE_H
+#ifndef CACHE_RECIPE_WORDS_H
+#define CACHE_RECIPE_WORDS_H
 
-#include "driver/mitsubishi_fx1s.h"
+#include "driver/records.h"
+
+#include <QtGlobal>
 
 // Fills `var` from one entry; with data also from recipe memory, else with zeros. `var.tag` stays.
 void rcpAddrToVar(_RCP_VAR_PRO rcp, VARIABLE& var, int withData);
@@ -16,7 +18,7 @@ void rcpAddrToVar(_RCP_VAR_PRO rcp, VARIABLE& var, int withData);
 bool isDownloadable(const _RCP_VAR_PRO& entry);
 bool isUploadable(const _RCP_VAR_PRO& entry);
 
-// Stores an uploaded value of `wordCount` words, lowest byte first, then tells the host of each.
-void storeRecipeValue(qint64 firstRecipeWord, int wordCount, unsigned int value);
+// Stores uploaded words, then tells the host of each.
+void storeRecipeWords(qint64 firstRecipeWord, const unsigned char* bytes, int wordCount);
 
 #endif
