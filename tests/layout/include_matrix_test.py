@@ -41,7 +41,7 @@ class OneInclude(unittest.TestCase):
                 (0, '#include "cache/data_areas.h"'),
                 (0, '// #include "protocol/frame_codec.h"'),
                 (0, 'int protocol = 1;'),
-                (1, '#include "cache/recipe.h"'),
+                (1, '#include "cache/recipe_words.h"'),
                 (1, '#include "protocol/frame_codec.h"'),
                 (1, '#include <protocol/frame_codec.h>'),
                 (1, '  #  include  "protocol/frame_codec.h"  // sly'),
