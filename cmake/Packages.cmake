@@ -10,8 +10,8 @@ set(dev_package libmitsubishi-fx1s-dev)
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME mitsubishi-fx1s)
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
-# Whoever makes packages answers for them: DEBFULLNAME and DEBEMAIL say who, as to Debian's own
-# tools. Without them the packages say that nobody does: the name is reserved to have no mail.
+# DEBFULLNAME and DEBEMAIL name the maintainer, as for Debian's own tools. The default address is of
+# a domain that is reserved to have no mail.
 set(packager "The mitsubishi_fx1s authors")
 set(address nobody@mitsubishi-fx1s.invalid)
 if(DEFINED ENV{DEBFULLNAME})
@@ -43,10 +43,10 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${library_package})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_RUNTIME_DESCRIPTION
 "communication driver for FX-series programmable controllers
-Operator panels load this library and drive it through flat entry points: it
-plans what to poll, builds the frames of the FX programming port, judges the
-replies, caches values, moves recipes and reports changes. The host owns the
-link and all timing.")
+Operator panels load this library and call its functions: it plans what to
+poll, builds the frames of the FX programming port, checks the replies, caches
+values, transfers recipes and reports changes. The host owns the link and all
+timing.")
 
 set(qt_dev_package qtbase5-dev)
 if(FX_QT_MAJOR EQUAL 6)
@@ -58,18 +58,18 @@ set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS
     "${library_package} (= ${PROJECT_VERSION}), ${qt_dev_package}")
 set(CPACK_DEBIAN_DEV_DESCRIPTION
 "communication driver for FX-series controllers - development files
-The public header, the CMake package, the pkg-config file, the guides and the
-examples for whoever writes a host of the driver.")
+The public header with its reference, the CMake package, the pkg-config file,
+the guides and the examples for programmers of hosts.")
 
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME fx-tools)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${library_package} (= ${PROJECT_VERSION})")
 set(CPACK_DEBIAN_TOOLS_DESCRIPTION
-"reference host and simulator for FX-series programmable controllers
-fxhost reads, writes, watches and measures a controller from the command line,
-through the same library that operator panels load. fxsim is a simulated
-controller on a pseudo-terminal, TCP or a serial port that can misbehave.")
+"command-line host and simulator for FX-series programmable controllers
+fxhost reads, writes, watches and measures a controller, with the library that
+operator panels load. fxsim simulates a controller on a pseudo-terminal, TCP
+or a serial port, and can simulate faults.")
 
 # The Debian changelog points to this project's own; SOURCE_DATE_EPOCH fixes its date.
 string(TIMESTAMP package_date "%a, %d %b %Y %H:%M:%S +0000" UTC)

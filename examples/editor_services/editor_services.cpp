@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// What a screen editor asks of the driver: which register types there are, whether an address is
-// valid, and which addresses the copies of an object get. None of it needs a set-up or a link.
+// The functions for a screen editor: they list the register types, check addresses, and make the
+// addresses for copies of an object. They need no set-up and no link.
 
 #include <mitsubishi_fx1s/intf.h>
 
@@ -12,10 +12,7 @@
 
 namespace {
 
-constexpr int bitTypes = 0;
-constexpr int wordTypes = 1;
-constexpr int wordData = 0;    // data type: anything but -1 is a word
-constexpr int readAccess = 0;  // access mode: 1 and 2 write
+constexpr int wordDataType = 0;  // any but fxBitDataType and fxCounterDataTypes
 
 void listTypes(int kind)
 {
@@ -33,17 +30,17 @@ void listTypes(int kind)
 const char* meaning(int result)
 {
     switch (result) {
-    case 0:
+    case fxAddressValid:
         return "valid";
-    case 1:
-        return "the width does not suit the type";
-    case 2:
-        return "out of the type's range";
-    case 3:
-        return "no such type";
-    case 4:
-        return "no number";
-    case 5:
+    case fxWrongWidth:
+        return "wrong width for this type";
+    case fxAddressOutOfRange:
+        return "out of range";
+    case fxUnknownType:
+        return "unknown type";
+    case fxNotANumber:
+        return "not a number";
+    case fxNotACounterDataType:
         return "not a data type for counters";
     default:
         return "inputs cannot be written";
@@ -53,7 +50,8 @@ const char* meaning(int result)
 void check(const char* registerType, const char* addressText, int dataType)
 {
     int number = 0;
-    const int result = intf_checkAddr(registerType, addressText, &number, dataType, 1, readAccess);
+    const int result =
+        intf_checkAddr(registerType, addressText, &number, dataType, 1, fxReadAccess);
     std::printf("  %s%s: %s\n", registerType, addressText, meaning(result));
 }
 
@@ -63,7 +61,7 @@ void copy(const char* registerType, int start, int copies, int step)
     QVector<int> values;
     const int result = intf_multiCopy(registerType, start, copies, step, texts, values);
     std::printf("  %s: %s%s\n", registerType, qPrintable(QStringList(texts.toList()).join(" ")),
-                result == 2 ? "  (ran past the end)" : "");
+                result == fxSeriesClamped ? "  (the last ones are too high)" : "");
 }
 
 }  // namespace
@@ -71,18 +69,18 @@ void copy(const char* registerType, int start, int copies, int step)
 int main()
 {
     std::printf("Bit types\n");
-    listTypes(bitTypes);
+    listTypes(fxBitTypes);
     std::printf("Word types\n");
-    listTypes(wordTypes);
+    listTypes(fxWordTypes);
     std::printf("Addresses\n");
-    check("D", "7999", wordData);
-    check("D", "8000", wordData);
-    check("X", "17", -1);
-    check("X", "18", -1);
-    check("D", "100", -1);
+    check("D", "7999", wordDataType);
+    check("D", "8000", wordDataType);
+    check("X", "17", fxBitDataType);
+    check("X", "18", fxBitDataType);
+    check("D", "100", fxBitDataType);
     std::printf("Copies\n");
     copy("X", 6, 4, 1);
-    copy("D", 100, 3, -2);
-    copy("D", 7996, 5, -1);
+    copy("D", 100, 3, fxStepOf32Bits);
+    copy("D", 7996, 5, fxPlainStep);
     return 0;
 }

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// A recipe moved to the PLC and back, step by step: hand the list over, raise a request byte under
-// the mutex, exchange until the driver has taken it back. The link is a PLC of two thousand bytes
-// in this program, so that the frames can be seen.
+// Transfers a recipe to the PLC and back: sets the list, raises a request byte under the mutex, and
+// makes exchanges until the driver has cleared the byte. The PLC is in this program, so that it can
+// print the frames; with a real one use minimal_host/plc_exchange.h.
 
 #include <mitsubishi_fx1s/intf.h>
 
@@ -14,12 +14,10 @@
 
 namespace {
 
-constexpr std::size_t downloadRequest = 60115;  // bytes of the host's memory
-constexpr std::size_t uploadRequest = 60116;
 constexpr int linkNo = 1;
 constexpr int firstDataRegister = 0x1000;  // byte address of D0
 
-std::vector<unsigned char> hostMemory(60117, 0);
+std::vector<unsigned char> hostMemory(fxHostMemoryBytes, 0);
 unsigned short recipeWords[8] = {};
 QMutex hostMutex;
 unsigned char dataRegisters[2000] = {};
@@ -48,25 +46,25 @@ QByteArray answer(const QByteArray& frame)
     return QByteArray(1, '\x06');
 }
 
-// The request bytes are touched under the mutex, and the driver is never called with it locked.
-void request(std::size_t position)
+// The host reads and sets the request bytes under the mutex, but never calls the driver with it.
+void request(int requestByte)
 {
     const QMutexLocker lock(&hostMutex);
-    hostMemory[position] = 1;
+    hostMemory[requestByte] = fxRecipeRequested;
 }
 
-bool isRequested(std::size_t position)
+bool isRequested(int requestByte)
 {
     const QMutexLocker lock(&hostMutex);
-    return hostMemory[position] == 1;
+    return hostMemory[requestByte] == fxRecipeRequested;
 }
 
-// Raises the request and exchanges until the driver has taken it back.
-void transfer(std::size_t position)
+// Raises the request byte and makes exchanges until the driver has cleared it.
+void transfer(int requestByte)
 {
-    request(position);
+    request(requestByte);
     FRAME_PRO frame;
-    while (isRequested(position) && intf_getSendFrame(&frame) == 1) {
+    while (isRequested(requestByte) && intf_getSendFrame(&frame) == fxFrameToSend) {
         const QByteArray sent(reinterpret_cast<char*>(frame.frame), frame.frameLength);
         QByteArray reply = answer(sent);
         QString errorText;
@@ -77,7 +75,7 @@ void transfer(std::size_t position)
 
 int recipeWordStored(int, int stationNo, QString& text, int word)
 {
-    if (stationNo == -1 && text == "RWI")
+    if (stationNo == -1 && text == fxRecipeWordText)
         std::printf("  recipe word %d is now %u\n", word, static_cast<unsigned>(recipeWords[word]));
     return 0;
 }
@@ -103,16 +101,19 @@ int main()
     intf_initProperty(hostMemory.data(), 0, recipeWords, &status, "1#0#0#3#32", &hostMutex);
     QVector<_RCP_VAR_PRO> list;
     list << entry(100, 2, 0) << entry(200, 1, 2);
-    std::printf("%d entries belong to this link\n", intf_setRcpAddress(list));
+    const int entries = intf_setRcpAddress(list);
+    std::printf("%d entries have the number of this link\n", entries);
+    if (entries == 0)
+        return 1;  // never raise a request byte for an empty list
 
     recipeWords[0] = 180;  // temperature
     recipeWords[1] = 45;   // seconds
     recipeWords[2] = 7;    // programme
     std::printf("Download\n");
-    transfer(downloadRequest);
+    transfer(fxDownloadRequestByte);
 
-    dataRegisters[2 * 100] = 181;  // the PLC corrects the temperature
+    dataRegisters[2 * 100] = 181;  // the PLC changes the temperature
     std::printf("Upload\n");
-    transfer(uploadRequest);
+    transfer(fxUploadRequestByte);
     return recipeWords[0] == 181 && recipeWords[1] == 45 && recipeWords[2] == 7 ? 0 : 1;
 }

@@ -57,7 +57,7 @@ has_tools() {
 
 # run_examples FOLDER: each does what it says it does; minimal_host only where a PLC was started.
 run_examples() {
-    expect_text "editor_services" "X18: no number" "$1/editor_services"
+    expect_text "editor_services" "X18: not a number" "$1/editor_services"
     expect_text "recipes" "recipe word 0 is now 181" "$1/recipes"
     ! has_tools || expect_text "minimal_host" "D100 = 1337" "$1/minimal_host" "$work/plc"
 }
