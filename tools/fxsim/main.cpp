@@ -4,14 +4,37 @@
 // fxsim: reads the command line, starts the application, runs until a signal or `quit`.
 
 #include "tools/fxsim/application.h"
-#include "tools/fxsim/control/control_client.h"
-#include "tools/fxsim/end_signals.h"
+#include "tools/fxsim/control/control_channels.h"
 
 #include <QCoreApplication>
+#include <QSocketNotifier>
+
+#include <csignal>
+
+#include <sys/signalfd.h>
 
 namespace {
 
 using namespace fxsim;
+
+// SIGINT, SIGTERM and SIGHUP end the event loop, so that links are closed and files written.
+void endOnSignals()
+{
+    sigset_t ending;
+    sigemptyset(&ending);
+    sigaddset(&ending, SIGINT);
+    sigaddset(&ending, SIGTERM);
+    struct sigaction onHangUp = {};
+    ::sigaction(SIGHUP, nullptr, &onHangUp);
+    if (onHangUp.sa_handler != SIG_IGN)  // nohup ignores it
+        sigaddset(&ending, SIGHUP);
+    ::sigprocmask(SIG_BLOCK, &ending, nullptr);
+    auto* notifier = new QSocketNotifier(::signalfd(-1, &ending, SFD_CLOEXEC),
+                                         QSocketNotifier::Read, QCoreApplication::instance());
+    QObject::connect(notifier, &QSocketNotifier::activated, &QCoreApplication::quit);
+    std::signal(SIGPIPE, SIG_IGN);  // a client that left is no reason to end
+    std::signal(SIGTTIN, SIG_IGN);  // in the background the terminal belongs to others
+}
 
 ExitCode run(const Options& options)
 {

@@ -11,6 +11,8 @@
 #include <QRegularExpression>
 #include <QStringList>
 
+#include <algorithm>
+
 namespace fxsim {
 
 namespace {
@@ -20,160 +22,140 @@ constexpr int highestByte = 255;
 constexpr int mostPokes = 1000;
 constexpr int helpColumn = 31;
 
-QByteArray dump(const PlcMemory& memory, int address, int byteCount)
+// What a command works on.
+struct Bench
 {
-    QByteArray text;
-    for (int at = address; at < address + byteCount; at += bytesPerLine) {
-        const int lineBytes = std::min(bytesPerLine, address + byteCount - at);
-        text += QByteArray::number(at, 16).toUpper().rightJustified(4, '0') + ": " +
-                memory.read(at, lineBytes).toHex(' ').toUpper() + '\n';
-    }
-    return text;
-}
+    Simulator& plc;
+    const ControlActions& actions;
+    QStringList arguments;
+};
 
-// The argument, or what the fault of the same effect takes unless told otherwise.
-int milliseconds(const QStringList& arguments, FaultKind fault)
-{
-    const FaultFacts& row = factsOf(fault);
-    const QString text = arguments.value(0, QString::number(row.value));
-    return parseNumber(text, row.lowestValue, row.highestValue, "time in ms");
-}
-
-[[noreturn]] void refuse(const QString& text)
-{
-    throw Error(ExitCode::Usage, text);
-}
-
-QStringList words(const QString& line)
-{
-    return line.split(QRegularExpression(QStringLiteral("\\s+")), Qt::SkipEmptyParts);
-}
-
-}  // namespace
-
-struct Control::CommandRow
+struct CommandRow
 {
     const char* name;
     int fewest;  // arguments
     int most;
     const char* arguments;
     const char* text;
-    QByteArray (Control::*run)(const Arguments&);  // what comes before "ok"; may throw an Error
+    QByteArray (*run)(const Bench& bench);  // what comes before "ok"; may throw an Error
 };
 
-// clang-format off
-const Control::CommandRow Control::commands[] = {
-    // name         fewest most      arguments                text
-    {"peek",        1,    2,         "ADDRESS[.BIT] [BYTES]", "show bytes, or one bit: peek 0x0100.3", &Control::peek},
-    {"poke",        2,    mostPokes, "ADDRESS[.BIT] VALUE...", "set bytes, or one bit: poke 0x0100.3 1", &Control::poke},
-    {"faults",      0,    1,         "[PLAN|none|help]",      "show or set the fault plan, clear it, or list all faults", &Control::faults},
-    {"stats",       0,    0,         "",                      "show the statistics", &Control::stats},
-    {"power-cycle", 0,    1,         "[MS]",                  "switch the PLC off for MS and on again", &Control::powerCycle},
-    {"drop-link",   0,    1,         "[MS]",                  "close every link for MS and open it again", &Control::dropLink},
-    {"save",        1,    1,         "FILE",                  "save the memory as Intel HEX", &Control::save},
-    {"load",        1,    1,         "FILE",                  "load Intel HEX into the memory", &Control::load},
-    {"help",        0,    0,         "",                      "show this list", &Control::help},
-    {"quit",        0,    0,         "",                      "end the simulator", &Control::quit},
-};
-// clang-format on
-
-const Control::CommandRow* Control::findCommand(const QString& name)
+[[noreturn]] void refuse(const QString& text)
 {
-    for (const CommandRow& row : commands) {
-        if (name == QLatin1String(row.name))
-            return &row;
-    }
-    return nullptr;
+    throw Error(ExitCode::Usage, text);
 }
 
-QByteArray Control::run(const QString& line)
+// The argument, or the default of the fault that does the same.
+int milliseconds(const Bench& bench, FaultKind fault)
 {
-    QStringList arguments = words(line);
-    if (arguments.isEmpty())
-        return QByteArray();
-    const QString name = arguments.takeFirst();
-    const CommandRow* row = findCommand(name);
-    try {
-        if (row == nullptr)
-            refuse(QStringLiteral("unknown command '%1'; 'help' lists all commands").arg(name));
-        if (arguments.size() < row->fewest || arguments.size() > row->most)
-            refuse(QStringLiteral("usage: %1 %2").arg(row->name, row->arguments).trimmed());
-        return (this->*row->run)(arguments) + "ok\n";
-    } catch (const Error& error) {
-        return "error: " + error.text().toUtf8() + '\n';
-    }
+    const FaultFacts& row = factsOf(fault);
+    const QString text = bench.arguments.value(0, QString::number(row.value));
+    return parseNumber(text, row.lowestValue, row.highestValue, "time in ms");
 }
 
-QByteArray Control::peek(const Arguments& arguments)
+QByteArray peek(const Bench& bench)
 {
-    const MemoryPlace place = parsePlace(arguments[0]);
+    const PlcMemory& memory = bench.plc.memory();
+    const MemoryPlace place = parsePlace(bench.arguments[0]);
     if (place.bit)
-        return m_simulator.memory().bit(place.address, *place.bit) ? "1\n" : "0\n";
-    const int byteCount = parseNumber(arguments.value(1, QStringLiteral("1")), 1,
+        return memory.bit(place.address, *place.bit) ? "1\n" : "0\n";
+    const int byteCount = parseNumber(bench.arguments.value(1, QStringLiteral("1")), 1,
                                       addressableBytes - place.address, "number of bytes");
-    return dump(m_simulator.memory(), place.address, byteCount);
+    QByteArray text;
+    for (int offset = 0; offset < byteCount; offset += bytesPerLine) {
+        const int address = place.address + offset;
+        text +=
+            QByteArray::number(address, 16).toUpper().rightJustified(4, '0') + ": " +
+            memory.read(address, std::min(bytesPerLine, byteCount - offset)).toHex(' ').toUpper() +
+            '\n';
+    }
+    return text;
 }
 
-QByteArray Control::poke(const Arguments& arguments)
+QByteArray poke(const Bench& bench)
 {
-    const MemoryPlace place = parsePlace(arguments[0]);
+    PlcMemory& memory = bench.plc.memory();
+    const MemoryPlace place = parsePlace(bench.arguments[0]);
     const int room = place.bit ? 1 : addressableBytes - place.address;
     QVector<int> values;
-    for (const QString& argument : arguments.mid(1))
+    for (const QString& argument : bench.arguments.mid(1))
         values.append(parseNumber(argument, 0, place.bit ? 1 : highestByte, "value"));
     if (values.size() > room)
         refuse(QStringLiteral("too many values: room for %1").arg(room));
-    PlcMemory& memory = m_simulator.memory();
     if (place.bit)
         memory.setBit(place.address, *place.bit, values[0] == 1);
     for (int index = 0; !place.bit && index < values.size(); ++index)
         memory.setByte(place.address + index, static_cast<quint8>(values[index]));
-    return QByteArray();
+    return {};
 }
 
-QByteArray Control::faults(const Arguments& arguments)
+QByteArray faults(const Bench& bench)
 {
-    if (arguments.isEmpty())
-        return faultPlanText(m_simulator.settings().faults).toUtf8() + '\n';
-    if (arguments[0] == QLatin1String("help"))
+    const QString plan = bench.arguments.value(0);
+    if (plan.isEmpty())
+        return faultPlanText(bench.plc.settings().faults).toUtf8() + '\n';
+    if (plan == QLatin1String("help"))
         return faultHelp();
-    m_simulator.setFaults(parseFaults(arguments[0]));
-    return QByteArray();
+    bench.plc.setFaults(parseFaults(plan));
+    return {};
 }
 
-QByteArray Control::stats(const Arguments&)
+QByteArray stats(const Bench& bench)
 {
-    return m_simulator.statistics().text();
+    return bench.plc.statistics().text();
 }
 
-QByteArray Control::powerCycle(const Arguments& arguments)
+QByteArray powerCycle(const Bench& bench)
 {
-    const int offMs = milliseconds(arguments, FaultKind::PowerCycle);
-    m_simulator.powerCycle(offMs, m_actions.nowUs());
-    return QByteArray();
+    bench.plc.powerCycle(milliseconds(bench, FaultKind::PowerCycle), bench.actions.nowUs());
+    return {};
 }
 
-QByteArray Control::dropLink(const Arguments& arguments)
+QByteArray dropLink(const Bench& bench)
 {
-    m_actions.dropLinks(milliseconds(arguments, FaultKind::LinkDrop));
-    return QByteArray();
+    bench.actions.dropLinks(milliseconds(bench, FaultKind::LinkDrop));
+    return {};
 }
 
-QByteArray Control::save(const Arguments& arguments)
+QByteArray save(const Bench& bench)
 {
-    saveImage(arguments[0], m_simulator.memory().image());
-    return QByteArray();
+    saveImage(bench.arguments[0], bench.plc.memory().image());
+    return {};
 }
 
-QByteArray Control::load(const Arguments& arguments)
+QByteArray load(const Bench& bench)
 {
-    QByteArray image = m_simulator.memory().image();
-    loadImage(arguments[0], image);
-    m_simulator.memory().setImage(image);
-    return QByteArray();
+    QByteArray image = bench.plc.memory().image();
+    loadImage(bench.arguments[0], image);
+    bench.plc.memory().setImage(image);
+    return {};
 }
 
-QByteArray Control::help(const Arguments&)
+QByteArray help(const Bench& bench);
+
+QByteArray quit(const Bench& bench)
+{
+    bench.actions.quit();
+    return {};
+}
+
+// clang-format off
+constexpr CommandRow commands[] = {
+    // name         fewest most      arguments                text
+    {"peek",        1,    2,         "ADDRESS[.BIT] [BYTES]", "show bytes, or one bit: peek 0x0100.3", peek},
+    {"poke",        2,    mostPokes, "ADDRESS[.BIT] VALUE...", "set bytes, or one bit: poke 0x0100.3 1", poke},
+    {"faults",      0,    1,         "[PLAN|none|help]",      "show or set the fault plan, clear it, or list all faults", faults},
+    {"stats",       0,    0,         "",                      "show the statistics", stats},
+    {"power-cycle", 0,    1,         "[MS]",                  "switch the PLC off for MS and on again", powerCycle},
+    {"drop-link",   0,    1,         "[MS]",                  "close every link for MS and open it again", dropLink},
+    {"save",        1,    1,         "FILE",                  "save the memory as Intel HEX", save},
+    {"load",        1,    1,         "FILE",                  "load Intel HEX into the memory", load},
+    {"help",        0,    0,         "",                      "show this list", help},
+    {"quit",        0,    0,         "",                      "end the simulator", quit},
+};
+// clang-format on
+
+QByteArray help(const Bench&)
 {
     QByteArray text;
     for (const CommandRow& row : commands)
@@ -182,10 +164,31 @@ QByteArray Control::help(const Arguments&)
     return text;
 }
 
-QByteArray Control::quit(const Arguments&)
+const CommandRow& findCommand(const QString& name)
 {
-    m_actions.quit();
-    return QByteArray();
+    for (const CommandRow& row : commands) {
+        if (name == QLatin1String(row.name))
+            return row;
+    }
+    refuse(QStringLiteral("unknown command '%1'; 'help' lists all commands").arg(name));
+}
+
+}  // namespace
+
+QByteArray Control::run(const QString& line)
+{
+    QStringList arguments =
+        line.split(QRegularExpression(QStringLiteral("\\s+")), Qt::SkipEmptyParts);
+    if (arguments.isEmpty())
+        return {};
+    try {
+        const CommandRow& row = findCommand(arguments.takeFirst());
+        if (arguments.size() < row.fewest || arguments.size() > row.most)
+            refuse(QStringLiteral("usage: %1 %2").arg(row.name, row.arguments).trimmed());
+        return row.run({m_simulator, m_actions, arguments}) + "ok\n";
+    } catch (const Error& error) {
+        return "error: " + error.text().toUtf8() + '\n';
+    }
 }
 
 }  // namespace fxsim

@@ -34,22 +34,6 @@ public:
     QByteArray run(const QString& line);
 
 private:
-    using Arguments = QStringList;
-    struct CommandRow;
-    static const CommandRow commands[];
-    static const CommandRow* findCommand(const QString& name);
-
-    QByteArray peek(const Arguments& arguments);
-    QByteArray poke(const Arguments& arguments);
-    QByteArray faults(const Arguments& arguments);
-    QByteArray stats(const Arguments& arguments);
-    QByteArray powerCycle(const Arguments& arguments);
-    QByteArray dropLink(const Arguments& arguments);
-    QByteArray save(const Arguments& arguments);
-    QByteArray load(const Arguments& arguments);
-    QByteArray help(const Arguments& arguments);
-    QByteArray quit(const Arguments& arguments);
-
     Simulator& m_simulator;
     ControlActions m_actions;
 };

@@ -22,6 +22,7 @@ namespace fxsim {
 namespace {
 
 constexpr int readBytes = 4096;
+constexpr int answerMs = 5000;
 constexpr int backgroundMs = 200;  // no signal tells when a terminal is ours again
 constexpr int longestSocketPath = static_cast<int>(sizeof(sockaddr_un::sun_path)) - 1;
 constexpr int longestLine = 65536;  // more without a line end is no command
@@ -131,6 +132,29 @@ void SocketControl::welcome()
         });
         connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
     }
+}
+
+void tell(const QString& controlPath, const QString& command)
+{
+    QLocalSocket socket;
+    socket.connectToServer(QFileInfo(controlPath).absoluteFilePath());
+    if (!socket.waitForConnected(answerMs))
+        refuse(controlPath, socket.error() == QLocalSocket::SocketAccessError
+                                ? QStringLiteral("no permission: only its owner may connect")
+                                : QStringLiteral("no simulator is listening"));
+    const QByteArray errorMark = "error: ";
+    socket.write(command.toUtf8() + '\n');
+    while (socket.canReadLine() || socket.waitForReadyRead(answerMs)) {
+        if (!socket.canReadLine())
+            continue;
+        const QByteArray line = socket.readLine();
+        if (line == "ok\n")
+            return;
+        if (line.startsWith(errorMark))
+            throw Error(ExitCode::Usage, QString::fromUtf8(line.mid(errorMark.size())).trimmed());
+        std::cout << line.constData();
+    }
+    refuse(controlPath, QStringLiteral("no answer"));
 }
 
 }  // namespace fxsim

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Where control commands come from: standard input, and the clients of a local socket. Both hand
-// over whole lines and print the answer.
+// over whole lines and print the answer. And the other end of that socket.
 
 #pragma once
 
@@ -47,5 +47,9 @@ private:
     Control& m_control;
     QLocalServer m_server;
 };
+
+// fxsim --tell: sends one command to the simulator that listens at the path and prints its answer.
+// Throws an Error when nobody answered or the simulator refused the command.
+void tell(const QString& controlPath, const QString& command);
 
 }  // namespace fxsim

@@ -9,6 +9,7 @@
 #include "tools/fxsim/line/characters.h"
 
 #include <algorithm>
+#include <iterator>
 #include <string_view>
 
 namespace fxsim {
@@ -20,17 +21,24 @@ constexpr size_t countDigits = 2;
 constexpr size_t digitsPerByte = 2;
 constexpr size_t frameAround = 1 + 1 + sumDigits;  // STX, ETX, sum
 
+// clang-format off
+constexpr const char* verdictTexts[] = {
+    "good", "wrong checksum", "unknown command", "malformed frame", "too many bytes",
+    "byte count is 0", "address does not exist",
+};
+// clang-format on
+static_assert(std::size(verdictTexts) == verdictKinds);
+
 Command commandOf(char character)
 {
-    switch (character) {
-    case '0':
-        return Command::Read;
-    case '1':
-        return Command::Write;
-    case '7':
-        return Command::ForceOn;
-    case '8':
-        return Command::ForceOff;
+    switch (const auto command = static_cast<Command>(character)) {
+    case Command::None:
+        break;
+    case Command::Read:
+    case Command::Write:
+    case Command::ForceOn:
+    case Command::ForceOff:
+        return command;
     }
     return Command::None;
 }
@@ -84,23 +92,7 @@ QByteArray addressText(int address)
 
 const char* verdictText(Verdict verdict)
 {
-    switch (verdict) {
-    case Verdict::Good:
-        return "good";
-    case Verdict::WrongSum:
-        return "wrong checksum";
-    case Verdict::UnknownCommand:
-        return "unknown command";
-    case Verdict::Malformed:
-        return "malformed frame";
-    case Verdict::TooMany:
-        return "too many bytes";
-    case Verdict::NoBytes:
-        return "byte count is 0";
-    case Verdict::NoMemory:
-        return "address does not exist";
-    }
-    return "";
+    return verdictTexts[static_cast<int>(verdict)];
 }
 
 Request judgeFrame(const QByteArray& frame, const PlcMemory& memory, int maxBytes)
@@ -151,28 +143,20 @@ QByteArray carryOut(const Request& request, PlcMemory& memory)
 
 QByteArray requestText(const Request& request)
 {
-    const QByteArray verdict = request.verdict == Verdict::Good
-                                   ? QByteArray()
-                                   : QByteArray(": ") + verdictText(request.verdict);
-    const QByteArray bytes = QByteArray::number(request.byteCount) +
-                             (request.byteCount == 1 ? " byte at " : " bytes at ") +
-                             addressText(request.address);
-    const QByteArray bit = "bit " + addressText(request.address) + " (byte " +
-                           addressText(request.address / bitsPerByte) + " bit " +
-                           QByteArray::number(request.address % bitsPerByte) + ")";
-    switch (request.command) {
-    case Command::Read:
-        return "read " + bytes + verdict;
-    case Command::Write:
-        return "write " + bytes + verdict;
-    case Command::ForceOn:
-        return "force on " + bit + verdict;
-    case Command::ForceOff:
-        return "force off " + bit + verdict;
-    case Command::None:
-        break;
+    QByteArray text = "frame";
+    const bool isRead = request.command == Command::Read;
+    if (isRead || request.command == Command::Write) {
+        text = (isRead ? "read " : "write ") + QByteArray::number(request.byteCount) +
+               (request.byteCount == 1 ? " byte at " : " bytes at ") + addressText(request.address);
+    } else if (request.command != Command::None) {
+        text = (request.command == Command::ForceOn ? "force on bit " : "force off bit ") +
+               addressText(request.address) + " (byte " +
+               addressText(request.address / bitsPerByte) + " bit " +
+               QByteArray::number(request.address % bitsPerByte) + ')';
     }
-    return "frame" + verdict;
+    if (request.verdict != Verdict::Good)
+        text += QByteArray(": ") + verdictText(request.verdict);
+    return text;
 }
 
 }  // namespace fxsim

@@ -32,13 +32,13 @@ constexpr int verdictKinds = static_cast<int>(Verdict::NoMemory) + 1;
 
 const char* verdictText(Verdict verdict);
 
-enum class Command
+enum class Command : char
 {
-    None,
-    Read,
-    Write,
-    ForceOn,
-    ForceOff
+    None = 0,
+    Read = '0',
+    Write = '1',
+    ForceOn = '7',
+    ForceOff = '8',
 };
 
 // What a frame asked for, as far as it could be read.

@@ -8,9 +8,34 @@
 #include "tools/fxsim/links/link.h"
 
 #include <QHostAddress>
+#include <QSocketNotifier>
 #include <QTcpServer>
 
 namespace fxsim {
+
+// A host that connected. Its bytes go through the bare descriptor: the buffers and signals of a
+// socket object would cost as much as the PLC itself. Deletes itself when the host disconnects.
+class TcpClient : public QObject
+{
+    Q_OBJECT
+
+public:
+    // Owns `descriptor`, a connected socket. `name` is that of the host in the trace.
+    TcpClient(Simulator& simulator, const Clock& clock, int descriptor, const QByteArray& name,
+              QObject* parent);
+    ~TcpClient() override;
+
+signals:
+    void linkTaken(int forMs);
+
+private:
+    void readAvailable();
+    int write(const QByteArray& bytes) const;
+
+    int m_descriptor;
+    QSocketNotifier m_notifier;
+    HostConnection m_host;
+};
 
 // Hands out bare descriptors, without socket objects.
 class TcpServer : public QTcpServer
