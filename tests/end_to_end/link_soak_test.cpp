@@ -8,7 +8,7 @@
 #include "tests/tools/support/loaded_driver.h"
 #include "tests/tools/support/programs.h"
 #include "tools/exchange/exchange_loop.h"
-#include "tools/fxhost/link_address.h"
+#include "tools/simulated/make_link.h"
 
 #include <QCoreApplication>
 
@@ -88,7 +88,7 @@ protected:
     int noArguments = 0;
     const QCoreApplication application{noArguments, nullptr};  // that devices wait in
     RunningSimulator plc{GetParam().road, {"--baud", "0", "--program", "none"}};
-    std::unique_ptr<Link> link = makeLink(plc.link());
+    std::unique_ptr<Link> link = makeLink(parseLink(plc.link())).link;
     DriverSession session{driver(), {failLimit, wordsPerFrame}};
     ExchangeLoop loop{session, *link, loopSettings()};
     const RegisterRange named = range("D0:480");

@@ -69,10 +69,11 @@ bool interrupted()
     return interruptSeen != 0;
 }
 
-void sleepUnlessInterrupted(qint64 timeMs)
+bool sleepUnlessInterrupted(qint64 timeMs)
 {
     for (qint64 leftMs = timeMs; leftMs > 0 && !interrupted(); leftMs -= napMs)
         QThread::msleep(static_cast<unsigned long>(std::min(leftMs, napMs)));
+    return !interrupted();
 }
 
 bool takeContinued()

@@ -13,8 +13,8 @@ namespace fxtools {
 void catchSignals();
 bool interrupted();
 
-// Sleeps so long, or until an interrupt.
-void sleepUnlessInterrupted(qint64 timeMs);
+// Sleeps so long, or until an interrupt: then false.
+bool sleepUnlessInterrupted(qint64 timeMs);
 
 // Whether the program was stopped and goes on since this was asked last.
 bool takeContinued();

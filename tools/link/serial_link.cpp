@@ -61,36 +61,34 @@ LineSettings unwired(LineSettings settings)
 
 }  // namespace
 
-SerialLink::SerialLink(const QString& kind, const QString& path, const LineSettings& settings)
-    : m_kind(kind), m_path(path), m_settings(settings)
-{}
-
 QString SerialLink::name() const
 {
-    return m_kind + ':' + m_path;
+    return (m_settings.isPseudoTerminal ? "pty:" : "serial:") + m_settings.path;
 }
 
 void SerialLink::open()
 {
-    const LineSettings settings = isPseudoTerminal(m_path) ? unwired(m_settings) : m_settings;
+    LineSettings settings = m_settings.line.value_or(LineSettings());
+    if (isPseudoTerminal(m_settings.path))
+        settings = unwired(settings);
     m_port.close();
-    m_port.setPortName(portName(m_path));
+    m_port.setPortName(portName(m_settings.path));
     m_port.setBaudRate(settings.baud);
     m_port.setDataBits(settings.dataBits);
     m_port.setParity(settings.parity);
     m_port.setStopBits(settings.stopBits);
     if (!m_port.open(QIODevice::ReadWrite))
-        throw Failure(ExitCode::LinkNotOpened, "cannot open " + m_path + ": " + reason());
+        throw Failure(ExitCode::LinkNotOpened, "cannot open " + m_settings.path + ": " + reason());
     m_port.clear();
 }
 
 QString SerialLink::reason() const
 {
     QString said = m_port.errorString();
-    const QFileInfo device(portName(m_path));
-    if (isOtherFile(m_path))
+    const QFileInfo device(portName(m_settings.path));
+    if (isOtherFile(m_settings.path))
         return QStringLiteral("it is no serial port");
-    if (m_port.error() == QSerialPort::DeviceNotFoundError && m_kind == QLatin1String("serial"))
+    if (m_port.error() == QSerialPort::DeviceNotFoundError && !m_settings.isPseudoTerminal)
         return said + "; " + otherPorts();
     if (device.exists() && !device.isWritable() &&
         device.permission(QFile::ReadGroup | QFile::WriteGroup))

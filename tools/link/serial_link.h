@@ -7,24 +7,14 @@
 #pragma once
 
 #include "tools/link/link.h"
-
-#include <QSerialPort>
+#include "tools/link/link_settings.h"
 
 namespace fxtools {
-
-struct LineSettings
-{
-    int baud = 9600;
-    QSerialPort::DataBits dataBits = QSerialPort::Data7;
-    QSerialPort::Parity parity = QSerialPort::EvenParity;
-    QSerialPort::StopBits stopBits = QSerialPort::OneStop;
-};
 
 class SerialLink : public Link
 {
 public:
-    // `kind` is what the user called it: serial or pty.
-    SerialLink(const QString& kind, const QString& path, const LineSettings& settings);
+    explicit SerialLink(const SerialSettings& settings) : m_settings(settings) {}
 
     QString name() const override;
     void open() override;
@@ -36,9 +26,7 @@ private:
     bool writeAll(const QByteArray& bytes);
     QString reason() const;  // why it could not be opened, and what would help
 
-    QString m_kind;
-    QString m_path;
-    LineSettings m_settings;
+    SerialSettings m_settings;
     QSerialPort m_port;
 };
 

@@ -19,21 +19,19 @@ constexpr size_t mostBytesAtOnce = 4096;  // several times the longest answer
 
 }  // namespace
 
-TcpLink::TcpLink(const QString& host, quint16 port) : m_host(host), m_port(port) {}
-
 QString TcpLink::name() const
 {
-    return QStringLiteral("tcp:%1:%2").arg(m_host).arg(m_port);
+    return QStringLiteral("tcp:%1:%2").arg(m_settings.host).arg(m_settings.port);
 }
 
 void TcpLink::open()
 {
     m_socket.abort();
-    m_socket.connectToHost(m_host, m_port);
+    m_socket.connectToHost(m_settings.host, m_settings.port);
     if (!m_socket.waitForConnected(connectTimeoutMs)) {
         throw Failure(ExitCode::LinkNotOpened, QStringLiteral("cannot connect to %1 port %2: %3")
-                                                   .arg(m_host)
-                                                   .arg(m_port)
+                                                   .arg(m_settings.host)
+                                                   .arg(m_settings.port)
                                                    .arg(m_socket.errorString()));
     }
     m_socket.setSocketOption(QAbstractSocket::LowDelayOption, 1);

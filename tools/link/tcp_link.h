@@ -8,6 +8,7 @@
 #pragma once
 
 #include "tools/link/link.h"
+#include "tools/link/link_settings.h"
 
 #include <QTcpSocket>
 
@@ -16,7 +17,7 @@ namespace fxtools {
 class TcpLink : public Link
 {
 public:
-    TcpLink(const QString& host, quint16 port);
+    explicit TcpLink(const TcpSettings& settings) : m_settings(settings) {}
 
     QString name() const override;
     void open() override;
@@ -28,8 +29,7 @@ private:
     int descriptor() const { return static_cast<int>(m_socket.socketDescriptor()); }
     bool waitFor(short event, int timeoutMs) const;
 
-    QString m_host;
-    quint16 m_port;
+    TcpSettings m_settings;
     QTcpSocket m_socket;
 };
 

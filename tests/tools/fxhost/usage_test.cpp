@@ -106,7 +106,7 @@ INSTANTIATE_TEST_SUITE_P(
         Mistake{"SpeedOfATcpLink",
                 {"--link", "tcp:127.0.0.1", "-b", "9600", "read", "D0"},
                 2,
-                "fxhost: link 'tcp:127.0.0.1?baud=9600': 'baud' is no setting here; there is port"},
+                "fxhost: link 'tcp:127.0.0.1:8888': 'baud' is no setting here; there is port"},
         Mistake{"UnknownParity",
                 {"-P", "mark", "read", "D0"},
                 2,
@@ -353,7 +353,7 @@ TEST(Usage, LettersSayAnAddress)
 {
     EXPECT_EQ(fxhost({"plan", "-t", "X", "-r", "17", "-c", "2", "--csv", "-q"}).out,
               fxhost({"plan", "X17:2", "--csv", "-q"}).out);
-    EXPECT_EQ(fxhost({"plan", "-r", "100", "-0", "--csv", "-q"}).out,
+    EXPECT_EQ(fxhost({"plan", "-r", "100", "--csv", "-q"}).out,
               fxhost({"plan", "D100", "--csv", "-q"}).out);
 }
 

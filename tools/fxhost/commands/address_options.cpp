@@ -9,9 +9,8 @@ namespace fxtools {
 
 namespace {
 
-constexpr int mostRegisters = 65536;
 const char* const letterGroup = "Addresses by letters";
-const char* const defaultType = "D";
+const QString defaultType = QStringLiteral("D");
 
 }  // namespace
 
@@ -26,9 +25,7 @@ void addAddressLetters(CLI::App& command, AddressOptions& options)
         ->group(letterGroup);
     command.add_option("-c,--registers", options.registers, "How many registers from there; 1")
         ->type_name("N")
-        ->check(CLI::Range(1, mostRegisters).description(""))
-        ->group(letterGroup);
-    command.add_flag("-0,--from-zero", "Numbers begin at 0: here they always do")
+        ->check(CLI::Range(1, fxMaxElements).description(""))
         ->group(letterGroup);
 }
 
@@ -39,29 +36,36 @@ void addAddressOptions(CLI::App& command, AddressOptions& options)
     addAddressLetters(command, options);
 }
 
-std::string addressOfLetters(const AddressOptions& options)
+AddressParts addressOfLetters(const AddressOptions& options)
 {
+    const QString type = QString::fromStdString(options.type).toUpper();
     if (options.first.empty() && options.registers > 0)
         throw Failure(ExitCode::Usage,
                       "-c counts the registers from -r on, and there is no -r; write for "
                       "example -r 100 -c 8 or D100:8");
     if (options.first.empty())
-        throw Failure(ExitCode::Usage, QStringLiteral("-t needs the first register: -t %1 -r 100")
-                                           .arg(QString::fromStdString(options.type)));
-    const std::string type = options.type.empty() ? defaultType : options.type;
-    const std::string address = type + options.first;
-    return options.registers > 0 ? address + ':' + std::to_string(options.registers) : address;
+        throw Failure(ExitCode::Usage,
+                      QStringLiteral("-t needs the first register: -t %1 -r 100").arg(type));
+    AddressParts parts;
+    parts.type = type.isEmpty() ? defaultType : type;
+    parts.number = QString::fromStdString(options.first);
+    parts.written = parts.type + parts.number;
+    if (options.registers > 0)
+        parts.count = options.registers;
+    return parts;
 }
 
-std::vector<std::string> addressesOf(const AddressOptions& options)
+QVector<RegisterRange> rangesOf(const AddressOptions& options, const RegisterCatalogue& catalogue)
 {
-    std::vector<std::string> addresses = options.addresses;
-    if (options.byLetters() || options.registers > 0 || !options.type.empty())
-        addresses.push_back(addressOfLetters(options));
-    if (addresses.empty())
+    QVector<RegisterRange> ranges;
+    for (const std::string& address : options.addresses)
+        ranges.append(parseAddress(QString::fromStdString(address), catalogue));
+    if (options.byLetters())
+        ranges.append(rangeOf(addressOfLetters(options), catalogue));
+    if (ranges.isEmpty())
         throw Failure(ExitCode::Usage,
                       "no address; write for example D100:32, or -t D -r 100 -c 32");
-    return addresses;
+    return ranges;
 }
 
 }  // namespace fxtools

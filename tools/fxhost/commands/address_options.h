@@ -7,6 +7,7 @@
 #pragma once
 
 #include "tools/fxhost/commands/command.h"
+#include "tools/library/addresses.h"
 
 namespace fxtools {
 
@@ -17,19 +18,19 @@ struct AddressOptions
     std::string first;  // as written, in the number base of the type; empty: not said by letters
     int registers = 0;  // 0: not said
 
-    bool byLetters() const { return !first.empty(); }
+    bool byLetters() const { return !type.empty() || !first.empty() || registers > 0; }
 };
 
-// Adds -t, -r, -c and -0.
+// Adds -t, -r and -c.
 void addAddressLetters(CLI::App& command, AddressOptions& options);
 
 // Adds these and the addresses as arguments.
 void addAddressOptions(CLI::App& command, AddressOptions& options);
 
-// "D100:32" from the letters; throws Failure when they say only half of it.
-std::string addressOfLetters(const AddressOptions& options);
+// What the letters say; throws Failure when they say only half of it.
+AddressParts addressOfLetters(const AddressOptions& options);
 
-// All that was asked for; throws Failure when that is nothing.
-std::vector<std::string> addressesOf(const AddressOptions& options);
+// All that was asked for; throws Failure when that is nothing, or out of range.
+QVector<RegisterRange> rangesOf(const AddressOptions& options, const RegisterCatalogue& catalogue);
 
 }  // namespace fxtools

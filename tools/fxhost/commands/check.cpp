@@ -20,7 +20,7 @@ ExitCode runCheck(const CommonOptions& common, const Addresses& addresses)
     for (const std::string& address : addresses) {
         const QString text = QString::fromStdString(address);
         try {
-            const RegisterRange range = services.parse(address);
+            const RegisterRange range = parseAddress(text, services.catalogue);
             const QString what = QStringLiteral("%1 of station %2, %3")
                                      .arg(range.text().section('#', -1))
                                      .arg(range.station)

@@ -8,6 +8,7 @@
 
 #include "tools/failure.h"
 #include "tools/fxhost/views/records.h"
+#include "tools/link/link_settings.h"
 
 #include <CLI/CLI.hpp>
 
@@ -17,14 +18,22 @@
 
 namespace fxtools {
 
+// The link as the command line says it; what is 0 or empty is the link's own.
+struct LinkOptions
+{
+    std::string link;  // empty: what the command takes unless told otherwise
+    int baud = 0;
+    std::string line;
+    std::string parity;
+    int port = 0;
+
+    LinkSettings settings(const LinkSettings& unlessSaid) const;  // throws Failure
+};
+
 struct CommonOptions
 {
     std::string library;
-    std::string link;     // empty: what the command takes unless told otherwise
-    int baud = 0;         // 0: the link's own
-    std::string line;     // empty: the link's own
-    std::string parity;   // empty: the link's own
-    int port = 0;         // 0: the link's own
+    LinkOptions link;
     int timeoutMs = 0;    // 0: adapts to the line
     int reconnectS = -1;  // what the command takes unless told otherwise
     int retries = 2;

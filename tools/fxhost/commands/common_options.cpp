@@ -17,22 +17,24 @@ constexpr int longestReconnectS = 86400;
 
 void addLineOptions(CLI::App& app, CommonOptions& common)
 {
-    app.add_option("--link", common.link,
+    app.add_option("--link", common.link.link,
                    "sim: (the default), serial:PATH?baud=9600, tcp:HOST:PORT or pty:PATH")
         ->type_name("LINK")
         ->group(linkGroup);
-    app.add_option("-b,--baud", common.baud, "Speed of a serial port, or of the simulator inside")
+    app.add_option("-b,--baud", common.link.baud,
+                   "Speed of a serial port, or of the simulator inside")
         ->type_name("BAUD")
         ->check(CLI::Range(50, 4000000).description(""))
         ->group(linkGroup);
-    app.add_option("-P,--parity", common.parity, "Parity of a serial port: even, odd or none")
+    app.add_option("-P,--parity", common.link.parity, "Parity of a serial port: even, odd or none")
         ->type_name("PARITY")
         ->transform(CLI::IsMember({"even", "odd", "none"}, CLI::ignore_case).description(""))
         ->group(linkGroup);
-    app.add_option("--line", common.line, "Data bits, parity and stop bits of a serial port: 7E1")
+    app.add_option("--line", common.link.line,
+                   "Data bits, parity and stop bits of a serial port: 7E1")
         ->type_name("7E1")
         ->group(linkGroup);
-    app.add_option("-p,--port", common.port, "Port of a TCP link; 8888")
+    app.add_option("-p,--port", common.link.port, "Port of a TCP link; 8888")
         ->type_name("PORT")
         ->check(CLI::Range(1, 65535).description(""))
         ->group(linkGroup);

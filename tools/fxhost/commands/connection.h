@@ -9,55 +9,12 @@
 #include "tools/exchange/exchange_loop.h"
 #include "tools/fxhost/commands/command.h"
 #include "tools/fxhost/views/console.h"
+#include "tools/link/link_keeper.h"
+#include "tools/simulated/make_link.h"
 
 #include <memory>
 
 namespace fxtools {
-
-class Connection
-{
-public:
-    // Loads the library and opens the link; throws Failure. A
-    // link that is not there is awaited only for as long as the user said.
-    explicit Connection(const CommonOptions& common, const QString& linkUnlessSaid = "sim:");
-    Connection(const Connection&) = delete;
-    Connection& operator=(const Connection&) = delete;
-
-    const DriverLibrary& library() const { return m_library; }
-    const RegisterCatalogue& catalogue() const { return m_catalogue; }
-    Link& link() { return *m_link; }
-    DriverSession& session() { return *m_session; }
-    const DriverSession& session() const { return *m_session; }
-    ExchangeLoop& loop() { return *m_loop; }
-
-    QVector<RegisterRange> ranges(const std::vector<std::string>& addresses) const;
-
-    // A lost link is opened again while the loop runs, with pauses that grow, for as long as the
-    // user said or half a minute. What was queued stays queued, and the frame in flight goes out
-    // again. A command that runs until it is stopped waits without end, unless told otherwise.
-    void waitForLinkWithoutEnd();
-
-private:
-    void openFirst();
-    bool reconnect();
-    bool awaitLink();
-    bool linkOpens();
-    void noteLoss();
-    qint64 patienceLeftMs() const;
-    void sayState(const QString& text) const;
-
-    DriverLibrary m_library;
-    RegisterCatalogue m_catalogue;
-    std::unique_ptr<Link> m_link;
-    std::unique_ptr<DriverSession> m_session;
-    std::unique_ptr<ExchangeLoop> m_loop;
-    int m_reconnectS;
-    bool m_reconnectIsGiven;
-    bool m_timestamps;
-    int m_pauseMs = 0;
-    qint64 m_lostSinceUs = 0;
-    qint64 m_answeredUntilLoss = -1;
-};
 
 // The driver without a link, for commands that only ask it about addresses.
 struct AddressServices
@@ -65,8 +22,56 @@ struct AddressServices
     DriverLibrary library;
     RegisterCatalogue catalogue;
 
+    explicit AddressServices(const QString& libraryPath);
     explicit AddressServices(const CommonOptions& common);
-    RegisterRange parse(const std::string& address) const;
+};
+
+// What the command line says about a connection, once and for all.
+struct ConnectionSettings
+{
+    QString library;
+    LinkSettings link;
+    SessionSettings session;
+    LoopSettings loop;
+    std::optional<int> reconnectS;  // nothing: what the command takes
+    bool timestamps = false;        // on changes of state
+};
+
+// Throws Failure.
+ConnectionSettings connectionSettings(const CommonOptions& common,
+                                      const LinkSettings& linkUnlessSaid = SimulatedSettings());
+
+class Connection
+{
+public:
+    // Loads the library and opens the link; throws Failure. A link that is not there is awaited
+    // only for as long as the user said.
+    explicit Connection(const ConnectionSettings& settings);
+    explicit Connection(const CommonOptions& common) : Connection(connectionSettings(common)) {}
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+
+    const DriverLibrary& library() const { return m_services.library; }
+    const RegisterCatalogue& catalogue() const { return m_services.catalogue; }
+    const Link& link() const { return *m_link.link; }
+    BenchControl* control() const { return m_link.control; }  // null: no simulated PLC inside
+    DriverSession& session() { return m_session; }
+    const DriverSession& session() const { return m_session; }
+    ExchangeLoop& loop() { return m_loop; }
+
+    // A lost link is opened again while the loop runs, for as long as the user said or half a
+    // minute. What was queued stays queued, and the frame in flight goes out again. A command that
+    // runs until it is stopped waits without end, unless told otherwise.
+    void waitForLinkWithoutEnd() { m_keeper.waitWithoutEnd(); }
+
+private:
+    bool reconnect();
+
+    AddressServices m_services;
+    MadeLink m_link;
+    LinkKeeper m_keeper;
+    DriverSession m_session;
+    ExchangeLoop m_loop;
 };
 
 // The exit code that a failed exchange stands for.

@@ -13,29 +13,12 @@ namespace fxtools {
 namespace {
 
 constexpr int liveValuesMs = 6000;
-const QString simulatedLine = QStringLiteral("sim:?baud=9600");
+constexpr int simulatedBaud = 9600;
 
 struct DemoOptions
 {
     bool live = false;
     std::string control;
-};
-
-// The other side of the PLC: of the simulator inside, or of one whose control socket was named.
-class Control
-{
-public:
-    Control(Link& link, const std::string& path)
-    {
-        if (!path.empty())
-            m_socket = std::make_unique<SocketBenchControl>(QString::fromStdString(path));
-        m_control = m_socket ? m_socket.get() : dynamic_cast<BenchControl*>(&link);
-    }
-    BenchControl* get() const { return m_control; }
-
-private:
-    std::unique_ptr<SocketBenchControl> m_socket;
-    BenchControl* m_control = nullptr;
 };
 
 void showChapters(DemoBench& bench, bool live)
@@ -62,10 +45,13 @@ void showChapters(DemoBench& bench, bool live)
 
 ExitCode runDemo(const CommonOptions& common, const DemoOptions& options)
 {
-    Connection connection(common, simulatedLine);
+    Connection connection(connectionSettings(common, SimulatedSettings{simulatedBaud, {}}));
     connection.loop().onLinkLost = nullptr;  // a lost link is a finding of the demo
-    const Control control(connection.link(), options.control);
-    DemoBench bench(connection.loop(), connection.catalogue(), control.get());
+    std::optional<SocketBenchControl> socket;
+    if (!options.control.empty())
+        socket.emplace(QString::fromStdString(options.control));
+    DemoBench bench(connection.loop(), connection.catalogue(),
+                    socket ? &*socket : connection.control());
     bench.console().line(QStringLiteral("driver %1\nlink   %2, property string \"%3\"")
                              .arg(connection.library().fileName(), connection.link().name(),
                                   connection.session().propertyString()));

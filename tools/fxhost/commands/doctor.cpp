@@ -7,6 +7,7 @@
 
 #include "tools/exchange/polling.h"
 #include "tools/fxhost/commands/connection.h"
+#include "tools/library/addresses.h"
 
 #include <functional>
 
@@ -16,40 +17,44 @@ namespace {
 
 constexpr int patienceMs = 300;
 
-struct Setting
-{
-    int baud;
-    const char* line;
-};
-
 // What FX ports speak first, then what people set by mistake.
-constexpr Setting settings[] = {{9600, "7E1"},   {19200, "7E1"}, {38400, "7E1"}, {57600, "7E1"},
-                                {115200, "7E1"}, {9600, "8N1"},  {9600, "7O1"},  {9600, "7N1"},
-                                {9600, "8E1"},   {19200, "8N1"}, {115200, "8N1"}};
+constexpr LineSettings usualLines[] = {
+    {9600},
+    {19200},
+    {38400},
+    {57600},
+    {115200},
+    {9600, QSerialPort::Data8, QSerialPort::NoParity},
+    {9600, QSerialPort::Data7, QSerialPort::OddParity},
+    {9600, QSerialPort::Data7, QSerialPort::NoParity},
+    {9600, QSerialPort::Data8, QSerialPort::EvenParity},
+    {19200, QSerialPort::Data8, QSerialPort::NoParity},
+    {115200, QSerialPort::Data8, QSerialPort::NoParity},
+};
 
 struct Finding
 {
+    LinkSettings link;
     QString setting;
     bool answersEnquiry = false;
     ReplyVerdict verdict = ReplyVerdict::Silence;
 };
 
 // A serial port whose settings the user left open.
-bool mayTrySettings(const CommonOptions& common)
+const SerialSettings* openPort(const LinkSettings& link)
 {
-    const bool isSerial = common.link.rfind("serial:", 0) == 0;
-    const bool isGiven = common.baud > 0 || !common.line.empty() || !common.parity.empty() ||
-                         common.link.find('?') != std::string::npos;
-    return isSerial && !isGiven;
+    const auto* const serial = std::get_if<SerialSettings>(&link);
+    return serial && !serial->isPseudoTerminal && !serial->line ? serial : nullptr;
 }
 
-Finding examine(const CommonOptions& common, const QString& setting)
+Finding examine(const ConnectionSettings& settings, const QString& setting)
 {
-    Connection connection(common);
+    Connection connection(settings);
     Finding finding;
+    finding.link = settings.link;
     finding.setting = setting;
     finding.answersEnquiry = connection.loop().resynchronise();
-    connection.session().setPlan(connection.ranges({"D8000:2"}));
+    connection.session().setPlan({parseAddress(QStringLiteral("D8000:2"), connection.catalogue())});
     const std::optional<Exchange> exchange = connection.loop().step();
     if (exchange)
         finding.verdict = exchange->verdict;
@@ -58,24 +63,31 @@ Finding examine(const CommonOptions& common, const QString& setting)
 
 using OnFinding = std::function<void(const QVector<Finding>&)>;
 
+ConnectionSettings doctorSettings(const CommonOptions& common)
+{
+    ConnectionSettings settings = connectionSettings(common);
+    if (common.timeoutMs == 0)
+        settings.loop.timeout = TimeoutLimits::fixed(patienceMs);
+    settings.session.failLimit = 1;
+    return settings;
+}
+
 // `onFinding` gets those so far, one more each time.
 QVector<Finding> examineAll(const CommonOptions& common, const OnFinding& onFinding)
 {
-    CommonOptions patient = common;
-    patient.timeoutMs = common.timeoutMs > 0 ? common.timeoutMs : patienceMs;
-    patient.retries = 0;
+    ConnectionSettings settings = doctorSettings(common);
+    const SerialSettings* const port = openPort(settings.link);
     QVector<Finding> findings;
-    if (!mayTrySettings(common)) {
-        findings.append(examine(patient, QStringLiteral("the settings given")));
+    if (!port) {
+        findings.append(examine(settings, QStringLiteral("the settings given")));
         onFinding(findings);
         return findings;
     }
-    for (const Setting& setting : settings) {
-        patient.baud = setting.baud;
-        patient.line = setting.line;
+    const QString path = port->path;
+    for (const LineSettings& line : usualLines) {
+        settings.link = SerialSettings{path, false, line};
         findings.append(examine(
-            patient,
-            QStringLiteral("%1 baud %2").arg(setting.baud).arg(QLatin1String(setting.line))));
+            settings, QStringLiteral("%1 baud %2").arg(line.baud).arg(characterText(line))));
         onFinding(findings);
         const ReplyVerdict verdict = findings.last().verdict;
         if (verdict == ReplyVerdict::Good || verdict == ReplyVerdict::Interrupted)
@@ -120,13 +132,6 @@ QString advice(const Finding& best)
     return {};
 }
 
-QString linkFor(const CommonOptions& common, const Finding& finding)
-{
-    const QString link = QString::fromStdString(common.link).section('?', 0, 0);
-    return QStringLiteral("Write it as --link '%1?baud=%2&line=%3'.")
-        .arg(link, finding.setting.section(' ', 0, 0), finding.setting.section(' ', 2));
-}
-
 // A good answer explains most, any answer more than none.
 const Finding& mostTelling(const QVector<Finding>& findings)
 {
@@ -164,13 +169,13 @@ void showRecords(const OutputOptions& output, const QVector<Finding>& findings)
     records.finish();
 }
 
-void showAdvice(Console& console, const CommonOptions& common, const QVector<Finding>& findings)
+void showAdvice(Console& console, const QVector<Finding>& findings)
 {
     const Finding& best = mostTelling(findings);
     console.line();
     console.line(advice(best));
     if (findings.size() > 1 && best.verdict == ReplyVerdict::Good)
-        console.line(linkFor(common, best));
+        console.line(QStringLiteral("Write it as --link '%1'.").arg(linkText(best.link)));
 }
 
 ExitCode runDoctor(const CommonOptions& common)
@@ -188,7 +193,7 @@ ExitCode runDoctor(const CommonOptions& common)
         drawTable(console, findings, common.output.quiet);
     console.endRedraw();
     if (forPeople)
-        showAdvice(console, common, findings);
+        showAdvice(console, findings);
     const bool isInterrupted = findings.last().verdict == ReplyVerdict::Interrupted;
     return isInterrupted ? ExitCode::Interrupted : exitCodeOf(mostTelling(findings).verdict);
 }

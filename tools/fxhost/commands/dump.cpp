@@ -133,7 +133,7 @@ ExitCode runDump(const CommonOptions& common, const DumpOptions& options)
     Connection connection(common);
     const QString path = QString::fromStdString(options.file);
     const QVector<RegisterRange> portions =
-        cutToFrames(connection.ranges(addressesOf(options.addresses)), common.wordsPerFrame);
+        cutToFrames(rangesOf(options.addresses, connection.catalogue()), common.wordsPerFrame);
     Dumper dumper(connection, path, options.resume);
     const Progress progress = progressOf(common.output, QStringLiteral("dump"));
     for (int portion = 0; portion < portions.size(); ++portion) {

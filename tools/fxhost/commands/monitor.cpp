@@ -114,7 +114,7 @@ ExitCode runMonitor(const CommonOptions& common, const MonitorOptions& options)
     Monitor monitor(connection, common.output);
     connection.loop().onExchange = [&monitor](const Exchange& exchange) { monitor.show(exchange); };
     const int blocks =
-        connection.session().setPlan(connection.ranges(addressesOf(options.addresses)));
+        connection.session().setPlan(rangesOf(options.addresses, connection.catalogue()));
     for (int cycle = 0; options.cycles == 0 || cycle < options.cycles; ++cycle) {
         const Round round = pollCycle(connection.loop(), blocks);
         if (round.end == RoundEnd::Interrupted || round.end == RoundEnd::LinkLost)

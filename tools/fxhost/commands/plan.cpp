@@ -142,9 +142,7 @@ void showJson(const QVector<PlannedBlock>& plan)
 ExitCode runPlan(const CommonOptions& common, const AddressOptions& addresses)
 {
     const AddressServices services(common);
-    QVector<RegisterRange> asked;
-    for (const std::string& address : addressesOf(addresses))
-        asked.append(services.parse(address));
+    const QVector<RegisterRange> asked = rangesOf(addresses, services.catalogue);
     DriverSession session(services.library, {1, common.wordsPerFrame});
     QVector<PlannedBlock> plan;
     for (const FRAME_PRO& frame : planOf(session, asked))

@@ -19,7 +19,7 @@ struct ReadOptions
 ExitCode runRead(const CommonOptions& common, const ReadOptions& options)
 {
     Connection connection(common);
-    const QVector<RegisterRange> ranges = connection.ranges(addressesOf(options.addresses));
+    const QVector<RegisterRange> ranges = rangesOf(options.addresses, connection.catalogue());
     needWholeValues(ranges, options.format);
     Poller poller(connection.loop(), connection.catalogue(), ranges);
     if (poller.poll() == RoundEnd::Interrupted) {

@@ -122,7 +122,7 @@ ExitCode runUpload(const CommonOptions& common, const RecipeOptions& options)
 {
     Connection connection(common);
     const QVector<RegisterRange> entries =
-        cutToFrames(connection.ranges(addressesOf(options.addresses)), common.wordsPerFrame);
+        cutToFrames(rangesOf(options.addresses, connection.catalogue()), common.wordsPerFrame);
     needWords(entries);
     const QString path = QString::fromStdString(options.file);
     checkPlace(path);

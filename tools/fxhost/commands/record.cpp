@@ -39,7 +39,7 @@ ExitCode runRecord(const CommonOptions& common, const RecordOptions& options)
 {
     Connection connection(common);
     connection.waitForLinkWithoutEnd();
-    const QVector<RegisterRange> ranges = connection.ranges(addressesOf(options.addresses));
+    const QVector<RegisterRange> ranges = rangesOf(options.addresses, connection.catalogue());
     QStringList addresses;
     for (const RegisterRange& range : ranges)
         addresses += range.text();
@@ -94,7 +94,7 @@ QVector<RegisterRange> recordedRanges(const AddressServices& services, const Rec
     QVector<RegisterRange> ranges;
     try {
         for (const QString& address : recording.addresses)
-            ranges.append(services.parse(address.toStdString()));
+            ranges.append(parseAddress(address, services.catalogue));
     } catch (const Failure& failure) {
         throw Failure(ExitCode::File, path + ", line 1: " + failure.text());
     }

@@ -106,7 +106,8 @@ ExitCode runRestore(const CommonOptions& common, const RestoreOptions& options)
         readRegisterFile(path, connection.catalogue(), common.wordsPerFrame / 2);
     checkWritable(path, runs);
     if (!options.from.empty())
-        runs = runsFrom(runs, connection.ranges({options.from}).first());
+        runs = runsFrom(runs,
+                        parseAddress(QString::fromStdString(options.from), connection.catalogue()));
     const Progress progress = progressOf(common.output, QStringLiteral("restore"));
     QStringList different;
     int registers = 0;

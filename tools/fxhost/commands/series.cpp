@@ -4,13 +4,13 @@
 // fxhost series: the addresses of the copies of a panel object, as the screen editor makes them.
 
 #include "tools/fxhost/commands/connection.h"
+#include "tools/library/addresses.h"
 
 namespace fxtools {
 
 namespace {
 
 constexpr int mostCopies = 65536;
-constexpr int allFitted = 1;
 
 struct SeriesOptions
 {
@@ -22,7 +22,8 @@ struct SeriesOptions
 ExitCode runSeries(const CommonOptions& common, const SeriesOptions& options)
 {
     const AddressServices services(common);
-    const RegisterRange first = services.parse(options.address);
+    const RegisterRange first =
+        parseAddress(QString::fromStdString(options.address), services.catalogue);
     QVector<QString> texts;
     QVector<int> numbers;
     const int result = services.library.multiCopy(first.type.name, first.first, options.copies,
@@ -34,7 +35,7 @@ ExitCode runSeries(const CommonOptions& common, const SeriesOptions& options)
         records.add({copy + 1, range.nameOf(0)});
     }
     records.finish();
-    if (result == allFitted)
+    if (result == fxSeriesFitted)
         return ExitCode::Good;
     complain(
         QStringLiteral("the series runs past the end of %1; what is beyond became the last one")

@@ -41,7 +41,7 @@ ExitCode runStats(const CommonOptions& common, const StatsOptions& options)
     connection.waitForLinkWithoutEnd();
     ExchangeLoop& loop = connection.loop();
     const int blocks =
-        connection.session().setPlan(connection.ranges(addressesOf(options.addresses)));
+        connection.session().setPlan(rangesOf(options.addresses, connection.catalogue()));
     Histogram cycleTimes;
     auto end = RoundEnd::Done;
     for (int cycle = 0; cycle < options.cycles && end == RoundEnd::Done; ++cycle) {

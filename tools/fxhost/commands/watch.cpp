@@ -120,7 +120,7 @@ ExitCode runWatch(const CommonOptions& common, const WatchOptions& options)
 {
     Connection connection(common);
     connection.waitForLinkWithoutEnd();
-    const QVector<RegisterRange> ranges = connection.ranges(addressesOf(options.addresses));
+    const QVector<RegisterRange> ranges = rangesOf(options.addresses, connection.catalogue());
     needWholeValues(ranges, options.format);
     Poller poller(connection.loop(), connection.catalogue(), ranges);
     Watcher watcher(options, common.output);

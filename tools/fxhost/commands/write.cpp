@@ -27,39 +27,71 @@ struct Assignment
 {
     RegisterRange range;
     QVector<quint32> values;
-    QString written;  // as the user wrote them
+    QString written;  // the values as the user wrote them
 };
 
-// "D100=5", "D100=1,2,3" or "M0=on".
-Assignment parseAssignment(const Connection& connection, const std::string& text,
-                           ValueFormat format)
+// `whole` is how the user wrote all of it.
+Assignment assignmentOf(AddressParts address, const QStringList& values, const QString& whole,
+                        const RegisterCatalogue& catalogue, ValueFormat format)
 {
-    const QString whole = QString::fromStdString(text);
-    const int equals = whole.indexOf('=');
-    if (equals < 1 || equals + 1 == whole.size())
-        throw Failure(ExitCode::Usage,
-                      "'" + whole + "' assigns nothing; write for example D100=5 or M0=on");
     Assignment assignment;
-    assignment.written = whole.mid(equals + 1);
-    assignment.range = connection.ranges({whole.left(equals).toStdString()}).first();
-    if (!assignment.range.type.writable) {
-        throw Failure(ExitCode::Usage,
-                      "'" + whole + "': " + assignment.range.type.name + " cannot be written");
-    }
-    for (const QString& value : assignment.written.split(','))
-        assignment.values += parseValue(value.trimmed(), assignment.range.type, format);
-    const int values = assignment.values.size();
-    if (whole.left(equals).contains(':') && assignment.range.count != values) {
+    assignment.written = values.join(',');
+    const RegisterType type = rangeOf(address, catalogue).type;
+    if (!type.writable)
+        throw Failure(ExitCode::Usage, "'" + whole + "': " + type.name + " cannot be written");
+    for (const QString& value : values)
+        assignment.values += parseValue(value.trimmed(), type, format);
+    const int registers = assignment.values.size();
+    if (address.count.value_or(registers) != registers) {
         throw Failure(ExitCode::Usage, QStringLiteral("'%1': %2 registers, but values for %3")
                                            .arg(whole)
-                                           .arg(assignment.range.count)
-                                           .arg(values));
+                                           .arg(*address.count)
+                                           .arg(registers));
     }
-    // The count is what was written; checked again, because it may run past the end of the type.
-    const QString start = whole.left(equals).section(':', 0, 0);
-    const QString checked = QStringLiteral("%1:%2").arg(start).arg(values);
-    assignment.range = connection.ranges({checked.toStdString()}).first();
+    // Checked again, because the values may run past the end of the type.
+    address.count = registers;
+    address.written =
+        QStringLiteral("%1:%2").arg(address.written.section(':', 0, 0)).arg(registers);
+    assignment.range = rangeOf(address, catalogue);
     return assignment;
+}
+
+// "D100=5", "D100=1,2,3" or "M0=on".
+Assignment parseAssignment(const QString& text, const RegisterCatalogue& catalogue,
+                           ValueFormat format)
+{
+    const int equals = text.indexOf('=');
+    if (equals < 1 || equals + 1 == text.size())
+        throw Failure(ExitCode::Usage,
+                      "'" + text + "' assigns nothing; write for example D100=5 or M0=on");
+    return assignmentOf(takeApart(text.left(equals)), text.mid(equals + 1).split(','), text,
+                        catalogue, format);
+}
+
+// Values alone, behind the letters that say where they go.
+Assignment assignmentByLetters(const WriteOptions& options, const RegisterCatalogue& catalogue)
+{
+    const AddressParts address = addressOfLetters(options.address);
+    QStringList values;
+    for (const std::string& value : options.assignments) {
+        const QString text = QString::fromStdString(value);
+        if (text.contains('='))
+            throw Failure(ExitCode::Usage, "'" + text + "': with -r only values follow");
+        values += text.split(',');
+    }
+    return assignmentOf(address, values, address.written + '=' + values.join(','), catalogue,
+                        options.format);
+}
+
+QVector<Assignment> assignmentsOf(const WriteOptions& options, const RegisterCatalogue& catalogue)
+{
+    if (options.address.byLetters())
+        return {assignmentByLetters(options, catalogue)};
+    QVector<Assignment> assignments;
+    for (const std::string& text : options.assignments)
+        assignments.append(
+            parseAssignment(QString::fromStdString(text), catalogue, options.format));
+    return assignments;
 }
 
 bool mayGoOn(ReplyVerdict problem)
@@ -161,28 +193,11 @@ ExitCode Writer::finish()
                                                                  : *m_firstFailure;
 }
 
-// The values that stand alone when -r says where they go.
-std::vector<std::string> assignmentsOf(const WriteOptions& options)
-{
-    const AddressOptions& letters = options.address;
-    if (!letters.byLetters() && letters.registers == 0 && letters.type.empty())
-        return options.assignments;
-    std::string assignment = addressOfLetters(letters) + '=';
-    for (const std::string& value : options.assignments) {
-        if (value.find('=') != std::string::npos)
-            throw Failure(ExitCode::Usage,
-                          "'" + QString::fromStdString(value) + "': with -r only values follow");
-        assignment += (assignment.back() == '=' ? "" : ",") + value;
-    }
-    return {assignment};
-}
-
 ExitCode runWrite(const CommonOptions& common, const WriteOptions& options)
 {
     Connection connection(common);
-    QVector<Assignment> assignments;  // all of them are checked before the first one is sent
-    for (const std::string& text : assignmentsOf(options))
-        assignments.append(parseAssignment(connection, text, options.format));
+    // All of them are checked before the first one is sent.
+    const QVector<Assignment> assignments = assignmentsOf(options, connection.catalogue());
     Writer writer(connection, options, common.output);
     bool goOn = true;
     for (const Assignment& assignment : assignments) {

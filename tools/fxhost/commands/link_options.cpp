@@ -1,0 +1,58 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// What the options say about the link, put into its settings.
+
+#include "tools/fxhost/commands/command.h"
+
+namespace fxtools {
+
+namespace {
+
+[[noreturn]] void reject(const LinkSettings& link, const QString& reason)
+{
+    throw Failure(ExitCode::Usage, "link '" + linkText(link) + "': " + reason);
+}
+
+// The settings of the kind that an option is for.
+template <typename Settings>
+Settings& settingsFor(LinkSettings& link, const char* option)
+{
+    if (auto* const settings = std::get_if<Settings>(&link))
+        return *settings;
+    reject(link, QStringLiteral("'%1' is no setting here; there is %2")
+                     .arg(QLatin1String(option), settingNames(link).join(QStringLiteral(", "))));
+}
+
+LineSettings& lineFor(LinkSettings& link, const char* option)
+{
+    std::optional<LineSettings>& line = settingsFor<SerialSettings>(link, option).line;
+    return line ? *line : line.emplace();
+}
+
+void applyBaud(LinkSettings& link, int baud)
+{
+    if (auto* const simulated = std::get_if<SimulatedSettings>(&link))
+        simulated->baud = baud;
+    else
+        lineFor(link, "baud").baud = baud;
+}
+
+}  // namespace
+
+LinkSettings LinkOptions::settings(const LinkSettings& unlessSaid) const
+{
+    LinkSettings settings = link.empty() ? unlessSaid : parseLink(QString::fromStdString(link));
+    if (baud > 0)
+        applyBaud(settings, baud);
+    if (!line.empty() && !parseCharacter(QString::fromStdString(line), lineFor(settings, "line")))
+        reject(settings,
+               QStringLiteral("line is data bits, parity and stop bits, such as 7E1 or 8N1"));
+    if (!parity.empty())
+        lineFor(settings, "parity").parity = *parseParity(QString::fromStdString(parity));
+    if (port > 0)
+        settingsFor<TcpSettings>(settings, "port").port = static_cast<quint16>(port);
+    return settings;
+}
+
+}  // namespace fxtools

@@ -1,0 +1,107 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// See link_keeper.h.
+
+#include "tools/link/link_keeper.h"
+
+#include "tools/link/interrupt.h"
+
+#include <QRandomGenerator>
+
+#include <algorithm>
+
+namespace fxtools {
+
+namespace {
+
+constexpr int usualPatienceS = 30;
+constexpr int shortestPauseMs = 100;
+constexpr int longestPauseMs = 5000;
+
+// Jitter, so that many hosts do not come back in the same moment.
+int jittered(int pauseMs)
+{
+    return pauseMs / 2 + QRandomGenerator::global()->bounded(pauseMs);
+}
+
+}  // namespace
+
+LinkKeeper::LinkKeeper(Link& link, std::optional<int> patienceS)
+    : m_link(link), m_givenS(patienceS), m_patienceS(patienceS.value_or(usualPatienceS)),
+      m_pauseMs(shortestPauseMs)
+{
+    m_gone.start();
+}
+
+void LinkKeeper::waitWithoutEnd()
+{
+    m_patienceS = m_givenS;
+}
+
+// A link that is not there is more often one with a wrong name than one to wait for: that is for
+// the user to say.
+void LinkKeeper::openFirst()
+{
+    try {
+        m_link.open();
+        return;
+    } catch (const Failure& failure) {
+        if (m_givenS.value_or(0) == 0)
+            throw;
+        onState(failure.text() + "; it is awaited");
+    }
+    const Awaited awaited = await();
+    if (awaited == Awaited::GivenUp)
+        throw Failure(ExitCode::LinkNotOpened,
+                      QStringLiteral("%1: the link did not come within %2 s")
+                          .arg(m_link.name())
+                          .arg(*m_givenS));
+    if (awaited == Awaited::Open)
+        onState(QStringLiteral("the link is there"));
+}
+
+bool LinkKeeper::reopen(qint64 answers)
+{
+    if (answers != m_answersUntilLoss) {
+        m_answersUntilLoss = answers;
+        m_gone.start();
+        m_pauseMs = shortestPauseMs;
+    }
+    onState(QStringLiteral("the link was lost"));
+    const Awaited awaited = await();
+    if (awaited == Awaited::GivenUp && m_patienceS > 0)
+        onState(QStringLiteral("the link did not come back within %1 s").arg(*m_patienceS));
+    else if (awaited == Awaited::Open)
+        onState(QStringLiteral("the link is back"));
+    return awaited == Awaited::Open;
+}
+
+LinkKeeper::Awaited LinkKeeper::await()
+{
+    while (patienceLeftMs() > 0) {
+        if (!sleepUnlessInterrupted(std::min<qint64>(jittered(m_pauseMs), patienceLeftMs())))
+            return Awaited::Interrupted;
+        m_pauseMs = std::min(2 * m_pauseMs, longestPauseMs);
+        if (opens())
+            return Awaited::Open;
+    }
+    return Awaited::GivenUp;
+}
+
+bool LinkKeeper::opens()
+{
+    try {
+        m_link.open();
+        return true;
+    } catch (const Failure&) {
+        return false;  // one line a change of state, not one a try
+    }
+}
+
+qint64 LinkKeeper::patienceLeftMs() const
+{
+    return m_patienceS ? qint64(1000) * *m_patienceS - m_gone.elapsed() : longestPauseMs;
+}
+
+}  // namespace fxtools
