@@ -26,9 +26,8 @@
 ///    whose number does not fit into 32 bits.
 /// 9. Build the library with the same major version of Qt as its host (4, 5 or 6).
 /// 10. The link is the FX programming port: 9600 baud, 7 data bits, even parity, 1 stop bit.
-/// 11. Stations are numbers from 1 on that keep requests and values apart. No frame carries one;
-/// the
-///     station of a frame is in its `variable.stationNo`.
+/// 11. Stations are numbers from 1 on that keep requests and values apart. No frame carries one:
+///     the station that a frame is for is in its `variable.stationNo`.
 
 #ifndef DRIVER_INTF_H
 #define DRIVER_INTF_H
@@ -106,14 +105,13 @@ constexpr unsigned char fxRecipeRequested = 1;  ///< value of a raised request b
 /// or until the library is unloaded.
 /// @param hostMemory      #fxHostMemoryBytes or more; null: no recipe requests
 /// @param hostContext     stored, not used
-/// @param recipeWords     the host's recipe memory, large enough for every entry, because the
-/// driver
-///                        does not know its size; null: no recipe transfers
+/// @param recipeWords     the host's recipe memory, large enough for every entry (the driver does
+///                        not know its size); null: no recipe transfers
 /// @param[out] status     0
 /// @param propertyString  Latin-1, NUL-terminated: five or six decimal numbers separated by '#':
 ///                        link number; nonzero: intf_setData writes to the cache only; (unused);
 ///                        rejections in a row that end an exchange (below 2: the first one); words
-///                        in one frame (below 1 is 1); (unused). A field that is not a number
+///                        in one frame (below 1 means 1); (unused). A field that is not a number
 ///                        is 0. With fewer than five fields all keep their values
 /// @param hostMutex       protects the two request bytes; null: no recipe requests
 /// @return #fxDone
@@ -216,7 +214,8 @@ constexpr int fxMaxWriteWords = 253;  ///< in one written frame: FRAME_PRO holds
 /// bit; words in frames of at most #fxMaxWriteWords words or what the property string allows. "X"
 /// is written to the cache only. A request for the same range as a waiting one takes its place,
 /// unless that one is at the head of the queue. Write at most one frame of "32CV" in one call: the
-/// next request would start at a wrong number. Half a counter is sent, but not cached.
+/// next request would start at a wrong number. An odd count sends half a counter, which is not
+/// cached.
 /// @param stationNo     PLC station
 /// @param registerType  exact text, such as "D" or "32CV"
 /// @param startIndex    first number
@@ -277,9 +276,8 @@ enum FxAddressCheck
 /// the result: width, sign, write to "X", data type of "32CV", register type, number, range.
 /// @param registerType       exact text, such as "X" or "32CV"
 /// @param addressText        the number, as on paper
-/// @param[out] addressIndex  the number, in or out of range; 0 if the text is not a number.
-/// Unchanged
-///                           if a check before that of the number fails
+/// @param[out] addressIndex  the number, in or out of range; 0 if the text is not one;
+///                           unchanged if an earlier check fails
 /// @param dataType           #fxBitDataType, one of #fxCounterDataTypes, or another word type
 /// @param count              number of registers from the address on
 /// @param accessMode         an FxAccessMode
