@@ -95,8 +95,8 @@ FX_ENTRY_POINT void intf_setAddrValueChangeCallBack(FxValueChangeCallback callba
 /// The least size of the host's memory, which contains the two recipe request bytes. The driver
 /// reads and clears them only under the host's mutex.
 constexpr int fxHostMemoryBytes = 60117;
-constexpr int fxDownloadRequestByte = 60115;    ///< requests a recipe transfer to the PLC
-constexpr int fxUploadRequestByte = 60116;      ///< requests a recipe transfer from the PLC
+constexpr int fxDownloadRequestByte = 60115;    ///< position: requests a transfer to the PLC
+constexpr int fxUploadRequestByte = 60116;      ///< position: requests a transfer from it
 constexpr unsigned char fxRecipeRequested = 1;  ///< value of a raised request byte
 
 /// Starts a connection, or starts it anew: empties the plan, the queues and the cache, and forgets
@@ -133,7 +133,7 @@ constexpr int fxUnpolledStation = 0;  ///< station of a monitored key that is no
 /// @return the number of blocks in the plan, each read by one request
 FX_ENTRY_POINT int intf_addrMerge(QList<KEY_ADDRESS>& keys);
 
-constexpr int fxMaxQueuedRequests = 513;  ///< in each queue; each further one replaces the last
+constexpr int fxMaxQueuedRequests = 513;  ///< most in one queue; a further one replaces the last
 
 /// The size of the requests into which a long one-off read is cut.
 enum FxSplit
@@ -195,7 +195,7 @@ FX_ENTRY_POINT int intf_dealRcvFrame(QByteArray& reply, QString& errorText);
 
 // ---- Values -----------------------------------------------------------------------------------
 
-constexpr int fxMaxElements = 65536;  ///< in one call; a PLC has fewer
+constexpr int fxMaxElements = 65536;  ///< most registers in one call; a PLC has fewer
 
 /// Reads values from the cache, never from the link. A register that was neither read nor written
 /// is 0. For an unknown type, or a count below 1 (below 2 for "32CV"), `out` is unchanged.
@@ -208,7 +208,7 @@ constexpr int fxMaxElements = 65536;  ///< in one call; a PLC has fewer
 FX_ENTRY_POINT int intf_getData(int stationNo, QString registerType, int startIndex, int count,
                                 unsigned char* out);
 
-constexpr int fxMaxWriteWords = 253;  ///< in one written frame: FRAME_PRO holds no more
+constexpr int fxMaxWriteWords = 253;  ///< most words in a frame: FRAME_PRO holds no more
 
 /// Writes values to the cache at once, and queues requests that write them to the PLC: one for each
 /// bit; words in frames of at most #fxMaxWriteWords words or what the property string allows. "X"
@@ -228,7 +228,8 @@ FX_ENTRY_POINT int intf_setData(int stationNo, QString registerType, int startIn
 
 // ---- Recipes ----------------------------------------------------------------------------------
 
-constexpr int fxMaxUploadWords = fxRecordBytes / 2;  ///< in one uploaded entry; counters for "32CV"
+/// Most words, or counters for "32CV", that one recipe entry uploads.
+constexpr int fxMaxUploadWords = fxRecordBytes / 2;
 
 /// Replaces the recipe list. Call it after intf_initProperty.
 ///
@@ -325,7 +326,7 @@ FX_ENTRY_POINT int intf_getRegListByType(int kind, QList<QString>& names);
 /// @return 1 for "32CV", else 0, also for an unknown type: look at `fields`
 FX_ENTRY_POINT int intf_getRegDiscription(const QString& registerType, QList<QString>& fields);
 
-constexpr int fxMaxCopies = 1000000;  ///< in one call
+constexpr int fxMaxCopies = 1000000;  ///< most copies in one call
 
 /// Special steps; any other step below 1 is 1.
 enum FxSeriesStep
