@@ -1,0 +1,91 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// Links as people write them, and the records that they mean.
+
+#include "tools/link/link_settings.h"
+
+#include <gtest/gtest.h>
+
+using namespace fxtools;
+
+namespace {
+
+std::string reasonFor(const char* link)
+{
+    try {
+        parseLink(QString::fromLatin1(link));
+    } catch (const Failure& failure) {
+        EXPECT_EQ(failure.code(), ExitCode::Usage) << link;
+        return failure.what();
+    }
+    return "accepted";
+}
+
+}  // namespace
+
+TEST(LinkSettings, OfASerialPortAreLeftOpenUnlessSaid)
+{
+    const auto open = std::get<SerialSettings>(parseLink("serial:/dev/ttyS1"));
+    EXPECT_EQ(open.path, "/dev/ttyS1");
+    EXPECT_FALSE(open.isPseudoTerminal);
+    EXPECT_FALSE(open.line.has_value());
+    const auto said = std::get<SerialSettings>(parseLink("PTY:/dev/pts/4?baud=19200&line=8n2"));
+    EXPECT_TRUE(said.isPseudoTerminal);
+    EXPECT_EQ(said.line->baud, 19200);
+    EXPECT_EQ(said.line->dataBits, QSerialPort::Data8);
+    EXPECT_EQ(said.line->parity, QSerialPort::NoParity);
+    EXPECT_EQ(said.line->stopBits, QSerialPort::TwoStop);
+}
+
+TEST(LinkSettings, ParityAloneKeepsTheRestOfTheProgrammingPort)
+{
+    const auto serial = std::get<SerialSettings>(parseLink("serial:x?parity=Odd"));
+    EXPECT_EQ(linkText(serial), "serial:x?baud=9600&line=7O1");
+}
+
+TEST(LinkSettings, OfTcpTakeThePortFromEitherPlace)
+{
+    EXPECT_EQ(std::get<TcpSettings>(parseLink("tcp:plc")).port, 8888);
+    EXPECT_EQ(std::get<TcpSettings>(parseLink("tcp:plc:502")).port, 502);
+    EXPECT_EQ(std::get<TcpSettings>(parseLink("tcp:plc:502?port=503")).port, 503);
+    EXPECT_EQ(std::get<TcpSettings>(parseLink("tcp:[::1]:502")).host, "::1");
+}
+
+TEST(LinkSettings, OfASimulatedPlcKeepItsFaultsAsWritten)
+{
+    const auto plain = std::get<SimulatedSettings>(parseLink("sim:"));
+    EXPECT_FALSE(plain.baud.has_value());
+    const auto bad =
+        std::get<SimulatedSettings>(parseLink("sim:?baud=9600&faults=silence=0.05,nak@3"));
+    EXPECT_EQ(bad.baud, 9600);
+    EXPECT_EQ(bad.faults, "silence=0.05,nak@3");
+}
+
+TEST(LinkSettings, TextFormMeansTheSameLink)
+{
+    for (const char* link : {"sim:", "sim:?baud=9600&faults=nak=1", "serial:/dev/ttyS1",
+                             "serial:/dev/ttyS1?baud=38400&line=8E1", "pty:/dev/pts/4",
+                             "tcp:plc:8888", "tcp:[::1]:502"})
+        EXPECT_EQ(linkText(parseLink(link)).toStdString(), link);
+}
+
+TEST(LinkSettings, WrongOnesSayWhatWouldBeRight)
+{
+    EXPECT_EQ(reasonFor("com1"), "link 'com1': write sim:, serial:/dev/ttyUSB0?baud=9600, "
+                                 "tcp:HOST:PORT or pty:PATH");
+    EXPECT_EQ(reasonFor("serial:"), "link 'serial:': the path of the port is missing");
+    EXPECT_EQ(reasonFor("serial:x?baud=fast"),
+              "link 'serial:x?baud=fast': the baud rate is a number, such as 9600");
+    EXPECT_EQ(reasonFor("serial:x?line=9E1"),
+              "link 'serial:x?line=9E1': line is data bits, parity and stop bits, such as 7E1 or "
+              "8N1");
+    EXPECT_EQ(reasonFor("serial:x?parity=mark"),
+              "link 'serial:x?parity=mark': the parity is even, odd or none");
+    EXPECT_EQ(reasonFor("tcp:plc:65536"),
+              "link 'tcp:plc:65536': the port is a number from 1 to 65535");
+    EXPECT_EQ(reasonFor("tcp:plc?baud=9600"),
+              "link 'tcp:plc?baud=9600': 'baud' is no setting here; there is port");
+    EXPECT_EQ(reasonFor("sim:here"),
+              "link 'sim:here': write sim: or sim:?baud=9600&faults=silence=0.05");
+}
