@@ -81,7 +81,7 @@ QByteArray poke(const Bench& bench)
     for (const QString& argument : bench.arguments.mid(1))
         values.append(parseNumber(argument, 0, place.bit ? 1 : highestByte, "value"));
     if (values.size() > room)
-        refuse(QStringLiteral("too many values: room for %1").arg(room));
+        refuse(QStringLiteral("too many values: there is room for %1").arg(room));
     if (place.bit)
         memory.setBit(place.address, *place.bit, values[0] == 1);
     for (int index = 0; !place.bit && index < values.size(); ++index)

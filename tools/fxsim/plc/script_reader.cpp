@@ -174,7 +174,7 @@ ScriptStep readStep(const QJsonObject& object)
         row.read(reader, step);
     }
     if (actions != 1)
-        refuse(QStringLiteral("expected one of \"set\", \"add\", \"toggle\" and \"copy\""));
+        refuse(QStringLiteral("expected exactly one of \"set\", \"add\", \"toggle\" and \"copy\""));
     readTimes(reader, step);
     reader.refuseOtherKeys();
     return step;

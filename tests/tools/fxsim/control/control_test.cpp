@@ -49,9 +49,9 @@ TEST_F(ControlTest, PokesAndPeeksBits)
 TEST_F(ControlTest, BadPokeChangesNothing)
 {
     EXPECT_EQ(run("poke 0x1000 1 2 256"), "error: invalid value '256': expected 0 to 255\n");
-    EXPECT_EQ(run("poke 0xFFFF 1 2"), "error: too many values: room for 1\n");
+    EXPECT_EQ(run("poke 0xFFFF 1 2"), "error: too many values: there is room for 1\n");
     EXPECT_EQ(run("poke 0x0100.3 2"), "error: invalid value '2': expected 0 to 1\n");
-    EXPECT_EQ(run("poke 0x0100.3 1 1"), "error: too many values: room for 1\n");
+    EXPECT_EQ(run("poke 0x0100.3 1 1"), "error: too many values: there is room for 1\n");
     EXPECT_EQ(run("poke D5 1"), "error: invalid byte address 'D5': expected 0x0000 to 0xFFFF\n");
     EXPECT_EQ(plc.memory().image(), QByteArray(65536, '\0'));
 }

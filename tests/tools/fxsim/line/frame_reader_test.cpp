@@ -4,6 +4,7 @@
 // Streams cut into frames: however the bytes arrive, the same events come out.
 
 #include "tests/tools/fxsim/printing.h"
+#include "tests/tools/fxsim/wire_frames.h"
 #include "tools/fxsim/line/frame_reader.h"
 
 #include <QByteArrayList>
@@ -13,8 +14,6 @@
 using namespace fxsim;
 
 namespace {
-
-const QByteArray readD100 = fromHex("0230313043383034033733");
 
 // "E" an enquiry, "F<frame>" a frame, "O" one too long, "J<bytes>" junk, joined by blanks.
 QByteArray told(const QVector<LineEvent>& events)

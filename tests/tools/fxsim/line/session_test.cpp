@@ -107,14 +107,6 @@ TEST(Session, IgnoredEnquiryStillResetsTheReceiver)
     EXPECT_EQ(bench.answer(readD100.left(4) + "\x05" + readD100), zerosOfD100);
 }
 
-TEST(Session, LargestReadIsASetting)
-{
-    Settings settings;
-    settings.maxBytes = 3;
-    Bench bench(settings);
-    EXPECT_EQ(bench.answer(readD100), "\x15");
-}
-
 TEST(Session, NakFaultLeavesTheWriteUndone)
 {
     Bench bench(withFaults("nak@1"));

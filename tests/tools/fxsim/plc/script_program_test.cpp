@@ -146,7 +146,7 @@ TEST(Script, ErrorNamesTheLine)
 TEST(Script, ErrorNamesTheStep)
 {
     const char* const oneAction =
-        "step 2: expected one of \"set\", \"add\", \"toggle\" and \"copy\"";
+        "step 2: expected exactly one of \"set\", \"add\", \"toggle\" and \"copy\"";
     const char* const oneTime = "step 2: expected either \"at\" or \"every\"";
     const char* const place =
         "step 2: \"set\" must be a byte address such as \"0x1000\", or a bit such "
