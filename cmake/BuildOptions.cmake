@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 #
 # fx_warnings: the compiler's warnings, for every target of the project; fx_hardening: what makes
-# the built objects hard to abuse; and, for whole builds, sanitizers and coverage.
+# the built objects hard to abuse; and, for whole builds, sanitizers.
 
 add_library(fx_warnings INTERFACE)
 target_compile_options(fx_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
@@ -26,10 +26,4 @@ if(FX_SANITIZE)
     add_compile_options(-fsanitize=${FX_SANITIZE} -fno-sanitize-recover=all
                         -fno-omit-frame-pointer)
     add_link_options(-fsanitize=${FX_SANITIZE})
-endif()
-
-if(FX_COVERAGE)
-    # An exception edge at every call is no branch of ours.
-    add_compile_options(--coverage -O0 -fno-exceptions)
-    add_link_options(--coverage)
 endif()
