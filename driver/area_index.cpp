@@ -6,8 +6,6 @@
 
 #include "driver/area_index.h"
 
-#include "driver/prefetch.h"
-
 namespace {
 
 constexpr int fewestSlots = 16;  // a power of two, as every number of slots is
@@ -45,24 +43,6 @@ int AreaIndex::findByHash(QList<_DATA_>& areas, int stationNo, const QString& re
     return append(areas, slot, area);
 }
 
-void AreaIndex::prefetchSlot(int stationNo, const QString& registerType, int startIndex) const
-{
-    if (isWorthPrefetching())
-        prefetch(&m_slots.at(firstSlot(stationNo, registerType, startIndex)));
-}
-
-void AreaIndex::prefetchArea(const QList<_DATA_>& areas, int stationNo, const QString& registerType,
-                             int startIndex) const
-{
-    if (!isWorthPrefetching())
-        return;
-    const int position = m_slots.at(firstSlot(stationNo, registerType, startIndex)) - 1;
-    for (const int place : {position, position + 1}) {  // the second is tried for the next key
-        if (place >= 0 && place < areas.size())  // the list may have changed behind the index
-            prefetch(&areas.at(place));
-    }
-}
-
 int AreaIndex::append(QList<_DATA_>& areas, int slot, const _DATA_& area)
 {
     const int position = static_cast<int>(areas.size());
@@ -78,19 +58,12 @@ int AreaIndex::append(QList<_DATA_>& areas, int slot, const _DATA_& area)
     return position;
 }
 
-// Where the search for that key begins.
-int AreaIndex::firstSlot(int stationNo, const QString& registerType, int startIndex) const
-{
-    const unsigned int lastSlot = static_cast<unsigned int>(m_slots.size()) - 1;
-    return static_cast<int>(hashKey(stationNo, registerType, startIndex) & lastSlot);
-}
-
 // The slot that holds the area with that key, or the free one where it belongs.
 int AreaIndex::slotOf(const QList<_DATA_>& areas, int stationNo, const QString& registerType,
                       int startIndex) const
 {
     const int lastSlot = static_cast<int>(m_slots.size()) - 1;
-    int slot = firstSlot(stationNo, registerType, startIndex);
+    int slot = static_cast<int>(hashKey(stationNo, registerType, startIndex)) & lastSlot;
     for (; m_slots.at(slot) != 0; slot = (slot + 1) & lastSlot) {
         const int position = m_slots.at(slot) - 1;
         if (hasKey(areas.at(position), stationNo, registerType, startIndex))

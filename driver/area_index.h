@@ -35,13 +35,6 @@ public:
         return m_lastFound = findByHash(areas, stationNo, registerType, startIndex);
     }
 
-    // What findOrAppend() will touch for that key, asked for some keys ahead: its slot first, then,
-    // when that has arrived, the area that the slot names. Nothing for lists that are short enough
-    // to be at hand anyway.
-    void prefetchSlot(int stationNo, const QString& registerType, int startIndex) const;
-    void prefetchArea(const QList<_DATA_>& areas, int stationNo, const QString& registerType,
-                      int startIndex) const;
-
     // Lets `areas` be written to in place while it lives. Keys must stay as they are.
     class Edit
     {
@@ -58,8 +51,6 @@ public:
     };
 
 private:
-    static constexpr int manySlots = 1 << 16;  // 256 KB: a quarter of a usual second-level cache
-
     static bool isSameText(const QString& a, const QString& b)
     {
         return a.isSharedWith(b) || a == b;  // areas of one type share their text
@@ -71,8 +62,6 @@ private:
                isSameText(area.registerType, registerType);
     }
 
-    bool isWorthPrefetching() const { return m_slots.size() >= manySlots; }
-    int firstSlot(int stationNo, const QString& registerType, int startIndex) const;
     int findByHash(QList<_DATA_>& areas, int stationNo, const QString& registerType,
                    int startIndex);
     int slotOf(const QList<_DATA_>& areas, int stationNo, const QString& registerType,

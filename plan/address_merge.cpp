@@ -7,7 +7,6 @@
 
 #include "address/register_types.h"
 #include "cache/data_areas.h"
-#include "driver/prefetch.h"
 #include "plan/pieces.h"
 
 #include <algorithm>
@@ -18,12 +17,6 @@
 #include <vector>
 
 namespace {
-
-// How many steps ahead things are prefetched: each needs the one before it at hand.
-constexpr int keyAhead = 16;
-constexpr int slotAhead = 8;
-constexpr int areaAhead = 4;
-constexpr int requestAhead = 16;
 
 // What one frame could read of one key. `count` is in bits or words.
 struct Piece
@@ -57,33 +50,6 @@ struct Block
 int requestLimit(const RegisterType& type)
 {
     return isBit(type) ? bitsPerRequest() : wordsPerRequest();
-}
-
-void prefetchAhead(const QList<KEY_ADDRESS>& keys, int position)
-{
-    if (position + keyAhead < keys.size()) {
-        const KEY_ADDRESS& key = keys.at(position + keyAhead);
-        prefetch(&key.stationNo);
-        prefetch(&key.length);
-    }
-    if (position + slotAhead < keys.size()) {
-        const KEY_ADDRESS& key = keys.at(position + slotAhead);
-        driver.areaIndex.prefetchSlot(key.stationNo, key.registerType, key.startIndex);
-    }
-    if (position + areaAhead < keys.size()) {
-        const KEY_ADDRESS& key = keys.at(position + areaAhead);
-        driver.areaIndex.prefetchArea(driver.dataAreas, key.stationNo, key.registerType,
-                                      key.startIndex);
-    }
-}
-
-void prefetchAhead(const QList<VARIABLE>& plan, int position)
-{
-    if (position + requestAhead >= plan.size())
-        return;
-    const VARIABLE& request = plan.at(position + requestAhead);
-    prefetch(&request.stationNo);
-    prefetch(&request.count);
 }
 
 void filePieces(const KEY_ADDRESS& key, PieceMap& pieces)
@@ -184,10 +150,8 @@ void replacePlan(const std::vector<Block>& blocks)
     plan.reserve(blockCount);
     while (plan.size() < blockCount)
         plan.append(VARIABLE());
-    for (int i = 0; i < blockCount; ++i) {
-        prefetchAhead(plan, i);
+    for (int i = 0; i < blockCount; ++i)
         fillRequest(plan[i], blocks[static_cast<std::size_t>(i)]);
-    }
 }
 
 }  // namespace
@@ -197,9 +161,7 @@ int intf_addrMerge(QList<KEY_ADDRESS>& keys)
     const QList<KEY_ADDRESS>& monitored = keys;
     PieceMap pieces;
     clearMonitorFlags();
-    for (int i = 0; i < monitored.size(); ++i) {
-        prefetchAhead(monitored, i);
-        const KEY_ADDRESS& key = monitored.at(i);
+    for (const KEY_ADDRESS& key : monitored) {
         _setDataAreaMonitorFlag(key.stationNo, key.registerType, key.startIndex, key.length);
         filePieces(key, pieces);
     }

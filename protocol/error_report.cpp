@@ -14,13 +14,13 @@ namespace {
 
 constexpr int longestNumber = 11;  // "-2147483648", or eleven octal digits
 
-// Writes `number` and then `end`; returns where the next character goes.
+// In every exchange: QString::number() would take memory for each number.
 template <typename Number>
-char* putNumber(char* next, Number number, int base, char end)
+void appendNumber(QString& text, Number number, int base = 10)
 {
-    next = std::to_chars(next, next + longestNumber, number, base).ptr;
-    *next = end;
-    return next + 1;
+    char digits[longestNumber + 1] = {};
+    std::to_chars(digits, digits + longestNumber, number, base);
+    text += QLatin1String(digits);
 }
 
 }  // namespace
@@ -31,22 +31,17 @@ QString getErrorInfo(QByteArray reply)
         return QString();
     const VARIABLE& request = driver.frames.at(0).variable;
     const RegisterType* type = findRegisterType(request.registerType);
-    const int numberBase = type == nullptr ? 10 : type->numberBase;
-
-    char station[longestNumber + 2];  // "1#"
-    *putNumber(station, request.stationNo, 10, '#') = '\0';
-    char numbers[3 * (longestNumber + 1) + 3];  // "100(2)(0)"
-    char* next =
-        putNumber(numbers, static_cast<unsigned int>(request.addressIndex), numberBase, '(');
-    next = putNumber(next, request.count, 10, ')');
-    *next++ = '(';
-    *putNumber(next, static_cast<int>(reply.size()), 10, ')') = '\0';
-
     QString text;
-    text.reserve(static_cast<int>(sizeof station + sizeof numbers) +
-                 static_cast<int>(request.registerType.size()));
-    text += QLatin1String(station);
+    text.reserve(4 * longestNumber);  // enough for any report of a known type
+    appendNumber(text, request.stationNo);
+    text += QLatin1Char('#');
     text += request.registerType;
-    text += QLatin1String(numbers);
+    appendNumber(text, static_cast<unsigned int>(request.addressIndex),
+                 type == nullptr ? 10 : type->numberBase);
+    text += QLatin1Char('(');
+    appendNumber(text, request.count);
+    text += QLatin1String(")(");
+    appendNumber(text, static_cast<int>(reply.size()));
+    text += QLatin1Char(')');
     return text;
 }

@@ -56,19 +56,6 @@ TEST_F(ManyKeys, KeysInAnyOrderFindTheirAreas)
     expectARequestAndAnAreaForEach(list);
 }
 
-// The index still names places that the list no longer has.
-TEST_F(ManyKeys, PrefetchingForAListThatWasEmptiedTouchesNothing)
-{
-    QList<KEY_ADDRESS> list = keys("D", 50);
-    intf_addrMerge(list);
-    driver.dataAreas.clear();
-    const KEY_ADDRESS& key = list.constLast();
-    driver.areaIndex.prefetchSlot(key.stationNo, key.registerType, key.startIndex);
-    driver.areaIndex.prefetchArea(driver.dataAreas, key.stationNo, key.registerType,
-                                  key.startIndex);
-    expectARequestAndAnAreaForEach(list);
-}
-
 TEST_F(ManyKeys, DenseKeysShareRequests)
 {
     QList<KEY_ADDRESS> list = keys("M", 1);
