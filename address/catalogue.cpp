@@ -7,23 +7,6 @@
 #include "address/register_types.h"
 #include "driver/intf.h"
 
-namespace {
-
-QString widthCode(const RegisterType& type)
-{
-    switch (type.kind) {
-    case RegisterKind::Bit:
-        return QLatin1String("0");
-    case RegisterKind::Word:
-        return QLatin1String("1");
-    case RegisterKind::DoubleWord:
-        return QLatin1String("2");
-    }
-    return QString();
-}
-
-}  // namespace
-
 int intf_getRegListByType(int kind, QList<QString>& names)
 {
     if (kind != fxBitTypes && kind != fxWordTypes)
@@ -43,7 +26,7 @@ int intf_getRegDiscription(const QString& registerType, QList<QString>& fields)
     fields.append(QLatin1String(type->format));
     fields.append(QString::number(type->first, type->numberBase));
     fields.append(QString::number(type->last, type->numberBase));
-    fields.append(widthCode(*type));
+    fields.append(QString::number(static_cast<int>(type->kind)));
     fields.append(QLatin1String(type->writable ? "1" : "0"));
     return isDoubleWord(*type) ? 1 : 0;  // not "known": callers go by the texts
 }

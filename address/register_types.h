@@ -10,11 +10,11 @@
 
 #include <QString>
 
-enum class RegisterKind
+enum class RegisterKind  // numbered as the catalogue tells the editor
 {
-    Bit,
-    Word,
-    DoubleWord
+    Bit = 0,
+    Word = 1,
+    DoubleWord = 2
 };
 
 constexpr int noBase = -1;  // the type has no address of that sort
