@@ -112,46 +112,6 @@ TEST_F(ConditionalReads, KeyIsLeftAsItWas)
     EXPECT_EQ(70, key.length);
 }
 
-TEST_F(ConditionalReads, EqualHeadIsQueuedAgain)
-{
-    queue("D", 5, 1, 0, 1);
-    queue("D", 5, 1, 0, 2);
-    ASSERT_EQ("1#D5/1 1#D5/1", queued());
-    EXPECT_EQ(1, driver.conditionReadList.at(0).tag);
-    EXPECT_EQ(2, driver.conditionReadList.at(1).tag);
-}
-
-TEST_F(ConditionalReads, EqualEntryBehindTheHeadIsUpdatedInPlace)
-{
-    queueSingles(3);
-    driver.conditionReadList[1].data[7] = 0xEE;
-    queue("D", 1, 1, 0, 44);
-    ASSERT_EQ("1#D0/1 1#D1/1 1#D2/1", queued());
-    EXPECT_EQ(44, driver.conditionReadList.at(1).tag);
-    EXPECT_EQ(0, driver.conditionReadList.at(1).data[7]);
-    EXPECT_EQ("1#D1/1", last());
-}
-
-TEST_F(ConditionalReads, MatchNearestTheTailIsUpdated)
-{
-    queueSingles(2);
-    driver.conditionReadList << request("D", 1, 1);
-    queue("D", 1, 1, 0, 44);
-    ASSERT_EQ("1#D0/1 1#D1/1 1#D1/1", queued());
-    EXPECT_EQ(0, driver.conditionReadList.at(1).tag);
-    EXPECT_EQ(44, driver.conditionReadList.at(2).tag);
-}
-
-TEST_F(ConditionalReads, StationTypeNumberAndCountTellRequestsApart)
-{
-    queueSingles(2);
-    queue("D", 1, 1, 0, 0, 2);
-    queue("SD", 1, 1);
-    queue("d", 1, 1);
-    queue("D", 1, 2);
-    EXPECT_EQ("1#D0/1 1#D1/1 2#D1/1 1#SD1/1 1#d1/1 1#D1/2", queued());
-}
-
 TEST_F(ConditionalReads, LongRangeQueuedTwiceRepeatsItsHeadOnly)
 {
     queue("D", 100, 70, 0, 1);
@@ -161,14 +121,6 @@ TEST_F(ConditionalReads, LongRangeQueuedTwiceRepeatsItsHeadOnly)
     EXPECT_EQ(2, driver.conditionReadList.at(1).tag);
     EXPECT_EQ(2, driver.conditionReadList.at(2).tag);
     EXPECT_EQ("1#D164/6", last());
-}
-
-TEST_F(ConditionalReads, With512QueuedTheNextIsAppended)
-{
-    queueSingles(512);
-    queue("M", 0, 1);
-    EXPECT_EQ(513, driver.conditionReadList.size());
-    EXPECT_EQ("1#M0/1", textOf(driver.conditionReadList.at(512)));
 }
 
 TEST_F(ConditionalReads, With513QueuedTheLastIsReplaced)
