@@ -174,6 +174,30 @@ TEST_F(AreaIndexTest, EditOfAListThatChangedBehindItsBackHidesNothing)
     EXPECT_EQ(3, find(areaOf("D", 1)));
 }
 
+TEST_F(AreaIndexTest, EditBesideEqualAreasStillFindsTheFirst)
+{
+    areas << areaOf("D", 1) << areaOf("D", 0) << areaOf("D", 1);
+    for (int round = 0; round < 2; ++round) {
+        ASSERT_EQ(1, find(areaOf("D", 0)));  // the second of the equal areas is the next one
+        const AreaIndex::Edit edit(index, areas);
+        areas[1].valueBuffer0[0] = 9;
+    }
+    EXPECT_EQ(1, find(areaOf("D", 0)));
+    EXPECT_EQ(0, find(areaOf("D", 1)));
+}
+
+TEST_F(AreaIndexTest, EqualAreaThatCameBehindAnEditIsNotFound)
+{
+    fill(2);
+    areas << areaOf("D", 0);
+    {
+        const AreaIndex::Edit edit(index, areas);
+        areas[2].valueBuffer0[0] = 9;
+    }
+    ASSERT_EQ(1, find(areaOf("D", 1)));
+    EXPECT_EQ(0, find(areaOf("D", 0)));
+}
+
 TEST_F(AreaIndexTest, CopyOfTheListKeepsItsValues)
 {
     fill(3);

@@ -124,6 +124,32 @@ TEST_F(RecipeTransfer, UploadStoresInTheCacheToo)
     EXPECT_EQ((Texts{"0,-1,RWI,10", "0,-1,RWI,11"}), callsWith("RWI"));
 }
 
+// Of each element first its change, then its recipe words, which are all stored by then.
+TEST_F(RecipeTransfer, UploadReportsElementByElement)
+{
+    QList<KEY_ADDRESS> keys;
+    keys << watch("D", 100, 2) << watch("32CV", 200, 2);
+    intf_addrMerge(keys);
+    std::vector<Bytes> stored;
+    onCall = [&](QString&, int) { stored.push_back(recipeAt(10, 2)); };
+    setList(entries(recipeEntry("D", 100, 2, 10)) << recipeEntry("32CV", 200, 1, 10));
+    requestUpload();
+    nextFrame();
+    EXPECT_EQ(1, reply("<STX>41424344<ETX>9D"));
+    EXPECT_EQ((Texts{"1,1,D,100", "0,-1,RWI,10", "1,1,D,101", "0,-1,RWI,11"}), calls);
+    EXPECT_EQ((std::vector<Bytes>{
+                  {0, 0, 0, 0}, {0x41, 0x42, 0, 0}, {0x41, 0x42, 0, 0}, {0x41, 0x42, 0x43, 0x44}}),
+              stored);
+    calls.clear();
+    stored.clear();
+    nextFrame();
+    EXPECT_EQ(1, reply("<STX>45464748<ETX>AD"));
+    EXPECT_EQ((Texts{"1,1,32CV,200", "0,-1,RWI,10", "0,-1,RWI,11"}), calls);
+    EXPECT_EQ((std::vector<Bytes>{
+                  {0x41, 0x42, 0x43, 0x44}, {0x45, 0x46, 0x47, 0x48}, {0x45, 0x46, 0x47, 0x48}}),
+              stored);
+}
+
 TEST_F(RecipeTransfer, UploadOfUnchangedWordsStillStoresAndReportsThem)
 {
     setList(entries(recipeEntry("D", 100, 1, 10)));

@@ -113,6 +113,29 @@ TEST_F(StaleMarksInTime, ReportNothing)
     EXPECT_EQ(Texts(), calls);
 }
 
+// The mark goes with any good read, the waiting write only with one that brings another value.
+TEST_F(StaleMarksInTime, GoodReadUndoesAWaitingWriteOnlyIfTheValueHasChanged)
+{
+    poll("D", 100, 1);
+    reply("<STX>1234<ETX>CD");
+    poll("D", 100, 1);
+    reply("");
+    reply("");
+    write("D", 100, {1, 2}, 1);
+    driver.writeList.clear();
+
+    poll("D", 100, 1);
+    EXPECT_EQ(1, reply("<STX>1234<ETX>CD"));
+    EXPECT_EQ(0, area("D", 100).flag0);
+    EXPECT_EQ((Bytes{1, 2}), values("D", 100, 1, 2));
+
+    area("D", 100).flag0 = 1;
+    poll("D", 100, 1);
+    EXPECT_EQ(1, reply("<STX>0000<ETX>C3"));
+    EXPECT_EQ(0, area("D", 100).flag0);
+    EXPECT_EQ((Bytes{0, 0}), values("D", 100, 1, 2));
+}
+
 TEST_F(StaleMarksInTime, GoodReadClearsTheMarksOfWhatItCoversInEveryGroup)
 {
     struct Read
