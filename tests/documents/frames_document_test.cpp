@@ -9,7 +9,6 @@
 #include "tests/support/driver_fixture.h"
 
 #include <QFile>
-#include <QRegularExpression>
 #include <QStringList>
 
 namespace {
@@ -36,10 +35,10 @@ QList<Row> tableRows(const QString& title)
 
 std::string hexBytes(const unsigned char* bytes, int length)
 {
-    return QByteArray(reinterpret_cast<const char*>(bytes), length)
-        .toHex(' ')
-        .toUpper()
-        .toStdString();
+    QStringList texts;
+    for (int i = 0; i < length; ++i)
+        texts << QString("%1").arg(bytes[i], 2, 16, QChar('0')).toUpper();
+    return texts.join(" ").toStdString();
 }
 
 QString baseText(int base)
@@ -50,13 +49,9 @@ QString baseText(int base)
 Row mapRow(const RegisterType& type)
 {
     const char* const kind = isBit(type) ? "bit" : isDoubleWord(type) ? "counter" : "word";
-    return {type.name,
-            kind,
-            QString::number(type.first, type.numberBase),
-            QString::number(type.last, type.numberBase),
-            baseText(type.readBase),
-            baseText(type.writeBase),
-            baseText(type.forceBase)};
+    return Row() << type.name << kind << QString::number(type.first, type.numberBase)
+                 << QString::number(type.last, type.numberBase) << baseText(type.readBase)
+                 << baseText(type.writeBase) << baseText(type.forceBase);
 }
 
 }  // namespace
@@ -68,7 +63,7 @@ TEST(FramesDocument, MapsEveryRegisterType)
     ASSERT_EQ(int(std::size(registerTypes)), rows.size());
     for (int i = 0; i < rows.size(); ++i) {
         rows[i].removeAt(1);  // what the type holds
-        EXPECT_EQ(mapRow(registerTypes[std::size_t(i)]), rows[i]) << qPrintable(rows[i].join(' '));
+        EXPECT_EQ(mapRow(registerTypes[std::size_t(i)]), rows[i]) << qPrintable(rows[i].join(" "));
     }
 }
 
@@ -98,10 +93,13 @@ private:
     // One register, by its name: "M1536".
     static VARIABLE requestOf(const QString& registerName)
     {
-        const QRegularExpression name(QStringLiteral("^([A-Z]+)([0-9]+)$"));
-        const QRegularExpressionMatch match = name.match(registerName);
-        EXPECT_TRUE(match.hasMatch()) << qPrintable(registerName);
-        return request(qPrintable(match.captured(1)), match.captured(2).toInt(), 1);
+        int letters = 0;
+        while (letters < registerName.size() && registerName[letters].isLetter())
+            ++letters;
+        bool isNumber = false;
+        const int number = registerName.mid(letters).toInt(&isNumber);
+        EXPECT_TRUE(letters > 0 && isNumber) << qPrintable(registerName);
+        return request(qPrintable(registerName.left(letters)), number, 1);
     }
 };
 

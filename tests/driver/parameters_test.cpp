@@ -6,6 +6,8 @@
 
 #include "tests/support/driver_fixture.h"
 
+#include <QStringList>
+
 namespace {
 using Parameters = DriverTest;
 

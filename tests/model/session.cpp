@@ -179,7 +179,7 @@ void Session::getFrameIntoNothing()
 void Session::giveReply()
 {
     const QByteArray reply = world.replyTo(lastFrame);
-    keep("dealRcvFrame " + reply.toHex().toStdString(),
+    keep(std::string("dealRcvFrame ") + reply.toHex().constData(),
          sides.giveReply(reply, world.nestedCalls()));
 }
 

@@ -63,14 +63,14 @@ expect_text "the code of the host guide" "all as the guide says" "$work/panel/bu
     "$prefix/$FX_LIBDIR/libmitsubishi_fx1s.so.0"
 
 mkdir "$work/by_pkg_config"
-export PKG_CONFIG_PATH=$prefix/$FX_LIBDIR/pkgconfig
+export PKG_CONFIG_PATH=$prefix/$FX_LIBDIR/pkgconfig${PKG_CONFIG_PATH:+:$PKG_CONFIG_PATH}
 [ "$(pkg-config --modversion mitsubishi_fx1s)" = "$FX_VERSION" ] || fail "wrong version in the .pc file"
 for example in minimal_host editor_services recipes; do
     # shellcheck disable=SC2046  # flags are words
     quietly "$FX_CXX" -fPIC "$examples/$example/$example.cpp" -o "$work/by_pkg_config/$example" \
         $(pkg-config --cflags --libs mitsubishi_fx1s)
 done
-export LD_LIBRARY_PATH=$prefix/$FX_LIBDIR
+export LD_LIBRARY_PATH=$prefix/$FX_LIBDIR${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH}
 run_examples "$work/by_pkg_config"
 
 ! has_tools || stop_simulator

@@ -15,8 +15,9 @@ clean_up() {
 }
 trap clean_up EXIT
 
-# A host of the machine must not lead to libraries other than the installed ones.
-unset FX_DRIVER LD_LIBRARY_PATH PKG_CONFIG_PATH PKG_CONFIG_LIBDIR CMAKE_PREFIX_PATH
+# A driver of the machine must not be taken for the installed one. PATH, LD_LIBRARY_PATH and
+# PKG_CONFIG_PATH stay: they may lead to the compiler and to Qt.
+unset FX_DRIVER PKG_CONFIG_LIBDIR CMAKE_PREFIX_PATH
 
 fail() {
     echo "FAILED: $*" >&2
