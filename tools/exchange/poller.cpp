@@ -15,16 +15,24 @@ namespace {
 
 constexpr int cyclesUntilAskedAgain = 50;
 
-// The smallest part of a block that can be read alone.
-int smallestCount(const RegisterType& type)
+// A range counted in what can be read alone: a register, or a byte of bits.
+struct Units
 {
-    return type.isBit() ? bitsPerByte : 1;
-}
+    explicit Units(const RegisterRange& range)
+        : size(range.type.isBit() ? bitsPerByte : 1), first(range.first / size),
+          last((range.first + range.count - 1) / size)
+    {}
 
+    int size;
+    int first;
+    int last;
+};
+
+// The registers before the middle of a range that has more than one unit.
 int halfOf(const RegisterRange& range)
 {
-    const int unit = smallestCount(range.type);
-    return std::max((range.count / 2 + unit - 1) / unit * unit, unit);
+    const Units units(range);
+    return (units.first + units.last + 1) / 2 * units.size - range.first;
 }
 
 }  // namespace
@@ -53,7 +61,8 @@ RoundEnd Poller::poll()
     for (const Aside& aside : m_aside)
         note(aside.range, aside.reason);
     pollPlan();
-    pollPieces();
+    if (!isStopped())
+        pollPieces();
     if (m_cycle % cyclesUntilAskedAgain == cyclesUntilAskedAgain - 1 && !isStopped())
         askAsideAgain();
     ++m_cycle;
@@ -165,7 +174,7 @@ void Poller::readOrHalve(const RegisterRange& piece)
     }
     if (verdict == ReplyVerdict::Good || isStopped()) {
         keep(piece, verdict);
-    } else if (piece.count <= smallestCount(piece.type)) {
+    } else if (Units(piece).first == Units(piece).last) {
         m_aside.append({piece, verdict});
         note(piece, verdict);
     } else {

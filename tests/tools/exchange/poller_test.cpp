@@ -1,0 +1,369 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// Registers that the PLC refuses, or refuses later, or no more: each other one stays fresh, and
+// each that is not says so. Whoever asks in vain too often is found by the frames on the line.
+
+#include "tests/tools/support/bench.h"
+#include "tools/exchange/poller.h"
+
+#include <gtest/gtest.h>
+
+using namespace fxtools;
+using namespace tool_tests;
+
+namespace {
+
+constexpr int cyclesUntilAskedAgain = 50;
+
+class Polling : public testing::Test
+{
+protected:
+    void start(std::initializer_list<const char*> addresses)
+    {
+        for (const char* const address : addresses)
+            ranges.append(range(address));
+        poller.emplace(bench.loop, catalogue(), ranges);
+    }
+
+    RoundEnd poll(int cycles = 1)
+    {
+        RoundEnd end = RoundEnd::Done;
+        for (int cycle = 0; cycle < cycles; ++cycle)
+            end = poller->poll();
+        return end;
+    }
+
+    // Gives every word of the PLC a new value, polls, and names what is not the PLC's: with the
+    // problem when there is one, as "stale" when an old value stands without any.
+    std::string problemsAfterPolling()
+    {
+        ++m_generation;
+        for (int address = 0; address < fxsim::addressableBytes; address += 2)
+            bench.line.memory().setValue(address, 2, wordNaming(address) + m_generation * 257);
+        poller->poll();
+        return problems();
+    }
+
+    std::string problems() const
+    {
+        QStringList all;
+        for (const RegisterRange& one : ranges) {
+            const QVector<quint32> values = poller->values(one);
+            for (int index = 0; index < one.count; ++index) {
+                const auto problem = poller->problemOf(one, index);
+                if (problem)
+                    all += one.nameOf(index) + ' ' + verdictName(*problem);
+                else if (values[index] != held(one.type, one.first + index))
+                    all += one.nameOf(index) + " stale";
+            }
+        }
+        return all.join(", ").toStdString();
+    }
+
+    // The PLC answers this many frames in one cycle.
+    int framesOfACycle()
+    {
+        const int before = bench.line.sent().size();
+        poller->poll();
+        return bench.line.sent().size() - before;
+    }
+
+    quint32 held(const RegisterType& type, int number) const
+    {
+        if (type.isBit())
+            return bench.line.memory().bit(addressOfM0 + number / 8, number % 8) ? 1 : 0;
+        return type.width == RegisterWidth::Word
+                   ? bench.plcWord(addressOfD(number))
+                   : bench.plcDoubleWord(addressOf32CV200 + 4 * (number - 200));
+    }
+
+    void refuseM(int first, int last)
+    {
+        bench.line.refuse(addressOfM0 + first / 8, addressOfM0 + last / 8);
+    }
+
+    mutable Bench bench{badLine(0, ""), SessionSettings{2, 32}};
+    QVector<RegisterRange> ranges;
+    std::optional<Poller> poller;
+
+private:
+    quint32 m_generation = 0;
+};
+
+}  // namespace
+
+TEST_F(Polling, ReadsEveryRegisterOfThePlan)
+{
+    start({"D0:100", "M3:20", "D200", "32CV200:40"});
+    EXPECT_EQ(problemsAfterPolling(), "");
+    EXPECT_EQ(problemsAfterPolling(), "");
+    EXPECT_EQ(framesOfACycle(), 4 + 1 + 1 + 3);
+    EXPECT_EQ(poll(), RoundEnd::Done);
+}
+
+// A block holds 32 registers: the hole stands in the first, in the middle and in the last one.
+TEST_F(Polling, KeepsTheRegistersBesideARefusedBlockInThePlan)
+{
+    for (const int hole : {0, 5, 31, 32, 40, 99}) {
+        bench.line.refuseNothing();
+        bench.refuseD(hole, hole);
+        ranges.clear();
+        start({"D0:100"});
+        const std::string refused = "D" + std::to_string(hole) + " refused";
+        EXPECT_EQ(problemsAfterPolling(), refused);
+        EXPECT_EQ(problemsAfterPolling(), refused);
+        EXPECT_EQ(problemsAfterPolling(), refused);
+    }
+}
+
+TEST_F(Polling, KeepsOtherRangesOfARefusedBlock)
+{
+    bench.refuseD(1, 1);
+    start({"D0:4", "D6:4", "M0:8", "32CV200"});
+    EXPECT_EQ(problemsAfterPolling(), "D1 refused");
+    EXPECT_EQ(problemsAfterPolling(), "D1 refused");
+}
+
+// The plan reads over a gap of registers that nobody asked for.
+TEST_F(Polling, ReadsAroundAHoleBetweenTwoRanges)
+{
+    bench.refuseD(5, 5);
+    start({"D0:4", "D6:4"});
+    EXPECT_EQ(problemsAfterPolling(), "");
+    EXPECT_EQ(problemsAfterPolling(), "");
+}
+
+TEST_F(Polling, NamesEveryHole)
+{
+    bench.refuseD(3, 4);
+    bench.refuseD(40, 40);
+    bench.refuseD(200, 201);
+    start({"D0:64", "D200:2"});
+    EXPECT_EQ(problemsAfterPolling(),
+              "D3 refused, D4 refused, D40 refused, D200 refused, D201 refused");
+    EXPECT_EQ(problemsAfterPolling(),
+              "D3 refused, D4 refused, D40 refused, D200 refused, D201 refused");
+}
+
+TEST_F(Polling, NamesAHoleThatOpensLaterInThePlan)
+{
+    start({"D0:100"});
+    EXPECT_EQ(problemsAfterPolling(), "");
+    bench.refuseD(40, 40);
+    EXPECT_EQ(problemsAfterPolling(), "D40 refused");
+    EXPECT_EQ(problemsAfterPolling(), "D40 refused");
+}
+
+TEST_F(Polling, NamesAHoleThatOpensLaterInAPiece)
+{
+    bench.refuseD(5, 5);
+    start({"D0:64"});
+    EXPECT_EQ(problemsAfterPolling(), "D5 refused");
+    bench.refuseD(20, 20);
+    EXPECT_EQ(problemsAfterPolling(), "D5 refused, D20 refused");
+    bench.refuseD(1, 1);
+    EXPECT_EQ(problemsAfterPolling(), "D1 refused, D5 refused, D20 refused");
+    EXPECT_EQ(problemsAfterPolling(), "D1 refused, D5 refused, D20 refused");
+}
+
+// Bits are read by whole bytes: M8 to M15 is the second.
+TEST_F(Polling, KeepsTheBitsBesideARefusedByte)
+{
+    const std::string refused = "M8 refused, M9 refused, M10 refused, M11 refused, M12 refused";
+    refuseM(8, 15);
+    start({"M3:10", "M16:8"});
+    EXPECT_EQ(problemsAfterPolling(), refused);
+    EXPECT_EQ(problemsAfterPolling(), refused);
+}
+
+TEST_F(Polling, FindsTheRefusedByteAmongAnyBits)
+{
+    for (int first = 0; first < 8; ++first) {
+        bench.line.refuseNothing();
+        refuseM(16, 23);
+        ranges.clear();
+        start({});
+        RegisterRange bits = range("M0:20");
+        bits.first = first;
+        ranges = {bits};
+        poller.emplace(bench.loop, catalogue(), ranges);
+        problemsAfterPolling();
+        for (int number = first; number < first + bits.count; ++number) {
+            EXPECT_EQ(poller->problemOf(bits, number - first).has_value(),
+                      number >= 16 && number < 24)
+                << first << " " << number;
+        }
+    }
+}
+
+TEST_F(Polling, FindsARefusedCounter)
+{
+    bench.line.refuse(addressOf32CV200 + 4 * 17, addressOf32CV200 + 4 * 17);
+    start({"32CV200:40"});
+    EXPECT_EQ(problemsAfterPolling(), "32CV217 refused");
+    EXPECT_EQ(problemsAfterPolling(), "32CV217 refused");
+}
+
+TEST_F(Polling, AsksForRefusedRegistersNowAndThenOnly)
+{
+    bench.refuseD(5, 5);
+    start({"D0:64"});
+    poll();
+    const int frames = framesOfACycle();
+    const int before = bench.line.sent().size();
+    poll(cyclesUntilAskedAgain - 3);
+    EXPECT_EQ(bench.line.sent().size() - before, frames * (cyclesUntilAskedAgain - 3));
+    EXPECT_GT(framesOfACycle(), frames);
+    EXPECT_EQ(framesOfACycle(), frames);
+}
+
+TEST_F(Polling, TakesARecoveredRegisterBack)
+{
+    bench.refuseD(5, 5);
+    start({"D0:64"});
+    const int frames = 2;
+    EXPECT_EQ(problemsAfterPolling(), "D5 refused");
+    bench.line.refuseNothing();
+    poll(cyclesUntilAskedAgain);
+    EXPECT_EQ(problemsAfterPolling(), "");
+    EXPECT_EQ(problemsAfterPolling(), "");
+    EXPECT_EQ(framesOfACycle(), frames);  // as if it had never been away
+}
+
+TEST_F(Polling, TakesARecoveredRegisterBackBesideOneThatStaysAway)
+{
+    bench.refuseD(5, 5);
+    bench.refuseD(20, 20);
+    start({"D0:64"});
+    EXPECT_EQ(problemsAfterPolling(), "D5 refused, D20 refused");
+    bench.line.refuseNothing();
+    bench.refuseD(20, 20);
+    poll(cyclesUntilAskedAgain);
+    EXPECT_EQ(problemsAfterPolling(), "D20 refused");
+    EXPECT_EQ(problemsAfterPolling(), "D20 refused");
+    bench.line.refuseNothing();
+    poll(cyclesUntilAskedAgain);
+    EXPECT_EQ(problemsAfterPolling(), "");
+}
+
+TEST_F(Polling, NamesTheReasonOfTheLastTimeItAsked)
+{
+    bench.refuseD(5, 5);
+    start({"D0:64"});
+    poll(cyclesUntilAskedAgain - 1);
+    bench.line.setFaults("silence@7-");
+    poll();
+    bench.line.setFaults("");
+    EXPECT_EQ(problemsAfterPolling(), "D5 silence");
+}
+
+TEST_F(Polling, TakesRegistersBackWhenAllWereRefused)
+{
+    bench.refuseD(0, 1);
+    start({"D0:2"});
+    EXPECT_EQ(problemsAfterPolling(), "D0 refused, D1 refused");
+    EXPECT_EQ(problemsAfterPolling(), "D0 refused, D1 refused");
+    bench.line.refuseNothing();
+    poll(cyclesUntilAskedAgain);
+    EXPECT_EQ(problemsAfterPolling(), "");
+}
+
+namespace {
+
+struct LostLink
+{
+    int exchange;
+    const char* problems;
+};
+
+}  // namespace
+
+class PollingWithoutALink : public Polling, public testing::WithParamInterface<LostLink>
+{};
+
+// What was read before the link went is not old; the rest is.
+TEST_P(PollingWithoutALink, TellsWhatWasReadBefore)
+{
+    bench.refuseD(5, 5);
+    start({"D0:8"});
+    EXPECT_EQ(problemsAfterPolling(), "D5 refused");
+    EXPECT_EQ(framesOfACycle(), 3);  // D0 to D3, D4, D6 and D7
+    bench.line.setFaults(qPrintable(QStringLiteral("link-drop@%1").arg(GetParam().exchange)));
+    EXPECT_EQ(poll(), RoundEnd::LinkLost);
+    EXPECT_EQ(problems(), GetParam().problems);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Exchanges, PollingWithoutALink,
+    testing::Values(LostLink{1, "D0 link-lost, D1 link-lost, D2 link-lost, D3 link-lost, "
+                                "D4 link-lost, D5 refused, D6 link-lost, D7 link-lost"},
+                    LostLink{2, "D4 link-lost, D5 refused, D6 link-lost, D7 link-lost"},
+                    LostLink{3, "D5 refused, D6 link-lost, D7 link-lost"}));
+
+TEST_F(Polling, TellsWhatWasReadWhenTheLinkIsLostWhileAHoleIsSought)
+{
+    bench.refuseD(13, 13);
+    start({"D0:16", "D100"});
+    // The first block twice, the other, D0 to D15 twice, D0 to D7, then D8 to D15.
+    bench.line.setFaults("link-drop@7");
+    EXPECT_EQ(poll(), RoundEnd::LinkLost);
+    EXPECT_EQ(problems(), "D8 link-lost, D9 link-lost, D10 link-lost, D11 link-lost, "
+                          "D12 link-lost, D13 link-lost, D14 link-lost, D15 link-lost");
+}
+
+TEST_F(Polling, TellsWhichBlocksWereReadBeforeTheLinkWasLost)
+{
+    start({"D0:2", "D100:2"});
+    bench.line.setFaults("link-drop@2");
+    EXPECT_EQ(poll(), RoundEnd::LinkLost);
+    EXPECT_EQ(problems(), "D100 link-lost, D101 link-lost");
+    bench.line.open();
+    EXPECT_EQ(poll(), RoundEnd::Done);
+    EXPECT_EQ(problems(), "");
+}
+
+TEST_F(Polling, GoesOnWhenTheLinkIsBack)
+{
+    start({"D0:64"});
+    bench.loop.onLinkLost = [this] {
+        bench.line.open();
+        return true;
+    };
+    bench.line.setFaults("link-drop@2");
+    EXPECT_EQ(poll(), RoundEnd::Done);
+    EXPECT_EQ(problems(), "");
+}
+
+TEST_F(Polling, NamesABlockThatGotNoGoodAnswerInThisCycleOnly)
+{
+    start({"D0:2", "D100:2"});
+    bench.line.setFaults("silence@2-3");
+    EXPECT_EQ(problemsAfterPolling(), "D100 silence, D101 silence");
+    EXPECT_EQ(problemsAfterPolling(), "");
+    bench.line.setFaults("wrong-sum@1-2");
+    EXPECT_EQ(problemsAfterPolling(), "D0 wrong-sum, D1 wrong-sum");
+    EXPECT_EQ(problemsAfterPolling(), "");
+}
+
+TEST_F(Polling, NamesAPieceThatGotNoGoodAnswerAndKeepsIt)
+{
+    bench.refuseD(5, 5);
+    start({"D0:8"});
+    problemsAfterPolling();
+    bench.line.setFaults("silence@2-3");
+    EXPECT_EQ(problemsAfterPolling(), "D4 silence, D5 refused");
+    EXPECT_EQ(problemsAfterPolling(), "D5 refused");
+}
+
+TEST_F(Polling, DoesNotAskASilentPlcForEverything)
+{
+    start({"D0:2000"});
+    bench.line.setFaults("silence=1");
+    EXPECT_EQ(poll(), RoundEnd::NeverAnswered);
+    EXPECT_EQ(bench.loop.statistics().total().sent, 2);
+    EXPECT_EQ(poller->problemOf(ranges[0], 0), ReplyVerdict::Silence);
+    EXPECT_EQ(poller->problemOf(ranges[0], 1999), ReplyVerdict::Silence);
+    bench.line.setFaults("");
+    EXPECT_EQ(problemsAfterPolling(), "");
+}

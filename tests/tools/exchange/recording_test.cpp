@@ -1,0 +1,125 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// Exchanges in a file and out of it again.
+
+#include "tests/tools/support/wire.h"
+#include "tools/exchange/recording.h"
+
+#include "tools/failure.h"
+
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+using namespace fxtools;
+using namespace tool_tests;
+
+namespace {
+
+class Recordings : public testing::Test
+{
+protected:
+    std::string content() const
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : "none";
+    }
+
+    std::string errorOf(const std::string& content)
+    {
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content.c_str());
+        file.close();
+        try {
+            readRecording(path);
+        } catch (const Failure& failure) {
+            EXPECT_EQ(failure.code(), ExitCode::File);
+            return std::string(failure.what()).substr(path.toStdString().size());
+        }
+        return "no error";
+    }
+
+    QTemporaryDir folder;
+    QString path = folder.filePath("session.jsonl");
+};
+
+Exchange lateExchange()
+{
+    Exchange exchange;
+    const QByteArray request = wire("␂01");
+    std::copy(request.begin(), request.end(), exchange.frame.frame);
+    exchange.frame.frameLength = request.size();
+    exchange.reply = wire("␂1");
+    exchange.thrownAway = wire("2␃");
+    exchange.handed = wire("␕␕");
+    exchange.answer = DriverAnswer::Repeat;
+    exchange.errorText = "1#D0";
+    exchange.startedUs = 12;
+    return exchange;
+}
+
+const std::string head = R"({"addresses":["D0:2","M5"],"fxhost":1,"property":"1#0#0#3#32"})";
+const std::string lateLine =
+    R"({"answer":8,"handed":"1515","received":"02313203","sent":"023031","text":"1#D0","us":12})";
+
+}  // namespace
+
+TEST_F(Recordings, HoldWhatWasSentReceivedAndHandedOver)
+{
+    Recorder recorder(path, "1#0#0#3#32", {"D0:2", "M5"});
+    recorder.add(lateExchange());
+    EXPECT_EQ(content(), head + "\n" + lateLine + "\n");
+    const Recording recording = readRecording(path);
+    EXPECT_EQ(recording.failLimit, 3);
+    EXPECT_EQ(recording.wordsPerFrame, 32);
+    EXPECT_EQ(recording.addresses, QStringList({"D0:2", "M5"}));
+    ASSERT_EQ(recording.exchanges.size(), 1);
+    const RecordedExchange& exchange = recording.exchanges[0];
+    EXPECT_EQ(exchange.line, 2);
+    EXPECT_EQ(exchange.sent, wire("␂01"));
+    EXPECT_EQ(exchange.handed, wire("␕␕"));
+    EXPECT_EQ(exchange.answer, 8);
+    EXPECT_EQ(exchange.text, "1#D0");
+}
+
+TEST_F(Recordings, NameTheLineOfAMistake)
+{
+    const std::string good = R"({"answer":1,"handed":"","sent":"02","text":""})";
+    EXPECT_EQ(errorOf(head + "\n" + good + "\n" + good + "\n"), "no error");
+    const struct
+    {
+        std::string content;
+        std::string says;
+    } rows[] = {
+        {"D0,1\n", ", line 1: no JSON object: illegal value"},
+        {"[1]\n", ", line 1: no JSON object: something else"},
+        {"{}\n", ", line 1: this is no recording of fxhost"},
+        {R"({"fxhost":2,"property":"1#0#0#3#32"})", ", line 1: this is no recording of fxhost"},
+        {R"({"fxhost":1,"property":"1#0#0#3"})",
+         ", line 1: \"property\" is not like 1#0#0#3#32: 1#0#0#3"},
+        {R"({"fxhost":1,"property":"1#0#0#0#32"})",
+         ", line 1: \"property\" is not like 1#0#0#3#32: 1#0#0#0#32"},
+        {head + "\n" + good + "\n" + R"({"sent":"0"})",
+         ", line 3: \"sent\" is no row of hexadecimal bytes"},
+        {head + "\n" + R"({"sent":2})", ", line 2: \"sent\" is missing, or of another kind"},
+        {head + "\n" + R"({"sent":"02"})", ", line 2: \"handed\" is missing, or of another kind"},
+        {head + "\n" + R"({"sent":"02","handed":"","text":""})",
+         ", line 2: \"answer\" is missing, or of another kind"},
+        {head + "\n" + R"({"sent":"02","handed":"","answer":1})",
+         ", line 2: \"text\" is missing, or of another kind"},
+        {head + "\n" + R"({"sent":"02)", ", line 2: no JSON object: unterminated string"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(errorOf(row.content), row.says) << row.content;
+}
+
+TEST_F(Recordings, NeedAPlace)
+{
+    EXPECT_THROW(Recorder("/no/place", "1#0#0#3#32", {}), Failure);
+    EXPECT_THROW(Recorder("/dev/full", "1#0#0#3#32", {}), Failure);
+    EXPECT_THROW(readRecording("/no/place"), Failure);
+}
