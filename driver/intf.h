@@ -186,8 +186,8 @@ enum FxReplyResult
     fxSendAgain = 8         ///< rejected; intf_getSendFrame gives the same frame again
 };
 
-/// Takes the reply to the frame in flight. It checks the form and the sum of the reply, but not its
-/// length: pass only replies of exactly `replyLength` bytes, or empty ones.
+/// Takes the reply to the frame in flight. It checks the form and the checksum of the reply, but
+/// not its length: pass only replies of exactly `replyLength` bytes, or empty ones.
 /// @param reply           the bytes that came back; empty after a time-out
 /// @param[out] errorText  "station#register(count)(bytes of the reply)", also after a good exchange
 /// @return an FxReplyResult

@@ -54,7 +54,7 @@ struct KEY_ADDRESS
 /// A frame to send, and the reply that is expected.
 struct FRAME_PRO
 {
-    unsigned char frame[fxRecordBytes] = {};  ///< from STX to the last sum character
+    unsigned char frame[fxRecordBytes] = {};  ///< from STX to the end of the checksum
     int frameLength = 0;                      ///< bytes of `frame` to send
     int replyLength = 0;                      ///< bytes of a whole reply
     int isRead = 0;          ///< 1: a read, whose data begins at reply[1]; 0: a write
