@@ -150,9 +150,9 @@ enum FxSplit
 ///   - `stationNo`: PLC station
 ///   - `registerType`: an unknown type is read as words, but the values are not stored
 ///   - `startIndex`: for bits a multiple of 8; intf_getData does not find values from other starts
-///   - `length`: words or counters; for bits bytes. More than one frame is cut into several
-///     requests. For bits do not exceed one frame: the next request would start at a wrong number.
-///     A length below 1 is queued, and fails
+///   - `length`: words or counters; for bits bytes. If it exceeds the number of words in a frame,
+///     it is cut into several requests; for bits do not exceed that number, because the next
+///     request would start at a wrong number. A length below 1 is queued, and fails
 ///   - `bitIndex`: an FxSplit; use #fxSplitByWords
 /// @param tag  the host's mark, stored in each request
 /// @return #fxDone
@@ -177,7 +177,7 @@ enum FxSendResult
 /// @return an FxSendResult
 FX_ENTRY_POINT int intf_getSendFrame(FRAME_PRO* out);
 
-/// The result of an exchange.
+/// What became of a reply.
 enum FxReplyResult
 {
     fxNoFrameInFlight = 0,  ///< the reply is ignored; the error text is empty
@@ -211,8 +211,8 @@ FX_ENTRY_POINT int intf_getData(int stationNo, QString registerType, int startIn
 constexpr int fxMaxWriteWords = 253;  ///< most words in a frame: FRAME_PRO holds no more
 
 /// Writes values to the cache at once, and queues requests that write them to the PLC: one for each
-/// bit; words in frames of at most #fxMaxWriteWords words or what the property string allows. "X"
-/// is written to the cache only. A request for the same range as a waiting one takes its place,
+/// bit; words in frames of as many words as the property string allows, at most #fxMaxWriteWords.
+/// "X" is written to the cache only. A request for the same range as a waiting one takes its place,
 /// unless that one is at the head of the queue. Write at most one frame of "32CV" in one call: the
 /// next request would start at a wrong number. An odd count sends half a counter, which is not
 /// cached.

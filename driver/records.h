@@ -19,11 +19,11 @@ constexpr int fxRecordBytes = 1024;  ///< space for values or a frame in a recor
 /// A request for consecutive registers of one type in one station.
 struct VARIABLE
 {
-    int tag = 0;           ///< the host's mark; fxPlanTag; for a recipe that of the last request
+    int tag = 0;           ///< the host's mark, or fxPlanTag; a recipe keeps the last request's
     int stationNo = 0;     ///< PLC station
     QString registerType;  ///< "X", "Y", "M", "S", "SM", "T", "C", "D", "SD", "TV", "CV", "32CV"
     int addressIndex = 0;  ///< first number; X and Y: the value of the octal number
-    int count = 0;         ///< read: bytes of bits, words or counters; write: words, or 1 bit
+    int count = 0;         ///< read: words, counters, or bytes of bits; write: words, or 1 bit
     unsigned char data[fxRecordBytes] = {};  ///< values to write
 
     VARIABLE() = default;
@@ -66,11 +66,11 @@ struct FRAME_PRO
 /// A cached data area: eight bits, one word or one 32-bit counter.
 struct _DATA_
 {
-    unsigned char flag0 = 0;         ///< 1: the last read failed, of it or of areas just below it
+    unsigned char flag0 = 0;         ///< 1: the last read of it, or of areas just below, failed
     unsigned char bufferSelect = 0;  ///< nonzero: a host write waits in valueBuffer1
     int word1 = 0;                   ///< not used
     int monitorFlags = 0;            ///< words and counters: bit 0 set: monitored
-    int changeFlags = 0;             ///< bits: bit k set: startIndex + k is monitored (no change!)
+    int changeFlags = 0;             ///< bits: bit k set: startIndex + k is monitored, not changed
     int stationNo = 0;               ///< key, compared first
     QString registerType;            ///< key, compared second
     int startIndex = 0;              ///< key, compared third

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// One exchange with the PLC after the other, safe against late replies. Copy this file into your
-// host and write a PlcLink for your line.
+// Makes exchanges with the PLC, safe against late replies. Copy this file into your host and write
+// a PlcLink for your line.
 //
 // A reply carries no address, so a late one looks like the reply to the next frame. Therefore:
 //   1. The driver gets a reply of exactly the expected length, or an empty one.
@@ -36,14 +36,15 @@ class PlcExchange
 public:
     static constexpr int replyTimeoutMs = 500;
     static constexpr int quietMs = 1000;  // no PLC on the line may answer later than this
-    static constexpr int pauseMs = 5;     // within it, a line that has more to say says it
+    static constexpr int pauseMs = 5;     // the line is empty when nothing has come for so long
 
     explicit PlcExchange(PlcLink& link) : m_link(link) {}
 
     FRAME_PRO frame;    // of the last exchange
     QString errorText;  // likewise
 
-    // Makes one exchange. Returns an FxReplyResult; fxNoFrameInFlight: there was nothing to send.
+    // Sends one frame and passes on its reply. Returns an FxReplyResult; fxNoFrameInFlight: there
+    // was nothing to send.
     int run()
     {
         if (intf_getSendFrame(&frame) == fxNothingToSend)
@@ -72,7 +73,7 @@ private:
         return reply.size() == frame.replyLength ? reply : QByteArray();
     }
 
-    // Not every PLC answers ENQ. Where none ever did, the quiet line must do.
+    // Some PLCs never answer ENQ: for them a quiet line is enough.
     bool getInStep()
     {
         m_link.send(QByteArray(1, enq));
@@ -95,7 +96,7 @@ private:
     static constexpr char enq = 0x05;
     static constexpr char ack = 0x06;
     static constexpr char nak = 0x15;
-    static constexpr int maxJunkBytes = 4096;  // a line that is never quiet is not waited for
+    static constexpr int maxJunkBytes = 4096;  // after these it stops waiting for a quiet line
 
     PlcLink& m_link;
     bool m_isInStep = false;    // no reply to an earlier frame can still come

@@ -46,7 +46,7 @@ QByteArray answer(const QByteArray& frame)
     return QByteArray(1, '\x06');
 }
 
-// The host reads and sets the request bytes under the mutex, but never calls the driver with it.
+// The host locks the mutex to read or set the request bytes, but never while it calls the driver.
 void request(int requestByte)
 {
     const QMutexLocker lock(&hostMutex);
