@@ -43,8 +43,7 @@ public:
     FRAME_PRO frame;    // of the last exchange
     QString errorText;  // likewise
 
-    // Sends one frame and passes on its reply. Returns an FxReplyResult; fxNoFrameInFlight: there
-    // was nothing to send.
+    // Sends one frame, passes on its reply and returns an FxReplyResult (0: nothing to send).
     int run()
     {
         if (intf_getSendFrame(&frame) == fxNothingToSend)
