@@ -41,7 +41,7 @@ public:
     explicit PlcExchange(PlcLink& link) : m_link(link) {}
 
     FRAME_PRO frame;    // of the last exchange
-    QString errorText;  // likewise
+    QString errorText;  // of the last exchange
 
     // Sends one frame, passes on its reply and returns an FxReplyResult (0: nothing to send).
     int run()
