@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // fxhost: the reference host and poller of the driver. Reads the command line, runs one command,
-// and turns what went wrong into one line and an exit code.
+// and turns an error into one line and an exit code.
 
 #include "tools/fxhost/commands/command.h"
 #include "tools/fxhost/views/console.h"
@@ -23,16 +23,16 @@ const char* const footer = R"(Examples:
   fxhost watch D0:4 TV0 --count 3 --interval 200
   fxhost read --link 'sim:?baud=9600' -t D -r 100 -c 8 --json
 
-fxhost COMMAND --help tells more, and the manual page fxhost(1) all.)";
+For the options of a command see fxhost COMMAND --help; for details see man fxhost.)";
 
-// What was printed is in the file or the pipe, or the command has not done its work.
+// Output that could not be written is an error, whatever the command's own result.
 int outputWritten(int code)
 {
     Console::settle();
     std::cout.flush();
     if (std::cout.good())
         return code;
-    complain(QStringLiteral("standard output took not all that was printed"));
+    complain(QStringLiteral("could not write all output"));
     return static_cast<int>(ExitCode::File);
 }
 
@@ -46,22 +46,23 @@ int runAction(const Action& action)
     }
 }
 
-// What to do next when not one answer was good.
+// What to do next when not one reply was good.
 void pointToDoctor(int code, const CLI::App& app, const OutputOptions& output)
 {
     const bool noGoodAnswer =
         code == static_cast<int>(ExitCode::Silence) || code == static_cast<int>(ExitCode::Damaged);
     if (noGoodAnswer && output.mode == OutputMode::People && !output.quiet &&
         !app.got_subcommand("doctor"))
-        complain(QStringLiteral(
-            "nothing good came back: fxhost doctor, with the same link, finds out why"));
+        complain(
+            QStringLiteral("no valid reply; to find out why, run fxhost doctor with this link"));
 }
 
 void addCommands(CLI::App& app, CommonOptions& common, Action& action)
 {
     app.require_subcommand(1);
     app.fallthrough();
-    app.add_option("--library", common.library, "The driver library; else FX_DRIVER or nearby")
+    app.add_option("--library", common.library,
+                   "Driver library (default: FX_DRIVER, or a library near the program)")
         ->type_name("FILE");
     addLinkOptions(app, common);
     addOutputOptions(app, common);
@@ -97,7 +98,7 @@ int runCommandLine(int argumentCount, char** arguments)
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0)
             return outputWritten(app.exit(error));  // help and version
-        complain(QString::fromStdString(error.what()).simplified() + "; fxhost --help tells more");
+        complain(QString::fromStdString(error.what()).simplified() + "; see fxhost --help");
         return static_cast<int>(ExitCode::Usage);
     }
     catchSignals();

@@ -126,7 +126,7 @@ TEST_P(Misbehaving, ARecordingOfSilenceIsToldAsSuch)
     EXPECT_EQ(ended.code, 4);
     EXPECT_EQ(ended.out, "  " + file.toStdString() + ": 2 exchanges kept, 0 of them good\n");
     EXPECT_EQ(ended.err,
-              "fxhost: nothing good came back: fxhost doctor, with the same link, finds out why\n");
+              "fxhost: no valid reply; to find out why, run fxhost doctor with this link\n");
 }
 
 TEST_P(Misbehaving, AResumedDumpDropsALineThatBrokeOff)

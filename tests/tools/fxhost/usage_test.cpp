@@ -81,7 +81,7 @@ INSTANTIATE_TEST_SUITE_P(
         Mistake{"OddFloat",
                 {"read", "D0:3", "--as", "float"},
                 2,
-                "fxhost: D0:3: these values take two words each, so the count must be even"},
+                "fxhost: D0:3: each value takes two words, so the number of words must be even"},
         Mistake{"BitInARecipe",
                 {"recipe", "upload", "/dev/null", "M0:8"},
                 2,
@@ -110,33 +110,32 @@ INSTANTIATE_TEST_SUITE_P(
         Mistake{"UnknownParity",
                 {"-P", "mark", "read", "D0"},
                 2,
-                "fxhost: --parity: mark not in {even,odd,none}; fxhost --help tells more"},
+                "fxhost: --parity: mark not in {even,odd,none}; see fxhost --help"},
         Mistake{"UnknownOption",
                 {"read", "D0", "--foo"},
                 2,
-                "fxhost: The following argument was not expected: --foo; fxhost --help tells more"},
+                "fxhost: The following argument was not expected: --foo; see fxhost --help"},
         Mistake{"UnknownFormat",
                 {"read", "D0", "--as", "octal"},
                 2,
-                "fxhost: --as: there is no format 'octal'; write dec, signed, hex, bin, long or "
-                "float; fxhost --help tells more"},
+                "fxhost: --as: unknown format 'octal': expected dec, signed, hex, bin, long or "
+                "float; see fxhost --help"},
         Mistake{"TimeOutOfRange",
                 {"read", "D0", "-o", "90s"},
                 2,
-                "fxhost: --timeout: Value 90000 not in range 1 to 60000; fxhost --help tells more"},
+                "fxhost: --timeout: Value 90000 not in range 1 to 60000; see fxhost --help"},
         Mistake{"NoAddressAtAll",
                 {"read"},
                 2,
-                "fxhost: no address; write for example D100:32, or -t D -r 100 -c 32"},
+                "fxhost: address missing; for example D100:32, or -t D -r 100 -c 32"},
         Mistake{"CountWithoutFirst",
                 {"watch", "D0", "-c", "3"},
                 2,
-                "fxhost: -c counts the registers from -r on, and there is no -r; write for example "
-                "-r 100 -c 8 or D100:8"},
+                "fxhost: -c needs -r, the number of the first register: -r 100 -c 8, or D100:8"},
         Mistake{"TypeWithoutFirst",
                 {"read", "-t", "X"},
                 2,
-                "fxhost: -t needs the first register: -t X -r 100"},
+                "fxhost: -t needs -r, the number of the first register: -t X -r 100"},
         Mistake{"MoreRegistersThanValues",
                 {"write", "D0:3=1"},
                 2,
@@ -259,8 +258,7 @@ TEST(Usage, FullOutputIsNoSuccess)
          QStringLiteral("FX_DRIVER=%1 %2 types > /dev/full").arg(FX_DRIVER_FILE, FXHOST_FILE)});
     ASSERT_TRUE(shell.waitForFinished());
     EXPECT_EQ(shell.exitCode(), 7);
-    EXPECT_EQ(shell.readAllStandardError(),
-              "fxhost: standard output took not all that was printed\n");
+    EXPECT_EQ(shell.readAllStandardError(), "fxhost: could not write all output\n");
 }
 
 // The system takes a name without a leading slash for one in /dev.

@@ -9,21 +9,22 @@ namespace fxtools {
 
 namespace {
 
-const char* const letterGroup = "Addresses by letters";
+const char* const letterGroup = "Address by options";
 const QString defaultType = QStringLiteral("D");
 
 }  // namespace
 
 void addAddressLetters(CLI::App& command, AddressOptions& options)
 {
-    command.add_option("-t,--type", options.type, "Register type: D unless said, X, M, TV, ...")
+    command.add_option("-t,--type", options.type, "Register type: X, M, TV, ... (default: D)")
         ->type_name("TYPE")
         ->group(letterGroup);
     command
-        .add_option("-r,--first", options.first, "First register, as in its address: 100 of D100")
+        .add_option("-r,--first", options.first,
+                    "Number of the first register as in its address: 100 for D100")
         ->type_name("NUMBER")
         ->group(letterGroup);
-    command.add_option("-c,--registers", options.registers, "How many registers from there; 1")
+    command.add_option("-c,--registers", options.registers, "Number of registers (default: 1)")
         ->type_name("N")
         ->check(CLI::Range(1, fxMaxElements).description(""))
         ->group(letterGroup);
@@ -31,7 +32,7 @@ void addAddressLetters(CLI::App& command, AddressOptions& options)
 
 void addAddressOptions(CLI::App& command, AddressOptions& options)
 {
-    command.add_option("address", options.addresses, "Addresses such as D100:32, X17 or 2#M8")
+    command.add_option("address", options.addresses, "Addresses, such as D100:32, X17 or 2#M8")
         ->type_name("");
     addAddressLetters(command, options);
 }
@@ -41,11 +42,11 @@ AddressParts addressOfLetters(const AddressOptions& options)
     const QString type = QString::fromStdString(options.type).toUpper();
     if (options.first.empty() && options.registers > 0)
         throw Failure(ExitCode::Usage,
-                      "-c counts the registers from -r on, and there is no -r; write for "
-                      "example -r 100 -c 8 or D100:8");
+                      "-c needs -r, the number of the first register: -r 100 -c 8, or D100:8");
     if (options.first.empty())
         throw Failure(ExitCode::Usage,
-                      QStringLiteral("-t needs the first register: -t %1 -r 100").arg(type));
+                      QStringLiteral("-t needs -r, the number of the first register: -t %1 -r 100")
+                          .arg(type));
     AddressParts parts;
     parts.type = type.isEmpty() ? defaultType : type;
     parts.number = QString::fromStdString(options.first);
@@ -64,7 +65,7 @@ QVector<RegisterRange> rangesOf(const AddressOptions& options, const RegisterCat
         ranges.append(rangeOf(addressOfLetters(options), catalogue));
     if (ranges.isEmpty())
         throw Failure(ExitCode::Usage,
-                      "no address; write for example D100:32, or -t D -r 100 -c 32");
+                      "address missing; for example D100:32, or -t D -r 100 -c 32");
     return ranges;
 }
 

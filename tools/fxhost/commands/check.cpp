@@ -39,9 +39,10 @@ ExitCode runCheck(const CommonOptions& common, const Addresses& addresses)
 
 void addCheckCommand(CLI::App& app, const CommonOptions& common, Action& action)
 {
-    CLI::App* command = app.add_subcommand("check", "Check addresses");
+    CLI::App* command =
+        app.add_subcommand("check", "Print whether addresses are valid and what they mean");
     const auto addresses = std::make_shared<Addresses>();
-    command->add_option("address", *addresses, "Addresses such as D100, X17 or M8000")
+    command->add_option("address", *addresses, "Addresses, such as D100, X17 or M8000")
         ->type_name("")
         ->required();
     addExamples(*command, {"fxhost check D100 X17 M8000 2#TV5 CV200"});

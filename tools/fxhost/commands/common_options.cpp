@@ -18,11 +18,10 @@ constexpr int longestReconnectS = 86400;
 void addLineOptions(CLI::App& app, CommonOptions& common)
 {
     app.add_option("--link", common.link.link,
-                   "sim: (the default), serial:PATH?baud=9600, tcp:HOST:PORT or pty:PATH")
+                   "sim: (default), serial:PATH?baud=9600, tcp:HOST:PORT or pty:PATH")
         ->type_name("LINK")
         ->group(linkGroup);
-    app.add_option("-b,--baud", common.link.baud,
-                   "Speed of a serial port, or of the simulator inside")
+    app.add_option("-b,--baud", common.link.baud, "Baud rate of a serial port or of sim:")
         ->type_name("BAUD")
         ->check(CLI::Range(50, 4000000).description(""))
         ->group(linkGroup);
@@ -31,10 +30,10 @@ void addLineOptions(CLI::App& app, CommonOptions& common)
         ->transform(CLI::IsMember({"even", "odd", "none"}, CLI::ignore_case).description(""))
         ->group(linkGroup);
     app.add_option("--line", common.link.line,
-                   "Data bits, parity and stop bits of a serial port: 7E1")
+                   "Data bits, parity and stop bits of a serial port (default: 7E1)")
         ->type_name("7E1")
         ->group(linkGroup);
-    app.add_option("-p,--port", common.link.port, "Port of a TCP link; 8888")
+    app.add_option("-p,--port", common.link.port, "Port of a TCP link (default: 8888)")
         ->type_name("PORT")
         ->check(CLI::Range(1, 65535).description(""))
         ->group(linkGroup);
@@ -43,24 +42,25 @@ void addLineOptions(CLI::App& app, CommonOptions& common)
 void addPatienceOptions(CLI::App& app, CommonOptions& common)
 {
     app.add_option("-o,--timeout", common.timeoutMs,
-                   "Wait so long for an answer, in milliseconds or as 0.5s; adapts unless given")
+                   "Reply time-out in ms, or with a unit: 0.5s (default: adapts to the line)")
         ->type_name("MS")
         ->transform(timeInMs())
         ->check(CLI::Range(1, longestTimeoutMs).description(""))
         ->group(linkGroup);
-    app.add_option("--retries", common.retries, "How often a frame is sent again; 2")
+    app.add_option("--retries", common.retries,
+                   "Retries of a frame after a bad or missing reply (default: 2)")
         ->type_name("N")
         ->check(CLI::Range(0, 100).description(""))
         ->group(linkGroup);
     app.add_option(
            "--reconnect-s", common.reconnectS,
-           "Await a lost link, or one that is not there yet, so many seconds; 0 not at all. "
-           "Unless given: a lost one 30 seconds, or without end by watch, monitor, stats "
-           "and record; one that is not there yet not at all")
+           "Keep trying for SECONDS to open a lost or missing link; 0 = never. Default: watch, "
+           "monitor, stats and record retry a lost link for ever, other commands for 30 s; "
+           "a link that is missing at the start is an error")
         ->type_name("SECONDS")
         ->check(CLI::Range(0, longestReconnectS).description(""))
         ->group(linkGroup);
-    app.add_option("--words", common.wordsPerFrame, "Words in one frame; 32")
+    app.add_option("--words", common.wordsPerFrame, "Maximum words in one frame (default: 32)")
         ->type_name("N")
         ->check(CLI::Range(1, 253).description(""))
         ->group(linkGroup);
@@ -85,14 +85,14 @@ void addOutputOptions(CLI::App& app, CommonOptions& common)
 {
     OutputOptions& output = common.output;
     app.add_flag_callback(
-           "--json", [&output] { output.mode = OutputMode::Json; }, "JSON, for programs")
+           "--json", [&output] { output.mode = OutputMode::Json; }, "Print JSON, for programs")
         ->group(outputGroup);
     app.add_flag_callback(
-           "--csv", [&output] { output.mode = OutputMode::Csv; }, "CSV, for spreadsheets")
+           "--csv", [&output] { output.mode = OutputMode::Csv; }, "Print CSV, for spreadsheets")
         ->group(outputGroup);
-    app.add_flag("--timestamps", output.timestamps, "The time in front of everything")
+    app.add_flag("--timestamps", output.timestamps, "Print the time before each line or record")
         ->group(outputGroup);
-    app.add_flag("-q,--quiet", output.quiet, "No titles, progress and closing words")
+    app.add_flag("-q,--quiet", output.quiet, "No headings, progress or summary")
         ->group(outputGroup);
 }
 
@@ -101,7 +101,7 @@ void addExamples(CLI::App& command, const std::vector<std::string>& examples)
     std::string text = "Examples:\n";
     for (const std::string& example : examples)
         text += "  " + example + '\n';
-    command.footer(text + "\nOptions of the link and of the output: fxhost --help");
+    command.footer(text + "\nFor the link and output options see fxhost --help.");
 }
 
 }  // namespace fxtools

@@ -65,12 +65,12 @@ ExitCode runDemo(const CommonOptions& common, const DemoOptions& options)
 
 void addDemoCommand(CLI::App& app, const CommonOptions& common, Action& action)
 {
-    CLI::App* command = app.add_subcommand("demo", "Show everything on a simulated PLC");
+    CLI::App* command = app.add_subcommand("demo", "Demonstrate the driver on a simulated PLC");
     const auto options = std::make_shared<DemoOptions>();
-    command->add_flag("--live", options->live, "Go on with live values until Ctrl-C");
+    command->add_flag("--live", options->live, "Then show live values until Ctrl-C");
     command
         ->add_option("--control", options->control,
-                     "Control socket of the simulator at the other end of the link")
+                     "Control socket of the simulator, if it is another process")
         ->type_name("PATH");
     addExamples(*command, {"fxhost demo"});
     command->callback([&action, &common, options] {

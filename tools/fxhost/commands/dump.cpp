@@ -157,11 +157,11 @@ ExitCode runDump(const CommonOptions& common, const DumpOptions& options)
 
 void addDumpCommand(CLI::App& app, const CommonOptions& common, Action& action)
 {
-    CLI::App* command = app.add_subcommand("dump", "Read ranges into a file");
+    CLI::App* command = app.add_subcommand("dump", "Read registers and save them in a file");
     const auto options = std::make_shared<DumpOptions>();
     command->add_option("file", options->file, "CSV file to write")->type_name("")->required();
     addAddressOptions(*command, options->addresses);
-    command->add_flag("--resume", options->resume, "Go on with a file that was begun");
+    command->add_flag("--resume", options->resume, "Continue an incomplete dump");
     addExamples(*command, {"fxhost dump plc.csv D100:512 M64:64",
                            "fxhost dump plc.csv D100:1024 M64:64 --resume"});
     command->callback([&action, &common, options] {

@@ -127,12 +127,12 @@ ExitCode runMonitor(const CommonOptions& common, const MonitorOptions& options)
 
 void addMonitorCommand(CLI::App& app, const CommonOptions& common, Action& action)
 {
-    CLI::App* command = app.add_subcommand("monitor", "Show every frame and its answer");
+    CLI::App* command = app.add_subcommand("monitor", "Print every frame and its reply");
     const auto options = std::make_shared<MonitorOptions>();
     addAddressOptions(*command, options->addresses);
     command
         ->add_option("-n,--count", options->cycles,
-                     "Polling cycles; 1 unless given, 0 until Ctrl-C")
+                     "Number of cycles (default: 1; 0 = until Ctrl-C)")
         ->type_name("N")
         ->check(CLI::Range(0, mostCycles).description(""));
     addExamples(*command, {"fxhost monitor D100:2 X0", "fxhost monitor D0:32 -n 3 --timestamps"});

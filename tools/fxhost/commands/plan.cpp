@@ -161,7 +161,8 @@ ExitCode runPlan(const CommonOptions& common, const AddressOptions& addresses)
 
 void addPlanCommand(CLI::App& app, const CommonOptions& common, Action& action)
 {
-    CLI::App* command = app.add_subcommand("plan", "Show the polling plan of a set of addresses");
+    CLI::App* command =
+        app.add_subcommand("plan", "Print the blocks that the driver polls for addresses");
     const auto addresses = std::make_shared<AddressOptions>();
     addAddressOptions(*command, *addresses);
     addExamples(*command,

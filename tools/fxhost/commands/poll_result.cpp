@@ -38,7 +38,7 @@ std::string numberOfFormat(std::string& text)
 {
     const auto found = valueFormats().find(QString::fromStdString(text).toLower().toStdString());
     if (found == valueFormats().end())
-        return "there is no format '" + text + "'; write dec, signed, hex, bin, long or float";
+        return "unknown format '" + text + "': expected dec, signed, hex, bin, long or float";
     text = std::to_string(static_cast<int>(found->second));
     return {};
 }
@@ -49,7 +49,7 @@ void addFormatOption(CLI::App& command, ValueFormat& format)
 {
     command
         .add_option("--as", format,
-                    "dec, signed, hex, bin, long or float; the last two take two words")
+                    "dec (default), signed, hex, bin, long or float; the last two take two words")
         ->type_name("FORMAT")
         ->transform(CLI::Validator(numberOfFormat, ""));
 }
@@ -60,7 +60,7 @@ void needWholeValues(const QVector<RegisterRange>& ranges, ValueFormat format)
         if (range.count % registersPerValue(range.type, format) != 0) {
             throw Failure(ExitCode::Usage,
                           range.text() +
-                              ": these values take two words each, so the count must be even");
+                              ": each value takes two words, so the number of words must be even");
         }
     }
 }

@@ -138,12 +138,15 @@ ExitCode runUpload(const CommonOptions& common, const RecipeOptions& options)
 
 void addRecipeCommand(CLI::App& app, const CommonOptions& common, Action& action)
 {
-    CLI::App* command = app.add_subcommand("recipe", "Transfer recipes");
+    CLI::App* command =
+        app.add_subcommand("recipe", "Transfer words with the driver's recipe transfer");
     command->require_subcommand(1);
     const auto options = std::make_shared<RecipeOptions>();
 
-    CLI::App* download = command->add_subcommand("download", "From a file to the PLC");
-    download->add_option("file", options->file, "CSV file: ADDRESS,VALUE a line")
+    CLI::App* download =
+        command->add_subcommand("download", "Write the registers of a file to the PLC");
+    download
+        ->add_option("file", options->file, "CSV file with a line ADDRESS,VALUE for each register")
         ->type_name("")
         ->required();
     addExamples(*download,
@@ -152,7 +155,8 @@ void addRecipeCommand(CLI::App& app, const CommonOptions& common, Action& action
         action = [&common, options] { return runDownload(common, *options); };
     });
 
-    CLI::App* upload = command->add_subcommand("upload", "From the PLC to a file");
+    CLI::App* upload =
+        command->add_subcommand("upload", "Read registers from the PLC and save them in a file");
     upload->add_option("file", options->file, "CSV file to write")->type_name("")->required();
     addAddressOptions(*upload, options->addresses);
     addExamples(*upload, {"fxhost recipe upload recipe.csv D1000:64 32CV200:4"});

@@ -131,15 +131,15 @@ ExitCode runReplay(const CommonOptions& common, const std::string& file)
 
 void addRecordCommand(CLI::App& app, const CommonOptions& common, Action& action)
 {
-    CLI::App* command = app.add_subcommand("record", "Keep the exchanges of a session in a file");
+    CLI::App* command = app.add_subcommand("record", "Save every exchange in a file");
     const auto options = std::make_shared<RecordOptions>();
-    command->add_option("file", options->file, "File to write, a JSON object a line")
+    command->add_option("file", options->file, "File to write, with one JSON object on each line")
         ->type_name("")
         ->required();
     addAddressOptions(*command, options->addresses);
     command
         ->add_option("-n,--count", options->cycles,
-                     "Polling cycles; 10 unless given, 0 until Ctrl-C")
+                     "Number of cycles (default: 10; 0 = until Ctrl-C)")
         ->type_name("N")
         ->check(CLI::Range(0, mostCycles).description(""));
     addExamples(*command, {"fxhost record session.jsonl D0:64 X0:8 -n 20"});
@@ -150,9 +150,10 @@ void addRecordCommand(CLI::App& app, const CommonOptions& common, Action& action
 
 void addReplayCommand(CLI::App& app, const CommonOptions& common, Action& action)
 {
-    CLI::App* command = app.add_subcommand("replay", "Run a recording through the driver");
+    CLI::App* command =
+        app.add_subcommand("replay", "Run a recording through the driver again and compare");
     const auto file = std::make_shared<std::string>();
-    command->add_option("file", *file, "File that record wrote")->type_name("")->required();
+    command->add_option("file", *file, "File written by record")->type_name("")->required();
     addExamples(*command,
                 {"fxhost record session.jsonl D0:64 X0:8", "fxhost replay session.jsonl"});
     command->callback([&action, &common, file] {

@@ -126,12 +126,13 @@ ExitCode runRestore(const CommonOptions& common, const RestoreOptions& options)
 
 void addRestoreCommand(CLI::App& app, const CommonOptions& common, Action& action)
 {
-    CLI::App* command = app.add_subcommand("restore", "Write the registers of a file");
+    CLI::App* command =
+        app.add_subcommand("restore", "Write the registers of a file and read them back");
     const auto options = std::make_shared<RestoreOptions>();
-    command->add_option("file", options->file, "CSV file, as dump writes it")
+    command->add_option("file", options->file, "CSV file written by dump")
         ->type_name("")
         ->required();
-    command->add_option("--from", options->from, "Begin with this register of the file")
+    command->add_option("--from", options->from, "Start with this register of the file")
         ->type_name("ADDRESS");
     addExamples(*command, {"fxhost dump plc.csv D100:64", "fxhost restore plc.csv",
                            "fxhost restore plc.csv --from D132"});

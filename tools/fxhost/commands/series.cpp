@@ -47,15 +47,18 @@ ExitCode runSeries(const CommonOptions& common, const SeriesOptions& options)
 
 void addSeriesCommand(CLI::App& app, const CommonOptions& common, Action& action)
 {
-    CLI::App* command = app.add_subcommand("series", "List the addresses of copied objects");
+    CLI::App* command =
+        app.add_subcommand("series", "Print the addresses for copies of a panel object");
     const auto options = std::make_shared<SeriesOptions>();
     command->add_option("address", options->address, "Address of the first copy")
         ->type_name("")
         ->required();
-    command->add_option("-c,--count", options->copies, "How many copies; 10 unless given")
+    command->add_option("-c,--count", options->copies, "Number of copies (default: 10)")
         ->type_name("N")
         ->check(CLI::Range(1, mostCopies).description(""));
-    command->add_option("--step", options->step, "Distance, 1 unless given; -2 for a 32-bit value")
+    command
+        ->add_option("--step", options->step,
+                     "Distance between copies (default: 1; -2 for 32-bit values)")
         ->type_name("N");
     addExamples(*command, {"fxhost series Y6 -c 5", "fxhost series D100 -c 4 --step 10"});
     command->callback([&action, &common, options] {

@@ -58,10 +58,11 @@ ExitCode runStats(const CommonOptions& common, const StatsOptions& options)
 
 void addStatsCommand(CLI::App& app, const CommonOptions& common, Action& action)
 {
-    CLI::App* command = app.add_subcommand("stats", "Measure the line while polling");
+    CLI::App* command =
+        app.add_subcommand("stats", "Measure a link: errors, response times, cycle times");
     const auto options = std::make_shared<StatsOptions>();
     addAddressOptions(*command, options->addresses);
-    command->add_option("-n,--count", options->cycles, "Polling cycles; 100 unless given")
+    command->add_option("-n,--count", options->cycles, "Number of cycles (default: 100)")
         ->type_name("N")
         ->check(CLI::Range(1, mostCycles).description(""));
     addExamples(*command,

@@ -30,7 +30,7 @@ ExitCode runTypes(const CommonOptions& common)
 
 void addTypesCommand(CLI::App& app, const CommonOptions& common, Action& action)
 {
-    CLI::App* command = app.add_subcommand("types", "List the register types");
+    CLI::App* command = app.add_subcommand("types", "Print the register types");
     addExamples(*command, {"fxhost types", "fxhost types --json"});
     command->callback([&] { action = [&common] { return runTypes(common); }; });
 }

@@ -144,22 +144,23 @@ ExitCode runWatch(const CommonOptions& common, const WatchOptions& options)
 
 void addWatchCommand(CLI::App& app, const CommonOptions& common, Action& action)
 {
-    CLI::App* command = app.add_subcommand("watch", "Show values as they change");
+    CLI::App* command = app.add_subcommand("watch", "Print values as they change");
     const auto options = std::make_shared<WatchOptions>();
     addAddressOptions(*command, options->addresses);
     addFormatOption(*command, options->format);
     command
         ->add_option("-l,--interval", options->intervalMs,
-                     "Time from poll to poll, in milliseconds or as 0.5s; 1000")
+                     "Time between cycles in ms, or with a unit: 0.5s (default: 1000)")
         ->type_name("MS")
         ->transform(timeInMs())
         ->check(CLI::Range(0, longestIntervalMs).description(""));
-    command->add_option("-n,--count", options->cycles, "So many polls; until Ctrl-C unless given")
+    command
+        ->add_option("-n,--count", options->cycles, "Stop after N cycles (default: 0 = at Ctrl-C)")
         ->type_name("N")
         ->check(CLI::Range(0, mostCycles).description(""));
-    command->add_flag("-1,--once", options->once, "Poll once");
-    command->add_flag("--log", options->log, "A line for each change, also on a terminal");
-    command->add_option("--deadband", options->deadband, "Changes up to this much are none")
+    command->add_flag("-1,--once", options->once, "Stop after one cycle");
+    command->add_flag("--log", options->log, "Print one line for each change, also on a terminal");
+    command->add_option("--deadband", options->deadband, "Ignore changes up to NUMBER")
         ->type_name("NUMBER")
         ->check(CLI::NonNegativeNumber);
     addExamples(*command, {"fxhost watch D0:4 TV0 X0:8 -n 3",

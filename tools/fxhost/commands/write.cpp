@@ -217,12 +217,13 @@ void addWriteCommand(CLI::App& app, const CommonOptions& common, Action& action)
     const auto options = std::make_shared<WriteOptions>();
     command
         ->add_option("assignment", options->assignments,
-                     "ADDRESS=VALUE[,VALUE...], or only values behind -r")
+                     "ADDRESS=VALUE[,VALUE...]; with -r only values")
         ->type_name("")
         ->required();
     addAddressLetters(*command, options->address);
     addFormatOption(*command, options->format);
-    command->add_flag("--verify", options->verify, "Read back from the PLC and compare");
+    command->add_flag("--verify", options->verify,
+                      "Read the values back from the PLC and compare them");
     addExamples(*command, {"fxhost write D100=5 M100=on --verify",
                            "fxhost write D10=-1,0x1F D20=3.14 32CV200=70000",
                            "fxhost write D30=5 --as long", "fxhost write -t D -r 100 1 2 3"});
