@@ -32,7 +32,7 @@ QJsonObject nextObject(QFile& file, int line)
     const QJsonDocument document = QJsonDocument::fromJson(file.readLine(), &error);
     if (!document.isObject())
         reject(file, line,
-               "no JSON object: " + (document.isNull() ? error.errorString() : "something else"));
+               "not a JSON object: " + (document.isNull() ? error.errorString() : "an array"));
     return document.object();
 }
 
@@ -43,7 +43,7 @@ QJsonValue member(const QFile& file, int line, const QJsonObject& object, const 
     QJsonValue value = object.value(QLatin1String(key));
     if (value.type() != type)
         reject(file, line,
-               QStringLiteral("\"%1\" is missing, or of another kind").arg(QLatin1String(key)));
+               QStringLiteral("\"%1\" is missing or has the wrong type").arg(QLatin1String(key)));
     return value;
 }
 
@@ -53,7 +53,7 @@ QByteArray bytesIn(const QFile& file, int line, const QJsonObject& object, const
     const QString text = member(file, line, object, key, QJsonValue::String).toString();
     if (!pairs.match(text).hasMatch())
         reject(file, line,
-               QStringLiteral("\"%1\" is no row of hexadecimal bytes").arg(QLatin1String(key)));
+               QStringLiteral("\"%1\" must be hexadecimal bytes").arg(QLatin1String(key)));
     return QByteArray::fromHex(text.toLatin1());
 }
 
@@ -64,7 +64,9 @@ void readProperty(const QFile& file, const QString& property, Recording& recordi
     recording.failLimit = fields.value(failLimitField).toInt();
     recording.wordsPerFrame = fields.value(wordsField).toInt();
     if (recording.failLimit < 1 || recording.wordsPerFrame < 1)
-        reject(file, 1, QStringLiteral("\"property\" is not like 1#0#0#3#32: ") + property);
+        reject(
+            file, 1,
+            QStringLiteral("\"property\" is '%1'; expected for example 1#0#0#3#32").arg(property));
 }
 
 QString hex(const QByteArray& bytes)
@@ -106,7 +108,7 @@ Recording readRecording(const QString& path)
         throw Failure(ExitCode::File, path + ": " + file.errorString());
     const QJsonObject head = nextObject(file, 1);
     if (head.value("fxhost").toInt() != formatVersion)
-        reject(file, 1, QStringLiteral("this is no recording of fxhost"));
+        reject(file, 1, QStringLiteral("not a recording made by fxhost"));
     Recording recording;
     readProperty(file, head.value("property").toString(), recording);
     const QJsonArray addresses = head.value("addresses").toArray();

@@ -23,8 +23,8 @@ int wholeNumber(const QString& address, const QString& digits, const char* what)
     bool fits = false;
     const int number = digits.toInt(&fits);
     if (!fits || number < 1)
-        reject(address, QStringLiteral("has %1 as %2; that is a number from 1 to %3")
-                            .arg(digits, QLatin1String(what))
+        reject(address, QStringLiteral("has the %1 %2; use a number from 1 to %3")
+                            .arg(QLatin1String(what), digits)
                             .arg(std::numeric_limits<int>::max()));
     return number;
 }
@@ -69,7 +69,8 @@ AddressParts takeApart(const QString& text)
         QStringLiteral("^(?:(\\d+)#)?(32CV|[A-Z]+)(\\d+)(?::(\\d+))?$"));
     const QRegularExpressionMatch match = pattern.match(text.trimmed().toUpper());
     if (!match.hasMatch())
-        reject(text, QStringLiteral("is no address; write for example D100, X17, D100:32 or 2#M8"));
+        reject(text,
+               QStringLiteral("is not an address; use for example D100, X17, D100:32 or 2#M8"));
     AddressParts parts;
     parts.written = text.trimmed();
     if (!match.captured(1).isEmpty())
@@ -86,7 +87,7 @@ RegisterRange rangeOf(const AddressParts& parts, const RegisterCatalogue& catalo
     const RegisterType* type = catalogue.find(driverName(parts));
     if (!type)
         reject(parts.written,
-               QStringLiteral("has no known register type; there are ") + typeNames(catalogue));
+               QStringLiteral("has an unknown register type; use one of ") + typeNames(catalogue));
     RegisterRange range{*type, parts.station, 0, parts.count.value_or(1)};
     const int check =
         catalogue.library().checkAddrValidity(type->name, parts.number, &range.first, range.count,
@@ -94,8 +95,7 @@ RegisterRange rangeOf(const AddressParts& parts, const RegisterCatalogue& catalo
     if (check == fxAddressOutOfRange)
         reject(parts.written, QStringLiteral("is out of range: ") + limitsText(*type));
     if (check == fxNotANumber)
-        reject(parts.written,
-               QStringLiteral("has a number that does not fit: ") + limitsText(*type));
+        reject(parts.written, QStringLiteral("has an invalid number; use ") + limitsText(*type));
     if (check != fxAddressValid)
         reject(parts.written, QStringLiteral("is not accepted by the driver"));
     return range;

@@ -68,7 +68,7 @@ DriverLibrary::DriverLibrary(const QString& path) : m_library(choosePath(path))
         const QString reason =
             isMissing ? file + ": No such file or directory" : m_library.errorString();
         throw Failure(ExitCode::File, "cannot load the driver library: " + reason +
-                                          "; name it with --library PATH or in FX_DRIVER");
+                                          "; set its path with --library or FX_DRIVER");
     }
     resolveAll();
     requireSameQt();
@@ -94,7 +94,7 @@ void DriverLibrary::requireSameQt() const
     const QByteArray ownMajor = QByteArray::number(QT_VERSION_MAJOR);
     if (!qtMajor.isEmpty() && qtMajor != ownMajor)
         throw Failure(ExitCode::File, m_library.fileName() + " was built with Qt " + qtMajor +
-                                          "; this program needs one built with Qt " + ownMajor);
+                                          "; fxhost needs one built with Qt " + ownMajor);
 }
 
 void DriverLibrary::resolveAll()

@@ -33,12 +33,13 @@ FileRegister parseLine(const QString& text, const RegisterCatalogue& catalogue)
     const QStringList fields = text.split(',');
     if (fields.size() < 2)
         throw Failure(ExitCode::File,
-                      QStringLiteral("'%1' is not ADDRESS,VALUE").arg(quoted(text)));
+                      QStringLiteral("'%1': expected ADDRESS,VALUE").arg(quoted(text)));
     const RegisterRange range = parseAddress(fields[0], catalogue);
     const QVector<quint32> values = parseValue(fields[1].trimmed(), range.type);
     if (range.count != 1 || values.size() != 1)
         throw Failure(ExitCode::File,
-                      QStringLiteral("'%1' is more than one register").arg(quoted(text)));
+                      QStringLiteral("'%1': expected one register and a value that fits in it")
+                          .arg(quoted(text)));
     return {range, values.first()};
 }
 
@@ -66,7 +67,7 @@ void append(QVector<RegisterRun>& runs, const FileRegister& one, int mostRegiste
 void checkOrdinary(const QFileInfo& file)
 {
     if (file.exists() && !file.isDir() && !file.isFile())
-        throw Failure(ExitCode::File, file.filePath() + ": this is no ordinary file");
+        throw Failure(ExitCode::File, file.filePath() + ": not a regular file");
 }
 
 QByteArray lineOf(const QString& address, quint32 value)
@@ -102,11 +103,11 @@ QVector<RegisterRun> readRegisterFile(const QString& path, const RegisterCatalog
 void checkWritable(const QString& path, const QVector<RegisterRun>& runs)
 {
     if (runs.isEmpty())
-        throw Failure(ExitCode::File, path + ": there is no register in it");
+        throw Failure(ExitCode::File, path + ": no registers in this file");
     for (const RegisterRun& run : runs) {
         if (!run.range.type.writable) {
             throw Failure(ExitCode::File,
-                          path + ": " + run.range.text() + " cannot be written; take it out");
+                          path + ": " + run.range.text() + " is read-only; remove it");
         }
     }
 }

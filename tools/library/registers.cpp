@@ -25,7 +25,7 @@ RegisterType describe(const DriverLibrary& library, const QString& name)
     QList<QString> fields;
     library.getRegDiscription(name, fields);
     if (fields.size() < descriptionFields)
-        throw Failure(ExitCode::File, "the driver does not describe its own type " + name);
+        throw Failure(ExitCode::File, "the driver does not describe its register type " + name);
     RegisterType type;
     type.name = name;
     type.width = static_cast<RegisterWidth>(fields[WidthField].toInt());

@@ -55,7 +55,7 @@ QVector<quint32> parseBit(const QString& text)
         return {1};
     if (lower == QLatin1String("0") || lower == QLatin1String("off"))
         return {0};
-    reject(text, QStringLiteral("is no bit; write 1, 0, on or off"));
+    reject(text, QStringLiteral("is not a bit; use 0, 1, on or off"));
 }
 
 QVector<quint32> parseFloat(const QString& text, const RegisterType& type)
@@ -63,9 +63,9 @@ QVector<quint32> parseFloat(const QString& text, const RegisterType& type)
     bool isNumber = false;
     const float number = text.toFloat(&isNumber);
     if (!isNumber)
-        reject(text, QStringLiteral("is no number, or none that a floating-point number can hold"));
+        reject(text, QStringLiteral("is not a floating-point number, or is out of its range"));
     if (type.width != RegisterWidth::Word)
-        reject(text, QStringLiteral("is a floating-point number; those go to words only"));
+        reject(text, QStringLiteral("is a floating-point number, which needs 16-bit registers"));
     return overTwoWords(bitsOf(number));
 }
 
@@ -92,9 +92,9 @@ qint64 parseInteger(const QString& text, ValueFormat format)
     const NumberText number = withoutPrefix(text, format);
     const qint64 value = number.digits.toLongLong(&isNumber, number.base);
     if (!isNumber)
-        reject(text, QStringLiteral("is no number; write 123, -5, 0x1F, 0b101 or 1.5"));
+        reject(text, QStringLiteral("is not a number; use 123, -5, 0x1F, 0b101 or 1.5"));
     if (value < std::numeric_limits<qint32>::min() || value > std::numeric_limits<quint32>::max())
-        reject(text, QStringLiteral("does not fit 32 bits"));
+        reject(text, QStringLiteral("does not fit in 32 bits"));
     return value;
 }
 

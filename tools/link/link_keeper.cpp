@@ -49,16 +49,16 @@ void LinkKeeper::openFirst()
     } catch (const Failure& failure) {
         if (m_givenS.value_or(0) == 0)
             throw;
-        onState(failure.text() + "; it is awaited");
+        onState(failure.text() + "; retrying");
     }
     const Awaited awaited = await();
     if (awaited == Awaited::GivenUp)
         throw Failure(ExitCode::LinkNotOpened,
-                      QStringLiteral("%1: the link did not come within %2 s")
+                      QStringLiteral("%1: could not open the link within %2 s")
                           .arg(m_link.name())
                           .arg(*m_givenS));
     if (awaited == Awaited::Open)
-        onState(QStringLiteral("the link is there"));
+        onState(QStringLiteral("the link is open"));
 }
 
 bool LinkKeeper::reopen(qint64 answers)

@@ -41,7 +41,7 @@ struct LinkParts
 
 [[noreturn]] void reject(const LinkParts& parts, const QString& reason)
 {
-    throw Failure(ExitCode::Usage, "link '" + parts.whole + "': " + reason);
+    throw Failure(ExitCode::Usage, "invalid link '" + parts.whole + "': " + reason);
 }
 
 std::optional<int> baudIn(const LinkParts& parts)
@@ -52,7 +52,7 @@ std::optional<int> baudIn(const LinkParts& parts)
     bool isNumber = false;
     const int baud = text->toInt(&isNumber);
     if (!isNumber || baud < 1)
-        reject(parts, QStringLiteral("the baud rate is a number, such as 9600"));
+        reject(parts, QStringLiteral("baud must be a positive number such as 9600"));
     return baud;
 }
 
@@ -60,7 +60,7 @@ void applyParity(const LinkParts& parts, const QString& text, LineSettings& line
 {
     const std::optional<QSerialPort::Parity> parity = parseParity(text);
     if (!parity)
-        reject(parts, QStringLiteral("the parity is even, odd or none"));
+        reject(parts, QStringLiteral("parity must be even, odd or none"));
     line.parity = *parity;
 }
 
@@ -73,7 +73,7 @@ std::optional<LineSettings> lineIn(const LinkParts& parts)
     const std::optional<QString> character = parts.value("line");
     if (character && !parseCharacter(*character, line))
         reject(parts,
-               QStringLiteral("line is data bits, parity and stop bits, such as 7E1 or 8N1"));
+               QStringLiteral("line must be data bits, parity and stop bits such as 7E1 or 8N1"));
     if (const std::optional<QString> parity = parts.value("parity"))
         applyParity(parts, *parity, line);
     return line;
@@ -89,7 +89,7 @@ LinkSettings parseSerial(const LinkParts& parts, bool isPseudoTerminal)
 LinkSettings parseSimulated(const LinkParts& parts)
 {
     if (!parts.target.isEmpty())
-        reject(parts, QStringLiteral("write sim: or sim:?baud=9600&faults=silence=0.05"));
+        reject(parts, QStringLiteral("expected sim: or sim:?baud=9600&faults=silence=0.05"));
     return SimulatedSettings{baudIn(parts), parts.value("faults").value_or(QString())};
 }
 
@@ -98,14 +98,14 @@ LinkSettings parseTcp(const LinkParts& parts)
     static const QRegularExpression pattern(QStringLiteral("^(\\[[^]]+\\]|[^:]+)(?::(\\d+))?$"));
     const QRegularExpressionMatch match = pattern.match(parts.target);
     if (!match.hasMatch())
-        reject(parts, QStringLiteral("write tcp:HOST or tcp:HOST:PORT"));
+        reject(parts, QStringLiteral("expected tcp:HOST or tcp:HOST:PORT"));
     TcpSettings settings;
     settings.host = match.captured(1).remove('[').remove(']');
     const QString asked = parts.value("port").value_or(QString());
     const QString portText = asked.isEmpty() ? match.captured(2) : asked;
     const int port = portText.isEmpty() ? settings.port : portText.toInt();
     if (port < 1 || port > 65535)
-        reject(parts, QStringLiteral("the port is a number from 1 to 65535"));
+        reject(parts, QStringLiteral("port must be a number from 1 to 65535"));
     settings.port = static_cast<quint16>(port);
     return settings;
 }
@@ -118,8 +118,8 @@ LinkSettings parseKind(const QString& kind, const LinkParts& parts)
         return parseSerial(parts, kind == QLatin1String("pty"));
     if (kind == QLatin1String("tcp"))
         return parseTcp(parts);
-    reject(parts,
-           QStringLiteral("write sim:, serial:/dev/ttyUSB0?baud=9600, tcp:HOST:PORT or pty:PATH"));
+    reject(parts, QStringLiteral(
+                      "expected sim:, serial:/dev/ttyUSB0?baud=9600, tcp:HOST:PORT or pty:PATH"));
 }
 
 QString queryText(const QStringList& settings)
@@ -165,7 +165,7 @@ LinkSettings parseLink(const QString& text)
     const QStringList known = settingNames(link);
     for (const auto& item : parts.query.queryItems()) {
         if (!known.contains(item.first))
-            reject(parts, QStringLiteral("'%1' is no setting here; there is %2")
+            reject(parts, QStringLiteral("unknown setting '%1'; known: %2")
                               .arg(item.first, known.join(QStringLiteral(", "))));
     }
     return link;

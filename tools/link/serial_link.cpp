@@ -46,8 +46,9 @@ QString otherPorts()
     QStringList names;
     for (const QSerialPortInfo& port : QSerialPortInfo::availablePorts())
         names += port.systemLocation();
-    return names.isEmpty() ? QStringLiteral("there is no serial port: is the adapter plugged in?")
-                           : QStringLiteral("there is ") + names.join(QStringLiteral(", "));
+    return QStringLiteral("available ports: ") +
+           (names.isEmpty() ? QStringLiteral("none; is the adapter plugged in?")
+                            : names.join(QStringLiteral(", ")));
 }
 
 // A pseudo-terminal carries eight bits and no parity, whatever it is asked for; and asked for
@@ -87,12 +88,13 @@ QString SerialLink::reason() const
     QString said = m_port.errorString();
     const QFileInfo device(portName(m_settings.path));
     if (isOtherFile(m_settings.path))
-        return QStringLiteral("it is no serial port");
+        return QStringLiteral("not a serial port");
     if (m_port.error() == QSerialPort::DeviceNotFoundError && !m_settings.isPseudoTerminal)
         return said + "; " + otherPorts();
     if (device.exists() && !device.isWritable() &&
         device.permission(QFile::ReadGroup | QFile::WriteGroup))
-        return QStringLiteral("%1; the group %2 may: sudo adduser \"$USER\" %2, then log in anew")
+        return QStringLiteral("%1; join the group %2 with: sudo adduser \"$USER\" %2, then log out "
+                              "and in again")
             .arg(said, device.group());
     return said;
 }

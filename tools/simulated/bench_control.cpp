@@ -19,7 +19,7 @@ SocketBenchControl::SocketBenchControl(const QString& path)
 {
     m_socket.connectToServer(path);
     if (!m_socket.waitForConnected(controlTimeoutMs)) {
-        throw Failure(ExitCode::LinkNotOpened, "cannot reach the simulator's control socket " +
+        throw Failure(ExitCode::LinkNotOpened, "cannot connect to the simulator's control socket " +
                                                    path + ": " + m_socket.errorString());
     }
 }
@@ -39,7 +39,7 @@ void SocketBenchControl::run(const QString& command)
             throw Failure(ExitCode::LinkNotOpened, "the simulator refused '" + command +
                                                        "': " + QString::fromUtf8(line.mid(7)));
     }
-    throw Failure(ExitCode::LinkNotOpened, "the simulator did not carry out '" + command + "'");
+    throw Failure(ExitCode::LinkNotOpened, "the simulator did not answer '" + command + "'");
 }
 
 }  // namespace fxtools

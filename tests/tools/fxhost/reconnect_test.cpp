@@ -191,8 +191,8 @@ TEST(LinkNotThereYet, IsAwaitedWhenTheUserSaysSo)
     EXPECT_EQ(ended.out, "D0  0\n");
     const std::string name = "fxhost: pty:" + terminal.toStdString();
     EXPECT_EQ(ended.err, name + ": cannot open " + terminal.toStdString() +
-                             ": No such file or directory; it is awaited\n" + name +
-                             ": the link is there\n");
+                             ": No such file or directory; retrying\n" + name +
+                             ": the link is open\n");
 }
 
 TEST(LinkNotThereYet, IsAwaitedNoLongerThanTheUserSays)
@@ -200,8 +200,8 @@ TEST(LinkNotThereYet, IsAwaitedNoLongerThanTheUserSays)
     const Ended ended = fxhost({"--link", "tcp:127.0.0.1:1", "--reconnect-s", "1", "read", "D0"});
     EXPECT_EQ(ended.code, 3);
     EXPECT_EQ(ended.err, "fxhost: tcp:127.0.0.1:1: cannot connect to 127.0.0.1 port 1: Connection "
-                         "refused; it is awaited\n"
-                         "fxhost: tcp:127.0.0.1:1: the link did not come within 1 s\n");
+                         "refused; retrying\n"
+                         "fxhost: tcp:127.0.0.1:1: could not open the link within 1 s\n");
 }
 
 TEST(LinkNotThereYet, WaitingIsInterrupted)

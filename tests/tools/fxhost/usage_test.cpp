@@ -45,7 +45,7 @@ INSTANTIATE_TEST_SUITE_P(
         Mistake{"OctalDigit",
                 {"read", "X18"},
                 2,
-                "fxhost: 'X18' has a number that does not fit: X0 to X377 in octal"},
+                "fxhost: 'X18' has an invalid number; use X0 to X377 in octal"},
         Mistake{"OutOfRange",
                 {"read", "D8256"},
                 2,
@@ -58,22 +58,22 @@ INSTANTIATE_TEST_SUITE_P(
             "UnknownType",
             {"read", "Q7"},
             2,
-            "fxhost: 'Q7' has no known register type; there are X Y M S SM T C D SD TV CV 32CV"},
+            "fxhost: 'Q7' has an unknown register type; use one of X Y M S SM T C D SD TV CV 32CV"},
         Mistake{"NoAddress",
                 {"read", "D"},
                 2,
-                "fxhost: 'D' is no address; write for example D100, X17, D100:32 or 2#M8"},
-        Mistake{"InputWritten", {"write", "X0=1"}, 2, "fxhost: 'X0=1': X cannot be written"},
+                "fxhost: 'D' is not an address; use for example D100, X17, D100:32 or 2#M8"},
+        Mistake{"InputWritten", {"write", "X0=1"}, 2, "fxhost: 'X0=1': X registers are read-only"},
         Mistake{
-            "NoBit", {"write", "M0=2"}, 2, "fxhost: value '2' is no bit; write 1, 0, on or off"},
+            "NoBit", {"write", "M0=2"}, 2, "fxhost: value '2' is not a bit; use 0, 1, on or off"},
         Mistake{"TooLarge",
                 {"write", "D0=5000000000"},
                 2,
-                "fxhost: value '5000000000' does not fit 32 bits"},
+                "fxhost: value '5000000000' does not fit in 32 bits"},
         Mistake{"NothingAssigned",
                 {"write", "D0"},
                 2,
-                "fxhost: 'D0' assigns nothing; write for example D100=5 or M0=on"},
+                "fxhost: 'D0' has no value; use for example D100=5 or M0=on"},
         Mistake{"WordsPastTheEnd",
                 {"write", "D7999=1,2"},
                 2,
@@ -85,11 +85,12 @@ INSTANTIATE_TEST_SUITE_P(
         Mistake{"BitInARecipe",
                 {"recipe", "upload", "/dev/null", "M0:8"},
                 2,
-                "fxhost: M0:8: a recipe carries words, no bits"},
+                "fxhost: M0:8: recipes hold words, not bits"},
         Mistake{"UnknownLink",
                 {"--link", "usb:1", "read", "D0"},
                 2,
-                "fxhost: link 'usb:1': write sim:, serial:/dev/ttyUSB0?baud=9600, tcp:HOST:PORT or "
+                "fxhost: invalid link 'usb:1': expected sim:, serial:/dev/ttyUSB0?baud=9600, "
+                "tcp:HOST:PORT or "
                 "pty:PATH"},
         Mistake{"NoSuchTerminal",
                 {"--link", "pty:/dev/pts/none", "read", "D0"},
@@ -102,11 +103,12 @@ INSTANTIATE_TEST_SUITE_P(
         Mistake{"NoSerialPort",
                 {"--link", "serial:/dev/null", "read", "D0"},
                 3,
-                "fxhost: cannot open /dev/null: it is no serial port"},
+                "fxhost: cannot open /dev/null: not a serial port"},
         Mistake{"SpeedOfATcpLink",
                 {"--link", "tcp:127.0.0.1", "-b", "9600", "read", "D0"},
                 2,
-                "fxhost: link 'tcp:127.0.0.1:8888': 'baud' is no setting here; there is port"},
+                "fxhost: link 'tcp:127.0.0.1:8888': no setting 'baud' for this kind of link; it "
+                "has: port"},
         Mistake{"UnknownParity",
                 {"-P", "mark", "read", "D0"},
                 2,
@@ -139,21 +141,21 @@ INSTANTIATE_TEST_SUITE_P(
         Mistake{"MoreRegistersThanValues",
                 {"write", "D0:3=1"},
                 2,
-                "fxhost: 'D0:3=1': 3 registers, but values for 1"},
+                "fxhost: 'D0:3=1': 3 registers, but the values need 1"},
         Mistake{"AssignmentBehindLetters",
                 {"write", "-r", "0", "D5=1"},
                 2,
-                "fxhost: 'D5=1': with -r only values follow"},
+                "fxhost: 'D5=1': with -r give only values"},
         Mistake{"NoSuchLibrary",
                 {"--library", "/no/such/library.so", "types"},
                 7,
                 "fxhost: cannot load the driver library: /no/such/library.so: No such file or "
-                "directory; name it with --library PATH or in FX_DRIVER"},
+                "directory; set its path with --library or FX_DRIVER"},
         Mistake{"LibraryOfAnotherQt",
                 {"--library", FX_QT6_DRIVER_FILE, "types"},
                 7,
                 "fxhost: " FX_QT6_DRIVER_FILE
-                " was built with Qt 6; this program needs one built with Qt 5"},
+                " was built with Qt 6; fxhost needs one built with Qt 5"},
         Mistake{"NoPlaceForADump",
                 {"dump", "/no/such/place.csv", "D0"},
                 7,
@@ -207,28 +209,28 @@ TEST_P(BadFiles, AreNamedWithTheLine)
 INSTANTIATE_TEST_SUITE_P(
     Files, BadFiles,
     testing::Values(
-        BadFile{"NoValue", {"restore"}, "D0\n", ", line 1: 'D0' is not ADDRESS,VALUE"},
+        BadFile{"NoValue", {"restore"}, "D0\n", ", line 1: 'D0': expected ADDRESS,VALUE"},
         BadFile{"NoNumber",
                 {"restore"},
                 "address,value\nD0,1\nD1,x\n",
-                ", line 3: value 'x' is no number; write 123, -5, 0x1F, 0b101 or 1.5"},
+                ", line 3: value 'x' is not a number; use 123, -5, 0x1F, 0b101 or 1.5"},
         BadFile{"TooLargeForARegister",
                 {"restore"},
                 "D0,70000\n",
-                ", line 1: 'D0,70000' is more than one register"},
-        BadFile{"NothingInIt", {"restore"}, "address,value\n", ": there is no register in it"},
-        BadFile{"AnInput", {"restore"}, "X0,1\n", ": X0 cannot be written; take it out"},
-        BadFile{"NothingInARecipe", {"recipe", "download"}, "", ": there is no register in it"},
+                ", line 1: 'D0,70000': expected one register and a value that fits in it"},
+        BadFile{"NothingInIt", {"restore"}, "address,value\n", ": no registers in this file"},
+        BadFile{"AnInput", {"restore"}, "X0,1\n", ": X0 is read-only; remove it"},
+        BadFile{"NothingInARecipe", {"recipe", "download"}, "", ": no registers in this file"},
         BadFile{"BadAddressInARecipe",
                 {"recipe", "download"},
                 "D1,1\nD9999,1\n",
                 ", line 2: 'D9999' is out of range: SD8000 to SD8255 in decimal"},
-        BadFile{"NoJson", {"replay"}, "D0,1\n", ", line 1: no JSON object: illegal value"},
-        BadFile{"OtherJson", {"replay"}, "{}\n", ", line 1: this is no recording of fxhost"},
+        BadFile{"NoJson", {"replay"}, "D0,1\n", ", line 1: not a JSON object: illegal value"},
+        BadFile{"OtherJson", {"replay"}, "{}\n", ", line 1: not a recording made by fxhost"},
         BadFile{"BadProperty",
                 {"replay"},
                 R"({"fxhost":1,"property":"1","addresses":[]})",
-                R"(, line 1: "property" is not like 1#0#0#3#32: 1)"},
+                R"(, line 1: "property" is '1'; expected for example 1#0#0#3#32)"},
         BadFile{"BadRecordedAddress",
                 {"replay"},
                 R"({"fxhost":1,"property":"1#0#0#3#32","addresses":["D9000"]})",
@@ -241,12 +243,12 @@ TEST(BadFiles, OfARecordingAreNamedWithTheMember)
     const QByteArray head = QByteArray(recordingHead) + '\n';
     const QString noHex = newFile(folder, "nohex", head + R"({"sent":"zz"})");
     EXPECT_TRUE(
-        holds(fxhost({"replay", noHex}).err, R"(, line 2: "sent" is no row of hexadecimal bytes)"));
+        holds(fxhost({"replay", noHex}).err, R"(, line 2: "sent" must be hexadecimal bytes)"));
     const QString missing = newFile(folder, "missing", head + R"({"sent":"02"})");
     EXPECT_TRUE(holds(fxhost({"replay", missing}).err,
-                      R"(, line 2: "handed" is missing, or of another kind)"));
+                      R"(, line 2: "handed" is missing or has the wrong type)"));
     const QString torn = newFile(folder, "torn", head + R"({"sent":"02)");
-    EXPECT_TRUE(holds(fxhost({"replay", torn}).err, ", line 2: no JSON object: "));
+    EXPECT_TRUE(holds(fxhost({"replay", torn}).err, ", line 2: not a JSON object: "));
 }
 
 TEST(Usage, FullOutputIsNoSuccess)
@@ -279,7 +281,7 @@ TEST(Usage, APortThatIsMissingNamesThoseThatAreThere)
     const Ended ended = fxhost({"--link", "serial:/dev/no-such-port", "read", "D0"});
     EXPECT_EQ(ended.code, 3);
     EXPECT_TRUE(holds(ended.err, "fxhost: cannot open /dev/no-such-port: No such file or "
-                                 "directory; there is "))
+                                 "directory; available ports: "))
         << ended.err;
 }
 
@@ -343,7 +345,7 @@ TEST(Usage, WhatIsNoOrdinaryFileIsNamed)
     for (const QStringList& command : {QStringList{"dump"}, QStringList{"recipe", "upload"}}) {
         const Ended ended = fxhost(command + QStringList{"/dev/full", "D0"});
         EXPECT_EQ(ended.code, 7);
-        EXPECT_EQ(ended.err, "fxhost: /dev/full: this is no ordinary file\n");
+        EXPECT_EQ(ended.err, "fxhost: /dev/full: not a regular file\n");
     }
 }
 
@@ -375,7 +377,7 @@ TEST(Usage, CheckNamesWhatIsWrong)
         ended.out,
         "M8000,true,\"SM8000 of station 1, bit\"\n2#D5:3,true,\"D5:3 of station 2, 16 bits\"\n"
         "CV200,true,\"32CV200 of station 1, 32 bits\"\n"
-        "X8,false,'X8' has a number that does not fit: X0 to X377 in octal\n");
+        "X8,false,'X8' has an invalid number; use X0 to X377 in octal\n");
 }
 
 TEST(Usage, SeriesCountsInTheTypesBase)

@@ -46,7 +46,7 @@ struct BadAddress
     const char* says;  // behind the address in quotes
 };
 
-const char* const noAddress = "is no address; write for example D100, X17, D100:32 or 2#M8";
+const char* const noAddress = "is not an address; use for example D100, X17, D100:32 or 2#M8";
 
 const BadAddress badAddresses[] = {
     {"", noAddress},
@@ -55,14 +55,14 @@ const BadAddress badAddresses[] = {
     {"D-1", noAddress},
     {"D1:", noAddress},
     {"#D1", noAddress},
-    {"0#D1", "has 0 as station; that is a number from 1 to 2147483647"},
-    {"D1:0", "has 0 as count; that is a number from 1 to 2147483647"},
-    {"D1:2147483648", "has 2147483648 as count; that is a number from 1 to 2147483647"},
-    {"X18", "has a number that does not fit: X0 to X377 in octal"},
+    {"0#D1", "has the station 0; use a number from 1 to 2147483647"},
+    {"D1:0", "has the count 0; use a number from 1 to 2147483647"},
+    {"D1:2147483648", "has the count 2147483648; use a number from 1 to 2147483647"},
+    {"X18", "has an invalid number; use X0 to X377 in octal"},
     {"M3072", "is out of range: M0 to M3071 in decimal"},
     {"D7999:2", "is out of range: D0 to D7999 in decimal"},
     {"D8256", "is out of range: SD8000 to SD8255 in decimal"},
-    {"Q7", "has no known register type; there are X Y M S SM T C D SD "
+    {"Q7", "has an unknown register type; use one of X Y M S SM T C D SD "
            "TV CV 32CV"},
 };
 

@@ -78,7 +78,7 @@ TEST_F(RegisterFile, JoinsNeighboursInItsOrder)
 TEST_F(RegisterFile, HasItsTitleInTheFirstLineOnly)
 {
     EXPECT_EQ(errorOf([this] { runsOf("D0,1\naddress,value\n"); }),
-              path.toStdString() + ", line 2: 'address' is no address; write for example D100, "
+              path.toStdString() + ", line 2: 'address' is not an address; use for example D100, "
                                    "X17, D100:32 or 2#M8");
 }
 
@@ -95,17 +95,18 @@ TEST_F(RegisterFile, NamesTheLineOfAMistake)
         const char* says;
     };
     const Row rows[] = {
-        {"D0,1\nD1\n", ", line 2: 'D1' is not ADDRESS,VALUE"},
+        {"D0,1\nD1\n", ", line 2: 'D1': expected ADDRESS,VALUE"},
         {"# one\nD0,1\nD1,x\n",
-         ", line 3: value 'x' is no number; write 123, -5, 0x1F, 0b101 or 1.5"},
-        {"D0,70000\n", ", line 1: 'D0,70000' is more than one register"},
-        {"D0:2,1\n", ", line 1: 'D0:2,1' is more than one register"},
+         ", line 3: value 'x' is not a number; use 123, -5, 0x1F, 0b101 or 1.5"},
+        {"D0,70000\n", ", line 1: 'D0,70000': expected one register and a value that fits in it"},
+        {"D0:2,1\n", ", line 1: 'D0:2,1': expected one register and a value that fits in it"},
         {"D0,1\nD9999,1\n", ", line 2: 'D9999' is out of range: SD8000 to SD8255 in decimal"},
         {"a line of more than forty characters, which is cut in the message\n",
-         ", line 1: 'a line of more than forty characters' is no address; write for example D100, "
+         ", line 1: 'a line of more than forty characters' is not an address; use for example "
+         "D100, "
          "X17, D100:32 or 2#M8"},
         {"a line of more than forty characters that has no comma\n",
-         ", line 1: 'a line of more than forty characters tha…' is not ADDRESS,VALUE"},
+         ", line 1: 'a line of more than forty characters tha…': expected ADDRESS,VALUE"},
     };
     for (const Row& row : rows)
         EXPECT_EQ(errorOf([&] { runsOf(row.text); }), path.toStdString() + row.says);
@@ -119,9 +120,9 @@ TEST_F(RegisterFile, IsWritableWhenAllItsRegistersAre)
         return errorOf([&] { checkWritable("file", runsOf(text)); });
     };
     EXPECT_EQ(check("D0,1\nM0,1\n"), "no error");
-    EXPECT_EQ(check("X0,1\n"), "file: X0 cannot be written; take it out");
-    EXPECT_EQ(check("D0,1\nM0,1\nX0,1\nX1,1\nD1,1\n"), "file: X0:2 cannot be written; take it out");
-    EXPECT_EQ(check("address,value\n"), "file: there is no register in it");
+    EXPECT_EQ(check("X0,1\n"), "file: X0 is read-only; remove it");
+    EXPECT_EQ(check("D0,1\nM0,1\nX0,1\nX1,1\nD1,1\n"), "file: X0:2 is read-only; remove it");
+    EXPECT_EQ(check("address,value\n"), "file: no registers in this file");
 }
 
 TEST_F(RegisterFile, IsSavedAtOnce)
@@ -195,11 +196,11 @@ TEST_F(RegisterFile, HasAPlaceOrSaysWhyNot)
     fileWith("D0,1\n");
     EXPECT_EQ(errorOf([this] { checkPlace(path); }), "no error");
     EXPECT_EQ(content(), "D0,1\n");
-    EXPECT_EQ(errorOf([] { checkPlace("/dev/full"); }), "/dev/full: this is no ordinary file");
+    EXPECT_EQ(errorOf([] { checkPlace("/dev/full"); }), "/dev/full: not a regular file");
     EXPECT_EQ(errorOf([] { checkPlace("/no/place.csv"); }),
               "/no/place.csv: No such file or directory");
     const auto open = [] { RegisterFileWriter("/dev/full", RegisterFileWriter::Mode::Append); };
-    EXPECT_EQ(errorOf(open), "/dev/full: this is no ordinary file");
+    EXPECT_EQ(errorOf(open), "/dev/full: not a regular file");
 }
 
 TEST(WholeWrites, SayWhyTheyWereNot)

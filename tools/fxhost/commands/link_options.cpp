@@ -20,7 +20,7 @@ Settings& settingsFor(LinkSettings& link, const char* option)
 {
     if (auto* const settings = std::get_if<Settings>(&link))
         return *settings;
-    reject(link, QStringLiteral("'%1' is no setting here; there is %2")
+    reject(link, QStringLiteral("no setting '%1' for this kind of link; it has: %2")
                      .arg(QLatin1String(option), settingNames(link).join(QStringLiteral(", "))));
 }
 
@@ -47,7 +47,7 @@ LinkSettings LinkOptions::settings(const LinkSettings& unlessSaid) const
         applyBaud(settings, baud);
     if (!line.empty() && !parseCharacter(QString::fromStdString(line), lineFor(settings, "line")))
         reject(settings,
-               QStringLiteral("line is data bits, parity and stop bits, such as 7E1 or 8N1"));
+               QStringLiteral("line must be data bits, parity and stop bits such as 7E1 or 8N1"));
     if (!parity.empty())
         lineFor(settings, "parity").parity = *parseParity(QString::fromStdString(parity));
     if (port > 0)

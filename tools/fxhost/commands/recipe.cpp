@@ -23,7 +23,7 @@ void needWords(const QVector<RegisterRange>& entries)
 {
     for (const RegisterRange& entry : entries) {
         if (entry.type.isBit())
-            throw Failure(ExitCode::Usage, entry.text() + ": a recipe carries words, no bits");
+            throw Failure(ExitCode::Usage, entry.text() + ": recipes hold words, not bits");
     }
 }
 
@@ -73,7 +73,7 @@ void load(const QVector<RegisterRun>& runs, std::vector<quint16>& memory)
         if (memory.size() - word <
             static_cast<size_t>(words) * static_cast<size_t>(run.values.size()))
             throw Failure(ExitCode::File,
-                          "the recipe is longer than the recipe memory: 65536 words");
+                          "the recipe is too long: the recipe memory holds 65536 words");
         for (const quint32 value : run.values) {
             memory[word++] = static_cast<quint16>(value & 0xFFFF);
             if (words == 2)

@@ -39,7 +39,7 @@ QVector<RegisterRun> runsFrom(const QVector<RegisterRun>& runs, const RegisterRa
             left.append({run.range.part(offset, run.range.count - offset), run.values.mid(offset)});
     }
     if (left.isEmpty())
-        throw Failure(ExitCode::Usage, "--from " + from.text() + ": the file does not hold it");
+        throw Failure(ExitCode::Usage, "--from " + from.text() + ": not in the file");
     return left;
 }
 

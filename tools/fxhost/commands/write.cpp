@@ -38,12 +38,13 @@ Assignment assignmentOf(AddressParts address, const QStringList& values, const Q
     assignment.written = values.join(',');
     const RegisterType type = rangeOf(address, catalogue).type;
     if (!type.writable)
-        throw Failure(ExitCode::Usage, "'" + whole + "': " + type.name + " cannot be written");
+        throw Failure(ExitCode::Usage,
+                      "'" + whole + "': " + type.name + " registers are read-only");
     for (const QString& value : values)
         assignment.values += parseValue(value.trimmed(), type, format);
     const int registers = assignment.values.size();
     if (address.count.value_or(registers) != registers) {
-        throw Failure(ExitCode::Usage, QStringLiteral("'%1': %2 registers, but values for %3")
+        throw Failure(ExitCode::Usage, QStringLiteral("'%1': %2 registers, but the values need %3")
                                            .arg(whole)
                                            .arg(*address.count)
                                            .arg(registers));
@@ -63,7 +64,7 @@ Assignment parseAssignment(const QString& text, const RegisterCatalogue& catalog
     const int equals = text.indexOf('=');
     if (equals < 1 || equals + 1 == text.size())
         throw Failure(ExitCode::Usage,
-                      "'" + text + "' assigns nothing; write for example D100=5 or M0=on");
+                      "'" + text + "' has no value; use for example D100=5 or M0=on");
     return assignmentOf(takeApart(text.left(equals)), text.mid(equals + 1).split(','), text,
                         catalogue, format);
 }
@@ -76,7 +77,7 @@ Assignment assignmentByLetters(const WriteOptions& options, const RegisterCatalo
     for (const std::string& value : options.assignments) {
         const QString text = QString::fromStdString(value);
         if (text.contains('='))
-            throw Failure(ExitCode::Usage, "'" + text + "': with -r only values follow");
+            throw Failure(ExitCode::Usage, "'" + text + "': with -r give only values");
         values += text.split(',');
     }
     return assignmentOf(address, values, address.written + '=' + values.join(','), catalogue,
