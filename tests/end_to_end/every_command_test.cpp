@@ -35,7 +35,7 @@ const Command commands[] = {
 )"},
     {"check", R"(fxhost> check X17 X18 --csv -q
 X17,true,"X17 of station 1, bit"
-X18,false,'X18' has a number that does not fit: X0 to X377 in octal
+X18,false,'X18' has an invalid number; use X0 to X377 in octal
 [1]
 )"},
     {"series", R"(fxhost> series X6 -c 3 --csv -q
@@ -128,23 +128,23 @@ read D100,␂010C802␃71,␂1234␃CD,good,accepted
 )"},
     {"record", R"(fxsim> poke 0x1000 0x12 0x34
 fxhost> record session.jsonl D0 -n 1
-  session.jsonl: 1 exchanges kept, 1 of them good
+  session.jsonl: 1 exchange saved, 1 good
 fxhost> replay session.jsonl
-1 exchanges, all alike
+no difference in 1 exchange
 )"},
     {"replay", R"(fxhost> record session.jsonl D0:64 -n 10
-  session.jsonl: 20 exchanges kept, 20 of them good
+  session.jsonl: 20 exchanges saved, 20 good
 fxhost> replay session.jsonl
-20 exchanges, all alike
+no difference in 20 exchanges
 fxhost> replay no-such-file
 fxhost: no-such-file: No such file or directory
 [7]
 )"},
     {"doctor", R"(fxhost> doctor --csv -q
-the settings given,answered,good,The PLC answers with the settings given. All is well.
+settings as given,answered,good,The PLC answers (settings as given). All is well.
 )"},
     {"demo", R"(fxhost> demo | grep -o All.*
-All 10 checks came true: what was read back is what was written.
+All 10 checks passed: the values read back are the values written.
 )",
      "sample"},
 };

@@ -42,22 +42,22 @@ constexpr int either = -1;     // what came in one piece with its answer spoils 
 // clang-format off
 const Fault faults[] = {
     // name          second exchange    write  every exchange        time-out  read    says
-    {"power-cycle",  "power-cycle:9@2",    1,  "power-cycle:9000=1", soon,  4,      "no answer"},
+    {"power-cycle",  "power-cycle:9@2",    1,  "power-cycle:9000=1", soon,  4,      "no reply"},
     {"link-drop",    "link-drop:20@2",     0,  "link-drop:9000=1",   soon,  3,      "the link was lost"},
-    {"silence",      "silence@2",          0,  "silence=1",          soon,  4,      "no answer"},
+    {"silence",      "silence@2",          0,  "silence=1",          soon,  4,      "no reply"},
     {"nak",          "nak@2",              0,  "nak=1",              never, 5,      "refused by the PLC (NAK)"},
-    {"delay",        "delay:200@2",        0,  "delay:9000=1",       soon,  4,      "no answer"},
-    {"wrong-sum",    "wrong-sum@2",        0,  "wrong-sum=1",        never, 6,      "the sum is wrong"},
+    {"delay",        "delay:200@2",        0,  "delay:9000=1",       soon,  4,      "no reply"},
+    {"wrong-sum",    "wrong-sum@2",        0,  "wrong-sum=1",        never, 6,      "wrong sum"},
     {"flipped-bits", "flipped-bits@2",     0,  "flipped-bits=1",     never, 6,      ""},
-    {"bit7",         "bit7@2",             0,  "bit7=1",             never, 6,      "bit 7 is set"},
-    {"truncated",    "truncated:9@2",      0,  "truncated:9=1",      soon,  6,      "the answer broke off"},
-    {"lost-stx",     "lost-stx@2",         0,  "lost-stx=1",         soon,  6,      "the answer broke off"},
-    {"lost-etx",     "lost-etx@2",         0,  "lost-etx=1",         soon,  6,      "the answer broke off"},
+    {"bit7",         "bit7@2",             0,  "bit7=1",             never, 6,      "bit 7 set"},
+    {"truncated",    "truncated:9@2",      0,  "truncated:9=1",      soon,  6,      "incomplete reply"},
+    {"lost-stx",     "lost-stx@2",         0,  "lost-stx=1",         soon,  6,      "incomplete reply"},
+    {"lost-etx",     "lost-etx@2",         0,  "lost-etx=1",         soon,  6,      "incomplete reply"},
     {"junk-before",  "junk-before@2",      0,  "junk-before=1",      never, 6,      ""},
     {"junk-after",   "junk-after@2",       0,  "junk-after=1",       never, either, ""},
     {"duplicate",    "duplicate@2",        0,  "duplicate=1",        never, either, ""},
     {"slices",       "slices:1@2",         0,  "slices:1=1",         never, 0,      ""},
-    {"echo",         "echo@2",             0,  "echo=1",             never, 6,      "came back as an echo"},
+    {"echo",         "echo@2",             0,  "echo=1",             never, 6,      "echo of the request"},
     {"mixed",        "mixed:30=0.5",       0,  "mixed:30=1",         soon,  either, ""},
 };
 // clang-format on

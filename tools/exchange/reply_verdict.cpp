@@ -24,15 +24,15 @@ struct VerdictRow
 
 constexpr VerdictRow verdictRows[] = {
     {ReplyVerdict::Good, "good", "good"},
-    {ReplyVerdict::Silence, "silence", "no answer"},
+    {ReplyVerdict::Silence, "silence", "no reply"},
     {ReplyVerdict::Refused, "refused", "refused by the PLC (NAK)"},
-    {ReplyVerdict::Incomplete, "incomplete", "the answer broke off"},
-    {ReplyVerdict::TooLong, "too-long", "more came than was asked for"},
-    {ReplyVerdict::HighBits, "high-bits", "bit 7 is set: data bits or parity differ"},
-    {ReplyVerdict::Echo, "echo", "the request came back as an echo"},
-    {ReplyVerdict::NotAFrame, "not-a-frame", "no frame"},
-    {ReplyVerdict::WrongSum, "wrong-sum", "damaged: the sum is wrong"},
-    {ReplyVerdict::Late, "late", "the answer came too late"},
+    {ReplyVerdict::Incomplete, "incomplete", "incomplete reply"},
+    {ReplyVerdict::TooLong, "too-long", "reply too long"},
+    {ReplyVerdict::HighBits, "high-bits", "bit 7 set: check data bits and parity"},
+    {ReplyVerdict::Echo, "echo", "echo of the request"},
+    {ReplyVerdict::NotAFrame, "not-a-frame", "not a frame"},
+    {ReplyVerdict::WrongSum, "wrong-sum", "damaged: wrong sum"},
+    {ReplyVerdict::Late, "late", "late reply"},
     {ReplyVerdict::LinkLost, "link-lost", "the link was lost"},
     {ReplyVerdict::Interrupted, "interrupted", "interrupted"},
 };

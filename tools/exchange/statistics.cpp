@@ -21,7 +21,7 @@ QString kindText(ExchangeKind kind)
     case ExchangeKind::Write:
         return QStringLiteral("write");
     case ExchangeKind::ConditionalRead:
-        return QStringLiteral("conditional read");
+        return QStringLiteral("one-off read");
     case ExchangeKind::CyclicRead:
         return QStringLiteral("cyclic read");
     case ExchangeKind::RecipeDownload:

@@ -19,7 +19,8 @@ fxsim::Settings plcSettings(const SimulatedSettings& simulated)
     try {
         settings.faults = fxsim::parseFaults(simulated.faults);
     } catch (const fxsim::Error& error) {
-        throw Failure(ExitCode::Usage, "link '" + linkText(simulated) + "': " + error.text());
+        throw Failure(ExitCode::Usage,
+                      "invalid link '" + linkText(simulated) + "': " + error.text());
     }
     settings.timing.baud = simulated.baud.value_or(settings.timing.baud);
     return settings;

@@ -93,15 +93,15 @@ TEST(Verdicts, EachHaveAWordAndAText)
     for (const ReplyVerdict verdict : allVerdicts())
         rows += verdictName(verdict) + ": " + verdictText(verdict);
     EXPECT_EQ(rows.join('\n').toStdString(), R"(good: good
-silence: no answer
+silence: no reply
 refused: refused by the PLC (NAK)
-incomplete: the answer broke off
-too-long: more came than was asked for
-high-bits: bit 7 is set: data bits or parity differ
-echo: the request came back as an echo
-not-a-frame: no frame
-wrong-sum: damaged: the sum is wrong
-late: the answer came too late
+incomplete: incomplete reply
+too-long: reply too long
+high-bits: bit 7 set: check data bits and parity
+echo: echo of the request
+not-a-frame: not a frame
+wrong-sum: damaged: wrong sum
+late: late reply
 link-lost: the link was lost
 interrupted: interrupted)");
 }

@@ -104,7 +104,7 @@ TEST(Kinds, HaveTheirNames)
     for (const ExchangeKind kind : allExchangeKinds())
         names += kindText(kind);
     EXPECT_EQ(names.join('/').toStdString(),
-              "write/conditional read/cyclic read/recipe download/recipe upload");
+              "write/one-off read/cyclic read/recipe download/recipe upload");
 }
 
 TEST(Times, PercentilesAreExactToABucket)

@@ -111,8 +111,9 @@ TEST_P(Commands, RestoreNamesWhatTheProgramOfThePlcWrites)
     const QString file = newFile(folder, "values.csv", "address,value\nD0,65535\nD100,7\n");
     const Ended ended = fxhost({"--link", counting.link(), "restore", file, "-q"});
     EXPECT_EQ(ended.code, 1);
-    EXPECT_EQ(ended.err, "fxhost: D0: written, but other values were read back; does the PLC's "
-                         "program write there?\n");
+    EXPECT_EQ(ended.err,
+              "fxhost: written, but read back with another value: D0; does the program in "
+              "the PLC write there?\n");
     EXPECT_EQ(counting.command("peek 0x10C8 2"), "10C8: 07 00\n");
 }
 
@@ -123,13 +124,13 @@ TEST_P(Commands, RecordingIsReplayedWithoutThePlc)
     EXPECT_EQ(run({"record", file, "D0:64", "X0:8", "-n", "2"}).code, 0);
     const Ended replayed = fxhost({"replay", file});
     EXPECT_EQ(replayed.code, 0);
-    EXPECT_EQ(replayed.out, "6 exchanges, all alike\n");
+    EXPECT_EQ(replayed.out, "no difference in 6 exchanges\n");
 
     QByteArray changed = contentOf(file);
     changed.replace("1#D32(32)", "1#D33(32)");
     const Ended differs = fxhost({"replay", newFile(folder, "changed.jsonl", changed)});
     EXPECT_EQ(differs.code, 1);
-    EXPECT_TRUE(holds(differs.err, "line 4: the driver answers"));
+    EXPECT_TRUE(holds(differs.err, "line 4: the driver returns"));
 }
 
 TEST_P(Commands, StatsShowTheHistogramBesideTheTimeout)
@@ -146,7 +147,7 @@ TEST_P(Commands, StatsShowTheHistogramBesideTheTimeout)
     EXPECT_GE(stats["timeoutMs"].toInt(), stats["timeoutFloorMs"].toInt());
     EXPECT_LE(stats["timeoutMs"].toInt(), stats["timeoutCeilingMs"].toInt());
     const Ended forPeople = run({"stats", "D0:64", "-n", "5"});
-    EXPECT_TRUE(holds(forPeople.out, "  response times; the time-out is ")) << forPeople.out;
+    EXPECT_TRUE(holds(forPeople.out, "  response times (time-out: ")) << forPeople.out;
     EXPECT_TRUE(holds(forPeople.out, "█")) << forPeople.out;
     EXPECT_TRUE(
         holds(run({"stats", "D0", "-n", "5", "--csv"}).out, "\nexchanges.cyclic read.good,5\n"));

@@ -99,7 +99,7 @@ TEST_P(Misbehaving, ASilentPlcIsNotAskedForEverything)
     const RunningSimulator plc(GetParam(), {"--baud", "0", "--faults", "silence=1"});
     const Ended ended = run(plc, {"-o", "50", "--retries", "0", "read", "D0:8000", "--csv", "-q"});
     EXPECT_EQ(ended.code, 4);
-    EXPECT_EQ(times(ended.out, ",,no answer\n"), 8000);
+    EXPECT_EQ(times(ended.out, ",,no reply\n"), 8000);
 }
 
 TEST_P(Misbehaving, ADumpKeepsAGoodFileWhenThePlcIsSilent)
@@ -109,8 +109,8 @@ TEST_P(Misbehaving, ADumpKeepsAGoodFileWhenThePlcIsSilent)
     const QString file = newFile(folder, "plc.csv", "address,value\nD0,7\n");
     const Ended ended = run(plc, {"-o", "50", "dump", file, "D0:64", "-q"});
     EXPECT_EQ(ended.code, 4);
-    EXPECT_EQ(ended.err, "fxhost: no answer: nothing was read, and nothing written to " +
-                             file.toStdString() + "\n");
+    EXPECT_EQ(ended.err,
+              "fxhost: no reply: nothing was read, " + file.toStdString() + " was not written\n");
     EXPECT_EQ(contentOf(file), "address,value\nD0,7\n");
     const QString other = folder.filePath("new.csv");
     EXPECT_EQ(run(plc, {"-o", "50", "dump", other, "D0:64"}).code, 4);
@@ -124,7 +124,7 @@ TEST_P(Misbehaving, ARecordingOfSilenceIsToldAsSuch)
     const QString file = folder.filePath("session.jsonl");
     const Ended ended = run(plc, {"-o", "50", "--retries", "1", "record", file, "D0"});
     EXPECT_EQ(ended.code, 4);
-    EXPECT_EQ(ended.out, "  " + file.toStdString() + ": 2 exchanges kept, 0 of them good\n");
+    EXPECT_EQ(ended.out, "  " + file.toStdString() + ": 2 exchanges saved, 0 good\n");
     EXPECT_EQ(ended.err,
               "fxhost: no valid reply; to find out why, run fxhost doctor with this link\n");
 }
@@ -148,10 +148,10 @@ TEST_P(Misbehaving, DoctorSaysWhatIsTheMatter)
     };
     const Case cases[] = {
         {"silence=1", 4, "answers ENQ but no request"},
-        {"nak=1", 5, "it answers NAK. Line and wiring are right"},
-        {"bit7=1", 6, "the two ends disagree about data bits or parity"},
-        {"echo=1", 6, "What is sent comes back"},
-        {"wrong-sum=1", 6, "Something answers, but damaged"},
+        {"nak=1", 5, "refuses to read D8000 (NAK). Line settings and wiring are correct"},
+        {"bit7=1", 6, "have bit 7 set"},
+        {"echo=1", 6, "The request comes back"},
+        {"wrong-sum=1", 6, "Replies are damaged"},
     };
     for (const Case& one : cases) {
         const RunningSimulator plc(GetParam(), {"--baud", "0", "--faults", one.fault});
@@ -167,6 +167,6 @@ TEST_P(Misbehaving, AWriteThatGoesUnansweredMayHaveArrived)
                                {"--baud", "0", "--program", "none", "--faults", "silence=1"});
     const Ended ended = run(plc, {"-o", "50", "--retries", "0", "write", "D0=1", "--csv", "-q"});
     EXPECT_EQ(ended.code, 4);
-    EXPECT_EQ(ended.out, "D0,1,\"0 of 1 frames written: no answer; D0 may have arrived, nothing "
+    EXPECT_EQ(ended.out, "D0,1,\"0 of 1 frames written: no reply; D0 possibly written, nothing "
                          "else\"\n");
 }

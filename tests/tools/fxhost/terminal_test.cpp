@@ -51,13 +51,13 @@ protected:
 TEST_F(TerminalViews, WatchDrawsOverItsTable)
 {
     Terminal terminal(linked({"watch", "D0:2", "X0", "-l", "20"}), 80, 24);
-    ASSERT_TRUE(terminal.waitForText("cycle 3, Ctrl-C ends"));
+    ASSERT_TRUE(terminal.waitForText("cycle 3; Ctrl-C to stop"));
     plc.command("poke 0x1002 0x39 0x30");
     ASSERT_TRUE(terminal.waitForText("D1       12345"));
     EXPECT_EQ(terminal.screen().lines().mid(0, 4),
               QStringList({"  address  value  error", "  D0           0", "  D1       12345",
                            "  X0           0"}));
-    EXPECT_TRUE(terminal.screen().lines()[4].contains("Ctrl-C ends"));
+    EXPECT_TRUE(terminal.screen().lines()[4].contains("Ctrl-C to stop"));
     EXPECT_EQ(terminal.screen().lines().size(), 5);
     EXPECT_TRUE(terminal.written().contains("\x1b[1;33m12345\x1b[0m")) << "a change is marked";
     terminal.press(ctrlC);
@@ -73,7 +73,7 @@ TEST_F(TerminalViews, WatchOfManyRegistersFitsASmallTerminal)
     EXPECT_EQ(lines.size(), 11) << "and the cursor below them";
     EXPECT_EQ(lines[0], "  address  value  e…");
     EXPECT_EQ(lines[1], "  D0           0");
-    EXPECT_EQ(lines[9], "  … 22 more do not …");
+    EXPECT_EQ(lines[9], "  … 22 lines not sh…");
     terminal.press(ctrlC);
     EXPECT_EQ(terminal.waitForEnd(), 130);
     expectCleanEnd(terminal);
@@ -82,12 +82,12 @@ TEST_F(TerminalViews, WatchOfManyRegistersFitsASmallTerminal)
 TEST_F(TerminalViews, WatchFollowsTheSizeOfItsTerminal)
 {
     Terminal terminal(linked({"watch", "D0:30", "-l", "20"}), 80, 24);
-    ASSERT_TRUE(terminal.waitForText("10 more do not fit here"));
+    ASSERT_TRUE(terminal.waitForText("10 lines not shown"));
     terminal.resize(40, 12);
-    ASSERT_TRUE(terminal.waitForText("22 more do not fit here"));
+    ASSERT_TRUE(terminal.waitForText("22 lines not shown"));
     terminal.resize(80, 40);
     ASSERT_TRUE(terminal.waitFor([](const Screen& screen) {
-        return screen.text().contains("D29          0") && linesWith(screen, "Ctrl-C ends") == 1;
+        return screen.text().contains("D29          0") && linesWith(screen, "Ctrl-C to stop") == 1;
     }));
     EXPECT_EQ(linesWith(terminal.screen(), "address"), 1);
     EXPECT_EQ(terminal.screen().lines().size(), 32);
@@ -101,7 +101,7 @@ TEST_F(TerminalViews, WatchBeginsANewTableWhenItGoesOn)
     terminal.send(SIGSTOP);
     terminal.send(SIGCONT);
     EXPECT_TRUE(terminal.waitFor(
-        [](const Screen& screen) { return linesWith(screen, "Ctrl-C ends") == 2; }));
+        [](const Screen& screen) { return linesWith(screen, "Ctrl-C to stop") == 2; }));
     EXPECT_EQ(linesWith(terminal.screen(), "address"), 2);
     EXPECT_EQ(terminal.screen().lines().size(), 8);
     terminal.press(ctrlC);
@@ -164,7 +164,7 @@ TEST_F(TerminalViews, NoColorLeavesOnlyTheDrawing)
     Terminal terminal(linked({"watch", "D0", "-l", "20", "-n", "3"}), 80, 24, {"NO_COLOR=1"});
     EXPECT_EQ(terminal.waitForEnd(), 0);
     EXPECT_EQ(terminal.screen().lines(), QStringList({"  address  value  error", "  D0           0",
-                                                      "  cycle 3, Ctrl-C ends"}));
+                                                      "  cycle 3; Ctrl-C to stop"}));
     EXPECT_FALSE(terminal.written().contains("\x1b[2m"));
     EXPECT_FALSE(terminal.written().contains("\x1b[0m"));
 }
@@ -247,11 +247,11 @@ TEST_F(TerminalViews, DoctorShowsEachSettingAsItTriesIt)
     EXPECT_EQ(terminal.waitForEnd(), 0);
     EXPECT_EQ(terminal.screen().lines(),
               QStringList({"  setting         enquiry   request",
-                           "  9600 baud 7E1   answered  bit 7 is set: data bits or parity differ",
-                           "  19200 baud 7E1  answered  bit 7 is set: data bits or parity differ",
+                           "  9600 baud 7E1   answered  bit 7 set: check data bits and parity",
+                           "  19200 baud 7E1  answered  bit 7 set: check data bits and parity",
                            "  38400 baud 7E1  answered  good", QString(),
-                           "The PLC answers with 38400 baud 7E1. All is well.",
-                           "Write it as --link 'serial:" + port + "?baud=38400&line=7E1'."}));
+                           "The PLC answers (38400 baud 7E1). All is well.",
+                           "Use it with --link 'serial:" + port + "?baud=38400&line=7E1'."}));
     EXPECT_GT(terminal.written().count("\x1b[2A"), 0) << "it was drawn as it grew";
 }
 

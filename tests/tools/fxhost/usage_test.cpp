@@ -141,7 +141,7 @@ INSTANTIATE_TEST_SUITE_P(
         Mistake{"MoreRegistersThanValues",
                 {"write", "D0:3=1"},
                 2,
-                "fxhost: 'D0:3=1': 3 registers, but the values need 1"},
+                "fxhost: 'D0:3=1': the address names 3 registers, the values need 1"},
         Mistake{"AssignmentBehindLetters",
                 {"write", "-r", "0", "D5=1"},
                 2,

@@ -138,15 +138,15 @@ TEST_F(RegisterFile, IsReplacedWithTheFirstValue)
 {
     fileWith("address,value\nD0,7\n");
     RegisterFileWriter writer(path, RegisterFileWriter::Mode::Replace);
-    writer.addComment("D0: no answer");
+    writer.addComment("D0: no reply");
     EXPECT_EQ(content(), "address,value\nD0,7\n");
     writer.add("D1", 8);
-    EXPECT_EQ(content(), "address,value\n# D0: no answer\nD1,8\n");
+    EXPECT_EQ(content(), "address,value\n# D0: no reply\nD1,8\n");
     writer.add("D2", 9);
-    writer.addComment("D3: no answer");
-    EXPECT_EQ(content(), "address,value\n# D0: no answer\nD1,8\nD2,9\n");
+    writer.addComment("D3: no reply");
+    EXPECT_EQ(content(), "address,value\n# D0: no reply\nD1,8\nD2,9\n");
     writer.finish();
-    EXPECT_EQ(content(), "address,value\n# D0: no answer\nD1,8\nD2,9\n# D3: no answer\n");
+    EXPECT_EQ(content(), "address,value\n# D0: no reply\nD1,8\nD2,9\n# D3: no reply\n");
 }
 
 TEST_F(RegisterFile, StaysAsItIsWhenNoValueComes)
@@ -154,7 +154,7 @@ TEST_F(RegisterFile, StaysAsItIsWhenNoValueComes)
     fileWith("address,value\nD0,7\n");
     {
         RegisterFileWriter writer(path, RegisterFileWriter::Mode::Replace);
-        writer.addComment("D0: no answer");
+        writer.addComment("D0: no reply");
         writer.finish();
     }
     EXPECT_EQ(content(), "address,value\nD0,7\n");

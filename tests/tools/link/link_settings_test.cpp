@@ -72,20 +72,21 @@ TEST(LinkSettings, TextFormMeansTheSameLink)
 
 TEST(LinkSettings, WrongOnesSayWhatWouldBeRight)
 {
-    EXPECT_EQ(reasonFor("com1"), "link 'com1': write sim:, serial:/dev/ttyUSB0?baud=9600, "
-                                 "tcp:HOST:PORT or pty:PATH");
-    EXPECT_EQ(reasonFor("serial:"), "link 'serial:': the path of the port is missing");
+    EXPECT_EQ(reasonFor("com1"),
+              "invalid link 'com1': expected sim:, serial:/dev/ttyUSB0?baud=9600, "
+              "tcp:HOST:PORT or pty:PATH");
+    EXPECT_EQ(reasonFor("serial:"), "invalid link 'serial:': the path of the port is missing");
     EXPECT_EQ(reasonFor("serial:x?baud=fast"),
-              "link 'serial:x?baud=fast': the baud rate is a number, such as 9600");
-    EXPECT_EQ(reasonFor("serial:x?line=9E1"),
-              "link 'serial:x?line=9E1': line is data bits, parity and stop bits, such as 7E1 or "
-              "8N1");
+              "invalid link 'serial:x?baud=fast': baud must be a positive number such as 9600");
+    EXPECT_EQ(reasonFor("serial:x?line=9E1"), "invalid link 'serial:x?line=9E1': line must be data "
+                                              "bits, parity and stop bits such as 7E1 or "
+                                              "8N1");
     EXPECT_EQ(reasonFor("serial:x?parity=mark"),
-              "link 'serial:x?parity=mark': the parity is even, odd or none");
+              "invalid link 'serial:x?parity=mark': parity must be even, odd or none");
     EXPECT_EQ(reasonFor("tcp:plc:65536"),
-              "link 'tcp:plc:65536': the port is a number from 1 to 65535");
+              "invalid link 'tcp:plc:65536': port must be a number from 1 to 65535");
     EXPECT_EQ(reasonFor("tcp:plc?baud=9600"),
-              "link 'tcp:plc?baud=9600': 'baud' is no setting here; there is port");
+              "invalid link 'tcp:plc?baud=9600': unknown setting 'baud'; known: port");
     EXPECT_EQ(reasonFor("sim:here"),
-              "link 'sim:here': write sim: or sim:?baud=9600&faults=silence=0.05");
+              "invalid link 'sim:here': expected sim: or sim:?baud=9600&faults=silence=0.05");
 }

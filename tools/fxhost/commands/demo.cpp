@@ -37,7 +37,7 @@ void showChapters(DemoBench& bench, bool live)
         chapter(bench);
     }
     if (!bench.isInterrupted())
-        bench.confirm(bench.linkIsGood(), QStringLiteral("the link held to the end"));
+        bench.confirm(bench.linkIsGood(), QStringLiteral("the link stayed open to the end"));
     if (live && !bench.isInterrupted() && bench.linkIsGood())
         showLiveValues(bench, -1);
     showSummary(bench);

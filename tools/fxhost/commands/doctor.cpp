@@ -17,7 +17,7 @@ namespace {
 
 constexpr int patienceMs = 300;
 
-// What FX ports speak first, then what people set by mistake.
+// The settings of FX ports first, then common mistakes.
 constexpr LineSettings usualLines[] = {
     {9600},
     {19200},
@@ -40,7 +40,7 @@ struct Finding
     ReplyVerdict verdict = ReplyVerdict::Silence;
 };
 
-// A serial port whose settings the user left open.
+// A serial port for which the user gave no line settings.
 const SerialSettings* openPort(const LinkSettings& link)
 {
     const auto* const serial = std::get_if<SerialSettings>(&link);
@@ -72,14 +72,14 @@ ConnectionSettings doctorSettings(const CommonOptions& common)
     return settings;
 }
 
-// `onFinding` gets those so far, one more each time.
+// Calls `onFinding` with all findings so far after each one.
 QVector<Finding> examineAll(const CommonOptions& common, const OnFinding& onFinding)
 {
     ConnectionSettings settings = doctorSettings(common);
     const SerialSettings* const port = openPort(settings.link);
     QVector<Finding> findings;
     if (!port) {
-        findings.append(examine(settings, QStringLiteral("the settings given")));
+        findings.append(examine(settings, QStringLiteral("settings as given")));
         onFinding(findings);
         return findings;
     }
@@ -100,34 +100,34 @@ QString advice(const Finding& best)
 {
     switch (best.verdict) {
     case ReplyVerdict::Good:
-        return "The PLC answers with " + best.setting + ". All is well.";
+        return "The PLC answers (" + best.setting + "). All is well.";
     case ReplyVerdict::Refused:
         return QStringLiteral(
-            "The PLC is there and understands, but refuses D8000: it answers NAK. "
-            "Line and wiring are right; ask for a register that it has.");
+            "The PLC answers, but refuses to read D8000 (NAK). Line settings and wiring are "
+            "correct. Try to read another register.");
     case ReplyVerdict::Silence:
     case ReplyVerdict::LinkLost:
         return best.answersEnquiry
-                   ? QStringLiteral("The PLC answers ENQ but no request: is another program "
-                                    "talking to it, or is it no FX programming port?")
-                   : QStringLiteral("Nothing comes at all: is the PLC on, is the cable in the "
-                                    "programming port, are sending and receiving lines crossed?");
+                   ? QStringLiteral("The PLC answers ENQ but no request. Is another program "
+                                    "using this port? Is it an FX programming port?")
+                   : QStringLiteral("No reply at all. Is the PLC on? Is the cable in the "
+                                    "programming port? Are the send and receive lines swapped?");
     case ReplyVerdict::Interrupted:
-        return QStringLiteral("Interrupted before anything could be said.");
+        return QStringLiteral("Interrupted before there was a result.");
     case ReplyVerdict::Late:
-        return QStringLiteral("The answer is right but late: give more time with --timeout.");
+        return QStringLiteral("The reply is correct but late. Set a longer --timeout.");
     case ReplyVerdict::HighBits:
-        return QStringLiteral("Characters come with bit 7 set: the two ends disagree about data "
-                              "bits or parity; FX ports speak 7E1.");
+        return QStringLiteral("Received characters have bit 7 set: the data bits or the parity "
+                              "of the two ends differ. FX ports use 7E1.");
     case ReplyVerdict::Echo:
-        return QStringLiteral("What is sent comes back: the adapter echoes, or its sending and "
-                              "receiving lines touch.");
+        return QStringLiteral("The request comes back. Either the adapter echoes, or its send and "
+                              "receive lines are connected.");
     case ReplyVerdict::Incomplete:
     case ReplyVerdict::TooLong:
     case ReplyVerdict::NotAFrame:
     case ReplyVerdict::WrongSum:
-        return QStringLiteral("Something answers, but damaged: look for a wrong speed or "
-                              "parity, a loose cable or a disturbance.");
+        return QStringLiteral("Replies are damaged. Check the baud rate, the parity and the "
+                              "cable, and look for electrical interference.");
     }
     return {};
 }
@@ -151,7 +151,7 @@ QString enquiryText(const Finding& finding)
     return finding.answersEnquiry ? QStringLiteral("answered") : QStringLiteral("no answer");
 }
 
-// The table grows on a terminal, where people wait for it: a silent line takes its time.
+// On a terminal the table grows while people wait: a silent line takes time.
 void drawTable(Console& console, const QVector<Finding>& findings, bool quiet)
 {
     Table table({{"setting"}, {"enquiry"}, {"request"}});
@@ -175,7 +175,7 @@ void showAdvice(Console& console, const QVector<Finding>& findings)
     console.line();
     console.line(advice(best));
     if (findings.size() > 1 && best.verdict == ReplyVerdict::Good)
-        console.line(QStringLiteral("Write it as --link '%1'.").arg(linkText(best.link)));
+        console.line(QStringLiteral("Use it with --link '%1'.").arg(linkText(best.link)));
 }
 
 ExitCode runDoctor(const CommonOptions& common)

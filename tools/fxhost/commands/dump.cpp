@@ -110,21 +110,20 @@ ExitCode stopped(const Dumper& dumper, const QString& path, const RegisterRange&
 {
     const bool holdsSome = dumper.result().good() + dumper.alreadyThere() > 0;
     const QString reason = verdictText(problem);
-    complain(
-        holdsSome
-            ? QStringLiteral("%1: %2 holds what could be read before %3; go on with --resume")
-                  .arg(reason, path, portion.nameOf(0))
-            : QStringLiteral("%1: nothing was read, and nothing written to %2").arg(reason, path));
+    complain(holdsSome
+                 ? QStringLiteral("%1: %2 holds the values read before %3; continue with --resume")
+                       .arg(reason, path, portion.nameOf(0))
+                 : QStringLiteral("%1: nothing was read, %2 was not written").arg(reason, path));
     return exitCodeOf(problem);
 }
 
 QString resultText(const PollResult& result, int alreadyThere)
 {
-    QString text = QStringLiteral("%1 registers read").arg(result.good());
+    QString text = counted(result.good(), "register") + " read";
     if (result.failed() > 0)
-        text += QStringLiteral(", %1 could not be").arg(result.failed());
+        text += QStringLiteral(", %1 failed").arg(result.failed());
     if (alreadyThere > 0)
-        text += QStringLiteral(", %1 were in it already").arg(alreadyThere);
+        text += QStringLiteral(", %1 already in the file").arg(alreadyThere);
     return text;
 }
 

@@ -9,19 +9,16 @@ namespace fxtools {
 
 namespace {
 
-[[noreturn]] void reject(const LinkSettings& link, const QString& reason)
-{
-    throw Failure(ExitCode::Usage, "link '" + linkText(link) + "': " + reason);
-}
-
 // The settings of the kind that an option is for.
 template <typename Settings>
 Settings& settingsFor(LinkSettings& link, const char* option)
 {
     if (auto* const settings = std::get_if<Settings>(&link))
         return *settings;
-    reject(link, QStringLiteral("no setting '%1' for this kind of link; it has: %2")
-                     .arg(QLatin1String(option), settingNames(link).join(QStringLiteral(", "))));
+    throw Failure(ExitCode::Usage,
+                  QStringLiteral("link '%1': no setting '%2' for this kind of link; it has: %3")
+                      .arg(linkText(link), QLatin1String(option),
+                           settingNames(link).join(QStringLiteral(", "))));
 }
 
 LineSettings& lineFor(LinkSettings& link, const char* option)
@@ -46,8 +43,9 @@ LinkSettings LinkOptions::settings(const LinkSettings& unlessSaid) const
     if (baud > 0)
         applyBaud(settings, baud);
     if (!line.empty() && !parseCharacter(QString::fromStdString(line), lineFor(settings, "line")))
-        reject(settings,
-               QStringLiteral("line must be data bits, parity and stop bits such as 7E1 or 8N1"));
+        throw Failure(ExitCode::Usage,
+                      "invalid --line '" + QString::fromStdString(line) +
+                          "': expected data bits, parity and stop bits such as 7E1 or 8N1");
     if (!parity.empty())
         lineFor(settings, "parity").parity = *parseParity(QString::fromStdString(parity));
     if (port > 0)

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// fxhost plan: what a set of addresses costs on the line: the blocks that the driver makes of it,
-// what each reads that nobody asked for, and how long a cycle takes at usual speeds. Needs no PLC.
+// fxhost plan: what polling a set of addresses costs: the blocks that the driver reads, the
+// registers in them that were not asked for, and the cycle time at usual baud rates. Needs no PLC.
 
 #include "tools/exchange/blocks.h"
 #include "tools/fxhost/commands/address_options.h"
@@ -27,7 +27,7 @@ bool isAsked(const QVector<RegisterRange>& asked, const RegisterRange& one)
                        [&one](const RegisterRange& range) { return isInside(one, range); });
 }
 
-// What a block reads though nobody asked for it, run by run.
+// The registers that a block reads although they were not asked for, run by run.
 QVector<RegisterRange> unaskedRuns(const QVector<RegisterRange>& asked, const RegisterRange& block)
 {
     QVector<RegisterRange> runs;
@@ -51,7 +51,7 @@ struct PlannedBlock
     int bytes = 0;
     int unaskedCount = 0;
     QStringList unasked;
-    int characters = 0;  // of the request and its answer
+    int characters = 0;  // of the request and its reply
 };
 
 PlannedBlock describe(const RegisterCatalogue& catalogue, const QVector<RegisterRange>& asked,
@@ -111,10 +111,9 @@ void showCycleTimes(const QVector<PlannedBlock>& plan)
     table.add(times);
     Console().line();
     Console().line(
-        QStringLiteral("  %1 blocks, %2 characters a cycle; to the times on the line the "
-                       "PLC adds\n  up to a scan for each block:")
-            .arg(plan.size())
-            .arg(characters));
+        QStringLiteral("  %1 with %2 for one cycle. Time on the line in ms; the PLC adds up to\n"
+                       "  one scan for each block:")
+            .arg(counted(plan.size(), "block"), counted(characters, "character")));
     for (const QString& line : table.lines())
         Console().line(line);
 }

@@ -27,20 +27,21 @@ void needWords(const QVector<RegisterRange>& entries)
     }
 }
 
-// "D1000:32 may have arrived" of an entry that was sent without a clear answer.
+// An entry that was sent without a clear reply is "possibly written".
 QString stoppedText(const RecipeOutcome& outcome, RecipeDirection direction,
                     const QVector<RegisterRange>& entries)
 {
     const QString entry = entries.value(outcome.transferred).text();
-    QString text = QStringLiteral("%1: %2; %3 of %4 entries were transferred")
+    QString text = QStringLiteral("%1: %2; %3 of %4 entries transferred")
                        .arg(entry, verdictText(*outcome.problem))
                        .arg(outcome.transferred)
                        .arg(outcome.entries);
     if (direction == RecipeDirection::Upload)
-        return text + ", the file is as it was";
+        return text + ", the file is unchanged";
     if (outcome.transferred > 0)
         text += ", up to " + entries[outcome.transferred - 1].text();
-    return outcome.problem == ReplyVerdict::Refused ? text : text + "; this one may have arrived";
+    return outcome.problem == ReplyVerdict::Refused ? text
+                                                    : text + "; " + entry + " possibly written";
 }
 
 ExitCode finish(const CommonOptions& common, RecipeDirection direction,
@@ -55,7 +56,7 @@ ExitCode finish(const CommonOptions& common, RecipeDirection direction,
         registers += entry.count;
     const QString what =
         direction == RecipeDirection::Download ? "written to the PLC" : "read from the PLC";
-    showResult(common.output, QStringLiteral("  %1 registers %2").arg(registers).arg(what),
+    showResult(common.output, "  " + counted(registers, "register") + ' ' + what,
                {{"entries", outcome.entries}, {"registers", registers}});
     return ExitCode::Good;
 }

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// fxhost record: polls and keeps every exchange in a file.
-// fxhost replay: runs such a file through the driver without a PLC, and compares: the driver must
-// ask for the same frames and judge the same replies alike.
+// fxhost record: polls and saves every exchange in a file.
+// fxhost replay: runs such a file through the driver without a PLC and compares: the driver must
+// send the same frames and return the same results for the same replies.
 
 #include "tools/exchange/recording.h"
 #include "tools/fxhost/commands/address_options.h"
@@ -49,27 +49,26 @@ ExitCode runRecord(const CommonOptions& common, const RecordOptions& options)
     int exchanges = 0;
     connection.loop().onExchange = [&](const Exchange& exchange) {
         if (exchange.answer == DriverAnswer::NoFrame)
-            return;  // the driver never saw what a lost link ate
+            return;  // the link was lost: the driver has not seen this exchange
         recorder.add(exchange);
         ++exchanges;
     };
     const ExitCode code = poll(connection, blocks, options.cycles);
     const qint64 good = connection.loop().statistics().total().accepted;
     showResult(common.output,
-               QStringLiteral("  %1: %2 exchanges kept, %3 of them good")
-                   .arg(path)
-                   .arg(exchanges)
+               QStringLiteral("  %1: %2 saved, %3 good")
+                   .arg(path, counted(exchanges, "exchange"))
                    .arg(good),
                {{"file", path}, {"exchanges", exchanges}, {"good", good}});
     return code;
 }
 
-// What the driver does otherwise than recorded; empty when it does the same.
+// How the driver differs from the recording; empty when it does not.
 QString difference(const DriverLibrary& library, const RecordedExchange& recorded)
 {
     FRAME_PRO frame;
     if (library.getSendFrame(&frame) != fxFrameToSend)
-        return QStringLiteral("the driver sends nothing");
+        return QStringLiteral("the driver sends no frame");
     if (requestBytes(frame) != recorded.sent) {
         return QStringLiteral("the driver sends %1 instead of %2")
             .arg(visibleBytes(requestBytes(frame)), visibleBytes(recorded.sent));
@@ -78,7 +77,7 @@ QString difference(const DriverLibrary& library, const RecordedExchange& recorde
     QString text;
     const int answer = library.dealRcvFrame(reply, text);
     if (answer != recorded.answer || text != recorded.text) {
-        return QStringLiteral("the driver answers %1 '%2' instead of %3 '%4'")
+        return QStringLiteral("the driver returns %1 '%2' instead of %3 '%4'")
             .arg(answer)
             .arg(text)
             .arg(recorded.answer)
@@ -87,7 +86,7 @@ QString difference(const DriverLibrary& library, const RecordedExchange& recorde
     return {};
 }
 
-// The plan that was polled; what is wrong with it is the file's fault.
+// The recorded plan. An error in it is an error of the file.
 QVector<RegisterRange> recordedRanges(const AddressServices& services, const Recording& recording,
                                       const QString& path)
 {
@@ -118,11 +117,11 @@ ExitCode runReplay(const CommonOptions& common, const std::string& file)
         ++alike;
     }
     const int all = recording.exchanges.size();
-    const QString words = alike == all ? QStringLiteral("%1 exchanges, all alike").arg(all)
-                                       : QStringLiteral("%1 of %2 exchanges were alike, then one "
-                                                        "differed")
-                                             .arg(alike)
-                                             .arg(all);
+    const QString words = alike == all
+                              ? QStringLiteral("no difference in %1").arg(counted(all, "exchange"))
+                              : QStringLiteral("first difference after %1 of %2")
+                                    .arg(alike)
+                                    .arg(counted(all, "exchange"));
     showResult(common.output, words, {{"exchanges", all}, {"alike", alike}});
     return alike == all ? ExitCode::Good : ExitCode::SomeFailed;
 }

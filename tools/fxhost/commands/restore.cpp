@@ -68,15 +68,15 @@ std::optional<Stop> restoreRun(Connection& connection, const RegisterRun& run,
         return Stop{failureText(outcome), *outcome.problem};
     const ReplyVerdict verdict = readBack(connection.loop(), run.range);
     if (verdict != ReplyVerdict::Good)
-        return Stop{"written, but not read back: " + verdictText(verdict), verdict};
+        return Stop{"written, but could not be read back: " + verdictText(verdict), verdict};
     different += namesOfDifferent(run, connection.session().values(run.range));
     return std::nullopt;
 }
 
 ExitCode stopped(const RegisterRun& run, const Stop& stop)
 {
-    complain(QStringLiteral("%1: %2; what stands before it in the file was written and read back, "
-                            "go on with --from %3")
+    complain(QStringLiteral("%1: %2; everything before it in the file was written and read back; "
+                            "continue with --from %3")
                  .arg(run.range.text(), stop.text, run.range.nameOf(0)));
     return exitCodeOf(stop.reason);
 }
@@ -84,17 +84,19 @@ ExitCode stopped(const RegisterRun& run, const Stop& stop)
 ExitCode finished(const CommonOptions& common, const QString& path, int registers,
                   const QStringList& different)
 {
-    showResult(common.output,
-               QStringLiteral("  %1: %2 registers written and read back").arg(path).arg(registers),
-               {{"file", path},
-                {"written", registers},
-                {"different", QJsonArray::fromStringList(different)}});
+    showResult(
+        common.output,
+        QStringLiteral("  %1: %2 written and read back").arg(path, counted(registers, "register")),
+        {{"file", path},
+         {"written", registers},
+         {"different", QJsonArray::fromStringList(different)}});
     if (different.isEmpty())
         return ExitCode::Good;
     const int unnamed = different.size() - mostNames;
-    complain(different.mid(0, mostNames).join(", ") +
-             (unnamed > 0 ? QStringLiteral(" and %1 more").arg(unnamed) : QString()) +
-             ": written, but other values were read back; does the PLC's program write there?");
+    complain(
+        "written, but read back with another value: " + different.mid(0, mostNames).join(", ") +
+        (unnamed > 0 ? QStringLiteral(" and %1 more").arg(unnamed) : QString()) +
+        "; does the program in the PLC write there?");
     return ExitCode::SomeFailed;
 }
 

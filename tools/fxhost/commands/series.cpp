@@ -37,9 +37,8 @@ ExitCode runSeries(const CommonOptions& common, const SeriesOptions& options)
     records.finish();
     if (result == fxSeriesFitted)
         return ExitCode::Good;
-    complain(
-        QStringLiteral("the series runs past the end of %1; what is beyond became the last one")
-            .arg(first.type.name));
+    complain(QStringLiteral("the series runs past %1%2; every copy beyond it gets this address")
+                 .arg(first.type.name, first.type.numberText(first.type.highest)));
     return ExitCode::SomeFailed;
 }
 

@@ -27,7 +27,7 @@ struct WatchOptions
     double deadband = 0;
 };
 
-// Shows what is new since it was shown last.
+// Shows the values that have changed since they were last shown.
 class Watcher
 {
 public:
@@ -102,7 +102,8 @@ void Watcher::showTable(const QVector<PolledValue>& values)
     }
     QStringList lines = table.lines().mid(m_quiet ? 1 : 0);
     if (!m_quiet)
-        lines += m_console.dim(QStringLiteral("  %1cycle %2, Ctrl-C ends").arg(time).arg(m_cycle));
+        lines +=
+            m_console.dim(QStringLiteral("  %1cycle %2; Ctrl-C to stop").arg(time).arg(m_cycle));
     m_console.redraw(lines);
 }
 
@@ -155,14 +156,14 @@ void addWatchCommand(CLI::App& app, const CommonOptions& common, Action& action)
         ->transform(timeInMs())
         ->check(CLI::Range(0, longestIntervalMs).description(""));
     command
-        ->add_option("-n,--count", options->cycles, "Stop after N cycles (default: 0 = at Ctrl-C)")
+        ->add_option("-n,--count", options->cycles, "Number of cycles (default: 0 = until Ctrl-C)")
         ->type_name("N")
         ->check(CLI::Range(0, mostCycles).description(""));
     command->add_flag("-1,--once", options->once, "Stop after one cycle");
     command->add_flag("--log", options->log, "Print one line for each change, also on a terminal");
     command->add_option("--deadband", options->deadband, "Ignore changes up to NUMBER")
         ->type_name("NUMBER")
-        ->check(CLI::NonNegativeNumber);
+        ->check(CLI::Validator(CLI::NonNegativeNumber).description(""));
     addExamples(*command, {"fxhost watch D0:4 TV0 X0:8 -n 3",
                            "fxhost watch D1 --log --timestamps --deadband 50 -l 200 -n 10",
                            "fxhost watch -t X -r 0 -c 8 -l 500 -1"});

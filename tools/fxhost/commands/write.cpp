@@ -44,10 +44,11 @@ Assignment assignmentOf(AddressParts address, const QStringList& values, const Q
         assignment.values += parseValue(value.trimmed(), type, format);
     const int registers = assignment.values.size();
     if (address.count.value_or(registers) != registers) {
-        throw Failure(ExitCode::Usage, QStringLiteral("'%1': %2 registers, but the values need %3")
-                                           .arg(whole)
-                                           .arg(*address.count)
-                                           .arg(registers));
+        throw Failure(ExitCode::Usage,
+                      QStringLiteral("'%1': the address names %2 registers, the values need %3")
+                          .arg(whole)
+                          .arg(*address.count)
+                          .arg(registers));
     }
     // Checked again, because the values may run past the end of the type.
     address.count = registers;
@@ -149,7 +150,7 @@ bool Writer::verify(const Assignment& assignment)
 {
     const ReplyVerdict verdict = readBack(m_connection.loop(), assignment.range);
     if (verdict != ReplyVerdict::Good) {
-        report(assignment, "acknowledged, but not read back: " + verdictText(verdict));
+        report(assignment, "acknowledged, but could not be read back: " + verdictText(verdict));
         fail(exitCodeOf(verdict));
         return mayGoOn(verdict);
     }

@@ -33,9 +33,9 @@ QString failureText(const WriteOutcome& outcome)
 {
     QStringList parts;
     if (!outcome.acknowledged.isEmpty())
-        parts += joined(outcome.acknowledged).join(QStringLiteral(", ")) + " arrived";
+        parts += joined(outcome.acknowledged).join(QStringLiteral(", ")) + " written";
     if (!outcome.uncertain.isEmpty())
-        parts += joined(outcome.uncertain).join(QStringLiteral(", ")) + " may have arrived";
+        parts += joined(outcome.uncertain).join(QStringLiteral(", ")) + " possibly written";
     if (!parts.isEmpty())
         parts += QStringLiteral("nothing else");
     const QString text = QStringLiteral("%1 of %2 frames written: %3")

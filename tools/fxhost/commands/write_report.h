@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// What became of a write, in words: never silent about what the PLC may hold now.
+// The text for a failed write. It always says what the PLC may hold now.
 
 #pragma once
 
@@ -9,7 +9,7 @@
 
 namespace fxtools {
 
-// "1 of 3 frames written: no answer; D0 … D31 arrived, D32 … D63 may have arrived, nothing else".
+// "1 of 3 frames written: no reply; D0 … D31 written, D32 … D63 possibly written, nothing else".
 QString failureText(const WriteOutcome& outcome);
 
 }  // namespace fxtools

@@ -1,8 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// The chapters of the demo, in their order. Each prints what it does and confirms what must come
-// true of it.
+// The chapters of the demo, in their order. Each prints what it does and checks the result.
 
 #pragma once
 

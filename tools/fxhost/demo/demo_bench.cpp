@@ -18,9 +18,9 @@ struct ScreenRow
     bool isSigned;
 };
 
-// A screen as panel designers make them: of every register type a little, some of it from
-// neighbouring addresses, some from far apart. The first number of a type is where the sample
-// program of the simulated PLC works; M100, D120 and 32CV201 belong to the host.
+// A screen as panel designers make them: some registers of every type, some with neighbouring
+// addresses, some far apart. The sample program of the simulated PLC works on the first numbers of
+// each type; M100, D120 and 32CV201 belong to the host.
 constexpr ScreenRow screenRows[] = {
     {"X0:8", "inputs, toggling", false},
     {"Y0:4", "outputs of the timers", false},
@@ -33,7 +33,7 @@ constexpr ScreenRow screenRows[] = {
     {"D0", "seconds", false},
     {"D1", "triangle", false},
     {"D2", "sine", true},
-    {"D3", "saw tooth", false},
+    {"D3", "sawtooth", false},
     {"D120", "set point of the panel", false},
     {"SD8000:2", "system registers", false},
     {"TV0:4", "timers, tenths of a second", false},

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// What the chapters of the demo share: the host's parts, the simulated PLC's other side, and the
-// list of things that had to come true.
+// What the chapters of the demo share: the parts of the host, the control of the simulated PLC, and
+// the count of checks.
 
 #pragma once
 
@@ -28,7 +28,7 @@ public:
     DriverSession& session() { return m_loop.session(); }
     const RegisterCatalogue& catalogue() const { return m_catalogue; }
     Console& console() { return m_console; }
-    BenchControl* control() { return m_control; }  // null: the PLC's other side is out of reach
+    BenchControl* control() { return m_control; }  // null: the simulator cannot be controlled
     const QVector<ScreenItem>& screen() const { return m_screen; }
     int blocks() const { return m_blocks; }
 
@@ -37,17 +37,17 @@ public:
 
     bool isInterrupted() const { return m_loop.isInterrupted(); }
 
-    // The link is there and the PLC answered at least once, if it was asked.
+    // The link is open and the PLC has answered at least once, if it was asked.
     bool linkIsGood() const;
 
-    // One line with a mark in front; what is not so makes the demo fail. What an interrupt cut
-    // short is not judged.
+    // Prints one check with its mark; a check that is not true makes the demo fail. A check that an
+    // interrupt cut short is not counted.
     void confirm(bool isSo, const QString& what);
     int confirmed() const { return m_confirmed; }
     int refuted() const { return m_refuted; }
     int judged() const { return m_confirmed + m_refuted; }
     bool wasCutShort() const { return isInterrupted() && judged() < checks(); }
-    int checks() const { return m_control ? 13 : 10; }  // of a whole run; the last three need it
+    int checks() const { return m_control ? 13 : 10; }  // of a whole run; three need the control
 
     int valuesChanged = 0;  // callbacks so far
 

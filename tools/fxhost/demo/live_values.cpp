@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// Values that change because the PLC runs its program, polled cycle after cycle and read from the
-// driver's cache.
+// Values that change because the PLC runs its program: polled in every cycle, read from the cache
+// of the driver.
 
 #include "tools/fxhost/demo/chapters.h"
 #include "tools/fxhost/views/table.h"
@@ -46,7 +46,7 @@ private:
 void LiveTable::draw(qint64 cycleMs)
 {
     const Console& console = m_bench.console();
-    Table table({{"address"}, {"value"}, {"what it is"}});
+    Table table({{"address"}, {"value"}, {"meaning"}});
     for (int row = 0; row < m_last.size(); ++row) {
         const ScreenItem& item = m_bench.screen()[row];
         const QString text = valuesText(item, m_bench.session());
@@ -89,7 +89,8 @@ void showLiveValues(DemoBench& bench, int forMs)
     bench.console().endRedraw();
     if (forMs >= 0) {
         bench.confirm(table.rowsChanged() > 0,
-                      QStringLiteral("%1 rows changed on their own").arg(table.rowsChanged()));
+                      QStringLiteral("%1 rows changed while the PLC ran its program")
+                          .arg(table.rowsChanged()));
     }
 }
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// A recipe goes to the PLC, is changed there, and comes back.
+// A recipe is written to the PLC, changed there and read back.
 
 #include "tools/exchange/recipe_transfer.h"
 #include "tools/fxhost/demo/chapters.h"
@@ -58,7 +58,7 @@ bool plcHolds(DemoBench& bench, const QVector<RegisterRange>& entries,
 
 void showRecipe(DemoBench& bench)
 {
-    bench.console().heading("A recipe: to the PLC, changed there, and back");
+    bench.console().heading("A recipe: written to the PLC, changed there and read back");
     QVector<RegisterRange> entries;
     for (const QString& address : recipeAddresses)
         entries.append(bench.range(address));
@@ -82,7 +82,7 @@ void showRecipe(DemoBench& bench)
     expected[5] = operatorValue;
     bench.confirm(
         uploaded && words == expected,
-        QStringLiteral("%1 words came back, the changed one among them").arg(wordsReported));
+        QStringLiteral("%1 words read back, including the changed one").arg(wordsReported));
 }
 
 }  // namespace fxtools

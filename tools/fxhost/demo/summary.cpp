@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// What it took: exchanges by kind, what came back, bytes and time on the line.
+// The statistics of the whole demo, and how many checks passed.
 
 #include "tools/fxhost/demo/chapters.h"
 #include "tools/fxhost/views/statistics_report.h"
@@ -21,13 +21,11 @@ void showSummary(DemoBench& bench)
                                     .arg(bench.checks())));
     } else if (bench.refuted() == 0) {
         bench.console().line(bench.console().good(
-            QStringLiteral("All %1 checks came true: what was read back is what was written.")
+            QStringLiteral("All %1 checks passed: the values read back are the values written.")
                 .arg(bench.confirmed())));
     } else {
-        bench.console().line(
-            bench.console().bad(QStringLiteral("%1 of %2 checks did not come true.")
-                                    .arg(bench.refuted())
-                                    .arg(bench.judged())));
+        bench.console().line(bench.console().bad(
+            QStringLiteral("%1 of %2 checks failed.").arg(bench.refuted()).arg(bench.judged())));
     }
 }
 

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// A bad line: answers that are damaged, refused or missing, then a PLC that is silent for a while.
-// The driver repeats, gives up where it must, goes on with the plan, and is right again afterwards.
+// A bad line: replies that are damaged, refused or missing, then a PLC that is silent for a while.
+// The driver retries, gives up after the last retry and continues with the plan.
 
 #include "tools/fxhost/demo/chapters.h"
 #include "tools/fxhost/views/frame_text.h"
@@ -16,7 +16,7 @@ constexpr int linesShown = 12;
 const char* const noise = "faults silence=0.05,wrong-sum=0.08,flipped-bits=0.06,truncated=0.06,"
                           "nak=0.06,junk-before=0.06";
 
-// Shows each rejected reply with the driver's error text, as far as there is room.
+// Shows rejected replies with the driver's error text: the first few, and all that end an exchange.
 class RejectionLog
 {
 public:
@@ -48,7 +48,7 @@ void RejectionLog::note(const Exchange& exchange)
     const QString answer = answerText(exchange.answer);
     m_bench.console().line(QStringLiteral("  %1 %2 %3")
                                .arg(exchange.errorText, -18)
-                               .arg(verdictText(exchange.verdict), -41)
+                               .arg(verdictText(exchange.verdict), -38)
                                .arg(exchange.hasFailed() ? console.bad(answer) : answer));
 }
 
@@ -65,10 +65,9 @@ void pollThroughNoise(DemoBench& bench)
             break;
     }
     bench.control()->run("faults none");
-    bench.confirm(log.rejected() > 0, QStringLiteral("%1 replies were rejected while %2 exchanges "
-                                                     "came to their end")
-                                          .arg(log.rejected())
-                                          .arg(ended));
+    bench.confirm(
+        log.rejected() > 0,
+        QStringLiteral("%1 replies rejected in %2 exchanges").arg(log.rejected()).arg(ended));
 }
 
 void pollThroughSilence(DemoBench& bench)
@@ -78,7 +77,8 @@ void pollThroughSilence(DemoBench& bench)
     const Round round =
         runUntil(bench.loop(), [](const Round& soFar) { return !soFar.ended.isEmpty(); });
     bench.control()->run("faults none");
-    bench.confirm(round.failed() == 1, "a silent PLC: given up after three tries, not for ever");
+    bench.confirm(round.failed() == 1,
+                  "a silent PLC: the exchange is given up after three attempts");
 }
 
 }  // namespace
@@ -87,14 +87,15 @@ void showTrouble(DemoBench& bench)
 {
     if (!bench.control())
         return;
-    bench.console().heading("A bad line: station#register(count)(bytes that came), and why");
+    bench.console().heading(
+        "A bad line: station#register(count)(bytes received), and what was wrong");
     pollThroughNoise(bench);
     pollThroughSilence(bench);
     const quint32 before = bench.session().values(bench.range("D120")).value(0);
     const Round after = bench.pollOnce();
     const quint32 afterwards = bench.session().values(bench.range("D120")).value(0);
     bench.confirm(after.allGood() && before == afterwards,
-                  "the line is good again: a whole cycle without a rejection, D120 as it was");
+                  "the line is good again: a cycle without rejections, D120 unchanged");
 }
 
 }  // namespace fxtools

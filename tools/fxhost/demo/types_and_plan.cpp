@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// The demo's opening: what can be addressed, and how a screen becomes a polling plan. The driver
-// does not show its plan, but its first cycle of frames is the plan.
+// The demo's opening: the register types, and how a screen becomes a polling plan. The driver does
+// not show its plan, but the frames of its first cycle are the plan.
 
 #include "tools/exchange/blocks.h"
 #include "tools/fxhost/demo/chapters.h"
@@ -29,7 +29,7 @@ QString askedFor(const QVector<ScreenItem>& screen, const RegisterRange& block)
 void showRegisterTypes(DemoBench& bench)
 {
     bench.console().heading("Register types, as the driver describes them");
-    Table table({{"type"}, {"numbers"}, {"width"}, {"written"}});
+    Table table({{"type"}, {"numbers"}, {"width"}, {"writable"}});
     for (const RegisterType& type : bench.catalogue().all()) {
         table.add({type.name, limitsText(type), widthText(type.width),
                    type.writable ? QStringLiteral("yes") : QStringLiteral("no")});
@@ -41,13 +41,13 @@ void showRegisterTypes(DemoBench& bench)
 void showPlan(DemoBench& bench)
 {
     bench.console().heading(
-        QStringLiteral("%1 ranges of a screen become a plan of %2 blocks; its first cycle")
+        QStringLiteral("The polling plan: %1 ranges on a screen become %2 blocks")
             .arg(bench.screen().size())
             .arg(bench.blocks()));
     const qint64 startedUs = bench.loop().elapsedUs();
     const Round cycle = bench.pollOnce();
     const qint64 cycleMs = (bench.loop().elapsedUs() - startedUs) / 1000;
-    Table table({{"block"}, {"bytes", Align::Right}, {"frame"}, {"asked for"}});
+    Table table({{"block"}, {"bytes", Align::Right}, {"frame"}, {"requested"}});
     for (const Exchange& exchange : cycle.ended) {
         const RegisterRange block = blockRange(bench.catalogue(), exchange.frame.variable);
         table.add({fromToText(block), QString::number(exchange.frame.replyDataChars / 2),
@@ -56,7 +56,7 @@ void showPlan(DemoBench& bench)
     for (const QString& line : table.lines())
         bench.console().line(line);
     bench.confirm(cycle.allGood() && cycle.ended.size() == bench.blocks(),
-                  QStringLiteral("every block was answered; the cycle took %1 ms").arg(cycleMs));
+                  QStringLiteral("all blocks were read; the cycle took %1 ms").arg(cycleMs));
 }
 
 }  // namespace fxtools

@@ -1,9 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// Writes of the host, and whether they arrived: the driver shows a written value at once, before
-// the PLC has it, so each is judged by what the PLC says afterwards, in the next poll and in a
-// one-off read.
+// Writes of the host, and their check. The cache shows a written value at once, before the PLC has
+// it, so each write is checked against what is polled afterwards.
 
 #include "tools/fxhost/demo/chapters.h"
 #include "tools/fxhost/views/table.h"
@@ -18,7 +17,7 @@ QString shown(const RegisterRange& range, const QVector<quint32>& values)
     return valueText(values.value(0), range.type, ValueFormat::Unsigned);
 }
 
-// Another value than the one that is there, so that success cannot be an accident.
+// Differs from the old value, so that the check cannot pass by accident.
 quint32 newValue(const RegisterRange& range, quint32 old)
 {
     switch (range.type.width) {
@@ -43,7 +42,7 @@ void writeAndReadBack(DemoBench& bench, const QString& address)
     const Round polled = bench.pollOnce();
     const QVector<quint32> fromPlc = bench.session().values(range);
     bench.confirm(acknowledged.allGood() && polled.allGood() && fromPlc == wanted,
-                  QStringLiteral("%1: was %2, wrote %3, shown at once %4, polled afterwards %5")
+                  QStringLiteral("%1: was %2, wrote %3; cache at once: %4, polled: %5")
                       .arg(range.text(), shown(range, before), shown(range, wanted),
                            shown(range, mirrored), shown(range, fromPlc)));
 }
@@ -67,11 +66,11 @@ void showConditionalRead(DemoBench& bench)
     const qint64 frames =
         bench.loop().statistics().of(ExchangeKind::ConditionalRead).accepted - framesBefore;
     bench.console().line(
-        QStringLiteral("  %1 in %2 frames, ahead of the plan; D120, within it, is %3")
+        QStringLiteral("  %1 read in %2 frames, ahead of the plan; D120 in this range is %3")
             .arg(range.text())
             .arg(frames)
             .arg(bench.session().values(bench.range("D120")).value(0)));
-    bench.confirm(good, "the callback reported the end of the read: good");
+    bench.confirm(good, "the callback reported that the read has succeeded");
 }
 
 }  // namespace fxtools

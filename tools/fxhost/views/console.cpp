@@ -67,7 +67,7 @@ QStringList shortened(const QStringList& lines, int most)
     if (lines.size() <= most || most < 3)
         return lines.mid(std::max(lines.size() - most, 0));
     QStringList kept = lines.mid(0, most - 2);
-    kept += QStringLiteral("  … %1 more do not fit here").arg(lines.size() - kept.size() - 1);
+    kept += QStringLiteral("  … %1 not shown").arg(counted(lines.size() - kept.size() - 1, "line"));
     kept += lines.last();
     return kept;
 }

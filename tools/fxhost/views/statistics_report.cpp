@@ -37,7 +37,7 @@ struct Bar
     qint64 number;
 };
 
-// One a doubling of the time, as far as there is something in it.
+// One bar for each doubling of the time; empty ones are left out.
 QVector<Bar> barsOf(const Histogram& times)
 {
     QVector<Bar> bars;
@@ -85,8 +85,8 @@ QString timeoutText(const AdaptiveTimeout& timeout)
 {
     const TimeoutLimits& limits = timeout.limits();
     if (limits.quickFloorMs == limits.ceilingMs)
-        return QStringLiteral("the time-out is %1 ms, as given").arg(timeout.milliseconds());
-    return QStringLiteral("the time-out is %1 ms now, and adapts between %2 and %3 ms")
+        return QStringLiteral("time-out: %1 ms, as given").arg(timeout.milliseconds());
+    return QStringLiteral("time-out: %1 ms, adapts between %2 and %3 ms")
         .arg(timeout.milliseconds())
         .arg(limits.quickFloorMs)
         .arg(limits.ceilingMs);
@@ -119,7 +119,7 @@ QStringList kindLines(const Statistics& statistics)
     Table table({{"exchanges"},
                  {"frames", Align::Right},
                  {"good", Align::Right},
-                 {"sent again", Align::Right},
+                 {"retried", Align::Right},
                  {"given up", Align::Right}});
     for (const ExchangeKind kind : allExchangeKinds()) {
         if (statistics.of(kind).sent > 0)
@@ -129,15 +129,22 @@ QStringList kindLines(const Statistics& statistics)
     return table.lines();
 }
 
+// Programs read these names.
+QString memberName(ExchangeKind kind)
+{
+    return kind == ExchangeKind::ConditionalRead ? QStringLiteral("conditional read")
+                                                 : kindText(kind);
+}
+
 QString rejectionLine(const Statistics& statistics)
 {
     QStringList causes;
     for (const ReplyVerdict verdict : allVerdicts()) {
         if (verdict != ReplyVerdict::Good && statistics.of(verdict) > 0)
-            causes += QStringLiteral("%1 %2").arg(statistics.of(verdict)).arg(verdictName(verdict));
+            causes += QStringLiteral("%1 %2").arg(verdictName(verdict)).arg(statistics.of(verdict));
     }
-    return causes.isEmpty() ? QStringLiteral("  no reply was rejected")
-                            : QStringLiteral("  rejected: ") + causes.join(QStringLiteral(", "));
+    return "  rejected replies: " +
+           (causes.isEmpty() ? QStringLiteral("none") : causes.join(QStringLiteral(", ")));
 }
 
 QJsonObject objectOf(const LineReport& report)
@@ -146,7 +153,7 @@ QJsonObject objectOf(const LineReport& report)
     QJsonObject kinds;
     QJsonObject rejected;
     for (const ExchangeKind kind : allExchangeKinds()) {
-        kinds.insert(kindText(kind), countsOf(statistics.of(kind)));
+        kinds.insert(memberName(kind), countsOf(statistics.of(kind)));
     }
     for (const ReplyVerdict verdict : allVerdicts()) {
         if (verdict != ReplyVerdict::Good)
@@ -195,8 +202,8 @@ QStringList statisticsLines(const Statistics& statistics, qint64 elapsedUs)
 {
     QStringList lines = kindLines(statistics);
     lines += rejectionLine(statistics);
-    lines += QStringLiteral("  bytes: %1 sent, %2 received, %3 of them thrown away; "
-                            "%4 enquiries, %5 answered")
+    lines += QStringLiteral("  bytes: %1 sent, %2 received, %3 of them discarded; "
+                            "ENQ: %4 sent, %5 answered")
                  .arg(statistics.bytesSent)
                  .arg(statistics.bytesReceived)
                  .arg(statistics.bytesThrownAway)
@@ -207,7 +214,7 @@ QStringList statisticsLines(const Statistics& statistics, qint64 elapsedUs)
                       milliseconds(statistics.responses.percentileUs(95)),
                       milliseconds(statistics.responses.percentileUs(99)),
                       milliseconds(statistics.responses.largestUs()));
-    lines += QStringLiteral("  time: %1 s, of which the line was in use %2 %")
+    lines += QStringLiteral("  time: %1 s; line in use: %2 %")
                  .arg(static_cast<double>(elapsedUs) / 1e6, 0, 'f', 1)
                  .arg(shareOf(statistics.busyUs, elapsedUs), 0, 'f', 0);
     return lines;
@@ -221,7 +228,7 @@ QStringList lineReportLines(const LineReport& report)
                       milliseconds(report.cycleTimes.percentileUs(95)),
                       milliseconds(report.cycleTimes.largestUs()));
     lines += QString();
-    lines += "  response times; " + timeoutText(report.timeout);
+    lines += "  response times (" + timeoutText(report.timeout) + "):";
     return lines + histogramLines(report.statistics.responses);
 }
 

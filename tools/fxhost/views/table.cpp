@@ -51,6 +51,11 @@ QString clipped(const QString& text, int columns)
     return kept;
 }
 
+QString counted(qint64 number, const char* noun)
+{
+    return QStringLiteral("%1 %2%3").arg(number).arg(QLatin1String(noun), number == 1 ? "" : "s");
+}
+
 QString Table::lineOf(const QStringList& cells, const QVector<int>& widths) const
 {
     QString text;

@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// Rows of texts lined up in columns, as wide as they need to be; numbers stand to the right.
+// Rows of texts in columns that are as wide as they need to be; numbers are right-aligned. Below it
+// what else lays out text: widths, cutting, singular and plural.
 
 #pragma once
 
@@ -30,7 +31,7 @@ public:
     void add(const QStringList& cells) { m_rows.append(cells); }
     bool isEmpty() const { return m_rows.isEmpty(); }
 
-    // The titles and a line for each row, two blanks in front and between.
+    // The headings and a line for each row, with two blanks before each cell.
     QStringList lines() const;
 
 private:
@@ -43,7 +44,10 @@ private:
 // Columns on the screen: colour codes take none.
 int visibleWidth(const QString& text);
 
-// No wider than that many columns; a text that was cut ends with "…".
+// At most `columns` wide; a text that was cut ends with "…".
 QString clipped(const QString& text, int columns);
+
+// "1 register", "2 registers".
+QString counted(qint64 number, const char* noun);
 
 }  // namespace fxtools
