@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// What went wrong: a line for the user, and the exit code that it stands for. Every floor throws
-// this and nothing else, so a program catches one type, in one place.
+// An error: a line for the user and an exit code. Every floor throws only this, so a program
+// catches one type in one place.
 
 #pragma once
 

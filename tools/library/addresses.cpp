@@ -29,7 +29,7 @@ int wholeNumber(const QString& address, const QString& digits, const char* what)
     return number;
 }
 
-// The names that the PLC's own handbook gives to the upper ends of three types.
+// The PLC's manual has other names for the upper ends of three types.
 QString driverName(const AddressParts& parts)
 {
     struct Alias

@@ -8,8 +8,8 @@
 //   T5  TV5     contact and value       2#D100      station 2
 //   M8000       the same as SM8000; D8000 as SD8000, CV200 as 32CV200
 //
-// The driver's own address services decide what is valid; here only the text is taken apart and
-// their answers are put into words.
+// The driver's own address services decide what is valid. This file only parses the text and puts
+// their results into words.
 
 #pragma once
 
@@ -19,17 +19,17 @@
 
 namespace fxtools {
 
-// An address taken apart; whether there is such a register is not known yet.
+// A parsed address. Whether the register exists is not known yet.
 struct AddressParts
 {
     QString written;  // for messages
     QString type;     // "D"
     QString number;   // in the number base of the type
     int station = 1;
-    std::optional<int> count;  // nothing: not written, which is one
+    std::optional<int> count;  // nothing: not given, which means 1
 };
 
-// Both throw Failure, with what is wrong and what would be right in one line.
+// Both throw Failure with what is wrong and what to write instead.
 AddressParts takeApart(const QString& text);
 RegisterRange rangeOf(const AddressParts& parts, const RegisterCatalogue& catalogue);
 

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// The driver as a host gets it: a shared library loaded by name at run time, its entry points
-// looked up one by one under the types of the public header. Nothing of it is linked.
+// The driver as a host loads it: a shared library, loaded by name at run time. Its entry points
+// are looked up one by one and have the types of the public header. Nothing is linked.
 // Member names are those of the entry points without "intf_".
 
 #pragma once
@@ -52,8 +52,9 @@ private:
     QLibrary m_library;
 };
 
-// Where the library is looked for, best place first: FX_DRIVER alone if it is set, else beside the
-// executable, where it is installed beside it, in the folder above, and last the loader's path.
+// Where to look for the library, in this order: only FX_DRIVER if it is set; otherwise the folder
+// of the executable, the library folder of the same installation, the folder above, and the
+// loader's path.
 QStringList driverLibraryPlaces();
 
 }  // namespace fxtools

@@ -124,7 +124,7 @@ void checkPlace(const QString& path)
         file.remove();
 }
 
-// A disk that took a part says only when it is asked again why it took no more.
+// After a partial write only a second attempt reports why the rest was not written.
 void writeWhole(QFileDevice& file, const QByteArray& bytes)
 {
     if (file.write(bytes) != bytes.size() || !(file.flush() || file.flush()))
@@ -156,7 +156,7 @@ RegisterFileWriter::RegisterFileWriter(const QString& path, Mode mode)
         fail(m_file);
     if (mode == Mode::Replace)
         return;
-    // A line that broke off must not be taken for a whole one.
+    // Drop an incomplete last line.
     m_file.seek(0);
     if (!m_file.resize(m_file.readAll().lastIndexOf('\n') + 1))
         fail(m_file);

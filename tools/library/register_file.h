@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// Registers and their values in a CSV file: a line "address,value" each, as `read --csv` prints
-// them; lines that start with "#" and a title line are passed over. Dumps and recipes are kept so.
+// Registers and their values in a CSV file: a line "address,value" for each, as `read --csv` prints
+// them. A heading and lines that start with "#" are ignored. Dumps and recipes use this format.
 
 #pragma once
 
@@ -23,37 +23,37 @@ struct RegisterRun
 QVector<RegisterRun> readRegisterFile(const QString& path, const RegisterCatalogue& catalogue,
                                       int mostRegisters);
 
-// Throws Failure when there are none, or one of them cannot be written.
+// Throws Failure if there are none or one of them is read-only.
 void checkWritable(const QString& path, const QVector<RegisterRun>& runs);
 
-// Throws Failure when it is certain that nothing can be written there. Changes nothing.
+// Throws Failure if the file cannot be written. Changes nothing.
 void checkPlace(const QString& path);
 
 // Writes all to the disk, or throws Failure.
 void writeWhole(QFileDevice& file, const QByteArray& bytes);
 
-// Writes such a file at once: one that is there stays as it is unless all was written. Throws
+// Writes a whole file. An existing file is replaced only if everything could be written. Throws
 // Failure.
 void saveRegisterFile(const QString& path, const QVector<RegisterRun>& runs);
 
-// Writes such a file line by line, so that what was written survives an interruption. A file that
-// is to be replaced keeps what it held until there is a first value for it.
+// Writes a file line by line, so that an interruption loses nothing. A file to be replaced stays
+// unchanged until the first value.
 class RegisterFileWriter
 {
 public:
     enum class Mode
     {
         Replace,
-        Append,  // behind the last whole line
+        Append,  // after the last complete line
     };
 
     RegisterFileWriter(const QString& path, Mode mode);  // throws Failure, as all below
-    ~RegisterFileWriter();                               // a new file without a value goes
+    ~RegisterFileWriter();                               // removes a new file without values
     RegisterFileWriter(const RegisterFileWriter&) = delete;
     RegisterFileWriter& operator=(const RegisterFileWriter&) = delete;
 
     void add(const QString& address, quint32 value);
-    void addComment(const QString& text);  // goes out with the next value, or at the end
+    void addComment(const QString& text);  // written before the next value, or at the end
     void finish();
 
 private:

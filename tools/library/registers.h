@@ -1,9 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// The register types as the driver describes them, and the small vocabulary of the host: a
-// register, a run of registers, their texts. Nothing about a type is known here that the driver
-// did not say through its address services.
+// The register types as the driver describes them, and ranges of registers with their texts.
+// Everything that is known here about a type comes from the address services of the driver.
 
 #pragma once
 
@@ -37,7 +36,7 @@ struct RegisterType
     int registers() const { return highest - lowest + 1; }
     int valueBytes() const;                    // of one value in the buffers of the driver
     int driverCount(int count) const;          // what intf_getData and intf_setData call `count`
-    int mostInFrame(int wordsPerFrame) const;  // registers whose values fit so many words
+    int mostInFrame(int wordsPerFrame) const;  // registers whose values fit in one frame
     QString numberText(int number) const;
 };
 
@@ -50,8 +49,8 @@ struct RegisterRange
     int count = 1;
 
     RegisterRange part(int offset, int partCount) const;
-    QVector<RegisterRange> cut(int mostRegisters) const;  // to parts, the last one shorter
-    QString nameOf(int index) const;  // "D100"; "2#D100" on another station than 1
+    QVector<RegisterRange> cut(int mostRegisters) const;  // into parts; the last may be shorter
+    QString nameOf(int index) const;  // "D100"; "2#D100" if the station is not 1
     QString text() const;             // "D100" or "D100:32"
 };
 
@@ -72,7 +71,7 @@ private:
 // Cut to parts whose values fit one frame, counters of two words included.
 QVector<RegisterRange> cutToFrames(const QVector<RegisterRange>& ranges, int wordsPerFrame);
 
-// The range as the planner takes it.
+// The range as a key for the plan.
 KEY_ADDRESS planKey(const RegisterRange& range);
 
 }  // namespace fxtools

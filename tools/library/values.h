@@ -2,8 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Values as people read and write them: decimal, signed, hexadecimal, binary, and 32 bits or
-// floating point over two words, the lower word first. A register holds a number of as many bits
-// as it has; a value takes one register or two.
+// floating point in two words, the lower word first. A value takes one register or two.
 
 #pragma once
 
@@ -26,7 +25,7 @@ enum class ValueFormat
     Float,  // two words as a floating-point number
 };
 
-// The names that the command line gives to them.
+// Their names on the command line.
 const std::map<std::string, ValueFormat>& valueFormats();
 
 int registersPerValue(const RegisterType& type, ValueFormat format);
@@ -35,9 +34,9 @@ int registersPerValue(const RegisterType& type, ValueFormat format);
 QJsonValue valueOf(const quint32* registers, const RegisterType& type, ValueFormat format);
 QString valueText(quint32 value, const RegisterType& type, ValueFormat format);
 
-// The registers that a written value becomes. Unless the format says more, a number with a point
-// or an exponent becomes a floating-point number over two words, one too large for a word 32 bits
-// over two. Throws Failure.
+// The register values for a written value. With a plain decimal format, a number with a point or an
+// exponent becomes a floating-point number, and one too large for a word a 32-bit number, both in
+// two words. Throws Failure.
 QVector<quint32> parseValue(const QString& text, const RegisterType& type,
                             ValueFormat format = ValueFormat::Unsigned);
 

@@ -31,8 +31,8 @@ qint64 sinceFirstMs()
     return (now.tv_sec - firstSeen.tv_sec) * 1000 + (now.tv_nsec - firstSeen.tv_nsec) / 1000000;
 }
 
-// A second one ends the program at once; but not the echo of the first, which goes to the process
-// and to its group when a script sends it.
+// A second interrupt ends the program at once. One that follows within half a second is the first
+// again: a script may send it both to the process and to its group.
 extern "C" void noteInterrupt(int signalNumber)
 {
     if (interruptSeen == 0) {

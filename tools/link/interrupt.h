@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// Signals, noted for whoever waits or repeats and asks for them: Ctrl-C and a polite request to
-// end, so that what is under way can be ended in good order, and the going on after a stop.
+// Signals as flags that loops check: SIGINT and SIGTERM, so that work in progress ends cleanly, and
+// SIGCONT after a stop.
 
 #pragma once
 
@@ -13,10 +13,10 @@ namespace fxtools {
 void catchSignals();
 bool interrupted();
 
-// Sleeps so long, or until an interrupt: then false.
+// Sleeps for `timeMs`, or until an interrupt; then it returns false.
 bool sleepUnlessInterrupted(qint64 timeMs);
 
-// Whether the program was stopped and goes on since this was asked last.
+// Whether the program was stopped and continued since the last call.
 bool takeContinued();
 
 }  // namespace fxtools

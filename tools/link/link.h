@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// A way to a PLC that carries bytes: a serial port, a pseudo-terminal, a TCP connection or a
-// simulated PLC inside this process. The exchange loop sends and receives through it and knows
-// nothing more of it. All calls block at most as long as they say.
+// A connection to a PLC that carries bytes: a serial port, a pseudo-terminal, a TCP connection or a
+// simulated PLC inside this process. The exchange loop knows nothing else about it. Every call
+// blocks for a limited time only.
 
 #pragma once
 
@@ -20,11 +20,11 @@ public:
     virtual ~Link() = default;
 
     virtual QString name() const = 0;  // as the user would write it
-    virtual void open() = 0;           // also anew, after a loss; throws Failure
+    virtual void open() = 0;           // also a lost link again; throws Failure
     virtual bool isOpen() const = 0;   // false once the other end is gone
     virtual bool send(const QByteArray& bytes) = 0;
 
-    // Whatever arrives first within `timeoutMs`; empty when nothing did.
+    // The first bytes that arrive within `timeoutMs`; empty if none do.
     virtual QByteArray receive(int timeoutMs) = 0;
 };
 

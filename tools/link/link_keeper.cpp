@@ -19,7 +19,7 @@ constexpr int usualPatienceS = 30;
 constexpr int shortestPauseMs = 100;
 constexpr int longestPauseMs = 5000;
 
-// Jitter, so that many hosts do not come back in the same moment.
+// Jitter, so that many hosts do not reconnect at the same moment.
 int jittered(int pauseMs)
 {
     return pauseMs / 2 + QRandomGenerator::global()->bounded(pauseMs);
@@ -39,8 +39,8 @@ void LinkKeeper::waitWithoutEnd()
     m_patienceS = m_givenS;
 }
 
-// A link that is not there is more often one with a wrong name than one to wait for: that is for
-// the user to say.
+// If a link cannot be opened at the start, its name may be wrong: only the user knows whether to
+// retry.
 void LinkKeeper::openFirst()
 {
     try {
@@ -95,7 +95,7 @@ bool LinkKeeper::opens()
         m_link.open();
         return true;
     } catch (const Failure&) {
-        return false;  // one line a change of state, not one a try
+        return false;  // changes of state are reported, not attempts
     }
 }
 

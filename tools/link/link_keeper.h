@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// Opens a link, and opens it again when it was lost: with pauses that grow and vary, for as long as
-// the user said.
+// Opens a link, and reopens it when it is lost: with pauses that grow and vary, for as long as the
+// user wants.
 
 #pragma once
 
@@ -18,20 +18,20 @@ namespace fxtools {
 class LinkKeeper
 {
 public:
-    std::function<void(const QString& text)> onState;  // each change of state, in words
+    std::function<void(const QString& text)> onState;  // called at each change of state
 
-    // A lost link is awaited half a minute and a missing one not at all, unless `patienceS` says
-    // how long, in seconds.
+    // `patienceS` is how long to retry, in seconds. Without it: 30 s for a lost link, and not at
+    // all for a link that cannot be opened at the start.
     LinkKeeper(Link& link, std::optional<int> patienceS);
 
-    // What a command that runs until it is stopped does about a lost link, unless told otherwise.
+    // Retries a lost link for ever if no time was given: for commands that run until stopped.
     void waitWithoutEnd();
 
-    // Throws Failure when the link is not there. After an interrupt it may not be open.
+    // Throws Failure if the link cannot be opened. After an interrupt it may not be open.
     void openFirst();
 
-    // Whether a lost link is open again. `answers` counts good answers since the start: a link that
-    // breaks again before there was another one has not been back, and patience goes on shrinking.
+    // Whether a lost link is open again. `answers` is the number of good replies since the start:
+    // if a link is lost again before a new one, the time to retry continues to run.
     bool reopen(qint64 answers);
 
 private:
@@ -48,7 +48,7 @@ private:
 
     Link& m_link;
     std::optional<int> m_givenS;
-    std::optional<int> m_patienceS;  // nothing: without end
+    std::optional<int> m_patienceS;  // nothing: for ever
     QElapsedTimer m_gone;
     int m_pauseMs;
     qint64 m_answersUntilLoss = -1;

@@ -1,13 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// Which link leads to a PLC, as one typed record, and as people write it:
+// The settings of a link to a PLC, as typed records and as people write them:
 //
-//   sim:                            a simulated PLC inside; sim:?baud=9600 at the speed of a line,
-//                                   &faults=silence=0.05 as a bad one
-//   serial:/dev/ttyUSB0?baud=9600   a serial port, 7E1 unless &line=8N1 or &parity=odd says else
+//   sim:                            a simulated PLC inside; sim:?baud=9600 with the speed of a
+//                                   line, &faults=silence=0.05 with faults
+//   serial:/dev/ttyUSB0?baud=9600   a serial port, 7E1 without &line=8N1 or &parity=odd
 //   pty:/dev/pts/4                  a pseudo-terminal, with the settings of a serial port
-//   tcp:HOST:PORT, tcp:HOST?port=N  a serial server; port 8888 unless said
+//   tcp:HOST:PORT, tcp:HOST?port=N  a serial server (default port: 8888)
 
 #pragma once
 
@@ -21,7 +21,7 @@
 
 namespace fxtools {
 
-// How characters travel on a serial line; as it stands, what an FX port speaks.
+// The settings of a serial line. The defaults are those of an FX port.
 struct LineSettings
 {
     int baud = 9600;
@@ -34,7 +34,7 @@ struct SerialSettings
 {
     QString path;
     bool isPseudoTerminal = false;
-    std::optional<LineSettings> line;  // nothing: the user left it open
+    std::optional<LineSettings> line;  // nothing: not given
 };
 
 struct TcpSettings
@@ -54,10 +54,10 @@ using LinkSettings = std::variant<SimulatedSettings, SerialSettings, TcpSettings
 LinkSettings parseLink(const QString& text);  // throws Failure
 QString linkText(const LinkSettings& link);
 
-// The names of what can be set behind the "?" of such a link.
+// The names of the settings that this kind of link has.
 QStringList settingNames(const LinkSettings& link);
 
-// "7E1": data bits, parity and stop bits into `line`; false when it is nothing like it.
+// Parses "7E1", data bits, parity and stop bits, into `line`. False if `text` is not of this form.
 bool parseCharacter(const QString& text, LineSettings& line);
 QString characterText(const LineSettings& line);
 

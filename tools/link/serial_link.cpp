@@ -33,14 +33,14 @@ bool isPseudoTerminal(const QString& path)
     return QFileInfo(path).canonicalFilePath().startsWith(QLatin1String("/dev/pts/"));
 }
 
-// What the system would take for the name of something in /dev is first looked for where it stands.
+// A path that exists is used as it is; otherwise Qt looks for the name in /dev.
 QString portName(const QString& path)
 {
     const QFileInfo info(path);
     return info.exists() ? info.absoluteFilePath() : path;
 }
 
-// What is there instead of a port that is not.
+// The ports of this machine, for the error about a missing one.
 QString otherPorts()
 {
     QStringList names;
@@ -51,8 +51,8 @@ QString otherPorts()
                             : names.join(QStringLiteral(", ")));
 }
 
-// A pseudo-terminal carries eight bits and no parity, whatever it is asked for; and asked for
-// nothing but the rest it refuses, as after a program that was killed.
+// A pseudo-terminal always carries eight bits without parity, and refuses a request that would
+// change nothing else.
 LineSettings unwired(LineSettings settings)
 {
     settings.dataBits = QSerialPort::Data8;

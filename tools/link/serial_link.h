@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // A serial port, or a pseudo-terminal by its path: Qt SerialPort with the line settings of the FX
-// programming port unless others are given.
+// programming port by default.
 
 #pragma once
 

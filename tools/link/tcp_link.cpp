@@ -14,8 +14,8 @@ namespace fxtools {
 namespace {
 
 constexpr int connectTimeoutMs = 5000;
-constexpr int sendTimeoutMs = 2000;       // for a peer that takes nothing
-constexpr size_t mostBytesAtOnce = 4096;  // several times the longest answer
+constexpr int sendTimeoutMs = 2000;       // for a peer that does not read
+constexpr size_t mostBytesAtOnce = 4096;  // several times the longest reply
 
 }  // namespace
 
@@ -72,7 +72,7 @@ bool TcpLink::waitFor(short event, int timeoutMs) const
 {
     pollfd waited = {descriptor(), event, 0};
     int ready = ::poll(&waited, 1, timeoutMs);
-    while (ready < 0 && errno == EINTR)  // a signal is for others to see
+    while (ready < 0 && errno == EINTR)  // signals are handled elsewhere
         ready = ::poll(&waited, 1, timeoutMs);
     return ready > 0;
 }

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// A TCP connection to a serial server, or to a simulator that listens. Qt connects; the bytes then
-// go past its socket object, by the descriptor: the object's buffers and notifiers serve an event
-// loop, which this program has none of, and would cost as much as the rest of an exchange.
+// A TCP connection to a serial server or a simulator. Qt connects; the bytes then bypass its socket
+// object and use the descriptor. The object's buffers and notifiers need an event loop, which this
+// program does not have, and would take as long as the rest of an exchange.
 
 #pragma once
 

@@ -24,7 +24,7 @@ SocketBenchControl::SocketBenchControl(const QString& path)
     }
 }
 
-// The simulator answers with some lines, of which the last is "ok" or starts with "error: ".
+// The simulator replies with lines; the last one is "ok" or starts with "error: ".
 void SocketBenchControl::run(const QString& command)
 {
     m_socket.write(command.toUtf8() + '\n');

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// The other hand on a test bench: commands to the simulated PLC beside the link, such as
-// "faults silence=0.1" or "poke 0x1000 12". They go to the control socket of a running simulator,
-// or straight to the one inside.
+// Control of a simulated PLC beside the link: commands such as "faults silence=0.1" or
+// "poke 0x1000 12". They go to the control socket of a running simulator, or directly to the one
+// inside.
 
 #pragma once
 
@@ -17,7 +17,7 @@ class BenchControl
 public:
     virtual ~BenchControl() = default;
 
-    // Returns when the command has been carried out; throws Failure when it was not.
+    // Returns when the command has been executed; throws Failure if it was not.
     virtual void run(const QString& command) = 0;
 };
 

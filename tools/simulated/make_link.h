@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// The link that its settings mean, of whatever kind.
+// Makes the link that its settings describe.
 
 #pragma once
 
@@ -20,7 +20,7 @@ struct MadeLink
         nullptr;  // of a PLC that is simulated inside; lives as long as its link
 };
 
-// Throws Failure when the fault plan of a simulated PLC makes no sense.
+// Throws Failure if the fault plan of a simulated PLC is invalid.
 MadeLink makeLink(const LinkSettings& settings);
 
 }  // namespace fxtools
