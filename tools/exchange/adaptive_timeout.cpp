@@ -12,8 +12,7 @@ namespace fxtools {
 namespace {
 
 constexpr int maxBackOff = 5;
-constexpr int quickFactor =
-    20;  // at 9600 baud the shortest answer takes a twentieth of the longest
+constexpr int quickFactor = 20;  // at 9600 baud the shortest reply takes a twentieth of the longest
 
 }  // namespace
 

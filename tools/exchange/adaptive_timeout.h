@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// How long to wait for an answer: what the line shows plus four times how much it varies, as
-// transport protocols do it, doubled after each time-out, between a floor and a ceiling.
+// How long to wait for a reply: the smoothed response time plus four times its variation, as in
+// transport protocols, doubled after each time-out, between a floor and a ceiling.
 
 #pragma once
 
@@ -12,9 +12,9 @@ namespace fxtools {
 
 struct TimeoutLimits
 {
-    int floorMs = 250;      // the longest frame takes 150 ms at 9600 baud before it can be answered
-    int ceilingMs = 1000;   // what is waited before anything is known
-    int quickFloorMs = 50;  // on a line that answers so fast that it cannot be a slow one
+    int floorMs = 250;      // the longest request takes 150 ms at 9600 baud
+    int ceilingMs = 1000;   // used until the first reply
+    int quickFloorMs = 50;  // on a line that is too fast to be a slow serial line
 
     static TimeoutLimits fixed(int timeoutMs) { return {timeoutMs, timeoutMs, timeoutMs}; }
 };
@@ -29,7 +29,7 @@ public:
 
     int milliseconds() const;
     const TimeoutLimits& limits() const { return m_limits; }
-    qint64 typicalResponseUs() const { return m_smoothedUs; }  // 0: nothing was answered yet
+    qint64 typicalResponseUs() const { return m_smoothedUs; }  // 0: no reply yet
 
 private:
     TimeoutLimits m_limits;

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// The blocks of the polling plan. The driver does not show its plan, but the frames that it gives
-// are the plan in rotation, and each carries its request.
+// The blocks of the polling plan. The driver does not show its plan, but the frames that it returns
+// are the blocks of the plan in turn, and each carries its request.
 
 #pragma once
 
@@ -24,8 +24,8 @@ bool isInside(const RegisterRange& inner, const RegisterRange& outer);
 bool overlap(const RegisterRange& one, const RegisterRange& other);
 QString fromToText(const RegisterRange& range);  // "D100 … D131"
 
-// The plan that `ranges` become, block by block, without a link: every frame is taken from the
-// driver and failed at once. Ends the session's own plan.
+// The plan for `ranges`, block by block, without a link: every frame is taken from the driver and
+// fails at once. Replaces the session's plan by an empty one.
 QVector<FRAME_PRO> planOf(DriverSession& session, const QVector<RegisterRange>& ranges);
 
 }  // namespace fxtools

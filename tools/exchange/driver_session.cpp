@@ -12,12 +12,12 @@ namespace {
 constexpr int linkNumber = 1;
 constexpr size_t recipeMemoryWords = 65536;
 
-// The tags that tell one's own requests from those of the plan.
+// The tags of the host's own requests, to tell them from those of the plan.
 constexpr int writeTag = 2;
 constexpr int conditionalTag = 3;
 static_assert(writeTag != fxPlanTag && conditionalTag != fxPlanTag);
 
-constexpr int noStation = -1;  // of callbacks that tell of no register
+constexpr int noStation = -1;  // of callbacks that are not about a register
 
 // The callback of the driver is a plain function, and the driver serves one session.
 DriverSession* activeSession = nullptr;
@@ -128,7 +128,7 @@ int DriverSession::setRecipeList(RecipeDirection direction, const QVector<Regist
         row.stationNo = entry.station;
         row.registerType = entry.type.name;
         row.addressIndex = entry.first;
-        // The count goes into the frame as it stands: words to write, registers to read.
+        // The count is used in the frame unchanged: words to write, registers to read.
         row.count = direction == RecipeDirection::Download ? wordsOf(entry) : entry.count;
         row.recipeWordOffset = recipeWord;
         list.append(row);

@@ -1,10 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// One connection as the driver knows it: what the host owns on its behalf (host memory with the
-// two request bytes, recipe words, mutex), the property string, and values in and out of the
-// cache. It sends nothing: the exchange loop does. The driver serves one connection, so there is
-// one session at a time.
+// One connection of the driver: what the host provides for it (host memory with the two request
+// bytes, recipe words, mutex), the property string, and access to the cache. It sends nothing: the
+// exchange loop does. The driver serves one connection, so there is one session at a time.
 
 #pragma once
 
@@ -33,7 +32,7 @@ enum class RecipeDirection
 class DriverSession
 {
 public:
-    // Called from inside the driver; of it only values(), write() and queueRead() may be called.
+    // Called from inside the driver: only values(), write() and queueRead() may be called then.
     std::function<void(const QString& registerType, int station, int number)> onValueChanged;
     std::function<void(bool good)> onReadEnded;
     std::function<void(int recipeWord)> onRecipeWord;
@@ -50,21 +49,21 @@ public:
     // Empties the plan, the queues and the cache.
     void forgetValues();
 
-    // Replaces the polling plan; the number of blocks.
+    // Replaces the polling plan and returns the number of blocks.
     int setPlan(const QVector<RegisterRange>& ranges);
     void queueRead(const RegisterRange& range);
 
-    // One number a register: 0 or 1, 16 bits or 32 bits.
+    // One number for each register: 0 or 1, 16 bits or 32 bits.
     QVector<quint32> values(const RegisterRange& range) const;
     void write(const RegisterRange& range, const QVector<quint32>& values);
 
-    // The recipe memory is left alone by everyone else while a transfer runs.
+    // Nothing else may use the recipe memory during a transfer.
     std::vector<quint16>& recipeWords() { return m_recipeWords; }
-    // Entries take their words one after the other from word 0 on. Returns how many there are.
+    // The entries use the recipe memory one after the other, from word 0 on. Returns their number.
     int startRecipe(RecipeDirection direction, const QVector<RegisterRange>& entries);
     bool recipeRuns(RecipeDirection direction);
 
-    // What the frame that was given last is for. To be asked before its reply is handed over.
+    // What the last frame is for. Call it before the reply is handed over.
     ExchangeKind kindOf(const FRAME_PRO& frame);
 
 private:

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// One exchange as the host saw it: a frame that went out, what came back, and what the driver made
-// of it. The exchange loop produces them; statistics, monitor and recorder consume them.
+// One exchange as the host saw it: the frame that was sent, what came back, and the result of the
+// driver. The exchange loop produces them; statistics, monitor and recorder consume them.
 
 #pragma once
 
@@ -25,7 +25,7 @@ enum class ExchangeKind
 const QVector<ExchangeKind>& allExchangeKinds();
 QString kindText(ExchangeKind kind);
 
-// What intf_dealRcvFrame answers.
+// What intf_dealRcvFrame returns.
 enum class DriverAnswer
 {
     NoFrame = fxNoFrameInFlight,
@@ -38,9 +38,9 @@ struct Exchange
 {
     ExchangeKind kind = ExchangeKind::CyclicRead;
     FRAME_PRO frame;
-    QByteArray reply;       // as far as it came in time
-    QByteArray thrownAway;  // what came behind a bad or missing reply until the line was quiet
-    QByteArray handed;      // what the driver got of it
+    QByteArray reply;       // the bytes that came in time
+    QByteArray thrownAway;  // what came after a bad or missing reply until the line was quiet
+    QByteArray handed;      // what the driver was given
     ReplyVerdict verdict = ReplyVerdict::Silence;
     DriverAnswer answer = DriverAnswer::NoFrame;
     QString errorText;      // of the driver

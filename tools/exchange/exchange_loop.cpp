@@ -13,18 +13,17 @@ namespace fxtools {
 
 namespace {
 
-// A line is quiet when nothing came for four usual response times, but at least and at most so
-// long.
+// A line is quiet when nothing has come for four usual response times, within these limits.
 constexpr int shortestQuietMs = 5;
 constexpr int longestQuietMs = 250;
 constexpr int quietResponses = 4;
 
-// A second copy of an answer follows within a small part of a usual response time.
+// A second copy of a reply follows within a small part of a usual response time.
 constexpr int emptyLineShare = 8;
 constexpr int longestEmptyLineMs = 5;
 
 constexpr int longestTurnMs = 100;
-constexpr int longestJunkBytes = 4096;      // what is drained at most while a line babbles
+constexpr int longestJunkBytes = 4096;      // most bytes drained from a line that never stops
 constexpr int enquiriesBeforeGivingUp = 3;  // some PLCs do not answer ENQ
 
 bool isTimeout(ReplyVerdict verdict)
@@ -58,7 +57,7 @@ std::optional<Exchange> ExchangeLoop::step()
     if (exchange.verdict != ReplyVerdict::LinkLost)
         handOver(exchange);
     else
-        m_repeating = true;  // the frame stays in flight: it goes out again when the link is back
+        m_repeating = true;  // the frame stays in flight: it is sent again when the link is back
     m_statistics.busyUs += elapsedUs() - exchange.startedUs;
     m_statistics.add(exchange);
     if (onExchange)
@@ -83,14 +82,14 @@ void ExchangeLoop::sendAndReceive(Exchange& exchange)
         return;
     }
     if (isTimeout(exchange.verdict) && isInterrupted())
-        exchange.verdict = ReplyVerdict::Interrupted;  // the whole time-out was not waited for
+        exchange.verdict = ReplyVerdict::Interrupted;  // before the time-out was over
     else if (m_link.isOpen())
         settle(exchange);
-    if (!m_link.isOpen())  // perhaps told by the ENQ only
+    if (!m_link.isOpen())  // sending ENQ may be the first to show it
         exchange.verdict = ReplyVerdict::LinkLost;
 }
 
-// Makes the line fit for the next frame, and judges again with all that came.
+// Prepares the line for the next frame, and judges again with all that came.
 void ExchangeLoop::settle(Exchange& exchange)
 {
     if (exchange.verdict == ReplyVerdict::Refused && exchange.reply.size() == 1)
@@ -113,7 +112,7 @@ void ExchangeLoop::handOver(Exchange& exchange)
     m_repeating = exchange.answer == DriverAnswer::Repeat;
 }
 
-// Ends early at a NAK, which no good answer begins with, and where an answer breaks off.
+// Ends early at a NAK, with which no good reply begins, and when a reply breaks off.
 QByteArray ExchangeLoop::receive(int byteCount)
 {
     QByteArray reply;
@@ -132,7 +131,7 @@ int ExchangeLoop::betweenBytesMs() const
     return std::min(m_settings.betweenBytesMs, m_timeout.milliseconds());
 }
 
-// In short turns, so that who interrupts need not wait for a long time-out.
+// In short turns, so that an interrupt does not have to wait for a long time-out.
 QByteArray ExchangeLoop::listen(int timeoutMs)
 {
     QByteArray bytes = m_link.receive(std::min(timeoutMs, longestTurnMs));
@@ -160,12 +159,12 @@ bool ExchangeLoop::resynchronise()
     const bool worthAsking =
         m_enquiryWasAnswered || m_enquiriesUnanswered < enquiriesBeforeGivingUp;
     const bool answered = worthAsking && enquire();
-    // Time has to tell the same where ENQ is not answered, or not in its turn.
+    // Where ENQ is not answered, or not in order, only waiting clears the line.
     throwAway(drain(m_timeout.milliseconds()));
     return answered;
 }
 
-// A late answer may come first; ACK is no character of one.
+// A late reply may come first; a data frame contains no ACK.
 bool ExchangeLoop::enquire()
 {
     ++m_statistics.enquiriesSent;

@@ -1,17 +1,18 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// The host's timing: asks the driver for a frame, sends it, gathers the answer, hands it over.
-// One call of step() is one frame out and one answer in.
+// The host's timing: gets a frame from the driver, sends it, receives the reply and hands it over.
+// One call of step() sends one frame and receives one reply.
 //
-// A reply carries no address, so a late one looks like the answer to the next request of the same
-// length. Three rules keep it from being taken for one:
-//   1. Only an answer of exactly the expected length is handed over; of any other one the driver
+// A reply carries no address, so a late one looks like the reply to the next request of the same
+// length. Three rules prevent that:
+//   1. Only a reply of exactly the expected length is handed over. For any other one the driver
 //      gets as many NAKs as bytes came, which it must reject.
-//   2. Before a frame goes out the line must be empty, for a moment that suits its speed.
-//   3. After anything but a good answer or a clean NAK the line is drained until it is quiet, and
-//      after a time-out ENQ must be answered by ACK before the next frame: a PLC answers in order,
-//      so nothing older can come behind that ACK; one time-out more is left for those that do not.
+//   2. Before a frame is sent, the line must be empty for a moment that suits its speed.
+//   3. After anything but a good reply or a single NAK the line is drained until it is quiet. After
+//      a time-out the PLC must also answer ENQ with ACK before the next frame: a PLC answers in
+//      order, so no older reply can come after that ACK. Without an ACK the host waits for another
+//      time-out.
 
 #pragma once
 
@@ -28,9 +29,9 @@ namespace fxtools {
 struct LoopSettings
 {
     TimeoutLimits timeout;
-    int betweenBytesMs = 100;         // a USB adapter hands bytes over in slices with pauses
+    int betweenBytesMs = 100;         // a USB adapter delivers bytes in slices with pauses
     std::function<qint64()> clockUs;  // empty: the real time; a simulated link may bring its own
-    std::function<bool()> isInterrupted;  // whether the user wants an end; empty: never
+    std::function<bool()> isInterrupted;  // whether the user has interrupted; empty: never
 };
 
 class ExchangeLoop
@@ -39,7 +40,7 @@ public:
     // Called after each exchange, with everything that is known about it.
     std::function<void(const Exchange&)> onExchange;
 
-    // Called where rounds are made when the link was lost: true when it is open again.
+    // Called when the link is lost during a round. Returns whether it is open again.
     std::function<bool()> onLinkLost;
 
     ExchangeLoop(DriverSession& session, Link& link, const LoopSettings& settings = {});
@@ -47,7 +48,7 @@ public:
     // Nothing when the driver has nothing to send.
     std::optional<Exchange> step();
 
-    // Asks for a sign of life and throws away what came before it; true when the PLC gave one.
+    // Sends ENQ and discards what comes before the ACK. Returns whether the ACK came.
     bool resynchronise();
 
     DriverSession& session() { return m_session; }

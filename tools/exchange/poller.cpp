@@ -44,8 +44,8 @@ Poller::Poller(ExchangeLoop& loop, const RegisterCatalogue& catalogue,
     replan();
 }
 
-// One-off reads leave only between cyclic ones: when nothing is left to the plan, a piece goes
-// there. Alone it cannot be merged with anything.
+// One-off reads are sent only between the reads of the plan. If the plan becomes empty, a piece
+// goes into it; alone it cannot be merged with anything.
 void Poller::replan()
 {
     if (m_planned.isEmpty() && !m_pieces.isEmpty())
@@ -102,7 +102,7 @@ void Poller::pollPieces()
     for (const RegisterRange& piece : pieces) {
         const ReplyVerdict verdict = readPiece(piece);
         if (verdict == ReplyVerdict::Refused)
-            readOrHalve(piece);  // what was good before has lost a part
+            readOrHalve(piece);  // a part that was good before is refused now
         else
             keep(piece, verdict);
     }
@@ -111,7 +111,7 @@ void Poller::pollPieces()
 void Poller::askAsideAgain()
 {
     if (m_planned.isEmpty()) {
-        m_aside.clear();  // a one-off read needs a plan to go in between: all of it is the plan
+        m_aside.clear();  // one-off reads need a plan: put everything back into it
         planEverything();
         return;
     }
@@ -135,7 +135,7 @@ void Poller::planEverything()
     replan();
 }
 
-// Takes what was asked for in a refused block out of the plan and finds out what of it can be read.
+// Removes the registers of a refused block from the plan, and finds out which of them can be read.
 void Poller::halve(const RegisterRange& block)
 {
     for (const RegisterRange& piece : takeFromPlan(block))
@@ -143,7 +143,7 @@ void Poller::halve(const RegisterRange& block)
     replan();
 }
 
-// A range may reach over several blocks; the parts outside this one stay with the plan.
+// A range may span several blocks; the parts outside this one stay in the plan.
 QVector<RegisterRange> Poller::takeFromPlan(const RegisterRange& block)
 {
     QVector<RegisterRange> taken;
@@ -193,7 +193,7 @@ void Poller::keep(const RegisterRange& piece, ReplyVerdict verdict)
         note(piece, verdict);
 }
 
-// Nothing is asked any more once the cycle was stopped.
+// Reads nothing more once the cycle is stopped.
 ReplyVerdict Poller::readPiece(const RegisterRange& piece)
 {
     if (isStopped())

@@ -3,8 +3,8 @@
 //
 // Keeps ranges of registers fresh. The plan of the driver merges neighbours into blocks, and a PLC
 // that refuses one register of a block refuses them all; so a refused block is halved, with
-// one-off reads, until the bad registers stand alone. They are kept aside with their reason and
-// asked again now and then; what was good of the block is read in the pieces that were found.
+// one-off reads, until the bad registers stand alone. They are set aside with the reason and
+// retried now and then; the good parts of the block are read as separate pieces.
 
 #pragma once
 
@@ -20,7 +20,7 @@ public:
     Poller(ExchangeLoop& loop, const RegisterCatalogue& catalogue,
            const QVector<RegisterRange>& ranges);
 
-    // One cycle. What it did not come to, because of its end, is asked for again in the next one.
+    // Makes one cycle. What it does not reach, because it ends early, is read in the next one.
     RoundEnd poll();
 
     const QVector<RegisterRange>& ranges() const { return m_ranges; }
@@ -59,7 +59,7 @@ private:
     QHash<QString, ReplyVerdict> m_problems;         // by the register's name
     QVector<RegisterRange> m_read;                   // in this cycle, without a problem
     RoundEnd m_end = RoundEnd::Done;                 // of this cycle
-    ReplyVerdict m_unasked = ReplyVerdict::Silence;  // what is said of the rest, if it ended early
+    ReplyVerdict m_unasked = ReplyVerdict::Silence;  // the verdict for the rest, if it ended early
     int m_blocks = 0;
     int m_cycle = 0;
 };

@@ -86,7 +86,7 @@ ReplyVerdict readFrame(ExchangeLoop& loop, const RegisterRange& range)
     loop.session().onReadEnded = [&result](bool good) { result = good; };
     loop.session().queueRead(range);
     const Round round = runUntil(loop, [&](const Round& soFar) {
-        // The driver drops what is queued behind a failed read, and reports only the last one.
+        // The driver drops what is queued after a failed read, and reports only the last one.
         if (!soFar.ended.isEmpty() && soFar.ended.last().hasFailed() &&
             soFar.ended.last().kind == ExchangeKind::ConditionalRead)
             failure = soFar.ended.last().verdict;
@@ -98,7 +98,7 @@ ReplyVerdict readFrame(ExchangeLoop& loop, const RegisterRange& range)
     return result.value_or(false) ? ReplyVerdict::Good : failure.value_or(ReplyVerdict::Silence);
 }
 
-// One exchange of a round; what it ends the round with, if it does.
+// Makes one exchange of a round. Returns how the round ends, if it ends.
 std::optional<RoundEnd> stepIn(ExchangeLoop& loop, Round& round)
 {
     const std::optional<Exchange> exchange = loop.step();

@@ -1,13 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// A session's exchanges in a file, a JSON object a line. The first line says how the driver was
-// set up; each further one is an exchange:
+// The exchanges of a session in a file, with one JSON object on each line. The first line is the
+// set-up of the driver; each further one is an exchange:
 //
 //   {"fxhost":1,"property":"1#0#0#3#32","addresses":["D0:32"]}
 //   {"us":1204,"sent":"0230...","received":"0230...","handed":"0230...","answer":1,"text":"1#D0(32)(132)"}
 //
-// "received" is all that came, "handed" what the driver got of it. Bytes are hexadecimal.
+// "received" is all that came, "handed" what the driver was given. Bytes are hexadecimal.
 
 #pragma once
 

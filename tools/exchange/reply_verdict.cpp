@@ -49,7 +49,7 @@ bool hasHighBit(const QByteArray& bytes)
                        [](char byte) { return static_cast<unsigned char>(byte) >= 0x80; });
 }
 
-// The sum over everything behind STX, ETX included, stands in the two digits that end a frame.
+// The last two digits of a frame are the sum over everything after STX, including ETX.
 bool sumMatches(const QByteArray& reply, int etxPosition)
 {
     unsigned sum = 0;

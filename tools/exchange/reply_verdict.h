@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// What came back, in plain words, judged from the outside: the driver says only "accepted" or
-// "rejected", but whoever looks for a wrong cable wants to know whether there was silence, a
-// refusal or noise. Pure functions over the bytes; statistics, reports and `doctor` build on them.
+// What came back, judged from outside: the driver says only "accepted" or "rejected", but to find a
+// wrong cable one must know whether there was silence, a refusal or noise. Pure functions over the
+// bytes; statistics, reports and `doctor` build on them.
 
 #pragma once
 
@@ -26,15 +26,15 @@ enum class ReplyVerdict
     Good,
     Silence,     // nothing at all within the time-out
     Refused,     // the PLC answered NAK
-    Incomplete,  // it began, and stopped too early
-    TooLong,     // more bytes than the answer can have
-    HighBits,    // bit 7 set: the two ends disagree about data bits and parity
+    Incomplete,  // it stopped too early
+    TooLong,     // more bytes than the reply can have
+    HighBits,    // bit 7 set: the data bits or parity of the two ends differ
     Echo,        // what was sent came back
     NotAFrame,   // no STX, or no ETX where it belongs
     WrongSum,    // a frame, damaged on the way
-    Late,        // right, but after the time-out: thrown away
-    LinkLost,    // the link went away before the answer came
-    Interrupted  // the user wanted an end before the answer came
+    Late,        // correct, but after the time-out: discarded
+    LinkLost,    // the link was lost before the reply
+    Interrupted  // the user interrupted before the reply
 };
 
 const QVector<ReplyVerdict>& allVerdicts();
@@ -45,7 +45,7 @@ ReplyVerdict judgeReply(const FRAME_PRO& frame, const QByteArray& reply);
 QString verdictText(ReplyVerdict verdict);
 QString verdictName(ReplyVerdict verdict);
 
-// The request as it goes over the line.
+// The request as it is sent.
 QByteArray requestBytes(const FRAME_PRO& frame);
 
 }  // namespace fxtools

@@ -32,8 +32,8 @@ struct Statistics
     qint64 enquiriesAnswered = 0;
     qint64 linksLost = 0;
     qint64 reconnects = 0;
-    qint64 busyUs = 0;    // from sending to the end of the answer, resynchronising included
-    Histogram responses;  // of good answers
+    qint64 busyUs = 0;    // from sending to the end of the reply, including resynchronisation
+    Histogram responses;  // of good replies
 
     void add(const Exchange& exchange);
 
