@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// fxhost check: whether addresses are valid, by the driver's own address services.
+// fxhost check: asks the driver's own address services whether addresses are valid.
 
 #include "tools/fxhost/commands/connection.h"
 #include "tools/library/addresses.h"

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// What every command of fxhost shares: the options that may stand before or behind it, its exit
-// codes, and how it is added to the command line. A file of this folder is one command.
+// What all commands of fxhost share: the options that may stand before or after them, the exit
+// codes, and how they are added to the command line. A file of this folder is one command.
 
 #pragma once
 
@@ -18,10 +18,10 @@
 
 namespace fxtools {
 
-// The link as the command line says it; what is 0 or empty is the link's own.
+// The link options of the command line; 0 or empty: not given.
 struct LinkOptions
 {
-    std::string link;  // empty: what the command takes unless told otherwise
+    std::string link;  // empty: the command's default
     int baud = 0;
     std::string line;
     std::string parity;
@@ -35,7 +35,7 @@ struct CommonOptions
     std::string library;
     LinkOptions link;
     int timeoutMs = 0;    // 0: adapts to the line
-    int reconnectS = -1;  // what the command takes unless told otherwise
+    int reconnectS = -1;  // -1: the command's default
     int retries = 2;
     int wordsPerFrame = 32;
     OutputOptions output;
@@ -43,13 +43,13 @@ struct CommonOptions
 
 constexpr int mostCycles = 1000000000;
 
-// What is run once the whole command line was read and found good.
+// Runs after the whole command line has been parsed.
 using Action = std::function<ExitCode()>;
 
 void addLinkOptions(CLI::App& app, CommonOptions& common);
 void addOutputOptions(CLI::App& app, CommonOptions& common);
 
-// Takes "1000", "1000ms" and "1s" for a time in milliseconds.
+// Accepts "1000", "1000ms" and "1s" as a time in milliseconds.
 CLI::Validator timeInMs();
 
 // Examples below the help of a command; each runs as it stands.

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// The options that may stand before or behind every command: the link, and the form of what is
+// The options that may stand before or after every command: the link, and the form of what is
 // printed.
 
 #include "tools/fxhost/commands/command.h"

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// Everything that a command needs to talk to one PLC: the loaded library, what it says about its
-// registers, the open link, the session and the exchange loop.
+// Everything that a command needs to talk to one PLC: the loaded library, its register types, the
+// open link, the session and the exchange loop.
 
 #pragma once
 
@@ -26,14 +26,14 @@ struct AddressServices
     explicit AddressServices(const CommonOptions& common);
 };
 
-// What the command line says about a connection, once and for all.
+// The settings of a connection, made from the command line once.
 struct ConnectionSettings
 {
     QString library;
     LinkSettings link;
     SessionSettings session;
     LoopSettings loop;
-    std::optional<int> reconnectS;  // nothing: what the command takes
+    std::optional<int> reconnectS;  // nothing: the command's default
     bool timestamps = false;        // on changes of state
 };
 
@@ -44,8 +44,8 @@ ConnectionSettings connectionSettings(const CommonOptions& common,
 class Connection
 {
 public:
-    // Loads the library and opens the link; throws Failure. A link that is not there is awaited
-    // only for as long as the user said.
+    // Loads the library and opens the link; throws Failure. A link that cannot be opened is retried
+    // only if the user gave a time.
     explicit Connection(const ConnectionSettings& settings);
     explicit Connection(const CommonOptions& common) : Connection(connectionSettings(common)) {}
     Connection(const Connection&) = delete;
@@ -59,9 +59,9 @@ public:
     const DriverSession& session() const { return m_session; }
     ExchangeLoop& loop() { return m_loop; }
 
-    // A lost link is opened again while the loop runs, for as long as the user said or half a
-    // minute. What was queued stays queued, and the frame in flight goes out again. A command that
-    // runs until it is stopped waits without end, unless told otherwise.
+    // A lost link is reopened while the loop runs, for the time that the user gave or 30 s. The
+    // queues are kept, and the frame in flight is sent again. After this call the default is to
+    // retry for ever: for commands that run until stopped.
     void waitForLinkWithoutEnd() { m_keeper.waitWithoutEnd(); }
 
 private:
@@ -74,10 +74,10 @@ private:
     ExchangeLoop m_loop;
 };
 
-// The exit code that a failed exchange stands for.
+// The exit code for an exchange with this verdict.
 ExitCode exitCodeOf(ReplyVerdict verdict);
 
-// Good; or that some exchanges failed; or, when all failed, what was most often the matter.
+// Good; SomeFailed; or, if all exchanges failed, the code of the most frequent reason.
 ExitCode exitCodeOf(const Statistics& statistics);
 
 }  // namespace fxtools

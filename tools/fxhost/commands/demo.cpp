@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// fxhost demo: everything that the driver does, shown on a simulated PLC in half a minute.
+// fxhost demo: shows in half a minute, on a simulated PLC, what the driver does.
 
 #include "tools/fxhost/commands/connection.h"
 #include "tools/fxhost/demo/chapters.h"

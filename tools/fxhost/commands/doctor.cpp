@@ -1,9 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// fxhost doctor: why nothing comes. Tries line settings one after the other on a serial port (only
-// what there is on another link), asks the PLC for a sign of life and for two registers, and says
-// in plain words what it saw and what to do.
+// fxhost doctor: why a PLC does not answer. Sends ENQ and reads two registers, on a serial port
+// with one line setting after the other, and says what it found and what to do.
 
 #include "tools/exchange/polling.h"
 #include "tools/fxhost/commands/connection.h"
@@ -132,7 +131,7 @@ QString advice(const Finding& best)
     return {};
 }
 
-// A good answer explains most, any answer more than none.
+// A good reply explains most, and any reply explains more than silence.
 const Finding& mostTelling(const QVector<Finding>& findings)
 {
     const Finding* best = &findings.first();

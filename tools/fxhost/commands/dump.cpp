@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// fxhost dump: whole ranges of registers into a file, a frame at a time, so that an interrupted
-// dump can be resumed. What cannot be read is noted in the file and left out.
+// fxhost dump: reads ranges of registers into a file, one frame at a time, so that an interrupted
+// dump can be resumed. A register that cannot be read becomes a comment in the file.
 
 #include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/poll_result.h"
@@ -56,7 +56,7 @@ public:
             m_done = namesIn(path, connection);
     }
 
-    // Why there is no use in going on, or nothing; the portion is not in the file then.
+    // The reason to stop, or nothing. If it stops, the portion is not in the file.
     std::optional<ReplyVerdict> dump(const RegisterRange& portion);
     void finish() { m_file.finish(); }
     const PollResult& result() const { return m_result; }

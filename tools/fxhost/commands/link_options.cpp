@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// What the options say about the link, put into its settings.
+// The settings of the link, from --link and the options that override it.
 
 #include "tools/fxhost/commands/command.h"
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// fxhost monitor: every frame of a polling host and its answer, made visible, with times.
+// fxhost monitor: every frame of a polling host and its reply in readable form, with times.
 
 #include "tools/exchange/blocks.h"
 #include "tools/fxhost/commands/address_options.h"

@@ -15,7 +15,7 @@ namespace fxtools {
 struct PolledValue
 {
     QString name;
-    QJsonValue value = QJsonValue::Undefined;  // undefined when it was not read
+    QJsonValue value = QJsonValue::Undefined;  // undefined if it was not read
     std::optional<ReplyVerdict> problem;
 
     QJsonValue error() const;  // the problem's text, or undefined
@@ -27,7 +27,7 @@ QVector<PolledValue> polledValues(const Poller& poller, const RegisterRange& ran
 // --as FORMAT
 void addFormatOption(CLI::App& command, ValueFormat& format);
 
-// Throws Failure when a value of this format would reach past the end of a range.
+// Throws Failure if a value of this format would reach past the end of a range.
 void needWholeValues(const QVector<RegisterRange>& ranges, ValueFormat format);
 
 class PollResult
@@ -38,7 +38,7 @@ public:
     int good() const { return m_good; }
     int failed() const { return m_failed; }
 
-    // Good; or that some values failed; or, when all failed, the reason of the first.
+    // Good; SomeFailed; or, if all values failed, the code of the first reason.
     ExitCode exitCode() const;
 
 private:

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// fxhost read: the values of some registers, once.
+// fxhost read: reads registers once.
 
 #include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/poll_result.h"

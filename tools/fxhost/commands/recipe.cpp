@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// fxhost recipe: blocks of words between a CSV file and the PLC, by the driver's recipe transfer.
+// fxhost recipe: transfers words between a CSV file and the PLC with the driver's recipe transfer.
 
 #include "tools/exchange/recipe_transfer.h"
 #include "tools/fxhost/commands/address_options.h"

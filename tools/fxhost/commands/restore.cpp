@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// fxhost restore: the registers of a file back into the PLC, a frame at a time, each read back.
-// Stops at the first that does not arrive, and says up to where the PLC was written. Those that the
-// PLC's own program writes are named at the end.
+// fxhost restore: writes the registers of a file to the PLC and reads them back, one frame at a
+// time. Stops at the first failure and says where to continue. Registers that hold another value
+// afterwards, because the PLC's program writes them, are named at the end.
 
 #include "tools/fxhost/commands/connection.h"
 #include "tools/fxhost/commands/progress.h"
@@ -59,7 +59,7 @@ QStringList namesOfDifferent(const RegisterRun& run, const QVector<quint32>& hel
     return names;
 }
 
-// Nothing when the PLC took what was written and was asked what it holds then.
+// Returns nothing if the values were written and read back.
 std::optional<Stop> restoreRun(Connection& connection, const RegisterRun& run,
                                QStringList& different)
 {

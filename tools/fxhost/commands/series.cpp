@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// fxhost series: the addresses of the copies of a panel object, as the screen editor makes them.
+// fxhost series: the addresses for copies of a panel object, as the screen editor makes them.
 
 #include "tools/fxhost/commands/connection.h"
 #include "tools/library/addresses.h"

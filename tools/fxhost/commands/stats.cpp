@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// fxhost stats: polls for a while and tells what the line is like: exchanges, causes of rejection,
-// response times as a histogram beside the time-out that they led to.
+// fxhost stats: polls for a while and reports on the link: exchanges, reasons for rejection, and a
+// histogram of response times with the time-out that follows from them.
 
 #include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/poll_result.h"

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// fxhost watch: values as they change: a table redrawn in place on a terminal, a line for each
-// change elsewhere. Goes on when the link was lost and is back.
+// fxhost watch: prints values as they change: a table that is redrawn on a terminal, otherwise a
+// line for each change. Continues when a lost link is back.
 
 #include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/poll_result.h"

@@ -1,9 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// fxhost write: values into registers, and the truth about what arrived. The driver shows a
-// written value in its cache at once, so success is the PLC's acknowledge, and with --verify what
-// the PLC says when it is asked.
+// fxhost write: writes values and reports what was written. The cache shows a written value at
+// once, so success means the PLC's ACK, and with --verify the value that is read back.
 
 #include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/poll_result.h"
@@ -17,7 +16,7 @@ constexpr int widestWritten = 30;
 
 struct WriteOptions
 {
-    std::vector<std::string> assignments;  // only values when the address is given by letters
+    std::vector<std::string> assignments;  // only values when the address is given by options
     AddressOptions address;
     ValueFormat format = ValueFormat::Unsigned;
     bool verify = false;
@@ -70,7 +69,7 @@ Assignment parseAssignment(const QString& text, const RegisterCatalogue& catalog
                         catalogue, format);
 }
 
-// Values alone, behind the letters that say where they go.
+// Only values: the address is given by options.
 Assignment assignmentByLetters(const WriteOptions& options, const RegisterCatalogue& catalogue)
 {
     const AddressParts address = addressOfLetters(options.address);
@@ -110,7 +109,7 @@ public:
           m_records(output, {{"address"}, {"written"}, {"result"}})
     {}
 
-    // False when it makes no sense to go on with the next one.
+    // Returns whether to continue with the next assignment.
     bool write(const Assignment& assignment);
     void skip(const Assignment& assignment);
     ExitCode finish();

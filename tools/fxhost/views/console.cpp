@@ -32,12 +32,12 @@ struct Size
     }
 };
 
-// What stands at the end of the one terminal there is, whoever wrote it.
+// The unfinished output at the end of the terminal, which all consoles share.
 struct Unfinished
 {
-    int drawnLines = 0;  // that the next redraw goes over
+    int drawnLines = 0;  // which the next redraw overwrites
     Size drawnOn;
-    bool bar = false;     // the cursor stands behind a bar
+    bool bar = false;     // the cursor is at the end of a bar
     bool echoed = false;  // what the terminal showed of Ctrl-C was ended by a new line
 };
 Unfinished unfinished;
@@ -122,9 +122,9 @@ void Console::redraw(const QStringList& lines)
         return;
     }
     if (takeContinued())
-        unfinished.drawnLines = 0;  // below the table stands now what the shell wrote
+        unfinished.drawnLines = 0;  // the shell has written below the table
     const Size size = terminalSize();
-    // A terminal that has changed its size may have folded its lines anew.
+    // A terminal that has changed its size may have wrapped its lines differently.
     if (unfinished.drawnLines > 0 && unfinished.drawnOn != size)
         put(QStringLiteral("\x1b[H\x1b[2J"));
     else if (unfinished.drawnLines > 0)
@@ -170,7 +170,7 @@ void Console::settle()
 
 void complain(const QString& text)
 {
-    QString line = text;  // which may quote a file that is no text
+    QString line = text;  // which may quote a binary file
     for (QChar& character : line) {
         if (!character.isPrint())
             character = '?';

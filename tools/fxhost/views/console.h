@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// Where texts for people go: plain lines anywhere, colours and redrawing in place on a terminal
-// only, and no colours there either when NO_COLOR is set. Everything that a command prints for
-// people passes here. The cursor is never hidden, so that no end of the program can leave it so.
+// Output for people: plain lines anywhere, colours and redrawing only on a terminal, and no colours
+// if NO_COLOR is set. Everything that a command prints for people goes through here. The cursor is
+// never hidden, so it cannot stay hidden when the program ends.
 
 #pragma once
 
@@ -28,15 +28,15 @@ public:
     QString bad(const QString& text) const { return styled(text, "1;31"); }
     QString changed(const QString& text) const { return styled(text, "1;33"); }
 
-    // Draws over what was drawn last, or below it where nothing can be drawn over. On a terminal
-    // lines are cut at its width, and what is too tall for it loses lines above the last one.
+    // Draws over the last drawing, or below it if this is not a terminal. On a terminal, lines are
+    // cut to its width, and a drawing that is too tall loses lines above the last one.
     void redraw(const QStringList& lines);
     void endRedraw();
 
     // A bar that grows; without a terminal one line when it is full.
     void progress(const QString& label, int done, int total);
 
-    // Leaves the terminal at the beginning of a line, whatever stands there.
+    // Moves the terminal to the beginning of a line if it is not there.
     static void settle();
 
 private:

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// What a command has to tell, as records of named fields: a table for people, JSON or CSV for
-// programs. A result is collected and shown at its end; a stream is shown record by record.
+// The output of a command as records of named fields: a table for people, JSON or CSV for programs.
+// A result is collected and shown at the end; a stream is shown record by record.
 
 #pragma once
 
@@ -27,7 +27,7 @@ struct OutputOptions
 {
     OutputMode mode = OutputMode::People;
     bool timestamps = false;
-    bool quiet = false;  // no titles, no closing words
+    bool quiet = false;  // no headings, no summary
 };
 
 class Records
@@ -36,13 +36,13 @@ public:
     enum class Shown
     {
         AtTheEnd,  // one table, or one JSON array
-        AtOnce,    // a line each; JSON has one object a line
+        AtOnce,    // a line for each; in JSON one object on each line
     };
 
     Records(const OutputOptions& options, const QVector<Table::Column>& columns,
             Shown shown = Shown::AtTheEnd);
 
-    // One value a column; undefined ones are left out of JSON and empty elsewhere.
+    // One value for each column; undefined ones are left out of JSON and empty elsewhere.
     void add(const QVector<QJsonValue>& values);
     void finish();
 

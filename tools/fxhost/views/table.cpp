@@ -38,7 +38,7 @@ QString clipped(const QString& text, int columns)
             colourCode().match(text, position, QRegularExpression::NormalMatch,
                                QRegularExpression::AnchoredMatchOption);
         if (code.hasMatch()) {
-            kept += code.captured();  // also behind the cut: a colour must end
+            kept += code.captured();  // also after the cut: a colour must end
             position = code.capturedEnd();
             continue;
         }
