@@ -31,7 +31,7 @@ constexpr VerdictRow verdictRows[] = {
     {ReplyVerdict::HighBits, "high-bits", "bit 7 set: check data bits and parity"},
     {ReplyVerdict::Echo, "echo", "echo of the request"},
     {ReplyVerdict::NotAFrame, "not-a-frame", "not a frame"},
-    {ReplyVerdict::WrongSum, "wrong-sum", "damaged: wrong sum"},
+    {ReplyVerdict::WrongSum, "wrong-sum", "damaged: wrong checksum"},
     {ReplyVerdict::Late, "late", "late reply"},
     {ReplyVerdict::LinkLost, "link-lost", "the link was lost"},
     {ReplyVerdict::Interrupted, "interrupted", "interrupted"},

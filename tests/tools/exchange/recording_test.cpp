@@ -95,23 +95,23 @@ TEST_F(Recordings, NameTheLineOfAMistake)
         std::string content;
         std::string says;
     } rows[] = {
-        {"D0,1\n", ", line 1: no JSON object: illegal value"},
-        {"[1]\n", ", line 1: no JSON object: something else"},
-        {"{}\n", ", line 1: this is no recording of fxhost"},
-        {R"({"fxhost":2,"property":"1#0#0#3#32"})", ", line 1: this is no recording of fxhost"},
+        {"D0,1\n", ", line 1: not a JSON object: illegal value"},
+        {"[1]\n", ", line 1: not a JSON object: an array"},
+        {"{}\n", ", line 1: not a recording made by fxhost"},
+        {R"({"fxhost":2,"property":"1#0#0#3#32"})", ", line 1: not a recording made by fxhost"},
         {R"({"fxhost":1,"property":"1#0#0#3"})",
-         ", line 1: \"property\" is not like 1#0#0#3#32: 1#0#0#3"},
+         ", line 1: \"property\" is '1#0#0#3'; expected for example 1#0#0#3#32"},
         {R"({"fxhost":1,"property":"1#0#0#0#32"})",
-         ", line 1: \"property\" is not like 1#0#0#3#32: 1#0#0#0#32"},
+         ", line 1: \"property\" is '1#0#0#0#32'; expected for example 1#0#0#3#32"},
         {head + "\n" + good + "\n" + R"({"sent":"0"})",
-         ", line 3: \"sent\" is no row of hexadecimal bytes"},
-        {head + "\n" + R"({"sent":2})", ", line 2: \"sent\" is missing, or of another kind"},
-        {head + "\n" + R"({"sent":"02"})", ", line 2: \"handed\" is missing, or of another kind"},
+         ", line 3: \"sent\" must be hexadecimal bytes"},
+        {head + "\n" + R"({"sent":2})", ", line 2: \"sent\" is missing or has the wrong type"},
+        {head + "\n" + R"({"sent":"02"})", ", line 2: \"handed\" is missing or has the wrong type"},
         {head + "\n" + R"({"sent":"02","handed":"","text":""})",
-         ", line 2: \"answer\" is missing, or of another kind"},
+         ", line 2: \"answer\" is missing or has the wrong type"},
         {head + "\n" + R"({"sent":"02","handed":"","answer":1})",
-         ", line 2: \"text\" is missing, or of another kind"},
-        {head + "\n" + R"({"sent":"02)", ", line 2: no JSON object: unterminated string"},
+         ", line 2: \"text\" is missing or has the wrong type"},
+        {head + "\n" + R"({"sent":"02)", ", line 2: not a JSON object: unterminated string"},
     };
     for (const auto& row : rows)
         EXPECT_EQ(errorOf(row.content), row.says) << row.content;

@@ -100,7 +100,7 @@ too-long: reply too long
 high-bits: bit 7 set: check data bits and parity
 echo: echo of the request
 not-a-frame: not a frame
-wrong-sum: damaged: wrong sum
+wrong-sum: damaged: wrong checksum
 late: late reply
 link-lost: the link was lost
 interrupted: interrupted)");
