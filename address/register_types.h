@@ -73,9 +73,14 @@ constexpr bool isDoubleWord(const RegisterType& type)
 
 // Bytes of one value in a frame and in the cache, where eight bits share a byte, and in the host's
 // buffers, where each bit takes one.
+constexpr int valueBytes(RegisterKind kind)
+{
+    return kind == RegisterKind::Bit ? 1 : kind == RegisterKind::Word ? 2 : 4;
+}
+
 constexpr int valueBytes(const RegisterType& type)
 {
-    return isBit(type) ? 1 : isDoubleWord(type) ? 4 : 2;
+    return valueBytes(type.kind);
 }
 
 #endif

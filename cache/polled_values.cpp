@@ -27,8 +27,10 @@ int areasFrom(int startIndex, int step, int areaCount)
 }
 
 // Stores one value; true when it changed.
-bool storeValue(const AreaFinder& finder, int startIndex, const unsigned char* value, int byteCount)
+template <RegisterKind kind>
+bool storeValue(const AreaFinder& finder, int startIndex, const unsigned char* value)
 {
+    constexpr int byteCount = valueBytes(kind);
     const _DATA_& stored = finder.area(startIndex);
     const bool isChanged = !std::equal(value, value + byteCount, stored.valueBuffer0);
     if (!isChanged && stored.flag0 == 0)
@@ -52,6 +54,27 @@ void notifyPolled(int stationNo, const RegisterType& type, int startIndex, unsig
                                1);
 }
 
+// For each kind by itself, so that the width of a value is known when it is compiled.
+template <RegisterKind kind>
+void storeValues(int stationNo, const RegisterType& type, int startIndex,
+                 const std::vector<unsigned char>& bytes)
+{
+    constexpr int byteCount = valueBytes(kind);
+    constexpr int wordCount = byteCount / bytesPerWord;  // 0 for bits, which recipes do not take
+    const AreaFinder finder(stationNo, type);
+    const int step = areaStep(type);
+    const int areaCount = areasFrom(startIndex, step, static_cast<int>(bytes.size()) / byteCount);
+    const std::optional<qint64> recipeWord = uploadTarget();
+    const unsigned char* value = bytes.data();
+    for (int k = 0; k < areaCount; ++k, value += byteCount) {
+        const int start = startIndex + step * k;
+        if (storeValue<kind>(finder, start, value))
+            notifyPolled(stationNo, type, start, value[0]);
+        if (recipeWord)
+            storeRecipeWords(*recipeWord + static_cast<qint64>(wordCount) * k, value, wordCount);
+    }
+}
+
 }  // namespace
 
 void storePolledValues(int stationNo, QString registerType, int startIndex,
@@ -60,19 +83,13 @@ void storePolledValues(int stationNo, QString registerType, int startIndex,
     const RegisterType* type = findRegisterType(registerType);
     if (type == nullptr)
         return;
-    const AreaFinder finder(stationNo, *type);
-    const int step = areaStep(*type);
-    const int byteCount = valueBytes(*type);
-    const int areaCount = areasFrom(startIndex, step, static_cast<int>(bytes.size()) / byteCount);
-    const int wordCount = byteCount / bytesPerWord;  // 0 for bits, which recipes do not take
-    const std::optional<qint64> recipeWord = uploadTarget();
-    const unsigned char* value = bytes.data();
-    for (int k = 0; k < areaCount; ++k, value += byteCount) {
-        const int start = startIndex + step * k;
-        if (storeValue(finder, start, value, byteCount))
-            notifyPolled(stationNo, *type, start, value[0]);
-        if (recipeWord)
-            storeRecipeWords(*recipeWord + static_cast<qint64>(wordCount) * k, value, wordCount);
+    switch (type->kind) {
+    case RegisterKind::Bit:
+        return storeValues<RegisterKind::Bit>(stationNo, *type, startIndex, bytes);
+    case RegisterKind::Word:
+        return storeValues<RegisterKind::Word>(stationNo, *type, startIndex, bytes);
+    case RegisterKind::DoubleWord:
+        return storeValues<RegisterKind::DoubleWord>(stationNo, *type, startIndex, bytes);
     }
 }
 

@@ -18,11 +18,12 @@ void copyBits(const AreaFinder& finder, int startIndex, int bitCount, unsigned c
     }
 }
 
-void copyValues(const AreaFinder& finder, int startIndex, int elements, int valueBytes,
-                unsigned char* out)
+// For each kind by itself, so that the width of a copy is known when it is compiled.
+template <RegisterKind kind>
+void copyValues(const AreaFinder& finder, int startIndex, int elements, unsigned char* out)
 {
     for (int i = 0; i < elements; ++i)
-        out = std::copy_n(currentValue(finder.area(startIndex + i)), valueBytes, out);
+        out = std::copy_n(currentValue(finder.area(startIndex + i)), valueBytes(kind), out);
 }
 
 }  // namespace
@@ -34,9 +35,16 @@ int intf_getData(int stationNo, QString registerType, int startIndex, int count,
         return fxDone;
     const AreaFinder finder(stationNo, *type);
     const int elements = servedElements(*type, startIndex, count);
-    if (isBit(*type))
+    switch (type->kind) {
+    case RegisterKind::Bit:
         copyBits(finder, startIndex, elements, out);
-    else
-        copyValues(finder, startIndex, elements, valueBytes(*type), out);
+        break;
+    case RegisterKind::Word:
+        copyValues<RegisterKind::Word>(finder, startIndex, elements, out);
+        break;
+    case RegisterKind::DoubleWord:
+        copyValues<RegisterKind::DoubleWord>(finder, startIndex, elements, out);
+        break;
+    }
     return fxDone;
 }

@@ -8,22 +8,31 @@
 #include "driver/intf.h"
 #include "protocol/frame_format.h"
 
+#include <array>
+
 namespace {
 
 constexpr int bytesPerCounter = 4;
 
 // Lower-case digits decode like upper-case ones, anything else to some digit: a reply that passed
 // its sum is taken as it is.
-unsigned int nibble(unsigned char character)
+constexpr unsigned int nibble(unsigned int character)
 {
     if (character < 0x30 || character == 0x40)
         return 0;
-    return character < 0x40 ? character - 0x30U : (character - 0x37U) % 16;
+    return character < 0x40 ? character - 0x30 : (character - 0x37) % 16;
 }
+
+constexpr std::array<unsigned char, 256> nibbles = [] {
+    std::array<unsigned char, 256> table = {};
+    for (unsigned int character = 0; character < table.size(); ++character)
+        table[character] = static_cast<unsigned char>(nibble(character));
+    return table;
+}();
 
 unsigned int nibbleAt(const QByteArray& reply, int position)
 {
-    return position < reply.size() ? nibble(static_cast<unsigned char>(reply.at(position))) : 0;
+    return position < reply.size() ? nibbles[static_cast<unsigned char>(reply.at(position))] : 0U;
 }
 
 }  // namespace
