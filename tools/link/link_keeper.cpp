@@ -52,11 +52,12 @@ void LinkKeeper::openFirst()
         onState(failure.text() + "; retrying");
     }
     const Awaited awaited = await();
-    if (awaited == Awaited::GivenUp)
+    if (awaited == Awaited::GivenUp) {
         throw Failure(ExitCode::LinkNotOpened,
                       QStringLiteral("%1: could not open the link within %2 s")
                           .arg(m_link.name())
                           .arg(*m_givenS));
+    }
     if (awaited == Awaited::Open)
         onState(QStringLiteral("the link is open"));
 }
