@@ -30,11 +30,13 @@ void PrintTo(const Command& command, std::ostream* out)
 
 // D0 is at byte 0x1000, M0 at 0x0100, X0 at 0x0080, 32CV200 at 0x0C00.
 const Command commands[] = {
-    {"types", R"(fxhost> types --csv -q | grep -o 32CV.*
+    {"types", R"(fxhost> types --csv | grep -o (type|32CV).*
+type,lowest,highest,base,width,writable
 32CV,200,255,10,32 bits,true
 )"},
-    {"check", R"(fxhost> check X17 X18 --csv -q
+    {"check", R"(fxhost> check X17 2#D5:3 X18 --csv -q
 X17,true,"X17 of station 1, bit"
+2#D5:3,true,"D5:3 of station 2, 16 bits"
 X18,false,'X18' has an invalid number; use X0 to X377 in octal
 [1]
 )"},
@@ -42,6 +44,11 @@ X18,false,'X18' has an invalid number; use X0 to X377 in octal
 1,X6
 2,X7
 3,X10
+fxhost> series D7998 -c 3 --csv -q | grep -o .,D.*
+1,D7998
+2,D7999
+3,D7999
+[1]
 )"},
     {"plan", R"(fxhost> plan D100:10 D105:20 M8000 --csv -q
 SM8000 … SM8007,8,1,17,7,SM8001 … SM8007
@@ -55,6 +62,9 @@ D100,12345,
 X2,1,
 X3,0,
 32CV200,65537,
+fxsim> poke 0x1000 0xC3 0xF5 0x48 0x40
+fxhost> read D0:2 --as float --csv -q
+D0,3.14,
 )"},
     {"write", R"(fxhost> write D100=258,-1 M9=on 32CV201=70000 --verify --csv -q
 D100:2,"258,-1",verified
@@ -68,9 +78,9 @@ fxsim> peek 0x0C04 4
 0C04: 70 11 01 00
 )"},
     {"watch", R"(fxsim> poke 0x1000 7
-fxhost> watch D0:2 -n 3 -l 0 --csv -q
-D0,7,
-D1,0,
+fxhost> watch D0:2 -n 3 -l 0 --json
+{"address":"D0","value":7}
+{"address":"D1","value":0}
 fxsim> poke 0x1000 8
 fxhost> watch D0:2 -1 --csv -q
 D0,8,

@@ -83,25 +83,6 @@ TEST_P(Misbehaving, WatchGoesOnWhenTheLinkIsBack)
     EXPECT_EQ(times(ended.err, "the link is back"), 1) << ended.err;
 }
 
-TEST_P(Misbehaving, WhatWasRefusedIsAskedAgain)
-{
-    // Both registers are refused for a while, alone as well.
-    const RunningSimulator plc(GetParam(),
-                               {"--baud", "0", "--program", "none", "--faults", "nak@1-15"});
-    const Ended ended = run(plc, {"watch", "D0:2", "-n", "120", "-l", "0", "--csv", "-q"});
-    EXPECT_EQ(ended.code, 0);
-    EXPECT_EQ(ended.out, "D0,,refused by the PLC (NAK)\nD1,,refused by the PLC (NAK)\n"
-                         "D0,0,\nD1,0,\n");
-}
-
-TEST_P(Misbehaving, ASilentPlcIsNotAskedForEverything)
-{
-    const RunningSimulator plc(GetParam(), {"--baud", "0", "--faults", "silence=1"});
-    const Ended ended = run(plc, {"-o", "50", "--retries", "0", "read", "D0:8000", "--csv", "-q"});
-    EXPECT_EQ(ended.code, 4);
-    EXPECT_EQ(times(ended.out, ",,no reply\n"), 8000);
-}
-
 TEST_P(Misbehaving, ADumpKeepsAGoodFileWhenThePlcIsSilent)
 {
     const RunningSimulator plc(GetParam(), {"--baud", "0", "--faults", "silence=1"});
@@ -127,15 +108,6 @@ TEST_P(Misbehaving, ARecordingOfSilenceIsToldAsSuch)
     EXPECT_EQ(ended.out, "  " + file.toStdString() + ": 2 exchanges saved, 0 good\n");
     EXPECT_EQ(ended.err,
               "fxhost: no valid reply; to find out why, run fxhost doctor with this link\n");
-}
-
-TEST_P(Misbehaving, AResumedDumpDropsALineThatBrokeOff)
-{
-    const RunningSimulator plc(GetParam(), {"--baud", "0", "--program", "none"});
-    const QTemporaryDir folder;
-    const QString file = newFile(folder, "plc.csv", "address,value\nD0,7\nD1,1");
-    EXPECT_EQ(run(plc, {"dump", file, "D0:3", "--resume"}).code, 0);
-    EXPECT_EQ(contentOf(file), "address,value\nD0,7\nD1,0\nD2,0\n");
 }
 
 TEST_P(Misbehaving, DoctorSaysWhatIsTheMatter)

@@ -46,23 +46,6 @@ INSTANTIATE_TEST_SUITE_P(
                 {"read", "X18"},
                 2,
                 "fxhost: 'X18' has an invalid number; use X0 to X377 in octal"},
-        Mistake{"OutOfRange",
-                {"read", "D8256"},
-                2,
-                "fxhost: 'D8256' is out of range: SD8000 to SD8255 in decimal"},
-        Mistake{"PastTheEnd",
-                {"read", "D7990:32"},
-                2,
-                "fxhost: 'D7990:32' is out of range: D0 to D7999 in decimal"},
-        Mistake{
-            "UnknownType",
-            {"read", "Q7"},
-            2,
-            "fxhost: 'Q7' has an unknown register type; use one of X Y M S SM T C D SD TV CV 32CV"},
-        Mistake{"NoAddress",
-                {"read", "D"},
-                2,
-                "fxhost: 'D' is not an address; use for example D100, X17, D100:32 or 2#M8"},
         Mistake{"InputWritten", {"write", "X0=1"}, 2, "fxhost: 'X0=1': X registers are read-only"},
         Mistake{
             "NoBit", {"write", "M0=2"}, 2, "fxhost: value '2' is not a bit; use 0, 1, on or off"},
@@ -86,12 +69,6 @@ INSTANTIATE_TEST_SUITE_P(
                 {"recipe", "upload", "/dev/null", "M0:8"},
                 2,
                 "fxhost: M0:8: recipes hold words, not bits"},
-        Mistake{"UnknownLink",
-                {"--link", "usb:1", "read", "D0"},
-                2,
-                "fxhost: invalid link 'usb:1': expected sim:, serial:/dev/ttyUSB0?baud=9600, "
-                "tcp:HOST:PORT or "
-                "pty:PATH"},
         Mistake{"NoSuchTerminal",
                 {"--link", "pty:/dev/pts/none", "read", "D0"},
                 3,
@@ -189,8 +166,6 @@ void PrintTo(const BadFile& file, std::ostream* out)
     *out << file.name;
 }
 
-const char* const recordingHead = R"({"fxhost":1,"property":"1#0#0#3#32","addresses":["D0"]})";
-
 }  // namespace
 
 class BadFiles : public testing::TestWithParam<BadFile>
@@ -209,47 +184,14 @@ TEST_P(BadFiles, AreNamedWithTheLine)
 INSTANTIATE_TEST_SUITE_P(
     Files, BadFiles,
     testing::Values(
-        BadFile{"NoValue", {"restore"}, "D0\n", ", line 1: 'D0': expected ADDRESS,VALUE"},
         BadFile{"NoNumber",
                 {"restore"},
                 "address,value\nD0,1\nD1,x\n",
                 ", line 3: value 'x' is not a number; use 123, -5, 0x1F, 0b101 or 1.5"},
-        BadFile{"TooLargeForARegister",
-                {"restore"},
-                "D0,70000\n",
-                ", line 1: 'D0,70000': expected one register and a value that fits in it"},
-        BadFile{"NothingInIt", {"restore"}, "address,value\n", ": no registers in this file"},
         BadFile{"AnInput", {"restore"}, "X0,1\n", ": X0 is read-only; remove it"},
         BadFile{"NothingInARecipe", {"recipe", "download"}, "", ": no registers in this file"},
-        BadFile{"BadAddressInARecipe",
-                {"recipe", "download"},
-                "D1,1\nD9999,1\n",
-                ", line 2: 'D9999' is out of range: SD8000 to SD8255 in decimal"},
-        BadFile{"NoJson", {"replay"}, "D0,1\n", ", line 1: not a JSON object: illegal value"},
-        BadFile{"OtherJson", {"replay"}, "{}\n", ", line 1: not a recording made by fxhost"},
-        BadFile{"BadProperty",
-                {"replay"},
-                R"({"fxhost":1,"property":"1","addresses":[]})",
-                R"(, line 1: "property" is '1'; expected for example 1#0#0#3#32)"},
-        BadFile{"BadRecordedAddress",
-                {"replay"},
-                R"({"fxhost":1,"property":"1#0#0#3#32","addresses":["D9000"]})",
-                ", line 1: 'D9000' is out of range: SD8000 to SD8255 in decimal"}),
+        BadFile{"OtherJson", {"replay"}, "{}\n", ", line 1: not a recording made by fxhost"}),
     [](const auto& row) { return row.param.name; });
-
-TEST(BadFiles, OfARecordingAreNamedWithTheMember)
-{
-    const QTemporaryDir folder;
-    const QByteArray head = QByteArray(recordingHead) + '\n';
-    const QString noHex = newFile(folder, "nohex", head + R"({"sent":"zz"})");
-    EXPECT_TRUE(
-        holds(fxhost({"replay", noHex}).err, R"(, line 2: "sent" must be hexadecimal bytes)"));
-    const QString missing = newFile(folder, "missing", head + R"({"sent":"02"})");
-    EXPECT_TRUE(holds(fxhost({"replay", missing}).err,
-                      R"(, line 2: "handed" is missing or has the wrong type)"));
-    const QString torn = newFile(folder, "torn", head + R"({"sent":"02)");
-    EXPECT_TRUE(holds(fxhost({"replay", torn}).err, ", line 2: not a JSON object: "));
-}
 
 TEST(Usage, FullOutputIsNoSuccess)
 {
@@ -355,46 +297,4 @@ TEST(Usage, LettersSayAnAddress)
               fxhost({"plan", "X17:2", "--csv", "-q"}).out);
     EXPECT_EQ(fxhost({"plan", "-r", "100", "--csv", "-q"}).out,
               fxhost({"plan", "D100", "--csv", "-q"}).out);
-}
-
-TEST(Usage, TypesNeedNoPlc)
-{
-    const Ended ended = fxhost({"types", "--csv"});
-    EXPECT_EQ(ended.code, 0);
-    EXPECT_EQ(ended.out, "type,lowest,highest,base,width,writable\n"
-                         "X,0,377,8,bit,false\nY,0,377,8,bit,true\nM,0,3071,10,bit,true\n"
-                         "S,0,999,10,bit,true\nSM,8000,8255,10,bit,true\nT,0,255,10,bit,true\n"
-                         "C,0,255,10,bit,true\nD,0,7999,10,16 bits,true\n"
-                         "SD,8000,8255,10,16 bits,true\nTV,0,255,10,16 bits,true\n"
-                         "CV,0,199,10,16 bits,true\n32CV,200,255,10,32 bits,true\n");
-}
-
-TEST(Usage, CheckNamesWhatIsWrong)
-{
-    const Ended ended = fxhost({"check", "M8000", "2#D5:3", "CV200", "X8", "--csv", "-q"});
-    EXPECT_EQ(ended.code, 1);
-    EXPECT_EQ(
-        ended.out,
-        "M8000,true,\"SM8000 of station 1, bit\"\n2#D5:3,true,\"D5:3 of station 2, 16 bits\"\n"
-        "CV200,true,\"32CV200 of station 1, 32 bits\"\n"
-        "X8,false,'X8' has an invalid number; use X0 to X377 in octal\n");
-}
-
-TEST(Usage, SeriesCountsInTheTypesBase)
-{
-    EXPECT_EQ(fxhost({"series", "Y6", "-c", "3", "--csv", "-q"}).out, "1,Y6\n2,Y7\n3,Y10\n");
-    const Ended clamped = fxhost({"series", "D7998", "-c", "3", "--csv", "-q"});
-    EXPECT_EQ(clamped.code, 1);
-    EXPECT_EQ(clamped.out, "1,D7998\n2,D7999\n3,D7999\n");
-}
-
-TEST(Usage, PlanShowsTheBlocks)
-{
-    const Ended ended =
-        fxhost({"plan", "D100:10", "D105:20", "D140:5", "D10:70", "M5", "M20:3", "--csv", "-q"});
-    EXPECT_EQ(ended.code, 0);
-    EXPECT_EQ(ended.out, "M0 … M23,24,3,21,20,\"M0 … M4, M6 … M19, M23\"\n"
-                         "D10 … D41,32,64,143,0,\nD42 … D73,32,64,143,0,\n"
-                         "D74 … D79,6,12,39,0,\nD100 … D124,25,50,115,0,\n"
-                         "D140 … D144,5,10,35,0,\n");
 }
