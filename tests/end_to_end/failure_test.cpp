@@ -37,28 +37,6 @@ TEST_F(Failure, SameFrameIsSentUntilAReplyIsGood)
     EXPECT_EQ((Bytes{5, 0}), values("D", 100, 1, 2));
 }
 
-TEST_F(Failure, ThirdRejectionMovesOnToTheNextPoll)
-{
-    monitor(QList<KEY_ADDRESS>() << range("D", 100, 1) << range("D", 500, 1));
-    plc.put(0x13E8, {7, 0});
-    EXPECT_EQ(8, exchangeAnswered(silence));
-    EXPECT_EQ(8, exchangeAnswered(silence));
-    EXPECT_EQ(2, exchangeAnswered(silence));
-    EXPECT_EQ(1, exchange());
-    EXPECT_EQ("1#D500(1)(8)", errorText);
-    EXPECT_EQ((Bytes{7, 0}), values("D", 500, 1, 2));
-}
-
-TEST_F(Failure, LastGoodValueSurvives)
-{
-    monitor(QList<KEY_ADDRESS>() << range("D", 100, 1));
-    plc.put(0x10C8, {5, 0});
-    EXPECT_EQ(1, exchange());
-    for (int i = 0; i < 3; ++i)
-        exchangeAnswered(silence);
-    EXPECT_EQ((Bytes{5, 0}), values("D", 100, 1, 2));
-}
-
 TEST_F(Failure, RefusedWriteIsUndoneAndReported)
 {
     monitor(QList<KEY_ADDRESS>() << range("D", 100, 1));
@@ -73,26 +51,5 @@ TEST_F(Failure, RefusedWriteIsUndoneAndReported)
     EXPECT_EQ((Bytes{5, 0}), values("D", 100, 1, 2));
     EXPECT_EQ((Texts{"1,1,D,100"}), calls);
     EXPECT_EQ((Bytes{5, 0}), plc.at(0x10C8, 2));
-}
-
-TEST_F(Failure, FailedOneOffReadDropsTheRestAndReports)
-{
-    KEY_ADDRESS key = range("D", 200, 1);
-    driver.addConditionRead(key, 0);
-    for (int i = 0; i < 2; ++i)
-        EXPECT_EQ(8, exchangeAnswered(silence));
-    EXPECT_EQ(2, exchangeAnswered(silence));
-    EXPECT_EQ((Texts{"-1,-1,-1,-1"}), calls);
-    EXPECT_EQ(nothingToSend, exchange());
-}
-
-TEST_F(Failure, WritesAfterASpellOfSilenceArrive)
-{
-    monitor(QList<KEY_ADDRESS>() << range("D", 0, 1));
-    for (int i = 0; i < 30; ++i)
-        EXPECT_NE(1, exchangeAnswered(silence));
-    write("D", 100, {1, 2}, 1);
-    EXPECT_EQ(1, exchange());
-    EXPECT_EQ((Bytes{1, 2}), plc.at(0x10C8, 2));
 }
 }  // namespace

@@ -57,39 +57,6 @@ TEST_F(Polling, ChangesOfMonitoredWordsAreReportedOnce)
     EXPECT_EQ((Texts{"1,1,D,100", "1,1,D,101"}), calls);
 }
 
-TEST_F(Polling, BitsThatChangeInThePlcAreReadButNotReported)
-{
-    connect();
-    ASSERT_EQ(1, monitor(QList<KEY_ADDRESS>() << range("M", 0, 8)));
-    plc.put(0x0100, {0xFF});
-    EXPECT_EQ(1, exchange());
-    EXPECT_EQ((Bytes{1, 1, 1, 1, 1, 1, 1, 1}), values("M", 0, 8, 8));
-    EXPECT_EQ(Texts(), calls);
-}
-
-TEST_F(Polling, LongRangesArriveWhole)
-{
-    connect("1#0#0#3#64");
-    Bytes memory;
-    for (int i = 0; i < 400; ++i)
-        memory.push_back(i % 256);
-    plc.put(0x1000, memory);
-    ASSERT_EQ(4, monitor(QList<KEY_ADDRESS>() << range("D", 0, 200)));
-    EXPECT_EQ(4, exchanges(4));
-    EXPECT_EQ(memory, values("D", 0, 200, 400));
-}
-
-TEST_F(Polling, NewPlanReplacesTheOldBetweenExchanges)
-{
-    connect();
-    monitor(QList<KEY_ADDRESS>() << range("D", 0, 1));
-    exchange();
-    monitor(QList<KEY_ADDRESS>() << range("D", 500, 1));
-    plc.put(0x13E8, {9, 9});
-    EXPECT_EQ(1, exchange());
-    EXPECT_EQ((Bytes{9, 9}), values("D", 500, 1, 2));
-}
-
 TEST_F(Polling, OneOffReadArrivesOnceAndReportsItsEnd)
 {
     connect();
@@ -101,17 +68,6 @@ TEST_F(Polling, OneOffReadArrivesOnceAndReportsItsEnd)
     EXPECT_EQ(1, exchange());
     EXPECT_EQ((Texts{"-1,-1,-1,0"}), calls);
     EXPECT_EQ((Bytes{1, 2, 3, 4}), values("D", 200, 2, 4));
-    EXPECT_EQ(nothingToSend, exchange());
-}
-
-TEST_F(Polling, SecondSetUpBeginsAnew)
-{
-    connect();
-    monitor(QList<KEY_ADDRESS>() << range("D", 100, 1));
-    plc.put(0x10C8, {5, 0});
-    exchange();
-    connect();
-    EXPECT_EQ((Bytes{0, 0}), values("D", 100, 1, 2));
     EXPECT_EQ(nothingToSend, exchange());
 }
 }  // namespace

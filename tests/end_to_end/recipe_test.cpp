@@ -68,29 +68,4 @@ TEST_F(Recipe, ComesUpAsThePlcChangedIt)
     EXPECT_EQ((Bytes{1, 2, 0x99, 0xAA, 5, 6, 0, 0}), recipe(8));
     EXPECT_EQ((Texts{"0,-1,RWI,0", "0,-1,RWI,1", "0,-1,RWI,2"}), calls);
 }
-
-TEST_F(Recipe, GoesAheadOfPollsAndWrites)
-{
-    monitor(QList<KEY_ADDRESS>() << range("D", 0, 1));
-    write("M", 0, {1}, 1);
-    raise(downloadByte);
-    raise(uploadByte);
-    exchanges(6);
-    EXPECT_EQ("110070", plc.commands);
-}
-
-TEST_F(Recipe, FailedEntryEndsTheTransfer)
-{
-    putRecipe({1, 2, 3, 4, 5, 6});
-    raise(downloadByte);
-    const QByteArray silence;
-    EXPECT_EQ(8, exchangeAnswered(silence));
-    EXPECT_EQ(8, exchangeAnswered(silence));
-    EXPECT_EQ(2, exchangeAnswered(silence));
-    EXPECT_EQ(0, hostMemory.at(downloadByte));
-    EXPECT_EQ(nothingToSend, exchange());
-    raise(downloadByte);
-    EXPECT_EQ(2, exchanges(3));
-    EXPECT_EQ((Bytes{1, 2, 3, 4}), plc.at(0x10C8, 4));
-}
 }  // namespace

@@ -36,7 +36,6 @@ QByteArray TinyPlc::answer(const QByteArray& frame)
     if (!isWellFramed(frame))
         return refuse;
     const char command = frame.at(1);
-    commands += command;
     switch (command) {
     case '0':
         return read(number(frame.mid(2, 4)), number(frame.mid(6, 2)));

@@ -9,7 +9,6 @@
 
 #include <QByteArray>
 
-#include <string>
 #include <vector>
 
 class TinyPlc
@@ -24,7 +23,6 @@ public:
     std::vector<int> at(int address, int byteCount) const;
 
     std::vector<unsigned char> memory;
-    std::string commands;  // the command characters of all frames so far
 
 private:
     QByteArray read(int address, int byteCount) const;

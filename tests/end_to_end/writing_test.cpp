@@ -26,16 +26,6 @@ TEST_F(Writing, BitsWordsAndCountersReachThePlc)
     EXPECT_EQ((Bytes{7, 8}), plc.at(0x0F02, 2));
 }
 
-TEST_F(Writing, ThreeWritesLetAPollThrough)
-{
-    connect();
-    monitor(QList<KEY_ADDRESS>() << range("D", 0, 1));
-    for (int i = 0; i < 4; ++i)
-        write("D", 100 + i, {1, 0}, 1);
-    exchanges(6);
-    EXPECT_EQ("111010", plc.commands);
-}
-
 TEST_F(Writing, WrittenValueIsReadAtOnceAndConfirmedLater)
 {
     connect();
@@ -53,44 +43,5 @@ TEST_F(Writing, WrittenValueIsReadAtOnceAndConfirmedLater)
     EXPECT_EQ((Bytes{1, 2}), values("D", 100, 1, 2));
     EXPECT_EQ((Bytes{1}), values("M", 3, 1, 1));
     EXPECT_EQ(Texts(), calls);
-}
-
-TEST_F(Writing, InputsReachTheCacheOnly)
-{
-    connect();
-    write("X", 5, {1}, 1);
-    EXPECT_EQ(nothingToSend, exchange());
-    EXPECT_EQ((Bytes{1}), values("X", 5, 1, 1));
-}
-
-TEST_F(Writing, CacheOnlyConnectionWritesNothing)
-{
-    connect("1#1#0#3#32");
-    write("D", 100, {1, 2}, 1);
-    EXPECT_EQ(nothingToSend, exchange());
-    EXPECT_EQ((Bytes{1, 2}), values("D", 100, 1, 2));
-    EXPECT_EQ((Bytes{0, 0}), plc.at(0x10C8, 2));
-}
-
-TEST_F(Writing, LongWriteArrivesWhole)
-{
-    connect("1#0#0#3#50");
-    monitor(QList<KEY_ADDRESS>() << range("D", 7000, 1));
-    Bytes data;
-    for (int i = 0; i < 300; ++i)
-        data.push_back(i % 256);
-    write("D", 0, data, 150);
-    EXPECT_EQ(3, exchanges(3));
-    EXPECT_EQ(data, plc.at(0x1000, 300));
-}
-
-TEST_F(Writing, NewestOfTheWaitingValuesIsSent)
-{
-    connect();
-    write("M", 0, {1}, 1);
-    write("D", 100, {1, 0}, 1);
-    write("D", 100, {2, 0}, 1);
-    EXPECT_EQ(2, exchanges(3));
-    EXPECT_EQ((Bytes{2, 0}), plc.at(0x10C8, 2));
 }
 }  // namespace
