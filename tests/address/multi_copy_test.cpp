@@ -204,22 +204,4 @@ TEST(DecimalSeries, ClampsToTheGivenNumberAndText)
     EXPECT_EQ((Texts{"8", "10", "end", "end"}), plain(texts));
     EXPECT_EQ((Numbers{8, 10, 11, 11}), plain(values));
 }
-
-TEST(DecimalSeries, LastNumberItselfFits)
-{
-    QVector<QString> texts;
-    QVector<int> values;
-    EXPECT_EQ(1, multiCp_dec(11, 1, 1, texts, values, 11, QString::fromLatin1("end")));
-    EXPECT_EQ((Texts{"11"}), plain(texts));
-}
-
-TEST(DecimalSeries, WithoutCopiesIsEmptyAndFits)
-{
-    QVector<QString> texts;
-    QVector<int> values;
-    EXPECT_EQ(1, multiCp_dec(99, 0, 1, texts, values, 11, QString::fromLatin1("end")));
-    EXPECT_EQ(1, multiCp_dec(99, smallest, 1, texts, values, 11, QString::fromLatin1("end")));
-    EXPECT_TRUE(texts.isEmpty());
-    EXPECT_TRUE(values.isEmpty());
-}
 }  // namespace

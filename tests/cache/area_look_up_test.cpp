@@ -8,22 +8,12 @@
 #include "tests/support/driver_fixture.h"
 
 #include <ostream>
-#include <random>
 
 namespace {
 int indexOf(const char* registerType, int startIndex, int stationNo = 1)
 {
     return getIndexOfDataArea(stationNo, QString::fromLatin1(registerType), startIndex,
                               driver.dataAreas);
-}
-
-_DATA_ areaWithKey(const char* registerType, int startIndex, int stationNo = 1)
-{
-    _DATA_ made;
-    made.stationNo = stationNo;
-    made.registerType = QString::fromLatin1(registerType);
-    made.startIndex = startIndex;
-    return made;
 }
 
 using AreaLookUp = DriverTest;
@@ -42,63 +32,11 @@ TEST_F(AreaLookUp, MissingAreaIsAppendedAllZero)
     EXPECT_EQ(Bytes(4, 0), firstBytes(made.valueBuffer1, 4));
 }
 
-TEST_F(AreaLookUp, ExistingAreaIsFoundAndNeverMoves)
-{
-    EXPECT_EQ(0, indexOf("D", 5));
-    EXPECT_EQ(1, indexOf("D", 3));
-    EXPECT_EQ(2, indexOf("M", 8));
-    EXPECT_EQ(1, indexOf("D", 3));
-    EXPECT_EQ(0, indexOf("D", 5));
-    EXPECT_EQ("1#D5 1#D3 1#M8", textOf(driver.dataAreas));
-}
-
-TEST_F(AreaLookUp, StationTypeAndStartTellAreasApart)
-{
-    EXPECT_EQ(0, indexOf("D", 5, 1));
-    EXPECT_EQ(1, indexOf("D", 5, 2));
-    EXPECT_EQ(2, indexOf("SD", 5, 1));
-    EXPECT_EQ(3, indexOf("d", 5, 1));
-    EXPECT_EQ(4, indexOf("D", 6, 1));
-    EXPECT_EQ(5, driver.dataAreas.size());
-}
-
 TEST_F(AreaLookUp, AnyTextIsAKey)
 {
     EXPECT_EQ(0, indexOf("", 0));
     EXPECT_EQ(1, indexOf("no such type", 0));
     EXPECT_EQ(0, getIndexOfDataArea(1, QString(), 0, driver.dataAreas));
-}
-
-TEST_F(AreaLookUp, BitStartsAreTakenAsTheyAre)
-{
-    EXPECT_EQ(0, indexOf("M", 13));
-    EXPECT_EQ(1, indexOf("M", 8));
-}
-
-TEST_F(AreaLookUp, FoundAreaKeepsItsContents)
-{
-    indexOf("D", 5);
-    driver.dataAreas[0].valueBuffer0[0] = 9;
-    driver.dataAreas[0].flag0 = 1;
-    EXPECT_EQ(0, indexOf("D", 5));
-    EXPECT_EQ(9, driver.dataAreas.at(0).valueBuffer0[0]);
-    EXPECT_EQ(1, driver.dataAreas.at(0).flag0);
-}
-
-TEST_F(AreaLookUp, FirstOfEqualAreasIsTheAnswer)
-{
-    driver.dataAreas << areaWithKey("D", 1) << areaWithKey("D", 5) << areaWithKey("D", 5);
-    EXPECT_EQ(1, indexOf("D", 5));
-    EXPECT_EQ(3, driver.dataAreas.size());
-}
-
-TEST_F(AreaLookUp, EmptiedListBeginsAnew)
-{
-    indexOf("D", 5);
-    indexOf("D", 6);
-    driver.dataAreas.clear();
-    EXPECT_EQ(0, indexOf("D", 6));
-    EXPECT_EQ("1#D6", textOf(driver.dataAreas));
 }
 
 // A merge writes to all areas before it looks one up: the index took the new empty list for the one
@@ -111,48 +49,6 @@ TEST_F(AreaLookUp, ListEmptiedBeforeAMergeBeginsAnew)
     clearMonitorFlags();
     EXPECT_EQ(0, indexOf("D", 2));
     EXPECT_EQ(1, driver.dataAreas.size());
-}
-
-TEST_F(AreaLookUp, ReplacedListOfTheSameSizeIsSeen)
-{
-    indexOf("D", 5);
-    indexOf("D", 6);
-    QList<_DATA_> other;
-    other << areaWithKey("D", 6) << areaWithKey("M", 0);
-    driver.dataAreas = other;
-    EXPECT_EQ(0, indexOf("D", 6));
-    EXPECT_EQ(1, indexOf("M", 0));
-    EXPECT_EQ(2, indexOf("D", 5));
-}
-
-TEST_F(AreaLookUp, AreaAppendedDirectlyIsSeen)
-{
-    indexOf("D", 5);
-    driver.dataAreas << areaWithKey("TV", 9);
-    EXPECT_EQ(1, indexOf("TV", 9));
-    EXPECT_EQ(2, driver.dataAreas.size());
-}
-
-TEST_F(AreaLookUp, KeyEditedInPlaceIsSeen)
-{
-    indexOf("D", 5);
-    indexOf("D", 6);
-    driver.dataAreas[0].startIndex = 77;
-    EXPECT_EQ(0, indexOf("D", 77));
-    EXPECT_EQ(2, indexOf("D", 5));
-    driver.dataAreas[1].registerType = QString::fromLatin1("TV");
-    EXPECT_EQ(1, indexOf("TV", 6));
-    driver.dataAreas[1].stationNo = 4;
-    EXPECT_EQ(1, indexOf("TV", 6, 4));
-}
-
-TEST_F(AreaLookUp, RemovedAreaIsSeen)
-{
-    indexOf("D", 5);
-    indexOf("D", 6);
-    driver.dataAreas.removeAt(0);
-    EXPECT_EQ(0, indexOf("D", 6));
-    EXPECT_EQ(1, indexOf("D", 5));
 }
 
 TEST_F(AreaLookUp, AnotherListIsServedToo)
@@ -175,31 +71,6 @@ TEST_F(AreaLookUp, CopyOfTheListStaysAsItWas)
     EXPECT_EQ(1, copy.size());
     EXPECT_EQ(0, copy.at(0).bufferSelect);
     EXPECT_EQ(0, indexOf("D", 5));
-}
-
-// A plain scan is the judge; the list is emptied, appended to and edited on the way.
-TEST_F(AreaLookUp, AnswersAsAScanThroughAnyRunOfChanges)
-{
-    static const char* const types[] = {"D", "M", "32CV"};
-    std::minstd_rand random(42);
-    const auto below = [&random](int limit) {
-        return static_cast<int>(random() % static_cast<unsigned int>(limit));
-    };
-    for (int step = 0; step < 5000; ++step) {
-        const char* type = types[below(3)];
-        const int start = below(60);
-        const int station = below(2);
-        const int known = areaOf(type, start, station);
-        const int wanted = known < 0 ? static_cast<int>(driver.dataAreas.size()) : known;
-        ASSERT_EQ(wanted, indexOf(type, start, station)) << "step " << step;
-        if (below(300) == 0)
-            driver.dataAreas.clear();
-        else if (below(10) == 0)
-            driver.dataAreas << areaWithKey(types[below(3)], below(60), below(2));
-        else if (below(10) == 0)
-            driver.dataAreas[below(static_cast<int>(driver.dataAreas.size()))].startIndex =
-                below(60);
-    }
 }
 
 struct Row

@@ -19,22 +19,6 @@ protected:
     static std::string areas() { return textOf(driver.dataAreas); }
 };
 
-TEST_F(MonitorMarks, ThreeInputsMarkThreeBitsOfOneArea)
-{
-    mark("X", 0, 3);
-    EXPECT_EQ("1#X0", areas());
-    EXPECT_EQ(0x07, area("X", 0).changeFlags);
-    EXPECT_EQ(0, area("X", 0).monitorFlags);
-}
-
-TEST_F(MonitorMarks, BitsAcrossTwoAreas)
-{
-    mark("M", 13, 6);
-    EXPECT_EQ("1#M8 1#M16", areas());
-    EXPECT_EQ(0xE0, area("M", 8).changeFlags);
-    EXPECT_EQ(0x07, area("M", 16).changeFlags);
-}
-
 TEST_F(MonitorMarks, LongRunOfBitsMarksWholeAreas)
 {
     mark("Y", 7, 18);

@@ -35,13 +35,6 @@ TEST_F(Notification, MonitoredWordIsReported)
     EXPECT_EQ((Texts{"4,1,D,100"}), calls);
 }
 
-TEST_F(Notification, MonitoredCounterIsReported)
-{
-    mark("32CV", 200, 2);
-    notify("32CV", 200, 0);
-    EXPECT_EQ((Texts{"4,1,32CV,200"}), calls);
-}
-
 TEST_F(Notification, UnmonitoredElementIsNotReportedButCreated)
 {
     notify("D", 100, 0);
@@ -68,13 +61,6 @@ TEST_F(Notification, WordLooksAtBitZeroOfItsOwnFlagsOnly)
     area("D", 100).monitorFlags = 3;
     notify("D", 100, 0);
     EXPECT_EQ((Texts{"4,1,D,100"}), calls);
-}
-
-TEST_F(Notification, OneBitIsReportedWithItsOwnAddress)
-{
-    mark("M", 13, 1);
-    notify("M", 13, 1);
-    EXPECT_EQ((Texts{"4,1,M,13"}), calls);
 }
 
 TEST_F(Notification, OneBitComparesNothing)
@@ -177,25 +163,6 @@ TEST_F(Notification, UnknownTypeIsNeitherReportedNorCreated)
     notify("m", 8, 1, 0xFF, 0x00, 1);
     EXPECT_EQ(Texts(), calls);
     EXPECT_TRUE(driver.dataAreas.isEmpty());
-}
-
-TEST_F(Notification, UnknownTypeIsNotReportedEvenWhenItsAreaIsMarked)
-{
-    getIndexOfDataArea(1, QString::fromLatin1("Z"), 5, driver.dataAreas);
-    area("Z", 5).monitorFlags = 1;
-    notify("Z", 5, 0);
-    EXPECT_EQ(Texts(), calls);
-}
-
-TEST_F(Notification, WithoutACallbackNothingIsCalled)
-{
-    mark("D", 100, 1);
-    mark("M", 8, 8);
-    intf_setAddrValueChangeCallBack(nullptr);
-    notify("D", 100, 0);
-    notify("M", 8, 1);
-    notify("M", 8, 1, 0xFF, 0, 1);
-    EXPECT_EQ(Texts(), calls);
 }
 
 TEST_F(Notification, CallbackThatGrowsTheCacheGetsEveryBit)

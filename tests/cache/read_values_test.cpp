@@ -64,12 +64,6 @@ TEST_F(ReadValues, UnknownWordsAreZeroAndCreateTheirAreas)
     EXPECT_EQ("1#D100 1#D101", textOf(driver.dataAreas));
 }
 
-TEST_F(ReadValues, UnknownBitsCreateTheirAreas)
-{
-    values("M", 7, 2, 2);
-    EXPECT_EQ("1#M0 1#M8", textOf(driver.dataAreas));
-}
-
 TEST_F(ReadValues, WordsComeInTheOrderOfTheirBytes)
 {
     for (const char* type : {"D", "SD", "TV", "CV"}) {

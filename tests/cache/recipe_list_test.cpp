@@ -54,12 +54,6 @@ TEST_F(RecipeList, EmptyListEmptiesTheOld)
     EXPECT_TRUE(driver.recipeVars.isEmpty());
 }
 
-TEST_F(RecipeList, EntriesOfOtherLinksOnlyGiveNone)
-{
-    QVector<_RCP_VAR_PRO> list = listOf({1, 2, 4});
-    EXPECT_EQ(0, intf_setRcpAddress(list));
-}
-
 TEST_F(RecipeList, IndexIsNotTouched)
 {
     driver.recipeIndex = 2;
@@ -84,14 +78,6 @@ TEST_F(RecipeList, EveryFieldIsCopied)
     EXPECT_EQ(4, kept.count);
     EXPECT_EQ(77, kept.recipeWordOffset);
     EXPECT_EQ(1234, kept.hostValue);
-}
-
-TEST_F(RecipeList, ListChangedByTheHostAfterwardsIsNotFollowed)
-{
-    QVector<_RCP_VAR_PRO> list = listOf({3});
-    intf_setRcpAddress(list);
-    list[0].addressIndex = 99;
-    EXPECT_EQ((std::vector<int>{0}), keptNumbers());
 }
 
 TEST_F(RecipeList, EntriesAreKeptWhateverElseTheyHold)

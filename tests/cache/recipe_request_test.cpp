@@ -18,7 +18,6 @@ protected:
             bytes[i] = static_cast<unsigned char>(i % 251 + 1);
         for (unsigned char& byte : m_var.data)
             byte = 0xEE;
-        m_var.tag = 55;
     }
     // The request made of an entry, over one that was full of other data.
     const VARIABLE& made(const _RCP_VAR_PRO& entry, int withData)
@@ -38,11 +37,6 @@ TEST_F(RecipeRequest, TakesOverTheFieldsOfTheEntry)
     EXPECT_EQ("8#TV12/3", textOf(made(entry, 0)));
 }
 
-TEST_F(RecipeRequest, LeavesTheTag)
-{
-    EXPECT_EQ(55, made(recipeEntry("D", 1, 1, 0), 1).tag);
-}
-
 TEST_F(RecipeRequest, WithoutDataIsAllZero)
 {
     EXPECT_EQ(Bytes(1024, 0), firstBytes(made(recipeEntry("D", 1, 3, 5), 0).data, 1024));
@@ -59,22 +53,6 @@ TEST_F(RecipeRequest, WithDataCopiesTwoBytesAWordAndZeroesTheRest)
 TEST_F(RecipeRequest, AnyNonzeroNumberMeansWithData)
 {
     EXPECT_EQ((Bytes{1, 2, 0}), firstBytes(made(recipeEntry("D", 1, 1, 0), -1).data, 3));
-}
-
-TEST_F(RecipeRequest, LongestEntryFillsTheData)
-{
-    const VARIABLE& full = made(recipeEntry("D", 1, 512, 0), 1);
-    EXPECT_EQ(1, full.data[0]);
-    EXPECT_EQ(1022 % 251 + 1, full.data[1022]);
-    EXPECT_EQ(1023 % 251 + 1, full.data[1023]);
-}
-
-TEST_F(RecipeRequest, LastWordsOfTheMemoryCanBeCopied)
-{
-    const VARIABLE& last = made(recipeEntry("D", 1, 1, recipeWordCount - 1), 1);
-    EXPECT_EQ(4094 % 251 + 1, last.data[0]);
-    EXPECT_EQ(4095 % 251 + 1, last.data[1]);
-    EXPECT_EQ(0, last.data[2]);
 }
 
 // The guard words lie right behind the request in memory.

@@ -58,12 +58,6 @@ TEST_F(WriteMirror, CountersAreMirroredByPairsOfWords)
     EXPECT_EQ("1#32CV200", textOf(driver.dataAreas));
 }
 
-TEST_F(WriteMirror, OneWordOfACounterIsNotMirrored)
-{
-    mirror("32CV", 200, {1, 2}, 1);
-    EXPECT_TRUE(driver.dataAreas.isEmpty());
-}
-
 TEST_F(WriteMirror, EveryBitTypeInputsIncludedIsMirrored)
 {
     for (const char* type : {"X", "Y", "M", "S", "SM", "T", "C"}) {
@@ -96,13 +90,6 @@ TEST_F(WriteMirror, FirstBitWriteBuildsOnThePolledByte)
     mirror("M", 0, {1}, 1);
     EXPECT_EQ((Bytes{0xF1, 0, 0, 0}), pending("M", 0));
     EXPECT_EQ((Bytes{0xF0, 0, 0, 0}), confirmed("M", 0));
-}
-
-TEST_F(WriteMirror, FurtherBitWritesBuildOnThePendingByte)
-{
-    mirror("M", 0, {1}, 1);
-    mirror("M", 7, {1}, 1);
-    EXPECT_EQ((Bytes{0x81, 0, 0, 0}), pending("M", 0));
 }
 
 TEST_F(WriteMirror, ChangedMonitoredElementIsReported)
@@ -146,13 +133,6 @@ TEST_F(WriteMirror, UnmonitoredNeighboursAreNotReported)
     monitor("M", 4, 1);
     mirror("M", 3, {1, 1, 1}, 3);
     EXPECT_EQ((Texts{"1,1,M,4"}), calls);
-}
-
-TEST_F(WriteMirror, HostWriteOfABitIsReported)
-{
-    monitor("M", 3, 1);
-    write("M", 3, {1}, 1);
-    EXPECT_EQ((Texts{"1,1,M,3"}), calls);
 }
 
 TEST_F(WriteMirror, NotificationPrecedesTheStore)
@@ -222,14 +202,5 @@ TEST_F(WriteMirror, OneOffReadInsideTheCallbackIsQueued)
     };
     write("D", 100, {1, 2}, 1);
     EXPECT_EQ("1#D7/1", textOf(driver.conditionReadList));
-}
-
-TEST_F(WriteMirror, HostThatChangesTheTextChangesNothingElse)
-{
-    monitor("D", 0, 3);
-    onCall = [](QString& text, int) { text = QString::fromLatin1("M"); };
-    write("D", 0, {1, 0, 2, 0, 3, 0}, 3);
-    EXPECT_EQ((Texts{"1,1,D,0", "1,1,D,1", "1,1,D,2"}), calls);
-    EXPECT_EQ("1#D0 1#D1 1#D2", textOf(driver.dataAreas));
 }
 }  // namespace

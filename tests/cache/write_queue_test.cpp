@@ -16,17 +16,6 @@ protected:
     static std::string queued() { return textOf(driver.writeList); }
 };
 
-TEST_F(WriteQueue, SecondWriteReplacesTheFirstWhileAnotherIsInFlight)
-{
-    write("M", 0, {1}, 1);
-    nextFrame();
-    write("D", 100, {1, 0}, 1, 1);
-    write("D", 100, {2, 0}, 1, 2);
-    ASSERT_EQ("1#M0/1 1#D100/1", queued());
-    EXPECT_EQ(2, driver.writeList.at(1).data[0]);
-    EXPECT_EQ(2, driver.writeList.at(1).tag);
-}
-
 // Found by a soak: of writes that overlap, the PLC can get the older one last. The cache shows the
 // newer until the registers are polled again.
 TEST_F(WriteQueue, WriteThatReplacesAnotherGoesAheadOfAnOverlappingOneBetween)
@@ -52,14 +41,6 @@ TEST_F(WriteQueue, BitWritesReplaceEachOtherBitByBit)
     write("M", 1, {0}, 1);
     ASSERT_EQ("1#D0/1 1#M0/1 1#M1/1 1#M2/1", queued());
     EXPECT_EQ(0, driver.writeList.at(2).data[0]);
-}
-
-TEST_F(WriteQueue, SixHundredBitsKeepTheFirst512AndTheLast)
-{
-    write("M", 0, Bytes(600, 1), 600);
-    ASSERT_EQ(513, driver.writeList.size());
-    EXPECT_EQ("1#M511/1", textOf(driver.writeList.at(511)));
-    EXPECT_EQ("1#M599/1", textOf(driver.writeList.at(512)));
 }
 
 TEST_F(WriteQueue, AnyListIsServed)

@@ -148,12 +148,6 @@ TEST_F(WriteRequests, OneWordOfACounterIsQueuedButNotCached)
     EXPECT_TRUE(driver.dataAreas.isEmpty());
 }
 
-TEST_F(WriteRequests, WriteIsSentAsTheHostGaveIt)
-{
-    write("D", 0, {0x34, 0x12}, 1);
-    EXPECT_EQ("<STX>11000023412<ETX>21", nextFrame());
-}
-
 TEST_F(WriteRequests, BitWithDataByteTwoIsForcedOff)
 {
     write("Y", 8, {2}, 1);
