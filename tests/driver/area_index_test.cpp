@@ -49,15 +49,6 @@ protected:
     QList<_DATA_> areas;
 };
 
-TEST_F(AreaIndexTest, MissingAreaIsAppendedAllZero)
-{
-    EXPECT_EQ(0, find(areaOf("D", 7, 3)));
-    ASSERT_EQ("3#D7", textOf(areas));
-    EXPECT_EQ(0, areas.at(0).flag0);
-    EXPECT_EQ(0, areas.at(0).monitorFlags);
-    EXPECT_EQ(Bytes(4, 0), firstBytes(areas.at(0).valueBuffer0, 4));
-}
-
 TEST_F(AreaIndexTest, FindsWhatWasAppended)
 {
     fill(1000);
@@ -67,14 +58,6 @@ TEST_F(AreaIndexTest, FindsWhatWasAppended)
     EXPECT_EQ(1000, areas.size());
     EXPECT_EQ(1000, find(areaOf("D", 0, 2)));
     EXPECT_EQ(1001, find(areaOf("d", 0)));
-}
-
-TEST_F(AreaIndexTest, NoticesThatTheListWasEmptied)
-{
-    fill(10);
-    areas.clear();
-    EXPECT_EQ(0, find(areaOf("D", 3)));
-    EXPECT_EQ(1, find(areaOf("D", 9)));
 }
 
 // An empty list shares its data with every other empty one: an edit of it must not leave the index
@@ -99,30 +82,6 @@ TEST_F(AreaIndexTest, NoticesAnotherListOfTheSameSize)
     EXPECT_EQ(1, find(areaOf("D", 0)));
     EXPECT_EQ(0, find(areaOf("M", 8)));
     EXPECT_EQ(2, find(areaOf("D", 1)));
-}
-
-TEST_F(AreaIndexTest, NoticesAreasAppendedDirectly)
-{
-    fill(2);
-    areas << areaOf("TV", 5);
-    EXPECT_EQ(2, find(areaOf("TV", 5)));
-}
-
-TEST_F(AreaIndexTest, NoticesAKeyEditedInPlace)
-{
-    fill(3);
-    ASSERT_EQ(1, find(areaOf("D", 1)));
-    areas[1].startIndex = 77;
-    EXPECT_EQ(1, find(areaOf("D", 77)));
-    EXPECT_EQ(3, find(areaOf("D", 1)));
-}
-
-TEST_F(AreaIndexTest, NoticesAnAreaRemoved)
-{
-    fill(3);
-    areas.removeAt(0);
-    EXPECT_EQ(1, find(areaOf("D", 2)));
-    EXPECT_EQ(2, find(areaOf("D", 0)));
 }
 
 TEST_F(AreaIndexTest, FindsTheFirstOfEqualAreas)

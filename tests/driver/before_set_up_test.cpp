@@ -18,12 +18,6 @@ TEST_F(BeforeSetUp, NothingIsToBeSent)
     EXPECT_EQ(0, intf_getSendFrame(nullptr));
 }
 
-TEST_F(BeforeSetUp, ReplyIsIgnored)
-{
-    EXPECT_EQ(0, reply("<ACK>"));
-    EXPECT_EQ("", errorText);
-}
-
 TEST_F(BeforeSetUp, PlanIsCutToTheSmallestFrames)
 {
     QList<KEY_ADDRESS> keys;
@@ -47,39 +41,5 @@ TEST_F(BeforeSetUp, WritesAreMirroredAndCutToSingleWords)
     write("D", 5, {1, 2, 3, 4}, 2);
     EXPECT_EQ("1#D5/1 1#D6/1", textOf(driver.writeList));
     EXPECT_EQ((Bytes{1, 2, 3, 4}), values("D", 5, 2, 4));
-}
-
-TEST_F(BeforeSetUp, OneOffReadIsQueued)
-{
-    KEY_ADDRESS key = watch("D", 7, 1);
-    EXPECT_EQ(1, intf_addConditionRead(key, 3));
-    EXPECT_EQ("1#D7/1", textOf(driver.conditionReadList));
-}
-
-TEST_F(BeforeSetUp, UnknownValuesAreZero)
-{
-    EXPECT_EQ((Bytes{0, 0}), values("D", 5, 1, 2));
-}
-
-TEST_F(BeforeSetUp, RecipeListKeepsTheEntriesOfLinkZero)
-{
-    QVector<_RCP_VAR_PRO> list;
-    list << recipeEntry("D", 0, 1, 0, 0) << recipeEntry("D", 1, 1, 1, 1);
-    EXPECT_EQ(1, intf_setRcpAddress(list));
-}
-
-TEST_F(BeforeSetUp, AddressServicesAnswer)
-{
-    int index = -1;
-    const QString type = QString::fromLatin1("D");
-    EXPECT_EQ(0, intf_checkAddr(type, QString::fromLatin1("12"), &index, 0, 1, 0));
-    EXPECT_EQ(12, index);
-    QList<QString> texts;
-    EXPECT_EQ(1, intf_getRegListByType(0, texts));
-    EXPECT_EQ(0, intf_getRegDiscription(type, texts));
-    QVector<QString> copies;
-    QVector<int> numbers;
-    EXPECT_EQ(1, intf_multiCopy(type, 0, 1, -1, copies, numbers));
-    EXPECT_TRUE(driver.dataAreas.isEmpty());
 }
 }  // namespace

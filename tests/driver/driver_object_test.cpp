@@ -8,17 +8,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-TEST(DriverObject, BeginsWithEmptyLists)
-{
-    const Mitsubishi_fx1s fresh;
-    EXPECT_TRUE(fresh.readList.isEmpty());
-    EXPECT_TRUE(fresh.writeList.isEmpty());
-    EXPECT_TRUE(fresh.conditionReadList.isEmpty());
-    EXPECT_TRUE(fresh.dataAreas.isEmpty());
-    EXPECT_TRUE(fresh.recipeVars.isEmpty());
-    EXPECT_TRUE(fresh.frames.isEmpty());
-}
-
 TEST(DriverObject, BeginsWithoutHost)
 {
     const Mitsubishi_fx1s fresh;
@@ -48,12 +37,5 @@ TEST(DriverObject, BeginsWithAllNumbersZero)
     EXPECT_EQ(0, fresh.spareCounter1);
     EXPECT_EQ(0, fresh.propertyInitialised);
     EXPECT_EQ(0, fresh.recipeIndex);
-}
-
-TEST(DriverObject, BeginsWithEmptyRequests)
-{
-    const Mitsubishi_fx1s fresh;
-    EXPECT_TRUE(fresh.current.registerType.isEmpty());
-    EXPECT_TRUE(fresh.lastConditionRead.registerType.isEmpty());
 }
 }  // namespace

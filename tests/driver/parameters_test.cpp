@@ -42,13 +42,6 @@ TEST_F(Parameters, SetPropertyPageEmptiesTheText)
     EXPECT_EQ(0, driver.frameWordLimit);
 }
 
-TEST_F(Parameters, SetPropertyPageLeavesAnEmptyTextEmpty)
-{
-    QString text;
-    intf_SetDriverPropertyPage(text);
-    EXPECT_TRUE(text.isEmpty());
-}
-
 TEST_F(Parameters, ProtocolTypeIsAlwaysZero)
 {
     for (const int before : {-1, 0, 1, 2147483647}) {
@@ -74,17 +67,5 @@ TEST_F(Parameters, NullCallbackIsStoredToo)
 {
     intf_setAddrValueChangeCallBack(nullptr);
     EXPECT_EQ(nullptr, driver.valueChangeCallback);
-}
-
-TEST_F(Parameters, QueriesAnswerTheSameAfterSetUp)
-{
-    setUpDriver("9#9#9#9#9#9");
-    QString text;
-    intf_getDriverPropertyPage(text);
-    EXPECT_EQ("0_0", plain(text));
-    intf_getDriverParameter(text);
-    EXPECT_EQ("0,9600,7,EVEN,1,1,2,192.168.0.10,8888,mitsubishi_fx2n,"
-              "X,Y,M,D,SM,SD,T,C,TV,S,CV,32CV",
-              plain(text));
 }
 }  // namespace

@@ -87,14 +87,6 @@ const Row rows[] = {
 INSTANTIATE_TEST_SUITE_P(Texts, PropertyString, ::testing::ValuesIn(rows),
                          [](const auto& row) { return std::string(row.param.name); });
 
-TEST_F(DriverTest, ShortPropertyStringOnAFirstSetUpLeavesZeros)
-{
-    setUpDriver("1#2#3#4");
-    EXPECT_EQ(std::vector<int>(6, 0), propertyFields());
-    EXPECT_EQ(0, driver.maxWordsPerFrame);
-    EXPECT_EQ(0, driver.maxBitsPerFrame);
-}
-
 TEST_F(DriverTest, NullPropertyStringCountsAsEmpty)
 {
     setUpDriver("1#2#3#4#5#6");

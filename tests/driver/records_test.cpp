@@ -58,13 +58,6 @@ TEST(Records, CopiedRequestCarriesAllDataBytesEvenWhenCountIsSmall)
     expectFilledRequest(copy);
 }
 
-TEST(Records, AssignmentOfARequestOverwritesStaleDataBytes)
-{
-    VARIABLE copy = filledRequest();
-    copy = request("D", 0, 1);
-    EXPECT_EQ(Bytes(1024, 0), firstBytes(copy.data, 1024));
-}
-
 TEST(Records, ARequestAssignedToItselfStaysWhole)
 {
     VARIABLE same = filledRequest();

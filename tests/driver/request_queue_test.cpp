@@ -40,13 +40,6 @@ TEST(RequestQueue, TagAndDataMakeNoDifference)
     EXPECT_TRUE(isSameRequest(request("D", 5, 2), other));
 }
 
-TEST(RequestQueue, FirstRequestIsAppended)
-{
-    QList<VARIABLE> queue;
-    enqueueRequest(queue, request("D", 1, 1));
-    EXPECT_EQ("1#D1/1", textOf(queue));
-}
-
 TEST(RequestQueue, EqualHeadIsNeverReplaced)
 {
     QList<VARIABLE> queue = queueOf(1);
@@ -77,22 +70,15 @@ TEST(RequestQueue, NewestOfSeveralEqualEntriesIsReplaced)
     EXPECT_EQ(7, queue.at(2).tag);
 }
 
-TEST(RequestQueue, With512EntriesTheNextIsAppended)
+TEST(RequestQueue, Behind512EntriesOnlyTheNewestIsKept)
 {
     QList<VARIABLE> queue = queueOf(512);
-    enqueueRequest(queue, request("M", 9, 1));
-    ASSERT_EQ(513, queue.size());
-    EXPECT_EQ("1#M9/1", textOf(queue.at(512)));
-    EXPECT_EQ("1#D511/1", textOf(queue.at(511)));
-}
-
-TEST(RequestQueue, With513EntriesTheLastIsReplaced)
-{
-    QList<VARIABLE> queue = queueOf(513);
-    enqueueRequest(queue, request("M", 9, 1));
-    ASSERT_EQ(513, queue.size());
-    EXPECT_EQ("1#M9/1", textOf(queue.at(512)));
-    EXPECT_EQ("1#D511/1", textOf(queue.at(511)));
+    for (const int number : {8, 9}) {
+        enqueueRequest(queue, request("M", number, 1));
+        ASSERT_EQ(513, queue.size());
+        EXPECT_EQ("1#M" + std::to_string(number) + "/1", textOf(queue.at(512)));
+        EXPECT_EQ("1#D511/1", textOf(queue.at(511)));
+    }
 }
 
 TEST(RequestQueue, FullQueueStillUpdatesAnEqualEntryInItsPlace)

@@ -93,32 +93,6 @@ TEST_F(SetUpOfAConnection, KeepsRecipeRequestsAndCallback)
     EXPECT_EQ(callback, driver.valueChangeCallback);
 }
 
-TEST_F(SetUpOfAConnection, RecipeTransferResumesAtTheStoredEntryAfterASecondSetUp)
-{
-    setUpDriver();
-    QVector<_RCP_VAR_PRO> list;
-    list << recipeEntry("D", 100, 1, 0) << recipeEntry("D", 200, 1, 1);
-    intf_setRcpAddress(list);
-    requestDownload();
-    ASSERT_EQ("1#D100/1", nextRequest());
-    ASSERT_EQ(1, acknowledge());
-
-    setUpDriver();
-    setUpDriver();
-
-    EXPECT_EQ("1#D200/1", nextRequest());
-}
-
-TEST_F(SetUpOfAConnection, FrameInFlightIsForgotten)
-{
-    setUpDriver();
-    driver.readList << request("D", 0, 1);
-    ASSERT_EQ("1#D0/1", nextRequest());
-    setUpDriver();
-    EXPECT_EQ("", nextRequest());
-    EXPECT_EQ(0, acknowledge());
-}
-
 TEST_F(SetUpOfAConnection, TakesTheMutexNotAtAll)
 {
     hostMutex.lock();

@@ -76,15 +76,6 @@ TEST_F(AddressMerge, SecondCallReplacesThePlan)
     EXPECT_EQ(1, area("D", 7).monitorFlags);
 }
 
-TEST_F(AddressMerge, SameKeysGiveTheSamePlan)
-{
-    QList<KEY_ADDRESS> keys;
-    keys << watch("D", 100, 40) << watch("X", 0, 9) << watch("32CV", 200, 2);
-    const std::string first = planOf(keys);
-    EXPECT_EQ("1#X0/2 1#D100/32 1#D132/8 1#32CV200/2", first);
-    EXPECT_EQ(first, planOf(keys));
-}
-
 TEST_F(AddressMerge, KeepsCachedValues)
 {
     setUpDriver("1#1#0#3#32");

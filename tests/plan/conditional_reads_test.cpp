@@ -19,32 +19,15 @@ protected:
         key.bitIndex = bitIndex;
         EXPECT_EQ(1, intf_addConditionRead(key, tag));
     }
-    void queueSingles(int count)
-    {
-        for (int i = 0; i < count; ++i)
-            queue("D", i, 1);
-    }
     static std::string queued() { return textOf(driver.conditionReadList); }
     static std::string last() { return textOf(driver.lastConditionRead); }
 };
-
-TEST_F(ConditionalReads, RangeWithinTheLimitIsOneRequest)
-{
-    queue("D", 100, 32);
-    EXPECT_EQ("1#D100/32", queued());
-}
 
 TEST_F(ConditionalReads, LongRangeIsCut)
 {
     queue("D", 100, 70);
     EXPECT_EQ("1#D100/32 1#D132/32 1#D164/6", queued());
     EXPECT_EQ("1#D164/6", last());
-}
-
-TEST_F(ConditionalReads, TwoLimitsAndOneGiveThreeRequests)
-{
-    queue("D", 0, 65);
-    EXPECT_EQ("1#D0/32 1#D32/32 1#D64/1", queued());
 }
 
 TEST_F(ConditionalReads, MultipleOfTheLimitGivesFullRequests)
@@ -121,16 +104,6 @@ TEST_F(ConditionalReads, LongRangeQueuedTwiceRepeatsItsHeadOnly)
     EXPECT_EQ(2, driver.conditionReadList.at(1).tag);
     EXPECT_EQ(2, driver.conditionReadList.at(2).tag);
     EXPECT_EQ("1#D164/6", last());
-}
-
-TEST_F(ConditionalReads, With513QueuedTheLastIsReplaced)
-{
-    queueSingles(513);
-    queue("M", 0, 1);
-    EXPECT_EQ(513, driver.conditionReadList.size());
-    EXPECT_EQ("1#D511/1", textOf(driver.conditionReadList.at(511)));
-    EXPECT_EQ("1#M0/1", textOf(driver.conditionReadList.at(512)));
-    EXPECT_EQ("1#M0/1", last());
 }
 
 TEST_F(ConditionalReads, PlanAndWritesAreLeftAlone)
