@@ -61,13 +61,6 @@ TEST_F(EndOfExchange, ConditionalReadThatIsNotTheLastEndsInSilence)
     EXPECT_EQ(Texts(), calls);
 }
 
-TEST_F(EndOfExchange, LastConditionalReadIsReported)
-{
-    driver.lastConditionRead = request("D", 3, 1);
-    end(3, false);
-    EXPECT_EQ((Texts{"-1,-1,-1,0"}), calls);
-}
-
 TEST_F(EndOfExchange, FailedLastConditionalReadIsReportedAsFailed)
 {
     driver.lastConditionRead = request("D", 3, 1);
@@ -132,15 +125,6 @@ TEST_F(EndOfExchange, ShortPlansDoNotRotate)
     EXPECT_EQ("1#D6/1 1#D5/1", textOf(driver.readList));
 }
 
-TEST_F(EndOfExchange, DownloadGoesOnToTheNextEntryThenClearsItsByte)
-{
-    end(5, false);
-    EXPECT_EQ("1 1 1", transfer());
-    end(5, false);
-    EXPECT_EQ("0 0 1", transfer());
-    EXPECT_EQ(untouchedLists, lists());
-}
-
 TEST_F(EndOfExchange, UploadGoesOnToTheNextEntryThenClearsItsByte)
 {
     end(6, false);
@@ -148,19 +132,6 @@ TEST_F(EndOfExchange, UploadGoesOnToTheNextEntryThenClearsItsByte)
     end(6, false);
     EXPECT_EQ("0 1 0", transfer());
     EXPECT_EQ(untouchedLists, lists());
-}
-
-TEST_F(EndOfExchange, FailedDownloadEndsAtOnce)
-{
-    driver.recipeIndex = 1;
-    end(5, true);
-    EXPECT_EQ("0 0 1", transfer());
-}
-
-TEST_F(EndOfExchange, FailedUploadEndsAtOnce)
-{
-    end(6, true);
-    EXPECT_EQ("0 1 0", transfer());
 }
 
 TEST_F(EndOfExchange, TransferOfAnEmptyListEnds)
@@ -182,15 +153,6 @@ TEST_F(EndOfExchange, OtherKindsDoNothing)
     }
     EXPECT_EQ(untouchedLists, lists());
     EXPECT_EQ("0 1 1", transfer());
-    EXPECT_EQ(Texts(), calls);
-}
-
-TEST_F(EndOfExchange, WithoutACallbackTheEndIsSilent)
-{
-    intf_setAddrValueChangeCallBack(nullptr);
-    driver.lastConditionRead = request("D", 3, 1);
-    end(3, false);
-    EXPECT_EQ("1#D4/1", textOf(driver.conditionReadList));
     EXPECT_EQ(Texts(), calls);
 }
 

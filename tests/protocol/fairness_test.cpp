@@ -118,15 +118,6 @@ TEST_F(Fairness, FailedWritesCount)
     EXPECT_EQ("1#CV0/1", nextRequest());
 }
 
-TEST_F(Fairness, SetUpAllowsThreeMore)
-{
-    queueWrites(3);
-    EXPECT_EQ("1#D0/1 1#D1/1 1#D2/1 nothing", served(4));
-    setUpDriver();
-    queueWrites(1);
-    EXPECT_EQ("1#D0/1 ", served(1));
-}
-
 TEST_F(Fairness, RecipeStepsDoNotCountAndAreNotHeldBack)
 {
     driver.readList << request("CV", 0, 1);

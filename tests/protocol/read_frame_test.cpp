@@ -151,18 +151,4 @@ TEST_F(ReadFrameRecord, IsAppendedBehindOthers)
     EXPECT_EQ("1#D100/2", textOf(driver.frames.at(0).variable));
     EXPECT_EQ("1#M0/1", textOf(driver.frames.at(1).variable));
 }
-
-TEST_F(ReadFrameRecord, StationMakesNoDifferenceOnTheWire)
-{
-    VARIABLE var = request("D", 100, 2, 255);
-    getReadFrame(var);
-    EXPECT_EQ("<STX>010C804<ETX>73", wireText(driver.frames.at(0).frame, 11));
-}
-
-TEST_F(ReadFrameRecord, LeavesTheRequestAsItWas)
-{
-    VARIABLE var = request("M", 13, 2);
-    getReadFrame(var);
-    EXPECT_EQ("1#M13/2", textOf(var));
-}
 }  // namespace

@@ -157,17 +157,6 @@ TEST_F(RecipeListReplaced, UploadUnderAShorterListStoresNothingAndEnds)
     EXPECT_EQ(0, hostMemory[fxUploadRequestByte]);
 }
 
-TEST_F(RecipeListReplaced, UploadUnderAnEmptiedListStoresNothingAndEnds)
-{
-    requestUpload();
-    nextRequest();
-    driver.recipeVars.clear();
-    EXPECT_EQ(1, reply("<STX>1234<ETX>CD"));
-    EXPECT_EQ(Bytes(2 * recipeWordCount, 0), recipeBytes());
-    EXPECT_EQ(Texts(), calls);
-    EXPECT_EQ(0, hostMemory[fxUploadRequestByte]);
-}
-
 TEST_F(RecipeListReplaced, DownloadUnderAShorterListEnds)
 {
     requestDownload();

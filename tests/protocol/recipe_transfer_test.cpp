@@ -51,14 +51,6 @@ TEST_F(RecipeTransfer, DownloadWritesEveryEntryThenClearsItsByte)
     EXPECT_EQ(0, hostMemory[fxDownloadRequestByte]);
     EXPECT_EQ("", nextFrame());
     EXPECT_EQ(Texts(), calls);
-}
-
-TEST_F(RecipeTransfer, DownloadTouchesNoDataArea)
-{
-    setList(entries(recipeEntry("D", 100, 2, 0)));
-    requestDownload();
-    nextFrame();
-    acknowledge();
     EXPECT_TRUE(driver.dataAreas.isEmpty());
 }
 
@@ -110,20 +102,6 @@ TEST_F(RecipeTransfer, UploadFillsTheVeryFirstRecipeWord)
     EXPECT_EQ((Texts{"0,-1,RWI,0"}), calls);
 }
 
-TEST_F(RecipeTransfer, UploadStoresInTheCacheToo)
-{
-    QList<KEY_ADDRESS> keys;
-    keys << watch("D", 100, 2);
-    intf_addrMerge(keys);
-    setList(entries(recipeEntry("D", 100, 2, 10)));
-    requestUpload();
-    nextFrame();
-    reply("<STX>12340000<ETX>8D");
-    EXPECT_EQ((Bytes{0x12, 0x34, 0, 0}), values("D", 100, 2, 4));
-    EXPECT_EQ((Texts{"1,1,D,100"}), callsWith("D"));
-    EXPECT_EQ((Texts{"0,-1,RWI,10", "0,-1,RWI,11"}), callsWith("RWI"));
-}
-
 // Of each element first its change, then its recipe words, which are all stored by then.
 TEST_F(RecipeTransfer, UploadReportsElementByElement)
 {
@@ -137,6 +115,7 @@ TEST_F(RecipeTransfer, UploadReportsElementByElement)
     nextFrame();
     EXPECT_EQ(1, reply("<STX>41424344<ETX>9D"));
     EXPECT_EQ((Texts{"1,1,D,100", "0,-1,RWI,10", "1,1,D,101", "0,-1,RWI,11"}), calls);
+    EXPECT_EQ((Bytes{0x41, 0x42, 0x43, 0x44}), values("D", 100, 2, 4));
     EXPECT_EQ((std::vector<Bytes>{
                   {0, 0, 0, 0}, {0x41, 0x42, 0, 0}, {0x41, 0x42, 0, 0}, {0x41, 0x42, 0x43, 0x44}}),
               stored);
@@ -164,16 +143,6 @@ TEST_F(RecipeTransfer, UploadOfUnchangedWordsStillStoresAndReportsThem)
     }
 }
 
-TEST_F(RecipeTransfer, UploadOfACounterFillsTwoWords)
-{
-    setList(entries(recipeEntry("32CV", 200, 2, 10)));
-    requestUpload();
-    nextFrame();
-    EXPECT_EQ(1, reply("<STX>7856341201020304<ETX>31"));
-    EXPECT_EQ((Bytes{0x78, 0x56, 0x34, 0x12, 1, 2, 3, 4, 0, 0}), recipeAt(10, 5));
-    EXPECT_EQ((Texts{"0,-1,RWI,10", "0,-1,RWI,11", "0,-1,RWI,12", "0,-1,RWI,13"}), calls);
-}
-
 TEST_F(RecipeTransfer, UploadOfBitsStaysOutOfRecipeMemory)
 {
     setList(entries(recipeEntry("M", 8, 1, 10)));
@@ -195,16 +164,6 @@ TEST_F(RecipeTransfer, ShortReplyUploadsZeros)
     reply("<STX>12345678<ETX>A7");
     EXPECT_EQ((Bytes{0x12, 0x34, 0x56, 0x78}), recipeAt(10, 2));
     EXPECT_EQ((Texts{"0,-1,RWI,10", "0,-1,RWI,11", "0,-1,RWI,12", "0,-1,RWI,13"}), calls);
-}
-
-TEST_F(RecipeTransfer, HostThatChangesTheTextStillGetsTheNextOneRight)
-{
-    setList(entries(recipeEntry("32CV", 200, 1, 10)));
-    onCall = [](QString& text, int) { text = QString::fromLatin1("changed"); };
-    requestUpload();
-    nextFrame();
-    reply("<STX>12345678<ETX>A7");
-    EXPECT_EQ((Texts{"0,-1,RWI,10", "0,-1,RWI,11"}), calls);
 }
 
 TEST_F(RecipeTransfer, DownloadGoesBeforeUpload)
@@ -317,37 +276,18 @@ TEST_F(RecipeTransfer, WithoutEntriesTheSameCyclicReadIsRepeated)
     EXPECT_EQ("1#D3/1", nextRequest());
 }
 
-TEST_F(RecipeTransfer, WithoutEntriesTheUploadByteRepeatsToo)
-{
-    driver.readList << request("D", 1, 1);
-    nextRequest();
-    reply("<STX>0000<ETX>C3");
-    requestUpload();
-    EXPECT_EQ("1#D1/1", nextRequest());
-    EXPECT_EQ(4, driver.operationKind);
-}
-
-TEST_F(RecipeTransfer, WithoutEntriesARepeatedWriteIsAWrite)
+TEST_F(RecipeTransfer, WithoutEntriesARepeatedWriteEndsAndTakesTheNextFromTheQueue)
 {
     VARIABLE queued = request("D", 100, 1);
     queued.data[0] = 0x34;
     queued.data[1] = 0x12;
-    driver.writeList << queued;
+    driver.writeList << queued << request("D", 2, 1);
     nextRequest();
     acknowledge();
     requestDownload();
     EXPECT_EQ("<STX>110C8023412<ETX>3C", nextFrame());
     EXPECT_EQ(2, driver.operationKind);
     EXPECT_EQ(1, driver.burstCount);
-}
-
-TEST_F(RecipeTransfer, RepeatedWriteEndsLikeAnyOtherAndTakesTheNextFromTheQueue)
-{
-    driver.writeList << request("D", 1, 1) << request("D", 2, 1);
-    nextRequest();
-    acknowledge();
-    requestDownload();
-    EXPECT_EQ("1#D1/1", nextRequest());
     EXPECT_EQ(1, acknowledge());
     EXPECT_TRUE(driver.writeList.isEmpty());
 }

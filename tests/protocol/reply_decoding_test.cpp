@@ -71,12 +71,6 @@ TEST_F(ReplyDecoding, UnknownTypeIsAcceptedAndNotStored)
     EXPECT_TRUE(driver.dataAreas.isEmpty());
 }
 
-TEST_F(ReplyDecoding, OutputsReadAcrossTwoAreas)
-{
-    poll("Y", 0, 2, "<STX>3001<ETX>C7");
-    EXPECT_EQ((Bytes{1, 0, 0, 1}), values("Y", 5, 4, 4));
-}
-
 // A changed byte is looked up for its report by the start of the area, which creates that too.
 TEST_F(ReplyDecoding, UnalignedBitReadFillsUnalignedAreas)
 {
@@ -85,12 +79,6 @@ TEST_F(ReplyDecoding, UnalignedBitReadFillsUnalignedAreas)
     EXPECT_EQ((Bytes{0, 0, 0, 0}), stored("M", 8));
     EXPECT_EQ((Bytes{0x41, 0, 0, 0}), stored("M", 21));
     EXPECT_EQ((Bytes{0x30, 0, 0, 0}), stored("M", 13));
-}
-
-TEST_F(ReplyDecoding, LowerCaseDataDecodes)
-{
-    poll("D", 0, 1, "<STX>abcd<ETX>8D");
-    EXPECT_EQ((Bytes{0xAB, 0xCD, 0, 0}), stored("D", 0));
 }
 
 // Rows of sixteen codes from 00 to FF, one hexadecimal digit each.
@@ -166,13 +154,6 @@ TEST_F(ReplyDecoding, NothingBehindAShortReplyIsDecoded)
     EXPECT_EQ((Bytes{0x12, 0x34, 0x0C, 0xD0}), values("D", 100, 2, 4));
 }
 
-TEST_F(ReplyDecoding, ShortReplyUpdatesAllAreasOfTheRequest)
-{
-    poll("D", 100, 2, "<STX>12345678<ETX>A7");
-    poll("D", 100, 2, "<STX>1234<ETX>CD");
-    EXPECT_EQ((Bytes{0x0C, 0xD0, 0, 0}), stored("D", 101));
-}
-
 TEST_F(ReplyDecoding, LongReplyUpdatesNoMoreThanWasAskedFor)
 {
     poll("D", 100, 1, "<STX>12345678<ETX>A7");
@@ -220,39 +201,12 @@ TEST_F(ReplyDecoding, UnmonitoredWordIsNotReported)
     EXPECT_EQ((Texts{"1,1,D,101"}), calls);
 }
 
-TEST_F(ReplyDecoding, LinkNumberIsReported)
-{
-    setUpDriver("5#0#0#3#32");
-    monitor("D", 100, 1);
-    poll("D", 100, 1, "<STX>1234<ETX>CD");
-    EXPECT_EQ((Texts{"5,1,D,100"}), calls);
-}
-
 TEST_F(ReplyDecoding, BitsThatChangeInThePlcAreNeverReported)
 {
     monitor("M", 0, 8);
     poll("M", 0, 1, "<STX>FF<ETX>8F");
     poll("M", 0, 1, "<STX>00<ETX>63");
     EXPECT_EQ(Texts(), calls);
-}
-
-TEST_F(ReplyDecoding, PolledChangeReplacesAPendingWrite)
-{
-    write("D", 100, {1, 2}, 1);
-    driver.writeList.clear();
-    poll("D", 100, 1, "<STX>1234<ETX>CD");
-    EXPECT_EQ(0, area("D", 100).bufferSelect);
-    EXPECT_EQ((Bytes{0x12, 0x34}), values("D", 100, 1, 2));
-}
-
-TEST_F(ReplyDecoding, PolledOldValueLeavesAPendingWriteAlone)
-{
-    poll("D", 100, 1, "<STX>1234<ETX>CD");
-    write("D", 100, {1, 2}, 1);
-    driver.writeList.clear();
-    poll("D", 100, 1, "<STX>1234<ETX>CD");
-    EXPECT_EQ(1, area("D", 100).bufferSelect);
-    EXPECT_EQ((Bytes{1, 2}), values("D", 100, 1, 2));
 }
 
 TEST_F(ReplyDecoding, PolledBitsReplaceAPendingWriteOfTheirByte)

@@ -103,18 +103,6 @@ TEST_F(ReplyHandling, AcknowledgedWriteForgetsEarlierRejections)
     EXPECT_EQ(0, driver.failCount);
 }
 
-TEST_F(ReplyHandling, SuccessAfterAFailureIsRemembered)
-{
-    setUpDriver("1#0#0#1#32");
-    driver.readList << request("D", 100, 2);
-    nextFrame();
-    EXPECT_EQ(2, reply(""));
-    EXPECT_EQ(1, driver.lastExchangeFailed);
-    nextFrame();
-    EXPECT_EQ(1, reply("<STX>12345678<ETX>A7"));
-    EXPECT_EQ(0, driver.lastExchangeFailed);
-}
-
 TEST_F(ReplyHandling, GoodReadCountsAsSuccessBeforeItsValuesAreReported)
 {
     QList<KEY_ADDRESS> keys{watch("D", 100, 2)};

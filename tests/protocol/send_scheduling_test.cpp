@@ -101,27 +101,6 @@ TEST_F(SendScheduling, FirstOfSeveralFramesIsInFlight)
     EXPECT_EQ(99, out.spare);
 }
 
-TEST_F(SendScheduling, WriteGoesBeforeConditionalReadBeforeCyclicRead)
-{
-    driver.readList << request("D", 3, 1);
-    driver.conditionReadList << request("D", 2, 1);
-    driver.writeList << request("D", 1, 1);
-    EXPECT_EQ("1#D1/1", nextRequest());
-    acknowledge();
-    EXPECT_EQ("1#D2/1", nextRequest());
-    reply("<STX>0000<ETX>C3");
-    EXPECT_EQ("1#D3/1", nextRequest());
-}
-
-TEST_F(SendScheduling, CyclicPlanIsPolledInRotation)
-{
-    driver.readList << request("D", 1, 1) << request("D", 2, 1) << request("D", 3, 1);
-    for (const char* wanted : {"1#D1/1", "1#D2/1", "1#D3/1", "1#D1/1"}) {
-        EXPECT_EQ(wanted, nextRequest());
-        EXPECT_EQ(1, reply("<STX>0000<ETX>C3"));
-    }
-}
-
 TEST_F(SendScheduling, OtherValuesThanOneAreNoRecipeRequest)
 {
     driver.readList << request("D", 3, 1);
@@ -141,15 +120,6 @@ TEST_F(SendScheduling, NeighboursOfTheRequestBytesAreNoRequest)
     driver.recipeVars << recipeEntry("D", 100, 1, 0);
     hostMemory[60114] = 1;
     EXPECT_EQ("", nextRequest());
-}
-
-TEST_F(SendScheduling, MutexIsFreeAfterEveryAnswer)
-{
-    EXPECT_EQ("", nextRequest());
-    EXPECT_TRUE(mutexIsFree());
-    driver.readList << request("D", 3, 1);
-    EXPECT_EQ("1#D3/1", nextRequest());
-    EXPECT_TRUE(mutexIsFree());
 }
 
 TEST_F(SendScheduling, FrameInFlightIsRepeatedWithoutTheMutex)
