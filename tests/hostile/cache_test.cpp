@@ -159,12 +159,4 @@ TEST_F(HostileCache, MinimalWriteReadsNothingBehindItsElements)
     intf_setData(1, type("32CV"), 200, 2, counter.data(), 0);
     EXPECT_EQ("1#M3/1 1#D3/1 1#32CV200/2", textOf(driver.writeList));
 }
-
-TEST_F(HostileCache, HundredThousandAreasAreFound)
-{
-    for (int start = 0; start < 100000; ++start)
-        ASSERT_EQ(start, getIndexOfDataArea(1, type("D"), start, driver.dataAreas));
-    for (int start = 99999; start >= 0; start -= 7)
-        ASSERT_EQ(start, getIndexOfDataArea(1, type("D"), start, driver.dataAreas));
-}
 }  // namespace

@@ -77,49 +77,29 @@ const Step refuse = [](Host& host) { host.reply("<NAK>"); };
 const Step accept = [](Host& host) { host.acknowledge(); };
 const Step twoWords = [](Host& host) { host.reply("<STX>12345678<ETX>A7"); };
 
+const Step sendWords = [](Host& host) { host.sendWrite("D", 0, Bytes{1, 2, 3, 4}, 2); };
+const Step sendBits = [](Host& host) { host.sendWrite("M", 3, Bytes{1, 1}, 2); };
+const Step sendCounter = [](Host& host) { host.sendWrite("32CV", 200, Bytes{1, 2, 3, 4}, 2); };
+
 const Place places[] = {
     {"WordMirrored", [](Host&) { Host::monitor("D", 0, 2); },
      [](Host& host) {
-         host.write("D", 0, {1, 2, 3, 4}, 2);
+         host.write("D", 0, Bytes{1, 2, 3, 4}, 2);
      }},
     {"BitMirrored", [](Host&) { Host::monitor("M", 3, 2); },
      [](Host& host) {
-         host.write("M", 3, {1, 1}, 2);
+         host.write("M", 3, Bytes{1, 1}, 2);
      }},
     {"CounterMirrored", [](Host&) { Host::monitor("32CV", 200, 2); },
      [](Host& host) {
-         host.write("32CV", 200, {1, 2, 3, 4, 5, 6, 7, 8}, 4);
+         host.write("32CV", 200, Bytes{1, 2, 3, 4, 5, 6, 7, 8}, 4);
      }},
-    {"WordConfirmed",
-     [](Host& host) {
-         host.sendWrite("D", 0, {1, 2, 3, 4}, 2);
-     },
-     accept},
-    {"BitConfirmed",
-     [](Host& host) {
-         host.sendWrite("M", 3, {1, 1}, 2);
-     },
-     accept},
-    {"CounterConfirmed",
-     [](Host& host) {
-         host.sendWrite("32CV", 200, {1, 2, 3, 4}, 2);
-     },
-     accept},
-    {"WordUndone",
-     [](Host& host) {
-         host.sendWrite("D", 0, {1, 2, 3, 4}, 2);
-     },
-     refuse},
-    {"BitUndone",
-     [](Host& host) {
-         host.sendWrite("M", 3, {1, 1}, 2);
-     },
-     refuse},
-    {"CounterUndone",
-     [](Host& host) {
-         host.sendWrite("32CV", 200, {1, 2, 3, 4}, 2);
-     },
-     refuse},
+    {"WordConfirmed", sendWords, accept},
+    {"BitConfirmed", sendBits, accept},
+    {"CounterConfirmed", sendCounter, accept},
+    {"WordUndone", sendWords, refuse},
+    {"BitUndone", sendBits, refuse},
+    {"CounterUndone", sendCounter, refuse},
     {"WordRead", [](Host& host) { host.askForRead("D", 100, 2); }, twoWords},
     {"CounterRead", [](Host& host) { host.askForRead("32CV", 200, 2); }, twoWords},
     {"OneOffReadGood", [](Host& host) { host.askOnce(); }, twoWords},

@@ -156,16 +156,6 @@ TEST_F(HostileExchange, ReplyIsLeftAsItWas)
     EXPECT_EQ(wireBytes("<STX>1234<ETX>CD"), bytes);
 }
 
-TEST_F(HostileExchange, NullReplyIsARejection)
-{
-    driver.readList << request("D", 1, 1);
-    nextFrame();
-    QByteArray nothing;
-    QString error;
-    EXPECT_EQ(2, intf_dealRcvFrame(nothing, error));
-    EXPECT_EQ("1#D1(1)(0)", plain(error));
-}
-
 TEST_F(HostileExchange, WithoutACallbackEveryNotificationIsSkipped)
 {
     intf_setAddrValueChangeCallBack(nullptr);

@@ -195,15 +195,4 @@ TEST_F(HostilePlan, AddressesThatDifferInAnyByteAreSortedTheNegativeOnesFirst)
               "1#D65791/1 1#D16777216/1",
               textOf(driver.readList));
 }
-
-TEST_F(HostilePlan, ManyScatteredKeysArePlannedInOrder)
-{
-    setUpDriver("1#0#0#3#1");
-    QList<KEY_ADDRESS> keys;
-    for (int i = 19999; i >= 0; --i)
-        keys << watch("D", 2 * i, 1);
-    ASSERT_EQ(20000, intf_addrMerge(keys));
-    for (int i = 0; i < 20000; ++i)
-        ASSERT_EQ(2 * i, driver.readList.at(i).addressIndex);
-}
 }  // namespace

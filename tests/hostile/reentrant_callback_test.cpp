@@ -25,15 +25,6 @@ protected:
         ASSERT_NE("", nextFrame());
         ASSERT_EQ(1, reply(text));
     }
-    // Creates thousands of areas that nobody has asked about before.
-    void growTheCache()
-    {
-        values("TV", m_grown, 5000, 10000);
-        m_grown += 5000;
-    }
-
-private:
-    int m_grown = 0;
 };
 
 TEST_F(ReentrantCallback, MutexIsFreeInEveryCall)
@@ -62,35 +53,6 @@ TEST_F(ReentrantCallback, HostReadsTheNewValueOfAPolledWord)
     onCall = [this, &seen](QString&, int number) { seen = values("D", number, 1, 2); };
     poll("D", 100, 1, "<STX>1234<ETX>CD");
     EXPECT_EQ((Bytes{0x12, 0x34}), seen);
-}
-
-TEST_F(ReentrantCallback, CacheThatGrowsUnderAWordReadLosesNothing)
-{
-    onCall = [this](QString&, int) { growTheCache(); };
-    poll("D", 100, 4, "<STX>1234567812345678<ETX>4B");
-    EXPECT_EQ((Texts{"1,1,D,100", "1,1,D,101", "1,1,D,102", "1,1,D,103"}), calls);
-    EXPECT_EQ((Bytes{0x12, 0x34, 0x56, 0x78, 0x12, 0x34, 0x56, 0x78}), values("D", 100, 4, 8));
-}
-
-TEST_F(ReentrantCallback, CacheThatGrowsUnderACounterReadLosesNothing)
-{
-    onCall = [this](QString&, int) { growTheCache(); };
-    poll("32CV", 200, 2, "<STX>7856341201020304<ETX>31");
-    EXPECT_EQ((Texts{"1,1,32CV,200", "1,1,32CV,201"}), calls);
-    EXPECT_EQ((Bytes{0x78, 0x56, 0x34, 0x12, 1, 2, 3, 4}), values("32CV", 200, 4, 8));
-}
-
-TEST_F(ReentrantCallback, CacheThatGrowsUnderAnUploadLosesNothing)
-{
-    driver.recipeVars << recipeEntry("D", 100, 2, 10);
-    onCall = [this](QString&, int) { growTheCache(); };
-    requestUpload();
-    nextFrame();
-    EXPECT_EQ(1, reply("<STX>12345678<ETX>A7"));
-    EXPECT_EQ((Bytes{0x12, 0x34, 0x56, 0x78}), values("D", 100, 2, 4));
-    EXPECT_EQ((Texts{"0,-1,RWI,10", "0,-1,RWI,11"}), callsWith("RWI"));
-    const auto* stored = reinterpret_cast<const unsigned char*>(recipeWords.data() + 10);
-    EXPECT_EQ((Bytes{0x12, 0x34, 0x56, 0x78, 0, 0}), firstBytes(stored, 6));
 }
 
 TEST_F(ReentrantCallback, WriteFromInsideAPollStaysPending)
@@ -133,17 +95,6 @@ TEST_F(ReentrantCallback, WriteFromInsideItsOwnFailureIsSentNext)
     EXPECT_EQ((Bytes{2, 0}), values("D", 100, 1, 2));
 }
 
-TEST_F(ReentrantCallback, CacheThatGrowsUnderACompletionLosesNothing)
-{
-    write("D", 100, {1, 0, 2, 0, 3, 0}, 3);
-    nextFrame();
-    calls.clear();
-    onCall = [this](QString&, int) { growTheCache(); };
-    EXPECT_EQ(1, acknowledge());
-    EXPECT_EQ((Texts{"1,1,D,100", "1,1,D,101", "1,1,D,102"}), calls);
-    EXPECT_EQ((Bytes{1, 0, 2, 0, 3, 0}), values("D", 100, 3, 6));
-}
-
 TEST_F(ReentrantCallback, OneOffReadQueuedFromItsOwnEndIsServedNext)
 {
     KEY_ADDRESS key = watch("D", 100, 1);
@@ -159,22 +110,6 @@ TEST_F(ReentrantCallback, OneOffReadQueuedFromItsOwnEndIsServedNext)
     EXPECT_EQ(1, reply("<STX>1234<ETX>CD"));
     ASSERT_EQ("1#D100/1", textOf(driver.conditionReadList));
     EXPECT_EQ(2, driver.conditionReadList.at(0).tag);
-}
-
-// The failure drops all that wait, also what was queued a moment before.
-TEST_F(ReentrantCallback, OneOffReadQueuedFromAFailureIsDroppedWithTheRest)
-{
-    KEY_ADDRESS key = watch("D", 100, 1);
-    intf_addConditionRead(key, 1);
-    nextFrame();
-    onCall = [](QString&, int) {
-        onCall = nullptr;
-        KEY_ADDRESS again = watch("D", 300, 1);
-        intf_addConditionRead(again, 2);
-    };
-    EXPECT_EQ(2, reply(""));
-    EXPECT_EQ((Texts{"-1,-1,-1,-1"}), calls);
-    EXPECT_TRUE(driver.conditionReadList.isEmpty());
 }
 
 TEST_F(ReentrantCallback, HundredsOfWritesFromInsideAPollFillTheQueueAndNoMore)
@@ -223,14 +158,5 @@ TEST_F(ReentrantCallback, HostThatSetsUpAnewFromInsideIsLeftWithAFreshConnection
     reply("<STX>1234<ETX>CD");
     EXPECT_TRUE(driver.conditionReadList.isEmpty());
     EXPECT_EQ("", nextFrame());
-}
-
-TEST_F(ReentrantCallback, HostThatChangesTheTextChangesNothingElse)
-{
-    onCall = [](QString& text, int) { text = QString::fromLatin1("M"); };
-    poll("D", 100, 2, "<STX>12345678<ETX>A7");
-    EXPECT_EQ((Texts{"1,1,D,100", "1,1,D,101"}), calls);
-    EXPECT_EQ(-1, areaOf("M", 100));
-    EXPECT_EQ((Bytes{0x12, 0x34, 0x56, 0x78}), values("D", 100, 2, 4));
 }
 }  // namespace
