@@ -32,8 +32,9 @@ void endOnSignals()
     auto* notifier = new QSocketNotifier(::signalfd(-1, &ending, SFD_CLOEXEC),
                                          QSocketNotifier::Read, QCoreApplication::instance());
     QObject::connect(notifier, &QSocketNotifier::activated, &QCoreApplication::quit);
-    std::signal(SIGPIPE, SIG_IGN);  // a client that left is no reason to end
-    std::signal(SIGTTIN, SIG_IGN);  // in the background the terminal belongs to others
+    // A client that left is no reason to end; in the background the terminal belongs to others.
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
+    static_cast<void>(std::signal(SIGTTIN, SIG_IGN));
 }
 
 ExitCode run(const Options& options)

@@ -161,7 +161,7 @@ LinkSettings parseLink(const QString& text)
 {
     const QString rest = text.section(':', 1);
     const LinkParts parts{text, rest.section('?', 0, 0), QUrlQuery(rest.section('?', 1))};
-    const LinkSettings link = parseKind(text.section(':', 0, 0).toLower(), parts);
+    LinkSettings link = parseKind(text.section(':', 0, 0).toLower(), parts);
     const QStringList known = settingNames(link);
     for (const auto& item : parts.query.queryItems()) {
         if (!known.contains(item.first))
