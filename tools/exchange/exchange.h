@@ -43,9 +43,10 @@ struct Exchange
     QByteArray handed;      // what the driver was given
     ReplyVerdict verdict = ReplyVerdict::Silence;
     DriverAnswer answer = DriverAnswer::NoFrame;
-    QString errorText;      // of the driver
-    qint64 startedUs = 0;   // since the loop was made
-    qint64 responseUs = 0;  // from the last byte sent to the last one received
+    QString errorText;       // of the driver
+    qint64 startedUs = 0;    // since the loop was made
+    qint64 responseUs = 0;   // from the last byte sent to the last one received
+    bool mayBeDone = false;  // this attempt, or one before it, may have reached the PLC unanswered
 
     bool hasEnded() const { return answer == DriverAnswer::Accepted || hasFailed(); }
     bool hasFailed() const { return answer == DriverAnswer::Failed; }

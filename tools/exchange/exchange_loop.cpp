@@ -54,6 +54,10 @@ std::optional<Exchange> ExchangeLoop::step()
         m_kind = m_session.kindOf(exchange.frame);
     exchange.kind = m_kind;
     sendAndReceive(exchange);
+    const bool isAnswered =
+        exchange.verdict == ReplyVerdict::Good || exchange.verdict == ReplyVerdict::Refused;
+    m_mayBeDone = !isAnswered || (m_repeating && m_mayBeDone);
+    exchange.mayBeDone = m_mayBeDone;
     if (exchange.verdict != ReplyVerdict::LinkLost)
         handOver(exchange);
     else

@@ -78,6 +78,7 @@ private:
     AdaptiveTimeout m_timeout;
     Statistics m_statistics;
     bool m_repeating = false;  // the driver will give the same frame again
+    bool m_mayBeDone = false;  // of the frame that is repeated
     ExchangeKind m_kind = ExchangeKind::CyclicRead;
     int m_enquiriesUnanswered = 0;
     bool m_enquiryWasAnswered = false;

@@ -63,7 +63,7 @@ void noteWrite(const Exchange& exchange, const RegisterRange& whole, WriteOutcom
         whole.part(request.addressIndex - whole.first, writtenRegisters(whole.type, request));
     if (exchange.answer == DriverAnswer::Accepted)
         outcome.acknowledged.append(written);
-    else if (exchange.verdict != ReplyVerdict::Refused)
+    else if (exchange.mayBeDone)
         outcome.uncertain.append(written);
     if (exchange.answer != DriverAnswer::Accepted && !outcome.problem)
         outcome.problem = exchange.verdict;

@@ -27,6 +27,9 @@ RecipeOutcome transferRecipe(ExchangeLoop& loop, RecipeDirection direction,
     else if (outcome.transferred < outcome.entries)
         outcome.problem =
             round.ended.isEmpty() ? ReplyVerdict::Silence : round.ended.last().verdict;
+    outcome.isUncertain =
+        !outcome.isGood() && (outcome.problem != ReplyVerdict::Refused ||
+                              (!round.ended.isEmpty() && round.ended.last().mayBeDone));
     return outcome;
 }
 

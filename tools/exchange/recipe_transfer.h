@@ -15,6 +15,7 @@ struct RecipeOutcome
     int entries = 0;
     int transferred = 0;
     std::optional<ReplyVerdict> problem;  // of the entry after the transferred ones
+    bool isUncertain = false;             // that entry may have been written
 
     bool isGood() const { return !problem && transferred == entries; }
 };

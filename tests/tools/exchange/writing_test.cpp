@@ -166,3 +166,12 @@ INSTANTIATE_TEST_SUITE_P(
                     BrokenWrite{"Bits", "M8:3", "silence@2", ReplyVerdict::Silence, 3, "M8 M10",
                                 "M9"}),
     [](const auto& row) { return row.param.name; });
+
+TEST(RetriedWrite, ThatIsRefusedAfterAnUnansweredAttemptMayHaveArrived)
+{
+    Bench bench(badLine(0, "silence@1,nak@2-"), SessionSettings{2, 32});
+    const WriteOutcome outcome = writeRegisters(bench.loop, range("D0"), {77});
+    EXPECT_EQ(outcome.problem, ReplyVerdict::Refused);
+    EXPECT_EQ(texts(outcome.uncertain), "D0");
+    EXPECT_EQ(bench.plcWord(addressOfD0), 77U);
+}

@@ -40,8 +40,7 @@ QString stoppedText(const RecipeOutcome& outcome, RecipeDirection direction,
         return text + ", the file is unchanged";
     if (outcome.transferred > 0)
         text += ", up to " + entries[outcome.transferred - 1].text();
-    return outcome.problem == ReplyVerdict::Refused ? text
-                                                    : text + "; " + entry + " possibly written";
+    return outcome.isUncertain ? text + "; " + entry + " possibly written" : text;
 }
 
 ExitCode finish(const CommonOptions& common, RecipeDirection direction,
