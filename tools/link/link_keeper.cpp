@@ -58,8 +58,10 @@ void LinkKeeper::openFirst()
                           .arg(m_link.name())
                           .arg(*m_givenS));
     }
-    if (awaited == Awaited::Open)
-        onState(QStringLiteral("the link is open"));
+    if (awaited == Awaited::Interrupted)
+        throw Failure(ExitCode::Interrupted,
+                      m_link.name() + ": interrupted before the link opened");
+    onState(QStringLiteral("the link is open"));
 }
 
 bool LinkKeeper::reopen(qint64 answers)

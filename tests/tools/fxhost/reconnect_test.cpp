@@ -204,10 +204,14 @@ TEST(LinkNotThereYet, IsAwaitedNoLongerThanTheUserSays)
                          "fxhost: tcp:127.0.0.1:1: could not open the link within 1 s\n");
 }
 
-TEST(LinkNotThereYet, WaitingIsInterrupted)
+TEST(LinkNotThereYet, WaitingIsInterruptedBeforeAnyFileIsReplaced)
 {
-    RunningHost read({"--link", "tcp:127.0.0.1:1", "--reconnect-s", "60", "read", "D0"});
-    ASSERT_TRUE(read.hasComplained());
-    read.send(SIGINT);
-    EXPECT_EQ(read.end().code, 130);
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("recording");
+    ASSERT_TRUE(QFile::copy(FXHOST_MANUAL, file));
+    RunningHost record({"--link", "tcp:127.0.0.1:1", "--reconnect-s", "60", "record", file, "D0"});
+    ASSERT_TRUE(record.hasComplained());
+    record.send(SIGINT);
+    EXPECT_EQ(record.end().code, 130);
+    EXPECT_EQ(contentOf(file), contentOf(FXHOST_MANUAL));
 }
