@@ -35,7 +35,9 @@ struct LinkParts
     std::optional<QString> value(const char* name) const
     {
         const QString key = QString::fromLatin1(name);
-        return query.hasQueryItem(key) ? std::optional(query.queryItemValue(key)) : std::nullopt;
+        return query.hasQueryItem(key)
+                   ? std::optional(query.queryItemValue(key, QUrl::FullyDecoded))
+                   : std::nullopt;
     }
 };
 

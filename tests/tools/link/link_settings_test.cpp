@@ -57,9 +57,9 @@ TEST(LinkSettings, OfASimulatedPlcKeepItsFaultsAsWritten)
     const auto plain = std::get<SimulatedSettings>(parseLink("sim:"));
     EXPECT_FALSE(plain.baud.has_value());
     const auto bad =
-        std::get<SimulatedSettings>(parseLink("sim:?baud=9600&faults=silence=0.05,nak@3"));
+        std::get<SimulatedSettings>(parseLink("sim:?baud=9600&faults=silence=5%,nak@3"));
     EXPECT_EQ(bad.baud, 9600);
-    EXPECT_EQ(bad.faults, "silence=0.05,nak@3");
+    EXPECT_EQ(bad.faults, "silence=5%,nak@3");
 }
 
 TEST(LinkSettings, TextFormMeansTheSameLink)
