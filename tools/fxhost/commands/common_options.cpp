@@ -60,9 +60,10 @@ void addPatienceOptions(CLI::App& app, CommonOptions& common)
         ->type_name("SECONDS")
         ->check(CLI::Range(0, longestReconnectS).description(""))
         ->group(linkGroup);
-    app.add_option("--words", common.wordsPerFrame, "Maximum words in one frame (default: 32)")
+    app.add_option("--words", common.wordsPerFrame,
+                   "Maximum words in one frame: 2 to 253 (default: 32)")
         ->type_name("N")
-        ->check(CLI::Range(1, 253).description(""))
+        ->check(CLI::Range(2, 253).description(""))
         ->group(linkGroup);
 }
 
