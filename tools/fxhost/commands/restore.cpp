@@ -73,11 +73,22 @@ std::optional<Stop> restoreRun(Connection& connection, const RegisterRun& run,
     return std::nullopt;
 }
 
-ExitCode stopped(const RegisterRun& run, const Stop& stop)
+void complainOfDifferent(const QStringList& different)
 {
-    complain(QStringLiteral("%1: %2; everything before it in the file was written and read back; "
-                            "continue with --from %3")
+    if (different.isEmpty())
+        return;
+    const int unnamed = different.size() - mostNames;
+    complain(
+        "written, but read back with another value: " + different.mid(0, mostNames).join(", ") +
+        (unnamed > 0 ? QStringLiteral(" and %1 more").arg(unnamed) : QString()) +
+        "; does the program in the PLC write there?");
+}
+
+ExitCode stopped(const RegisterRun& run, const Stop& stop, const QStringList& different)
+{
+    complain(QStringLiteral("%1: %2; continue with --from %3")
                  .arg(run.range.text(), stop.text, run.range.nameOf(0)));
+    complainOfDifferent(different);
     return exitCodeOf(stop.reason);
 }
 
@@ -90,14 +101,8 @@ ExitCode finished(const CommonOptions& common, const QString& path, int register
         {{"file", path},
          {"written", registers},
          {"different", QJsonArray::fromStringList(different)}});
-    if (different.isEmpty())
-        return ExitCode::Good;
-    const int unnamed = different.size() - mostNames;
-    complain(
-        "written, but read back with another value: " + different.mid(0, mostNames).join(", ") +
-        (unnamed > 0 ? QStringLiteral(" and %1 more").arg(unnamed) : QString()) +
-        "; does the program in the PLC write there?");
-    return ExitCode::SomeFailed;
+    complainOfDifferent(different);
+    return different.isEmpty() ? ExitCode::Good : ExitCode::SomeFailed;
 }
 
 ExitCode runRestore(const CommonOptions& common, const RestoreOptions& options)
@@ -117,7 +122,7 @@ ExitCode runRestore(const CommonOptions& common, const RestoreOptions& options)
         progress(done, runs.size());
         const std::optional<Stop> stop = restoreRun(connection, runs[done], different);
         if (stop)
-            return stopped(runs[done], *stop);
+            return stopped(runs[done], *stop, different);
         registers += runs[done].range.count;
     }
     progress(runs.size(), runs.size());
