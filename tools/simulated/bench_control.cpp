@@ -7,6 +7,8 @@
 
 #include "tools/link/link.h"
 
+#include <QFileInfo>
+
 namespace fxtools {
 
 namespace {
@@ -17,7 +19,7 @@ constexpr int controlTimeoutMs = 5000;
 
 SocketBenchControl::SocketBenchControl(const QString& path)
 {
-    m_socket.connectToServer(path);
+    m_socket.connectToServer(QFileInfo(path).absoluteFilePath());
     if (!m_socket.waitForConnected(controlTimeoutMs)) {
         throw Failure(ExitCode::LinkNotOpened, "cannot connect to the simulator's control socket " +
                                                    path + ": " + m_socket.errorString());

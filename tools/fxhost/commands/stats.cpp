@@ -47,7 +47,8 @@ ExitCode runStats(const CommonOptions& common, const StatsOptions& options)
     for (int cycle = 0; cycle < options.cycles && end == RoundEnd::Done; ++cycle) {
         const qint64 startedUs = loop.elapsedUs();
         end = pollCycle(loop, blocks).end;
-        cycleTimes.add(loop.elapsedUs() - startedUs);
+        if (end == RoundEnd::Done)
+            cycleTimes.add(loop.elapsedUs() - startedUs);
     }
     show({loop.statistics(), cycleTimes, loop.elapsedUs(), loop.timeout()}, common.output.mode);
     const bool isStopped = end == RoundEnd::Interrupted || end == RoundEnd::LinkLost;

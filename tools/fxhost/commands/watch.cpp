@@ -163,7 +163,7 @@ void addWatchCommand(CLI::App& app, const CommonOptions& common, Action& action)
     command->add_flag("--log", options->log, "Print one line for each change, also on a terminal");
     command->add_option("--deadband", options->deadband, "Ignore changes up to NUMBER")
         ->type_name("NUMBER")
-        ->check(CLI::Validator(CLI::NonNegativeNumber).description(""));
+        ->check(CLI::Range(0.0, 4294967295.0).description(""));
     addExamples(*command, {"fxhost watch D0:4 TV0 X0:8 -n 3",
                            "fxhost watch D1 --log --timestamps --deadband 50 -l 200 -n 10",
                            "fxhost watch -t X -r 0 -c 8 -l 500 -1"});
