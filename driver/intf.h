@@ -17,7 +17,8 @@
 /// 4. The driver uses the host's texts, lists and buffers only during the call and copies what it
 ///    needs later. Exceptions: the two memories and the mutex of intf_initProperty.
 /// 5. An output or a buffer may be null: the call does the rest of its work. The driver ignores
-///    requests that make no sense; only a one-off read of that kind is queued, and fails.
+///    requests that make no sense, with two exceptions: a one-off read is queued as it is, and a
+///    recipe entry of an unknown type is transferred as words from byte address 0 on.
 /// 6. Register types are exact texts. Bits: "X" "Y" "M" "S" "SM" "T" "C". Words: "D" "SD" "TV"
 ///    "CV". 32-bit counters: "32CV". "X" and "Y" are numbered in octal on paper, but every integer
 ///    here is the value of that number: X17 is 15. "SM" and "SD" begin at 8000, "32CV" at 200.
@@ -152,7 +153,7 @@ enum FxSplit
 ///   - `startIndex`: for bits a multiple of 8; intf_getData does not find values from other starts
 ///   - `length`: words or counters; for bits bytes. If it exceeds the number of words in a frame,
 ///     it is cut into several requests; for bits do not exceed that number, because the next
-///     request would start at a wrong number. A length below 1 is queued, and fails
+///     request would start at a wrong number. A length below 1 is queued as it is
 ///   - `bitIndex`: an FxSplit; use #fxSplitByWords
 /// @param tag  the host's mark, stored in each request
 /// @return #fxDone
@@ -243,7 +244,7 @@ constexpr int fxMaxUploadWords = fxRecordBytes / 2;
 /// removes the next waiting write unsent.
 ///
 /// An entry of a bit type forces one bit, whatever its count: on if the low byte of its first word
-/// is exactly 1. An upload of bits stores nothing in recipe memory.
+/// is exactly 1, off with count 0. An upload of bits stores nothing in recipe memory.
 /// @param list  only entries with this link's number are kept
 /// @return the number of entries kept
 FX_ENTRY_POINT int intf_setRcpAddress(QVector<_RCP_VAR_PRO>& list);

@@ -32,7 +32,7 @@ QString getErrorInfo(QByteArray reply)
     const VARIABLE& request = driver.frames.at(0).variable;
     const RegisterType* type = findRegisterType(request.registerType);
     QString text;
-    text.reserve(4 * longestNumber);  // enough for any report of a known type
+    text.reserve(5 * longestNumber);  // enough for any report of a known type
     appendNumber(text, request.stationNo);
     text += QLatin1Char('#');
     text += request.registerType;

@@ -39,7 +39,7 @@ unsigned int nibbleAt(const QByteArray& reply, int position)
 
 int dataChars(const FRAME_PRO& frame)
 {
-    return qMin(frame.replyDataChars, charsPerByte * bytesPerCounter * fxMaxElements);
+    return qBound(0, frame.replyDataChars, charsPerByte * bytesPerCounter * fxMaxElements);
 }
 
 std::vector<unsigned char> decodeReply(const FRAME_PRO& frame, const QByteArray& reply)

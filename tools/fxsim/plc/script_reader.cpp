@@ -39,11 +39,13 @@ public:
         const QJsonValue value = take(key);
         const double number = value.toDouble();
         const bool whole = value.isDouble() && number == std::floor(number);
-        if (!whole || number < static_cast<double>(lowest) || number > static_cast<double>(highest))
+        if (!whole || number < static_cast<double>(lowest) ||
+            number > static_cast<double>(highest)) {
             refuse(QStringLiteral("\"%1\" must be a whole number from %2 to %3")
                        .arg(key)
                        .arg(lowest)
                        .arg(highest));
+        }
         return static_cast<qint64>(number);
     }
 
