@@ -30,7 +30,7 @@ template <typename Driver>
 class Connection
 {
 public:
-    explicit Connection(int areaCount = 0) : m_memory(hostMemoryBytes, 0), m_recipeWords(512, 0)
+    explicit Connection(int areaCount = 0) : m_memory(fxHostMemoryBytes, 0), m_recipeWords(512, 0)
     {
         int status = 0;
         m_driver.setAddrValueChangeCallBack(ignoreChange);
@@ -44,10 +44,10 @@ private:
     // Areas of "D" words above the block that is polled.
     void fillCache(int areaCount)
     {
-        std::vector<unsigned char> values(2 * static_cast<std::size_t>(maxRead));
-        for (int done = 0; done < areaCount; done += maxRead)
-            m_driver.getData(station, "D", firstFilled + done, qMin(maxRead, areaCount - done),
-                             values.data());
+        std::vector<unsigned char> values(2 * static_cast<std::size_t>(fxMaxElements));
+        for (int done = 0; done < areaCount; done += fxMaxElements)
+            m_driver.getData(station, "D", firstFilled + done,
+                             qMin(fxMaxElements, areaCount - done), values.data());
     }
 
     std::vector<unsigned char> m_memory;

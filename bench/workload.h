@@ -12,9 +12,6 @@
 
 #include <vector>
 
-constexpr int hostMemoryBytes = 60117;
-constexpr int maxRead = 65536;  // elements that one call serves
-
 // A monitored range of "D" words.
 KEY_ADDRESS wordKey(int station, int startIndex, int length);
 

@@ -10,6 +10,7 @@
 
 #include "fuzz/support/fuzz_target.h"
 
+#include "driver/intf.h"
 #include "driver/mitsubishi_fx1s.h"
 
 #include <algorithm>
@@ -52,7 +53,7 @@ void requireCover(const KEY_ADDRESS& key)
     const bool bits = isBitType(key.registerType);
     const int words = std::max(1, driver.maxWordsPerFrame);
     const long long limit = (bits ? 8LL : 1LL) * words;
-    const long long length = std::min(key.length, 65536);
+    const long long length = std::min(key.length, fxMaxElements);
     for (long long done = 0; done < length; done += limit) {
         const long long start = key.startIndex + done;
         const long long pieceLength = std::min(limit, length - done);

@@ -11,14 +11,15 @@
 
 #include "fuzz/support/fuzz_target.h"
 
+#include "driver/intf.h"
 #include "driver/mitsubishi_fx1s.h"
 
 #include <set>
 
 namespace {
 
-constexpr std::size_t downloadByte = 60115;
-constexpr std::size_t uploadByte = 60116;
+constexpr std::size_t downloadByte = fxDownloadRequestByte;
+constexpr std::size_t uploadByte = fxUploadRequestByte;
 
 QByteArray goodReply(const FRAME_PRO& frame, int seed)
 {

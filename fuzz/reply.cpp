@@ -10,6 +10,7 @@
 
 #include "fuzz/support/fuzz_target.h"
 
+#include "driver/intf.h"
 #include "driver/mitsubishi_fx1s.h"
 
 namespace {
@@ -60,7 +61,8 @@ void open(FuzzedPair& pair, Choices& choices)
         FuzzedPair::agree(pair.setRecipe({entry}));
     if (kind < recipeDownload)
         return;
-    const std::size_t byte = kind == recipeDownload ? 60115 : 60116;
+    const auto byte = static_cast<std::size_t>(kind == recipeDownload ? fxDownloadRequestByte
+                                                                      : fxUploadRequestByte);
     pair.library.memory[byte] = pair.model.memory[byte] = 1;
 }
 

@@ -82,7 +82,7 @@ void useAndLeave()
 {
     const LoadedDriver driver;
     ASSERT_TRUE(driver.isComplete());
-    std::vector<unsigned char> hostMemory(60117);
+    std::vector<unsigned char> hostMemory(fxHostMemoryBytes);
     std::vector<unsigned short> recipeWords(16);
     QMutex mutex;
     int status = 0;

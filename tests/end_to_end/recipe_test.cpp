@@ -8,8 +8,8 @@
 #include <cstring>
 
 namespace {
-constexpr std::size_t downloadByte = 60115;
-constexpr std::size_t uploadByte = 60116;
+constexpr std::size_t downloadByte = fxDownloadRequestByte;
+constexpr std::size_t uploadByte = fxUploadRequestByte;
 
 class Recipe : public Session
 {

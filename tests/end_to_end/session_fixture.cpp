@@ -6,7 +6,6 @@
 #include "tests/end_to_end/session_fixture.h"
 
 namespace {
-constexpr int leastHostMemory = 60117;
 constexpr int recipeWordCount = 256;
 
 std::string plain(const QString& text)
@@ -18,7 +17,7 @@ std::string plain(const QString& text)
 
 Texts Session::calls;
 
-Session::Session() : hostMemory(leastHostMemory), recipeWords(recipeWordCount)
+Session::Session() : hostMemory(fxHostMemoryBytes), recipeWords(recipeWordCount)
 {
     calls.clear();
     EXPECT_TRUE(driver.isComplete());
