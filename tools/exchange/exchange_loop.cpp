@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
-//
-// See exchange_loop.h.
 
 #include "tools/exchange/exchange_loop.h"
 

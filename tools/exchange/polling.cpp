@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
-//
-// See polling.h.
 
 #include "tools/exchange/polling.h"
 

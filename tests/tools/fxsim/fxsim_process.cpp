@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
-//
-// See fxsim_process.h.
 
 #include "tests/tools/fxsim/fxsim_process.h"
 

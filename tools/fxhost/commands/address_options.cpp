@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
-//
-// See address_options.h.
 
 #include "tools/fxhost/commands/address_options.h"
 

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
-//
-// See poll_result.h.
 
 #include "tools/fxhost/commands/poll_result.h"
 

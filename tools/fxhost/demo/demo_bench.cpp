@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
-//
-// See demo_bench.h.
 
 #include "tools/fxhost/demo/demo_bench.h"
 

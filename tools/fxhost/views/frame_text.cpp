@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
-//
-// See frame_text.h.
 
 #include "tools/fxhost/views/frame_text.h"
 

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
-//
-// See number_text.h.
 
 #include "tools/fxsim/plc/number_text.h"
 
