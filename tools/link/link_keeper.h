@@ -27,7 +27,7 @@ public:
     // Retries a lost link for ever if no time was given: for commands that run until stopped.
     void waitWithoutEnd();
 
-    // Throws Failure if the link cannot be opened. After an interrupt it may not be open.
+    // Throws Failure if the link cannot be opened, or if the user interrupts the wait for it.
     void openFirst();
 
     // Whether a lost link is open again. `answers` is the number of good replies since the start:
