@@ -195,14 +195,14 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(Usage, FullOutputIsNoSuccess)
 {
-    QProcess shell;
-    shell.start(
-        "/bin/sh",
-        {"-c",
-         QStringLiteral("FX_DRIVER=%1 %2 types > /dev/full").arg(FX_DRIVER_FILE, FXHOST_FILE)});
-    ASSERT_TRUE(shell.waitForFinished());
-    EXPECT_EQ(shell.exitCode(), 7);
-    EXPECT_EQ(shell.readAllStandardError(), "fxhost: could not write all output\n");
+    for (const char* const command : {"types", "monitor D0 -n 0", "stats D0"}) {
+        QProcess shell;
+        shell.start("/bin/sh", {"-c", QStringLiteral("FX_DRIVER=%1 %2 %3 > /dev/full")
+                                          .arg(FX_DRIVER_FILE, FXHOST_FILE, command)});
+        ASSERT_TRUE(shell.waitForFinished()) << command;
+        EXPECT_EQ(shell.exitCode(), 7) << command;
+        EXPECT_EQ(shell.readAllStandardError(), "fxhost: could not write all output\n") << command;
+    }
 }
 
 // The system takes a name without a leading slash for one in /dev.

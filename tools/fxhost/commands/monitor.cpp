@@ -5,8 +5,9 @@
 
 #include "tools/exchange/blocks.h"
 #include "tools/fxhost/commands/address_options.h"
-#include "tools/fxhost/commands/poll_result.h"
+#include "tools/fxhost/commands/cycles.h"
 #include "tools/fxhost/views/frame_text.h"
+#include "tools/library/values.h"
 
 #include <cmath>
 #include <optional>
@@ -110,17 +111,10 @@ void Monitor::showLine(const Exchange& exchange, const QString& values) const
 ExitCode runMonitor(const CommonOptions& common, const MonitorOptions& options)
 {
     Connection connection(common);
-    connection.waitForLinkWithoutEnd();
     Monitor monitor(connection, common.output);
     connection.loop().onExchange = [&monitor](const Exchange& exchange) { monitor.show(exchange); };
-    const int blocks =
-        connection.session().setPlan(rangesOf(options.addresses, connection.catalogue()));
-    for (int cycle = 0; options.cycles == 0 || cycle < options.cycles; ++cycle) {
-        const Round round = pollCycle(connection.loop(), blocks);
-        if (round.end == RoundEnd::Interrupted || round.end == RoundEnd::LinkLost)
-            return exitCodeOf(verdictOf(round.end));
-    }
-    return exitCodeOf(connection.loop().statistics());
+    return pollCycles(connection, rangesOf(options.addresses, connection.catalogue()),
+                      options.cycles);
 }
 
 }  // namespace
@@ -130,11 +124,7 @@ void addMonitorCommand(CLI::App& app, const CommonOptions& common, Action& actio
     CLI::App* command = app.add_subcommand("monitor", "Print every frame and its reply");
     const auto options = std::make_shared<MonitorOptions>();
     addAddressOptions(*command, options->addresses);
-    command
-        ->add_option("-n,--count", options->cycles,
-                     "Number of cycles (default: 1; 0 = until Ctrl-C)")
-        ->type_name("N")
-        ->check(CLI::Range(0, mostCycles).description(""));
+    addCountOption(*command, options->cycles, true);
     addExamples(*command, {"fxhost monitor D100:2 X0", "fxhost monitor D0:32 -n 3 --timestamps"});
     command->callback([&action, &common, options] {
         action = [&common, options] { return runMonitor(common, *options); };

@@ -7,7 +7,7 @@
 
 #include "tools/exchange/recording.h"
 #include "tools/fxhost/commands/address_options.h"
-#include "tools/fxhost/commands/poll_result.h"
+#include "tools/fxhost/commands/cycles.h"
 #include "tools/fxhost/views/frame_text.h"
 #include "tools/library/addresses.h"
 #include "tools/library/register_file.h"
@@ -23,27 +23,13 @@ struct RecordOptions
     int cycles = 10;
 };
 
-ExitCode poll(Connection& connection, int blocks, int cycles)
-{
-    for (int cycle = 0; cycles == 0 || cycle < cycles; ++cycle) {
-        const Round round = pollCycle(connection.loop(), blocks);
-        if (round.end == RoundEnd::Interrupted || round.end == RoundEnd::LinkLost)
-            return exitCodeOf(verdictOf(round.end));
-        if (round.end == RoundEnd::NeverAnswered)
-            break;
-    }
-    return exitCodeOf(connection.loop().statistics());
-}
-
 ExitCode runRecord(const CommonOptions& common, const RecordOptions& options)
 {
     Connection connection(common);
-    connection.waitForLinkWithoutEnd();
     const QVector<RegisterRange> ranges = rangesOf(options.addresses, connection.catalogue());
     QStringList addresses;
     for (const RegisterRange& range : ranges)
         addresses += range.text();
-    const int blocks = connection.session().setPlan(ranges);
     const QString path = QString::fromStdString(options.file);
     Recorder recorder(path, connection.session().propertyString(), addresses);
     int exchanges = 0;
@@ -53,7 +39,7 @@ ExitCode runRecord(const CommonOptions& common, const RecordOptions& options)
         recorder.add(exchange);
         ++exchanges;
     };
-    const ExitCode code = poll(connection, blocks, options.cycles);
+    const ExitCode code = pollCycles(connection, ranges, options.cycles);
     const qint64 good = connection.loop().statistics().total().accepted;
     showResult(common.output,
                QStringLiteral("  %1: %2 saved, %3 good")
@@ -136,11 +122,7 @@ void addRecordCommand(CLI::App& app, const CommonOptions& common, Action& action
         ->type_name("")
         ->required();
     addAddressOptions(*command, options->addresses);
-    command
-        ->add_option("-n,--count", options->cycles,
-                     "Number of cycles (default: 10; 0 = until Ctrl-C)")
-        ->type_name("N")
-        ->check(CLI::Range(0, mostCycles).description(""));
+    addCountOption(*command, options->cycles, true);
     addExamples(*command, {"fxhost record session.jsonl D0:64 X0:8 -n 20"});
     command->callback([&action, &common, options] {
         action = [&common, options] { return runRecord(common, *options); };

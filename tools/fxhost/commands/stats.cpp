@@ -5,7 +5,7 @@
 // histogram of response times with the time-out that follows from them.
 
 #include "tools/fxhost/commands/address_options.h"
-#include "tools/fxhost/commands/poll_result.h"
+#include "tools/fxhost/commands/cycles.h"
 #include "tools/fxhost/views/statistics_report.h"
 
 namespace fxtools {
@@ -38,21 +38,13 @@ void show(const LineReport& report, OutputMode mode)
 ExitCode runStats(const CommonOptions& common, const StatsOptions& options)
 {
     Connection connection(common);
-    connection.waitForLinkWithoutEnd();
     ExchangeLoop& loop = connection.loop();
-    const int blocks =
-        connection.session().setPlan(rangesOf(options.addresses, connection.catalogue()));
     Histogram cycleTimes;
-    auto end = RoundEnd::Done;
-    for (int cycle = 0; cycle < options.cycles && end == RoundEnd::Done; ++cycle) {
-        const qint64 startedUs = loop.elapsedUs();
-        end = pollCycle(loop, blocks).end;
-        if (end == RoundEnd::Done)
-            cycleTimes.add(loop.elapsedUs() - startedUs);
-    }
+    const ExitCode code =
+        pollCycles(connection, rangesOf(options.addresses, connection.catalogue()), options.cycles,
+                   [&cycleTimes](qint64 cycleUs) { cycleTimes.add(cycleUs); });
     show({loop.statistics(), cycleTimes, loop.elapsedUs(), loop.timeout()}, common.output.mode);
-    const bool isStopped = end == RoundEnd::Interrupted || end == RoundEnd::LinkLost;
-    return isStopped ? exitCodeOf(verdictOf(end)) : exitCodeOf(loop.statistics());
+    return code;
 }
 
 }  // namespace
@@ -63,9 +55,7 @@ void addStatsCommand(CLI::App& app, const CommonOptions& common, Action& action)
         app.add_subcommand("stats", "Measure a link: errors, response times, cycle times");
     const auto options = std::make_shared<StatsOptions>();
     addAddressOptions(*command, options->addresses);
-    command->add_option("-n,--count", options->cycles, "Number of cycles (default: 100)")
-        ->type_name("N")
-        ->check(CLI::Range(1, mostCycles).description(""));
+    addCountOption(*command, options->cycles, false);
     addExamples(*command,
                 {"fxhost stats D0:64 -n 20 -b 115200", "fxhost stats D0:64 X0:16 --json"});
     command->callback([&action, &common, options] {
