@@ -16,6 +16,9 @@ import sys
 SIMULATED_PLC = ["tools/fxsim/plc/*", "tools/fxsim/line/*", "tools/fxsim/faults/*",
                  "tools/fxsim/control/control.h"]
 
+# What every tool but the simulator may include.
+COMMON = ["tools/failure.h", "tools/quoted.h"]
+
 # What the sources of each folder may include of the project.
 ALLOWED = {
     "driver": ["driver/*"],
@@ -23,12 +26,12 @@ ALLOWED = {
     "cache": ["driver/*", "address/register_types.h", "cache/*"],
     "plan": ["driver/*", "address/register_types.h", "cache/data_areas.h", "plan/*"],
     "protocol": ["driver/*", "address/register_types.h", "cache/*", "protocol/*"],
-    "tools/link": ["tools/failure.h", "tools/link/*"],
-    "tools/simulated": ["tools/failure.h", "tools/link/*", "tools/simulated/*", *SIMULATED_PLC],
-    "tools/library": ["tools/failure.h", "driver/intf.h", "tools/library/*"],
-    "tools/exchange": ["tools/failure.h", "driver/intf.h", "tools/link/*", "tools/library/*",
+    "tools/link": [*COMMON, "tools/link/*"],
+    "tools/simulated": [*COMMON, "tools/link/*", "tools/simulated/*", *SIMULATED_PLC],
+    "tools/library": [*COMMON, "driver/intf.h", "tools/library/*"],
+    "tools/exchange": [*COMMON, "driver/intf.h", "tools/link/*", "tools/library/*",
                        "tools/exchange/*"],
-    "tools/fxhost": ["tools/failure.h", "driver/intf.h", "tools/link/*", "tools/simulated/*",
+    "tools/fxhost": [*COMMON, "driver/intf.h", "tools/link/*", "tools/simulated/*",
                      "tools/library/*", "tools/exchange/*", "tools/fxhost/*", *SIMULATED_PLC],
     "tools/fxsim": ["tools/fxsim/*"],
 }

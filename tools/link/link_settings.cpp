@@ -3,6 +3,8 @@
 
 #include "tools/link/link_settings.h"
 
+#include "tools/quoted.h"
+
 #include <QRegularExpression>
 #include <QUrlQuery>
 
@@ -41,7 +43,7 @@ struct LinkParts
 
 [[noreturn]] void reject(const LinkParts& parts, const QString& reason)
 {
-    throw Failure(ExitCode::Usage, "invalid link '" + parts.whole + "': " + reason);
+    throw Failure(ExitCode::Usage, "invalid link " + quoted(parts.whole) + ": " + reason);
 }
 
 std::optional<int> baudIn(const LinkParts& parts)
@@ -165,8 +167,8 @@ LinkSettings parseLink(const QString& text)
     const QStringList known = settingNames(link);
     for (const auto& item : parts.query.queryItems()) {
         if (!known.contains(item.first))
-            reject(parts, QStringLiteral("unknown setting '%1'; known: %2")
-                              .arg(item.first, known.join(QStringLiteral(", "))));
+            reject(parts, QStringLiteral("unknown setting %1; known: %2")
+                              .arg(quoted(item.first), known.join(QStringLiteral(", "))));
     }
     return link;
 }

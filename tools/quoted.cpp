@@ -1,0 +1,26 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+
+#include "tools/quoted.h"
+
+namespace fxtools {
+
+namespace {
+
+constexpr int mostCharacters = 60;
+
+}  // namespace
+
+QString quoted(const QString& text)
+{
+    QString shown = text;
+    if (shown.size() > mostCharacters)
+        shown = shown.left(mostCharacters - 1) + QStringLiteral("…");
+    for (QChar& character : shown) {
+        if (!character.isPrint())
+            character = '?';
+    }
+    return '\'' + shown + '\'';
+}
+
+}  // namespace fxtools

@@ -1,0 +1,16 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// Text from outside in a message: from the command line, a file or the line to the PLC.
+
+#pragma once
+
+#include <QString>
+
+namespace fxtools {
+
+// In single quotes, at most 60 characters of it; what cannot be printed shows as "?", so that a
+// message neither fills the screen nor controls it.
+QString quoted(const QString& text);
+
+}  // namespace fxtools
