@@ -4,9 +4,6 @@
 #include "tools/fxsim/application.h"
 
 #include "tools/fxsim/line/trace_text.h"
-#include "tools/fxsim/links/pty_link.h"
-#include "tools/fxsim/links/serial_link.h"
-#include "tools/fxsim/links/tcp_link.h"
 #include "tools/fxsim/plc/memory_image.h"
 #include "tools/fxsim/plc/sample_program.h"
 #include "tools/fxsim/plc/script_program.h"
@@ -127,13 +124,12 @@ void Application::openControls()
 void Application::openLinks()
 {
     if (m_options.pty)
-        addLink(std::make_unique<PtyLink>(*m_simulator, m_clock, m_options.linkPath));
+        addLink(makePtyLink(*m_simulator, m_clock, m_options.linkPath));
     if (m_options.tcp)
-        addLink(std::make_unique<TcpLink>(*m_simulator, m_clock, m_options.tcp->address,
-                                          m_options.tcp->port));
+        addLink(makeTcpLink(*m_simulator, m_clock, m_options.tcp->address, m_options.tcp->port));
     if (!m_options.serialDevice.isEmpty())
-        addLink(std::make_unique<SerialLink>(*m_simulator, m_clock, m_options.serialDevice,
-                                             m_options.settings.timing.baud));
+        addLink(makeSerialLink(*m_simulator, m_clock, m_options.serialDevice,
+                               m_options.settings.timing.baud));
     for (const std::unique_ptr<Link>& link : m_links)
         link->open();
 }

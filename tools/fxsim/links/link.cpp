@@ -15,10 +15,8 @@ constexpr int reopenMs = 1000;  // between attempts to reopen a lost link
 
 }  // namespace
 
-HostConnection::HostConnection(Simulator& simulator, const Clock& clock, const QByteArray& client,
-                               Write write)
-    : m_simulator(simulator), m_clock(clock), m_session(simulator, client),
-      m_write(std::move(write))
+HostConnection::HostConnection(Link& link, const QByteArray& client, Write write)
+    : m_link(link), m_session(link.simulator(), client), m_write(std::move(write))
 {
     m_timer.setTimerType(Qt::PreciseTimer);
     m_timer.setSingleShot(true);
@@ -27,18 +25,18 @@ HostConnection::HostConnection(Simulator& simulator, const Clock& clock, const Q
 
 void HostConnection::receive(const QByteArray& bytes)
 {
-    m_session.receive(bytes, m_clock.nowUs());
+    m_session.receive(bytes, m_link.clock().nowUs());
     sendDue();
-    if (const std::optional<int> forMs = m_session.takeLinkDrop())
-        emit linkTaken(*forMs);
+    if (const std::optional<int> forMs = m_session.takeLinkDrop())  // not now: it ends this object
+        QTimer::singleShot(0, &m_link, [&link = m_link, forMs] { link.drop(*forMs); });
 }
 
 void HostConnection::sendDue()
 {
-    const qint64 nowUs = m_clock.nowUs();
+    const qint64 nowUs = m_link.clock().nowUs();
     const QByteArray due = m_session.takeDue(nowUs);
     if (!due.isEmpty())
-        m_simulator.statistics().charactersLost += m_write(due);
+        m_link.simulator().statistics().charactersLost += m_write(due);
     const qint64 nextUs = m_session.nextDueUs();
     if (nextUs != nothingDue)
         m_timer.start(

@@ -1,44 +1,40 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// What all links share: a session for each host, a timer that sends its replies when they are due,
-// and a link that can close and come back. The kinds of link are pty_link, tcp_link and
-// serial_link.
+// The links to hosts, and what they share: a session for each host, a timer that sends its replies
+// when they are due, and a link that can close and come back.
 
 #pragma once
 
 #include "tools/fxsim/line/clock.h"
 #include "tools/fxsim/line/session.h"
 
+#include <QHostAddress>
 #include <QObject>
 #include <QTimer>
 
 #include <functional>
+#include <memory>
 
 namespace fxsim {
 
 // One host on a link: bytes come in by receive() and go out, when they are due, by a function.
+class Link;
 class HostConnection : public QObject
 {
-    Q_OBJECT
-
 public:
     // Returns how many of the bytes could not be sent.
     using Write = std::function<int(const QByteArray& bytes)>;
 
-    HostConnection(Simulator& simulator, const Clock& clock, const QByteArray& client, Write write);
+    HostConnection(Link& link, const QByteArray& client, Write write);
 
     Session& session() { return m_session; }
     void receive(const QByteArray& bytes);
 
-signals:
-    void linkTaken(int forMs);
-
 private:
     void sendDue();
 
-    Simulator& m_simulator;
-    const Clock& m_clock;
+    Link& m_link;
     Session m_session;
     Write m_write;
     QTimer m_timer;
@@ -57,12 +53,11 @@ public:
 
     void drop(int forMs);
 
-signals:
-    void message(const QString& text);
-
-protected:
     Simulator& simulator() { return m_simulator; }
     const Clock& clock() const { return m_clock; }
+
+signals:
+    void message(const QString& text);
 
 private:
     void reopen();
@@ -73,5 +68,20 @@ private:
     bool m_down = false;
     bool m_failureReported = false;
 };
+
+// A pseudo-terminal: the host opens its other end like a serial port. It is raw from the start, so
+// a host that sets nothing reads the bytes as they were sent. A symbolic link at `linkPath`, unless
+// that is empty, gives it a fixed name.
+std::unique_ptr<Link> makePtyLink(Simulator& simulator, const Clock& clock,
+                                  const QString& linkPath);
+
+// A TCP server: several hosts in turn or at once, each with its own session on the one PLC.
+std::unique_ptr<Link> makeTcpLink(Simulator& simulator, const Clock& clock,
+                                  const QHostAddress& address, quint16 port);
+
+// A real serial port with 7 data bits, even parity and 1 stop bit. The hardware paces the
+// characters.
+std::unique_ptr<Link> makeSerialLink(Simulator& simulator, const Clock& clock,
+                                     const QString& device, int baud);
 
 }  // namespace fxsim

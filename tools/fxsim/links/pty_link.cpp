@@ -1,12 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 
-#include "tools/fxsim/links/pty_link.h"
-
+#include "tools/fxsim/links/link.h"
 #include "tools/fxsim/plc/error.h"
 
 #include <QFile>
 #include <QFileInfo>
+#include <QSocketNotifier>
 
 #include <cerrno>
 #include <cstdlib>
@@ -52,16 +52,32 @@ QString targetOf(const QString& path)
     return info.isSymLink() ? info.symLinkTarget() : QString();
 }
 
-}  // namespace
-
-PtyLink::PtyLink(Simulator& simulator, const Clock& clock, const QString& linkPath)
-    : Link(simulator, clock), m_linkPath(linkPath)
-{}
-
-PtyLink::~PtyLink()
+class PtyLink : public Link
 {
-    PtyLink::close();
-}
+public:
+    PtyLink(Simulator& simulator, const Clock& clock, const QString& linkPath)
+        : Link(simulator, clock), m_linkPath(linkPath)
+    {}
+    ~PtyLink() override { PtyLink::close(); }
+
+    void open() override;
+    void close() override;
+    QString name() const override;
+
+private:
+    void openTerminal();
+    void makeLink() const;
+    void removeLink();
+    void readAvailable();
+    int write(const QByteArray& bytes);
+
+    QString m_linkPath;
+    QString m_device;
+    int m_master = -1;
+    int m_slave = -1;  // kept open: else the master hangs up whenever a host closes its end
+    std::unique_ptr<QSocketNotifier> m_notifier;
+    std::unique_ptr<HostConnection> m_host;
+};
 
 void PtyLink::open()
 {
@@ -73,10 +89,8 @@ void PtyLink::open()
         close();
         throw;
     }
-    m_host =
-        std::make_unique<HostConnection>(simulator(), clock(), m_device.toLocal8Bit(),
-                                         [this](const QByteArray& bytes) { return write(bytes); });
-    connect(m_host.get(), &HostConnection::linkTaken, this, &Link::drop, Qt::QueuedConnection);
+    m_host = std::make_unique<HostConnection>(
+        *this, m_device.toLocal8Bit(), [this](const QByteArray& bytes) { return write(bytes); });
     m_notifier = std::make_unique<QSocketNotifier>(m_master, QSocketNotifier::Read);
     connect(m_notifier.get(), &QSocketNotifier::activated, this, &PtyLink::readAvailable);
 }
@@ -138,6 +152,13 @@ int PtyLink::write(const QByteArray& bytes)
 {
     const ssize_t written = ::write(m_master, bytes.constData(), static_cast<size_t>(bytes.size()));
     return bytes.size() - static_cast<int>(std::max<ssize_t>(0, written));
+}
+
+}  // namespace
+
+std::unique_ptr<Link> makePtyLink(Simulator& simulator, const Clock& clock, const QString& linkPath)
+{
+    return std::make_unique<PtyLink>(simulator, clock, linkPath);
 }
 
 }  // namespace fxsim

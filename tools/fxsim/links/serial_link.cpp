@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 
-#include "tools/fxsim/links/serial_link.h"
-
+#include "tools/fxsim/links/link.h"
 #include "tools/fxsim/plc/error.h"
 
 #include <QFile>
+#include <QSerialPort>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -29,7 +29,23 @@ bool isOtherFile(const QString& path)
     return !isTerminal;
 }
 
-}  // namespace
+class SerialLink : public Link
+{
+public:
+    SerialLink(Simulator& simulator, const Clock& clock, const QString& device, int baud);
+
+    void open() override;
+    void close() override;
+    QString name() const override { return m_device; }
+
+private:
+    void lookForHangup();
+
+    QString m_device;
+    QSerialPort m_port;
+    QTimer m_watch;
+    std::unique_ptr<HostConnection> m_host;
+};
 
 SerialLink::SerialLink(Simulator& simulator, const Clock& clock, const QString& device, int baud)
     : Link(simulator, clock), m_device(device)
@@ -52,11 +68,10 @@ void SerialLink::open()
         throw Error(ExitCode::Link, reason).at(m_device);
     }
     m_host = std::make_unique<HostConnection>(
-        simulator(), clock(), m_device.toLocal8Bit(), [this](const QByteArray& bytes) {
+        *this, m_device.toLocal8Bit(), [this](const QByteArray& bytes) {
             return bytes.size() - static_cast<int>(std::max<qint64>(0, m_port.write(bytes)));
         });
     m_host->session().setTiming({0, simulator().settings().timing.scanMs});
-    connect(m_host.get(), &HostConnection::linkTaken, this, &Link::drop, Qt::QueuedConnection);
     m_watch.start(watchMs);
 }
 
@@ -67,17 +82,20 @@ void SerialLink::close()
     m_host.reset();
 }
 
-QString SerialLink::name() const
-{
-    return m_device;
-}
-
 // An unplugged adapter hangs up its port; reads then give nothing and no error.
 void SerialLink::lookForHangup()
 {
     pollfd port{m_port.handle(), 0, 0};
     if (::poll(&port, 1, 0) > 0)
         drop(unpluggedMs);
+}
+
+}  // namespace
+
+std::unique_ptr<Link> makeSerialLink(Simulator& simulator, const Clock& clock,
+                                     const QString& device, int baud)
+{
+    return std::make_unique<SerialLink>(simulator, clock, device, baud);
 }
 
 }  // namespace fxsim

@@ -1,10 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 
-#include "tools/fxsim/links/tcp_link.h"
-
+#include "tools/fxsim/links/link.h"
 #include "tools/fxsim/plc/error.h"
 
+#include <QSocketNotifier>
+#include <QTcpServer>
 #include <QtEndian>
 
 #include <algorithm>
@@ -40,16 +41,31 @@ QString peerText(int descriptor)
                        qFromBigEndian(port));
 }
 
-}  // namespace
+// A host that connected. Its bytes go through the bare descriptor: the buffers and signals of a
+// socket object would cost as much as the PLC itself. Deletes itself when the host disconnects.
+class TcpClient : public QObject
+{
+public:
+    // Owns `descriptor`, a connected socket.
+    TcpClient(Link& link, int descriptor, QObject* parent);
+    ~TcpClient() override;
 
-TcpClient::TcpClient(Simulator& simulator, const Clock& clock, int descriptor,
-                     const QByteArray& name, QObject* parent)
+private:
+    void readAvailable();
+    int write(const QByteArray& bytes) const;
+
+    int m_descriptor;
+    QSocketNotifier m_notifier;
+    HostConnection m_host;
+};
+
+TcpClient::TcpClient(Link& link, int descriptor, QObject* parent)
     : QObject(parent), m_descriptor(descriptor), m_notifier(descriptor, QSocketNotifier::Read),
-      m_host(simulator, clock, name, [this](const QByteArray& bytes) { return write(bytes); })
+      m_host(link, peerText(descriptor).toLatin1(),
+             [this](const QByteArray& bytes) { return write(bytes); })
 {
     const int atOnce = 1;
     ::setsockopt(m_descriptor, IPPROTO_TCP, TCP_NODELAY, &atOnce, sizeof atOnce);
-    connect(&m_host, &HostConnection::linkTaken, this, &TcpClient::linkTaken);
     connect(&m_notifier, &QSocketNotifier::activated, this, &TcpClient::readAvailable);
 }
 
@@ -79,12 +95,45 @@ int TcpClient::write(const QByteArray& bytes) const
     return bytes.size() - static_cast<int>(std::max<ssize_t>(0, sent));
 }
 
-TcpLink::TcpLink(Simulator& simulator, const Clock& clock, const QHostAddress& address,
-                 quint16 port)
-    : Link(simulator, clock), m_address(address), m_port(port)
+// Hands out bare descriptors, without socket objects.
+class TcpServer : public QTcpServer
 {
-    connect(&m_server, &TcpServer::accepted, this, &TcpLink::welcome);
-}
+public:
+    explicit TcpServer(Link& link) : m_link(link) {}
+
+    void hangUp()
+    {
+        close();
+        m_clients = std::make_unique<QObject>();
+    }
+
+protected:
+    void incomingConnection(qintptr descriptor) override
+    {
+        new TcpClient(m_link, static_cast<int>(descriptor), m_clients.get());
+    }
+
+private:
+    Link& m_link;
+    std::unique_ptr<QObject> m_clients = std::make_unique<QObject>();  // parent of all of them
+};
+
+class TcpLink : public Link
+{
+public:
+    TcpLink(Simulator& simulator, const Clock& clock, const QHostAddress& address, quint16 port)
+        : Link(simulator, clock), m_address(address), m_port(port)
+    {}
+
+    void open() override;
+    void close() override { m_server.hangUp(); }
+    QString name() const override { return addressText(m_address, m_port); }
+
+private:
+    TcpServer m_server{*this};
+    QHostAddress m_address;
+    quint16 m_port;  // 0 until the system has chosen one
+};
 
 void TcpLink::open()
 {
@@ -97,22 +146,12 @@ void TcpLink::open()
     m_port = m_server.serverPort();
 }
 
-void TcpLink::close()
-{
-    m_server.close();
-    qDeleteAll(findChildren<TcpClient*>(QString(), Qt::FindDirectChildrenOnly));
-}
+}  // namespace
 
-QString TcpLink::name() const
+std::unique_ptr<Link> makeTcpLink(Simulator& simulator, const Clock& clock,
+                                  const QHostAddress& address, quint16 port)
 {
-    return addressText(m_address, m_port);
-}
-
-void TcpLink::welcome(int descriptor)
-{
-    auto* client =
-        new TcpClient(simulator(), clock(), descriptor, peerText(descriptor).toLatin1(), this);
-    connect(client, &TcpClient::linkTaken, this, &Link::drop, Qt::QueuedConnection);
+    return std::make_unique<TcpLink>(simulator, clock, address, port);
 }
 
 }  // namespace fxsim
