@@ -98,11 +98,7 @@ TEST(FxsimControl, SocketLeftBehindIsReplaced)
     EXPECT_TRUE(QFileInfo::exists(path)) << "a killed simulator leaves its socket behind";
     FxsimProcess process({"--control", path});
     process.waitReady();
-    QLocalSocket socket;
-    socket.connectToServer(path);
-    ASSERT_TRUE(socket.waitForConnected(deadlineMs));
-    socket.write("quit\n");
-    socket.flush();
+    EXPECT_EQ(runToEnd({"--control", path, "--tell", "quit"}).exitCode, 0);
     EXPECT_EQ(process.waitEnd(), 0);
 }
 

@@ -26,20 +26,6 @@ int openDescriptors(const FxsimProcess& process)
 
 }  // namespace
 
-TEST(FxsimTcp, ServesSeveralClientsTogetherAndInTurn)
-{
-    FxsimProcess process({"--tcp", "0", "--baud", "0", "--program", "none"});
-    const QString name = process.waitReady();
-    TcpEnd first(name);
-    TcpEnd second(name);
-    second.send(readD100.left(5));
-    EXPECT_EQ(first.ask(writeD100, 1), "\x06");
-    second.send(readD100.mid(5));
-    EXPECT_EQ(second.take(12), valueOfD100);
-    TcpEnd third(name);
-    EXPECT_EQ(third.ask(readD100, 12), valueOfD100);
-}
-
 TEST(FxsimTcp, PortThatIsTakenIsToldAndNothingIsLeftBehind)
 {
     FxsimProcess process({"--tcp", "0"});

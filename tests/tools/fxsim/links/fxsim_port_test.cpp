@@ -125,21 +125,14 @@ TEST_P(FxsimOver, PacingTakesAtLeastTheTimeOfTheCharacters)
     EXPECT_GE(timer.elapsed(), 23) << "11 + 12 characters of 1.04 ms";
 }
 
-TEST_P(FxsimOver, EndsCleanlyOnSigterm)
+TEST(FxsimPort, EndsCleanlyOnEachSignal)
 {
-    Connected plc(GetParam(), {"--stats"});
-    plc.ask(readD100, 12);
-    EXPECT_EQ(plc.process.terminate(), 0);
-    EXPECT_TRUE(plc.process.restOfOutput().contains("  exchanges                     1\n"));
-    EXPECT_FALSE(QFileInfo(plc.folder.filePath("plc")).isSymLink()) << "the link is gone";
-}
-
-TEST(FxsimPort, EndsCleanlyOnSigintAndWithItsTerminal)
-{
-    for (const int number : {SIGINT, SIGHUP}) {
-        Connected plc(Way::Tcp, {"--stats"});
+    for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
+        Connected plc(Way::Pty, {"--stats"});
+        plc.ask(readD100, 12);
         EXPECT_EQ(plc.process.signal(number), 0);
-        EXPECT_TRUE(plc.process.restOfOutput().contains("  exchanges                     0\n"));
+        EXPECT_TRUE(plc.process.restOfOutput().contains("  exchanges                     1\n"));
+        EXPECT_FALSE(QFileInfo(plc.folder.filePath("plc")).isSymLink()) << "the link is gone";
     }
 }
 
@@ -169,16 +162,6 @@ TEST(FxsimPort, SampleProgramRuns)
         next = plc.ask(readMs, 12);
     EXPECT_EQ(first.size(), 12);
     EXPECT_NE(next, first);
-}
-
-TEST(FxsimPort, CommandsWorkWhileItRuns)
-{
-    Connected plc(Way::Tcp);
-    EXPECT_EQ(plc.process.command("poke 0x10C8 0x12 0x34 0x56 0x78"), "ok\n");
-    EXPECT_EQ(plc.ask(readD100, 12), valueOfD100);
-    EXPECT_EQ(plc.process.command("peek 0x10C8 4"), "10C8: 12 34 56 78\nok\n");
-    EXPECT_EQ(plc.process.command("quit"), "ok\n");
-    EXPECT_EQ(plc.process.waitEnd(), 0);
 }
 
 TEST(FxsimPort, TraceGoesToAFileAndNamesTheHost)
