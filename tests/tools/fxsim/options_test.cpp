@@ -54,7 +54,7 @@ TEST(Options, HaveDefaults)
 TEST(Options, SetThePlc)
 {
     const Options all =
-        options({"--baud=0", "--scan-ms=10000", "--enq=needed", "--on-error=silence",
+        options({"--baud=300", "--baud=0", "--scan-ms=10000", "--enq=needed", "--on-error=silence",
                  "--max-bytes=255", "--memory=0-0x1FFF", "--holes=1,2", "--mirror=none",
                  "--faults=nak@3,delay=1%", "--seed=18446744073709551615"});
     EXPECT_EQ(all.settings.timing.baud, 0);
@@ -117,11 +117,6 @@ TEST(Options, ReadTcpAddresses)
         EXPECT_EQ(read.tcp->address, QHostAddress(row.address)) << row.text;
         EXPECT_EQ(read.tcp->port, row.port) << row.text;
     }
-}
-
-TEST(Options, TheLastOfTwoCounts)
-{
-    EXPECT_EQ(options({"--baud", "300", "--baud", "4000000"}).settings.timing.baud, 4000000);
 }
 
 TEST(Options, MistakesAreExplained)

@@ -116,30 +116,24 @@ TEST(Faults, JunkForgesNoControlCharacter)
     }
 }
 
-TEST(Faults, DelayComesBeforeTheFirstCharacter)
+TEST(Faults, PausesStandWhereTheFaultPutsThem)
 {
-    const QVector<Chunk> chunks = damagedBy("delay:800@1", reply);
-    ASSERT_EQ(chunks.size(), 1);
-    EXPECT_EQ(chunks[0].pauseMs, 800);
-}
-
-TEST(Faults, SlicesAre32CharactersWithPauses)
-{
-    const QVector<Chunk> chunks = damagedBy("slices:5@1", QByteArray(70, 'x'));
-    ASSERT_EQ(chunks.size(), 3);
-    EXPECT_EQ(chunks[0].bytes.size(), 32);
-    EXPECT_EQ(chunks[0].pauseMs, 0);
-    EXPECT_EQ(chunks[1].bytes.size(), 32);
-    EXPECT_EQ(chunks[1].pauseMs, 5);
-    EXPECT_EQ(chunks[2].bytes.size(), 6);
-    EXPECT_EQ(chunks[2].pauseMs, 5);
-}
-
-TEST(Faults, DuplicateWaitsBetweenTheTwo)
-{
-    const QVector<Chunk> chunks = damagedBy("duplicate:30@1", reply);
-    ASSERT_EQ(chunks.size(), 2);
-    EXPECT_EQ(chunks[1].pauseMs, 30);
+    const struct
+    {
+        const char* plan;
+        int replyBytes;
+        QVector<QPair<int, int>> chunks;  // pause in milliseconds, bytes
+    } rows[] = {
+        {"delay:800@1", 12, {{800, 12}}},
+        {"slices:5@1", 70, {{0, 32}, {5, 32}, {5, 6}}},
+        {"duplicate:30@1", 12, {{0, 12}, {30, 12}}},
+    };
+    for (const auto& row : rows) {
+        QVector<QPair<int, int>> chunks;
+        for (const Chunk& chunk : damagedBy(row.plan, QByteArray(row.replyBytes, 'x')))
+            chunks.append({chunk.pauseMs, chunk.bytes.size()});
+        EXPECT_EQ(chunks, row.chunks) << row.plan;
+    }
 }
 
 TEST(Faults, SameSeedSameDamage)

@@ -25,34 +25,21 @@ QString errorOf(const char* text)
 
 }  // namespace
 
-TEST(FaultPlan, ReadsRates)
+TEST(FaultPlan, ReadsRatesExchangesAndValues)
 {
-    const FaultPlan plan = parseFaults("silence=0.05,nak=2%");
-    ASSERT_EQ(plan.size(), 2);
+    const FaultPlan plan = parseFaults("silence=0.05,nak=2%,delay:800@3,wrong-sum@7-9+20-,delay@4");
+    ASSERT_EQ(plan.size(), 5);
     EXPECT_EQ(plan[0].kind, FaultKind::Silence);
     EXPECT_DOUBLE_EQ(plan[0].rate, 0.05);
     EXPECT_EQ(plan[1].kind, FaultKind::Nak);
     EXPECT_DOUBLE_EQ(plan[1].rate, 0.02);
-}
-
-TEST(FaultPlan, ReadsLists)
-{
-    const FaultPlan plan = parseFaults("delay@3,wrong-sum@7-9+20-");
-    ASSERT_EQ(plan.size(), 2);
-    EXPECT_EQ(plan[0].spans[0].first, 3);
-    EXPECT_EQ(plan[0].spans[0].last, 3);
-    ASSERT_EQ(plan[1].spans.size(), 2);
-    EXPECT_EQ(plan[1].spans[0].last, 9);
-    EXPECT_EQ(plan[1].spans[1].first, 20);
-    EXPECT_GT(plan[1].spans[1].last, 1000000000);
-}
-
-TEST(FaultPlan, ReadsValuesAndKnowsTheOnesNotGiven)
-{
-    const FaultPlan plan = parseFaults("delay:800@3,delay@4,slices=1");
-    EXPECT_EQ(plan[0].value, 800);
-    EXPECT_EQ(plan[1].value, 1500);
-    EXPECT_EQ(plan[2].value, 20);
+    EXPECT_EQ(plan[2].spans.at(0).first, 3);
+    EXPECT_EQ(plan[2].spans.at(0).last, 3);
+    EXPECT_EQ(plan[2].value, 800);
+    EXPECT_EQ(plan[3].spans.at(0).last, 9);
+    EXPECT_EQ(plan[3].spans.at(1).first, 20);
+    EXPECT_GT(plan[3].spans.at(1).last, 1000000000);
+    EXPECT_EQ(plan[4].value, 1500) << "the default";
 }
 
 TEST(FaultPlan, IsTextAgain)

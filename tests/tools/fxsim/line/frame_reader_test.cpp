@@ -40,22 +40,12 @@ QByteArray told(const QVector<LineEvent>& events)
 
 }  // namespace
 
-TEST(FrameReader, FindsAFrame)
-{
-    FrameReader reader;
-    EXPECT_EQ(told(reader.receive(readD100)), "F0230313043383034033733");
-}
-
-TEST(FrameReader, FindsAFrameThatComesByteByByte)
-{
-    FrameReader reader;
-    for (int at = 0; at < readD100.size() - 1; ++at)
-        EXPECT_EQ(told(reader.receive(readD100.mid(at, 1))), "") << "byte " << at;
-    EXPECT_EQ(told(reader.receive(readD100.right(1))), "F0230313043383034033733");
-}
-
 TEST(FrameReader, FindsAFrameCutAnywhere)
 {
+    FrameReader byteByByte;
+    for (int at = 0; at < readD100.size() - 1; ++at)
+        EXPECT_EQ(told(byteByByte.receive(readD100.mid(at, 1))), "") << "byte " << at;
+    EXPECT_EQ(told(byteByByte.receive(readD100.right(1))), "F0230313043383034033733");
     for (int cut = 1; cut < readD100.size(); ++cut) {
         FrameReader reader;
         EXPECT_EQ(told(reader.receive(readD100.left(cut))), "");
@@ -63,44 +53,26 @@ TEST(FrameReader, FindsAFrameCutAnywhere)
     }
 }
 
-TEST(FrameReader, FindsTwoFramesInOneRead)
+TEST(FrameReader, TellsApartWhatComesInOneRead)
 {
-    FrameReader reader;
-    EXPECT_EQ(told(reader.receive(readD100 + readD100)),
-              "F0230313043383034033733 F0230313043383034033733");
-}
-
-TEST(FrameReader, TellsJunkBeforeBetweenAndAfter)
-{
-    FrameReader reader;
-    EXPECT_EQ(told(reader.receive("ab" + readD100 + "\x15" + readD100 + "c")),
-              "J6162 F0230313043383034033733 J15 F0230313043383034033733 J63");
-}
-
-TEST(FrameReader, EnquiryResetsTheReceiver)
-{
-    FrameReader reader;
-    EXPECT_EQ(told(reader.receive(readD100.left(5) + "\x05" + readD100)),
-              "J0230313043 E F0230313043383034033733");
-}
-
-TEST(FrameReader, StxInsideAFrameStartsANewOne)
-{
-    FrameReader reader;
-    EXPECT_EQ(told(reader.receive(readD100.left(9) + readD100)),
-              "J023031304338303403 F0230313043383034033733");
-}
-
-TEST(FrameReader, EveryEnquiryCounts)
-{
-    FrameReader reader;
-    EXPECT_EQ(told(reader.receive("\x05\x05")), "E E");
-}
-
-TEST(FrameReader, SumOfAnyCharactersEndsAFrame)
-{
-    FrameReader reader;
-    EXPECT_EQ(told(reader.receive(fromHex("0230030603"))), "F0230030603");
+    const struct
+    {
+        const char* name;
+        QByteArray bytes;
+        const char* events;
+    } rows[] = {
+        {"junk before, between and after", "ab" + readD100 + "\x15" + readD100 + "c",
+         "J6162 F0230313043383034033733 J15 F0230313043383034033733 J63"},
+        {"two frames", readD100 + readD100, "F0230313043383034033733 F0230313043383034033733"},
+        {"two enquiries", "\x05\x05", "E E"},
+        {"an enquiry resets the receiver", readD100.left(5) + "\x05" + readD100,
+         "J0230313043 E F0230313043383034033733"},
+        {"STX inside a frame starts a new one", readD100.left(9) + readD100,
+         "J023031304338303403 F0230313043383034033733"},
+        {"any characters are a sum", fromHex("0230030603"), "F0230030603"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(told(FrameReader().receive(row.bytes)), row.events) << row.name;
 }
 
 TEST(FrameReader, GivesUpAFrameWithoutEndAndGoesOn)

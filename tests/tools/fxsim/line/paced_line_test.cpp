@@ -70,15 +70,6 @@ TEST(PacedLine, PiecesWaitForEachOther)
     EXPECT_EQ(dueAt(line, 9000), "d");
 }
 
-TEST(PacedLine, DelayedPieceHoldsUpTheNext)
-{
-    PacedLine line({0, 0});
-    line.send("late", "", 9000);
-    line.send("next", "", 1000);
-    EXPECT_EQ(dueAt(line, 8999), "");
-    EXPECT_EQ(dueAt(line, 9000), "latenext");
-}
-
 TEST(PacedLine, ArrivingCharactersTakeTheirTimeToo)
 {
     PacedLine line({10000, 0});

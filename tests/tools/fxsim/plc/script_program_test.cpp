@@ -43,72 +43,79 @@ QString errorOfStep(const QByteArray& step)
 
 }  // namespace
 
-TEST(Script, SetsOnceAtItsTime)
+struct ScriptCase
 {
-    ScriptRun run(R"({"at": 1000, "set": "0x1000", "value": 4660, "bytes": 2})");
-    EXPECT_EQ(run.at(999).value(0x1000, 2), 0U);
-    EXPECT_EQ(run.at(1000).value(0x1000, 2), 0x1234U);
-    run.memory.setByte(0x1000, 0);
+    const char* name;
+    const char* steps;
+    int address;
+    QVector<QPair<qint64, const char*>> moments;  // milliseconds and the bytes from `address` on
+};
+
+class ScriptSteps : public testing::TestWithParam<ScriptCase>
+{};
+
+TEST_P(ScriptSteps, DoWhatTheySayAtEachMoment)
+{
+    ScriptRun run(GetParam().steps);
+    for (const auto& moment : GetParam().moments) {
+        const QByteArray bytes = fromHex(moment.second);
+        EXPECT_EQ(run.at(moment.first).read(GetParam().address, bytes.size()), bytes)
+            << "after " << moment.first << " ms";
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Of, ScriptSteps,
+    testing::Values(ScriptCase{"SetOnce",
+                               R"({"at": 1000, "set": "0x1000", "value": 4660, "bytes": 2})",
+                               0x1000,
+                               {{999, "0000"}, {1000, "3412"}}},
+                    ScriptCase{"SetAtPowerOn",
+                               R"({"at": 0, "set": "0x1000", "value": -2, "bytes": 4})",
+                               0x1000,
+                               {{0, "FEFFFFFF"}}},
+                    ScriptCase{"AddMakesUpForMissedOnes",
+                               R"({"every": 500, "add": "0x1002", "value": 3})",
+                               0x1002,
+                               {{499, "0000"}, {500, "0300"}, {2600, "0F00"}}},
+                    ScriptCase{"SumStartsAgainPastItsEnd",
+                               R"({"every": 1, "add": "0x1002", "value": 1, "from": 5, "to": 7})",
+                               0x1002,
+                               {{1, "0500"}, {3, "0700"}, {4, "0500"}}},
+                    ScriptCase{"SumWithoutEndWrapsInItsBytes",
+                               R"({"every": 1, "add": "0x1002", "value": 255, "bytes": 1})",
+                               0x1002,
+                               {{2, "FE00"}}},
+                    ScriptCase{"ToggledBit",
+                               R"({"every": 1000, "after": 0, "toggle": "0x0080.3"})",
+                               0x0080,
+                               {{0, "08"}, {1000, "00"}, {2000, "08"}}},
+                    ScriptCase{"SetBit",
+                               R"({"at": 0, "set": "0x0100.7", "value": 1},
+                      {"at": 5, "set": "0x0100.7", "value": 0})",
+                               0x0100,
+                               {{0, "80"}, {5, "00"}}},
+                    ScriptCase{"Copy",
+                               R"({"at": 0, "set": "0x1000", "value": 305419896, "bytes": 4},
+                      {"every": 10, "copy": "0x1000", "to": "0x1100", "bytes": 3})",
+                               0x1100,
+                               {{10, "78563400"}}},
+                    ScriptCase{"StepsOfOneMomentInTheirOrder",
+                               R"({"every": 10, "add": "0x1000", "value": 1},
+                      {"every": 10, "copy": "0x1000", "to": "0x1100"})",
+                               0x1100,
+                               {{10, "0100"}, {35, "0300"}}},
+                    ScriptCase{"LongSleepNotMadeUpForWithoutEnd",
+                               R"({"every": 1, "add": "0x1000", "value": 1, "bytes": 4})",
+                               0x1000,
+                               {{500000000, "A0860100"}, {500000001, "A1860100"}}}),
+    [](const auto& row) { return std::string(row.param.name); });
+
+TEST(Script, StepOfOneMomentIsDoneOnce)
+{
+    ScriptRun run(R"({"at": 1000, "set": "0x1000", "value": 1})");
+    run.at(1000).setByte(0x1000, 0);
     EXPECT_EQ(run.at(5000).byte(0x1000), 0);
-}
-
-TEST(Script, TimeZeroIsPowerOn)
-{
-    ScriptRun run(R"({"at": 0, "set": "0x1000", "value": -2, "bytes": 4})");
-    EXPECT_EQ(run.memory.value(0x1000, 4), 0xFFFFFFFEU);
-}
-
-TEST(Script, AddsAgainAndAgain)
-{
-    ScriptRun run(R"({"every": 500, "add": "0x1002", "value": 3})");
-    EXPECT_EQ(run.at(499).value(0x1002, 2), 0U);
-    EXPECT_EQ(run.at(500).value(0x1002, 2), 3U);
-    EXPECT_EQ(run.at(2600).value(0x1002, 2), 15U) << "the ones missed are made up for";
-}
-
-TEST(Script, SumStartsAgainPastItsEnd)
-{
-    ScriptRun run(R"({"every": 1, "add": "0x1002", "value": 1, "from": 5, "to": 7})");
-    EXPECT_EQ(run.at(1).value(0x1002, 2), 5U);
-    EXPECT_EQ(run.at(3).value(0x1002, 2), 7U);
-    EXPECT_EQ(run.at(4).value(0x1002, 2), 5U);
-}
-
-TEST(Script, SumWithoutEndWrapsInItsBytes)
-{
-    ScriptRun run(R"({"every": 1, "add": "0x1002", "value": 255, "bytes": 1})");
-    EXPECT_EQ(run.at(2).value(0x1002, 2), 0x00FEU);
-}
-
-TEST(Script, TogglesABit)
-{
-    ScriptRun run(R"({"every": 1000, "after": 0, "toggle": "0x0080.3"})");
-    EXPECT_EQ(run.memory.byte(0x0080), 0x08);
-    EXPECT_EQ(run.at(1000).byte(0x0080), 0x00);
-    EXPECT_EQ(run.at(2000).byte(0x0080), 0x08);
-}
-
-TEST(Script, SetsABit)
-{
-    ScriptRun run(
-        R"({"at": 0, "set": "0x0100.7", "value": 1}, {"at": 5, "set": "0x0100.7", "value": 0})");
-    EXPECT_EQ(run.memory.byte(0x0100), 0x80);
-    EXPECT_EQ(run.at(5).byte(0x0100), 0x00);
-}
-
-TEST(Script, Copies)
-{
-    ScriptRun run(R"({"at": 0, "set": "0x1000", "value": 305419896, "bytes": 4},
-               {"every": 10, "copy": "0x1000", "to": "0x1100", "bytes": 3})");
-    EXPECT_EQ(run.at(10).read(0x1100, 4), fromHex("78563400"));
-}
-
-TEST(Script, StepsOfOneMomentRunInTheirOrder)
-{
-    ScriptRun run(R"({"every": 10, "add": "0x1000", "value": 1},
-               {"every": 10, "copy": "0x1000", "to": "0x1100"})");
-    EXPECT_EQ(run.at(10).value(0x1100, 2), 1U);
-    EXPECT_EQ(run.at(35).value(0x1100, 2), 3U);
 }
 
 TEST(Script, StartsAnewWithThePower)
@@ -121,13 +128,6 @@ TEST(Script, StartsAnewWithThePower)
     EXPECT_EQ(fresh.byte(0x1000), 0);
     run.program->advance(fresh, 10);
     EXPECT_EQ(fresh.byte(0x1000), 1);
-}
-
-TEST(Script, LongSleepIsNotMadeUpForWithoutEnd)
-{
-    ScriptRun run(R"({"every": 1, "add": "0x1000", "value": 1, "bytes": 4})");
-    EXPECT_EQ(run.at(500000000).value(0x1000, 4), 100000U);
-    EXPECT_EQ(run.at(500000001).value(0x1000, 4), 100001U);
 }
 
 TEST(Script, CommentsMayStandAnywhere)
