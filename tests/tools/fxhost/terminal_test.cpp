@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <optional>
 
 using namespace tool_tests;
 
@@ -25,9 +26,12 @@ int linesWith(const Screen& screen, const QString& text)
         lines.begin(), lines.end(), [&text](const QString& line) { return line.contains(text); }));
 }
 
-// What every program must leave behind.
-void expectCleanEnd(const Terminal& terminal)
+// What every program must leave behind, whether it ends by itself or with Ctrl-C.
+void expectCleanEnd(Terminal& terminal, std::optional<char> key = {})
 {
+    if (key)
+        terminal.press(*key);
+    EXPECT_EQ(terminal.waitForEnd(), key ? 130 : 0);
     EXPECT_TRUE(terminal.screen().cursorIsShown());
     EXPECT_TRUE(terminal.screen().isPlain());
     EXPECT_EQ(terminal.screen().cursorColumn(), 0);
@@ -60,9 +64,7 @@ TEST_F(TerminalViews, WatchDrawsOverItsTable)
     EXPECT_TRUE(terminal.screen().lines()[4].contains("Ctrl-C to stop"));
     EXPECT_EQ(terminal.screen().lines().size(), 5);
     EXPECT_TRUE(terminal.written().contains("\x1b[1;33m12345\x1b[0m")) << "a change is marked";
-    terminal.press(ctrlC);
-    EXPECT_EQ(terminal.waitForEnd(), 130);
-    expectCleanEnd(terminal);
+    expectCleanEnd(terminal, ctrlC);
 }
 
 TEST_F(TerminalViews, WatchOfManyRegistersFitsASmallTerminal)
@@ -74,9 +76,7 @@ TEST_F(TerminalViews, WatchOfManyRegistersFitsASmallTerminal)
     EXPECT_EQ(lines[0], "  address  value  e…");
     EXPECT_EQ(lines[1], "  D0           0");
     EXPECT_EQ(lines[9], "  … 22 lines not sh…");
-    terminal.press(ctrlC);
-    EXPECT_EQ(terminal.waitForEnd(), 130);
-    expectCleanEnd(terminal);
+    expectCleanEnd(terminal, ctrlC);
 }
 
 TEST_F(TerminalViews, WatchFollowsTheSizeOfItsTerminal)
@@ -104,9 +104,7 @@ TEST_F(TerminalViews, WatchBeginsANewTableWhenItGoesOn)
         [](const Screen& screen) { return linesWith(screen, "Ctrl-C to stop") == 2; }));
     EXPECT_EQ(linesWith(terminal.screen(), "address"), 2);
     EXPECT_EQ(terminal.screen().lines().size(), 8);
-    terminal.press(ctrlC);
-    EXPECT_EQ(terminal.waitForEnd(), 130);
-    expectCleanEnd(terminal);
+    expectCleanEnd(terminal, ctrlC);
 }
 
 TEST_F(TerminalViews, WatchShowsWhatIsRefusedWithItsReason)
@@ -131,9 +129,7 @@ TEST_F(TerminalViews, ALostLinkIsToldBelowTheTable)
     EXPECT_EQ(linesWith(terminal.screen(), "address"), 2) << "the table before, and the one after";
     EXPECT_LT(text.indexOf("D0           0"), text.indexOf("the link was lost"));
     EXPECT_LT(text.indexOf("the link is back"), text.indexOf("D0          77"));
-    terminal.press(ctrlC);
-    EXPECT_EQ(terminal.waitForEnd(), 130);
-    expectCleanEnd(terminal);
+    expectCleanEnd(terminal, ctrlC);
 }
 
 TEST_F(TerminalViews, LogHasALineForEachChangeHereToo)
@@ -181,13 +177,12 @@ TEST_F(TerminalViews, ABarGrowsInItsLine)
 {
     const QString file = folder.filePath("plc.csv");
     Terminal terminal(linked({"dump", file, "D0:320"}), 80, 24);
-    EXPECT_EQ(terminal.waitForEnd(), 0);
+    expectCleanEnd(terminal);
     EXPECT_EQ(terminal.screen().lines()[0], "  dump ████████████████████████████████ 10/10");
     EXPECT_TRUE(terminal.screen().lines()[1].endsWith(": 320 registers read"));
     EXPECT_EQ(terminal.screen().lines().size(), 2);
     EXPECT_TRUE(terminal.written().contains(
         QString("\r  dump ████████████████░░░░░░░░░░░░░░░░ 5/10").toUtf8()));
-    expectCleanEnd(terminal);
 }
 
 TEST_F(TerminalViews, ABarFitsANarrowTerminal)
@@ -216,11 +211,9 @@ TEST_F(TerminalViews, AnInterruptedBarLeavesItsLine)
     Terminal terminal({"--link", slow.link(), "dump", folder.filePath("plc.csv"), "D0:8000"}, 80,
                       24);
     ASSERT_TRUE(terminal.waitForText(" 2/250"));
-    terminal.press(ctrlC);
-    EXPECT_EQ(terminal.waitForEnd(), 130);
+    expectCleanEnd(terminal, ctrlC);
     EXPECT_EQ(linesWith(terminal.screen(), "fxhost: interrupted: "), 1);
     EXPECT_TRUE(terminal.screen().lines()[1].startsWith("fxhost: interrupted: "));
-    expectCleanEnd(terminal);
 }
 
 TEST_F(TerminalViews, TheDemoRedrawsItsLiveValues)
@@ -233,9 +226,7 @@ TEST_F(TerminalViews, TheDemoRedrawsItsLiveValues)
         return screen.text() != first && linesWith(screen, "the driver reported") == 1;
     }));
     EXPECT_EQ(linesWith(terminal.screen(), "triangle"), 1) << "one table, drawn over";
-    terminal.press(ctrlC);
-    EXPECT_EQ(terminal.waitForEnd(), 130);
-    expectCleanEnd(terminal);
+    expectCleanEnd(terminal, ctrlC);
 }
 
 TEST_F(TerminalViews, DoctorShowsEachSettingAsItTriesIt)
