@@ -4,7 +4,7 @@
 // fxhost demo: shows in half a minute, on a simulated PLC, what the driver does.
 
 #include "tools/fxhost/commands/connection.h"
-#include "tools/fxhost/demo/chapters.h"
+#include "tools/fxhost/demo/demo_bench.h"
 
 #include <memory>
 
@@ -32,13 +32,11 @@ void showChapters(DemoBench& bench, bool live)
                                 showRecipe,
                                 showTrouble};
     for (const Chapter& chapter : chapters) {
-        if (bench.isInterrupted() || !bench.linkIsGood())
-            break;
-        chapter(bench);
+        if (bench.goesOn())
+            chapter(bench);
     }
-    if (!bench.isInterrupted())
-        bench.confirm(bench.linkIsGood(), QStringLiteral("the link stayed open to the end"));
-    if (live && !bench.isInterrupted() && bench.linkIsGood())
+    bench.confirm(bench.linkIsGood(), "the link stayed open to the end");
+    if (live && bench.goesOn())
         showLiveValues(bench, -1);
     showSummary(bench);
 }
@@ -52,13 +50,13 @@ ExitCode runDemo(const CommonOptions& common, const DemoOptions& options)
         socket.emplace(QString::fromStdString(options.control));
     DemoBench bench(connection.loop(), connection.catalogue(),
                     socket ? &*socket : connection.control());
-    bench.console().line(QStringLiteral("driver %1\nlink   %2, property string \"%3\"")
-                             .arg(connection.library().fileName(), connection.link().name(),
-                                  connection.session().propertyString()));
+    bench.console.line(QStringLiteral("driver %1\nlink   %2, property string \"%3\"")
+                           .arg(connection.library().fileName(), connection.link().name(),
+                                connection.session().propertyString()));
     showChapters(bench, options.live);
     if (bench.wasCutShort())
         return ExitCode::Interrupted;
-    return bench.refuted() > 0 ? ExitCode::SomeFailed : ExitCode::Good;
+    return bench.refuted > 0 ? ExitCode::SomeFailed : ExitCode::Good;
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include "tools/fxhost/demo/demo_bench.h"
 
+#include "tools/fxhost/views/statistics_report.h"
 #include "tools/library/addresses.h"
 
 namespace fxtools {
@@ -40,44 +41,62 @@ constexpr ScreenRow screenRows[] = {
     {"32CV201", "counter set by the panel", false},
 };
 
-QVector<RegisterRange> rangesOf(const QVector<ScreenItem>& screen)
-{
-    QVector<RegisterRange> ranges;
-    for (const ScreenItem& item : screen)
-        ranges.append(item.range);
-    return ranges;
-}
-
 }  // namespace
 
-DemoBench::DemoBench(ExchangeLoop& loop, const RegisterCatalogue& catalogue, BenchControl* control)
-    : m_loop(loop), m_catalogue(catalogue), m_control(control)
+DemoBench::DemoBench(ExchangeLoop& exchangeLoop, const RegisterCatalogue& registerTypes,
+                     BenchControl* benchControl)
+    : loop(exchangeLoop), session(loop.session()), catalogue(registerTypes), control(benchControl)
 {
-    for (const ScreenRow& row : screenRows)
-        m_screen.append({range(row.address), row.label, row.isSigned});
-    session().onValueChanged = [this](const QString&, int, int) { ++valuesChanged; };
-    m_blocks = session().setPlan(rangesOf(m_screen));
+    QVector<RegisterRange> ranges;
+    for (const ScreenRow& row : screenRows) {
+        ranges.append(range(row.address));
+        screen.append({ranges.last(), row.label, row.isSigned});
+    }
+    session.onValueChanged = [this](const QString&, int, int) { ++valuesChanged; };
+    blocks = session.setPlan(ranges);
 }
 
 RegisterRange DemoBench::range(const QString& address) const
 {
-    return parseAddress(address, m_catalogue);
+    return parseAddress(address, catalogue);
+}
+
+quint32 DemoBench::valueOf(const QString& address) const
+{
+    return session.values(range(address)).value(0);
 }
 
 bool DemoBench::linkIsGood() const
 {
-    const Statistics& statistics = m_loop.statistics();
-    const bool wasAsked = statistics.total().sent > 0;
-    return m_loop.link().isOpen() && (!wasAsked || statistics.plcHasAnswered());
+    const bool wasAsked = loop.statistics().total().sent > 0;
+    return loop.link().isOpen() && (!wasAsked || loop.statistics().plcHasAnswered());
 }
 
 void DemoBench::confirm(bool isSo, const QString& what)
 {
-    if (isInterrupted())
+    if (loop.isInterrupted())
         return;
-    ++(isSo ? m_confirmed : m_refuted);
-    m_console.line(
-        QStringLiteral("  %1 %2").arg(isSo ? m_console.good("✔") : m_console.bad("✘"), what));
+    ++(isSo ? confirmed : refuted);
+    console.line("  " + (isSo ? console.good("✔") : console.bad("✘")) + ' ' + what);
+}
+
+void showSummary(DemoBench& bench)
+{
+    bench.console.heading("Summary");
+    bench.console.lines(statisticsLines(bench.loop.statistics(), bench.loop.elapsedUs()));
+    const auto of = [](const char* text, int part, int all) {
+        return QString(text).arg(part).arg(all);
+    };
+    const QString result =
+        bench.wasCutShort()
+            ? of("Interrupted after %1 of %2 checks.", bench.judged(), bench.checks())
+        : bench.refuted > 0
+            ? of("%1 of %2 checks failed.", bench.refuted, bench.judged())
+            : QStringLiteral("All %1 checks passed: the values read back are the values written.")
+                  .arg(bench.confirmed);
+    const bool isGood = bench.refuted == 0 && !bench.wasCutShort();
+    bench.console.line();
+    bench.console.line(isGood ? bench.console.good(result) : bench.console.bad(result));
 }
 
 }  // namespace fxtools

@@ -19,47 +19,46 @@ struct ScreenItem
     bool isSigned = false;
 };
 
-class DemoBench
+struct DemoBench
 {
-public:
-    DemoBench(ExchangeLoop& loop, const RegisterCatalogue& catalogue, BenchControl* control);
-
-    ExchangeLoop& loop() { return m_loop; }
-    DriverSession& session() { return m_loop.session(); }
-    const RegisterCatalogue& catalogue() const { return m_catalogue; }
-    Console& console() { return m_console; }
-    BenchControl* control() { return m_control; }  // null: the simulator cannot be controlled
-    const QVector<ScreenItem>& screen() const { return m_screen; }
-    int blocks() const { return m_blocks; }
+    DemoBench(ExchangeLoop& exchangeLoop, const RegisterCatalogue& registerTypes,
+              BenchControl* benchControl);
 
     RegisterRange range(const QString& address) const;
-    Round pollOnce() { return pollCycle(m_loop, m_blocks); }
+    quint32 valueOf(const QString& address) const;  // the first one, from the cache
+    Round pollOnce() { return pollCycle(loop, blocks); }
 
-    bool isInterrupted() const { return m_loop.isInterrupted(); }
-
-    // The link is open and the PLC has answered at least once, if it was asked.
+    // The user has not interrupted, the link is open, and the PLC has answered if it was asked.
+    bool goesOn() const { return !loop.isInterrupted() && linkIsGood(); }
     bool linkIsGood() const;
 
     // Prints one check with its mark; a check that is not true makes the demo fail. A check that an
     // interrupt cut short is not counted.
     void confirm(bool isSo, const QString& what);
-    int confirmed() const { return m_confirmed; }
-    int refuted() const { return m_refuted; }
-    int judged() const { return m_confirmed + m_refuted; }
-    bool wasCutShort() const { return isInterrupted() && judged() < checks(); }
-    int checks() const { return m_control ? 13 : 10; }  // of a whole run; three need the control
+    int judged() const { return confirmed + refuted; }
+    int checks() const { return control ? 13 : 10; }  // of a whole run; three need the control
+    bool wasCutShort() const { return loop.isInterrupted() && judged() < checks(); }
 
+    ExchangeLoop& loop;
+    DriverSession& session;
+    const RegisterCatalogue& catalogue;
+    BenchControl* control;  // null: the simulator cannot be controlled
+    Console console;
+    QVector<ScreenItem> screen;
+    int blocks = 0;
     int valuesChanged = 0;  // callbacks so far
-
-private:
-    ExchangeLoop& m_loop;
-    const RegisterCatalogue& m_catalogue;
-    BenchControl* m_control;
-    Console m_console;
-    QVector<ScreenItem> m_screen;
-    int m_blocks = 0;
-    int m_confirmed = 0;
-    int m_refuted = 0;
+    int confirmed = 0;
+    int refuted = 0;
 };
+
+// The chapters, in their order. Each prints what it does and checks the result.
+void showRegisterTypes(DemoBench& bench);
+void showPlan(DemoBench& bench);
+void showLiveValues(DemoBench& bench, int forMs);  // until an interrupt if `forMs` is negative
+void showWrites(DemoBench& bench);
+void showConditionalRead(DemoBench& bench);
+void showRecipe(DemoBench& bench);
+void showTrouble(DemoBench& bench);
+void showSummary(DemoBench& bench);
 
 }  // namespace fxtools

@@ -92,9 +92,9 @@ Console::Console()
       m_hasColours(m_isTerminal && qgetenv("NO_COLOR").isEmpty())
 {}
 
-void Console::line(const QString& text)
+void Console::lines(const QStringList& texts)
 {
-    put(text + '\n');
+    put(texts.join('\n') + '\n');
     std::cout.flush();
 }
 

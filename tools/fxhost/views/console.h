@@ -19,7 +19,8 @@ public:
 
     bool isTerminal() const { return m_isTerminal; }
 
-    void line(const QString& text = {});
+    void line(const QString& text = {}) { lines({text}); }
+    void lines(const QStringList& texts);
     void heading(const QString& text);
 
     QString bold(const QString& text) const { return styled(text, "1"); }
