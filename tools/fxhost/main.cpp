@@ -30,7 +30,7 @@ int outputWritten(int code)
 {
     Console::settle();
     std::cout.flush();
-    if (std::cout.good())
+    if (std::cout.good() || code == static_cast<int>(ExitCode::File))  // already told
         return code;
     complain(QStringLiteral("could not write all output"));
     return static_cast<int>(ExitCode::File);

@@ -195,7 +195,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(Usage, FullOutputIsNoSuccess)
 {
-    for (const char* const command : {"types", "monitor D0 -n 0", "stats D0"}) {
+    for (const char* const command : {"types", "watch D0 -l 0", "monitor D0 -n 0", "stats D0"}) {
         QProcess shell;
         shell.start("/bin/sh", {"-c", QStringLiteral("FX_DRIVER=%1 %2 %3 > /dev/full")
                                           .arg(FX_DRIVER_FILE, FXHOST_FILE, command)});

@@ -3,8 +3,6 @@
 
 #include "tools/fxhost/commands/cycles.h"
 
-#include <iostream>
-
 namespace fxtools {
 
 void addCountOption(CLI::App& command, int& cycles, bool mayBeEndless)
@@ -25,7 +23,7 @@ ExitCode pollCycles(Connection& connection, const QVector<RegisterRange>& ranges
     ExchangeLoop& loop = connection.loop();
     connection.waitForLinkWithoutEnd();
     const int blocks = connection.session().setPlan(ranges);
-    for (int cycle = 0; (cycles == 0 || cycle < cycles) && std::cout.good(); ++cycle) {
+    for (int cycle = 0; (cycles == 0 || cycle < cycles); ++cycle) {
         const qint64 startedUs = loop.elapsedUs();
         const RoundEnd end = pollCycle(loop, blocks).end;
         if (end == RoundEnd::Interrupted || end == RoundEnd::LinkLost)

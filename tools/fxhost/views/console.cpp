@@ -3,6 +3,7 @@
 
 #include "tools/fxhost/views/console.h"
 
+#include "tools/failure.h"
 #include "tools/fxhost/views/table.h"
 #include "tools/link/interrupt.h"
 
@@ -43,6 +44,13 @@ Unfinished unfinished;
 void put(const QString& text)
 {
     std::cout << text.toStdString();
+}
+
+// Without a reader or with a full disk, a view would otherwise run on for ever.
+void flush()
+{
+    if (!std::cout.flush())
+        throw Failure(ExitCode::File, QStringLiteral("could not write all output"));
 }
 
 bool isTerminal(int file)
@@ -95,7 +103,7 @@ Console::Console()
 void Console::lines(const QStringList& texts)
 {
     put(texts.join('\n') + '\n');
-    std::cout.flush();
+    flush();
 }
 
 void Console::heading(const QString& text)
@@ -116,7 +124,7 @@ void Console::redraw(const QStringList& lines)
     if (!m_isTerminal) {
         put((unfinished.drawnLines > 0 ? "\n" : "") + lines.join('\n') + '\n');
         unfinished.drawnLines = lines.size();
-        std::cout.flush();
+        flush();
         return;
     }
     if (takeContinued())
@@ -133,7 +141,7 @@ void Console::redraw(const QStringList& lines)
     put(QStringLiteral("\x1b[J"));
     unfinished.drawnLines = shown.size();
     unfinished.drawnOn = size;
-    std::cout.flush();
+    flush();
 }
 
 void Console::endRedraw()
@@ -151,7 +159,7 @@ void Console::progress(const QString& label, int done, int total)
     if (full)
         put(QStringLiteral("\n"));
     unfinished.bar = !full;
-    std::cout.flush();
+    flush();
 }
 
 void Console::settle()
