@@ -189,9 +189,11 @@ void addPort(OptionGroup group, Settings& settings)
 
 void addMemory(OptionGroup group, Options& options)
 {
-    group.text("--memory", "RANGE,...", "0x0000-0x7FFF", "Byte addresses that exist",
+    group.text("--memory", "RANGE,...", "0x0000-0x7FFF",
+               "Memory that exists, by devices or addresses",
                [&options](const QString& text) { options.present = parseRanges(text); });
-    group.text("--holes", "RANGE,...", "Byte addresses within --memory that do not exist",
+    group.text("--holes", "RANGE,...",
+               "Memory within --memory that does not exist, as in D100-D109",
                [&options](const QString& text) { options.missing = parseRanges(text); });
     group.text("--mirror", "FROM:TO:BYTES,...", "0x0F00:0x0E00:256",
                "What a host writes at FROM appears at TO too; or none",

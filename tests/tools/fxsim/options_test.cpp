@@ -55,7 +55,7 @@ TEST(Options, SetThePlc)
 {
     const Options all =
         options({"--baud=300", "--baud=0", "--scan-ms=10000", "--enq=needed", "--on-error=silence",
-                 "--max-bytes=255", "--memory=0-0x1FFF", "--holes=1,2", "--mirror=none",
+                 "--max-bytes=255", "--memory=0x0-0x1FFF", "--holes=D5,0x2", "--mirror=none",
                  "--faults=nak@3,delay=1%", "--seed=18446744073709551615"});
     EXPECT_EQ(all.settings.timing.baud, 0);
     EXPECT_EQ(all.settings.timing.scanMs, 10000);
@@ -139,10 +139,10 @@ TEST(Options, MistakesAreExplained)
         {{"--enq", "never"}, "--enq: invalid word 'never': expected optional, needed or ignored"},
         {{"--max-bytes", "256"}, "--max-bytes: invalid number of bytes '256': expected 1 to 255"},
         {{"--max-bytes", "0"}, "--max-bytes: invalid number of bytes '0': expected 1 to 255"},
-        {{"--holes", "7-3"},
-         "--holes: invalid address range '7-3': expected FIRST-LAST, as in 0x0000-0x7FFF"},
+        {{"--holes", "5"},
+         "--holes: invalid address '5': expected hex, as in 0x1000, or a device, as in D0"},
         {{"--memory", "0x10000"},
-         "--memory: invalid byte address '0x10000': expected 0x0000 to 0xFFFF"},
+         "--memory: invalid address '0x10000': expected a device, as in D100, or 0x0000 to 0xFFFF"},
         {{"--mirror", "1:2"},
          "--mirror: invalid mirror '1:2': expected FROM:TO:BYTES, as in "
          "0x0F00:0x0E00:256, or none"},

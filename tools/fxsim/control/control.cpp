@@ -16,9 +16,10 @@ namespace fxsim {
 namespace {
 
 constexpr int bytesPerLine = 16;
+constexpr int devicesPerLine = 8;
 constexpr int highestByte = 255;
 constexpr int mostPokes = 1000;
-constexpr int helpColumn = 31;
+constexpr int helpColumn = 29;
 
 // What a command works on.
 struct Bench
@@ -51,14 +52,41 @@ int milliseconds(const Bench& bench, FaultKind fault)
     return parseNumber(text, row.lowestValue, row.highestValue, "time in ms");
 }
 
+void requireMemory(const Bench& bench, int address, int byteCount)
+{
+    if (!bench.plc.memory().has(address, byteCount))
+        refuse(QStringLiteral("this PLC does not have all of that memory"));
+}
+
+QByteArray peekDevices(const Bench& bench, const Device& first)
+{
+    const PlcMemory& memory = bench.plc.memory();
+    const int count = parseNumber(bench.arguments.value(1, QStringLiteral("1")), 1, first.room(),
+                                  "number of devices");
+    QByteArray text;
+    for (int index = 0; index < count; ++index) {
+        const Device device = first.next(index);
+        requireMemory(bench, device.address(), std::max(1, device.type->byteCount()));
+        if (index % devicesPerLine == 0)
+            text += (index == 0 ? "" : "\n") + device.name().toLatin1() + ':';
+        text += ' ' + QByteArray::number(valueOf(memory, device));
+    }
+    return text + '\n';
+}
+
 QByteArray peek(const Bench& bench)
 {
     const PlcMemory& memory = bench.plc.memory();
     const MemoryPlace place = parsePlace(bench.arguments[0]);
-    if (place.bit)
-        return memory.bit(place.address, *place.bit) ? "1\n" : "0\n";
+    if (place.device)
+        return peekDevices(bench, *place.device);
+    if (place.bit && bench.arguments.size() > 1)
+        refuse(QStringLiteral("a bit of a byte or word is shown alone"));
     const int byteCount = parseNumber(bench.arguments.value(1, QStringLiteral("1")), 1,
                                       addressableBytes - place.address, "number of bytes");
+    requireMemory(bench, place.address, byteCount);
+    if (place.bit)
+        return memory.bit(place.address, *place.bit) ? "1\n" : "0\n";
     QByteArray text;
     for (int offset = 0; offset < byteCount; offset += bytesPerLine) {
         const int address = place.address + offset;
@@ -70,20 +98,48 @@ QByteArray peek(const Bench& bench)
     return text;
 }
 
+// How many values there is room for from the place on, what each may be, and its bytes.
+struct PokeRange
+{
+    int room;
+    ValueLimits limits;
+    int byteCount;  // 0: a bit
+};
+
+PokeRange pokeRange(const MemoryPlace& place)
+{
+    if (place.device) {
+        const int bytes = place.device->type->byteCount();
+        return {place.device->room(), limitsOf(bytes), bytes};
+    }
+    if (place.bit)
+        return {1, limitsOf(0), 0};
+    return {addressableBytes - place.address, {0, highestByte}, 1};
+}
+
 QByteArray poke(const Bench& bench)
 {
     PlcMemory& memory = bench.plc.memory();
     const MemoryPlace place = parsePlace(bench.arguments[0]);
-    const int room = place.bit ? 1 : addressableBytes - place.address;
-    QVector<int> values;
+    const PokeRange range = pokeRange(place);
+    QVector<qint64> values;
     for (const QString& argument : bench.arguments.mid(1))
-        values.append(parseNumber(argument, 0, place.bit ? 1 : highestByte, "value"));
-    if (values.size() > room)
-        refuse(QStringLiteral("too many values: there is room for %1").arg(room));
-    if (place.bit)
-        memory.setBit(place.address, *place.bit, values[0] == 1);
-    for (int index = 0; !place.bit && index < values.size(); ++index)
-        memory.setByte(place.address + index, static_cast<quint8>(values[index]));
+        values.append(parseInteger(argument, range.limits.lowest, range.limits.highest, "value"));
+    if (values.size() > range.room)
+        refuse(QStringLiteral("too many values: there is room for %1").arg(range.room));
+    const int bits = place.bit.value_or(0) + values.size();
+    requireMemory(bench, place.address,
+                  range.byteCount > 0 ? range.byteCount * values.size()
+                                      : (bits + bitsPerByte - 1) / bitsPerByte);
+    for (int index = 0; index < values.size(); ++index) {
+        if (range.byteCount > 0) {
+            memory.setValue(place.address + range.byteCount * index, range.byteCount,
+                            static_cast<quint32>(values[index]));
+        } else {
+            const int bit = *place.bit + index;
+            memory.setBit(place.address + bit / bitsPerByte, bit % bitsPerByte, values[index] == 1);
+        }
+    }
     return {};
 }
 
@@ -140,8 +196,8 @@ QByteArray quit(const Bench& bench)
 // clang-format off
 constexpr CommandRow commands[] = {
     // name         fewest most      arguments                text
-    {"peek",        1,    2,         "ADDRESS[.BIT] [BYTES]", "show bytes, or one bit: peek 0x0100.3", peek},
-    {"poke",        2,    mostPokes, "ADDRESS[.BIT] VALUE...", "set bytes, or one bit: poke 0x0100.3 1", poke},
+    {"peek",        1,    2,         "PLACE [COUNT]",         "show devices or bytes: peek D100 8", peek},
+    {"poke",        2,    mostPokes, "PLACE VALUE...",        "set devices or bytes: poke M0 1 0 1", poke},
     {"faults",      0,    1,         "[PLAN|none|help]",      "show or set the fault plan, clear it, or list all faults", faults},
     {"stats",       0,    0,         "",                      "show the statistics", stats},
     {"power-cycle", 0,    1,         "[MS]",                  "switch the PLC off for MS and on again", powerCycle},

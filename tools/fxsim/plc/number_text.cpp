@@ -11,12 +11,25 @@ namespace fxsim {
 
 namespace {
 
+// Decimal addresses are refused here: who writes 5 may mean D5 as well as the byte 0x0005.
+AddressRange bytesOf(const QString& text)
+{
+    if (const std::optional<Device> device = parseDevice(text)) {
+        const int bytes = std::max(1, device->type->byteCount());
+        return {device->address(), device->address() + bytes - 1};
+    }
+    if (!text.startsWith(QLatin1String("0x"), Qt::CaseInsensitive))
+        throw invalid("address", text, QStringLiteral("hex, as in 0x1000, or a device, as in D0"));
+    const int address = parseByteAddress(text);
+    return {address, address};
+}
+
 AddressRange parseRange(const QString& text)
 {
     const QStringList ends = text.split('-');
-    const AddressRange range{parseByteAddress(ends.first()), parseByteAddress(ends.last())};
+    const AddressRange range{bytesOf(ends.first()).first, bytesOf(ends.last()).last};
     if (ends.size() > 2 || range.last < range.first)
-        throw invalid("address range", text, QStringLiteral("FIRST-LAST, as in 0x0000-0x7FFF"));
+        throw invalid("range", text, QStringLiteral("FIRST-LAST, as in 0x0000-0x7FFF or D0-D99"));
     return range;
 }
 
@@ -26,8 +39,8 @@ MirrorWindow parseMirror(const QString& text)
     if (fields.size() != 3)
         throw invalid("mirror", text,
                       QStringLiteral("FROM:TO:BYTES, as in 0x0F00:0x0E00:256, or none"));
-    const int from = parseByteAddress(fields[0]);
-    const int to = parseByteAddress(fields[1]);
+    const int from = bytesOf(fields[0]).first;
+    const int to = bytesOf(fields[1]).first;
     const int room = addressableBytes - std::max(from, to);
     return {from, to, parseNumber(fields[2], 1, room, "number of bytes")};
 }
@@ -43,12 +56,12 @@ QVector<Item> parseList(const QString& text, Item (*parse)(const QString&))
 
 }  // namespace
 
-int parseNumber(const QString& text, int lowest, int highest, const char* what)
+qint64 parseInteger(const QString& text, qint64 lowest, qint64 highest, const char* what)
 {
     const bool hex = text.startsWith(QLatin1String("0x"), Qt::CaseInsensitive);
     const bool signAfterPrefix = hex && text.size() > 2 && !text[2].isLetterOrNumber();
     bool isNumber = false;
-    const int number = hex ? text.mid(2).toInt(&isNumber, 16) : text.toInt(&isNumber, 10);
+    const qint64 number = hex ? text.mid(2).toLongLong(&isNumber, 16) : text.toLongLong(&isNumber);
     if (!isNumber || signAfterPrefix || number < lowest || number > highest)
         throw invalid(what, text,
                       lowest == highest ? QString::number(lowest)
@@ -56,22 +69,41 @@ int parseNumber(const QString& text, int lowest, int highest, const char* what)
     return number;
 }
 
+int parseNumber(const QString& text, int lowest, int highest, const char* what)
+{
+    return static_cast<int>(parseInteger(text, lowest, highest, what));
+}
+
 int parseByteAddress(const QString& text)
 {
     try {
         return parseNumber(text, 0, addressableBytes - 1);
     } catch (const Error&) {
-        throw invalid("byte address", text, QStringLiteral("0x0000 to 0xFFFF"));
+        throw invalid("address", text, QStringLiteral("a device, as in D100, or 0x0000 to 0xFFFF"));
     }
 }
 
 MemoryPlace parsePlace(const QString& text)
 {
     const int dot = text.indexOf('.');
+    const std::optional<Device> device = parseDevice(dot < 0 ? text : text.left(dot));
+    if (dot < 0 && device)
+        return {device->address(),
+                device->type->bits == 1 ? std::optional<int>(device->bit()) : std::nullopt, device};
     if (dot < 0)
-        return {parseByteAddress(text), std::nullopt};
-    return {parseByteAddress(text.left(dot)),
-            parseNumber(text.mid(dot + 1), 0, bitsPerByte - 1, "bit number")};
+        return {parseByteAddress(text), std::nullopt, std::nullopt};
+    const int bits = device ? device->type->bits : bitsPerByte;
+    if (bits == 1)
+        throw invalid("address", text, device->name() + QStringLiteral(", which is a bit"));
+    const int bit = parseNumber(text.mid(dot + 1), 0, bits - 1, "bit number");
+    const int address = device ? device->address() : parseByteAddress(text.left(dot));
+    return {address + bit / bitsPerByte, bit % bitsPerByte, std::nullopt};
+}
+
+ValueLimits limitsOf(int byteCount)
+{
+    const qint64 values = static_cast<qint64>(1) << byteCount * bitsPerByte;
+    return byteCount == 0 ? ValueLimits() : ValueLimits{-values / 2, values - 1};
 }
 
 QVector<AddressRange> parseRanges(const QString& text)

@@ -53,14 +53,31 @@ TEST_F(ControlTest, AnswersEachCommand)
         {"faults", "silence=0.1,nak@3\nok\n"},
         {"faults none", "ok\n"},
         {"faults", "none\nok\n"},
-        {"peek 0x10000", "error: invalid byte address '0x10000': expected 0x0000 to 0xFFFF\n"},
+        {"peek 0x10000",
+         "error: invalid address '0x10000': expected a device, as in D100, or 0x0000 to 0xFFFF\n"},
         {"peek 0xFFFF 2", "error: invalid number of bytes '2': expected 1\n"},
         {"power-cycle soon", "error: invalid time in ms 'soon': expected 0 to 600000\n"},
         {"drop-link -1", "error: invalid time in ms '-1': expected 0 to 600000\n"},
         {"load /nonexistent", "error: /nonexistent: No such file or directory\n"},
         {"", ""},
         {"jump", "error: unknown command 'jump'; 'help' lists all commands\n"},
-        {"peek", "error: usage: peek ADDRESS[.BIT] [BYTES]\n"},
+        {"peek", "error: usage: peek PLACE [COUNT]\n"},
+        {"poke D100 -2 65535 0x10", "ok\n"},
+        {"peek D100 3", "D100: -2 -1 16\nok\n"},
+        {"peek 0x10C8 6", "10C8: FE FF FF FF 10 00\nok\n"},
+        {"peek D100.15", "1\nok\n"},
+        {"poke d101.3 0", "ok\n"},
+        {"peek D101", "D101: -9\nok\n"},
+        {"poke 32CV200 70000", "ok\n"},
+        {"peek 32CV200 2", "32CV200: 70000 0\nok\n"},
+        {"poke X6 1 1 1", "ok\n"},
+        {"peek X0 9", "X0: 0 0 0 0 0 0 1 1\nX10: 1\nok\n"},
+        {"poke D100 70000", "error: invalid value '70000': expected -32768 to 65535\n"},
+        {"poke D7999 1 2", "error: too many values: there is room for 1\n"},
+        {"poke M0 2", "error: invalid value '2': expected 0 to 1\n"},
+        {"peek D0.1 2", "error: a bit of a byte or word is shown alone\n"},
+        {"peek M1600", "error: invalid device 'M1600': expected M0 to M1535 or M2048 to M3071 or "
+                       "M8000 to M8255\n"},
         {"quit now", "error: usage: quit\n"},
     };
     for (const auto& row : rows)
@@ -76,8 +93,19 @@ TEST_F(ControlTest, BadPokeChangesNothing)
     EXPECT_EQ(run("poke 0xFFFF 1 2"), "error: too many values: there is room for 1\n");
     EXPECT_EQ(run("poke 0x0100.3 2"), "error: invalid value '2': expected 0 to 1\n");
     EXPECT_EQ(run("poke 0x0100.3 1 1"), "error: too many values: there is room for 1\n");
-    EXPECT_EQ(run("poke D5 1"), "error: invalid byte address 'D5': expected 0x0000 to 0xFFFF\n");
+    EXPECT_EQ(run("poke X8 1"), "error: invalid device 'X8': expected X0 to X377, in octal\n");
     EXPECT_EQ(plc.memory().image(), QByteArray(65536, '\0'));
+}
+
+// It showed zeros, and took values that no host could ever read.
+TEST_F(ControlTest, MemoryThatThePlcDoesNotHaveIsAnError)
+{
+    plc.memory().setPresent({{0x1000, 0x10FF}});
+    plc.memory().setMissing({{0x1010, 0x1011}});
+    for (const char* line : {"peek 0x9000", "poke 0x0FFF 1", "peek D7 2", "poke D7 1 2",
+                             "poke 0x1100 1", "peek M0", "poke M0 1", "peek 0x1011.3"})
+        EXPECT_EQ(run(line), "error: this PLC does not have all of that memory\n") << line;
+    EXPECT_EQ(run("poke D9 1"), "ok\n");
 }
 
 TEST_F(ControlTest, CyclesThePower)

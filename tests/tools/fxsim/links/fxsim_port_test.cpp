@@ -139,8 +139,8 @@ TEST(FxsimPort, EndsCleanlyOnEachSignal)
 TEST(FxsimPort, SettingsReachThePlc)
 {
     Connected plc(Way::Tcp,
-                  {"--enq", "needed", "--max-bytes", "3", "--memory", "0-0x1FFF", "--holes",
-                   "0x10D0", "--mirror", "0x0100:0x0200:1", "--faults", "nak@7"});
+                  {"--enq", "needed", "--max-bytes", "3", "--memory", "0x0000-0x1FFF", "--holes",
+                   "D104", "--mirror", "0x0100:0x0200:1", "--faults", "nak@7"});
     plc.host->send(readD100);  // no reply before an ENQ
     EXPECT_EQ(plc.ask("\x05" + readD100, 2), "\x06\x15") << "4 bytes are too many";
     EXPECT_EQ(plc.ask(frame("010D001", "69"), 1), "\x15") << "a hole";

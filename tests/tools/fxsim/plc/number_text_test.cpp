@@ -27,9 +27,11 @@ TEST(NumberText, ReadsDecimalAndHex)
 TEST(NumberText, ReadsAddresses)
 {
     EXPECT_EQ(parseByteAddress("0xFFFF"), 65535);
-    for (const char* text : {"0x10000", "-1", "D5"})
+    for (const char* text : {"0x10000", "-1", "D"})
         EXPECT_EQ(errorText([text] { parseByteAddress(text); }),
-                  QStringLiteral("invalid byte address '%1': expected 0x0000 to 0xFFFF").arg(text));
+                  QStringLiteral("invalid address '%1': expected a device, as in D100, or 0x0000 "
+                                 "to 0xFFFF")
+                      .arg(text));
 }
 
 TEST(NumberText, ReadsBytesAndBits)
@@ -39,21 +41,71 @@ TEST(NumberText, ReadsBytesAndBits)
     EXPECT_EQ(parsePlace("0x0100.7").address, 0x0100);
     EXPECT_EQ(parsePlace("0x0100.7").bit, 7);
     EXPECT_EQ(errorText([] { parsePlace("0x0100.8"); }), "invalid bit number '8': expected 0 to 7");
-    for (const char* text : {"0x0100.", ".1", "1.2.3"})
+    for (const char* text : {"0x0100.", ".1", "1.2.3", "M0.1", "D0.16", "D0."})
         EXPECT_THROW(parsePlace(text), Error) << text;
+}
+
+TEST(NumberText, ReadsDevices)
+{
+    const struct
+    {
+        const char* text;
+        int address;
+        int bit;  // -1: a word or a counter
+    } rows[] = {
+        {"X0", 0x0080, 0},       {"X17", 0x0081, 7},      {"Y377", 0x00BF, 7},
+        {"M0", 0x0100, 0},       {"M1535", 0x01BF, 7},    {"M2048", 0x0200, 0},
+        {"M3071", 0x027F, 7},    {"M8000", 0x01E0, 0},    {"SM8255", 0x01FF, 7},
+        {"S999", 0x007C, 7},     {"T3", 0x00C0, 3},       {"C255", 0x01DF, 7},
+        {"d100", 0x10C8, -1},    {"D7999", 0x4E7E, -1},   {"D8000", 0x0E00, -1},
+        {"SD8001", 0x0E02, -1},  {"TV255", 0x09FE, -1},   {"CV199", 0x0B8E, -1},
+        {"32CV200", 0x0C00, -1}, {"32cv255", 0x0CDC, -1}, {"D100.0", 0x10C8, 0},
+        {"D100.15", 0x10C9, 7},
+    };
+    for (const auto& row : rows) {
+        const MemoryPlace place = parsePlace(row.text);
+        EXPECT_EQ(place.address, row.address) << row.text;
+        EXPECT_EQ(place.bit.value_or(-1), row.bit) << row.text;
+    }
+    const struct
+    {
+        const char* text;
+        const char* expected;
+    } wrong[] = {
+        {"X8", "X0 to X377, in octal"},
+        {"M1600", "M0 to M1535 or M2048 to M3071 or M8000 to M8255"},
+        {"D99999999999", "D0 to D7999 or D8000 to D8255"},
+        {"32CV199", "32CV200 to 32CV255"},
+        {"Q5", "X, Y, M, S, T, C, D, TV, CV or 32CV"},
+    };
+    for (const auto& row : wrong)
+        EXPECT_EQ(errorText([&row] { parsePlace(row.text); }),
+                  QStringLiteral("invalid device '%1': expected %2").arg(row.text, row.expected));
 }
 
 TEST(NumberText, ReadsRanges)
 {
-    const QVector<AddressRange> ranges = parseRanges("0x0000-0x3FFF, 0x8000");
-    ASSERT_EQ(ranges.size(), 2);
-    EXPECT_EQ(ranges[0].last, 0x3FFF);
-    EXPECT_EQ(ranges[1].first, 0x8000);
-    EXPECT_EQ(ranges[1].last, 0x8000);
-    for (const char* text : {"", "1-", "2-1", "1-2-3", "1,,2", "0-0x10000"})
+    const struct
+    {
+        const char* text;
+        int first;
+        int last;
+    } rows[] = {
+        {"0x0000-0x3FFF", 0, 0x3FFF}, {"0x8000", 0x8000, 0x8000},  {"D0-D1", 0x1000, 0x1003},
+        {"X0-X17", 0x0080, 0x0081},   {"32CV255", 0x0CDC, 0x0CDF}, {"D0-0x10FF", 0x1000, 0x10FF},
+    };
+    for (const auto& row : rows) {
+        const QVector<AddressRange> ranges = parseRanges(QString("0x0001, ") + row.text);
+        ASSERT_EQ(ranges.size(), 2);
+        EXPECT_EQ(ranges[1].first, row.first) << row.text;
+        EXPECT_EQ(ranges[1].last, row.last) << row.text;
+    }
+    for (const char* text : {"", "0x1-", "D1-D0-D2", "0x1,,0x2", "0x0-0x10000"})
         EXPECT_THROW(parseRanges(text), Error) << text;
-    EXPECT_EQ(errorText([] { parseRanges("0,2-1"); }),
-              "invalid address range '2-1': expected FIRST-LAST, as in 0x0000-0x7FFF");
+    EXPECT_EQ(errorText([] { parseRanges("0x0,D2-D1"); }),
+              "invalid range 'D2-D1': expected FIRST-LAST, as in 0x0000-0x7FFF or D0-D99");
+    EXPECT_EQ(errorText([] { parseRanges("5"); }),
+              "invalid address '5': expected hex, as in 0x1000, or a device, as in D0");
 }
 
 TEST(NumberText, ReadsMirrors)
@@ -64,7 +116,7 @@ TEST(NumberText, ReadsMirrors)
     EXPECT_EQ(mirrors[0].to, 0x0E00);
     EXPECT_EQ(mirrors[0].byteCount, 256);
     EXPECT_TRUE(parseMirrors("none").isEmpty());
-    for (const char* text : {"", "1:2:0", "0xFFFF:0:2", "0:0xFFFF:2", "a:b:c"})
+    for (const char* text : {"", "0x1:0x2:0", "0xFFFF:0x0:2", "0x0:0xFFFF:2", "a:b:c", "1:2:3"})
         EXPECT_THROW(parseMirrors(text), Error) << text;
     EXPECT_EQ(errorText([] { parseMirrors("1:2"); }),
               "invalid mirror '1:2': expected FROM:TO:BYTES, as in 0x0F00:0x0E00:256, or none");
