@@ -97,7 +97,6 @@ void DriverLibrary::requireSameQt() const
 
 void DriverLibrary::resolveAll()
 {
-    resolve(getDriverParameter, "intf_getDriverParameter");
     resolve(getProtocolType, "intf_getProtocolType");
     resolve(setAddrValueChangeCallBack, "intf_setAddrValueChangeCallBack");
     resolve(initProperty, "intf_initProperty");
@@ -108,7 +107,6 @@ void DriverLibrary::resolveAll()
     resolve(getData, "intf_getData");
     resolve(setData, "intf_setData");
     resolve(setRcpAddress, "intf_setRcpAddress");
-    resolve(checkAddr, "intf_checkAddr");
     resolve(checkAddrValidity, "intf_checkAddrValidity");
     resolve(getRegListByType, "intf_getRegListByType");
     resolve(getRegDiscription, "intf_getRegDiscription");

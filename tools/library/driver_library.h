@@ -26,7 +26,6 @@ public:
 
     QString fileName() const { return m_library.fileName(); }
 
-    decltype(&intf_getDriverParameter) getDriverParameter = nullptr;
     decltype(&intf_getProtocolType) getProtocolType = nullptr;
     decltype(&intf_setAddrValueChangeCallBack) setAddrValueChangeCallBack = nullptr;
     decltype(&intf_initProperty) initProperty = nullptr;
@@ -37,7 +36,6 @@ public:
     decltype(&intf_getData) getData = nullptr;
     decltype(&intf_setData) setData = nullptr;
     decltype(&intf_setRcpAddress) setRcpAddress = nullptr;
-    decltype(&intf_checkAddr) checkAddr = nullptr;
     decltype(&intf_checkAddrValidity) checkAddrValidity = nullptr;
     decltype(&intf_getRegListByType) getRegListByType = nullptr;
     decltype(&intf_getRegDiscription) getRegDiscription = nullptr;
