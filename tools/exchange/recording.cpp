@@ -3,8 +3,7 @@
 
 #include "tools/exchange/recording.h"
 
-#include "tools/library/register_file.h"
-
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -74,11 +73,9 @@ QString hex(const QByteArray& bytes)
 
 }  // namespace
 
-Recorder::Recorder(const QString& path, const QString& property, const QStringList& addresses)
-    : m_file(path)
+Recorder::Recorder(OutputFile& file, const QString& property, const QStringList& addresses)
+    : m_file(file)
 {
-    if (!m_file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        throw Failure(ExitCode::File, path + ": " + m_file.errorString());
     put({{"fxhost", formatVersion},
          {"property", property},
          {"addresses", QJsonArray::fromStringList(addresses)}});
@@ -96,7 +93,7 @@ void Recorder::add(const Exchange& exchange)
 
 void Recorder::put(const QJsonObject& object)
 {
-    writeWhole(m_file, QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n');
+    m_file.write(QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n');
 }
 
 Recording readRecording(const QString& path)

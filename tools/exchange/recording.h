@@ -12,8 +12,8 @@
 #pragma once
 
 #include "tools/exchange/exchange.h"
+#include "tools/library/output_file.h"
 
-#include <QFile>
 #include <QJsonObject>
 #include <QStringList>
 #include <QVector>
@@ -42,15 +42,15 @@ Recording readRecording(const QString& path);  // throws Failure
 class Recorder
 {
 public:
-    // Throws Failure, as add() does.
-    Recorder(const QString& path, const QString& property, const QStringList& addresses);
+    // Throws Failure, as add() does. The file outlives it.
+    Recorder(OutputFile& file, const QString& property, const QStringList& addresses);
 
     void add(const Exchange& exchange);
 
 private:
     void put(const QJsonObject& object);
 
-    QFile m_file;
+    OutputFile& m_file;
 };
 
 }  // namespace fxtools

@@ -104,4 +104,13 @@ RegisterRange parseAddress(const QString& text, const RegisterCatalogue& catalog
     return rangeOf(takeApart(text), catalogue);
 }
 
+bool isAddress(const QString& text, const RegisterCatalogue& catalogue)
+{
+    try {
+        return catalogue.find(driverName(takeApart(text))) != nullptr;
+    } catch (const Failure&) {
+        return false;
+    }
+}
+
 }  // namespace fxtools

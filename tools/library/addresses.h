@@ -35,6 +35,9 @@ RegisterRange rangeOf(const AddressParts& parts, const RegisterCatalogue& catalo
 
 RegisterRange parseAddress(const QString& text, const RegisterCatalogue& catalogue);
 
+// Whether a text has the form of an address and a known register type, whatever its number.
+bool isAddress(const QString& text, const RegisterCatalogue& catalogue);
+
 // "D0 to D7999 in decimal".
 QString limitsText(const RegisterType& type);
 

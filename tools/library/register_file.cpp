@@ -5,8 +5,7 @@
 
 #include "tools/library/values.h"
 
-#include <QFileInfo>
-#include <QSaveFile>
+#include <QFile>
 
 namespace fxtools {
 
@@ -57,22 +56,6 @@ void append(QVector<RegisterRun>& runs, const FileRegister& one, int mostRegiste
     runs.last().values.append(one.value);
 }
 
-[[noreturn]] void fail(const QFileDevice& file)
-{
-    throw Failure(ExitCode::File, file.fileName() + ": " + file.errorString());
-}
-
-void checkOrdinary(const QFileInfo& file)
-{
-    if (file.exists() && !file.isDir() && !file.isFile())
-        throw Failure(ExitCode::File, file.filePath() + ": not a regular file");
-}
-
-QByteArray lineOf(const QString& address, quint32 value)
-{
-    return QStringLiteral("%1,%2\n").arg(address).arg(value).toUtf8();
-}
-
 }  // namespace
 
 QVector<RegisterRun> readRegisterFile(const QString& path, const RegisterCatalogue& catalogue,
@@ -80,7 +63,7 @@ QVector<RegisterRun> readRegisterFile(const QString& path, const RegisterCatalog
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
-        fail(file);
+        throw Failure(ExitCode::File, path + ": " + file.errorString());
     QVector<RegisterRun> runs;
     for (int line = 1; !file.atEnd(); ++line) {
         const QString text = QString::fromUtf8(file.readLine()).trimmed();
@@ -110,88 +93,35 @@ void checkWritable(const QString& path, const QVector<RegisterRun>& runs)
     }
 }
 
-// Opening to append changes nothing, and shows whether it will be possible.
-void checkPlace(const QString& path)
-{
-    QFile file(path);
-    const bool isNew = !file.exists();
-    checkOrdinary(QFileInfo(path));
-    if (!file.open(QIODevice::ReadWrite | QIODevice::Append))
-        fail(file);
-    if (isNew)
-        file.remove();
-}
-
-// After a partial write only a second attempt reports why the rest was not written.
-void writeWhole(QFileDevice& file, const QByteArray& bytes)
-{
-    if (file.write(bytes) != bytes.size() || !(file.flush() || file.flush()))
-        fail(file);
-}
-
-void saveRegisterFile(const QString& path, const QVector<RegisterRun>& runs)
-{
-    QByteArray text = titleLine.toUtf8() + '\n';
-    for (const RegisterRun& run : runs) {
-        for (int index = 0; index < run.range.count; ++index)
-            text += lineOf(run.range.nameOf(index), run.values[index]);
-    }
-    QSaveFile file(path);
-    file.setDirectWriteFallback(true);  // where no second file can be made beside it
-    if (!file.open(QIODevice::WriteOnly))
-        fail(file);
-    writeWhole(file, text);
-    if (!file.commit())
-        fail(file);
-}
-
-RegisterFileWriter::RegisterFileWriter(const QString& path, Mode mode)
-    : m_file(path), m_mode(mode), m_isNew(!m_file.exists())
-{
-    checkOrdinary(QFileInfo(path));
-    // Opening to append changes nothing yet, and shows whether it will be possible.
-    if (!m_file.open(QIODevice::ReadWrite | QIODevice::Append))
-        fail(m_file);
-    if (mode == Mode::Replace)
-        return;
-    // Drop an incomplete last line.
-    m_file.seek(0);
-    if (!m_file.resize(m_file.readAll().lastIndexOf('\n') + 1))
-        fail(m_file);
-}
-
-RegisterFileWriter::~RegisterFileWriter()
-{
-    if (m_isNew && !m_begun)
-        QFile::remove(m_file.fileName());  // whatever could not be written to it
-}
-
 void RegisterFileWriter::add(const QString& address, quint32 value)
 {
-    begin();
-    writeWhole(m_file, lineOf(address, value));
+    writeAbove();
+    m_file.write(QStringLiteral("%1,%2\n").arg(address).arg(value).toUtf8());
+}
+
+void RegisterFileWriter::add(const RegisterRun& run)
+{
+    for (int index = 0; index < run.range.count; ++index)
+        add(run.range.nameOf(index), run.values[index]);
 }
 
 void RegisterFileWriter::addComment(const QString& text)
 {
-    m_comments += "# " + text;
+    m_comments += "# " + text.toUtf8() + '\n';
 }
 
 void RegisterFileWriter::finish()
 {
-    if (m_begun)
-        begin();
+    writeAbove();
+    m_file.commit();
 }
 
-void RegisterFileWriter::begin()
+void RegisterFileWriter::writeAbove()
 {
-    if (!m_begun && m_mode == Mode::Replace && !m_file.resize(0))
-        fail(m_file);
-    if (!m_begun && m_file.size() == 0)
-        writeWhole(m_file, titleLine.toUtf8() + '\n');
-    m_begun = true;
-    for (const QString& comment : m_comments)
-        writeWhole(m_file, comment.toUtf8() + '\n');
+    if (m_file.isEmpty())
+        m_comments.prepend(titleLine.toUtf8() + '\n');
+    if (!m_comments.isEmpty())
+        m_file.write(m_comments);
     m_comments.clear();
 }
 

@@ -7,8 +7,7 @@
 #pragma once
 
 #include "tools/library/addresses.h"
-
-#include <QFile>
+#include "tools/library/output_file.h"
 
 namespace fxtools {
 
@@ -26,44 +25,24 @@ QVector<RegisterRun> readRegisterFile(const QString& path, const RegisterCatalog
 // Throws Failure if there are none or one of them is read-only.
 void checkWritable(const QString& path, const QVector<RegisterRun>& runs);
 
-// Throws Failure if the file cannot be written. Changes nothing.
-void checkPlace(const QString& path);
-
-// Writes all to the disk, or throws Failure.
-void writeWhole(QFileDevice& file, const QByteArray& bytes);
-
-// Writes a whole file. An existing file is replaced only if everything could be written. Throws
-// Failure.
-void saveRegisterFile(const QString& path, const QVector<RegisterRun>& runs);
-
-// Writes a file line by line, so that an interruption loses nothing. A file to be replaced stays
-// unchanged until the first value.
+// Writes registers into a file one by one. A comment is held back until the next value or the end,
+// so that a file without values stays empty if it is not finished.
 class RegisterFileWriter
 {
 public:
-    enum class Mode
-    {
-        Replace,
-        Append,  // after the last complete line
-    };
+    explicit RegisterFileWriter(OutputFile& file) : m_file(file) {}
 
-    RegisterFileWriter(const QString& path, Mode mode);  // throws Failure, as all below
-    ~RegisterFileWriter();                               // removes a new file without values
-    RegisterFileWriter(const RegisterFileWriter&) = delete;
-    RegisterFileWriter& operator=(const RegisterFileWriter&) = delete;
-
+    // All throw Failure if the disk does not take it.
     void add(const QString& address, quint32 value);
-    void addComment(const QString& text);  // written before the next value, or at the end
+    void add(const RegisterRun& run);
+    void addComment(const QString& text);
     void finish();
 
 private:
-    void begin();
+    void writeAbove();
 
-    QFile m_file;
-    Mode m_mode;
-    bool m_isNew;
-    bool m_begun = false;
-    QStringList m_comments;
+    OutputFile& m_file;
+    QByteArray m_comments;
 };
 
 }  // namespace fxtools

@@ -88,7 +88,7 @@ TEST_P(Misbehaving, ADumpKeepsAGoodFileWhenThePlcIsSilent)
     const RunningSimulator plc(GetParam(), {"--baud", "0", "--faults", "silence=1"});
     const QTemporaryDir folder;
     const QString file = newFile(folder, "plc.csv", "address,value\nD0,7\n");
-    const Ended ended = run(plc, {"-o", "50", "dump", file, "D0:64", "-q"});
+    const Ended ended = run(plc, {"-o", "50", "dump", file, "D0:64", "--force", "-q"});
     EXPECT_EQ(ended.code, 4);
     EXPECT_EQ(ended.err,
               "fxhost: no reply: nothing was read, " + file.toStdString() + " was not written\n");

@@ -102,7 +102,7 @@ TEST_P(LinkLost, RecipesArriveBothWays)
     EXPECT_EQ(contentOf(back), registerFile(100));
 
     const RunningSimulator up(GetParam(), comesBack);
-    expectLostAndBack(run(up, {"recipe", "upload", back, "D0:100", "-q"}));
+    expectLostAndBack(run(up, {"recipe", "upload", back, "D0:100", "--force", "-q"}));
     EXPECT_EQ(contentOf(back).count('\n'), 101);
 }
 

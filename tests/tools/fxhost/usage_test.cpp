@@ -66,7 +66,7 @@ INSTANTIATE_TEST_SUITE_P(
                 2,
                 "fxhost: D0:3: each value takes two words, so the number of words must be even"},
         Mistake{"BitInARecipe",
-                {"recipe", "upload", "/dev/null", "M0:8"},
+                {"recipe", "upload", "-", "M0:8"},
                 2,
                 "fxhost: M0:8: recipes hold words, not bits"},
         Mistake{"NoSuchTerminal",
@@ -133,6 +133,10 @@ INSTANTIATE_TEST_SUITE_P(
                 7,
                 "fxhost: " FX_QT6_DRIVER_FILE
                 " was built with Qt 6; fxhost needs one built with Qt 5"},
+        Mistake{"FileForgotten",
+                {"dump", "D100:4"},
+                2,
+                "fxhost: 'D100:4' is an address; name a file first"},
         Mistake{"NoPlaceForADump",
                 {"dump", "/no/such/place.csv", "D0"},
                 7,
@@ -257,7 +261,8 @@ INSTANTIATE_TEST_SUITE_P(Blocks, FullDisk, testing::Values(0, 1));
 TEST_P(FullDisk, AnUploadKeepsTheOlderRecipe)
 {
     const QString file = newFile(folder, "recipe.csv", "address,value\nD0,7\n");
-    const Ended ended = onFullDisk(GetParam(), {"recipe", "upload", file, "D0:512", "-q"});
+    const Ended ended =
+        onFullDisk(GetParam(), {"recipe", "upload", file, "D0:512", "--force", "-q"});
     EXPECT_EQ(ended.code, 7);
     EXPECT_EQ(ended.err, "fxhost: " + file.toStdString() + ": File too large\n");
     EXPECT_EQ(contentOf(file), "address,value\nD0,7\n");
@@ -266,12 +271,44 @@ TEST_P(FullDisk, AnUploadKeepsTheOlderRecipe)
 
 TEST_P(FullDisk, TheReasonIsNamed)
 {
-    const QString file = folder.filePath("new");
     for (const char* const command : {"dump", "record"}) {
+        const QString file = folder.filePath(command);
         const Ended ended = onFullDisk(GetParam(), {command, file, "D0:512", "-q"});
         EXPECT_EQ(ended.code, 7) << command;
         EXPECT_EQ(ended.err, "fxhost: " + file.toStdString() + ": File too large\n") << command;
     }
+}
+
+TEST_P(FullDisk, ReplacingKeepsTheOlderFile)
+{
+    for (const char* const command : {"dump", "record"}) {
+        const QString file = newFile(folder, command, "older");
+        EXPECT_EQ(onFullDisk(GetParam(), {command, file, "D0:512", "--force", "-q"}).code, 7);
+        EXPECT_EQ(contentOf(file), "older") << command;
+    }
+}
+
+TEST(Usage, AFileIsReplacedOnlyWithForce)
+{
+    const QTemporaryDir folder;
+    const QString file = newFile(folder, "plc", "older");
+    for (const QStringList& command :
+         {QStringList{"dump"}, QStringList{"record"}, QStringList{"recipe", "upload"}}) {
+        const Ended ended = fxhost(command + QStringList{file, "D0", "-q"});
+        EXPECT_EQ(ended.code, 7);
+        EXPECT_EQ(ended.err,
+                  "fxhost: " + file.toStdString() + " exists; replace it with --force\n");
+        EXPECT_EQ(contentOf(file), "older");
+        EXPECT_EQ(fxhost(command + QStringList{file, "D0", "-q", "--force"}).code, 0);
+        EXPECT_NE(contentOf(file), "older");
+        newFile(folder, "plc", "older");
+    }
+}
+
+TEST(Usage, ADashIsStandardOutputAndNothingElseIsOnIt)
+{
+    EXPECT_EQ(fxhost({"dump", "-", "D7000:2", "--json"}).out, "address,value\nD7000,0\nD7001,0\n");
+    EXPECT_EQ(fxhost({"recipe", "upload", "-", "D7000"}).out, "address,value\nD7000,0\n");
 }
 
 TEST(Usage, ADumpOfNothingLeavesNoFile)

@@ -125,87 +125,41 @@ TEST_F(RegisterFile, IsWritableWhenAllItsRegistersAre)
     EXPECT_EQ(check("address,value\n"), "file: no registers in this file");
 }
 
-TEST_F(RegisterFile, IsSavedAtOnce)
+TEST_F(RegisterFile, IsWrittenWithItsHeadingAndReadAgain)
 {
-    fileWith("address,value\nD0,7\n");
-    saveRegisterFile(path, {{range("D9:2"), {1, 65535}}, {range("2#32CV200"), {4294967295}}});
-    EXPECT_EQ(content(), "address,value\nD9,1\nD10,65535\n2#32CV200,4294967295\n");
+    OutputFile file(path, OutputFile::Mode::New, catalogue());
+    RegisterFileWriter writer(file);
+    writer.add({range("D9:2"), {1, 65535}});
+    writer.addComment("D11: no reply");
+    EXPECT_EQ(content(), "address,value\nD9,1\nD10,65535\n");
+    writer.add("2#32CV200", 4294967295);
+    writer.finish();
+    EXPECT_EQ(content(), "address,value\nD9,1\nD10,65535\n# D11: no reply\n2#32CV200,4294967295\n");
     EXPECT_EQ(textOf(readRegisterFile(path, catalogue(), 1000)),
               "D9:2=1,65535 2#32CV200=4294967295");
 }
 
-TEST_F(RegisterFile, IsReplacedWithTheFirstValue)
+// Every register of a dump may be refused.
+TEST_F(RegisterFile, HoldsCommentsAloneWhenItIsFinished)
 {
-    fileWith("address,value\nD0,7\n");
-    RegisterFileWriter writer(path, RegisterFileWriter::Mode::Replace);
-    writer.addComment("D0: no reply");
-    EXPECT_EQ(content(), "address,value\nD0,7\n");
-    writer.add("D1", 8);
-    EXPECT_EQ(content(), "address,value\n# D0: no reply\nD1,8\n");
-    writer.add("D2", 9);
-    writer.addComment("D3: no reply");
-    EXPECT_EQ(content(), "address,value\n# D0: no reply\nD1,8\nD2,9\n");
-    writer.finish();
-    EXPECT_EQ(content(), "address,value\n# D0: no reply\nD1,8\nD2,9\n# D3: no reply\n");
-}
-
-TEST_F(RegisterFile, StaysAsItIsWhenNoValueComes)
-{
-    fileWith("address,value\nD0,7\n");
-    {
-        RegisterFileWriter writer(path, RegisterFileWriter::Mode::Replace);
-        writer.addComment("D0: no reply");
-        writer.finish();
-    }
-    EXPECT_EQ(content(), "address,value\nD0,7\n");
-}
-
-TEST_F(RegisterFile, IsNotLeftEmptyWhenItIsNew)
-{
-    for (const auto mode : {RegisterFileWriter::Mode::Replace, RegisterFileWriter::Mode::Append}) {
-        {
-            RegisterFileWriter writer(path, mode);
-            EXPECT_EQ(content(), "");
-        }
-        EXPECT_EQ(content(), "none");
+    for (const bool isFinished : {false, true}) {
+        OutputFile file(path, OutputFile::Mode::New, catalogue());
+        RegisterFileWriter writer(file);
+        writer.addComment("D0: refused");
+        if (isFinished)
+            writer.finish();
+        EXPECT_EQ(content(), isFinished ? "address,value\n# D0: refused\n" : "");
     }
 }
 
 TEST_F(RegisterFile, GoesOnBehindTheLastWholeLine)
 {
-    fileWith("address,value\nD0,7\nD1,1");
-    RegisterFileWriter writer(path, RegisterFileWriter::Mode::Append);
-    EXPECT_EQ(content(), "address,value\nD0,7\n");
-    writer.add("D1", 12);
-    writer.add("D2", 3);
-    EXPECT_EQ(content(), "address,value\nD0,7\nD1,12\nD2,3\n");
-}
-
-TEST_F(RegisterFile, GetsItsTitleWhenNothingWasThereToGoOnWith)
-{
-    fileWith("addr");
-    RegisterFileWriter writer(path, RegisterFileWriter::Mode::Append);
-    writer.add("D1", 12);
-    EXPECT_EQ(content(), "address,value\nD1,12\n");
-}
-
-TEST_F(RegisterFile, HasAPlaceOrSaysWhyNot)
-{
-    EXPECT_EQ(errorOf([this] { checkPlace(path); }), "no error");
-    EXPECT_EQ(content(), "none");
-    fileWith("D0,1\n");
-    EXPECT_EQ(errorOf([this] { checkPlace(path); }), "no error");
-    EXPECT_EQ(content(), "D0,1\n");
-    EXPECT_EQ(errorOf([] { checkPlace("/dev/full"); }), "/dev/full: not a regular file");
-    EXPECT_EQ(errorOf([] { checkPlace("/no/place.csv"); }),
-              "/no/place.csv: No such file or directory");
-    const auto open = [] { RegisterFileWriter("/dev/full", RegisterFileWriter::Mode::Append); };
-    EXPECT_EQ(errorOf(open), "/dev/full: not a regular file");
-}
-
-TEST(WholeWrites, SayWhyTheyWereNot)
-{
-    QFile full("/dev/full");
-    ASSERT_TRUE(full.open(QIODevice::WriteOnly));
-    EXPECT_EQ(errorOf([&] { writeWhole(full, "D0,1\n"); }), "/dev/full: No space left on device");
+    for (const char* const before :
+         {"address,value\nD0,7\n", "address,value\nD0,7\nD1,1", "addr"}) {
+        fileWith(before);
+        OutputFile file(path, OutputFile::Mode::Append, catalogue());
+        RegisterFileWriter(file).add("D1", 12);
+        const std::string older = std::string(before) == "addr" ? "" : "D0,7\n";
+        EXPECT_EQ(content(), "address,value\n" + older + "D1,12\n");
+    }
 }

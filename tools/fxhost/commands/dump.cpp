@@ -5,6 +5,7 @@
 // dump can be resumed. A register that cannot be read becomes a comment in the file.
 
 #include "tools/fxhost/commands/address_options.h"
+#include "tools/fxhost/commands/file_options.h"
 #include "tools/fxhost/commands/poll_result.h"
 #include "tools/fxhost/commands/progress.h"
 #include "tools/library/register_file.h"
@@ -19,7 +20,7 @@ constexpr int silentPortionsUntilEnd = 3;
 
 struct DumpOptions
 {
-    std::string file;
+    FileOptions file;
     AddressOptions addresses;
     bool resume = false;
 };
@@ -28,8 +29,6 @@ struct DumpOptions
 QSet<QString> namesIn(const QString& path, const Connection& connection)
 {
     QSet<QString> names;
-    if (!QFile::exists(path))
-        return names;
     for (const RegisterRun& run : readRegisterFile(path, connection.catalogue(), 1))
         names.insert(run.range.nameOf(0));
     return names;
@@ -47,14 +46,9 @@ bool isDumped(const RegisterRange& portion, const QSet<QString>& names)
 class Dumper
 {
 public:
-    Dumper(Connection& connection, const QString& path, bool resume)
-        : m_connection(connection), m_path(path),
-          m_file(path,
-                 resume ? RegisterFileWriter::Mode::Append : RegisterFileWriter::Mode::Replace)
-    {
-        if (resume)
-            m_done = namesIn(path, connection);
-    }
+    Dumper(Connection& connection, OutputFile& file, const QSet<QString>& done)
+        : m_connection(connection), m_file(file), m_done(done)
+    {}
 
     // The reason to stop, or nothing. If it stops, the portion is not in the file.
     std::optional<ReplyVerdict> dump(const RegisterRange& portion);
@@ -66,7 +60,6 @@ private:
     void keep(const Poller& poller, const RegisterRange& portion);
 
     Connection& m_connection;
-    QString m_path;
     RegisterFileWriter m_file;
     QSet<QString> m_done;
     PollResult m_result;
@@ -105,10 +98,12 @@ void Dumper::keep(const Poller& poller, const RegisterRange& portion)
     }
 }
 
-ExitCode stopped(const Dumper& dumper, const QString& path, const RegisterRange& portion,
+ExitCode stopped(Dumper& dumper, const QString& path, const RegisterRange& portion,
                  ReplyVerdict problem)
 {
     const bool holdsSome = dumper.result().good() + dumper.alreadyThere() > 0;
+    if (holdsSome)
+        dumper.finish();
     const QString reason = verdictText(problem);
     complain(holdsSome
                  ? QStringLiteral("%1: %2 holds the values read before %3; continue with --resume")
@@ -130,11 +125,14 @@ QString resultText(const PollResult& result, int alreadyThere)
 ExitCode runDump(const CommonOptions& common, const DumpOptions& options)
 {
     Connection connection(common);
-    const QString path = QString::fromStdString(options.file);
+    const QString path = options.file.name();
+    OutputFile file(path, options.resume ? OutputFile::Mode::Append : options.file.mode(),
+                    connection.catalogue());
     const QVector<RegisterRange> portions =
         cutToFrames(rangesOf(options.addresses, connection.catalogue()), common.wordsPerFrame);
-    Dumper dumper(connection, path, options.resume);
-    const Progress progress = progressOf(common.output, QStringLiteral("dump"));
+    Dumper dumper(connection, file, options.resume ? namesIn(path, connection) : QSet<QString>());
+    const OutputOptions output = besides(options.file, common.output);
+    const Progress progress = progressOf(output, "dump");
     for (int portion = 0; portion < portions.size(); ++portion) {
         progress(portion, portions.size());
         const std::optional<ReplyVerdict> problem = dumper.dump(portions[portion]);
@@ -144,7 +142,7 @@ ExitCode runDump(const CommonOptions& common, const DumpOptions& options)
     dumper.finish();
     progress(portions.size(), portions.size());
     const PollResult& result = dumper.result();
-    showResult(common.output, "  " + path + ": " + resultText(result, dumper.alreadyThere()),
+    showResult(output, "  " + path + ": " + resultText(result, dumper.alreadyThere()),
                {{"file", path},
                 {"read", result.good()},
                 {"failed", result.failed()},
@@ -158,7 +156,7 @@ void addDumpCommand(CLI::App& app, const CommonOptions& common, Action& action)
 {
     CLI::App* command = app.add_subcommand("dump", "Read registers and save them in a file");
     const auto options = std::make_shared<DumpOptions>();
-    command->add_option("file", options->file, "CSV file to write")->type_name("")->required();
+    addFileOptions(*command, options->file);
     addAddressOptions(*command, options->addresses);
     command->add_flag("--resume", options->resume, "Continue an incomplete dump");
     addExamples(*command, {"fxhost dump plc.csv D100:512 M64:64",

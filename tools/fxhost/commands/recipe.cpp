@@ -5,6 +5,7 @@
 
 #include "tools/exchange/recipe_transfer.h"
 #include "tools/fxhost/commands/address_options.h"
+#include "tools/fxhost/commands/file_options.h"
 #include "tools/fxhost/commands/poll_result.h"
 #include "tools/fxhost/commands/progress.h"
 #include "tools/library/register_file.h"
@@ -13,9 +14,9 @@ namespace fxtools {
 
 namespace {
 
-struct RecipeOptions
+struct UploadOptions
 {
-    std::string file;
+    FileOptions file;
     AddressOptions addresses;
 };
 
@@ -43,7 +44,7 @@ QString stoppedText(const RecipeOutcome& outcome, RecipeDirection direction,
     return outcome.isUncertain ? text + "; " + entry + " possibly written" : text;
 }
 
-ExitCode finish(const CommonOptions& common, RecipeDirection direction,
+ExitCode finish(const OutputOptions& output, RecipeDirection direction,
                 const RecipeOutcome& outcome, const QVector<RegisterRange>& entries)
 {
     if (!outcome.isGood()) {
@@ -55,7 +56,7 @@ ExitCode finish(const CommonOptions& common, RecipeDirection direction,
         registers += entry.count;
     const QString what =
         direction == RecipeDirection::Download ? "written to the PLC" : "read from the PLC";
-    showResult(common.output, "  " + counted(registers, "register") + ' ' + what,
+    showResult(output, "  " + counted(registers, "register") + ' ' + what,
                {{"entries", outcome.entries}, {"registers", registers}});
     return ExitCode::Good;
 }
@@ -82,10 +83,10 @@ void load(const QVector<RegisterRun>& runs, std::vector<quint16>& memory)
     }
 }
 
-ExitCode runDownload(const CommonOptions& common, const RecipeOptions& options)
+ExitCode runDownload(const CommonOptions& common, const std::string& file)
 {
     Connection connection(common);
-    const QString path = QString::fromStdString(options.file);
+    const QString path = QString::fromStdString(file);
     const QVector<RegisterRun> runs =
         readRegisterFile(path, connection.catalogue(), common.wordsPerFrame / 2);
     checkWritable(path, runs);
@@ -94,10 +95,9 @@ ExitCode runDownload(const CommonOptions& common, const RecipeOptions& options)
         entries.append(run.range);
     needWords(entries);
     load(runs, connection.session().recipeWords());
-    const RecipeOutcome outcome =
-        transferRecipe(connection.loop(), RecipeDirection::Download, entries,
-                       progressOf(common.output, QStringLiteral("download")));
-    return finish(common, RecipeDirection::Download, outcome, entries);
+    const RecipeOutcome outcome = transferRecipe(connection.loop(), RecipeDirection::Download,
+                                                 entries, progressOf(common.output, "download"));
+    return finish(common.output, RecipeDirection::Download, outcome, entries);
 }
 
 QVector<RegisterRun> runsOf(const QVector<RegisterRange>& entries,
@@ -118,20 +118,23 @@ QVector<RegisterRun> runsOf(const QVector<RegisterRange>& entries,
     return runs;
 }
 
-ExitCode runUpload(const CommonOptions& common, const RecipeOptions& options)
+ExitCode runUpload(const CommonOptions& common, const UploadOptions& options)
 {
     Connection connection(common);
+    OutputFile file(options.file.name(), options.file.mode(), connection.catalogue());
     const QVector<RegisterRange> entries =
         cutToFrames(rangesOf(options.addresses, connection.catalogue()), common.wordsPerFrame);
     needWords(entries);
-    const QString path = QString::fromStdString(options.file);
-    checkPlace(path);
-    const RecipeOutcome outcome =
-        transferRecipe(connection.loop(), RecipeDirection::Upload, entries,
-                       progressOf(common.output, QStringLiteral("upload")));
-    if (outcome.isGood())  // half a recipe would look like a whole one
-        saveRegisterFile(path, runsOf(entries, connection.session().recipeWords()));
-    return finish(common, RecipeDirection::Upload, outcome, entries);
+    const OutputOptions output = besides(options.file, common.output);
+    const RecipeOutcome outcome = transferRecipe(connection.loop(), RecipeDirection::Upload,
+                                                 entries, progressOf(output, "upload"));
+    if (outcome.isGood()) {  // half a recipe would look like a whole one
+        RegisterFileWriter writer(file);
+        for (const RegisterRun& run : runsOf(entries, connection.session().recipeWords()))
+            writer.add(run);
+        writer.finish();
+    }
+    return finish(output, RecipeDirection::Upload, outcome, entries);
 }
 
 }  // namespace
@@ -141,23 +144,23 @@ void addRecipeCommand(CLI::App& app, const CommonOptions& common, Action& action
     CLI::App* command =
         app.add_subcommand("recipe", "Transfer words with the driver's recipe transfer");
     command->require_subcommand(1);
-    const auto options = std::make_shared<RecipeOptions>();
 
+    const auto file = std::make_shared<std::string>();
     CLI::App* download =
         command->add_subcommand("download", "Write the registers of a file to the PLC");
-    download
-        ->add_option("file", options->file, "CSV file with a line ADDRESS,VALUE for each register")
+    download->add_option("file", *file, "CSV file with a line ADDRESS,VALUE for each register")
         ->type_name("")
         ->required();
-    addExamples(*download,
-                {"fxhost recipe upload recipe.csv D1000:64", "fxhost recipe download recipe.csv"});
-    download->callback([&action, &common, options] {
-        action = [&common, options] { return runDownload(common, *options); };
+    addExamples(*download, {"fxhost recipe upload recipe.csv D1000:64 32CV200:4",
+                            "fxhost recipe download recipe.csv"});
+    download->callback([&action, &common, file] {
+        action = [&common, file] { return runDownload(common, *file); };
     });
 
+    const auto options = std::make_shared<UploadOptions>();
     CLI::App* upload =
         command->add_subcommand("upload", "Read registers from the PLC and save them in a file");
-    upload->add_option("file", options->file, "CSV file to write")->type_name("")->required();
+    addFileOptions(*upload, options->file);
     addAddressOptions(*upload, options->addresses);
     addExamples(*upload, {"fxhost recipe upload recipe.csv D1000:64 32CV200:4"});
     upload->callback([&action, &common, options] {

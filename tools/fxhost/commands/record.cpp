@@ -8,9 +8,9 @@
 #include "tools/exchange/recording.h"
 #include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/cycles.h"
+#include "tools/fxhost/commands/file_options.h"
 #include "tools/fxhost/views/frame_text.h"
 #include "tools/library/addresses.h"
-#include "tools/library/register_file.h"
 
 namespace fxtools {
 
@@ -18,7 +18,7 @@ namespace {
 
 struct RecordOptions
 {
-    std::string file;
+    FileOptions file;
     AddressOptions addresses;
     int cycles = 10;
 };
@@ -26,12 +26,12 @@ struct RecordOptions
 ExitCode runRecord(const CommonOptions& common, const RecordOptions& options)
 {
     Connection connection(common);
+    OutputFile file(options.file.name(), options.file.mode(), connection.catalogue());
     const QVector<RegisterRange> ranges = rangesOf(options.addresses, connection.catalogue());
     QStringList addresses;
     for (const RegisterRange& range : ranges)
         addresses += range.text();
-    const QString path = QString::fromStdString(options.file);
-    Recorder recorder(path, connection.session().propertyString(), addresses);
+    Recorder recorder(file, connection.session().propertyString(), addresses);
     int exchanges = 0;
     connection.loop().onExchange = [&](const Exchange& exchange) {
         if (exchange.answer == DriverAnswer::NoFrame)
@@ -40,12 +40,13 @@ ExitCode runRecord(const CommonOptions& common, const RecordOptions& options)
         ++exchanges;
     };
     const ExitCode code = pollCycles(connection, ranges, options.cycles);
+    file.commit();
     const qint64 good = connection.loop().statistics().total().accepted;
-    showResult(common.output,
+    showResult(besides(options.file, common.output),
                QStringLiteral("  %1: %2 saved, %3 good")
-                   .arg(path, counted(exchanges, "exchange"))
+                   .arg(options.file.name(), counted(exchanges, "exchange"))
                    .arg(good),
-               {{"file", path}, {"exchanges", exchanges}, {"good", good}});
+               {{"file", options.file.name()}, {"exchanges", exchanges}, {"good", good}});
     return code;
 }
 
@@ -118,9 +119,7 @@ void addRecordCommand(CLI::App& app, const CommonOptions& common, Action& action
 {
     CLI::App* command = app.add_subcommand("record", "Save every exchange in a file");
     const auto options = std::make_shared<RecordOptions>();
-    command->add_option("file", options->file, "File to write, with one JSON object on each line")
-        ->type_name("")
-        ->required();
+    addFileOptions(*command, options->file);
     addAddressOptions(*command, options->addresses);
     addCountOption(*command, options->cycles, true);
     addExamples(*command, {"fxhost record session.jsonl D0:64 X0:8 -n 20"});
@@ -136,7 +135,7 @@ void addReplayCommand(CLI::App& app, const CommonOptions& common, Action& action
     const auto file = std::make_shared<std::string>();
     command->add_option("file", *file, "File written by record")->type_name("")->required();
     addExamples(*command,
-                {"fxhost record session.jsonl D0:64 X0:8", "fxhost replay session.jsonl"});
+                {"fxhost record session.jsonl D0:64 X0:8 -n 20", "fxhost replay session.jsonl"});
     command->callback([&action, &common, file] {
         action = [&common, file] { return runReplay(common, *file); };
     });

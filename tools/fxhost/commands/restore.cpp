@@ -141,7 +141,7 @@ void addRestoreCommand(CLI::App& app, const CommonOptions& common, Action& actio
         ->required();
     command->add_option("--from", options->from, "Start with this register of the file")
         ->type_name("ADDRESS");
-    addExamples(*command, {"fxhost dump plc.csv D100:64", "fxhost restore plc.csv",
+    addExamples(*command, {"fxhost dump plc.csv D100:512 M64:64", "fxhost restore plc.csv",
                            "fxhost restore plc.csv --from D132"});
     command->callback([&action, &common, options] {
         action = [&common, options] { return runRestore(common, *options); };

@@ -1,0 +1,96 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+
+#include "tools/library/output_file.h"
+
+#include "tools/library/addresses.h"
+
+#include <QFileInfo>
+#include <QSaveFile>
+
+#include <unistd.h>
+
+namespace fxtools {
+
+namespace {
+
+const QString standardOutput = QStringLiteral("-");
+
+[[noreturn]] void fail(const QFileDevice& file)
+{
+    throw Failure(ExitCode::File, file.fileName() + ": " + file.errorString());
+}
+
+// What an interrupted program wrote of its last line is dropped.
+void dropIncompleteLine(QFile& file)
+{
+    qint64 end = file.size();
+    char last = 0;
+    while (end > 0 && file.seek(end - 1) && file.getChar(&last) && last != '\n')
+        --end;
+    if (!file.resize(end))
+        fail(file);
+}
+
+}  // namespace
+
+OutputFile::OutputFile(const QString& name, Mode mode, const RegisterCatalogue& catalogue)
+    : m_name(name), m_isNew(name != standardOutput && !QFileInfo::exists(name))
+{
+    if (isAddress(name, catalogue))
+        throw Failure(ExitCode::Usage, "'" + name + "' is an address; name a file first");
+    const QFileInfo file(name);
+    if (file.exists() && !isStandardOutput() && !file.isDir() && !file.isFile())
+        throw Failure(ExitCode::File, name + ": not a regular file");
+    if (file.isFile() && mode == Mode::New && !isStandardOutput())
+        throw Failure(ExitCode::File, name + " exists; replace it with --force");
+    m_file = openedFile(mode);
+    m_isEmpty = m_file->size() == 0;
+}
+
+std::unique_ptr<QFileDevice> OutputFile::openedFile(Mode mode) const
+{
+    if (mode == Mode::Replace && !m_isNew && !isStandardOutput()) {
+        auto beside = std::make_unique<QSaveFile>(m_name);
+        if (!beside->open(QIODevice::WriteOnly))
+            fail(*beside);
+        return beside;
+    }
+    auto file = std::make_unique<QFile>(m_name);
+    const bool isOpen = isStandardOutput() ? file->open(STDOUT_FILENO, QIODevice::WriteOnly)
+                                           : file->open(QIODevice::ReadWrite | QIODevice::Append);
+    if (!isOpen)
+        fail(*file);
+    if (mode == Mode::Append && !isStandardOutput())
+        dropIncompleteLine(*file);
+    return file;
+}
+
+OutputFile::~OutputFile()
+{
+    if (m_isNew && !m_isCommitted && isEmpty())
+        QFile::remove(m_name);
+}
+
+bool OutputFile::isStandardOutput() const
+{
+    return m_name == standardOutput;
+}
+
+// After a partial write only a second attempt reports why the rest was not written.
+void OutputFile::write(const QByteArray& bytes)
+{
+    if (m_file->write(bytes) != bytes.size() || !(m_file->flush() || m_file->flush()))
+        fail(*m_file);
+    m_isEmpty = false;
+}
+
+void OutputFile::commit()
+{
+    auto* const beside = qobject_cast<QSaveFile*>(m_file.get());
+    if (beside && !beside->commit())
+        fail(*beside);
+    m_isCommitted = true;
+}
+
+}  // namespace fxtools

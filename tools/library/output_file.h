@@ -1,0 +1,49 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// A file that a command writes. It never costs an older one: an existing file is replaced only if
+// the user says so, and only when the new one is complete. `-` is standard output.
+
+#pragma once
+
+#include "tools/library/registers.h"
+
+#include <QFileDevice>
+
+#include <memory>
+
+namespace fxtools {
+
+class OutputFile
+{
+public:
+    enum class Mode
+    {
+        New,      // written in place; an existing file is an error
+        Replace,  // written beside an existing file, which commit() replaces
+        Append,   // goes on after the last complete line
+    };
+
+    // Throws Failure, also if the name is an address: then the file was forgotten.
+    OutputFile(const QString& name, Mode mode, const RegisterCatalogue& catalogue);
+    ~OutputFile();  // removes a new file that nothing was written to
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+
+    bool isStandardOutput() const;
+    bool isEmpty() const { return m_isEmpty; }
+
+    void write(const QByteArray& bytes);  // all of them, to the disk; throws Failure
+    void commit();                        // the file is complete; throws Failure
+
+private:
+    std::unique_ptr<QFileDevice> openedFile(Mode mode) const;
+
+    QString m_name;
+    bool m_isNew;
+    bool m_isCommitted = false;
+    bool m_isEmpty = true;
+    std::unique_ptr<QFileDevice> m_file;
+};
+
+}  // namespace fxtools
