@@ -101,6 +101,7 @@ int runCommandLine(int argumentCount, char** arguments)
         complain(QString::fromStdString(error.what()).simplified() + "; see fxhost --help");
         return static_cast<int>(ExitCode::Usage);
     }
+    chooseLink(common);
     catchSignals();
     const int code = runAction(action);
     pointToDoctor(code, app, common.output);

@@ -78,9 +78,7 @@ bool names(const QString& text, const QString& option)
 Ended runInShell(const QString& line, const QTemporaryDir& folder)
 {
     QProcess shell;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("FX_DRIVER", FX_DRIVER_FILE);
-    shell.setProcessEnvironment(environment);
+    shell.setProcessEnvironment(hostEnvironment());
     shell.setWorkingDirectory(folder.path());
     const QString function = QStringLiteral("fxhost() { \"%1\" \"$@\"; }\n").arg(FXHOST_FILE);
     shell.start("/bin/sh", {"-c", function + line});

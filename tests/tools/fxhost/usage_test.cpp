@@ -197,11 +197,41 @@ INSTANTIATE_TEST_SUITE_P(
         BadFile{"OtherJson", {"replay"}, "{}\n", ", line 1: not a recording made by fxhost"}),
     [](const auto& row) { return row.param.name; });
 
+namespace {
+
+QProcessEnvironment withLink(const QString& link)
+{
+    QProcessEnvironment environment = hostEnvironment();
+    environment.insert("FX_LINK", link);
+    return environment;
+}
+
+}  // namespace
+
+TEST(UnnamedLink, IsRefusedByWhatChangesOrJudgesAPlc)
+{
+    const QTemporaryDir folder;
+    const QString file = newFile(folder, "values.csv", "D100,1\n");
+    const QVector<QStringList> commands{{"write", "D0=1"},
+                                        {"restore", file},
+                                        {"recipe", "download", file},
+                                        {"recipe", "upload", folder.filePath("new"), "D0"},
+                                        {"doctor"}};
+    for (const QStringList& command : commands) {
+        const Ended ended = fxhost(command, withLink({}));
+        EXPECT_EQ(ended.code, 2) << command[0].toStdString();
+        EXPECT_EQ(ended.err, "fxhost: no PLC named: give --link or set FX_LINK; --link sim: is a "
+                             "simulated PLC\n");
+        EXPECT_EQ(fxhost(QStringList{"--link", "sim:"} + command, withLink({})).code, 0)
+            << command[0].toStdString();
+    }
+}
+
 TEST(Usage, FullOutputIsNoSuccess)
 {
     for (const char* const command : {"types", "watch D0 -l 0", "monitor D0 -n 0", "stats D0"}) {
         QProcess shell;
-        shell.start("/bin/sh", {"-c", QStringLiteral("FX_DRIVER=%1 %2 %3 > /dev/full")
+        shell.start("/bin/sh", {"-c", QStringLiteral("FX_DRIVER=%1 %2 -q %3 > /dev/full")
                                           .arg(FX_DRIVER_FILE, FXHOST_FILE, command)});
         ASSERT_TRUE(shell.waitForFinished()) << command;
         EXPECT_EQ(shell.exitCode(), 7) << command;
@@ -236,8 +266,9 @@ namespace {
 // Where a file gets no more than so many blocks, of 512 bytes or 1024.
 Ended onFullDisk(int blocks, const QStringList& arguments)
 {
-    const QString limited = QStringLiteral("trap '' XFSZ; ulimit -f %1; FX_DRIVER=%2 exec \"$@\"")
-                                .arg(QString::number(blocks), FX_DRIVER_FILE);
+    const QString limited =
+        QStringLiteral("trap '' XFSZ; ulimit -f %1; FX_LINK=sim: FX_DRIVER=%2 exec \"$@\"")
+            .arg(QString::number(blocks), FX_DRIVER_FILE);
     QProcess shell;
     shell.start("/bin/sh", QStringList{"-c", limited, "sh", FXHOST_FILE} + arguments);
     Ended ended;

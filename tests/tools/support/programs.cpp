@@ -15,14 +15,15 @@ namespace {
 
 constexpr int patienceMs = 30000;  // of a loaded machine, under sanitizers
 
-QProcessEnvironment environment()
+}  // namespace
+
+QProcessEnvironment hostEnvironment()
 {
     QProcessEnvironment all = QProcessEnvironment::systemEnvironment();
     all.insert(QStringLiteral("FX_DRIVER"), QStringLiteral(FX_DRIVER_FILE));
+    all.insert(QStringLiteral("FX_LINK"), QStringLiteral("sim:"));
     return all;
 }
-
-}  // namespace
 
 void PrintTo(Road road, std::ostream* out)
 {
@@ -98,10 +99,10 @@ int times(const std::string& text, const std::string& part)
     return found;
 }
 
-Ended fxhost(const QStringList& arguments)
+Ended fxhost(const QStringList& arguments, const QProcessEnvironment& environment)
 {
     QProcess process;
-    process.setProcessEnvironment(environment());
+    process.setProcessEnvironment(environment);
     process.start(QStringLiteral(FXHOST_FILE), arguments);
     Ended ended;
     if (!process.waitForFinished(patienceMs))
@@ -115,7 +116,7 @@ Ended fxhost(const QStringList& arguments)
 
 RunningHost::RunningHost(const QStringList& arguments)
 {
-    m_process.setProcessEnvironment(environment());
+    m_process.setProcessEnvironment(hostEnvironment());
     m_process.start(QStringLiteral(FXHOST_FILE), arguments);
 }
 

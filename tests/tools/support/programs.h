@@ -56,7 +56,11 @@ void PrintTo(const Ended& ended, std::ostream* out);
 bool holds(const std::string& text, const std::string& part);
 int times(const std::string& text, const std::string& part);  // how often it holds it
 
-Ended fxhost(const QStringList& arguments);
+// With this driver, and with FX_LINK naming the simulated PLC inside fxhost.
+QProcessEnvironment hostEnvironment();
+
+Ended fxhost(const QStringList& arguments,
+             const QProcessEnvironment& environment = hostEnvironment());
 
 // fxhost in the middle of its work.
 class RunningHost

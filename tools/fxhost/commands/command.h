@@ -21,12 +21,13 @@ namespace fxtools {
 // The link options of the command line; 0 or empty: not given.
 struct LinkOptions
 {
-    std::string link;  // empty: the command's default
+    std::string link;  // as --link or FX_LINK names it; empty: the command's default
     int baud = 0;
     std::string line;
     std::string parity;
     int port = 0;
 
+    bool isNamed() const { return !link.empty(); }
     LinkSettings settings(const LinkSettings& unlessSaid) const;  // throws Failure
 };
 
@@ -48,6 +49,12 @@ using Action = std::function<ExitCode()>;
 
 void addLinkOptions(CLI::App& app, CommonOptions& common);
 void addOutputOptions(CLI::App& app, CommonOptions& common);
+
+// Takes the link from the environment if the command line names none.
+void chooseLink(CommonOptions& common);
+
+// For commands that change a PLC or judge one: throws Failure if no link was named.
+void demandNamedLink(const CommonOptions& common);
 
 // Accepts "1000", "1000ms" and "1s" as a time in milliseconds.
 CLI::Validator timeInMs();

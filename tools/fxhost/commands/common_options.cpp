@@ -17,8 +17,9 @@ constexpr int longestReconnectS = 86400;
 
 void addLineOptions(CLI::App& app, CommonOptions& common)
 {
-    app.add_option("--link", common.link.link,
-                   "sim: (default), serial:PATH?baud=9600, tcp:HOST:PORT or pty:PATH")
+    app.add_option(
+           "--link", common.link.link,
+           "serial:PATH?baud=9600, tcp:HOST:PORT, pty:PATH or sim: (default: FX_LINK, or sim:)")
         ->type_name("LINK")
         ->group(linkGroup);
     app.add_option("-b,--baud", common.link.baud, "Baud rate of a serial port or of sim:")

@@ -179,6 +179,7 @@ void showAdvice(Console& console, const QVector<Finding>& findings)
 
 ExitCode runDoctor(const CommonOptions& common)
 {
+    demandNamedLink(common);
     Console console;
     const bool forPeople = common.output.mode == OutputMode::People;
     const auto draw = [&](const QVector<Finding>& soFar) {

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// The settings of the link, from --link and the options that override it.
+// The settings of the link, from --link or FX_LINK and the options that override it.
 
 #include "tools/fxhost/commands/command.h"
 
@@ -36,6 +36,20 @@ void applyBaud(LinkSettings& link, int baud)
 }
 
 }  // namespace
+
+void chooseLink(CommonOptions& common)
+{
+    if (!common.link.isNamed())
+        common.link.link = qgetenv("FX_LINK").toStdString();
+}
+
+void demandNamedLink(const CommonOptions& common)
+{
+    if (!common.link.isNamed())
+        throw Failure(ExitCode::Usage,
+                      QStringLiteral("no PLC named: give --link or set FX_LINK; --link sim: is a "
+                                     "simulated PLC"));
+}
 
 LinkSettings LinkOptions::settings(const LinkSettings& unlessSaid) const
 {

@@ -85,6 +85,7 @@ void load(const QVector<RegisterRun>& runs, std::vector<quint16>& memory)
 
 ExitCode runDownload(const CommonOptions& common, const std::string& file)
 {
+    demandNamedLink(common);
     Connection connection(common);
     const QString path = QString::fromStdString(file);
     const QVector<RegisterRun> runs =
@@ -120,6 +121,7 @@ QVector<RegisterRun> runsOf(const QVector<RegisterRange>& entries,
 
 ExitCode runUpload(const CommonOptions& common, const UploadOptions& options)
 {
+    demandNamedLink(common);
     Connection connection(common);
     OutputFile file(options.file.name(), options.file.mode(), connection.catalogue());
     const QVector<RegisterRange> entries =

@@ -107,6 +107,7 @@ ExitCode finished(const CommonOptions& common, const QString& path, int register
 
 ExitCode runRestore(const CommonOptions& common, const RestoreOptions& options)
 {
+    demandNamedLink(common);
     Connection connection(common);
     const QString path = QString::fromStdString(options.file);
     QVector<RegisterRun> runs =

@@ -196,6 +196,7 @@ ExitCode Writer::finish()
 
 ExitCode runWrite(const CommonOptions& common, const WriteOptions& options)
 {
+    demandNamedLink(common);
     Connection connection(common);
     // All of them are checked before the first one is sent.
     const QVector<Assignment> assignments = assignmentsOf(options, connection.catalogue());
