@@ -6,6 +6,7 @@
 #include <QElapsedTimer>
 
 #include <algorithm>
+#include <utility>
 
 namespace fxtools {
 
@@ -48,6 +49,8 @@ std::optional<Exchange> ExchangeLoop::step()
     Exchange exchange;
     if (m_session.library().getSendFrame(&exchange.frame) != fxFrameToSend)
         return std::nullopt;
+    if (onFirstFrame)
+        std::exchange(onFirstFrame, nullptr)();
     if (!m_repeating)
         m_kind = m_session.kindOf(exchange.frame);
     exchange.kind = m_kind;

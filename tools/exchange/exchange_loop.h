@@ -37,6 +37,9 @@ struct LoopSettings
 class ExchangeLoop
 {
 public:
+    // Called once, before the first frame is sent.
+    std::function<void()> onFirstFrame;
+
     // Called after each exchange, with everything that is known about it.
     std::function<void(const Exchange&)> onExchange;
 

@@ -227,6 +227,17 @@ TEST(UnnamedLink, IsRefusedByWhatChangesOrJudgesAPlc)
     }
 }
 
+TEST(UnnamedLink, ASimulatedPlcSaysSoOnce)
+{
+    const char* const remark = "fxhost: simulated PLC; --link names a real one\n";
+    EXPECT_EQ(fxhost({"watch", "D0", "-n", "2", "-l", "1"}, withLink({})).err, remark);
+    EXPECT_EQ(fxhost({"read", "D0", "-q"}, withLink({})).err, "");
+    const RunningSimulator plc(Road::Tcp);
+    EXPECT_EQ(fxhost({"--link", plc.link(), "read", "D0"}).err, "");
+    EXPECT_EQ(fxhost({"read", "D0"}, withLink(plc.link())).err, "");
+    EXPECT_EQ(fxhost({"--link", "sim:", "read", "D0"}, withLink(plc.link())).err, remark);
+}
+
 TEST(Usage, FullOutputIsNoSuccess)
 {
     for (const char* const command : {"types", "watch D0 -l 0", "monitor D0 -n 0", "stats D0"}) {

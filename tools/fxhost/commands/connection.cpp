@@ -44,6 +44,12 @@ Connection::Connection(const ConnectionSettings& settings)
     m_keeper.openFirst();
 }
 
+Connection::Connection(const CommonOptions& common) : Connection(connectionSettings(common))
+{
+    if (m_link.control && !common.output.quiet)
+        m_loop.onFirstFrame = [] { complain("simulated PLC; --link names a real one"); };
+}
+
 bool Connection::reconnect()
 {
     if (!m_keeper.reopen(m_loop.statistics().total().accepted))

@@ -45,9 +45,10 @@ class Connection
 {
 public:
     // Loads the library and opens the link; throws Failure. A link that cannot be opened is retried
-    // only if the user gave a time.
+    // only if the user gave a time. With the options of a command a simulated PLC is announced
+    // before the first frame, so that nobody takes its values for those of a machine.
     explicit Connection(const ConnectionSettings& settings);
-    explicit Connection(const CommonOptions& common) : Connection(connectionSettings(common)) {}
+    explicit Connection(const CommonOptions& common);
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 
