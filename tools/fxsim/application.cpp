@@ -79,8 +79,9 @@ void Application::prepareMemory()
 {
     if (!m_options.savePath.isEmpty())
         checkSaving(m_options.savePath);  // before the run, not after it, when the memory is lost
-    PlcMemory memory;
-    memory.setPresent(m_options.present);
+    PlcMemory memory = memoryOf(*m_options.settings.model);
+    if (!m_options.present.isEmpty())
+        memory.setPresent(m_options.present);
     memory.setMissing(m_options.missing);
     memory.setMirrors(m_options.mirrors);
     if (!m_options.loadPath.isEmpty()) {

@@ -189,8 +189,11 @@ void addPort(OptionGroup group, Settings& settings)
 
 void addMemory(OptionGroup group, Options& options)
 {
-    group.text("--memory", "RANGE,...", "0x0000-0x7FFF",
-               "Memory that exists, by devices or addresses",
+    group.text("--model", "MODEL", "any",
+               "PLC: fx1s, fx1n, or any, which has every device; sets the memory and D8001",
+               [&options](const QString& text) { options.settings.model = &findModel(text); });
+    group.text("--memory", "RANGE,...",
+               "Memory that exists, by devices or addresses, instead of the model's",
                [&options](const QString& text) { options.present = parseRanges(text); });
     group.text("--holes", "RANGE,...",
                "Memory within --memory that does not exist, as in D100-D109",

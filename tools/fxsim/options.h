@@ -32,7 +32,7 @@ struct Options
     std::optional<TcpAddress> tcp;
     QString serialDevice;
 
-    QVector<AddressRange> present;
+    QVector<AddressRange> present;  // none: that of the model
     QVector<AddressRange> missing;
     QVector<MirrorWindow> mirrors;
     QString program;  // "sample", "none" or a file

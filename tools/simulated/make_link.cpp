@@ -20,6 +20,7 @@ fxsim::Settings plcSettings(const SimulatedSettings& simulated)
         throw Failure(ExitCode::Usage,
                       "invalid link '" + linkText(simulated) + "': " + error.text());
     }
+    settings.model = &fxsim::findModel(QStringLiteral("any"));
     settings.timing.baud = simulated.baud.value_or(settings.timing.baud);
     return settings;
 }

@@ -44,7 +44,8 @@ TEST(Options, HaveDefaults)
     EXPECT_EQ(none.settings.maxBytes, 64);
     EXPECT_EQ(none.settings.seed, 1U);
     EXPECT_TRUE(none.settings.faults.isEmpty());
-    EXPECT_EQ(none.present.at(0).last, 0x7FFF);
+    EXPECT_TRUE(none.present.isEmpty());
+    EXPECT_STREQ(none.settings.model->name, "any");
     EXPECT_TRUE(none.missing.isEmpty());
     EXPECT_EQ(none.mirrors.at(0).to, 0x0E00);
     EXPECT_EQ(none.program, "sample");
@@ -137,6 +138,7 @@ TEST(Options, MistakesAreExplained)
         {{"--scan-ms", "10001"}, "--scan-ms: invalid time in ms '10001': expected 0 to 10000"},
         {{"--on-error", "ack"}, "--on-error: invalid word 'ack': expected nak or silence"},
         {{"--enq", "never"}, "--enq: invalid word 'never': expected optional, needed or ignored"},
+        {{"--model", "fx0"}, "--model: invalid model 'fx0': expected any, fx1s, fx1n"},
         {{"--max-bytes", "256"}, "--max-bytes: invalid number of bytes '256': expected 1 to 255"},
         {{"--max-bytes", "0"}, "--max-bytes: invalid number of bytes '0': expected 1 to 255"},
         {{"--holes", "5"},

@@ -165,6 +165,18 @@ QByteArray powerCycle(const Bench& bench)
     return {};
 }
 
+QByteArray run(const Bench& bench)
+{
+    bench.plc.setRunning(true, bench.actions.nowUs());
+    return {};
+}
+
+QByteArray stop(const Bench& bench)
+{
+    bench.plc.setRunning(false, bench.actions.nowUs());
+    return {};
+}
+
 QByteArray dropLink(const Bench& bench)
 {
     bench.actions.dropLinks(milliseconds(bench, FaultKind::LinkDrop));
@@ -200,6 +212,8 @@ constexpr CommandRow commands[] = {
     {"poke",        2,    mostPokes, "PLACE VALUE...",        "set devices or bytes: poke M0 1 0 1", poke},
     {"faults",      0,    1,         "[PLAN|none|help]",      "show or set the fault plan, clear it, or list all faults", faults},
     {"stats",       0,    0,         "",                      "show the statistics", stats},
+    {"run",         0,    0,         "",                      "set the switch RUN/STOP to RUN", run},
+    {"stop",        0,    0,         "",                      "set it to STOP", stop},
     {"power-cycle", 0,    1,         "[MS]",                  "switch the PLC off for MS and on again", powerCycle},
     {"drop-link",   0,    1,         "[MS]",                  "close every link for MS and open it again", dropLink},
     {"save",        1,    1,         "FILE",                  "save the memory as Intel HEX", save},

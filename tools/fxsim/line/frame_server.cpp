@@ -38,9 +38,16 @@ Command commandOf(char character)
     case Command::Write:
     case Command::ForceOn:
     case Command::ForceOff:
+    case Command::Question4:
+    case Command::QuestionB:
         return command;
     }
     return Command::None;
+}
+
+bool isQuestion(Command command)
+{
+    return command == Command::Question4 || command == Command::QuestionB;
 }
 
 bool allDigits(std::string_view text)
@@ -111,6 +118,10 @@ Request judgeFrame(const QByteArray& frame, const PlcMemory& memory, int maxByte
         request.verdict = Verdict::UnknownCommand;
         return request;
     }
+    if (isQuestion(request.command)) {
+        request.verdict = Verdict::Good;
+        return request;
+    }
     const std::string_view fields = summed.substr(1, summed.size() - 2);
     if (!allDigits(fields))
         return request;
@@ -135,6 +146,9 @@ QByteArray carryOut(const Request& request, PlcMemory& memory)
     case Command::ForceOff:
         memory.forceBit(request.address, false);
         break;
+    case Command::Question4:
+    case Command::QuestionB:
+        break;
     case Command::None:
         return QByteArray();
     }
@@ -148,6 +162,8 @@ QByteArray requestText(const Request& request)
     if (isRead || request.command == Command::Write) {
         text = (isRead ? "read " : "write ") + QByteArray::number(request.byteCount) +
                (request.byteCount == 1 ? " byte at " : " bytes at ") + addressText(request.address);
+    } else if (isQuestion(request.command)) {
+        text = QByteArray("command ") + static_cast<char>(request.command);
     } else if (request.command != Command::None) {
         text = (request.command == Command::ForceOn ? "force on bit " : "force off bit ") +
                addressText(request.address) + " (byte " +

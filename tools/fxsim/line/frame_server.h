@@ -7,6 +7,8 @@
 //   "1" address, byte count, two digits a byte       write: ACK
 //   "7" bit address (4 digits, low byte first)       force on: ACK
 //   "8" the same                                     force off: ACK
+//   "4" or "B", then any fields                      ACK: programming software asks so whether it
+//                                                    is connected
 //
 // A bad frame changes nothing. Sessions call this once for each frame.
 
@@ -39,6 +41,8 @@ enum class Command : char
     Write = '1',
     ForceOn = '7',
     ForceOff = '8',
+    Question4 = '4',
+    QuestionB = 'B',
 };
 
 // What a frame asked for, as far as it could be read.

@@ -109,6 +109,7 @@ void Session::greet()
 void Session::exchange(const QByteArray& frame)
 {
     ++m_simulator.statistics().exchanges;
+    m_simulator.refresh(m_nowUs);
     const Request request =
         judgeFrame(frame, m_simulator.memory(), m_simulator.settings().maxBytes);
     if (m_simulator.isTraced())

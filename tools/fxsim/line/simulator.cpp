@@ -3,25 +3,49 @@
 
 #include "tools/fxsim/line/simulator.h"
 
+#include "tools/fxsim/plc/devices.h"
+
+#include <algorithm>
+
 namespace fxsim {
 
 Simulator::Simulator(const Settings& settings, std::unique_ptr<Program> program, qint64 nowUs)
     : m_settings(settings), m_program(std::move(program))
 {
-    powerOnWith(PlcMemory(), nowUs);
+    powerOnWith(settings.model != nullptr ? memoryOf(*settings.model) : PlcMemory(), nowUs);
 }
 
 void Simulator::powerOnWith(const PlcMemory& memory, qint64 nowUs)
 {
     m_memory = memory;
     m_powerOnImage = memory.image();
+    m_poweredUs = nowUs;
     startProgram(nowUs);
 }
 
 void Simulator::advance(qint64 nowUs)
 {
-    if (m_program && !isOff(nowUs))
-        m_program->advance(m_memory, (nowUs - m_programStartUs) / usPerMs);
+    if (m_program && m_isRunning && !isOff(nowUs))
+        m_program->advance(m_memory, (nowUs - m_inStateUs) / usPerMs);
+    refresh(nowUs);
+}
+
+void Simulator::refresh(qint64 nowUs)
+{
+    if (m_settings.model == nullptr || isOff(nowUs))
+        return;
+    showState(m_memory, {m_isRunning, (nowUs - m_poweredUs) / usPerMs,
+                         (nowUs - m_inStateUs) / usPerMs, std::max(1, m_settings.timing.scanMs)});
+}
+
+void Simulator::setRunning(bool running, qint64 nowUs)
+{
+    if (running == m_isRunning)
+        return;
+    m_isRunning = running;
+    if (!running)
+        switchOutputsOff();
+    startProgram(nowUs);
 }
 
 void Simulator::setFaults(const FaultPlan& plan)
@@ -35,6 +59,7 @@ void Simulator::powerCycle(int offMs, qint64 nowUs)
     ++m_statistics.powerCycles;
     m_memory.setImage(m_powerOnImage);
     m_offUntilUs = nowUs + offMs * usPerMs;
+    m_poweredUs = m_offUntilUs;
     startProgram(m_offUntilUs);
 }
 
@@ -44,11 +69,19 @@ void Simulator::trace(const TraceEntry& entry) const
         m_trace(entry);
 }
 
+void Simulator::switchOutputsOff()
+{
+    const int last = device("Y377").address();
+    for (int address = device("Y0").address(); address <= last; ++address)
+        m_memory.setByte(address, 0);
+}
+
 void Simulator::startProgram(qint64 nowUs)
 {
-    m_programStartUs = nowUs;
-    if (m_program)
+    m_inStateUs = nowUs;
+    if (m_program && m_isRunning)
         m_program->start(m_memory);
+    refresh(nowUs);
 }
 
 }  // namespace fxsim

@@ -18,6 +18,7 @@
 #include "tools/fxsim/faults/faults.h"
 #include "tools/fxsim/line/paced_line.h"
 #include "tools/fxsim/line/statistics.h"
+#include "tools/fxsim/plc/model.h"
 #include "tools/fxsim/plc/plc_memory.h"
 #include "tools/fxsim/plc/program.h"
 
@@ -49,6 +50,7 @@ struct Settings
     int maxBytes = 64;  // the largest read and write that PLCs of this family accept
     FaultPlan faults;
     quint64 seed = 1;
+    const Model* model = nullptr;  // none: nobody keeps the special registers
 };
 
 struct TraceEntry
@@ -76,6 +78,11 @@ public:
     // Sets the memory as it is after every power-on, and starts the program.
     void powerOnWith(const PlcMemory& memory, qint64 nowUs);
     void advance(qint64 nowUs);
+    void refresh(qint64 nowUs);  // the special registers alone: their clocks outrun any scan
+
+    // The switch RUN/STOP. A stopped PLC switches its outputs off; a run starts the program anew.
+    void setRunning(bool running, qint64 nowUs);
+    bool isRunning() const { return m_isRunning; }
 
     // Exchanges count from 1 again.
     void setFaults(const FaultPlan& plan);
@@ -92,6 +99,7 @@ public:
     void trace(const TraceEntry& entry) const;
 
 private:
+    void switchOutputsOff();
     void startProgram(qint64 nowUs);
 
     Settings m_settings;
@@ -100,7 +108,9 @@ private:
     std::unique_ptr<Program> m_program;
     Statistics m_statistics;
     TraceSink m_trace;
-    qint64 m_programStartUs = 0;
+    bool m_isRunning = true;
+    qint64 m_poweredUs = 0;  // since when it has power
+    qint64 m_inStateUs = 0;  // since when it runs or is stopped
     qint64 m_offUntilUs = 0;
     qint64 m_exchangesBeforePlan = 0;
 };

@@ -82,6 +82,15 @@ INSTANTIATE_TEST_SUITE_P(
                     ForceCase{"LastBitOfAll", frame("7FFFF", "52"), 0x1FFF, 0x80}),
     [](const auto& row) { return std::string(row.param.name); });
 
+TEST(FrameServer, QuestionsOfProgrammingSoftwareAreAcknowledged)
+{
+    PlcMemory memory;
+    EXPECT_EQ(served(frame("B", "45"), memory), "\x06");
+    EXPECT_EQ(served(frame("4", "37"), memory), "\x06");
+    EXPECT_EQ(served(frame("B0E02", "1C"), memory), "\x06");
+    EXPECT_EQ(verdictOn(frame("B", "46")), Verdict::WrongSum);
+}
+
 TEST(FrameServer, ForceOffClearsOneBit)
 {
     PlcMemory memory;
@@ -158,5 +167,6 @@ TEST(FrameServer, SaysWhatWasAskedFor)
     EXPECT_EQ(text(frame("010D001", "69")), "read 1 byte at 0x10D0");
     EXPECT_EQ(text(frame("70805", "07")), "force on bit 0x0508 (byte 0x00A1 bit 0)");
     EXPECT_EQ(text(frame("0200041", "5A")), "read 65 bytes at 0x2000: too many bytes");
+    EXPECT_EQ(text(frame("B", "45")), "command B");
     EXPECT_EQ(text(frame("2100004", "5A")), "frame: unknown command");
 }

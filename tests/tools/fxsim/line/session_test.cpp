@@ -7,6 +7,7 @@
 #include "tests/tools/fxsim/printing.h"
 #include "tests/tools/fxsim/wire_frames.h"
 #include "tools/fxsim/line/session.h"
+#include "tools/fxsim/plc/devices.h"
 #include "tools/fxsim/plc/sample_program.h"
 
 #include <QByteArrayList>
@@ -163,6 +164,85 @@ TEST(Session, PowerCycleStartsTheProgramAnew)
     bench.plc.advance(7400000);
     bench.plc.advance(9500000);
     EXPECT_EQ(bench.plc.memory().value(0x1000, 2), 2U);
+}
+
+// M8000 to M8015, and D8000 to D8002.
+constexpr qint64 msUs = 1000;
+const QByteArray readRelays = frame("001E002", "6B");
+const QByteArray readWords = frame("00E0006", "6E");
+
+TEST(Session, SpecialRegistersShowARunningPlc)
+{
+    Settings settings;
+    settings.model = &findModel("fx1n");
+    Bench bench(settings);
+    const struct
+    {
+        qint64 ms;
+        const char* bytes;  // M8000 to M8015
+        const char* what;
+    } rows[] = {
+        {0, "0500", "M8000 on, M8001 off, the first scan"},
+        {1, "0900", "the first scan is over"},
+        {5, "0908", "10 ms"},
+        {10, "0900", "10 ms"},
+        {55, "0918", "10 ms and 100 ms"},
+        {505, "0928", "10 ms and 1 s"},
+        {30000, "0940", "1 min"},
+        {60000, "0900", "1 min"},
+    };
+    for (const auto& row : rows) {
+        bench.session.receive(readRelays, row.ms * msUs);
+        const QByteArray reply = bench.session.takeDue(row.ms * msUs);
+        EXPECT_EQ(QByteArray::fromHex(reply.mid(1, 4)), fromHex(row.bytes))
+            << row.what << " after " << row.ms << " ms";
+    }
+    bench.nowUs = 60000 * msUs;
+    EXPECT_EQ(bench.answer(readWords), frame("C80062660800", "7A")) << "200, 26210, 8";
+}
+
+TEST(Session, SwitchRunStopTurnsM8000AndEndsTheProgram)
+{
+    Settings settings;
+    settings.model = &findModel("fx1s");
+    Bench bench(settings, std::make_unique<SampleProgram>());
+    const auto wordAt = [&bench](int address) { return bench.plc.memory().value(address, 2); };
+    bench.plc.advance(7000 * msUs);
+    EXPECT_EQ(wordAt(0x1000), 7U);
+    bench.plc.memory().setByte(0x00A1, 0xFF);
+    bench.plc.setRunning(false, 7000 * msUs);
+    EXPECT_EQ(bench.plc.memory().byte(0x01E0), 0x0A) << "M8001 and M8003";
+    EXPECT_EQ(bench.plc.memory().value(0x00A0, 4), 0U) << "outputs are off";
+    bench.plc.advance(9000 * msUs);
+    EXPECT_EQ(wordAt(0x1000), 7U);
+    bench.plc.powerCycle(0, 9000 * msUs);
+    bench.plc.advance(9500 * msUs);
+    EXPECT_EQ(bench.plc.memory().byte(0x01E0), 0x0A) << "the switch stays as it is";
+    bench.plc.setRunning(true, 10000 * msUs);
+    EXPECT_EQ(bench.plc.memory().byte(0x01E0), 0x05);
+    bench.plc.advance(12000 * msUs);
+    EXPECT_EQ(wordAt(0x1000), 2U) << "a run starts the program anew";
+    EXPECT_EQ(wordAt(0x0E02), 22210U);
+}
+
+TEST(Session, ModelsHaveTheirMemory)
+{
+    const struct
+    {
+        const char* model;
+        const char* device;
+        bool exists;
+    } rows[] = {
+        {"fx1s", "D255", true},    {"fx1s", "D256", false},    {"fx1s", "M511", true},
+        {"fx1s", "M512", false},   {"fx1s", "X17", true},      {"fx1s", "X20", false},
+        {"fx1s", "32CV235", true}, {"fx1s", "32CV234", false}, {"fx1s", "T64", false},
+        {"fx1s", "D8255", true},   {"fx1n", "D7999", true},    {"fx1n", "X177", true},
+        {"fx1n", "X200", false},   {"fx1n", "CV199", true},    {"fx1n", "M2048", false},
+        {"any", "M3071", true},    {"any", "D7999", true},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(memoryOf(findModel(row.model)).has(device(row.device).address(), 1), row.exists)
+            << row.model << ' ' << row.device;
 }
 
 TEST(Session, NewPlanCountsItsExchangesFromOne)
