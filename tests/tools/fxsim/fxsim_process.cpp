@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/types.h>
+#include <termios.h>
 #include <unistd.h>
 
 namespace {
@@ -118,6 +119,16 @@ QString PtyEnd::otherEnd() const
     char device[deviceNameBytes] = "";
     ::ptsname_r(m_descriptor, device, sizeof device);
     return QString::fromLocal8Bit(device);
+}
+
+bool PtyEnd::setSevenEvenOne()
+{
+    termios settings{};
+    tcgetattr(m_descriptor, &settings);
+    cfmakeraw(&settings);
+    settings.c_cflag = (settings.c_cflag & ~static_cast<tcflag_t>(CSIZE)) | CS7 | PARENB;
+    cfsetspeed(&settings, B9600);
+    return tcsetattr(m_descriptor, TCSANOW, &settings) == 0;
 }
 
 void PtyEnd::send(const QByteArray& bytes)

@@ -93,6 +93,7 @@ public:
 
     bool isOpen() const { return m_descriptor >= 0; }
     QString otherEnd() const;
+    bool setSevenEvenOne();
     void send(const QByteArray& bytes) override;
     QByteArray take(int byteCount) override;
     bool waitGone() override;

@@ -13,6 +13,7 @@
 #include <cstring>
 
 #include <fcntl.h>
+#include <sys/inotify.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -36,13 +37,49 @@ void closeDescriptor(int& descriptor)
     descriptor = -1;
 }
 
+// A speed that no host sets. The C library calls it an invalid argument when a host sets 7E1, which
+// a pseudo-terminal cannot have, and nothing else changes: so the speed always does.
+constexpr speed_t oddSpeed = B134;
+
 bool makeRaw(int terminal)
 {
     termios settings{};
     if (tcgetattr(terminal, &settings) != 0)
         return false;
     cfmakeraw(&settings);
+    cfsetspeed(&settings, oddSpeed);
     return tcsetattr(terminal, TCSANOW, &settings) == 0;
+}
+
+void makeSpeedOdd(int terminal)
+{
+    termios settings{};
+    if (tcgetattr(terminal, &settings) != 0 || cfgetospeed(&settings) == oddSpeed)
+        return;
+    cfsetspeed(&settings, oddSpeed);
+    tcsetattr(terminal, TCSANOW, &settings);
+}
+
+// The simulator of a terminal holds this lock until it ends, however it ends. It is none of those
+// that hosts take on a port (flock).
+struct flock wholeFile()
+{
+    struct flock lock
+    {};
+    lock.l_type = F_WRLCK;
+    return lock;
+}
+
+bool isServed(const QString& device)
+{
+    const int file =
+        ::open(QFile::encodeName(device).constData(), O_RDONLY | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    if (file < 0)
+        return errno != ENOENT && errno != EIO;  // somebody else's
+    struct flock lock = wholeFile();
+    const bool isLocked = fcntl(file, F_OFD_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
+    ::close(file);
+    return isLocked;
 }
 
 // What a symbolic link says, whether or not it exists; empty for any other file.
@@ -68,13 +105,16 @@ private:
     void openTerminal();
     void makeLink() const;
     void removeLink();
+    void watchHosts();
     void readAvailable();
     int write(const QByteArray& bytes);
 
     QString m_linkPath;
     QString m_device;
     int m_master = -1;
-    int m_slave = -1;  // kept open: else the master hangs up whenever a host closes its end
+    int m_slave = -1;     // kept open: else the master hangs up whenever a host closes its end
+    int m_closings = -1;  // tells when a host closed its end
+    std::unique_ptr<QSocketNotifier> m_closingsNotifier;
     std::unique_ptr<QSocketNotifier> m_notifier;
     std::unique_ptr<HostConnection> m_host;
 };
@@ -93,11 +133,14 @@ void PtyLink::open()
         *this, m_device.toLocal8Bit(), [this](const QByteArray& bytes) { return write(bytes); });
     m_notifier = std::make_unique<QSocketNotifier>(m_master, QSocketNotifier::Read);
     connect(m_notifier.get(), &QSocketNotifier::activated, this, &PtyLink::readAvailable);
+    watchHosts();
 }
 
 void PtyLink::close()
 {
     m_notifier.reset();
+    m_closingsNotifier.reset();
+    closeDescriptor(m_closings);
     m_host.reset();
     removeLink();
     m_device.clear();
@@ -122,13 +165,21 @@ void PtyLink::openTerminal()
     m_slave = ::open(device, O_RDWR | O_NOCTTY | O_CLOEXEC);
     if (m_slave < 0 || !makeRaw(m_slave))
         throw systemError(m_device);
+    struct flock lock = wholeFile();
+    fcntl(m_slave, F_OFD_SETLK, &lock);
 }
 
 // Replaces a link to a terminal that an earlier run left behind; any other file stays.
 void PtyLink::makeLink() const
 {
-    if (targetOf(m_linkPath).startsWith(QLatin1String("/dev/pts/")))
+    const QString old = targetOf(m_linkPath);
+    if (old.startsWith(QLatin1String("/dev/pts/"))) {
+        if (old != m_device && isServed(old))  // the same: the system gave us its number again
+            throw Error(ExitCode::Link, QStringLiteral("in use by another fxsim; end it, or choose "
+                                                       "another path"))
+                .at(m_linkPath);
         QFile::remove(m_linkPath);
+    }
     if (::symlink(QFile::encodeName(m_device).constData(),
                   QFile::encodeName(m_linkPath).constData()) != 0)
         throw systemError(QStringLiteral("cannot create the symbolic link %1").arg(m_linkPath));
@@ -140,8 +191,25 @@ void PtyLink::removeLink()
         QFile::remove(m_linkPath);
 }
 
+// A host that came and went without a byte has set its speed too.
+void PtyLink::watchHosts()
+{
+    m_closings = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    if (m_closings < 0 ||
+        inotify_add_watch(m_closings, QFile::encodeName(m_device).constData(), IN_CLOSE) < 0)
+        return;  // as good as it was
+    m_closingsNotifier = std::make_unique<QSocketNotifier>(m_closings, QSocketNotifier::Read);
+    connect(m_closingsNotifier.get(), &QSocketNotifier::activated, this, [this] {
+        char events[readBytes];
+        while (::read(m_closings, events, sizeof events) > 0) {
+        }
+        makeSpeedOdd(m_slave);
+    });
+}
+
 void PtyLink::readAvailable()
 {
+    makeSpeedOdd(m_slave);
     char buffer[readBytes];
     const ssize_t got = ::read(m_master, buffer, sizeof buffer);
     if (got > 0)

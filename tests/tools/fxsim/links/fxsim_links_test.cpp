@@ -14,6 +14,7 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <memory>
 
 namespace {
@@ -32,7 +33,9 @@ TEST(FxsimTcp, PortThatIsTakenIsToldAndNothingIsLeftBehind)
     const QString name = process.waitReady();
     const FailedStart second = runToEnd({"--tcp", name.section(':', 2)});
     EXPECT_EQ(second.exitCode, 3);
-    EXPECT_EQ(second.errors, "fxsim: " + name.toUtf8() + ": The bound address is already in use\n");
+    EXPECT_EQ(second.errors,
+              "fxsim: " + name.toUtf8() +
+                  ": in use by another program; choose another port, or 0 for any free one\n");
     EXPECT_EQ(second.output, "");
 }
 
@@ -91,29 +94,49 @@ TEST(FxsimPty, IsRawFromTheStart)
     EXPECT_EQ(host.ask(readD100, 12), frame("0D0A0411", "AE"));
 }
 
-TEST(FxsimPty, HostsMayComeAndGo)
+// The second one was told that 7E1 is an invalid argument.
+TEST(FxsimPty, EveryHostMaySetSevenEvenOne)
 {
     FxsimProcess process({"--baud", "0", "--program", "none"});
     const QString device = process.waitReady();
-    for (int visit = 0; visit < 3; ++visit) {
+    for (const bool talks : {true, true, false, true}) {
         PtyEnd host(device);
-        EXPECT_EQ(host.ask(readD100, 12), zerosOfD100) << "visit " << visit;
+        QElapsedTimer timer;
+        timer.start();
+        bool isSet = host.setSevenEvenOne();
+        for (; !isSet && timer.elapsed() < deadlineMs; isSet = host.setSevenEvenOne())
+            process.command("stats");  // gives it a turn to see that the silent one is gone
+        EXPECT_TRUE(isSet);
+        if (talks) {
+            EXPECT_EQ(host.ask(readD100, 12), zerosOfD100);
+        }
     }
 }
 
-TEST(FxsimPty, LinkLeftBehindIsReplacedAndAFileIsNot)
+TEST(FxsimPty, LinkLeftBehindIsReplacedAndWhatLivesIsNot)
 {
     const QTemporaryDir folder;
     const QString link = folder.filePath("plc");
-    QFile::link("/dev/pts/99999", link);
-    FxsimProcess process({"--link", link});
+    const PtyEnd foreign;  // has the number of a simulator that is gone
+    QFile::link(foreign.otherEnd(), link);
+    FxsimProcess process({"--link", link, "--baud", "0", "--program", "none"});
     const QString device = process.waitReady().section(' ', 0, 0);
     EXPECT_EQ(QFileInfo(link).symLinkTarget(), device);
+    const FailedStart second = runToEnd({"--link", link});
+    EXPECT_EQ(second.exitCode, 3);
+    EXPECT_EQ(second.errors, "fxsim: " + link.toUtf8() +
+                                 ": in use by another fxsim; end it, or choose another path\n");
+    EXPECT_EQ(QFileInfo(link).symLinkTarget(), device) << "its link is still there";
+    process.signal(SIGKILL);
+    QFile::link("/dev/pts/99999", folder.filePath("other"));
+    for (const QString& stale : {link, folder.filePath("other")})
+        EXPECT_NE(FxsimProcess({"--link", stale}).waitReady(), "")
+            << "left behind by one that died";
     const QString file = folder.filePath("file");
     QFile(file).open(QIODevice::WriteOnly);
-    const FailedStart second = runToEnd({"--link", file});
-    EXPECT_EQ(second.exitCode, 3);
-    EXPECT_EQ(second.errors,
+    const FailedStart third = runToEnd({"--link", file});
+    EXPECT_EQ(third.exitCode, 3);
+    EXPECT_EQ(third.errors,
               "fxsim: cannot create the symbolic link " + file.toUtf8() + ": File exists\n");
     EXPECT_TRUE(QFileInfo(file).isFile());
 }
