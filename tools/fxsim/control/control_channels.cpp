@@ -41,8 +41,6 @@ bool isSocket(const QString& path)
 bool isLeftBehind(const QString& path)
 {
     constexpr int connectMs = 500;
-    if (!isSocket(path))
-        return false;
     QLocalSocket probe;
     probe.connectToServer(path);
     return !probe.waitForConnected(connectMs) &&
@@ -59,6 +57,8 @@ void checkPath(const QString& path)
 {
     const QFileInfo file(path);
     const QFileInfo folder(file.absolutePath());
+    if (isSocket(path))
+        refuse(path, QStringLiteral("in use by another program; end it, or choose another path"));
     if (file.exists())
         refuse(path, QStringLiteral("the file already exists"));
     if (!folder.isDir())
@@ -109,7 +109,7 @@ SocketControl::SocketControl(Control& control) : m_control(control)
 void SocketControl::listen(const QString& path)
 {
     const QString fullPath = QFileInfo(path).absoluteFilePath();  // a bare name means one in /tmp
-    if (isLeftBehind(fullPath))
+    if (isSocket(fullPath) && isLeftBehind(fullPath))
         QLocalServer::removeServer(fullPath);
     checkPath(fullPath);
     m_server.setSocketOptions(QLocalServer::UserAccessOption);

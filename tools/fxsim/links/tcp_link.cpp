@@ -118,6 +118,19 @@ private:
     std::unique_ptr<QObject> m_clients = std::make_unique<QObject>();  // parent of all of them
 };
 
+QString reasonOf(const QTcpServer& failed)
+{
+    switch (failed.serverError()) {
+    case QAbstractSocket::SocketAccessError:
+        return QStringLiteral("no permission; use a port from 1024 up");
+    case QAbstractSocket::AddressInUseError:
+        return QStringLiteral(
+            "in use by another program; choose another port, or 0 for any free one");
+    default:
+        return failed.errorString();
+    }
+}
+
 class TcpLink : public Link
 {
 public:
@@ -138,10 +151,7 @@ private:
 void TcpLink::open()
 {
     if (!m_server.listen(m_address, m_port)) {
-        const QString reason = m_server.serverError() == QAbstractSocket::SocketAccessError
-                                   ? QStringLiteral("no permission; use a port from 1024 up")
-                                   : m_server.errorString();
-        throw Error(ExitCode::Link, reason).at(addressText(m_address, m_port));
+        throw Error(ExitCode::Link, reasonOf(m_server)).at(addressText(m_address, m_port));
     }
     m_port = m_server.serverPort();
 }

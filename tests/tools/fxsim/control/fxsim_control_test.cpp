@@ -13,6 +13,12 @@
 
 #include <gtest/gtest.h>
 
+namespace {
+
+const char* const inUse = ": in use by another program; end it, or choose another path\n";
+
+}  // namespace
+
 TEST(FxsimControl, SocketTakesCommandsFromSeveralClients)
 {
     const QTemporaryDir folder;
@@ -45,9 +51,12 @@ TEST(FxsimControl, SocketInUseAndForeignFilesStay)
     process.waitReady();
     const FailedStart second = runToEnd({"--control", path});
     EXPECT_EQ(second.exitCode, 3);
-    EXPECT_EQ(second.errors,
-              "fxsim: control socket " + path.toUtf8() + ": the file already exists\n");
+    EXPECT_EQ(second.errors, "fxsim: control socket " + path.toUtf8() + inUse);
     EXPECT_EQ(process.command("peek 0"), "0000: 00\nok\n");
+    const QString file = folder.filePath("file");
+    ASSERT_TRUE(QFile(file).open(QIODevice::WriteOnly));
+    EXPECT_EQ(runToEnd({"--control", file}).errors,
+              "fxsim: control socket " + file.toUtf8() + ": the file already exists\n");
 }
 
 // It was taken for one left behind, and removed under whoever listened.
@@ -60,8 +69,7 @@ TEST(FxsimControl, SocketThatMayNotBeAskedStays)
     QFile::setPermissions(path, QFile::Permissions());
     const FailedStart second = runToEnd({"--control", path}, Rights::OrdinaryUser);
     EXPECT_EQ(second.exitCode, 3);
-    EXPECT_EQ(second.errors,
-              "fxsim: control socket " + path.toUtf8() + ": the file already exists\n");
+    EXPECT_EQ(second.errors, "fxsim: control socket " + path.toUtf8() + inUse);
     const FailedStart told = runToEnd({"--control", path, "--tell", "help"}, Rights::OrdinaryUser);
     EXPECT_EQ(told.exitCode, 3);
     EXPECT_EQ(told.errors, "fxsim: control socket " + path.toUtf8() +
