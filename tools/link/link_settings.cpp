@@ -6,6 +6,7 @@
 #include "tools/quoted.h"
 
 #include <QRegularExpression>
+#include <QSerialPortInfo>
 #include <QUrlQuery>
 
 #include <algorithm>
@@ -20,6 +21,8 @@ struct ParityRow
     const char* letter;
     const char* name;
 };
+
+constexpr int fastestBaud = 4000000;
 
 constexpr ParityRow parityRows[] = {{QSerialPort::EvenParity, "E", "even"},
                                     {QSerialPort::OddParity, "O", "odd"},
@@ -46,16 +49,25 @@ struct LinkParts
     throw Failure(ExitCode::Usage, "invalid link " + quoted(parts.whole) + ": " + reason);
 }
 
-std::optional<int> baudIn(const LinkParts& parts)
+std::optional<int> numberIn(const LinkParts& parts, const char* name, int least, int most)
 {
-    const std::optional<QString> text = parts.value("baud");
+    const std::optional<QString> text = parts.value(name);
     if (!text)
         return std::nullopt;
     bool isNumber = false;
-    const int baud = text->toInt(&isNumber);
-    if (!isNumber || baud < 1)
-        reject(parts, QStringLiteral("baud must be a positive number such as 9600"));
-    return baud;
+    const int number = text->toInt(&isNumber);
+    if (!isNumber || number < least || number > most)
+        reject(parts, QStringLiteral("%1 must be a number from %2 to %3")
+                          .arg(QLatin1String(name))
+                          .arg(least)
+                          .arg(most));
+    return number;
+}
+
+std::optional<int> baudIn(const LinkParts& parts)
+{
+    const std::optional<int> baud = numberIn(parts, "baud", 1, fastestBaud);
+    return baud ? std::optional(checkedBaud(*baud)) : std::nullopt;
 }
 
 void applyParity(const LinkParts& parts, const QString& text, LineSettings& line)
@@ -68,11 +80,12 @@ void applyParity(const LinkParts& parts, const QString& text, LineSettings& line
 
 std::optional<LineSettings> lineIn(const LinkParts& parts)
 {
-    if (parts.query.isEmpty())
+    const std::optional<int> baud = baudIn(parts);
+    const std::optional<QString> character = parts.value("line");
+    if (!baud && !character && !parts.value("parity"))
         return std::nullopt;
     LineSettings line;
-    line.baud = baudIn(parts).value_or(line.baud);
-    const std::optional<QString> character = parts.value("line");
+    line.baud = baud.value_or(line.baud);
     if (character && !parseCharacter(*character, line))
         reject(parts,
                QStringLiteral("line must be data bits, parity and stop bits such as 7E1 or 8N1"));
@@ -81,18 +94,25 @@ std::optional<LineSettings> lineIn(const LinkParts& parts)
     return line;
 }
 
+PlcSettings plcIn(const LinkParts& parts)
+{
+    return {numberIn(parts, "station", 1, 255).value_or(1),
+            numberIn(parts, "words", leastWordsPerFrame, mostWordsPerFrame)};
+}
+
 LinkSettings parseSerial(const LinkParts& parts, bool isPseudoTerminal)
 {
     if (parts.target.isEmpty())
         reject(parts, QStringLiteral("the path of the port is missing"));
-    return SerialSettings{parts.target, isPseudoTerminal, lineIn(parts)};
+    return SerialSettings{plcIn(parts), parts.target, isPseudoTerminal, lineIn(parts)};
 }
 
 LinkSettings parseSimulated(const LinkParts& parts)
 {
     if (!parts.target.isEmpty())
         reject(parts, QStringLiteral("expected sim: or sim:?baud=9600&faults=silence=0.05"));
-    return SimulatedSettings{baudIn(parts), parts.value("faults").value_or(QString())};
+    return SimulatedSettings{plcIn(parts), baudIn(parts),
+                             parts.value("faults").value_or(QString())};
 }
 
 LinkSettings parseTcp(const LinkParts& parts)
@@ -101,14 +121,12 @@ LinkSettings parseTcp(const LinkParts& parts)
     const QRegularExpressionMatch match = pattern.match(parts.target);
     if (!match.hasMatch())
         reject(parts, QStringLiteral("expected tcp:HOST or tcp:HOST:PORT"));
-    TcpSettings settings;
-    settings.host = match.captured(1).remove('[').remove(']');
-    const QString asked = parts.value("port").value_or(QString());
-    const QString portText = asked.isEmpty() ? match.captured(2) : asked;
+    TcpSettings settings{plcIn(parts), match.captured(1).remove('[').remove(']')};
+    const QString portText = match.captured(2);
     const int port = portText.isEmpty() ? settings.port : portText.toInt();
+    settings.port = static_cast<quint16>(numberIn(parts, "port", 1, 65535).value_or(port));
     if (port < 1 || port > 65535)
         reject(parts, QStringLiteral("port must be a number from 1 to 65535"));
-    settings.port = static_cast<quint16>(port);
     return settings;
 }
 
@@ -124,8 +142,13 @@ LinkSettings parseKind(const QString& kind, const LinkParts& parts)
                       "expected sim:, serial:/dev/ttyUSB0?baud=9600, tcp:HOST:PORT or pty:PATH"));
 }
 
-QString queryText(const QStringList& settings)
+// The settings that differ from their defaults, those of the PLC last.
+QString queryText(QStringList settings, const PlcSettings& plc)
 {
+    if (plc.station != PlcSettings().station)
+        settings += QStringLiteral("station=%1").arg(plc.station);
+    if (plc.words)
+        settings += QStringLiteral("words=%1").arg(*plc.words);
     return settings.isEmpty() ? QString() : '?' + settings.join('&');
 }
 
@@ -136,7 +159,7 @@ QString textOf(const SimulatedSettings& settings)
         query += QStringLiteral("baud=%1").arg(*settings.baud);
     if (!settings.faults.isEmpty())
         query += "faults=" + settings.faults;
-    return "sim:" + queryText(query);
+    return "sim:" + queryText(query, settings);
 }
 
 QString textOf(const SerialSettings& settings)
@@ -144,26 +167,31 @@ QString textOf(const SerialSettings& settings)
     QStringList query;
     if (settings.line) {
         query += QStringLiteral("baud=%1").arg(settings.line->baud);
-        query += "line=" + characterText(*settings.line);
+        if (characterText(*settings.line) != characterText(LineSettings()))
+            query += "line=" + characterText(*settings.line);
     }
-    return (settings.isPseudoTerminal ? "pty:" : "serial:") + settings.path + queryText(query);
+    return (settings.isPseudoTerminal ? "pty:" : "serial:") + settings.path +
+           queryText(query, settings);
 }
 
 QString textOf(const TcpSettings& settings)
 {
     const bool isNumeric6 = settings.host.contains(':');
     return QStringLiteral("tcp:%1:%2")
-        .arg(isNumeric6 ? '[' + settings.host + ']' : settings.host)
-        .arg(settings.port);
+               .arg(isNumeric6 ? '[' + settings.host + ']' : settings.host)
+               .arg(settings.port) +
+           queryText({}, settings);
 }
 
 }  // namespace
 
 LinkSettings parseLink(const QString& text)
 {
-    const QString rest = text.section(':', 1);
+    const bool isPath = text.startsWith('/');
+    const QString kind = isPath ? QStringLiteral("serial") : text.section(':', 0, 0).toLower();
+    const QString rest = isPath ? text : text.section(':', 1);
     const LinkParts parts{text, rest.section('?', 0, 0), QUrlQuery(rest.section('?', 1))};
-    LinkSettings link = parseKind(text.section(':', 0, 0).toLower(), parts);
+    LinkSettings link = parseKind(kind, parts);
     const QStringList known = settingNames(link);
     for (const auto& item : parts.query.queryItems()) {
         if (!known.contains(item.first))
@@ -178,13 +206,34 @@ QString linkText(const LinkSettings& link)
     return std::visit([](const auto& settings) { return textOf(settings); }, link);
 }
 
+PlcSettings& plcSettings(LinkSettings& link)
+{
+    return std::visit([](auto& settings) -> PlcSettings& { return settings; }, link);
+}
+
+int checkedBaud(int baud)
+{
+    const QList<qint32> usual = QSerialPortInfo::standardBaudRates();
+    if (usual.contains(baud))
+        return baud;
+    const auto nearest = std::min_element(usual.begin(), usual.end(), [baud](qint32 a, qint32 b) {
+        return qAbs(a - baud) < qAbs(b - baud);
+    });
+    throw Failure(
+        ExitCode::Usage,
+        QStringLiteral("no serial port runs at %1 baud; did you mean %2?").arg(baud).arg(*nearest));
+}
+
 QStringList settingNames(const LinkSettings& link)
 {
+    QStringList names;
     if (std::holds_alternative<SerialSettings>(link))
-        return {QStringLiteral("baud"), QStringLiteral("line"), QStringLiteral("parity")};
-    if (std::holds_alternative<TcpSettings>(link))
-        return {QStringLiteral("port")};
-    return {QStringLiteral("baud"), QStringLiteral("faults")};
+        names = QStringList{"baud", "line", "parity"};
+    else if (std::holds_alternative<TcpSettings>(link))
+        names = QStringList{"port"};
+    else
+        names = QStringList{"baud", "faults"};
+    return names + QStringList{"station", "words"};
 }
 
 bool parseCharacter(const QString& text, LineSettings& line)

@@ -7,7 +7,11 @@
 //                                   line, &faults=silence=0.05 with faults
 //   serial:/dev/ttyUSB0?baud=9600   a serial port, 7E1 without &line=8N1 or &parity=odd
 //   pty:/dev/pts/4                  a pseudo-terminal, with the settings of a serial port
+//   /dev/ttyUSB0                    the same port: what starts with a slash is serial
 //   tcp:HOST:PORT, tcp:HOST?port=N  a serial server (default port: 8888)
+//
+// Every link may say station=2, the station of its PLC, and words=16, the most words that this PLC
+// takes in one frame.
 
 #pragma once
 
@@ -30,20 +34,30 @@ struct LineSettings
     QSerialPort::StopBits stopBits = QSerialPort::OneStop;
 };
 
-struct SerialSettings
+constexpr int leastWordsPerFrame = 2;  // a counter has two
+constexpr int mostWordsPerFrame = 253;
+
+// What every link may say of its PLC.
+struct PlcSettings
+{
+    int station = 1;
+    std::optional<int> words;  // in one frame; nothing: not given
+};
+
+struct SerialSettings : PlcSettings
 {
     QString path;
     bool isPseudoTerminal = false;
     std::optional<LineSettings> line;  // nothing: not given
 };
 
-struct TcpSettings
+struct TcpSettings : PlcSettings
 {
     QString host;
     quint16 port = 8888;
 };
 
-struct SimulatedSettings
+struct SimulatedSettings : PlcSettings
 {
     std::optional<int> baud;  // nothing: characters take no time
     QString faults;           // a plan in the simulator's own language
@@ -53,6 +67,10 @@ using LinkSettings = std::variant<SimulatedSettings, SerialSettings, TcpSettings
 
 LinkSettings parseLink(const QString& text);  // throws Failure
 QString linkText(const LinkSettings& link);
+PlcSettings& plcSettings(LinkSettings& link);
+
+// Throws Failure unless a serial port may have this speed.
+int checkedBaud(int baud);
 
 // The names of the settings that this kind of link has.
 QStringList settingNames(const LinkSettings& link);

@@ -11,7 +11,7 @@ namespace fxtools {
 
 namespace {
 
-fxsim::Settings plcSettings(const SimulatedSettings& simulated)
+fxsim::Settings simulatorSettings(const SimulatedSettings& simulated)
 {
     fxsim::Settings settings;
     try {
@@ -27,7 +27,7 @@ fxsim::Settings plcSettings(const SimulatedSettings& simulated)
 
 MadeLink make(const SimulatedSettings& settings)
 {
-    auto link = std::make_unique<SimLink>(plcSettings(settings));
+    auto link = std::make_unique<SimLink>(simulatorSettings(settings));
     BenchControl* const control = link.get();
     return {std::move(link), control};
 }

@@ -42,6 +42,7 @@ TEST(LinkSettings, ParityAloneKeepsTheRestOfTheProgrammingPort)
 {
     const auto serial = std::get<SerialSettings>(parseLink("serial:x?parity=Odd"));
     EXPECT_EQ(linkText(serial), "serial:x?baud=9600&line=7O1");
+    EXPECT_EQ(linkText(parseLink("serial:x?baud=9600&line=7e1")), "serial:x?baud=9600");
 }
 
 TEST(LinkSettings, OfTcpTakeThePortFromEitherPlace)
@@ -62,11 +63,32 @@ TEST(LinkSettings, OfASimulatedPlcKeepItsFaultsAsWritten)
     EXPECT_EQ(bad.faults, "silence=5%,nak@3");
 }
 
+TEST(LinkSettings, APathAloneIsASerialPort)
+{
+    EXPECT_EQ(linkText(parseLink("/dev/ttyUSB0")), "serial:/dev/ttyUSB0");
+    EXPECT_EQ(linkText(parseLink("/dev/a:b?baud=19200")), "serial:/dev/a:b?baud=19200");
+}
+
+TEST(LinkSettings, MaySayTheStationAndTheWordsOfTheirPlc)
+{
+    for (const char* const way : {"sim:", "serial:/dev/ttyS1", "pty:/dev/pts/4", "tcp:plc:502"}) {
+        LinkSettings link = parseLink(QString(way) + "?words=16&station=2");
+        EXPECT_EQ(plcSettings(link).station, 2) << way;
+        EXPECT_EQ(plcSettings(link).words, 16) << way;
+        link = parseLink(way);
+        EXPECT_EQ(plcSettings(link).station, 1) << way;
+        EXPECT_FALSE(plcSettings(link).words) << way;
+    }
+    EXPECT_FALSE(std::get<SerialSettings>(parseLink("/dev/ttyS1?words=16")).line)
+        << "doctor is to find them out";
+}
+
 TEST(LinkSettings, TextFormMeansTheSameLink)
 {
     for (const char* link : {"sim:", "sim:?baud=9600&faults=nak=1", "serial:/dev/ttyS1",
                              "serial:/dev/ttyS1?baud=38400&line=8E1", "pty:/dev/pts/4",
-                             "tcp:plc:8888", "tcp:[::1]:502"})
+                             "tcp:plc:8888", "tcp:[::1]:502", "tcp:plc:8888?station=2",
+                             "serial:/dev/ttyS1?baud=9600&station=255&words=16"})
         EXPECT_EQ(linkText(parseLink(link)).toStdString(), link);
 }
 
@@ -77,7 +99,7 @@ TEST(LinkSettings, WrongOnesSayWhatWouldBeRight)
               "tcp:HOST:PORT or pty:PATH");
     EXPECT_EQ(reasonFor("serial:"), "invalid link 'serial:': the path of the port is missing");
     EXPECT_EQ(reasonFor("serial:x?baud=fast"),
-              "invalid link 'serial:x?baud=fast': baud must be a positive number such as 9600");
+              "invalid link 'serial:x?baud=fast': baud must be a number from 1 to 4000000");
     EXPECT_EQ(reasonFor("serial:x?line=9E1"), "invalid link 'serial:x?line=9E1': line must be data "
                                               "bits, parity and stop bits such as 7E1 or "
                                               "8N1");
@@ -85,8 +107,14 @@ TEST(LinkSettings, WrongOnesSayWhatWouldBeRight)
               "invalid link 'serial:x?parity=mark': parity must be even, odd or none");
     EXPECT_EQ(reasonFor("tcp:plc:65536"),
               "invalid link 'tcp:plc:65536': port must be a number from 1 to 65535");
-    EXPECT_EQ(reasonFor("tcp:plc?baud=9600"),
-              "invalid link 'tcp:plc?baud=9600': unknown setting 'baud'; known: port");
+    EXPECT_EQ(
+        reasonFor("tcp:plc?baud=9600"),
+        "invalid link 'tcp:plc?baud=9600': unknown setting 'baud'; known: port, station, words");
+    EXPECT_EQ(reasonFor("sim:?baud=9601"), "no serial port runs at 9601 baud; did you mean 9600?");
+    EXPECT_EQ(reasonFor("sim:?words=1"),
+              "invalid link 'sim:?words=1': words must be a number from 2 to 253");
+    EXPECT_EQ(reasonFor("sim:?station=0"),
+              "invalid link 'sim:?station=0': station must be a number from 1 to 255");
     EXPECT_EQ(reasonFor("sim:here"),
               "invalid link 'sim:here': expected sim: or sim:?baud=9600&faults=silence=0.05");
 }

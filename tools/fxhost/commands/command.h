@@ -38,7 +38,7 @@ struct CommonOptions
     int timeoutMs = 0;    // 0: adapts to the line
     int reconnectS = -1;  // -1: the command's default
     int retries = 2;
-    int wordsPerFrame = 32;
+    int wordsPerFrame = 0;  // 0: the link's, or 32
     OutputOptions output;
 };
 

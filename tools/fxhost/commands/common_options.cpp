@@ -12,6 +12,7 @@ namespace {
 
 const char* const linkGroup = "Link";
 const char* const outputGroup = "Output";
+constexpr int shortestTimeoutMs = 10;  // in less no serial line brings a reply
 constexpr int longestTimeoutMs = 60000;
 constexpr int longestReconnectS = 86400;
 
@@ -46,7 +47,7 @@ void addPatienceOptions(CLI::App& app, CommonOptions& common)
                    "Reply time-out in ms, or with a unit: 0.5s (default: adapts to the line)")
         ->type_name("MS")
         ->transform(timeInMs())
-        ->check(CLI::Range(1, longestTimeoutMs).description(""))
+        ->check(CLI::Range(shortestTimeoutMs, longestTimeoutMs).description(""))
         ->group(linkGroup);
     app.add_option("--retries", common.retries,
                    "Retries of a frame after a bad or missing reply (default: 2)")
@@ -62,9 +63,9 @@ void addPatienceOptions(CLI::App& app, CommonOptions& common)
         ->check(CLI::Range(0, longestReconnectS).description(""))
         ->group(linkGroup);
     app.add_option("--words", common.wordsPerFrame,
-                   "Maximum words in one frame: 2 to 253 (default: 32)")
+                   "Maximum words in one frame: 2 to 253 (default: 32, or words= of the link)")
         ->type_name("N")
-        ->check(CLI::Range(2, 253).description(""))
+        ->check(CLI::Range(leastWordsPerFrame, mostWordsPerFrame).description(""))
         ->group(linkGroup);
 }
 

@@ -7,6 +7,8 @@
 
 namespace fxtools {
 
+static_assert(mostWordsPerFrame == fxMaxWriteWords);
+
 AddressServices::AddressServices(const QString& libraryPath)
     : library(libraryPath), catalogue(library)
 {}
@@ -21,7 +23,10 @@ ConnectionSettings connectionSettings(const CommonOptions& common,
     ConnectionSettings settings;
     settings.library = QString::fromStdString(common.library);
     settings.link = common.link.settings(linkUnlessSaid);
-    settings.session = {common.retries + 1, common.wordsPerFrame};
+    const std::optional<int> words = plcSettings(settings.link).words;
+    settings.session.failLimit = common.retries + 1;
+    if (common.wordsPerFrame > 0 || words)
+        settings.session.wordsPerFrame = common.wordsPerFrame > 0 ? common.wordsPerFrame : *words;
     settings.loop.isInterrupted = interrupted;
     if (common.timeoutMs > 0)
         settings.loop.timeout = TimeoutLimits::fixed(common.timeoutMs);

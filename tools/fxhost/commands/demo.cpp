@@ -43,7 +43,7 @@ void showChapters(DemoBench& bench, bool live)
 
 ExitCode runDemo(const CommonOptions& common, const DemoOptions& options)
 {
-    Connection connection(connectionSettings(common, SimulatedSettings{simulatedBaud, {}}));
+    Connection connection(connectionSettings(common, SimulatedSettings{{}, simulatedBaud, {}}));
     connection.loop().onLinkLost = nullptr;  // a lost link is a finding of the demo
     std::optional<SocketBenchControl> socket;
     if (!options.control.empty())

@@ -84,7 +84,7 @@ QVector<Finding> examineAll(const CommonOptions& common, const OnFinding& onFind
     }
     const QString path = port->path;
     for (const LineSettings& line : usualLines) {
-        settings.link = SerialSettings{path, false, line};
+        settings.link = SerialSettings{{}, path, false, line};
         findings.append(examine(
             settings, QStringLiteral("%1 baud %2").arg(line.baud).arg(characterText(line))));
         onFinding(findings);

@@ -129,7 +129,8 @@ ExitCode runDump(const CommonOptions& common, const DumpOptions& options)
     OutputFile file(path, options.resume ? OutputFile::Mode::Append : options.file.mode(),
                     connection.catalogue());
     const QVector<RegisterRange> portions =
-        cutToFrames(rangesOf(options.addresses, connection.catalogue()), common.wordsPerFrame);
+        cutToFrames(rangesOf(options.addresses, connection.catalogue()),
+                    connection.session().settings().wordsPerFrame);
     Dumper dumper(connection, file, options.resume ? namesIn(path, connection) : QSet<QString>());
     const OutputOptions output = besides(options.file, common.output);
     const Progress progress = progressOf(output, "dump");

@@ -30,9 +30,9 @@ LineSettings& lineFor(LinkSettings& link, const char* option)
 void applyBaud(LinkSettings& link, int baud)
 {
     if (auto* const simulated = std::get_if<SimulatedSettings>(&link))
-        simulated->baud = baud;
+        simulated->baud = checkedBaud(baud);
     else
-        lineFor(link, "baud").baud = baud;
+        lineFor(link, "baud").baud = checkedBaud(baud);
 }
 
 }  // namespace

@@ -142,7 +142,7 @@ ExitCode runPlan(const CommonOptions& common, const AddressOptions& addresses)
 {
     const AddressServices services(common);
     const QVector<RegisterRange> asked = rangesOf(addresses, services.catalogue);
-    DriverSession session(services.library, {1, common.wordsPerFrame});
+    DriverSession session(services.library, {1, connectionSettings(common).session.wordsPerFrame});
     QVector<PlannedBlock> plan;
     for (const FRAME_PRO& frame : planOf(session, asked))
         plan.append(describe(services.catalogue, asked, frame));

@@ -88,8 +88,8 @@ ExitCode runDownload(const CommonOptions& common, const std::string& file)
     demandNamedLink(common);
     Connection connection(common);
     const QString path = QString::fromStdString(file);
-    const QVector<RegisterRun> runs =
-        readRegisterFile(path, connection.catalogue(), common.wordsPerFrame / 2);
+    const QVector<RegisterRun> runs = readRegisterFile(
+        path, connection.catalogue(), connection.session().settings().wordsPerFrame / 2);
     checkWritable(path, runs);
     QVector<RegisterRange> entries;
     for (const RegisterRun& run : runs)
@@ -125,7 +125,8 @@ ExitCode runUpload(const CommonOptions& common, const UploadOptions& options)
     Connection connection(common);
     OutputFile file(options.file.name(), options.file.mode(), connection.catalogue());
     const QVector<RegisterRange> entries =
-        cutToFrames(rangesOf(options.addresses, connection.catalogue()), common.wordsPerFrame);
+        cutToFrames(rangesOf(options.addresses, connection.catalogue()),
+                    connection.session().settings().wordsPerFrame);
     needWords(entries);
     const OutputOptions output = besides(options.file, common.output);
     const RecipeOutcome outcome = transferRecipe(connection.loop(), RecipeDirection::Upload,

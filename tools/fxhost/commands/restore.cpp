@@ -110,8 +110,8 @@ ExitCode runRestore(const CommonOptions& common, const RestoreOptions& options)
     demandNamedLink(common);
     Connection connection(common);
     const QString path = QString::fromStdString(options.file);
-    QVector<RegisterRun> runs =
-        readRegisterFile(path, connection.catalogue(), common.wordsPerFrame / 2);
+    QVector<RegisterRun> runs = readRegisterFile(path, connection.catalogue(),
+                                                 connection.session().settings().wordsPerFrame / 2);
     checkWritable(path, runs);
     if (!options.from.empty())
         runs = runsFrom(runs,
