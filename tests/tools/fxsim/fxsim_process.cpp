@@ -23,13 +23,15 @@ int millisecondsLeft(const QElapsedTimer& timer)
 
 }  // namespace
 
-FxsimProcess::FxsimProcess(const QStringList& arguments, Rights rights)
+FxsimProcess::FxsimProcess(const QStringList& arguments, Rights rights, int descriptors)
 {
     QStringList command{QStringLiteral(FXSIM_PATH)};
     if (rights == Rights::OrdinaryUser && ::geteuid() == 0)
         command = QStringList{"setpriv", "--bounding-set=-dac_override,-dac_read_search,"
                                          "-net_bind_service"} +
                   command;
+    if (descriptors > 0)
+        command = QStringList{"prlimit", QString("--nofile=%1").arg(descriptors)} + command;
     command += arguments;
     m_process.start(command.takeFirst(), command);
     m_process.waitForStarted(deadlineMs);

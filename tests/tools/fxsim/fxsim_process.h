@@ -28,7 +28,9 @@ enum class Rights
 class FxsimProcess
 {
 public:
-    explicit FxsimProcess(const QStringList& arguments, Rights rights = Rights::Own);
+    // `descriptors`: how many it may have open, if not 0.
+    explicit FxsimProcess(const QStringList& arguments, Rights rights = Rights::Own,
+                          int descriptors = 0);
     ~FxsimProcess();
 
     // What stands after "fxsim: ready on ", or nothing if it ended before.

@@ -3,6 +3,7 @@
 
 #include "tools/fxsim/control/control_channels.h"
 
+#include "tools/fxsim/links/descriptors.h"
 #include "tools/fxsim/plc/error.h"
 
 #include <QFileInfo>
@@ -120,6 +121,10 @@ void SocketControl::listen(const QString& path)
 void SocketControl::welcome()
 {
     while (QLocalSocket* socket = m_server.nextPendingConnection()) {
+        if (isTooMany(static_cast<int>(socket->socketDescriptor()))) {
+            delete socket;
+            continue;
+        }
         socket->setReadBufferSize(longestLine);
         connect(socket, &QLocalSocket::readyRead, this, [this, socket] {
             while (socket->canReadLine())

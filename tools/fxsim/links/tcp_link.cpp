@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 
+#include "tools/fxsim/links/descriptors.h"
 #include "tools/fxsim/links/link.h"
 #include "tools/fxsim/plc/error.h"
 
@@ -110,11 +111,25 @@ public:
 protected:
     void incomingConnection(qintptr descriptor) override
     {
-        new TcpClient(m_link, static_cast<int>(descriptor), m_clients.get());
+        const int socket = static_cast<int>(descriptor);
+        if (!isTooMany(socket))
+            new TcpClient(m_link, socket, m_clients.get());
+        else
+            refuse(socket);
     }
 
 private:
+    void refuse(int socket)
+    {
+        ::close(socket);
+        if (!m_saidTooMany)
+            emit m_link.message(QStringLiteral("too many connections: new ones are closed at once "
+                                               "(ulimit -n)"));
+        m_saidTooMany = true;
+    }
+
     Link& m_link;
+    bool m_saidTooMany = false;
     std::unique_ptr<QObject> m_clients = std::make_unique<QObject>();  // parent of all of them
 };
 

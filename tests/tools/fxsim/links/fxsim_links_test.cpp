@@ -16,6 +16,7 @@
 
 #include <csignal>
 #include <memory>
+#include <vector>
 
 namespace {
 
@@ -65,6 +66,23 @@ TEST(FxsimTcp, HostsThatCameAndWentLeaveNothingBehind)
             process.command("stats");  // gives it a turn
         EXPECT_EQ(openDescriptors(process), before) << "visit " << visit;
     }
+}
+
+// It spun on connections that it had no descriptor for, and served nobody.
+TEST(FxsimTcp, TooManyConnectionsAreClosedAndToldOnce)
+{
+    FxsimProcess process({"--tcp", "0", "--baud", "0", "--program", "none"}, Rights::Own, 40);
+    const QString name = process.waitReady();
+    std::vector<std::unique_ptr<TcpEnd>> hosts;
+    for (int host = 0; host < 60; ++host)
+        hosts.push_back(std::make_unique<TcpEnd>(name));
+    EXPECT_EQ(hosts.front()->ask(readD100, 12), zerosOfD100);
+    EXPECT_TRUE(hosts[58]->waitGone());
+    EXPECT_TRUE(hosts[59]->waitGone());
+    const QByteArray said = process.command("stats");
+    EXPECT_EQ(said.count("fxsim: too many connections: new ones are closed at once (ulimit -n)\n"),
+              1)
+        << said;
 }
 
 // More than the system keeps for a host is lost and counted, as on a serial line.
