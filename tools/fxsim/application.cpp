@@ -37,8 +37,7 @@ Application::Application(const Options& options) : m_options(options) {}
 
 void Application::start()
 {
-    prepareProgram();
-    prepareMemory();
+    preparePlc();
     prepareTrace();
     openControls();
     openLinks();
@@ -64,18 +63,7 @@ ExitCode Application::finish()
     return code;
 }
 
-void Application::prepareProgram()
-{
-    std::unique_ptr<Program> program;
-    if (m_options.program == QLatin1String("sample"))
-        program = std::make_unique<SampleProgram>();
-    else if (m_options.program != QLatin1String("none"))
-        program = loadScript(m_options.program);
-    m_simulator =
-        std::make_unique<Simulator>(m_options.settings, std::move(program), m_clock.nowUs());
-}
-
-void Application::prepareMemory()
+void Application::preparePlc()
 {
     if (!m_options.savePath.isEmpty())
         checkSaving(m_options.savePath);  // before the run, not after it, when the memory is lost
@@ -89,6 +77,13 @@ void Application::prepareMemory()
         loadImage(m_options.loadPath, image);
         memory.setImage(image);
     }
+    std::unique_ptr<Program> program;
+    if (m_options.program == QLatin1String("sample"))
+        program = std::make_unique<SampleProgram>();
+    else if (m_options.program != QLatin1String("none"))
+        program = loadScript(m_options.program, memory, m_options.settings.seed);
+    m_simulator =
+        std::make_unique<Simulator>(m_options.settings, std::move(program), m_clock.nowUs());
     m_simulator->powerOnWith(memory, m_clock.nowUs());
 }
 

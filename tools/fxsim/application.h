@@ -32,8 +32,7 @@ public:
     ExitCode finish();  // after the event loop ended; prints what could not be written
 
 private:
-    void prepareProgram();
-    void prepareMemory();
+    void preparePlc();
     void prepareTrace();
     void openControls();
     void openLinks();

@@ -56,8 +56,8 @@ TEST(FxsimFiles, BadFilesAreNamedBeforeAnythingStarts)
     const FailedStart script = runToEnd({"--program", path});
     EXPECT_EQ(script.exitCode, 7);
     EXPECT_EQ(script.errors, "fxsim: " + path.toUtf8() +
-                                 ": step 1: expected exactly one of \"set\", "
-                                 "\"add\", \"toggle\" and \"copy\"\n");
+                                 ": line 1, step 1: expected exactly one of \"set\", \"add\", "
+                                 "\"toggle\", \"copy\", \"ramp\" and \"random\"\n");
     EXPECT_EQ(runToEnd({"--load", path}).exitCode, 7);
     EXPECT_EQ(runToEnd({"--save", folder.path()}).exitCode, 7);
     EXPECT_EQ(runToEnd({"--trace", "/nonexistent/trace"}).exitCode, 7);

@@ -23,6 +23,8 @@ namespace {
 constexpr int recordBytes = 16;
 constexpr int recordAround = 1 + 2 + 1 + 1;  // byte count, address, type, checksum
 constexpr int dataAt = 4;
+constexpr qint64 largestFile =
+    1 << 20;  // five times the longest image, and 10,000 steps of a script
 
 enum class RecordType
 {
@@ -163,13 +165,23 @@ QByteArray hexText(const QByteArray& image)
     return text + recordText(0, RecordType::End, QByteArray());
 }
 
-void loadImage(const QString& path, QByteArray& image)
+QByteArray wholeFile(const QString& path)
 {
     QFile file(path);
+    if (QFileInfo(path).exists() && !QFileInfo(path).isFile())
+        refuse(QStringLiteral("not a regular file"));
     if (!file.open(QIODevice::ReadOnly))
-        throw Error(ExitCode::File, file.errorString()).at(path);
+        refuse(file.errorString());
+    if (file.size() > largestFile)
+        refuse(
+            QStringLiteral("%1 MB is too large: at most 1 MB makes sense").arg(file.size() >> 20));
+    return file.readAll();
+}
+
+void loadImage(const QString& path, QByteArray& image)
+{
     try {
-        applyHex(file.readAll(), image);
+        applyHex(wholeFile(path), image);
     } catch (const Error& error) {
         throw error.at(path);
     }

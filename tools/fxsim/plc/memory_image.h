@@ -23,6 +23,10 @@ QByteArray hexText(const QByteArray& image);
 void loadImage(const QString& path, QByteArray& image);
 void saveImage(const QString& path, const QByteArray& image);
 
+// All of a file that somebody wrote, for example a script. Throws when it is no regular file or
+// larger than any that makes sense.
+QByteArray wholeFile(const QString& path);
+
 // Throws when it is certain that nothing can be saved there. Changes nothing.
 void checkSaving(const QString& path);
 

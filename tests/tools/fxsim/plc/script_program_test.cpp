@@ -5,7 +5,11 @@
 
 #include "tests/tools/fxsim/error_text.h"
 #include "tests/tools/fxsim/printing.h"
+#include "tools/fxsim/plc/model.h"
 #include "tools/fxsim/plc/script_program.h"
+
+#include <QSet>
+#include <QTemporaryFile>
 
 #include <gtest/gtest.h>
 
@@ -16,7 +20,7 @@ namespace {
 struct ScriptRun
 {
     explicit ScriptRun(const QByteArray& steps)
-        : program(parseScript("{\"steps\":[" + steps + "]}"))
+        : program(parseScript("{\"steps\":[" + steps + "]}", memory, 1))
     {
         program->start(memory);
     }
@@ -27,18 +31,19 @@ struct ScriptRun
         return memory;
     }
 
-    std::unique_ptr<Program> program;
     PlcMemory memory;
+    std::unique_ptr<Program> program;
 };
 
 QString errorOf(const QByteArray& json)
 {
-    return errorText([json] { parseScript(json); });
+    const PlcMemory small = memoryOf(findModel("fx1s"));
+    return errorText([&] { parseScript(json, small, 1); });
 }
 
 QString errorOfStep(const QByteArray& step)
 {
-    return errorOf("{\"steps\":[{\"at\":0,\"set\":\"0\",\"value\":0}," + step + "]}");
+    return errorOf("{\"steps\":[{\"at\":0,\n\"set\":\"D0\",\"value\":0},\n" + step + "]}");
 }
 
 }  // namespace
@@ -66,49 +71,101 @@ TEST_P(ScriptSteps, DoWhatTheySayAtEachMoment)
 
 INSTANTIATE_TEST_SUITE_P(
     Of, ScriptSteps,
-    testing::Values(ScriptCase{"SetOnce",
-                               R"({"at": 1000, "set": "0x1000", "value": 4660, "bytes": 2})",
-                               0x1000,
-                               {{999, "0000"}, {1000, "3412"}}},
-                    ScriptCase{"SetAtPowerOn",
-                               R"({"at": 0, "set": "0x1000", "value": -2, "bytes": 4})",
-                               0x1000,
-                               {{0, "FEFFFFFF"}}},
-                    ScriptCase{"AddMakesUpForMissedOnes",
-                               R"({"every": 500, "add": "0x1002", "value": 3})",
-                               0x1002,
-                               {{499, "0000"}, {500, "0300"}, {2600, "0F00"}}},
-                    ScriptCase{"SumStartsAgainPastItsEnd",
-                               R"({"every": 1, "add": "0x1002", "value": 1, "from": 5, "to": 7})",
-                               0x1002,
-                               {{1, "0500"}, {3, "0700"}, {4, "0500"}}},
-                    ScriptCase{"SumWithoutEndWrapsInItsBytes",
-                               R"({"every": 1, "add": "0x1002", "value": 255, "bytes": 1})",
-                               0x1002,
-                               {{2, "FE00"}}},
-                    ScriptCase{"ToggledBit",
-                               R"({"every": 1000, "after": 0, "toggle": "0x0080.3"})",
-                               0x0080,
-                               {{0, "08"}, {1000, "00"}, {2000, "08"}}},
-                    ScriptCase{"SetBit",
-                               R"({"at": 0, "set": "0x0100.7", "value": 1},
+    testing::Values(
+        ScriptCase{"SetOnce",
+                   R"({"at": 1000, "set": "0x1000", "value": 4660, "bytes": 2})",
+                   0x1000,
+                   {{999, "0000"}, {1000, "3412"}}},
+        ScriptCase{"SetAtPowerOn",
+                   R"({"at": 0, "set": "0x1000", "value": -2, "bytes": 4})",
+                   0x1000,
+                   {{0, "FEFFFFFF"}}},
+        ScriptCase{"AddMakesUpForMissedOnes",
+                   R"({"every": 500, "add": "0x1002", "value": 3})",
+                   0x1002,
+                   {{499, "0000"}, {500, "0300"}, {2600, "0F00"}}},
+        ScriptCase{"SumStartsAgainPastItsEnd",
+                   R"({"every": 1, "add": "0x1002", "value": 1, "from": 5, "to": 7})",
+                   0x1002,
+                   {{1, "0500"}, {3, "0700"}, {4, "0500"}}},
+        ScriptCase{"SumWithoutEndWrapsInItsBytes",
+                   R"({"every": 1, "add": "0x1002", "value": 255, "bytes": 1})",
+                   0x1002,
+                   {{2, "FE00"}}},
+        ScriptCase{"ToggledBit",
+                   R"({"every": 1000, "after": 0, "toggle": "0x0080.3"})",
+                   0x0080,
+                   {{0, "08"}, {1000, "00"}, {2000, "08"}}},
+        ScriptCase{"SetBit",
+                   R"({"at": 0, "set": "0x0100.7", "value": 1},
                       {"at": 5, "set": "0x0100.7", "value": 0})",
-                               0x0100,
-                               {{0, "80"}, {5, "00"}}},
-                    ScriptCase{"Copy",
-                               R"({"at": 0, "set": "0x1000", "value": 305419896, "bytes": 4},
+                   0x0100,
+                   {{0, "80"}, {5, "00"}}},
+        ScriptCase{"Copy",
+                   R"({"at": 0, "set": "0x1000", "value": 305419896, "bytes": 4},
                       {"every": 10, "copy": "0x1000", "to": "0x1100", "bytes": 3})",
-                               0x1100,
-                               {{10, "78563400"}}},
-                    ScriptCase{"StepsOfOneMomentInTheirOrder",
-                               R"({"every": 10, "add": "0x1000", "value": 1},
+                   0x1100,
+                   {{10, "78563400"}}},
+        ScriptCase{"DevicesHaveTheirBytes",
+                   R"({"at": 0, "set": "32CV200", "value": -2}, {"at": 1, "set": "D8", "value": -1},
+                      {"at": 2, "copy": "32CV200", "to": "32CV201", "count": 1})",
+                   0x0C00,
+                   {{1, "FEFFFFFF00000000"}, {2, "FEFFFFFFFEFFFFFF"}}},
+        ScriptCase{"SignedSumGoesBelowZero",
+                   R"({"every": 1, "add": "D0", "value": -1, "from": -2, "to": 5})",
+                   0x1000,
+                   {{1, "FFFF"}, {2, "FEFF"}, {3, "FEFF"}}},
+        ScriptCase{
+            "CopiedBits",
+            R"({"at": 0, "set": "D0", "value": 21}, {"at": 1, "copy": "D0.2", "to": "M6", "count": 4})",
+            0x0100,
+            {{0, "0000"}, {1, "4001"}}},
+        ScriptCase{
+            "BitsMovedOverThemselves",
+            R"({"at": 0, "set": "0x0100", "value": 7, "bytes": 1}, {"every": 1, "copy": "M0", "to": "M1", "count": 7})",
+            0x0100,
+            {{1, "0F"}, {2, "1F"}}},
+        ScriptCase{
+            "RampHolds",
+            R"({"ramp": "D0", "from": 10, "to": -10, "over": 1000, "after": 50, "every": 10})",
+            0x1000,
+            {{40, "0000"}, {50, "0A00"}, {550, "0000"}, {1050, "F6FF"}, {3000, "F6FF"}}},
+        ScriptCase{"RampGoesBack",
+                   R"({"ramp": "D0", "from": 0, "to": 100, "over": 1000, "then": "back"})",
+                   0x1000,
+                   {{500, "3200"}, {1000, "6400"}, {1500, "3200"}, {2000, "0000"}, {2300, "1E00"}}},
+        ScriptCase{"RampRepeats",
+                   R"({"ramp": "D0", "from": 0, "to": 100, "over": 1000, "then": "repeat"})",
+                   0x1000,
+                   {{900, "5A00"}, {1000, "0000"}, {1500, "3200"}}},
+        ScriptCase{"Conditions",
+                   R"({"at": 10, "set": "X1", "value": 1}, {"at": 20, "set": "D5", "value": -3},
+                      {"every": 1, "add": "D0", "if": "X1"}, {"every": 1, "add": "D1", "if": "!X1"},
+                      {"every": 1, "add": "D2", "if": ["X1", "D5 < 0"]},
+                      {"every": 1, "add": "D3", "if": "D5=D4"}, {"every": 1, "add": "D6", "if": "D5 >= -3"},
+                      {"every": 1, "add": "D7", "if": "D5 != 0x0"}, {"every": 1, "add": "D9", "if": "D0 > D1"},
+                      {"every": 1, "add": "D10", "if": "D0 <= 2"})",
+                   0x1000,
+                   {{30, "1500"
+                         "0900"
+                         "0B00"
+                         "1300"
+                         "0000"
+                         "FDFF"
+                         "1E00"
+                         "0B00"
+                         "0000"
+                         "0C00"
+                         "0B00"}}},
+        ScriptCase{"StepsOfOneMomentInTheirOrder",
+                   R"({"every": 10, "add": "0x1000", "value": 1},
                       {"every": 10, "copy": "0x1000", "to": "0x1100"})",
-                               0x1100,
-                               {{10, "0100"}, {35, "0300"}}},
-                    ScriptCase{"LongSleepNotMadeUpForWithoutEnd",
-                               R"({"every": 1, "add": "0x1000", "value": 1, "bytes": 4})",
-                               0x1000,
-                               {{500000000, "A0860100"}, {500000001, "A1860100"}}}),
+                   0x1100,
+                   {{10, "0100"}, {35, "0300"}}},
+        ScriptCase{"LongSleepNotMadeUpForWithoutEnd",
+                   R"({"every": 1, "add": "0x1000", "value": 1, "bytes": 4})",
+                   0x1000,
+                   {{500000000, "A0860100"}, {500000001, "A1860100"}}}),
     [](const auto& row) { return std::string(row.param.name); });
 
 TEST(Script, StepOfOneMomentIsDoneOnce)
@@ -132,7 +189,7 @@ TEST(Script, StartsAnewWithThePower)
 
 TEST(Script, CommentsMayStandAnywhere)
 {
-    EXPECT_EQ(errorOf(R"({"comment": "a", "steps": [{"comment": "b", "at": 0, "toggle": "0.0"}]})"),
+    EXPECT_EQ(errorOf(R"({"comment": "a", "steps": [{"comment": "b", "at": 0, "toggle": "M0"}]})"),
               "no error");
 }
 
@@ -143,47 +200,99 @@ TEST(Script, ErrorNamesTheLine)
     EXPECT_EQ(errorOf(R"({"steps": [], "stepps": []})"), "expected { \"steps\": [ ... ] }");
 }
 
-TEST(Script, ErrorNamesTheStep)
+TEST(Script, RandomValuesStayInTheirRangeAndAreTheSameAgain)
 {
-    const char* const oneAction =
-        "step 2: expected exactly one of \"set\", \"add\", \"toggle\" and \"copy\"";
-    const char* const oneTime = "step 2: expected either \"at\" or \"every\"";
-    const char* const place =
-        "step 2: \"set\" must be a byte address such as \"0x1000\", or a bit such "
-        "as \"0x0100.3\"";
+    const QByteArray steps = R"({"every": 1, "random": "D0", "from": -2, "to": 2},
+                                {"every": 1, "random": "M0"})";
+    ScriptRun first(steps);
+    ScriptRun second(steps);
+    QSet<int> seen;
+    for (int ms = 1; ms <= 200; ++ms) {
+        const auto value = static_cast<qint16>(first.at(ms).value(0x1000, 2));
+        EXPECT_GE(value, -2);
+        EXPECT_LE(value, 2);
+        EXPECT_EQ(static_cast<qint16>(second.at(ms).value(0x1000, 2)), value);
+        seen << value << 10 + first.memory.byte(0x0100);
+    }
+    EXPECT_EQ(seen.size(), 5 + 2);
+}
+
+TEST(Script, ErrorNamesTheStepAndWhatWasRead)
+{
+    const char* const oneAction = "expected exactly one of \"set\", \"add\", \"toggle\", "
+                                  "\"copy\", \"ramp\" and \"random\"";
+    const char* const oneTime = "expected either \"at\" or \"every\"";
+    const char* const absent = "this PLC does not have all of that memory";
     const struct
     {
         const char* step;
-        const char* error;
+        QString error;
     } rows[] = {
-        {"7", oneAction},
         {R"({"at": 0})", oneAction},
-        {R"({"at": 0, "toggle": "0.0", "add": "0"})", oneAction},
-        {R"({"toggle": "0.0"})", oneTime},
-        {R"({"at": 1, "every": 1, "toggle": "0.0"})", oneTime},
-        {R"({"every": 0, "toggle": "0.0"})",
-         "step 2: \"every\" must be a whole number from 1 to 604800000"},
-        {R"({"at": 0.5, "toggle": "0.0"})",
-         "step 2: \"at\" must be a whole number from 0 to 604800000"},
-        {R"({"at": 0, "toggle": "0x80"})", "step 2: \"toggle\" must be a bit such as \"0x0080.3\""},
-        {R"({"at": 0, "add": "0x80.1"})", "step 2: \"add\" must be a byte address, not a bit"},
-        {R"({"at": 0, "set": "0x10000", "value": 1})", place},
-        {R"({"at": 0, "set": "0x80.8", "value": 1})", place},
-        {R"({"at": 0, "set": "0x1000"})",
-         "step 2: \"value\" must be a whole number from -2147483648 to 4294967295"},
+        {R"({"at": 0, "toggle": "M0", "add": "D0"})", oneAction},
+        {R"({"toggle": "M0"})", oneTime},
+        {R"({"at": 1, "every": 1, "toggle": "M0"})", oneTime},
+        {R"({"every": 0, "toggle": "M0"})",
+         "\"every\" is 0: expected a whole number from 1 to 604800000"},
+        {R"({"at": 0.5, "toggle": "M0"})",
+         "\"at\" is 0.5: expected a whole number from 0 to 604800000"},
+        {R"({"at": 0, "toggle": "D0"})",
+         "\"toggle\" is \"D0\": expected a bit, as in \"X0\", \"D5.3\" or \"0x0080.3\""},
+        {R"({"at": 0, "add": "M1"})",
+         "\"add\" is \"M1\": expected a word, as in \"D100\", and not a bit"},
+        {R"({"at": 0, "set": 5, "value": 1})",
+         "\"set\" is 5: expected a device, as in \"D100\", or an address, as in \"0x1000\" or "
+         "\"0x0100.3\""},
+        {R"({"at": 0, "set": "0x10000", "value": 1})",
+         "\"set\": invalid address '0x10000': expected a device, as in D100, or 0x0000 to 0xFFFF"},
+        {R"({"at": 0, "set": "X8", "value": 1})",
+         "\"set\": invalid device 'X8': expected X0 to X377, in octal"},
+        {R"({"at": 0, "set": "D0"})",
+         "\"value\" is missing: expected a whole number from -32768 to 65535"},
+        {R"({"at": 0, "set": "D0", "value": 70000})",
+         "\"value\" is 70000: expected a whole number from -32768 to 65535"},
+        {R"({"at": 0, "set": "0x1000", "value": 256, "bytes": 1})",
+         "\"value\" is 256: expected a whole number from -128 to 255"},
+        {R"({"at": 0, "set": "X0", "value": 2})",
+         "\"value\" is 2: expected a whole number from 0 to 1"},
         {R"({"at": 0, "set": "0x1000", "value": 1, "bytes": 3})",
-         "step 2: \"bytes\" must be 1, 2 or 4"},
-        {R"({"at": 0, "set": "0xFFFF", "value": 1})",
-         "step 2: the value extends beyond address 0xFFFF"},
-        {R"({"at": 0, "set": "0x1000", "value": 1, "to": 3})",
-         "step 2: \"to\" is not expected here"},
+         "\"bytes\" is 3: expected 1, 2 or 4"},
+        {R"({"at": 0, "set": "0x11FF", "value": 1})", QString("\"set\": ") + absent},
+        {R"({"at": 0, "set": "D256", "value": 1})", QString("\"set\": ") + absent},
+        {R"({"at": 0, "copy": "D0", "to": "D250", "count": 7})", QString("\"to\": ") + absent},
+        {R"({"at": 0, "copy": "X0", "to": "D0"})",
+         "\"to\" is \"D0\": expected as many bits as there are in one of \"copy\""},
+        {R"({"at": 0, "set": "D0", "value": 1, "to": 3})", "\"to\" is not expected here"},
+        {R"({"ramp": "D0", "from": 0, "to": 9, "over": 1, "then": "stop"})",
+         "\"then\" is \"stop\": expected \"hold\", \"back\" or \"repeat\""},
+        {R"({"at": 0, "random": "D0", "from": 5, "to": 4})",
+         "\"to\" is 4: expected a whole number from 5 to 65535"},
+        {R"({"at": 0, "toggle": "M0", "if": "X0 and X1"})",
+         "\"if\": invalid condition 'X0 and X1': expected a bit, as in \"X0\" or \"!X0\", or a "
+         "comparison, as in \"D100 > 5\""},
+        {R"({"at": 0, "toggle": "M0", "if": "D0"})",
+         "\"if\": what is D0 compared with? Write a comparison, as in \"D0 > 5\""},
+        {R"({"at": 0, "toggle": "M0", "if": ["X0", 1]})",
+         "\"if\" is [\"X0\",1]: expected a condition, as in \"D100 > 5\", or a list"},
+        {R"({"at": 0, "toggle": "M0", "if": "Q7"})",
+         "\"if\": invalid device 'Q7': expected X, Y, M, S, T, C, D, TV, CV or 32CV"},
+        {R"({"at": 0, "toggle": "M0", "if": "M600"})", QString("\"if\": ") + absent},
     };
     for (const auto& row : rows)
-        EXPECT_EQ(errorOfStep(row.step), row.error);
+        EXPECT_EQ(errorOfStep(row.step), "line 3, step 2: " + row.error) << row.step;
+    EXPECT_EQ(errorOfStep("7"), "step 2: 7 is not a step: expected { ... }");
 }
 
 TEST(Script, FileThatIsMissingIsNamed)
 {
-    EXPECT_EQ(errorText([] { loadScript("/nonexistent/plant.json"); }),
+    const auto errorOfFile = [](const char* path) {
+        return errorText([path] { loadScript(path, PlcMemory(), 1); });
+    };
+    EXPECT_EQ(errorOfFile("/nonexistent/plant.json"),
               "/nonexistent/plant.json: No such file or directory");
+    EXPECT_EQ(errorOfFile("/dev/zero"), "/dev/zero: not a regular file");
+    QTemporaryFile large;
+    ASSERT_TRUE(large.open() && large.resize(5 << 20));
+    EXPECT_EQ(errorOfFile(qPrintable(large.fileName())),
+              large.fileName() + ": 5 MB is too large: at most 1 MB makes sense");
 }
