@@ -9,6 +9,7 @@
 #include <csignal>
 #include <ctime>
 
+#include <sys/time.h>
 #include <unistd.h>
 
 namespace fxtools {
@@ -35,8 +36,8 @@ extern "C" void noteInterrupt(int signalNumber)
 {
     if (interruptSeen == 0) {
         clock_gettime(CLOCK_MONOTONIC, &firstSeen);
-        interruptSeen = 1;
-    } else if (sinceFirstMs() > oneInterruptMs) {
+        interruptSeen = signalNumber;
+    } else if (signalNumber != SIGALRM && sinceFirstMs() > oneInterruptMs) {
         struct sigaction action = {};
         action.sa_handler = SIG_DFL;
         sigaction(signalNumber, &action, nullptr);
@@ -58,6 +59,7 @@ void catchSignals()
     action.sa_flags = SA_RESTART;
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
+    sigaction(SIGALRM, &action, nullptr);
     action.sa_handler = noteContinued;
     sigaction(SIGCONT, &action, nullptr);
 }
@@ -65,6 +67,19 @@ void catchSignals()
 bool interrupted()
 {
     return interruptSeen != 0;
+}
+
+int interruptSignal()
+{
+    return interruptSeen;
+}
+
+void interruptAfter(qint64 timeMs)
+{
+    itimerval timer = {};
+    timer.it_value.tv_sec = timeMs / 1000;
+    timer.it_value.tv_usec = timeMs % 1000 * 1000;
+    setitimer(ITIMER_REAL, &timer, nullptr);
 }
 
 bool sleepUnlessInterrupted(qint64 timeMs)

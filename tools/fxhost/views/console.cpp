@@ -8,6 +8,7 @@
 #include "tools/link/interrupt.h"
 
 #include <algorithm>
+#include <csignal>
 #include <iostream>
 
 #include <sys/ioctl.h>
@@ -165,11 +166,11 @@ void Console::progress(const QString& label, int done, int total)
 void Console::settle()
 {
     unfinished.drawnLines = 0;
-    const bool afterEcho = interrupted() && !unfinished.echoed;
+    const bool afterEcho = interruptSignal() == SIGINT && !unfinished.echoed;
     if (!fxtools::isTerminal(STDOUT_FILENO) || !(unfinished.bar || afterEcho))
         return;
     unfinished.bar = false;
-    unfinished.echoed = interrupted();
+    unfinished.echoed = interruptSignal() == SIGINT;
     put(QStringLiteral("\n"));
     std::cout.flush();
 }
