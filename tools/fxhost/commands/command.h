@@ -56,7 +56,7 @@ void chooseLink(CommonOptions& common);
 // For commands that change a PLC or judge one: throws Failure if no link was named.
 void demandNamedLink(const CommonOptions& common);
 
-// Accepts "1000", "1000ms" and "1s" as a time in milliseconds.
+// Accepts "1000", "1000ms", "1.5s", "10min", "8h" and "1d" as a time in milliseconds.
 CLI::Validator timeInMs();
 
 // Examples below the help of a command; each runs as it stands.

@@ -6,6 +6,9 @@
 
 #include "tools/fxhost/commands/command.h"
 
+#include <cmath>
+#include <cstdlib>
+
 namespace fxtools {
 
 namespace {
@@ -73,9 +76,20 @@ void addPatienceOptions(CLI::App& app, CommonOptions& common)
 
 CLI::Validator timeInMs()
 {
-    return CLI::AsNumberWithUnit(std::map<std::string, double>{{"ms", 1}, {"s", 1000}},
-                                 CLI::AsNumberWithUnit::CASE_INSENSITIVE)
-        .description("");
+    return CLI::Validator(
+        [](std::string& text) -> std::string {
+            static const std::map<std::string, double> units = {
+                {"", 1}, {"ms", 1}, {"s", 1e3}, {"min", 60e3}, {"h", 3600e3}, {"d", 86400e3}};
+            char* end = nullptr;
+            const double number = std::strtod(text.c_str(), &end);
+            const auto unit = units.find(CLI::detail::to_lower(CLI::detail::trim_copy(end)));
+            const double timeMs = unit == units.end() ? HUGE_VAL : number * unit->second;
+            if (end == text.c_str() || !(std::abs(timeMs) < 1e12))
+                return "'" + text + "' is not a time; use 500, 500ms, 1.5s, 10min, 8h or 1d";
+            text = std::to_string(std::llround(timeMs));
+            return {};
+        },
+        "");
 }
 
 void addLinkOptions(CLI::App& app, CommonOptions& common)
