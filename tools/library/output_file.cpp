@@ -8,6 +8,9 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
+#include <cerrno>
+#include <cstring>
+
 #include <unistd.h>
 
 namespace fxtools {
@@ -18,7 +21,8 @@ const QString standardOutput = QStringLiteral("-");
 
 [[noreturn]] void fail(const QFileDevice& file)
 {
-    throw Failure(ExitCode::File, file.fileName() + ": " + file.errorString());
+    const QString name = file.fileName().isEmpty() ? "standard output" : file.fileName();
+    throw Failure(ExitCode::File, name + ": " + file.errorString());
 }
 
 // What an interrupted program wrote of its last line is dropped.
@@ -83,6 +87,13 @@ void OutputFile::write(const QByteArray& bytes)
     if (m_file->write(bytes) != bytes.size() || !(m_file->flush() || m_file->flush()))
         fail(*m_file);
     m_isEmpty = false;
+}
+
+// Standard output may be something that cannot be synchronised.
+void OutputFile::sync()
+{
+    if (fdatasync(m_file->handle()) != 0 && errno != EINVAL && errno != EROFS)
+        throw Failure(ExitCode::File, m_name + ": " + QString::fromLocal8Bit(strerror(errno)));
 }
 
 void OutputFile::commit()

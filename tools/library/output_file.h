@@ -33,7 +33,8 @@ public:
     bool isStandardOutput() const;
     bool isEmpty() const { return m_isEmpty; }
 
-    void write(const QByteArray& bytes);  // all of them, to the disk; throws Failure
+    void write(const QByteArray& bytes);  // all of them, to the system; throws Failure
+    void sync();                          // a power cut no longer costs them; throws Failure
     void commit();                        // the file is complete; throws Failure
 
 private:

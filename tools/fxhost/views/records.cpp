@@ -19,6 +19,13 @@ QString textOf(const QJsonValue& value)
     return value.toVariant().toString();
 }
 
+void putLine(const QByteArray& line)
+{
+    Console().line(QString::fromUtf8(line));
+}
+
+}  // namespace
+
 QString csvField(const QString& text)
 {
     static const QString special = QStringLiteral(",\"\r\n");
@@ -28,13 +35,6 @@ QString csvField(const QString& text)
     }
     return text;
 }
-
-void putLine(const QByteArray& line)
-{
-    Console().line(QString::fromUtf8(line));
-}
-
-}  // namespace
 
 QString timestamp()
 {

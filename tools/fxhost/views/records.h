@@ -63,6 +63,9 @@ private:
 void showResult(const OutputOptions& options, const QString& words,
                 const QVector<QPair<QString, QJsonValue>>& fields);
 
+// A cell of CSV, quoted if it must be.
+QString csvField(const QString& text);
+
 // The time as records carry it: 2026-01-31T13:05:00.123, in local time.
 QString timestamp();
 

@@ -1,0 +1,79 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+
+#include "tools/fxhost/views/log_format.h"
+
+#include "tools/fxhost/views/json_text.h"
+
+#include <cmath>
+
+namespace fxtools {
+
+namespace {
+
+QByteArray csvLine(const QStringList& cells)
+{
+    QStringList fields;
+    for (const QString& cell : cells)
+        fields += csvField(cell);
+    return fields.join(',').toUtf8() + '\n';
+}
+
+}  // namespace
+
+QString isoTime(const QDateTime& time)
+{
+    const int minutes = time.offsetFromUtc() / 60;
+    return time.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz")) +
+           QTime(0, 0).addSecs(60 * std::abs(minutes)).toString(minutes < 0 ? "-HH:mm" : "+HH:mm");
+}
+
+bool differs(const QJsonValue& value, const QJsonValue& before, double deadband)
+{
+    if (value.isDouble() && before.isDouble())
+        return std::abs(value.toDouble() - before.toDouble()) > deadband;
+    return value != before;
+}
+
+bool differs(const LogRow& row, const LogRow& before, double deadband)
+{
+    if (row.error != before.error)
+        return true;
+    for (int column = 0; column < row.values.size(); ++column) {
+        if (differs(row.values[column], before.values[column], deadband))
+            return true;
+    }
+    return false;
+}
+
+QByteArray LogFormat::heading() const
+{
+    if (m_mode == OutputMode::Json)
+        return {};
+    return csvLine(QStringList("time") + m_names + QStringList("error"));
+}
+
+QByteArray LogFormat::line(const LogRow& row) const
+{
+    if (m_mode == OutputMode::Json)
+        return jsonLine(row);
+    QStringList cells = {isoTime(row.time)};
+    for (const QJsonValue& value : row.values)
+        cells += value.toVariant().toString();
+    return csvLine(cells << row.error);
+}
+
+QByteArray LogFormat::jsonLine(const LogRow& row) const
+{
+    QVector<JsonMember> values;
+    for (int column = 0; column < m_names.size(); ++column)
+        values.append({m_names[column], jsonText(row.values[column])});
+    QVector<JsonMember> members = {{"time", jsonText(isoTime(row.time))},
+                                   {"link", jsonText(m_link)},
+                                   {"values", jsonObject(values)}};
+    if (!row.error.isEmpty())
+        members.append({"error", jsonText(row.error)});
+    return jsonObject(members) + '\n';
+}
+
+}  // namespace fxtools

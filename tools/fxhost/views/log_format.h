@@ -1,0 +1,50 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// The rows of a log. In CSV it is wide: a row for each time, a column for each register, and at the
+// end the reason for empty cells. In JSON each line is an object.
+
+#pragma once
+
+#include "tools/fxhost/views/records.h"
+
+#include <QDateTime>
+
+namespace fxtools {
+
+struct LogRow
+{
+    QDateTime time;
+    QVector<QJsonValue> values;  // undefined: not read
+    QString error;               // empty if all were read
+};
+
+// Whether a row has other values than the one before it, or another error. Numbers that differ by
+// `deadband` or less are the same.
+bool differs(const LogRow& row, const LogRow& before, double deadband);
+
+// The same for one value.
+bool differs(const QJsonValue& value, const QJsonValue& before, double deadband);
+
+class LogFormat
+{
+public:
+    LogFormat(OutputMode mode, const QString& link, const QStringList& names)
+        : m_mode(mode), m_link(link), m_names(names)
+    {}
+
+    QByteArray heading() const;  // "time,D0,D1,error"; none in JSON
+    QByteArray line(const LogRow& row) const;
+
+private:
+    QByteArray jsonLine(const LogRow& row) const;
+
+    OutputMode m_mode;
+    QString m_link;
+    QStringList m_names;
+};
+
+// 2026-01-31T13:05:00.123+01:00
+QString isoTime(const QDateTime& time);
+
+}  // namespace fxtools
