@@ -3,7 +3,15 @@
 
 #include "tools/fxhost/commands/cycles.h"
 
+#include "tools/link/interrupt.h"
+
 namespace fxtools {
+
+namespace {
+
+constexpr int longestIntervalMs = 86400000;
+
+}  // namespace
 
 void addCountOption(CLI::App& command, int& cycles, bool mayBeEndless)
 {
@@ -15,6 +23,23 @@ void addCountOption(CLI::App& command, int& cycles, bool mayBeEndless)
                     "Number of cycles (default: " + std::to_string(cycles) + endless + ")")
         ->type_name("N")
         ->check(CLI::Range(mayBeEndless ? 0 : 1, mostCycles).description(""));
+}
+
+void addIntervalOption(CLI::App& command, int& intervalMs)
+{
+    command
+        .add_option("-l,--interval", intervalMs,
+                    "Time between cycles in ms, or with a unit: 0.5s (default: 1000)")
+        ->type_name("MS")
+        ->transform(timeInMs())
+        ->check(CLI::Range(0, longestIntervalMs).description(""));
+}
+
+void addDeadbandOption(CLI::App& command, double& deadband)
+{
+    command.add_option("--deadband", deadband, "Ignore changes up to NUMBER")
+        ->type_name("NUMBER")
+        ->check(CLI::Range(0.0, 4294967295.0).description(""));
 }
 
 ExitCode pollCycles(Connection& connection, const QVector<RegisterRange>& ranges, int cycles,
@@ -34,6 +59,27 @@ ExitCode pollCycles(Connection& connection, const QVector<RegisterRange>& ranges
             onCycle(loop.elapsedUs() - startedUs);
     }
     return exitCodeOf(loop.statistics());
+}
+
+// Cycles begin on a grid of times, so that what they cost does not add up.
+RoundEnd pollEvery(int intervalMs, int cycles, ExchangeLoop& loop, Poller& poller,
+                   const std::function<void()>& onCycle)
+{
+    const qint64 intervalUs = qint64(1000) * intervalMs;
+    const qint64 startedUs = loop.elapsedUs();
+    for (int cycle = 1;; ++cycle) {
+        const RoundEnd end = poller.poll();
+        if (end == RoundEnd::Interrupted)
+            return end;
+        onCycle();
+        if (end == RoundEnd::LinkLost)
+            return end;
+        if (cycle == cycles)
+            return RoundEnd::Done;
+        if (intervalUs > 0)
+            sleepUnlessInterrupted((intervalUs - (loop.elapsedUs() - startedUs) % intervalUs) /
+                                   1000);
+    }
 }
 
 }  // namespace fxtools

@@ -5,7 +5,7 @@
 
 #pragma once
 
-#include "tools/exchange/polling.h"
+#include "tools/exchange/poller.h"
 #include "tools/fxhost/commands/connection.h"
 
 namespace fxtools {
@@ -13,10 +13,18 @@ namespace fxtools {
 // -n,--count with `cycles` as its default. At 0, if that is allowed, polling goes on until Ctrl-C.
 void addCountOption(CLI::App& command, int& cycles, bool mayBeEndless);
 
+void addIntervalOption(CLI::App& command, int& intervalMs);  // -l,--interval
+void addDeadbandOption(CLI::App& command, double& deadband);
+
 // Makes so many cycles and calls `onCycle` after each complete one. A counted run ends early if the
 // PLC has never answered, and every run if the output can no longer be written. Returns the exit
 // code for all exchanges so far, or for a lost link or an interrupt.
 ExitCode pollCycles(Connection& connection, const QVector<RegisterRange>& ranges, int cycles,
                     const std::function<void(qint64 cycleUs)>& onCycle = {});
+
+// Makes a cycle every `intervalMs`, or as soon as the one before has ended. Calls `onCycle` after
+// each, also if the link was lost for good, which ends it as an interrupt does.
+RoundEnd pollEvery(int intervalMs, int cycles, ExchangeLoop& loop, Poller& poller,
+                   const std::function<void()>& onCycle);
 
 }  // namespace fxtools

@@ -5,16 +5,13 @@
 // line for each change. Continues when a lost link is back.
 
 #include "tools/fxhost/commands/address_options.h"
+#include "tools/fxhost/commands/cycles.h"
 #include "tools/fxhost/commands/poll_result.h"
-#include "tools/link/interrupt.h"
-
-#include <cmath>
+#include "tools/fxhost/views/log_format.h"
 
 namespace fxtools {
 
 namespace {
-
-constexpr int longestIntervalMs = 86400000;
 
 struct WatchOptions
 {
@@ -82,11 +79,7 @@ bool Watcher::isNew(const PolledValue& polled) const
     const auto found = m_shown.constFind(polled.name);
     if (found == m_shown.constEnd() || found->problem != polled.problem)
         return true;
-    if (polled.problem || found->value == polled.value)
-        return false;
-    if (!polled.value.isDouble() || m_options.deadband <= 0)
-        return true;
-    return std::abs(polled.value.toDouble() - found->value.toDouble()) > m_options.deadband;
+    return !polled.problem && differs(polled.value, found->value, m_options.deadband);
 }
 
 void Watcher::showTable(const QVector<PolledValue>& values)
@@ -125,19 +118,10 @@ ExitCode runWatch(const CommonOptions& common, const WatchOptions& options)
     needWholeValues(ranges, options.format);
     Poller poller(connection.loop(), connection.catalogue(), ranges);
     Watcher watcher(options, common.output);
-    const int cycles = options.once ? 1 : options.cycles;
-    for (int cycle = 1; cycles == 0 || cycle <= cycles; ++cycle) {
-        const qint64 startedUs = connection.loop().elapsedUs();
-        const RoundEnd end = poller.poll();
-        if (end == RoundEnd::Interrupted)
-            return ExitCode::Interrupted;
-        watcher.show(poller);
-        if (end == RoundEnd::LinkLost)
-            return ExitCode::LinkNotOpened;
-        if (cycle != cycles)
-            sleepUnlessInterrupted(options.intervalMs -
-                                   (connection.loop().elapsedUs() - startedUs) / 1000);
-    }
+    const RoundEnd end = pollEvery(options.intervalMs, options.once ? 1 : options.cycles,
+                                   connection.loop(), poller, [&] { watcher.show(poller); });
+    if (end != RoundEnd::Done)
+        return exitCodeOf(verdictOf(end));
     return watcher.exitCode();
 }
 
@@ -149,21 +133,11 @@ void addWatchCommand(CLI::App& app, const CommonOptions& common, Action& action)
     const auto options = std::make_shared<WatchOptions>();
     addAddressOptions(*command, options->addresses);
     addFormatOption(*command, options->format);
-    command
-        ->add_option("-l,--interval", options->intervalMs,
-                     "Time between cycles in ms, or with a unit: 0.5s (default: 1000)")
-        ->type_name("MS")
-        ->transform(timeInMs())
-        ->check(CLI::Range(0, longestIntervalMs).description(""));
-    command
-        ->add_option("-n,--count", options->cycles, "Number of cycles (default: 0 = until Ctrl-C)")
-        ->type_name("N")
-        ->check(CLI::Range(0, mostCycles).description(""));
+    addIntervalOption(*command, options->intervalMs);
+    addCountOption(*command, options->cycles, true);
     command->add_flag("-1,--once", options->once, "Stop after one cycle");
     command->add_flag("--log", options->log, "Print one line for each change, also on a terminal");
-    command->add_option("--deadband", options->deadband, "Ignore changes up to NUMBER")
-        ->type_name("NUMBER")
-        ->check(CLI::Range(0.0, 4294967295.0).description(""));
+    addDeadbandOption(*command, options->deadband);
     addExamples(*command, {"fxhost watch D0:4 TV0 X0:8 -n 3",
                            "fxhost watch D1 --log --timestamps --deadband 50 -l 200 -n 10",
                            "fxhost watch -t X -r 0 -c 8 -l 500 -1"});
