@@ -51,6 +51,9 @@ if(TARGET fxhost)
     install(DIRECTORY packaging/completion/ COMPONENT tools
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 
+    install(FILES packaging/systemd/fxhost-log@.service COMPONENT tools
+        DESTINATION lib/systemd/system)
+
     # fxhost loads the library by name, as panels do, and finds it from its own folder.
     file(RELATIVE_PATH library_beside_tools
         /prefix/${CMAKE_INSTALL_BINDIR} /prefix/${CMAKE_INSTALL_LIBDIR})

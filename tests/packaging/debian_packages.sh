@@ -89,6 +89,7 @@ END
 ! has_tools || expect_files "$tools" <<END
 ./usr/bin/fxhost
 ./usr/bin/fxsim
+./usr/lib/systemd/system/fxhost-log@.service
 ./usr/share/bash-completion/completions/fxhost
 ./usr/share/bash-completion/completions/fxsim
 ./usr/share/doc/fx-tools/changelog.gz

@@ -73,6 +73,7 @@ void addCommands(CLI::App& app, CommonOptions& common, Action& action)
     addReadCommand(app, common, action);
     addWriteCommand(app, common, action);
     addWatchCommand(app, common, action);
+    addLogCommand(app, common, action);
     addRecipeCommand(app, common, action);
     addDumpCommand(app, common, action);
     addRestoreCommand(app, common, action);

@@ -66,6 +66,7 @@ void addCheckCommand(CLI::App& app, const CommonOptions& common, Action& action)
 void addDemoCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addDoctorCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addDumpCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addLogCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addMonitorCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addPlanCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addReadCommand(CLI::App& app, const CommonOptions& common, Action& action);

@@ -1,0 +1,210 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// fxhost log: values over time, for a spreadsheet or a program: a row for each cycle or for each
+// change, in a file that is rotated or on standard output. A lost link leaves a row without values.
+
+#include "tools/fxhost/commands/address_options.h"
+#include "tools/fxhost/commands/cycles.h"
+#include "tools/fxhost/commands/poll_result.h"
+#include "tools/fxhost/views/log_file.h"
+#include "tools/fxhost/views/log_format.h"
+#include "tools/link/interrupt.h"
+
+#include <csignal>
+
+namespace fxtools {
+
+namespace {
+
+const std::string standardOutput = "-";
+constexpr qint64 longestDurationMs = qint64(3660) * 86400 * 1000;
+
+struct LogOptions
+{
+    AddressOptions addresses;
+    ValueFormat format = ValueFormat::Unsigned;
+    int intervalMs = 1000;
+    int cycles = 0;  // 0: until stopped
+    qint64 durationMs = 0;
+    bool onlyChanges = false;
+    double deadband = 0;
+    std::string file = standardOutput;
+    bool force = false;
+    bool append = false;
+    Rotation rotation;
+};
+
+LogFile::Settings fileSettings(const LogOptions& options)
+{
+    const bool rotates = options.rotation.bytes > 0 || options.rotation.periodMs > 0;
+    if (options.file == standardOutput && (options.append || rotates))
+        throw Failure(ExitCode::Usage, "--append and --rotate-... need --output FILE");
+    if (options.append && options.force)
+        throw Failure(ExitCode::Usage, "--append continues a file, --force replaces it: give one");
+    return {QString::fromStdString(options.file), options.force, options.append, options.rotation};
+}
+
+QVector<PolledValue> valuesOf(const Poller& poller, ValueFormat format)
+{
+    QVector<PolledValue> values;
+    for (const RegisterRange& range : poller.ranges())
+        values += polledValues(poller, range, format);
+    return values;
+}
+
+// "no reply" if that is so for all of them, else "D1 D2: refused by the PLC (NAK)".
+QString errorsOf(const QVector<PolledValue>& values)
+{
+    QMap<QString, QStringList> names;
+    for (const PolledValue& value : values) {
+        if (value.problem)
+            names[value.error().toString()] += value.name;
+    }
+    QStringList errors;
+    for (auto reason = names.begin(); reason != names.end(); ++reason) {
+        const bool isForAll = reason->size() == values.size();
+        errors += isForAll ? reason.key() : reason->join(' ') + ": " + reason.key();
+    }
+    return errors.join(QStringLiteral("; "));
+}
+
+// Writes the rows of one log.
+class Logger
+{
+public:
+    Logger(const Connection& connection, const LogOptions& options, OutputMode mode,
+           const QStringList& names)
+        : m_options(options), m_format(mode, connection.link().name(), names),
+          m_gap(names.size(), QJsonValue(QJsonValue::Undefined)),
+          m_file(fileSettings(options), m_format.heading(), connection.catalogue())
+    {}
+
+    void addCycle(const QVector<PolledValue>& values);
+    void addGap(const QString& reason);
+    int rows() const { return m_file.lines(); }
+    ExitCode exitCode() const { return m_lastCycle.exitCode(); }
+
+private:
+    void add(const LogRow& row);
+
+    const LogOptions& m_options;
+    LogFormat m_format;
+    QVector<QJsonValue> m_gap;
+    LogFile m_file;
+    PollResult m_lastCycle;
+    std::optional<LogRow> m_last;
+};
+
+void Logger::addCycle(const QVector<PolledValue>& values)
+{
+    LogRow row{QDateTime::currentDateTime(), {}, errorsOf(values)};
+    m_lastCycle = {};
+    for (const PolledValue& value : values) {
+        m_lastCycle.count(value);
+        row.values.append(value.value);
+    }
+    if (!m_options.onlyChanges || !m_last || differs(row, *m_last, m_options.deadband))
+        add(row);
+}
+
+void Logger::addGap(const QString& reason)
+{
+    add({QDateTime::currentDateTime(), m_gap, reason});
+}
+
+void Logger::add(const LogRow& row)
+{
+    m_file.write(m_format.line(row), row.time);
+    m_last = row;
+}
+
+ExitCode logUntilStopped(Connection& connection, const CommonOptions& common,
+                         const LogOptions& options)
+{
+    const QVector<RegisterRange> ranges = rangesOf(options.addresses, connection.catalogue());
+    needWholeValues(ranges, options.format);
+    Poller poller(connection.loop(), connection.catalogue(), ranges);
+    QStringList names;
+    for (const PolledValue& value : valuesOf(poller, options.format))
+        names += value.name;
+    Logger logger(connection, options, common.output.mode, names);
+    const auto reconnect = connection.loop().onLinkLost;
+    connection.loop().onLinkLost = [&] {
+        logger.addGap(verdictText(ReplyVerdict::LinkLost));
+        return reconnect();
+    };
+    const RoundEnd end = pollEvery(options.intervalMs, options.cycles, connection.loop(), poller,
+                                   [&] { logger.addCycle(valuesOf(poller, options.format)); });
+    if (options.file != standardOutput) {
+        const QString path = QString::fromStdString(options.file);
+        showResult(common.output, "  " + path + ": " + counted(logger.rows(), "row"),
+                   {{"file", path}, {"rows", logger.rows()}});
+    }
+    return end == RoundEnd::Done ? logger.exitCode() : exitCodeOf(verdictOf(end));
+}
+
+// Asked to stop by the system or by --duration, the log is complete.
+ExitCode runLog(const CommonOptions& common, const LogOptions& options)
+{
+    ExitCode code = ExitCode::Interrupted;
+    try {
+        fileSettings(options);  // before anything is sent
+        Connection connection(common);
+        connection.waitForLinkWithoutEnd();
+        if (options.durationMs > 0)
+            interruptAfter(options.durationMs);
+        code = logUntilStopped(connection, common, options);
+    } catch (const Failure& failure) {
+        if (failure.code() != ExitCode::Interrupted)
+            throw;
+    }
+    const bool wasAsked = interruptSignal() == SIGTERM || interruptSignal() == SIGALRM;
+    return code == ExitCode::Interrupted && wasAsked ? ExitCode::Good : code;
+}
+
+void addLogFileOptions(CLI::App& command, LogOptions& options)
+{
+    command.add_option("--output", options.file, "File to write (default: -, standard output)")
+        ->type_name("FILE");
+    command.add_flag("--append", options.append, "Continue an existing file");
+    command.add_flag("--force", options.force, "Replace an existing file");
+    command
+        .add_option("--rotate-size", options.rotation.bytes,
+                    "Begin a new file before one is larger than SIZE: 500k, 10M")
+        ->type_name("SIZE")
+        ->transform(CLI::AsSizeValue(false).description(""));
+    command
+        .add_option("--rotate-every", options.rotation.periodMs,
+                    "Begin a new file at each full TIME of the clock: 1h, 1d")
+        ->type_name("TIME")
+        ->transform(timeInMs())
+        ->check(CLI::Range(qint64(1000), longestDurationMs).description(""));
+}
+
+}  // namespace
+
+void addLogCommand(CLI::App& app, const CommonOptions& common, Action& action)
+{
+    CLI::App* command = app.add_subcommand("log", "Save values over time as CSV or JSON lines");
+    const auto options = std::make_shared<LogOptions>();
+    addAddressOptions(*command, options->addresses);
+    addFormatOption(*command, options->format);
+    addIntervalOption(*command, options->intervalMs);
+    addCountOption(*command, options->cycles, true);
+    command->add_option("--duration", options->durationMs, "Stop after TIME: 90s, 10min, 8h, 1d")
+        ->type_name("TIME")
+        ->transform(timeInMs())
+        ->check(CLI::Range(qint64(1), longestDurationMs).description(""));
+    command->add_flag("--changes", options->onlyChanges, "Save a row only if a value has changed");
+    addDeadbandOption(*command, options->deadband);
+    addLogFileOptions(*command, *options);
+    addExamples(*command, {"fxhost log D0:4 X0:8 -l 500 -n 4",
+                           "fxhost log D0 TV0 --changes --deadband 5 --duration 2s --json",
+                           "fxhost log D0:4 --output log.csv --rotate-every 1d -n 3"});
+    command->callback([&action, &common, options] {
+        action = [&common, options] { return runLog(common, *options); };
+    });
+}
+
+}  // namespace fxtools
