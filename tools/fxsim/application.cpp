@@ -37,6 +37,7 @@ Application::Application(const Options& options) : m_options(options) {}
 
 void Application::start()
 {
+    checkView();
     preparePlc();
     prepareTrace();
     openControls();
@@ -44,11 +45,14 @@ void Application::start()
     connect(&m_scanTimer, &QTimer::timeout, this,
             [this] { m_simulator->advance(m_clock.nowUs()); });
     m_scanTimer.start(std::max(shortestScanMs, m_options.settings.timing.scanMs));
-    sayReady();
+    say(QStringLiteral("ready on %1").arg(linkNames()));
+    if (m_options.view)
+        openView();
 }
 
 ExitCode Application::finish()
 {
+    m_view.reset();  // what follows is for the terminal as it was before
     for (const std::unique_ptr<Link>& link : m_links)
         link->close();
     ExitCode code = ExitCode::Good;
@@ -61,6 +65,19 @@ ExitCode Application::finish()
         }
     }
     return code;
+}
+
+void Application::checkView() const
+{
+    if (!m_options.view)
+        return;
+    if (!ViewTerminal::exists())
+        throw Error(ExitCode::Usage, QStringLiteral("--view needs a terminal"));
+    if (m_options.trace && m_options.tracePath.isEmpty() && isatty(STDERR_FILENO) == 1)
+        throw Error(
+            ExitCode::Usage,
+            QStringLiteral("--view and --trace both need the terminal; write the trace to a "
+                           "file, as in --trace FILE"));
 }
 
 void Application::preparePlc()
@@ -105,15 +122,14 @@ void Application::prepareTrace()
 
 void Application::openControls()
 {
-    const ControlActions actions = {&QCoreApplication::quit,
-                                    [this](int forMs) { dropLinks(forMs); },
-                                    [this] { return m_clock.nowUs(); }};
-    m_control = std::make_unique<Control>(*m_simulator, actions);
+    m_actions = {&QCoreApplication::quit, [this](int forMs) { dropLinks(forMs); },
+                 [this] { return m_clock.nowUs(); }};
+    m_control = std::make_unique<Control>(*m_simulator, m_actions);
     if (!m_options.controlPath.isEmpty()) {
         m_socketControl = std::make_unique<SocketControl>(*m_control);
         m_socketControl->listen(m_options.controlPath);
     }
-    if (!m_options.noCommands)
+    if (!m_options.noCommands && !m_options.view)
         m_inputControl = std::make_unique<InputControl>(*m_control, STDIN_FILENO);
 }
 
@@ -132,7 +148,7 @@ void Application::openLinks()
 
 void Application::addLink(std::unique_ptr<Link> link)
 {
-    connect(link.get(), &Link::message, this, &say);
+    connect(link.get(), &Link::message, this, &Application::tell);
     m_links.push_back(std::move(link));
 }
 
@@ -142,12 +158,26 @@ void Application::dropLinks(int forMs)
         link->drop(forMs);
 }
 
-void Application::sayReady() const
+void Application::tell(const QString& news)
+{
+    if (!m_view)
+        return say(news);
+    m_view->say(news);
+    m_view->setLinks(linkNames());
+}
+
+QString Application::linkNames() const
 {
     QStringList names;
     for (const std::unique_ptr<Link>& link : m_links)
         names.append(link->name());
-    say(QStringLiteral("ready on %1").arg(names.join(QStringLiteral(", "))));
+    return names.join(QStringLiteral(", "));
+}
+
+void Application::openView()
+{
+    m_view = std::make_unique<View>(*m_simulator, *m_control, m_actions);
+    m_view->setLinks(linkNames());
 }
 
 void Application::printStatistics()

@@ -10,6 +10,7 @@
 #include "tools/fxsim/line/clock.h"
 #include "tools/fxsim/links/link.h"
 #include "tools/fxsim/options.h"
+#include "tools/fxsim/view/view.h"
 
 #include <QFile>
 #include <QTimer>
@@ -38,7 +39,10 @@ private:
     void openLinks();
     void addLink(std::unique_ptr<Link> link);
     void dropLinks(int forMs);
-    void sayReady() const;
+    void checkView() const;
+    void openView();
+    QString linkNames() const;
+    void tell(const QString& news);
     void printStatistics();
     void endTrace();
     void saveMemory();
@@ -46,10 +50,12 @@ private:
     Options m_options;
     Clock m_clock;
     std::unique_ptr<Simulator> m_simulator;
+    ControlActions m_actions;
     std::unique_ptr<Control> m_control;
     std::unique_ptr<InputControl> m_inputControl;
     std::unique_ptr<SocketControl> m_socketControl;
     std::vector<std::unique_ptr<Link>> m_links;
+    std::unique_ptr<View> m_view;
     QTimer m_scanTimer;
     QFile m_traceFile;
 };

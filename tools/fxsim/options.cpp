@@ -227,6 +227,8 @@ void addBench(OptionGroup group, Options& options, bool& faultHelpAsked)
               })
         ->expected(0, 1);
     group.flag("--stats", options.stats, "Print statistics at the end");
+    group.flag("--view", options.view,
+               "Show inputs and outputs on the terminal, with keys to switch inputs");
     CLI::Option* control = group.name("--control", "PATH", options.controlPath,
                                       "Accept commands on a local socket at PATH");
     group

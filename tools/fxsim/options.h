@@ -42,6 +42,7 @@ struct Options
     bool trace = false;
     QString tracePath;  // empty: standard error
     bool stats = false;
+    bool view = false;
     QString controlPath;
     QString tellCommand;      // for the simulator that listens there; then nothing else is done
     bool noCommands = false;  // from standard input

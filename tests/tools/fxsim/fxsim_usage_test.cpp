@@ -55,7 +55,7 @@ TEST(FxsimUsage, ManualAndCompletionKnowEveryOptionAndFault)
     const FailedStart help = runToEnd({"--help"});
     EXPECT_EQ(help.exitCode, 0);
     const QStringList options = captured(help.output, "^  (?:-h,)?(--[a-z-]+)");
-    EXPECT_EQ(options.size(), 25);
+    EXPECT_EQ(options.size(), 26);
     for (const QString& option : options) {
         EXPECT_TRUE(manual.contains(option)) << option.toStdString();
         EXPECT_TRUE(completion.contains(option)) << option.toStdString();

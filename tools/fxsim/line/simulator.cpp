@@ -27,6 +27,7 @@ void Simulator::advance(qint64 nowUs)
 {
     if (m_program && m_isRunning && !isOff(nowUs))
         m_program->advance(m_memory, (nowUs - m_inStateUs) / usPerMs);
+    applySwitches();
     refresh(nowUs);
 }
 
@@ -54,6 +55,19 @@ void Simulator::setFaults(const FaultPlan& plan)
     m_exchangesBeforePlan = m_statistics.exchanges;
 }
 
+void Simulator::switchInput(int number, bool on)
+{
+    m_switches[number] = on;
+    applySwitches();
+}
+
+void Simulator::releaseInputs()
+{
+    for (const int number : m_switches.keys())
+        switchInput(number, false);
+    m_switches.clear();
+}
+
 void Simulator::powerCycle(int offMs, qint64 nowUs)
 {
     ++m_statistics.powerCycles;
@@ -69,6 +83,15 @@ void Simulator::trace(const TraceEntry& entry) const
         m_trace(entry);
 }
 
+void Simulator::applySwitches()
+{
+    static const Device first = device("X0");
+    for (auto input = m_switches.constBegin(); input != m_switches.constEnd(); ++input) {
+        const Device device = first.next(input.key());
+        m_memory.setBit(device.address(), device.bit(), input.value());
+    }
+}
+
 void Simulator::switchOutputsOff()
 {
     const int last = device("Y377").address();
@@ -81,6 +104,7 @@ void Simulator::startProgram(qint64 nowUs)
     m_inStateUs = nowUs;
     if (m_program && m_isRunning)
         m_program->start(m_memory);
+    applySwitches();
     refresh(nowUs);
 }
 

@@ -23,6 +23,7 @@
 #include "tools/fxsim/plc/program.h"
 
 #include <QByteArray>
+#include <QMap>
 #include <QVector>
 
 #include <functional>
@@ -88,6 +89,11 @@ public:
     void setFaults(const FaultPlan& plan);
     qint64 exchangeOfPlan() const { return m_statistics.exchanges - m_exchangesBeforePlan; }
 
+    // Inputs that somebody switches by hand: they stay so whatever the program does to them.
+    void switchInput(int number, bool on);
+    void releaseInputs();
+    const QMap<int, bool>& switches() const { return m_switches; }
+
     void powerCycle(int offMs, qint64 nowUs);
     bool isOff(qint64 nowUs) const { return nowUs < m_offUntilUs; }
 
@@ -99,6 +105,7 @@ public:
     void trace(const TraceEntry& entry) const;
 
 private:
+    void applySwitches();
     void switchOutputsOff();
     void startProgram(qint64 nowUs);
 
@@ -108,6 +115,7 @@ private:
     std::unique_ptr<Program> m_program;
     Statistics m_statistics;
     TraceSink m_trace;
+    QMap<int, bool> m_switches;
     bool m_isRunning = true;
     qint64 m_poweredUs = 0;  // since when it has power
     qint64 m_inStateUs = 0;  // since when it runs or is stopped
