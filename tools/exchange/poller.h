@@ -20,6 +20,9 @@ public:
     Poller(ExchangeLoop& loop, const RegisterCatalogue& catalogue,
            const QVector<RegisterRange>& ranges);
 
+    // After something else has replaced the plan.
+    void planEverything();
+
     // Makes one cycle. What it does not reach, because it ends early, is read in the next one.
     RoundEnd poll();
 
@@ -36,7 +39,6 @@ private:
         ReplyVerdict reason = ReplyVerdict::Refused;
     };
 
-    void planEverything();
     void replan();
     bool isStopped() const;
     void pollPlan();

@@ -22,6 +22,7 @@ constexpr qint64 napMs = 20;  // how soon an interrupt is noticed
 volatile std::sig_atomic_t interruptSeen = 0;
 timespec firstSeen = {};
 volatile std::sig_atomic_t continuedSeen = 0;
+void (*restoreBeforeKill)() = nullptr;
 
 qint64 sinceFirstMs()
 {
@@ -41,6 +42,8 @@ extern "C" void noteInterrupt(int signalNumber)
         struct sigaction action = {};
         action.sa_handler = SIG_DFL;
         sigaction(signalNumber, &action, nullptr);
+        if (restoreBeforeKill)
+            restoreBeforeKill();
         kill(getpid(), signalNumber);
     }
 }
@@ -82,11 +85,16 @@ void interruptAfter(qint64 timeMs)
     setitimer(ITIMER_REAL, &timer, nullptr);
 }
 
-bool sleepUnlessInterrupted(qint64 timeMs)
+void beforeKill(void (*restore)())
 {
-    for (qint64 leftMs = timeMs; leftMs > 0 && !interrupted(); leftMs -= napMs)
+    restoreBeforeKill = restore;
+}
+
+bool sleepUnlessInterrupted(qint64 timeMs, const std::function<bool()>& isInterrupted)
+{
+    for (qint64 leftMs = timeMs; leftMs > 0 && !isInterrupted(); leftMs -= napMs)
         QThread::msleep(static_cast<unsigned long>(std::min(leftMs, napMs)));
-    return !interrupted();
+    return !isInterrupted();
 }
 
 bool takeContinued()

@@ -8,6 +8,8 @@
 
 #include <QtGlobal>
 
+#include <functional>
+
 namespace fxtools {
 
 void catchSignals();
@@ -17,8 +19,12 @@ int interruptSignal();  // SIGINT, SIGTERM or SIGALRM; 0 before the interrupt
 // Ends the work in `timeMs` as an interrupt would.
 void interruptAfter(qint64 timeMs);
 
-// Sleeps for `timeMs`, or until an interrupt; then it returns false.
-bool sleepUnlessInterrupted(qint64 timeMs);
+// What a second interrupt, which kills the program, must do before; async-signal-safe.
+void beforeKill(void (*restore)());
+
+// Sleeps for `timeMs`, or until an interrupt; then it returns false. Asks `isInterrupted` often.
+bool sleepUnlessInterrupted(qint64 timeMs,
+                            const std::function<bool()>& isInterrupted = interrupted);
 
 // Whether the program was stopped and continued since the last call.
 bool takeContinued();

@@ -26,8 +26,8 @@ int jittered(int pauseMs)
 }  // namespace
 
 LinkKeeper::LinkKeeper(Link& link, std::optional<int> patienceS)
-    : m_link(link), m_givenS(patienceS), m_patienceS(patienceS.value_or(usualPatienceS)),
-      m_pauseMs(shortestPauseMs)
+    : isInterrupted(interrupted), m_link(link), m_givenS(patienceS),
+      m_patienceS(patienceS.value_or(usualPatienceS)), m_pauseMs(shortestPauseMs)
 {
     m_gone.start();
 }
@@ -81,7 +81,8 @@ bool LinkKeeper::reopen(qint64 answers)
 LinkKeeper::Awaited LinkKeeper::await()
 {
     while (patienceLeftMs() > 0) {
-        if (!sleepUnlessInterrupted(std::min<qint64>(jittered(m_pauseMs), patienceLeftMs())))
+        if (!sleepUnlessInterrupted(std::min<qint64>(jittered(m_pauseMs), patienceLeftMs()),
+                                    isInterrupted))
             return Awaited::Interrupted;
         m_pauseMs = std::min(2 * m_pauseMs, longestPauseMs);
         if (opens())

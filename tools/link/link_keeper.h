@@ -19,6 +19,7 @@ class LinkKeeper
 {
 public:
     std::function<void(const QString& text)> onState;  // called at each change of state
+    std::function<bool()> isInterrupted;               // asked often while it waits; can be set
 
     // `patienceS` is how long to retry, in seconds. Without it: 30 s for a lost link, and not at
     // all for a link that cannot be opened at the start.

@@ -41,10 +41,13 @@ Connection::Connection(const ConnectionSettings& settings)
       m_keeper(*m_link.link, settings.reconnectS), m_session(library(), settings.session),
       m_loop(m_session, *m_link.link, settings.loop)
 {
-    m_keeper.onState = [name = link().name(),
-                        timestamps = settings.timestamps](const QString& text) {
-        complain((timestamps ? timestamp() + "  " : QString()) + name + ": " + text);
-    };
+    m_keeper.isInterrupted = settings.loop.isInterrupted;
+    m_keeper.onState = settings.onLinkState;
+    if (!m_keeper.onState)
+        m_keeper.onState = [name = link().name(),
+                            timestamps = settings.timestamps](const QString& text) {
+            complain((timestamps ? timestamp() + "  " : QString()) + name + ": " + text);
+        };
     m_loop.onLinkLost = [this] { return reconnect(); };
     m_keeper.openFirst();
 }

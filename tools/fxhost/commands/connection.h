@@ -33,8 +33,9 @@ struct ConnectionSettings
     LinkSettings link;
     SessionSettings session;
     LoopSettings loop;
-    std::optional<int> reconnectS;  // nothing: the command's default
-    bool timestamps = false;        // on changes of state
+    std::optional<int> reconnectS;                         // nothing: the command's default
+    std::function<void(const QString& text)> onLinkState;  // empty: a line on standard error
+    bool timestamps = false;                               // on these lines
 };
 
 // Throws Failure.

@@ -3,8 +3,6 @@
 
 #include "tools/fxhost/commands/cycles.h"
 
-#include "tools/link/interrupt.h"
-
 namespace fxtools {
 
 namespace {
@@ -63,7 +61,8 @@ ExitCode pollCycles(Connection& connection, const QVector<RegisterRange>& ranges
 
 // Cycles begin on a grid of times, so that what they cost does not add up.
 RoundEnd pollEvery(int intervalMs, int cycles, ExchangeLoop& loop, Poller& poller,
-                   const std::function<void()>& onCycle)
+                   const std::function<void()>& onCycle,
+                   const std::function<void(qint64 timeMs)>& wait)
 {
     const qint64 intervalUs = qint64(1000) * intervalMs;
     const qint64 startedUs = loop.elapsedUs();
@@ -76,9 +75,8 @@ RoundEnd pollEvery(int intervalMs, int cycles, ExchangeLoop& loop, Poller& polle
             return end;
         if (cycle == cycles)
             return RoundEnd::Done;
-        if (intervalUs > 0)
-            sleepUnlessInterrupted((intervalUs - (loop.elapsedUs() - startedUs) % intervalUs) /
-                                   1000);
+        const qint64 elapsedUs = loop.elapsedUs() - startedUs;
+        wait(intervalUs > 0 ? (intervalUs - elapsedUs % intervalUs) / 1000 : 0);
     }
 }
 

@@ -7,6 +7,7 @@
 
 #include "tools/exchange/poller.h"
 #include "tools/fxhost/commands/connection.h"
+#include "tools/link/interrupt.h"
 
 namespace fxtools {
 
@@ -23,8 +24,13 @@ ExitCode pollCycles(Connection& connection, const QVector<RegisterRange>& ranges
                     const std::function<void(qint64 cycleUs)>& onCycle = {});
 
 // Makes a cycle every `intervalMs`, or as soon as the one before has ended. Calls `onCycle` after
-// each, also if the link was lost for good, which ends it as an interrupt does.
-RoundEnd pollEvery(int intervalMs, int cycles, ExchangeLoop& loop, Poller& poller,
-                   const std::function<void()>& onCycle);
+// each, also if the link was lost for good, which ends it as an interrupt does. `wait` waits for
+// the next one.
+RoundEnd pollEvery(
+    int intervalMs, int cycles, ExchangeLoop& loop, Poller& poller,
+    const std::function<void()>& onCycle,
+    const std::function<void(qint64 timeMs)>& wait = [](qint64 timeMs) {
+        sleepUnlessInterrupted(timeMs);
+    });
 
 }  // namespace fxtools
