@@ -15,6 +15,7 @@
 #include <pty.h>
 #include <sys/ioctl.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 namespace tool_tests {
@@ -55,6 +56,7 @@ QStringList environmentWith(const QStringList& more)
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.remove(QStringLiteral("NO_COLOR"));
     environment.insert(QStringLiteral("TERM"), QStringLiteral("xterm"));
+    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
     environment.insert(QStringLiteral("FX_DRIVER"), QStringLiteral(FX_DRIVER_FILE));
     for (const QString& entry : more)
         environment.insert(entry.section('=', 0, 0), entry.section('=', 1));
@@ -137,6 +139,12 @@ void Terminal::resize(int columns, int rows)
     const winsize size = sizeOf(columns, rows);
     m_screen.resize(columns, rows);
     ioctl(m_master, TIOCSWINSZ, &size);
+}
+
+bool Terminal::echoes() const
+{
+    termios settings = {};
+    return tcgetattr(m_master, &settings) == 0 && (settings.c_lflag & ECHO) != 0;
 }
 
 int Terminal::waitForEnd()

@@ -29,7 +29,8 @@ public:
     void press(char key);
     void send(int signal);
     void resize(int columns, int rows);
-    int waitForEnd();  // the exit code; -1 when it did not end well
+    bool echoes() const;  // what is typed, as a terminal does before and after every program
+    int waitForEnd();     // the exit code; -1 when it did not end well
 
     const Screen& screen() const { return m_screen; }
     const QByteArray& written() const { return m_written; }  // all bytes so far

@@ -7,10 +7,13 @@
 #include "tools/fxhost/views/table.h"
 #include "tools/link/interrupt.h"
 
+#include <QMap>
+
 #include <algorithm>
 #include <csignal>
 #include <iostream>
 
+#include <langinfo.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -21,30 +24,44 @@ namespace {
 constexpr int widestBar = 32;
 constexpr int narrowestBar = 8;
 
-struct Size
-{
-    int columns = 80;
-    int rows = 24;
-
-    bool operator!=(const Size& other) const
-    {
-        return columns != other.columns || rows != other.rows;
-    }
-};
-
 // The unfinished output at the end of the terminal, which all consoles share.
 struct Unfinished
 {
-    int drawnLines = 0;  // which the next redraw overwrites
-    Size drawnOn;
+    QStringList drawn;  // which the next redraw overwrites
+    ScreenSize drawnOn;
     bool bar = false;     // the cursor is at the end of a bar
     bool echoed = false;  // what the terminal showed of Ctrl-C was ended by a new line
 };
 Unfinished unfinished;
 
+bool isTerminal(int file)
+{
+    return isatty(file) == 1 && qgetenv("TERM") != "dumb";
+}
+
+// One character for one, so that columns stay where they are.
+const QMap<QChar, char> asciiForms = {
+    {u'○', '.'}, {u'●', '#'}, {u'░', '.'}, {u'█', '#'}, {u'▁', '_'}, {u'▂', '.'},
+    {u'▃', '-'}, {u'▄', '~'}, {u'▅', '='}, {u'▆', '+'}, {u'▇', '*'}, {u'…', '~'},
+    {u'✔', '+'}, {u'✘', 'x'}, {u'→', '>'}, {u'↑', '^'}, {u'↓', 'v'},
+};
+
+bool showsUtf8()
+{
+    static const bool isUtf8 = qstrcmp(nl_langinfo(CODESET), "UTF-8") == 0;
+    return isUtf8 || !isTerminal(STDOUT_FILENO);
+}
+
 void put(const QString& text)
 {
-    std::cout << text.toStdString();
+    QString shown = text;
+    if (!showsUtf8()) {
+        for (QChar& character : shown) {
+            if (character.unicode() > 0x7F)
+                character = QLatin1Char(asciiForms.value(character, '?'));
+        }
+    }
+    std::cout << shown.toStdString();
 }
 
 // Without a reader or with a full disk, a view would otherwise run on for ever.
@@ -52,20 +69,6 @@ void flush()
 {
     if (!std::cout.flush())
         throw Failure(ExitCode::File, QStringLiteral("could not write all output"));
-}
-
-bool isTerminal(int file)
-{
-    return isatty(file) == 1 && qgetenv("TERM") != "dumb";
-}
-
-Size terminalSize()
-{
-    winsize window = {};
-    Size size;
-    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &window) == 0 && window.ws_col > 0 && window.ws_row > 0)
-        size = {window.ws_col, window.ws_row};
-    return size;
 }
 
 // As many lines as leave room for the cursor below them; the last one is always there.
@@ -101,6 +104,14 @@ Console::Console()
       m_hasColours(m_isTerminal && qgetenv("NO_COLOR").isEmpty())
 {}
 
+ScreenSize Console::size()
+{
+    winsize window = {};
+    const bool isKnown =
+        ioctl(STDOUT_FILENO, TIOCGWINSZ, &window) == 0 && window.ws_col > 0 && window.ws_row > 0;
+    return isKnown ? ScreenSize{window.ws_col, window.ws_row} : ScreenSize();
+}
+
 void Console::lines(const QStringList& texts)
 {
     put(texts.join('\n') + '\n');
@@ -123,31 +134,34 @@ QString Console::styled(const QString& text, const char* code) const
 void Console::redraw(const QStringList& lines)
 {
     if (!m_isTerminal) {
-        put((unfinished.drawnLines > 0 ? "\n" : "") + lines.join('\n') + '\n');
-        unfinished.drawnLines = lines.size();
+        put((unfinished.drawn.isEmpty() ? "" : "\n") + lines.join('\n') + '\n');
+        unfinished.drawn = lines;
         flush();
         return;
     }
     if (takeContinued())
-        unfinished.drawnLines = 0;  // the shell has written below the table
-    const Size size = terminalSize();
+        unfinished.drawn.clear();  // the shell has written below the table
+    const ScreenSize on = size();
+    QStringList shown;
+    for (const QString& text : shortened(lines, on.rows - 1))
+        shown += clipped(text, on.columns);
+    if (on == unfinished.drawnOn && shown == unfinished.drawn)
+        return;
     // A terminal that has changed its size may have wrapped its lines differently.
-    if (unfinished.drawnLines > 0 && unfinished.drawnOn != size)
-        put(QStringLiteral("\x1b[H\x1b[2J"));
-    else if (unfinished.drawnLines > 0)
-        put(QStringLiteral("\x1b[%1A").arg(unfinished.drawnLines));
-    const QStringList shown = shortened(lines, size.rows - 1);
+    if (!unfinished.drawn.isEmpty())
+        put(on == unfinished.drawnOn ? QStringLiteral("\x1b[%1A").arg(unfinished.drawn.size())
+                                     : QStringLiteral("\x1b[H\x1b[2J"));
     for (const QString& text : shown)
-        put(clipped(text, size.columns) + "\x1b[K\n");
+        put(text + "\x1b[K\n");
     put(QStringLiteral("\x1b[J"));
-    unfinished.drawnLines = shown.size();
-    unfinished.drawnOn = size;
+    unfinished.drawn = shown;
+    unfinished.drawnOn = on;
     flush();
 }
 
 void Console::endRedraw()
 {
-    unfinished.drawnLines = 0;
+    unfinished.drawn.clear();
 }
 
 void Console::progress(const QString& label, int done, int total)
@@ -155,7 +169,7 @@ void Console::progress(const QString& label, int done, int total)
     const bool full = done >= total;
     if (!m_isTerminal && !full)
         return;
-    const QString text = barText(label, done, total, m_isTerminal ? terminalSize().columns : 80);
+    const QString text = barText(label, done, total, m_isTerminal ? size().columns : 80);
     put(m_isTerminal ? "\r" + text + "\x1b[K" : text);
     if (full)
         put(QStringLiteral("\n"));
@@ -165,7 +179,7 @@ void Console::progress(const QString& label, int done, int total)
 
 void Console::settle()
 {
-    unfinished.drawnLines = 0;
+    unfinished.drawn.clear();
     const bool afterEcho = interruptSignal() == SIGINT && !unfinished.echoed;
     if (!fxtools::isTerminal(STDOUT_FILENO) || !(unfinished.bar || afterEcho))
         return;

@@ -2,8 +2,9 @@
 // SPDX-License-Identifier: MIT
 //
 // Output for people: plain lines anywhere, colours and redrawing only on a terminal, and no colours
-// if NO_COLOR is set. Everything that a command prints for people goes through here. The cursor is
-// never hidden, so it cannot stay hidden when the program ends.
+// if NO_COLOR is set. On a terminal whose locale is not UTF-8, ASCII stands for other characters.
+// Everything that a command prints for people goes through here. The cursor is never hidden, so it
+// cannot stay hidden when the program ends.
 
 #pragma once
 
@@ -12,10 +13,23 @@
 
 namespace fxtools {
 
+struct ScreenSize
+{
+    int columns = 80;
+    int rows = 24;
+
+    bool operator==(const ScreenSize& other) const
+    {
+        return columns == other.columns && rows == other.rows;
+    }
+};
+
 class Console
 {
 public:
     Console();  // standard output
+
+    static ScreenSize size();
 
     bool isTerminal() const { return m_isTerminal; }
 
@@ -30,7 +44,8 @@ public:
     QString changed(const QString& text) const { return styled(text, "1;33"); }
 
     // Draws over the last drawing, or below it if this is not a terminal. On a terminal, lines are
-    // cut to its width, and a drawing that is too tall loses lines above the last one.
+    // cut to its width, and a drawing that is too tall loses lines above the last one. Nothing is
+    // written if it is there already.
     void redraw(const QStringList& lines);
     void endRedraw();
 
