@@ -1,0 +1,48 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// The bytes of a terminal as keys.
+
+#include "tools/fxhost/views/keyboard.h"
+
+#include <gtest/gtest.h>
+
+using namespace fxtools;
+
+namespace {
+
+// "a", "b" for characters, a name in brackets for the others.
+std::string textOf(const QByteArray& bytes)
+{
+    static const char* const names[] = {"",       "<enter>", "<escape>",  "<backspace>",
+                                        "<up>",   "<down>",  "<page up>", "<page down>",
+                                        "<home>", "<end>"};
+    std::string text;
+    for (const Key& key : keysOf(bytes))
+        text += key.kind == Key::Kind::Character ? std::string(1, key.character.toLatin1())
+                                                 : names[static_cast<int>(key.kind)];
+    return text;
+}
+
+}  // namespace
+
+TEST(Keys, CharactersAreThemselves)
+{
+    EXPECT_EQ(textOf("D100=5"), "D100=5");
+    EXPECT_EQ(textOf("\r\n\x7f\b"), "<enter><enter><backspace><backspace>");
+}
+
+TEST(Keys, OfBothKindsOfTerminalAreKnown)
+{
+    EXPECT_EQ(textOf("\x1b[A\x1b[B\x1bOA\x1bOB"), "<up><down><up><down>");
+    EXPECT_EQ(textOf("\x1b[5~\x1b[6~\x1b[H\x1b[4~"), "<page up><page down><home><end>");
+    EXPECT_EQ(textOf("\x1b"), "<escape>");
+}
+
+TEST(Keys, UnknownOnesArePassedOver)
+{
+    EXPECT_EQ(textOf("a\x1b[15~b\x1b[1;5Dc\x01\xC3\xA4"
+                     "d"),
+              "abcd");
+    EXPECT_EQ(textOf("\x1b[1;"), "") << "and so is what was cut off";
+}
