@@ -26,16 +26,21 @@ int linesWith(const Screen& screen, const QString& text)
         lines.begin(), lines.end(), [&text](const QString& line) { return line.contains(text); }));
 }
 
+void expectPlainScreen(const Terminal& terminal)
+{
+    EXPECT_TRUE(terminal.screen().cursorIsShown());
+    EXPECT_TRUE(terminal.screen().isPlain());
+    EXPECT_EQ(terminal.screen().cursorColumn(), 0);
+    EXPECT_EQ(terminal.screen().unknown(), QStringList());
+}
+
 // What every program must leave behind, whether it ends by itself or with Ctrl-C.
 void expectCleanEnd(Terminal& terminal, std::optional<char> key = {})
 {
     if (key)
         terminal.press(*key);
     EXPECT_EQ(terminal.waitForEnd(), key ? 130 : 0);
-    EXPECT_TRUE(terminal.screen().cursorIsShown());
-    EXPECT_TRUE(terminal.screen().isPlain());
-    EXPECT_EQ(terminal.screen().cursorColumn(), 0);
-    EXPECT_EQ(terminal.screen().unknown(), QStringList());
+    expectPlainScreen(terminal);
 }
 
 }  // namespace
@@ -54,42 +59,32 @@ protected:
 
 TEST_F(TerminalViews, WatchDrawsOverItsTable)
 {
-    Terminal terminal(linked({"watch", "D0:2", "X0", "-l", "20"}), 80, 24);
-    ASSERT_TRUE(terminal.waitForText("cycle 3; Ctrl-C to stop"));
+    Terminal terminal(linked({"watch", "D0:2", "X0:8", "-l", "20"}), 80, 24);
+    ASSERT_TRUE(terminal.waitForText("cycle 3:"));
     plc.command("poke 0x1002 0x39 0x30");
-    ASSERT_TRUE(terminal.waitForText("D1       12345"));
-    EXPECT_EQ(terminal.screen().lines().mid(0, 4),
-              QStringList({"  address  value  error", "  D0           0", "  D1       12345",
-                           "  X0           0"}));
-    EXPECT_TRUE(terminal.screen().lines()[4].contains("Ctrl-C to stop"));
-    EXPECT_EQ(terminal.screen().lines().size(), 5);
-    EXPECT_TRUE(terminal.written().contains("\x1b[1;33m12345\x1b[0m")) << "a change is marked";
-    expectCleanEnd(terminal, ctrlC);
-}
-
-TEST_F(TerminalViews, WatchOfManyRegistersFitsASmallTerminal)
-{
-    Terminal terminal(linked({"watch", "D0:30", "-l", "20"}), 20, 12);
-    ASSERT_TRUE(terminal.waitForText("cycle 3"));
+    ASSERT_TRUE(terminal.waitForText("D1    12345"));
     const QStringList lines = terminal.screen().lines();
-    EXPECT_EQ(lines.size(), 11) << "and the cursor below them";
-    EXPECT_EQ(lines[0], "  address  value  e…");
-    EXPECT_EQ(lines[1], "  D0           0");
-    EXPECT_EQ(lines[9], "  … 22 lines not sh…");
+    EXPECT_TRUE(lines[0].startsWith("  " + plc.link() + "  cycle "));
+    EXPECT_TRUE(lines[1].startsWith("  D0        0")) << "with an age";
+    EXPECT_TRUE(lines[3].startsWith("  X0:8  ○○○○○○○○")) << lines[3].toStdString();
+    EXPECT_EQ(lines[4], "  q quit  p pause  s sort  w write");
+    EXPECT_EQ(lines.size(), 5);
+    EXPECT_TRUE(terminal.written().contains("\x1b[1;33m12345\x1b[0m")) << "a change is marked";
     expectCleanEnd(terminal, ctrlC);
 }
 
 TEST_F(TerminalViews, WatchFollowsTheSizeOfItsTerminal)
 {
-    Terminal terminal(linked({"watch", "D0:30", "-l", "20"}), 80, 24);
-    ASSERT_TRUE(terminal.waitForText("10 lines not shown"));
+    Terminal terminal(linked({"watch", "D0:30", "-l", "20"}), 40, 15);
+    ASSERT_TRUE(terminal.waitForText("1-12 of 30"));
+    EXPECT_EQ(terminal.screen().lines().size(), 14) << "and the cursor below them";
     terminal.resize(40, 12);
-    ASSERT_TRUE(terminal.waitForText("22 lines not shown"));
-    terminal.resize(80, 40);
+    ASSERT_TRUE(terminal.waitForText("1-9 of 30"));
+    terminal.resize(120, 40);
     ASSERT_TRUE(terminal.waitFor([](const Screen& screen) {
-        return screen.text().contains("D29          0") && linesWith(screen, "Ctrl-C to stop") == 1;
+        return screen.text().contains("D29 ") && linesWith(screen, "q quit") == 1;
     }));
-    EXPECT_EQ(linesWith(terminal.screen(), "address"), 1);
+    EXPECT_EQ(linesWith(terminal.screen(), "cycle "), 1);
     EXPECT_EQ(terminal.screen().lines().size(), 32);
 }
 
@@ -97,12 +92,11 @@ TEST_F(TerminalViews, WatchFollowsTheSizeOfItsTerminal)
 TEST_F(TerminalViews, WatchBeginsANewTableWhenItGoesOn)
 {
     Terminal terminal(linked({"watch", "D0:2", "-l", "20"}), 80, 24);
-    ASSERT_TRUE(terminal.waitForText("cycle 3"));
+    ASSERT_TRUE(terminal.waitForText("cycle 3:"));
     terminal.send(SIGSTOP);
     terminal.send(SIGCONT);
-    EXPECT_TRUE(terminal.waitFor(
-        [](const Screen& screen) { return linesWith(screen, "Ctrl-C to stop") == 2; }));
-    EXPECT_EQ(linesWith(terminal.screen(), "address"), 2);
+    EXPECT_TRUE(
+        terminal.waitFor([](const Screen& screen) { return linesWith(screen, "q quit") == 2; }));
     EXPECT_EQ(terminal.screen().lines().size(), 8);
     expectCleanEnd(terminal, ctrlC);
 }
@@ -112,24 +106,77 @@ TEST_F(TerminalViews, WatchShowsWhatIsRefusedWithItsReason)
     const RunningSimulator holed(Road::PseudoTerminal, quickPlc + QStringList{"--holes", "0x1002"});
     Terminal terminal({"--link", holed.link(), "watch", "D0:3", "-n", "3", "-l", "20"}, 80, 24);
     EXPECT_EQ(terminal.waitForEnd(), 1);
-    EXPECT_EQ(terminal.screen().lines()[2], "  D1              refused by the PLC (NAK)");
-    EXPECT_EQ(terminal.screen().lines()[3], "  D2           0");
+    const QStringList lines = terminal.screen().lines();
+    EXPECT_TRUE(lines[0].endsWith("; 1 of 3 not read")) << lines[0].toStdString();
+    EXPECT_EQ(lines[2], "  D1      -  refused   !never");
+    EXPECT_TRUE(lines[3].startsWith("  D2      0"));
+    EXPECT_EQ(lines.size(), 4) << "there are no keys any more";
 }
 
-TEST_F(TerminalViews, ALostLinkIsToldBelowTheTable)
+TEST_F(TerminalViews, OneTableStaysWhileALinkIsLost)
 {
     Terminal terminal(linked({"watch", "D0", "-l", "20"}), 80, 24);
-    ASSERT_TRUE(terminal.waitForText("cycle 3"));
+    ASSERT_TRUE(terminal.waitForText("cycle 3:"));
     plc.command("drop-link 100");
-    ASSERT_TRUE(terminal.waitForText("the link is back"));
+    ASSERT_TRUE(terminal.waitForText("the link was lost"));
+    EXPECT_TRUE(terminal.screen().text().contains("D0      0  link-lost")) << "old, and dimmed";
     plc.command("poke 0x1000 77");
-    ASSERT_TRUE(terminal.waitForText("D0          77"));
-    const QString text = terminal.screen().text();
-    EXPECT_EQ(linesWith(terminal.screen(), "the link was lost"), 1) << text.toStdString();
-    EXPECT_EQ(linesWith(terminal.screen(), "address"), 2) << "the table before, and the one after";
-    EXPECT_LT(text.indexOf("D0           0"), text.indexOf("the link was lost"));
-    EXPECT_LT(text.indexOf("the link is back"), text.indexOf("D0          77"));
+    ASSERT_TRUE(terminal.waitForText("D0     77"));
+    ASSERT_TRUE(terminal.waitForText("  cycle "));
+    EXPECT_EQ(linesWith(terminal.screen(), "D0 "), 1);
+    EXPECT_EQ(terminal.screen().lines().size(), 3);
     expectCleanEnd(terminal, ctrlC);
+}
+
+// Each key does its work while the program waits for the next cycle, for a day.
+TEST_F(TerminalViews, KeysDoNotWaitForTheNextCycle)
+{
+    Terminal terminal(linked({"watch", "D1", "D0", "-l", "1d"}), 80, 24);
+    ASSERT_TRUE(terminal.waitForText("cycle 1:"));
+    terminal.press('s');
+    ASSERT_TRUE(terminal.waitForText("sorted by address"));
+    EXPECT_TRUE(terminal.screen().lines()[1].startsWith("  D0"));
+    terminal.press('p');
+    ASSERT_TRUE(terminal.waitForText("paused; cycle 1:"));
+    terminal.press('q');
+    EXPECT_EQ(terminal.waitForEnd(), 0);
+    expectPlainScreen(terminal);
+}
+
+TEST_F(TerminalViews, WatchWritesAfterAYes)
+{
+    Terminal terminal(linked({"watch", "D0", "-l", "1d"}), 80, 24);
+    ASSERT_TRUE(terminal.waitForText("cycle 1:"));
+    for (const char key : QByteArray("wD0=5\r"))
+        terminal.press(key);
+    ASSERT_TRUE(terminal.waitForText("write D0=5 (now 0)? y/n"));
+    terminal.press('y');
+    ASSERT_TRUE(terminal.waitForText("D0=5 written and read back"));
+    EXPECT_EQ(plc.command("peek 0x1000"), "1000: 05\n");
+    for (const char key : QByteArray("wX0=1\ry"))
+        terminal.press(key);
+    ASSERT_TRUE(terminal.waitForText("read-only"));
+    expectCleanEnd(terminal, ctrlC);
+}
+
+TEST_F(TerminalViews, TheTerminalGetsItsSettingsBack)
+{
+    Terminal terminal(linked({"watch", "D0", "-l", "20"}), 80, 24);
+    ASSERT_TRUE(terminal.waitForText("cycle 3:"));
+    terminal.press('w');
+    ASSERT_TRUE(terminal.waitForText("write, such as"));
+    EXPECT_FALSE(terminal.echoes());
+    expectCleanEnd(terminal, ctrlC);
+    EXPECT_TRUE(terminal.echoes());
+}
+
+TEST_F(TerminalViews, AsciiStandsForTheRestWhereTheLocaleIsNotUtf8)
+{
+    Terminal terminal(linked({"watch", "X0:8", "-l", "20", "-n", "2"}), 80, 24, {"LC_ALL=C"});
+    EXPECT_EQ(terminal.waitForEnd(), 0);
+    EXPECT_TRUE(terminal.screen().lines()[1].startsWith("  X0:8  ........"));
+    for (const char byte : terminal.written())
+        EXPECT_GE(byte, 0);
 }
 
 TEST_F(TerminalViews, LogHasALineForEachChangeHereToo)
@@ -159,8 +206,8 @@ TEST_F(TerminalViews, NoColorLeavesOnlyTheDrawing)
 {
     Terminal terminal(linked({"watch", "D0", "-l", "20", "-n", "3"}), 80, 24, {"NO_COLOR=1"});
     EXPECT_EQ(terminal.waitForEnd(), 0);
-    EXPECT_EQ(terminal.screen().lines(), QStringList({"  address  value  error", "  D0           0",
-                                                      "  cycle 3; Ctrl-C to stop"}));
+    EXPECT_EQ(terminal.screen().lines().size(), 2);
+    EXPECT_EQ(terminal.screen().lines()[1], "  D0      0            now");
     EXPECT_FALSE(terminal.written().contains("\x1b[2m"));
     EXPECT_FALSE(terminal.written().contains("\x1b[0m"));
 }
@@ -242,7 +289,7 @@ TEST_F(TerminalViews, DoctorShowsEachSettingAsItTriesIt)
                            "  19200 baud 7E1  answered  bit 7 set: check data bits and parity",
                            "  38400 baud 7E1  answered  good", QString(),
                            "The PLC answers (38400 baud 7E1). All is well.",
-                           "Use it with --link 'serial:" + port + "?baud=38400&line=7E1'."}));
+                           "Use it with --link 'serial:" + port + "?baud=38400'."}));
     EXPECT_GT(terminal.written().count("\x1b[2A"), 0) << "it was drawn as it grew";
 }
 

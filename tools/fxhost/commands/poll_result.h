@@ -37,6 +37,7 @@ public:
 
     int good() const { return m_good; }
     int failed() const { return m_failed; }
+    std::optional<ReplyVerdict> firstProblem() const { return m_firstProblem; }
 
     // Good; SomeFailed; or, if all values failed, the code of the first reason.
     ExitCode exitCode() const;

@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// fxhost watch: prints values as they change: a table that is redrawn on a terminal, otherwise a
-// line for each change. Continues when a lost link is back.
+// fxhost watch: values as they change: a live screen on a terminal, otherwise a line for each
+// change. Continues when a lost link is back.
 
-#include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/cycles.h"
+#include "tools/fxhost/commands/live_watch.h"
 #include "tools/fxhost/commands/poll_result.h"
 #include "tools/fxhost/views/log_format.h"
 
@@ -13,65 +13,39 @@ namespace fxtools {
 
 namespace {
 
-struct WatchOptions
-{
-    AddressOptions addresses;
-    ValueFormat format = ValueFormat::Unsigned;
-    int intervalMs = 1000;
-    int cycles = 0;  // 0: until Ctrl-C
-    bool once = false;
-    bool log = false;
-    double deadband = 0;
-};
-
 // Shows the values that have changed since they were last shown.
 class Watcher
 {
 public:
-    Watcher(const WatchOptions& options, const OutputOptions& output);
+    Watcher(const WatchOptions& options, const OutputOptions& output)
+        : m_options(options),
+          m_changes(output, {{"address"}, {"value"}, {"error"}}, Records::Shown::AtOnce)
+    {}
 
     void show(const Poller& poller);
     ExitCode exitCode() const { return m_lastCycle.exitCode(); }
 
 private:
     bool isNew(const PolledValue& polled) const;
-    void showTable(const QVector<PolledValue>& values);
-    void showChanges(const QVector<PolledValue>& values);
 
     const WatchOptions& m_options;
-    Console m_console;
-    bool m_asTable;
-    bool m_timestamps;
-    bool m_quiet;
-    std::optional<Records> m_changes;
+    Records m_changes;
     QHash<QString, PolledValue> m_shown;
     PollResult m_lastCycle;
-    int m_cycle = 0;
 };
-
-Watcher::Watcher(const WatchOptions& options, const OutputOptions& output)
-    : m_options(options),
-      m_asTable(m_console.isTerminal() && !options.log && output.mode == OutputMode::People),
-      m_timestamps(output.timestamps), m_quiet(output.quiet)
-{
-    if (!m_asTable)
-        m_changes.emplace(output, QVector<Table::Column>{{"address"}, {"value"}, {"error"}},
-                          Records::Shown::AtOnce);
-}
 
 void Watcher::show(const Poller& poller)
 {
-    QVector<PolledValue> values;
-    for (const RegisterRange& range : poller.ranges())
-        values += polledValues(poller, range, m_options.format);
     m_lastCycle = {};
-    for (const PolledValue& polled : values)
-        m_lastCycle.count(polled);
-    ++m_cycle;
-    if (m_asTable)
-        showTable(values);
-    else
-        showChanges(values);
+    for (const RegisterRange& range : poller.ranges()) {
+        for (const PolledValue& polled : polledValues(poller, range, m_options.format)) {
+            m_lastCycle.count(polled);
+            if (!isNew(polled))
+                continue;
+            m_changes.add({polled.name, polled.value, polled.error()});
+            m_shown.insert(polled.name, polled);
+        }
+    }
 }
 
 bool Watcher::isNew(const PolledValue& polled) const
@@ -82,36 +56,12 @@ bool Watcher::isNew(const PolledValue& polled) const
     return !polled.problem && differs(polled.value, found->value, m_options.deadband);
 }
 
-void Watcher::showTable(const QVector<PolledValue>& values)
-{
-    Table table({{"address"}, {"value", Align::Right}, {"error"}});
-    const QString time = m_timestamps ? timestamp() + ", " : QString();
-    for (const PolledValue& polled : values) {
-        const QString text = polled.value.toVariant().toString();
-        const bool marked = m_cycle > 1 && isNew(polled);
-        table.add({polled.name, marked ? m_console.changed(text) : text,
-                   m_console.bad(polled.error().toString())});
-        m_shown.insert(polled.name, polled);
-    }
-    QStringList lines = table.lines().mid(m_quiet ? 1 : 0);
-    if (!m_quiet)
-        lines +=
-            m_console.dim(QStringLiteral("  %1cycle %2; Ctrl-C to stop").arg(time).arg(m_cycle));
-    m_console.redraw(lines);
-}
-
-void Watcher::showChanges(const QVector<PolledValue>& values)
-{
-    for (const PolledValue& polled : values) {
-        if (!isNew(polled))
-            continue;
-        m_changes->add({polled.name, polled.value, polled.error()});
-        m_shown.insert(polled.name, polled);
-    }
-}
-
 ExitCode runWatch(const CommonOptions& common, const WatchOptions& options)
 {
+    const bool isLive =
+        Console().isTerminal() && !options.log && common.output.mode == OutputMode::People;
+    if (isLive)
+        return runLiveWatch(common, options);
     Connection connection(common);
     connection.waitForLinkWithoutEnd();
     const QVector<RegisterRange> ranges = rangesOf(options.addresses, connection.catalogue());
