@@ -51,8 +51,8 @@ fxhost> series D7998 -c 3 --csv -q | grep -o .,D.*
 [1]
 )"},
     {"plan", R"(fxhost> plan D100:10 D105:20 M8000 --csv -q
-SM8000 … SM8007,8,1,17,7,SM8001 … SM8007
-D100 … D124,25,50,115,0,
+SM8000 … SM8007,8,1,17,18,7,SM8001 … SM8007
+D100 … D124,25,50,115,120,0,
 )"},
     {"read", R"(fxsim> poke 0x10C8 0x39 0x30
 fxsim> poke 0x0080.2 1
@@ -130,11 +130,11 @@ fxhost> monitor D100 -n 1 --csv -q | grep -o read.*accepted
 read D100,␂010C802␃71,␂1234␃CD,good,accepted
 )"},
     {"stats", R"(fxhost> stats D0:64 -n 5 --json | grep -o "(bytes|refused|silence).*
-"bytesReceived": 1320,
-"bytesSent": 110,
-"bytesThrownAway": 0,
-"refused": 0,
 "silence": 0,
+"refused": 0,
+"bytesSent": 110,
+"bytesReceived": 1320,
+"bytesThrownAway": 0,
 )"},
     {"record", R"(fxsim> poke 0x1000 0x12 0x34
 fxhost> record session.jsonl D0 -n 1

@@ -1,12 +1,15 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// fxhost stats: polls for a while and reports on the link: exchanges, reasons for rejection, and a
-// histogram of response times with the time-out that follows from them.
+// fxhost stats: polls for a while and reports on the link: exchanges, reasons for rejection, what
+// each block costs, and a histogram of response times with the time-out that follows from them.
 
+#include "tools/exchange/blocks.h"
 #include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/cycles.h"
 #include "tools/fxhost/views/statistics_report.h"
+
+#include <algorithm>
 
 namespace fxtools {
 
@@ -20,30 +23,65 @@ struct StatsOptions
 
 void show(const LineReport& report, OutputMode mode)
 {
-    switch (mode) {
-    case OutputMode::People:
-        for (const QString& line : lineReportLines(report))
-            Console().line(line);
-        return;
-    case OutputMode::Json:
+    if (mode == OutputMode::Json)
         Console().line(lineReportJson(report));
-        return;
-    case OutputMode::Csv:
-        for (const QString& line : lineReportCsv(report))
-            Console().line(line);
-        return;
+    else
+        Console().lines(mode == OutputMode::Csv ? lineReportCsv(report) : lineReportLines(report));
+}
+
+// The address for which alone a block is read; empty if there are several.
+QString onlyAddressIn(const RegisterRange& block, const QVector<RegisterRange>& asked)
+{
+    QString only;
+    for (const RegisterRange& range : asked) {
+        if (!overlap(range, block))
+            continue;
+        if (!only.isEmpty() || !isInside(range, block))
+            return {};
+        only = range.text();
     }
+    return only;
+}
+
+// Adds an exchange to the times of its block.
+void note(const Exchange& exchange, qint64 tookUs, const RegisterRange& block,
+          const QVector<RegisterRange>& asked, QVector<BlockTimes>& times)
+{
+    const QString registers = fromToText(block);
+    auto one = std::find_if(times.begin(), times.end(), [&registers](const BlockTimes& other) {
+        return other.registers == registers;
+    });
+    if (one == times.end()) {
+        BlockTimes begun;
+        begun.registers = registers;
+        begun.registerCount = block.count;
+        begun.onlyFor = onlyAddressIn(block, asked);
+        times.append(begun);
+        one = times.end() - 1;
+    }
+    ++one->frames;
+    one->rejected += exchange.answer != DriverAnswer::Accepted;
+    one->totalUs += tookUs;
+    one->longestUs = std::max(one->longestUs, tookUs);
 }
 
 ExitCode runStats(const CommonOptions& common, const StatsOptions& options)
 {
     Connection connection(common);
     ExchangeLoop& loop = connection.loop();
+    const QVector<RegisterRange> asked = rangesOf(options.addresses, connection.catalogue());
+    QVector<BlockTimes> blocks;
+    loop.onExchange = [&](const Exchange& exchange) {
+        if (exchange.kind == ExchangeKind::CyclicRead)
+            note(exchange, loop.elapsedUs() - exchange.startedUs,
+                 blockRange(connection.catalogue(), exchange.frame.variable), asked, blocks);
+    };
     Histogram cycleTimes;
-    const ExitCode code =
-        pollCycles(connection, rangesOf(options.addresses, connection.catalogue()), options.cycles,
-                   [&cycleTimes](qint64 cycleUs) { cycleTimes.add(cycleUs); });
-    show({loop.statistics(), cycleTimes, loop.elapsedUs(), loop.timeout()}, common.output.mode);
+    const ExitCode code = pollCycles(connection, asked, options.cycles,
+                                     [&cycleTimes](qint64 cycleUs) { cycleTimes.add(cycleUs); });
+    show({connection.link().name(), blocks, loop.statistics(), cycleTimes, loop.elapsedUs(),
+          loop.timeout()},
+         common.output.mode);
     return code;
 }
 

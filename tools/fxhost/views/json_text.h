@@ -16,5 +16,11 @@ using JsonMember = QPair<QString, QByteArray>;  // a name, and a value that is J
 QByteArray jsonText(const QJsonValue& value);  // null if it is undefined
 QByteArray jsonObject(const QVector<JsonMember>& members);
 QByteArray jsonArray(const QList<QByteArray>& values);
+QByteArray jsonLines(const QByteArray& json);  // the same over several lines, for reading
+
+// A tree of values as a list: the parts of a name between dots are members within members, and
+// numbers are places in an array: "blocks.0.ms".
+using JsonFields = QVector<QPair<QString, QJsonValue>>;
+QByteArray jsonTree(const JsonFields& fields);
 
 }  // namespace fxtools

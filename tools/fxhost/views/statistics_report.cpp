@@ -3,11 +3,8 @@
 
 #include "tools/fxhost/views/statistics_report.h"
 
-#include "tools/fxhost/views/table.h"
-
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
+#include "tools/fxhost/views/json_text.h"
+#include "tools/fxhost/views/records.h"
 
 namespace fxtools {
 
@@ -15,68 +12,50 @@ namespace {
 
 constexpr int longestBar = 40;
 
-QString milliseconds(qint64 timeUs)
-{
-    return QString::number(static_cast<double>(timeUs) / 1000.0, 'f',
-                           timeUs < 1000    ? 3
-                           : timeUs < 10000 ? 2
-                                            : 0);
-}
-
 double asMilliseconds(qint64 timeUs)
 {
     return static_cast<double>(timeUs) / 1000.0;
 }
 
-struct Bar
+QString milliseconds(qint64 timeUs)
 {
-    qint64 fromUs;
-    qint64 toUs;  // not in it
-    qint64 number;
-};
-
-// One bar for each doubling of the time; empty ones are left out.
-QVector<Bar> barsOf(const Histogram& times)
-{
-    QVector<Bar> bars;
-    for (qint64 fromUs = 1; fromUs <= times.largestUs(); fromUs *= 2) {
-        const qint64 number = times.between(fromUs, 2 * fromUs);
-        if (number > 0)
-            bars.append({fromUs, 2 * fromUs, number});
-    }
-    return bars;
+    return QString::number(asMilliseconds(timeUs), 'f', timeUs < 1000 ? 3 : timeUs < 10000 ? 2 : 0);
 }
 
 QStringList histogramLines(const Histogram& times)
 {
     QStringList lines;
-    for (const Bar& bar : barsOf(times)) {
+    for (const TimeClass& one : timeClasses(times)) {
         const auto width =
-            static_cast<int>((bar.number * longestBar + times.total() - 1) / times.total());
-        lines += QStringLiteral("  %1 to %2 ms  %3 %4")
-                     .arg(milliseconds(bar.fromUs), 8)
-                     .arg(milliseconds(bar.toUs), 6)
+            static_cast<int>((one.number * longestBar + times.total() - 1) / times.total());
+        const QString limits =
+            one.toUs > 0 ? QStringLiteral("%1 to %2 ms")
+                               .arg(milliseconds(one.fromUs), 6)
+                               .arg(milliseconds(one.toUs), 6)
+                         : QStringLiteral("longer than %1 ms").arg(milliseconds(one.fromUs), 4);
+        lines += QStringLiteral("  %1  %2 %3")
+                     .arg(limits, -19)
                      .arg(QStringLiteral("█").repeated(width), -longestBar)
-                     .arg(bar.number);
+                     .arg(one.number);
     }
     return lines;
 }
 
-QJsonArray histogramOf(const Histogram& times)
+double rounded(double number, int decimals)
 {
-    QJsonArray array;
-    for (const Bar& bar : barsOf(times)) {
-        array.append(QJsonObject{{"fromMs", asMilliseconds(bar.fromUs)},
-                                 {"toMs", asMilliseconds(bar.toUs)},
-                                 {"answers", bar.number}});
-    }
-    return array;
+    return QString::number(number, 'f', decimals).toDouble();
 }
 
-double shareOf(qint64 busyUs, qint64 elapsedUs)
+double percentOf(qint64 part, qint64 whole)
 {
-    return elapsedUs > 0 ? 100.0 * static_cast<double>(busyUs) / static_cast<double>(elapsedUs)
-                         : 0.0;
+    return whole > 0 ? rounded(100.0 * static_cast<double>(part) / static_cast<double>(whole), 1)
+                     : 0.0;
+}
+
+// Frames that were not accepted, in per cent.
+double errorPercent(const KindCounts& counts)
+{
+    return percentOf(counts.repeated + counts.failed, counts.sent);
 }
 
 QString timeoutText(const AdaptiveTimeout& timeout)
@@ -90,26 +69,14 @@ QString timeoutText(const AdaptiveTimeout& timeout)
         .arg(limits.ceilingMs);
 }
 
-QJsonObject percentilesOf(const Histogram& times)
-{
-    return {{"p50", asMilliseconds(times.percentileUs(50))},
-            {"p95", asMilliseconds(times.percentileUs(95))},
-            {"p99", asMilliseconds(times.percentileUs(99))},
-            {"longest", asMilliseconds(times.largestUs())}};
-}
-
-QJsonObject countsOf(const KindCounts& counts)
-{
-    return {{"frames", counts.sent},
-            {"good", counts.accepted},
-            {"sentAgain", counts.repeated},
-            {"givenUp", counts.failed}};
-}
-
 QStringList kindRow(const QString& title, const KindCounts& counts)
 {
-    return {title, QString::number(counts.sent), QString::number(counts.accepted),
-            QString::number(counts.repeated), QString::number(counts.failed)};
+    return {title,
+            QString::number(counts.sent),
+            QString::number(counts.accepted),
+            QString::number(counts.repeated),
+            QString::number(counts.failed),
+            QString::number(errorPercent(counts)) + " %"};
 }
 
 QStringList kindLines(const Statistics& statistics)
@@ -118,20 +85,14 @@ QStringList kindLines(const Statistics& statistics)
                  {"frames", Align::Right},
                  {"good", Align::Right},
                  {"retried", Align::Right},
-                 {"given up", Align::Right}});
+                 {"given up", Align::Right},
+                 {"errors", Align::Right}});
     for (const ExchangeKind kind : allExchangeKinds()) {
         if (statistics.of(kind).sent > 0)
             table.add(kindRow(kindText(kind), statistics.of(kind)));
     }
     table.add(kindRow(QStringLiteral("all"), statistics.total()));
     return table.lines();
-}
-
-// Programs read these names.
-QString memberName(ExchangeKind kind)
-{
-    return kind == ExchangeKind::ConditionalRead ? QStringLiteral("conditional read")
-                                                 : kindText(kind);
 }
 
 QString rejectionLine(const Statistics& statistics)
@@ -145,56 +106,131 @@ QString rejectionLine(const Statistics& statistics)
            (causes.isEmpty() ? QStringLiteral("none") : causes.join(QStringLiteral(", ")));
 }
 
-QJsonObject objectOf(const LineReport& report)
+void addPercentiles(JsonFields& fields, const QString& name, const Histogram& times)
 {
-    const Statistics& statistics = report.statistics;
-    QJsonObject kinds;
-    QJsonObject rejected;
-    for (const ExchangeKind kind : allExchangeKinds()) {
-        kinds.insert(memberName(kind), countsOf(statistics.of(kind)));
-    }
-    for (const ReplyVerdict verdict : allVerdicts()) {
-        if (verdict != ReplyVerdict::Good)
-            rejected.insert(verdictName(verdict), statistics.of(verdict));
-    }
-    const TimeoutLimits& limits = report.timeout.limits();
-    return {{"exchanges", kinds},
-            {"rejected", rejected},
-            {"bytesSent", statistics.bytesSent},
-            {"bytesReceived", statistics.bytesReceived},
-            {"bytesThrownAway", statistics.bytesThrownAway},
-            {"enquiriesSent", statistics.enquiriesSent},
-            {"enquiriesAnswered", statistics.enquiriesAnswered},
-            {"linksLost", statistics.linksLost},
-            {"reconnects", statistics.reconnects},
-            {"responseMs", percentilesOf(statistics.responses)},
-            {"responseHistogram", histogramOf(statistics.responses)},
-            {"cycleMs", percentilesOf(report.cycleTimes)},
-            {"timeoutMs", report.timeout.milliseconds()},
-            {"timeoutFloorMs", limits.quickFloorMs},
-            {"timeoutCeilingMs", limits.ceilingMs},
-            {"busyMs", asMilliseconds(statistics.busyUs)},
-            {"elapsedMs", asMilliseconds(report.elapsedUs)},
-            {"lineSharePercent", shareOf(statistics.busyUs, report.elapsedUs)}};
+    for (const int percent : {50, 95, 99})
+        fields.append(
+            {name + ".p" + QString::number(percent), asMilliseconds(times.percentileUs(percent))});
+    fields.append({name + ".longest", asMilliseconds(times.largestUs())});
 }
 
-void appendFlat(const QJsonValue& value, const QString& name, QStringList& lines)
+void addExchanges(JsonFields& fields, const Statistics& statistics)
 {
-    const QString prefix = name.isEmpty() ? name : name + '.';
-    if (value.isObject()) {
-        const QJsonObject object = value.toObject();
-        for (auto member = object.begin(); member != object.end(); ++member)
-            appendFlat(member.value(), prefix + member.key(), lines);
-    } else if (value.isArray()) {
-        const QJsonArray array = value.toArray();
-        for (int index = 0; index < array.size(); ++index)
-            appendFlat(array[index], prefix + QString::number(index), lines);
-    } else {
-        lines += name + ',' + value.toVariant().toString();
+    for (const ExchangeKind kind : allExchangeKinds()) {
+        const KindCounts counts = statistics.of(kind);
+        // Programs read these names.
+        const QString name =
+            kind == ExchangeKind::ConditionalRead ? "conditional read" : kindText(kind);
+        const QString prefix = "exchanges." + name + '.';
+        fields += {{prefix + "frames", counts.sent},
+                   {prefix + "good", counts.accepted},
+                   {prefix + "sentAgain", counts.repeated},
+                   {prefix + "givenUp", counts.failed}};
     }
+    fields.append({"errorPercent", errorPercent(statistics.total())});
+    for (const ReplyVerdict verdict : allVerdicts()) {
+        if (verdict != ReplyVerdict::Good)
+            fields.append({"rejected." + verdictName(verdict), statistics.of(verdict)});
+    }
+}
+
+void addBlocks(JsonFields& fields, const QVector<BlockTimes>& blocks)
+{
+    for (int index = 0; index < blocks.size(); ++index) {
+        const BlockTimes& block = blocks[index];
+        const QString prefix = QStringLiteral("blocks.%1.").arg(index);
+        fields += {{prefix + "block", block.registers},
+                   {prefix + "registers", block.registerCount},
+                   {prefix + "ms", asMilliseconds(block.meanUs())},
+                   {prefix + "msPerRegister",
+                    rounded(asMilliseconds(block.meanUs()) / block.registerCount, 3)},
+                   {prefix + "longestMs", asMilliseconds(block.longestUs)},
+                   {prefix + "errorPercent", percentOf(block.rejected, block.frames)}};
+    }
+}
+
+JsonFields fieldsOf(const LineReport& report)
+{
+    const Statistics& statistics = report.statistics;
+    const TimeoutLimits& limits = report.timeout.limits();
+    JsonFields fields = {{"link", report.link}};
+    addExchanges(fields, statistics);
+    addBlocks(fields, report.blocks);
+    fields += {{"bytesSent", statistics.bytesSent},
+               {"bytesReceived", statistics.bytesReceived},
+               {"bytesThrownAway", statistics.bytesThrownAway},
+               {"enquiriesSent", statistics.enquiriesSent},
+               {"enquiriesAnswered", statistics.enquiriesAnswered},
+               {"linksLost", statistics.linksLost},
+               {"reconnects", statistics.reconnects}};
+    addPercentiles(fields, "responseMs", statistics.responses);
+    const QVector<TimeClass> classes = timeClasses(statistics.responses);
+    for (int index = 0; index < classes.size(); ++index) {
+        const TimeClass& one = classes[index];
+        const QString prefix = QStringLiteral("responseHistogram.%1.").arg(index);
+        fields.append({prefix + "fromMs", asMilliseconds(one.fromUs)});
+        if (one.toUs > 0)
+            fields.append({prefix + "toMs", asMilliseconds(one.toUs)});
+        fields.append({prefix + "answers", one.number});
+    }
+    addPercentiles(fields, "cycleMs", report.cycleTimes);
+    fields += {{"timeoutMs", report.timeout.milliseconds()},
+               {"timeoutFloorMs", limits.quickFloorMs},
+               {"timeoutCeilingMs", limits.ceilingMs},
+               {"busyMs", asMilliseconds(statistics.busyUs)},
+               {"elapsedMs", asMilliseconds(report.elapsedUs)},
+               {"lineSharePercent", percentOf(statistics.busyUs, report.elapsedUs)}};
+    return fields;
+}
+
+// "Without D140: 37 ms a cycle less": a block that is read for one address alone.
+QStringList blockLines(const QVector<BlockTimes>& blocks)
+{
+    Table table({{"block"},
+                 {"registers", Align::Right},
+                 {"ms", Align::Right},
+                 {"ms per register", Align::Right},
+                 {"longest, ms", Align::Right},
+                 {"errors", Align::Right}});
+    QStringList savings;
+    for (const BlockTimes& block : blocks) {
+        table.add({block.registers, QString::number(block.registerCount),
+                   milliseconds(block.meanUs()), milliseconds(block.meanUs() / block.registerCount),
+                   milliseconds(block.longestUs),
+                   QString::number(percentOf(block.rejected, block.frames)) + " %"});
+        if (!block.onlyFor.isEmpty() && blocks.size() > 1)
+            savings += QStringLiteral("  without %1: %2 ms a cycle less")
+                           .arg(block.onlyFor, milliseconds(block.meanUs()));
+    }
+    return table.lines() + savings;
 }
 
 }  // namespace
+
+// The width of a class is 1, 2 or 5 times a power of ten, for about eight of them up to the time
+// that 95 per cent do not exceed. The buckets of the histogram are finer than that.
+QVector<TimeClass> timeClasses(const Histogram& times)
+{
+    const qint64 usualUs = times.percentileUs(95);
+    qint64 widthUs = 10;
+    for (const int factor :
+         {2, 5, 10, 20, 50, 100, 200, 500, 1000, 2000, 5000, 10000, 20000, 50000, 100000, 200000}) {
+        if (8 * widthUs < usualUs)
+            widthUs = 10 * factor;
+    }
+    QVector<TimeClass> classes;
+    qint64 counted = 0;
+    qint64 fromUs = 0;
+    for (; fromUs < usualUs; fromUs += widthUs) {
+        const qint64 number = times.between(fromUs, fromUs + widthUs);
+        counted += number;
+        if (number > 0 || !classes.isEmpty())
+            classes.append({fromUs, fromUs + widthUs, number});
+    }
+    if (counted < times.total())
+        classes.append({fromUs, 0, times.total() - counted});
+    return classes;
+}
 
 QStringList statisticsLines(const Statistics& statistics, qint64 elapsedUs)
 {
@@ -214,7 +250,7 @@ QStringList statisticsLines(const Statistics& statistics, qint64 elapsedUs)
                       milliseconds(statistics.responses.largestUs()));
     lines += QStringLiteral("  time: %1 s; line in use: %2 %")
                  .arg(static_cast<double>(elapsedUs) / 1e6, 0, 'f', 1)
-                 .arg(shareOf(statistics.busyUs, elapsedUs), 0, 'f', 0);
+                 .arg(percentOf(statistics.busyUs, elapsedUs), 0, 'f', 0);
     return lines;
 }
 
@@ -225,20 +261,21 @@ QStringList lineReportLines(const LineReport& report)
                  .arg(milliseconds(report.cycleTimes.percentileUs(50)),
                       milliseconds(report.cycleTimes.percentileUs(95)),
                       milliseconds(report.cycleTimes.largestUs()));
-    lines += QString();
+    lines << QString() << blockLines(report.blocks) << QString();
     lines += "  response times (" + timeoutText(report.timeout) + "):";
     return lines + histogramLines(report.statistics.responses);
 }
 
 QString lineReportJson(const LineReport& report)
 {
-    return QString::fromUtf8(QJsonDocument(objectOf(report)).toJson().trimmed());
+    return QString::fromUtf8(jsonLines(jsonTree(fieldsOf(report))));
 }
 
 QStringList lineReportCsv(const LineReport& report)
 {
     QStringList lines = {QStringLiteral("name,value")};
-    appendFlat(objectOf(report), QString(), lines);
+    for (const auto& field : fieldsOf(report))
+        lines += csvField(field.first) + ',' + csvField(field.second.toVariant().toString());
     return lines;
 }
 
