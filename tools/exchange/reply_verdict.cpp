@@ -29,6 +29,8 @@ constexpr VerdictRow verdictRows[] = {
     {ReplyVerdict::HighBits, "high-bits", "bit 7 set: check data bits and parity"},
     {ReplyVerdict::Echo, "echo", "echo of the request"},
     {ReplyVerdict::NotAFrame, "not-a-frame", "not a frame"},
+    {ReplyVerdict::Surrounded, "surrounded", "right reply among extra characters"},
+    {ReplyVerdict::Babble, "babble", "something on this line sends by itself"},
     {ReplyVerdict::WrongSum, "wrong-sum", "damaged: wrong checksum"},
     {ReplyVerdict::Late, "late", "late reply"},
     {ReplyVerdict::LinkLost, "link-lost", "the link was lost"},
@@ -80,10 +82,12 @@ ReplyVerdict judgeReply(const FRAME_PRO& frame, const QByteArray& reply)
         return ReplyVerdict::Silence;
     if (reply.front() == nak)
         return ReplyVerdict::Refused;
-    if (hasHighBit(reply))
-        return ReplyVerdict::HighBits;
     if (reply.startsWith(requestBytes(frame)))
         return ReplyVerdict::Echo;
+    if (reply.size() > frame.replyLength && !rightReplyIn(frame, reply).isEmpty())
+        return ReplyVerdict::Surrounded;
+    if (hasHighBit(reply))
+        return ReplyVerdict::HighBits;
     if (reply.size() < frame.replyLength)
         return ReplyVerdict::Incomplete;
     if (reply.size() > frame.replyLength)
@@ -91,6 +95,23 @@ ReplyVerdict judgeReply(const FRAME_PRO& frame, const QByteArray& reply)
     if (frame.isRead == 0)
         return reply.front() == ack ? ReplyVerdict::Good : ReplyVerdict::NotAFrame;
     return judgeDataFrame(reply);
+}
+
+QByteArray rightReplyIn(const FRAME_PRO& frame, const QByteArray& bytes)
+{
+    if (frame.isRead == 0)
+        return bytes.contains(ack) && !bytes.contains(nak) ? QByteArray(1, ack) : QByteArray();
+    QByteArray found;
+    for (int at = bytes.indexOf(stx); at >= 0; at = bytes.indexOf(stx, at + 1)) {
+        const QByteArray candidate = bytes.mid(at, frame.replyLength);
+        if (candidate.size() < frame.replyLength ||
+            judgeDataFrame(candidate) != ReplyVerdict::Good || candidate == found)
+            continue;
+        if (!found.isEmpty())
+            return {};
+        found = candidate;
+    }
+    return found;
 }
 
 const QVector<ReplyVerdict>& allVerdicts()

@@ -31,6 +31,8 @@ enum class ReplyVerdict
     HighBits,    // bit 7 set: the data bits or parity of the two ends differ
     Echo,        // what was sent came back
     NotAFrame,   // no STX, or no ETX where it belongs
+    Surrounded,  // the right reply, among other characters
+    Babble,      // the line is never quiet: something sends without being asked
     WrongSum,    // a frame, damaged on the way
     Late,        // correct, but after the time-out: discarded
     LinkLost,    // the link was lost before the reply
@@ -40,6 +42,10 @@ enum class ReplyVerdict
 const QVector<ReplyVerdict>& allVerdicts();
 
 ReplyVerdict judgeReply(const FRAME_PRO& frame, const QByteArray& reply);
+
+// The right reply among other characters: data whose sum is right, or an ACK without a NAK. Empty
+// if there is none, or if there are two that differ.
+QByteArray rightReplyIn(const FRAME_PRO& frame, const QByteArray& bytes);
 
 // A few words for people, and one word for columns and files.
 QString verdictText(ReplyVerdict verdict);

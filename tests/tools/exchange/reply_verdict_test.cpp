@@ -47,8 +47,13 @@ TEST(Verdicts, OfAReadNameWhatCame)
         {wire("␂12"), ReplyVerdict::Incomplete},
         {wire("␆"), ReplyVerdict::Incomplete},
         {wire("␂1234␃C"), ReplyVerdict::Incomplete},
-        {wire("␂1234␃CD␂"), ReplyVerdict::TooLong},
-        {wire("␂1234␃CD␂1234␃CD"), ReplyVerdict::TooLong},
+        {wire("␂1234␃CE␂"), ReplyVerdict::TooLong},
+        {wire("␂1234␃CD␂4321␃CD"), ReplyVerdict::TooLong},
+        {wire("␂1234␃CD␂1234␃CD"), ReplyVerdict::Surrounded},
+        {wire("␂1234␃CD␍␊"), ReplyVerdict::Surrounded},
+        {QByteArray(3, 0) + wire("␂1234␃CD"), ReplyVerdict::Surrounded},
+        {QByteArray(3, '\xFF') + wire("␂␂1234␃CD"), ReplyVerdict::Surrounded},
+        {wire("12␂12"), ReplyVerdict::Incomplete},
         {wire("␂1234␃DD"), ReplyVerdict::WrongSum},
         {wire("␂1234␃CE"), ReplyVerdict::WrongSum},
         {wire("␂1235␃CD"), ReplyVerdict::WrongSum},
@@ -70,13 +75,26 @@ TEST(Verdicts, OfAWriteNameWhatCame)
 {
     const FRAME_PRO write = frameOf(writeRequest, 1, false);
     const Reply replies[] = {
-        {wire("␆"), ReplyVerdict::Good},     {"", ReplyVerdict::Silence},
-        {wire("␕"), ReplyVerdict::Refused},  {wire("␂"), ReplyVerdict::NotAFrame},
-        {wire("␆␆"), ReplyVerdict::TooLong}, {"\x86", ReplyVerdict::HighBits},
+        {wire("␆"), ReplyVerdict::Good},
+        {"", ReplyVerdict::Silence},
+        {wire("␕"), ReplyVerdict::Refused},
+        {wire("␂"), ReplyVerdict::NotAFrame},
+        {wire("␆␆"), ReplyVerdict::Surrounded},
+        {"\x86", ReplyVerdict::HighBits},
+        {QByteArray(2, 0) + wire("␆"), ReplyVerdict::Surrounded},
+        {wire("␂␆␕"), ReplyVerdict::TooLong},
         {writeRequest, ReplyVerdict::Echo},
     };
     for (const Reply& reply : replies)
         EXPECT_EQ(judgeReply(write, reply.bytes), reply.verdict) << reply.bytes.toStdString();
+}
+
+TEST(RightReply, IsTakenFromBetweenOtherCharacters)
+{
+    const FRAME_PRO read = frameOf(readRequest, 8, true);
+    EXPECT_EQ(rightReplyIn(read, wire("x␂1234␃CD␍")), wire("␂1234␃CD"));
+    EXPECT_EQ(rightReplyIn(read, wire("␂1234␃CD␂4321␃CD")), "") << "which of the two?";
+    EXPECT_EQ(rightReplyIn(frameOf(writeRequest, 1, false), wire("x␆")), wire("␆"));
 }
 
 // A reply that is no frame at all must not be looked at behind its end.
@@ -100,6 +118,8 @@ too-long: reply too long
 high-bits: bit 7 set: check data bits and parity
 echo: echo of the request
 not-a-frame: not a frame
+surrounded: right reply among extra characters
+babble: something on this line sends by itself
 wrong-sum: damaged: wrong checksum
 late: late reply
 link-lost: the link was lost

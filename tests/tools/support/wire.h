@@ -15,6 +15,8 @@ inline QByteArray wire(QByteArray text)
         .replace("␃", "\x03")
         .replace("␅", "\x05")
         .replace("␆", "\x06")
+        .replace("␊", "\x0A")
+        .replace("␍", "\x0D")
         .replace("␕", "\x15");
 }
 

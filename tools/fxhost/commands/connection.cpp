@@ -86,6 +86,8 @@ ExitCode exitCodeOf(ReplyVerdict verdict)
     case ReplyVerdict::HighBits:
     case ReplyVerdict::Echo:
     case ReplyVerdict::NotAFrame:
+    case ReplyVerdict::Surrounded:
+    case ReplyVerdict::Babble:
     case ReplyVerdict::WrongSum:
         return ExitCode::Damaged;
     }

@@ -124,6 +124,8 @@ QString advice(const Finding& best)
     case ReplyVerdict::Incomplete:
     case ReplyVerdict::TooLong:
     case ReplyVerdict::NotAFrame:
+    case ReplyVerdict::Surrounded:
+    case ReplyVerdict::Babble:
     case ReplyVerdict::WrongSum:
         return QStringLiteral("Replies are damaged. Check the baud rate, the parity and the "
                               "cable, and look for electrical interference.");
