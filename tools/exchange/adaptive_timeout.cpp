@@ -35,12 +35,13 @@ void AdaptiveTimeout::timedOut()
 int AdaptiveTimeout::milliseconds() const
 {
     if (m_smoothedUs == 0)
-        return m_limits.ceilingMs;
+        return m_limits.firstMs;
     const qint64 floorMs =
         qBound<qint64>(m_limits.quickFloorMs, quickFactor * m_smoothedUs / 1000, m_limits.floorMs);
     const qint64 expectedMs = (m_smoothedUs + 4 * m_variationUs) / 1000 + 1;
     const qint64 waitMs = std::max(expectedMs, floorMs) << m_backOff;
-    return static_cast<int>(std::min<qint64>(waitMs, m_limits.ceilingMs));
+    const qint64 mostMs = std::max<qint64>(m_limits.firstMs, expectedMs);
+    return static_cast<int>(std::min({waitMs, mostMs, qint64(m_limits.ceilingMs)}));
 }
 
 }  // namespace fxtools

@@ -2,7 +2,8 @@
 // SPDX-License-Identifier: MIT
 //
 // How long to wait for a reply: the smoothed response time plus four times its variation, as in
-// transport protocols, doubled after each time-out, between a floor and a ceiling.
+// transport protocols, doubled after each time-out, between a floor and a ceiling. A late reply
+// counts too, so that the time-out grows to what a slow PLC needs.
 
 #pragma once
 
@@ -13,10 +14,14 @@ namespace fxtools {
 struct TimeoutLimits
 {
     int floorMs = 250;      // the longest request takes 150 ms at 9600 baud
-    int ceilingMs = 1000;   // used until the first reply
+    int firstMs = 1000;     // until the first reply, and the most without slow replies
+    int ceilingMs = 5000;   // for slow replies
     int quickFloorMs = 50;  // on a line that is too fast to be a slow serial line
 
-    static TimeoutLimits fixed(int timeoutMs) { return {timeoutMs, timeoutMs, timeoutMs}; }
+    static TimeoutLimits fixed(int timeoutMs)
+    {
+        return {timeoutMs, timeoutMs, timeoutMs, timeoutMs};
+    }
 };
 
 class AdaptiveTimeout
@@ -24,7 +29,7 @@ class AdaptiveTimeout
 public:
     explicit AdaptiveTimeout(const TimeoutLimits& limits) : m_limits(limits) {}
 
-    void answered(qint64 responseUs);
+    void answered(qint64 responseUs);  // in time or late
     void timedOut();
 
     int milliseconds() const;

@@ -45,7 +45,9 @@ const History histories[] = {
     {"an answer after a time-out", {100000, timedOut, 100000}, 251},
     {"always quick", hundredQuick, 50},
     {"always as at 9600 baud", hundredOf25Ms, 250},
-    {"always too slow", hundredOf5S, 1000},
+    {"always slow", hundredOf5S, 5000},
+    {"a slow one", {1500000}, 4501},  // 1500 + 4 * 750 + 1
+    {"a slow one among quick ones", {100000, 1500000}, 1826},
 };
 
 void apply(AdaptiveTimeout& timeout, const std::vector<qint64>& answersUs)
@@ -71,7 +73,7 @@ TEST(AdaptiveTimeout, FollowsTheAnswersExactly)
 
 TEST(AdaptiveTimeout, KeepsToOtherLimits)
 {
-    AdaptiveTimeout wide(TimeoutLimits{300, 100000, 10});
+    AdaptiveTimeout wide(TimeoutLimits{300, 100000, 100000, 10});
     EXPECT_EQ(wide.milliseconds(), 100000);
     apply(wide, {100});
     EXPECT_EQ(wide.milliseconds(), 10);
