@@ -38,6 +38,7 @@ struct Exchange
 {
     ExchangeKind kind = ExchangeKind::CyclicRead;
     FRAME_PRO frame;
+    bool wasSent = false;   // not if the line was never quiet before it
     QByteArray reply;       // the bytes that came in time
     QByteArray thrownAway;  // what came after a bad or missing reply until the line was quiet
     QByteArray handed;      // what the driver was given
@@ -45,7 +46,7 @@ struct Exchange
     DriverAnswer answer = DriverAnswer::NoFrame;
     QString errorText;       // of the driver
     qint64 startedUs = 0;    // since the loop was made
-    qint64 responseUs = 0;   // from the last byte sent to the last one received
+    qint64 responseUs = 0;   // from the last byte sent to the last of the reply, late or not
     bool mayBeDone = false;  // this attempt, or one before it, may have reached the PLC unanswered
 
     bool hasEnded() const { return answer == DriverAnswer::Accepted || hasFailed(); }

@@ -17,12 +17,14 @@ constexpr int shortestQuietMs = 5;
 constexpr int longestQuietMs = 250;
 constexpr int quietResponses = 4;
 
-// A second copy of a reply follows within a small part of a usual response time.
 constexpr int emptyLineShare = 8;
 constexpr int longestEmptyLineMs = 5;
 
 constexpr int longestTurnMs = 100;
-constexpr int longestJunkBytes = 4096;      // most bytes drained from a line that never stops
+constexpr int longestDrainMs = 2000;        // of a line that is never quiet,
+constexpr int longestSecondDrainMs = 500;   // also when it is tried again,
+constexpr int longestJunkBytes = 4096;      // and the most bytes
+constexpr int longestReplyMs = 5000;        // the longest takes 4.4 s at 300 baud
 constexpr int enquiriesBeforeGivingUp = 3;  // some PLCs do not answer ENQ
 
 bool isTimeout(ReplyVerdict verdict)
@@ -54,10 +56,12 @@ std::optional<Exchange> ExchangeLoop::step()
     if (!m_repeating)
         m_kind = m_session.kindOf(exchange.frame);
     exchange.kind = m_kind;
+    const qint64 enquiriesAnswered = m_statistics.enquiriesAnswered;
     sendAndReceive(exchange);
+    noteSilence(exchange, m_statistics.enquiriesAnswered > enquiriesAnswered);
     const bool isAnswered =
         exchange.verdict == ReplyVerdict::Good || exchange.verdict == ReplyVerdict::Refused;
-    m_mayBeDone = !isAnswered || (m_repeating && m_mayBeDone);
+    m_mayBeDone = (exchange.wasSent && !isAnswered) || (m_repeating && m_mayBeDone);
     exchange.mayBeDone = m_mayBeDone;
     if (exchange.verdict != ReplyVerdict::LinkLost)
         handOver(exchange);
@@ -72,9 +76,18 @@ std::optional<Exchange> ExchangeLoop::step()
 
 void ExchangeLoop::sendAndReceive(Exchange& exchange)
 {
-    clearLine();
+    QByteArray junk;
+    const int momentMs =
+        m_isQuiet ? static_cast<int>(momentUs(m_timeout.typicalResponseUs()) / 1000) : quietMs();
+    const bool mayBeSent = drain(momentMs, junk);
+    throwAway(junk);
     exchange.startedUs = elapsedUs();
-    if (!m_link.send(requestBytes(exchange.frame))) {
+    if (!mayBeSent) {
+        exchange.verdict = isInterrupted() ? ReplyVerdict::Interrupted : ReplyVerdict::Babble;
+        return;
+    }
+    exchange.wasSent = m_link.send(requestBytes(exchange.frame));
+    if (!exchange.wasSent) {
         exchange.verdict = ReplyVerdict::LinkLost;
         return;
     }
@@ -82,36 +95,70 @@ void ExchangeLoop::sendAndReceive(Exchange& exchange)
     exchange.reply = receive(exchange.frame.replyLength);
     exchange.responseUs = elapsedUs() - sentUs;
     exchange.verdict = judgeReply(exchange.frame, exchange.reply);
-    if (exchange.verdict == ReplyVerdict::Good) {
-        m_timeout.answered(exchange.responseUs);
-        return;
-    }
+    const bool isGood = exchange.verdict == ReplyVerdict::Good;
     if (isTimeout(exchange.verdict) && isInterrupted())
         exchange.verdict = ReplyVerdict::Interrupted;  // before the time-out was over
-    else if (m_link.isOpen())
-        settle(exchange);
-    if (!m_link.isOpen())  // sending ENQ may be the first to show it
+    else if (const std::optional<int> waitMs = isGood ? waitForAnother(exchange) : quietMs())
+        settle(exchange, *waitMs);
+    if (exchange.verdict == ReplyVerdict::Late)
+        exchange.responseUs = m_heardUs - sentUs;
+    if (exchange.verdict == ReplyVerdict::Good)
+        m_lastGood = exchange;
+    if (exchange.verdict == ReplyVerdict::Good || exchange.verdict == ReplyVerdict::Late)
+        m_timeout.answered(exchange.responseUs);
+    else if (!m_link.isOpen())  // sending ENQ may be the first to show it
         exchange.verdict = ReplyVerdict::LinkLost;
 }
 
 // Prepares the line for the next frame, and judges again with all that came.
-void ExchangeLoop::settle(Exchange& exchange)
+void ExchangeLoop::settle(Exchange& exchange, int forQuietMs)
 {
-    if (exchange.verdict == ReplyVerdict::Refused && exchange.reply.size() == 1)
+    const bool isRefused = exchange.verdict == ReplyVerdict::Refused && exchange.reply.size() == 1;
+    if (isRefused || !m_link.isOpen())
         return;
-    exchange.thrownAway = drain(quietMs());
-    if (isTimeout(exchange.verdict)) {
-        m_timeout.timedOut();
-        resynchronise();
+    if (!drain(forQuietMs, exchange.thrownAway)) {
+        exchange.verdict = isInterrupted() ? ReplyVerdict::Interrupted : ReplyVerdict::Babble;
+        return;
     }
-    const ReplyVerdict onAll = judgeReply(exchange.frame, exchange.reply + exchange.thrownAway);
-    exchange.verdict = onAll == ReplyVerdict::Good ? ReplyVerdict::Late : onAll;
+    const bool wasTimeout = isTimeout(exchange.verdict);
+    if (wasTimeout) {
+        m_timeout.timedOut();
+        ask(exchange.thrownAway);
+    }
+    exchange.verdict = judgeReply(exchange.frame, exchange.reply + exchange.thrownAway);
+    const bool isRight =
+        exchange.verdict == ReplyVerdict::Good || exchange.verdict == ReplyVerdict::Surrounded;
+    if (wasTimeout && isRight)
+        exchange.verdict = ReplyVerdict::Late;
+}
+
+void ExchangeLoop::noteSilence(const Exchange& exchange, bool enquiryAnswered)
+{
+    const bool isSilent =
+        exchange.verdict == ReplyVerdict::Silence || exchange.verdict == ReplyVerdict::Babble;
+    m_unansweredInARow = isSilent && !enquiryAnswered ? m_unansweredInARow + 1 : 0;
+}
+
+// The reply before, once more: it may be a second copy of it. Then the PLC's own reply follows, at
+// the time that it usually takes or right behind the copy.
+std::optional<int> ExchangeLoop::waitForAnother(const Exchange& exchange) const
+{
+    if (exchange.reply != m_lastGood.reply ||
+        requestBytes(exchange.frame) == requestBytes(m_lastGood.frame))
+        return std::nullopt;
+    const qint64 momentAfterUs = momentUs(m_lastGood.responseUs);
+    const bool isEarly = exchange.responseUs < m_lastGood.responseUs - momentAfterUs;
+    return static_cast<int>((isEarly ? m_lastGood.responseUs : momentAfterUs) / 1000);
 }
 
 void ExchangeLoop::handOver(Exchange& exchange)
 {
-    const bool exactLength = exchange.reply.size() == exchange.frame.replyLength;
-    exchange.handed = exactLength ? exchange.reply : QByteArray(exchange.reply.size(), nak);
+    if (exchange.verdict == ReplyVerdict::Surrounded && m_settings.tolerant)
+        exchange.handed = rightReplyIn(exchange.frame, exchange.reply + exchange.thrownAway);
+    else if (exchange.reply.size() == exchange.frame.replyLength && exchange.thrownAway.isEmpty())
+        exchange.handed = exchange.reply;
+    else
+        exchange.handed = QByteArray(exchange.reply.size(), nak);
     const int result = m_session.library().dealRcvFrame(exchange.handed, exchange.errorText);
     exchange.answer = static_cast<DriverAnswer>(result);
     m_repeating = exchange.answer == DriverAnswer::Repeat;
@@ -120,13 +167,13 @@ void ExchangeLoop::handOver(Exchange& exchange)
 // Ends early at a NAK, with which no good reply begins, and when a reply breaks off.
 QByteArray ExchangeLoop::receive(int byteCount)
 {
-    QByteArray reply;
-    while (reply.size() < byteCount) {
-        const int waitMs = reply.isEmpty() ? m_timeout.milliseconds() : betweenBytesMs();
-        const QByteArray more = listen(waitMs);
+    QByteArray reply = listen(m_timeout.milliseconds());
+    const qint64 endUs = elapsedUs() + 1000 * longestReplyMs;
+    bool goesOn = !reply.isEmpty();
+    while (goesOn && reply.size() < byteCount && reply.front() != nak && !isInterrupted()) {
+        const QByteArray more = listen(betweenBytesMs());
         reply += more;
-        if (more.isEmpty() || reply.front() == nak)
-            break;
+        goesOn = !more.isEmpty() && elapsedUs() < endUs;
     }
     return reply;
 }
@@ -144,46 +191,75 @@ QByteArray ExchangeLoop::listen(int timeoutMs)
          bytes.isEmpty() && leftMs > 0 && m_link.isOpen() && !isInterrupted();
          leftMs -= longestTurnMs)
         bytes = m_link.receive(std::min(leftMs, longestTurnMs));
+    if (!bytes.isEmpty() && bytes != QByteArray(1, ack))
+        m_heardUs = elapsedUs();
     return bytes;
 }
 
-QByteArray ExchangeLoop::drain(int forQuietMs)
+// Whether the line is quiet at last. What comes is followed for two seconds.
+bool ExchangeLoop::drain(int forQuietMs, QByteArray& junk)
 {
-    QByteArray junk;
-    while (junk.size() < longestJunkBytes) {
-        const QByteArray more = listen(forQuietMs);
-        if (more.isEmpty())
-            break;
+    const int longestMs = m_isQuiet ? longestDrainMs : longestSecondDrainMs;
+    const int mostBytes = junk.size() + longestJunkBytes;
+    QByteArray more = listen(forQuietMs);
+    const qint64 endUs = elapsedUs() + 1000 * qint64(longestMs);
+    while (!more.isEmpty() && elapsedUs() < endUs && junk.size() < mostBytes && !isInterrupted()) {
         junk += more;
+        more = listen(std::min(forQuietMs, quietMs()));
     }
-    return junk;
+    junk += more;
+    m_isQuiet = more.isEmpty() && !isInterrupted();
+    return m_isQuiet;
+}
+
+QByteArray ExchangeLoop::overhear(int timeMs)
+{
+    QByteArray heard;
+    const qint64 endUs = elapsedUs() + 1000 * qint64(timeMs);
+    for (qint64 nowUs = elapsedUs(); nowUs < endUs && !isInterrupted() && m_link.isOpen();
+         nowUs = elapsedUs())
+        heard += listen(static_cast<int>((endUs - nowUs + 999) / 1000)).left(longestJunkBytes);
+    throwAway(heard);
+    return heard;
 }
 
 bool ExchangeLoop::resynchronise()
 {
+    QByteArray junk;
+    const bool answered = ask(junk);
+    throwAway(junk);
+    return answered;
+}
+
+bool ExchangeLoop::ask(QByteArray& junk)
+{
     const bool worthAsking =
         m_enquiryWasAnswered || m_enquiriesUnanswered < enquiriesBeforeGivingUp;
-    const bool answered = worthAsking && enquire();
+    const bool answered = worthAsking && enquire(junk);
     // Where ENQ is not answered, or not in order, only waiting clears the line.
-    throwAway(drain(m_timeout.milliseconds()));
+    drain(m_timeout.milliseconds(), junk);
     return answered;
 }
 
 // A late reply may come first; a data frame contains no ACK.
-bool ExchangeLoop::enquire()
+bool ExchangeLoop::enquire(QByteArray& junk)
 {
     ++m_statistics.enquiriesSent;
     if (!m_link.send(QByteArray(1, enq)))
         return false;
     QByteArray late;
-    while (late.size() < longestJunkBytes) {
-        const QByteArray more = listen(m_timeout.milliseconds());
+    const qint64 endUs =
+        elapsedUs() + 1000 * qint64(std::max(longestDrainMs, m_timeout.milliseconds()));
+    QByteArray more = listen(m_timeout.milliseconds());
+    while (!more.isEmpty() && !more.contains(ack) && elapsedUs() < endUs && !isInterrupted()) {
         late += more;
-        if (more.isEmpty() || more.contains(ack))
-            break;
+        more = listen(m_timeout.milliseconds());
     }
-    const bool answered = late.contains(ack);
-    throwAway(late.replace(QByteArray(1, ack), QByteArray()));
+    m_isQuiet = more.isEmpty() || more.contains(ack);
+    late += more;
+    const int acknowledged = late.lastIndexOf(ack);
+    const bool answered = acknowledged >= 0;
+    junk += answered ? late.remove(acknowledged, 1) : late;
     m_statistics.enquiriesAnswered += answered;
     m_enquiriesUnanswered += !answered;
     m_enquiryWasAnswered |= answered;
@@ -196,11 +272,11 @@ void ExchangeLoop::throwAway(const QByteArray& bytes)
     m_statistics.bytesThrownAway += bytes.size();
 }
 
-void ExchangeLoop::clearLine()
+// How long the line must be empty before a frame: a second copy of a reply usually follows within a
+// small part of a response time.
+qint64 ExchangeLoop::momentUs(qint64 responseUs) const
 {
-    const qint64 shareMs = m_timeout.typicalResponseUs() / 1000 / emptyLineShare;
-    const int waitMs = static_cast<int>(std::min<qint64>(shareMs, longestEmptyLineMs));
-    throwAway(drain(waitMs));
+    return std::min<qint64>(responseUs / emptyLineShare, 1000 * longestEmptyLineMs);
 }
 
 int ExchangeLoop::quietMs() const

@@ -5,7 +5,7 @@
 // One call of step() sends one frame and receives one reply.
 //
 // A reply carries no address, so a late one looks like the reply to the next request of the same
-// length. Three rules prevent that:
+// length. Four rules prevent that:
 //   1. Only a reply of exactly the expected length is handed over. For any other one the driver
 //      gets as many NAKs as bytes came, which it must reject.
 //   2. Before a frame is sent, the line must be empty for a moment that suits its speed.
@@ -13,6 +13,8 @@
 //      a time-out the PLC must also answer ENQ with ACK before the next frame: a PLC answers in
 //      order, so no older reply can come after that ACK. Without an ACK the host waits for another
 //      time-out.
+//   4. A reply that repeats the one before may be its second copy: it counts only if none follows.
+// A line that is not quiet within two seconds gets no frame.
 
 #pragma once
 
@@ -30,6 +32,7 @@ struct LoopSettings
 {
     TimeoutLimits timeout;
     int betweenBytesMs = 100;         // a USB adapter delivers bytes in slices with pauses
+    bool tolerant = false;            // takes a right reply among extra characters
     std::function<qint64()> clockUs;  // empty: the real time; a simulated link may bring its own
     std::function<bool()> isInterrupted;  // whether the user has interrupted; empty: never
 };
@@ -54,6 +57,12 @@ public:
     // Sends ENQ and discards what comes before the ACK. Returns whether the ACK came.
     bool resynchronise();
 
+    // What the line sends within this time without being asked.
+    QByteArray overhear(int timeMs);
+
+    // Whether the last exchanges got no reply, and the ENQ after each of them no answer.
+    bool hasGoneSilent() const { return m_unansweredInARow >= unansweredUntilSilent; }
+
     DriverSession& session() { return m_session; }
     const Link& link() const { return m_link; }
     const Statistics& statistics() const { return m_statistics; }
@@ -63,15 +72,20 @@ public:
     bool isInterrupted() const { return m_settings.isInterrupted(); }
 
 private:
+    static constexpr int unansweredUntilSilent = 3;
+
     void sendAndReceive(Exchange& exchange);
     void handOver(Exchange& exchange);
-    void settle(Exchange& exchange);
+    void settle(Exchange& exchange, int forQuietMs);
+    void noteSilence(const Exchange& exchange, bool enquiryAnswered);
+    std::optional<int> waitForAnother(const Exchange& exchange) const;
     QByteArray receive(int byteCount);
     QByteArray listen(int timeoutMs);
-    QByteArray drain(int quietMs);
-    bool enquire();
+    bool drain(int quietMs, QByteArray& junk);
+    bool ask(QByteArray& junk);
+    bool enquire(QByteArray& junk);
     void throwAway(const QByteArray& bytes);
-    void clearLine();
+    qint64 momentUs(qint64 responseUs) const;
     int quietMs() const;
     int betweenBytesMs() const;
 
@@ -80,6 +94,10 @@ private:
     LoopSettings m_settings;
     AdaptiveTimeout m_timeout;
     Statistics m_statistics;
+    bool m_isQuiet = true;  // as far as is known
+    qint64 m_heardUs = 0;   // when the last bytes came, apart from an ACK
+    Exchange m_lastGood;
+    int m_unansweredInARow = 0;
     bool m_repeating = false;  // the driver will give the same frame again
     bool m_mayBeDone = false;  // of the frame that is repeated
     ExchangeKind m_kind = ExchangeKind::CyclicRead;

@@ -71,7 +71,7 @@ void Poller::pollPlan()
 {
     const Round round = pollCycle(m_loop, m_blocks);
     m_end = round.end;
-    m_unasked = m_end == RoundEnd::NeverAnswered ? round.ended.last().verdict : verdictOf(m_end);
+    m_unasked = round.verdict();
     QVector<RegisterRange> refused;
     for (const Exchange& exchange : round.ended) {
         if (exchange.kind == ExchangeKind::CyclicRead)
@@ -197,16 +197,20 @@ ReplyVerdict Poller::readPiece(const RegisterRange& piece)
     if (isStopped())
         return m_unasked;
     const ReplyVerdict verdict = readOnce(m_loop, piece);
-    if (verdict == ReplyVerdict::LinkLost || verdict == ReplyVerdict::Interrupted) {
-        m_end = verdict == ReplyVerdict::LinkLost ? RoundEnd::LinkLost : RoundEnd::Interrupted;
+    if (verdict == ReplyVerdict::LinkLost)
+        m_end = RoundEnd::LinkLost;
+    else if (verdict == ReplyVerdict::Interrupted)
+        m_end = RoundEnd::Interrupted;
+    else if (m_loop.hasGoneSilent())
+        m_end = RoundEnd::NoAnswer;
+    if (isStopped())
         m_unasked = verdict;
-    }
     return verdict;
 }
 
 bool Poller::isStopped() const
 {
-    return m_end == RoundEnd::LinkLost || m_end == RoundEnd::Interrupted;
+    return m_end != RoundEnd::Done;
 }
 
 void Poller::note(const RegisterRange& range, ReplyVerdict verdict)

@@ -21,12 +21,13 @@ int endedOfKind(const Round& round, ExchangeKind kind)
                       [kind](const Exchange& exchange) { return exchange.kind == kind; }));
 }
 
-bool hasNeverAnswered(const ExchangeLoop& loop, const Round& round)
+bool hasNoAnswer(const ExchangeLoop& loop, const Round& round)
 {
     if (round.ended.isEmpty() || loop.statistics().plcHasAnswered())
         return false;
     const ReplyVerdict verdict = round.ended.last().verdict;
-    return verdict == ReplyVerdict::Silence || verdict == ReplyVerdict::Late;
+    return verdict == ReplyVerdict::Silence || verdict == ReplyVerdict::Late ||
+           verdict == ReplyVerdict::Babble;
 }
 
 // The registers that are handed to the driver at once. It cuts what is longer than a frame by
@@ -70,7 +71,7 @@ void noteWrite(const Exchange& exchange, const RegisterRange& whole, WriteOutcom
 void noteWrites(const Round& round, const RegisterRange& whole, WriteOutcome& outcome)
 {
     if (round.end != RoundEnd::Done)
-        outcome.problem = verdictOf(round.end);
+        outcome.problem = round.verdict();
     for (const Exchange& exchange : round.ended)
         noteWrite(exchange, whole, outcome);
     if (round.inFlight)
@@ -92,7 +93,7 @@ ReplyVerdict readFrame(ExchangeLoop& loop, const RegisterRange& range)
     });
     loop.session().onReadEnded = nullptr;
     if (round.end != RoundEnd::Done)
-        return verdictOf(round.end);
+        return round.verdict();
     return result.value_or(false) ? ReplyVerdict::Good : failure.value_or(ReplyVerdict::Silence);
 }
 
@@ -107,6 +108,8 @@ std::optional<RoundEnd> stepIn(ExchangeLoop& loop, Round& round)
         round.ended.append(*exchange);
     else
         round.inFlight = exchange;
+    if (loop.hasGoneSilent())
+        return RoundEnd::NoAnswer;
     const bool isLost = exchange->verdict == ReplyVerdict::LinkLost;
     if (!isLost || (loop.onLinkLost && loop.onLinkLost()))
         return std::nullopt;
@@ -121,7 +124,7 @@ ReplyVerdict verdictOf(RoundEnd end)
     case RoundEnd::Done:
         return ReplyVerdict::Good;
     case RoundEnd::NothingToSend:
-    case RoundEnd::NeverAnswered:
+    case RoundEnd::NoAnswer:
         return ReplyVerdict::Silence;
     case RoundEnd::LinkLost:
         return ReplyVerdict::LinkLost;
@@ -129,6 +132,13 @@ ReplyVerdict verdictOf(RoundEnd end)
         return ReplyVerdict::Interrupted;
     }
     return ReplyVerdict::Silence;
+}
+
+ReplyVerdict Round::verdict() const
+{
+    if (end == RoundEnd::NoAnswer && (inFlight || !ended.isEmpty()))
+        return inFlight ? inFlight->verdict : ended.last().verdict;
+    return verdictOf(end);
 }
 
 bool Round::allGood() const
@@ -155,11 +165,10 @@ Round runUntil(ExchangeLoop& loop, const Enough& enough)
 Round pollCycle(ExchangeLoop& loop, int blocks)
 {
     Round round = runUntil(loop, [&loop, blocks](const Round& soFar) {
-        return endedOfKind(soFar, ExchangeKind::CyclicRead) >= blocks ||
-               hasNeverAnswered(loop, soFar);
+        return endedOfKind(soFar, ExchangeKind::CyclicRead) >= blocks || hasNoAnswer(loop, soFar);
     });
-    if (round.end == RoundEnd::Done && hasNeverAnswered(loop, round))
-        round.end = RoundEnd::NeverAnswered;
+    if (round.end == RoundEnd::Done && hasNoAnswer(loop, round))
+        round.end = RoundEnd::NoAnswer;
     return round;
 }
 

@@ -14,12 +14,12 @@ enum class RoundEnd
 {
     Done,           // the condition of the round is true
     NothingToSend,  // the driver has no frame
-    NeverAnswered,  // in time, in any round: the PLC may not be there, so the rest is skipped
+    NoAnswer,       // never in time, in any round, or no more: the rest is skipped
     LinkLost,       // and it did not come back
     Interrupted,    // by the user
 };
 
-// The verdict for what the round did not reach; Good if it is done.
+// The verdict for what a round that ended so did not reach; Good if it is done.
 ReplyVerdict verdictOf(RoundEnd end);
 
 // The exchanges of one round.
@@ -29,13 +29,14 @@ struct Round
     std::optional<Exchange> inFlight;  // sent, and neither accepted nor given up at the end
     RoundEnd end = RoundEnd::Done;
 
+    ReplyVerdict verdict() const;  // for what it did not reach, as its last exchange tells it
     bool allGood() const;
     int failed() const;
 };
 
 using Enough = std::function<bool(const Round&)>;
 
-// Steps until `enough` returns true, or until the round ends for a reason other than NeverAnswered.
+// Steps until `enough` returns true, or until the round ends for another reason.
 Round runUntil(ExchangeLoop& loop, const Enough& enough);
 
 // One cycle: until each block of the plan has been read once, whatever else is sent in between.

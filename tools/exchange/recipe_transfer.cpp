@@ -21,7 +21,7 @@ RecipeOutcome transferRecipe(ExchangeLoop& loop, RecipeDirection direction,
     });
     outcome.transferred = round.ended.size() - round.failed();
     if (round.end != RoundEnd::Done)
-        outcome.problem = verdictOf(round.end);
+        outcome.problem = round.verdict();
     else if (outcome.transferred < outcome.entries)
         outcome.problem =
             round.ended.isEmpty() ? ReplyVerdict::Silence : round.ended.last().verdict;

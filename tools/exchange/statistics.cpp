@@ -38,7 +38,7 @@ void Statistics::add(const Exchange& exchange)
     counts.repeated += exchange.answer == DriverAnswer::Repeat;
     counts.failed += exchange.answer == DriverAnswer::Failed;
     ++verdicts[exchange.verdict];
-    bytesSent += exchange.frame.frameLength;
+    bytesSent += exchange.wasSent ? exchange.frame.frameLength : 0;
     bytesReceived += exchange.reply.size() + exchange.thrownAway.size();
     bytesThrownAway += exchange.thrownAway.size();
     linksLost += exchange.verdict == ReplyVerdict::LinkLost;

@@ -144,7 +144,7 @@ TEST_F(Loop, ThrowsAnAnswerAwayThatComesAfterEnq)
                            Row{"delay:1600@1", fxsim::EnquiryMode::Ignored},
                            Row{"delay:3200@1", fxsim::EnquiryMode::Ignored}}) {
         start(badLine(0, row.faults, row.mode), SessionSettings{20, 32});
-        EXPECT_EQ(step().verdict, ReplyVerdict::Silence);
+        EXPECT_EQ(step().verdict, ReplyVerdict::Late);
         EXPECT_EQ(bench->loop.statistics().bytesThrownAway, 20);
         EXPECT_EQ(verdictsUntil(2).join(' '), "");
         expectRightValues();
@@ -226,8 +226,8 @@ TEST_F(Loop, HandsNothingOverThatIsNotAsLongAsTheAnswer)
     const Damage damages[] = {
         {"truncated:7@1", ReplyVerdict::Incomplete, 7, 1},
         {"truncated:1@1", ReplyVerdict::Incomplete, 1, 1},
-        {"junk-after:3@1", ReplyVerdict::HighBits, 23, 0},
-        {"duplicate@1", ReplyVerdict::TooLong, 40, 0},
+        {"junk-after:3@1", ReplyVerdict::Surrounded, 23, 0},
+        {"duplicate@1", ReplyVerdict::Surrounded, 40, 0},
         {"echo@1", ReplyVerdict::Echo, 31, 0},
         {"silence@1", ReplyVerdict::Silence, 0, 1},
     };
@@ -293,7 +293,7 @@ TEST_F(Loop, EndsEvenWhereTheLineIsNeverQuiet)
     start(badLine(0, ""));
     BabblingLine babble;
     ExchangeLoop loop(bench->session, babble, bench->line.loopSettings());
-    EXPECT_EQ(loop.step()->verdict, ReplyVerdict::TooLong);
+    EXPECT_EQ(loop.step()->verdict, ReplyVerdict::Babble);
 }
 
 TEST_F(Loop, KeepsAFrameThatALostLinkTook)

@@ -360,7 +360,7 @@ TEST_F(Polling, DoesNotAskASilentPlcForEverything)
 {
     start({"D0:2000"});
     bench.line.setFaults("silence=1");
-    EXPECT_EQ(poll(), RoundEnd::NeverAnswered);
+    EXPECT_EQ(poll(), RoundEnd::NoAnswer);
     EXPECT_EQ(bench.loop.statistics().total().sent, 2);
     EXPECT_EQ(poller->problemOf(ranges[0], 0), ReplyVerdict::Silence);
     EXPECT_EQ(poller->problemOf(ranges[0], 1999), ReplyVerdict::Silence);

@@ -41,7 +41,7 @@ TEST(Rounds, EndAtTheFirstSilenceOfAPlcThatHasNeverAnswered)
 {
     Bench bench(badLine(0, "silence=1"));
     const Round round = pollCycle(bench.loop, bench.session.setPlan({range("D0:96")}));
-    EXPECT_EQ(round.end, RoundEnd::NeverAnswered);
+    EXPECT_EQ(round.end, RoundEnd::NoAnswer);
     EXPECT_EQ(round.ended.size(), 1);
 }
 

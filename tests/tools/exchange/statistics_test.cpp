@@ -18,6 +18,7 @@ Exchange exchangeOf(ExchangeKind kind, DriverAnswer answer, ReplyVerdict verdict
     exchange.answer = answer;
     exchange.verdict = verdict;
     exchange.frame.frameLength = 11;
+    exchange.wasSent = true;
     exchange.reply = "12345678";
     exchange.responseUs = 1000;
     return exchange;

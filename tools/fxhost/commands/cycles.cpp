@@ -51,7 +51,7 @@ ExitCode pollCycles(Connection& connection, const QVector<RegisterRange>& ranges
         const RoundEnd end = pollCycle(loop, blocks).end;
         if (end == RoundEnd::Interrupted || end == RoundEnd::LinkLost)
             return exitCodeOf(verdictOf(end));
-        if (end == RoundEnd::NeverAnswered && cycles != 0)
+        if (end == RoundEnd::NoAnswer && cycles != 0)
             break;
         if (end == RoundEnd::Done && onCycle)
             onCycle(loop.elapsedUs() - startedUs);
