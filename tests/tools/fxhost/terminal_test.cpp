@@ -7,6 +7,8 @@
 #include "tests/tools/support/programs.h"
 #include "tests/tools/support/terminal.h"
 
+#include <QThread>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -167,6 +169,21 @@ TEST_F(TerminalViews, TheTerminalGetsItsSettingsBack)
     ASSERT_TRUE(terminal.waitForText("write, such as"));
     EXPECT_FALSE(terminal.echoes());
     expectCleanEnd(terminal, ctrlC);
+    EXPECT_TRUE(terminal.echoes());
+}
+
+TEST_F(TerminalViews, AShellGetsTheTerminalWhileTheProgramIsStopped)
+{
+    Terminal terminal(linked({"watch", "D0", "-l", "20"}), 80, 24);
+    ASSERT_TRUE(terminal.waitForText("cycle 3:"));
+    EXPECT_FALSE(terminal.echoes());
+    terminal.send(SIGTSTP);
+    while (!terminal.echoes())
+        QThread::msleep(1);
+    terminal.send(SIGCONT);
+    ASSERT_TRUE(terminal.waitFor([&terminal](const Screen&) { return !terminal.echoes(); }));
+    terminal.press('q');
+    EXPECT_EQ(terminal.waitForEnd(), 0);
     EXPECT_TRUE(terminal.echoes());
 }
 

@@ -27,7 +27,7 @@ void addIntervalOption(CLI::App& command, int& intervalMs)
 {
     command
         .add_option("-l,--interval", intervalMs,
-                    "Time between cycles in ms, or with a unit: 0.5s (default: 1000)")
+                    "Time between cycles in ms, or 0.5s (default: 1000)")
         ->type_name("MS")
         ->transform(timeInMs())
         ->check(CLI::Range(0, longestIntervalMs).description(""));

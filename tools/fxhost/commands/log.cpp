@@ -171,12 +171,12 @@ void addLogFileOptions(CLI::App& command, LogOptions& options)
     command.add_flag("--force", options.force, "Replace an existing file");
     command
         .add_option("--rotate-size", options.rotation.bytes,
-                    "Begin a new file before one is larger than SIZE: 500k, 10M")
+                    "New file before one is larger than SIZE: 500k, 10M")
         ->type_name("SIZE")
         ->transform(CLI::AsSizeValue(false).description(""));
     command
         .add_option("--rotate-every", options.rotation.periodMs,
-                    "Begin a new file at each full TIME of the clock: 1h, 1d")
+                    "New file at each full TIME of the clock: 1h, 1d")
         ->type_name("TIME")
         ->transform(timeInMs())
         ->check(CLI::Range(qint64(1000), longestDurationMs).description(""));

@@ -47,7 +47,7 @@ void take()
 extern "C" void stop(int)
 {
     giveBack();
-    raise(SIGSTOP);
+    kill(getpid(), SIGSTOP);
 }
 
 using Sequence = QPair<QByteArray, Key::Kind>;

@@ -59,7 +59,7 @@ QString trendText(const QVector<double>& history, int columns)
     QString text;
     for (const double number : shown) {
         const double part = (number - *limits.first) / (*limits.second - *limits.first);
-        text += bars[static_cast<int>(part * (bars.size() - 1) + 0.5)];
+        text += bars[qRound(part * (bars.size() - 1))];
     }
     return text;
 }
@@ -206,7 +206,7 @@ LiveView::Wish LiveView::edit(const Key& key)
 
 QString LiveView::takeAssignment()
 {
-    const QString assignment = m_input.value_or(QString()).trimmed();
+    QString assignment = m_input.value_or(QString()).trimmed();
     m_input.reset();
     return assignment;
 }
