@@ -6,22 +6,31 @@
 #include "tools/fxhost/views/console.h"
 
 #include <QDateTime>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
+
+#include <algorithm>
 
 namespace fxtools {
 
 namespace {
 
-QString textOf(const QJsonValue& value)
+QString textOf(const QJsonValue& value, OutputMode mode)
 {
+    if (value.isBool() && mode == OutputMode::People)
+        return value.toBool() ? QStringLiteral("yes") : QStringLiteral("no");
     return value.toVariant().toString();
 }
 
-void putLine(const QByteArray& line)
+// Without the columns in which no row has a text.
+void removeEmpty(QVector<Table::Column>& columns, QVector<QStringList>& rows)
 {
-    Console().line(QString::fromUtf8(line));
+    for (int column = columns.size() - 1; column >= 0 && !rows.isEmpty(); --column) {
+        if (std::any_of(rows.begin(), rows.end(),
+                        [column](const QStringList& row) { return !row.value(column).isEmpty(); }))
+            continue;
+        columns.removeAt(column);
+        for (QStringList& row : rows)
+            row.removeAt(column);
+    }
 }
 
 }  // namespace
@@ -75,43 +84,48 @@ void Records::finish()
         showTable();
         return;
     }
-    QJsonArray array;
+    QStringList objects;
     for (const QVector<QJsonValue>& values : m_collected)
-        array.append(objectOf(values));
-    putLine(QJsonDocument(array).toJson().trimmed());
+        objects += "  " + jsonOf(values);
+    Console().line("[\n" + objects.join(QStringLiteral(",\n")) + "\n]");
 }
 
-QJsonObject Records::objectOf(const QVector<QJsonValue>& values) const
+QString Records::jsonOf(const QVector<QJsonValue>& values) const
 {
-    QJsonObject object;
+    QVector<JsonMember> members;
     for (int column = 0; column < m_columns.size(); ++column) {
         if (!values.value(column).isUndefined())
-            object.insert(m_columns[column].title, values.value(column));
+            members.append({m_columns[column].title, jsonText(values.value(column))});
     }
-    return object;
+    return QString::fromUtf8(jsonObject(members + m_options.plc));
 }
 
 QStringList Records::textsOf(const QVector<QJsonValue>& values) const
 {
     QStringList texts;
     for (const QJsonValue& value : values)
-        texts += textOf(value);
+        texts += textOf(value, m_options.mode);
     return texts;
 }
 
 void Records::showAtOnce(const QVector<QJsonValue>& values)
 {
     if (m_options.mode == OutputMode::Json)
-        putLine(QJsonDocument(objectOf(values)).toJson(QJsonDocument::Compact));
+        Console().line(jsonOf(values));
     else
         Console().line(textsOf(values).join(QStringLiteral("  ")).trimmed());
 }
 
 void Records::showTable() const
 {
-    Table table(m_columns);
+    QVector<Table::Column> columns = m_columns;
+    QVector<QStringList> rows;
     for (const QVector<QJsonValue>& values : m_collected)
-        table.add(textsOf(values));
+        rows.append(textsOf(values));
+    removeEmpty(columns, rows);
+    Table table(columns);
+    for (const QStringList& row : rows)
+        table.add(row);
     const QStringList lines = table.lines();
     for (int line = m_options.quiet ? 1 : 0; line < lines.size(); ++line)
         Console().line(lines[line]);

@@ -6,11 +6,8 @@
 
 #pragma once
 
+#include "tools/fxhost/views/json_text.h"
 #include "tools/fxhost/views/table.h"
-
-#include <QJsonObject>
-#include <QJsonValue>
-#include <QPair>
 
 #include <optional>
 
@@ -27,7 +24,8 @@ struct OutputOptions
 {
     OutputMode mode = OutputMode::People;
     bool timestamps = false;
-    bool quiet = false;  // no headings, no summary
+    bool quiet = false;       // no headings, no summary
+    QVector<JsonMember> plc;  // which one answers: behind the members of every JSON record
 };
 
 class Records
@@ -47,7 +45,7 @@ public:
     void finish();
 
 private:
-    QJsonObject objectOf(const QVector<QJsonValue>& values) const;
+    QString jsonOf(const QVector<QJsonValue>& values) const;
     void showAtOnce(const QVector<QJsonValue>& values);
     void showTable() const;
     void showCsvLine(const QVector<QJsonValue>& values) const;
