@@ -17,13 +17,24 @@ namespace {
 
 using namespace fxtools;
 
+const char* const plcGroup = "Commands";
+const char* const offlineGroup = "Commands that need no PLC";
+
 const char* const footer = R"(Examples:
   fxhost read D0:4 X0:8 32CV200
-  fxhost write D100=5 M100=on D20=3.14 --verify
+  fxhost write --link sim: D100=5 M100=on D20=3.14
   fxhost watch D0:4 TV0 --count 3 --interval 200
   fxhost read --link 'sim:?baud=9600' -t D -r 100 -c 8 --json
 
-For the options of a command see fxhost COMMAND --help; for details see man fxhost.)";
+Exit status:
+  0 success                          4 no reply
+  1 some values or checks failed     5 refused by the PLC (NAK)
+  2 mistake at the command line      6 damaged replies
+  3 link not opened or lost          7 error with a file, library or output
+  130 interrupted
+
+For the options of a command see fxhost COMMAND --help; for details see
+man fxhost.)";
 
 // Output that could not be written is an error, whatever the command's own result.
 int outputWritten(int code)
@@ -36,9 +47,20 @@ int outputWritten(int code)
     return static_cast<int>(ExitCode::File);
 }
 
-int runAction(const Action& action)
+// Which PLC a command talks to stands in every record that it prints as JSON.
+QVector<JsonMember> plcMembers(const CommonOptions& common)
+{
+    LinkSettings link = common.link.settings(SimulatedSettings());
+    return {{QStringLiteral("link"), jsonText(linkText(link))},
+            {QStringLiteral("station"), jsonText(plcSettings(link).station)}};
+}
+
+int runAction(const CLI::App& app, CommonOptions& common, const Action& action)
 {
     try {
+        chooseLink(common);
+        if (app.get_subcommands().front()->get_group() == plcGroup)
+            common.output.plc = plcMembers(common);
         return static_cast<int>(action());
     } catch (const Failure& failure) {
         complain(failure.text());
@@ -47,14 +69,15 @@ int runAction(const Action& action)
 }
 
 // What to do next when not one reply was good.
-void pointToDoctor(int code, const CLI::App& app, const OutputOptions& output)
+void pointToDoctor(int code, const CLI::App& app, const CommonOptions& common)
 {
+    const OutputOptions& output = common.output;
     const bool noGoodAnswer =
         code == static_cast<int>(ExitCode::Silence) || code == static_cast<int>(ExitCode::Damaged);
     if (noGoodAnswer && output.mode == OutputMode::People && !output.quiet &&
         !app.got_subcommand("doctor"))
-        complain(
-            QStringLiteral("no valid reply; to find out why, run fxhost doctor with this link"));
+        complain("no valid reply; to find out why, run fxhost doctor --link '" +
+                 linkText(common.link.settings(SimulatedSettings())) + "'");
 }
 
 void addCommands(CLI::App& app, CommonOptions& common, Action& action)
@@ -62,14 +85,10 @@ void addCommands(CLI::App& app, CommonOptions& common, Action& action)
     app.require_subcommand(1);
     app.fallthrough();
     app.add_option("--library", common.library,
-                   "Driver library (default: FX_DRIVER, or a library near the program)")
+                   "Driver library (default: FX_DRIVER, or the one installed with fxhost)")
         ->type_name("FILE");
     addLinkOptions(app, common);
     addOutputOptions(app, common);
-    addTypesCommand(app, common, action);
-    addCheckCommand(app, common, action);
-    addSeriesCommand(app, common, action);
-    addPlanCommand(app, common, action);
     addReadCommand(app, common, action);
     addWriteCommand(app, common, action);
     addWatchCommand(app, common, action);
@@ -80,32 +99,45 @@ void addCommands(CLI::App& app, CommonOptions& common, Action& action)
     addMonitorCommand(app, common, action);
     addStatsCommand(app, common, action);
     addRecordCommand(app, common, action);
-    addReplayCommand(app, common, action);
     addDoctorCommand(app, common, action);
     addDemoCommand(app, common, action);
+    for (CLI::App* const command : app.get_subcommands({}))
+        command->group(plcGroup);
+    addTypesCommand(app, common, action);
+    addCheckCommand(app, common, action);
+    addSeriesCommand(app, common, action);
+    addPlanCommand(app, common, action);
+    addReplayCommand(app, common, action);
+    addHelpCommand(app, common, action);
+    for (CLI::App* const command : app.get_subcommands({})) {
+        if (command->get_group() != plcGroup)
+            command->group(offlineGroup);
+    }
 }
 
 int runCommandLine(int argumentCount, char** arguments)
 {
     CommonOptions common;
     Action action;
-    CLI::App app("Reference host and poller for FX-series programmable controllers", "fxhost");
-    app.set_version_flag("--version", "fxhost " FX_VERSION);
-    app.set_help_all_flag("--help-all", "Print the help of every command and exit");
-    app.footer(footer);
+    CLI::App app("Read, write and watch FX-series programmable controllers", "fxhost");
+    app.formatter(helpFormatter());
+    app.set_help_flag("-h,--help", "Print this help");
+    app.option_defaults()->disable_flag_override();
     addCommands(app, common, action);
+    app.set_help_all_flag("--help-all", "Print the help of every command");
+    app.set_version_flag("-V,--version", "fxhost " FX_VERSION, "Print the version");
+    app.footer(footer);
     try {
         app.parse(argumentCount, arguments);
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0)
             return outputWritten(app.exit(error));  // help and version
-        complain(QString::fromStdString(error.what()).simplified() + "; see fxhost --help");
+        complain(usageMistake(app, error));
         return static_cast<int>(ExitCode::Usage);
     }
-    chooseLink(common);
     catchSignals();
-    const int code = runAction(action);
-    pointToDoctor(code, app, common.output);
+    const int code = runAction(app, common, action);
+    pointToDoctor(code, app, common);
     return outputWritten(code);
 }
 

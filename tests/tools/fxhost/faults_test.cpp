@@ -106,8 +106,8 @@ TEST_P(Misbehaving, ARecordingOfSilenceIsToldAsSuch)
     const Ended ended = run(plc, {"-o", "50", "--retries", "1", "record", file, "D0"});
     EXPECT_EQ(ended.code, 4);
     EXPECT_EQ(ended.out, "  " + file.toStdString() + ": 2 exchanges saved, 0 good\n");
-    EXPECT_EQ(ended.err,
-              "fxhost: no valid reply; to find out why, run fxhost doctor with this link\n");
+    EXPECT_EQ(ended.err, "fxhost: no valid reply; to find out why, run fxhost doctor --link '" +
+                             plc.link().toStdString() + "'\n");
 }
 
 TEST_P(Misbehaving, DoctorSaysWhatIsTheMatter)

@@ -16,190 +16,99 @@ namespace {
 
 struct Mistake
 {
-    const char* name;
-    QStringList arguments;
     int exitCode;
-    const char* says;
+    const char* commandLine;
+    std::string says;
 };
 
-void PrintTo(const Mistake& mistake, std::ostream* out)
-{
-    *out << mistake.name;
-}
+const Mistake mistakes[] = {
+    {2, "read X18", "'X18' has an invalid number; use X0 to X377 in octal"},
+    {2, "write X0=1", "'X0=1': X registers are read-only"},
+    {2, "write M0=2", "value '2' is not a bit; use 0, 1, on or off"},
+    {2, "write D0=5000000000", "value '5000000000' does not fit in 32 bits"},
+    {2, "write D0", "'D0' has no value; use for example D100=5 or M0=on"},
+    {2, "write D7999=1,2", "'D7999:2' is out of range: D0 to D7999 in decimal"},
+    {2, "read D0:3 --as float",
+     "D0:3: each value takes two words, so the number of words must be even"},
+    {2, "recipe upload - M0:8", "M0:8: recipes hold words, not bits"},
+    {3, "--link pty:/dev/pts/none read D0", "cannot open /dev/pts/none: No such file or directory"},
+    {3, "--link tcp:127.0.0.1:1 read D0", "cannot connect to 127.0.0.1 port 1: Connection refused"},
+    {3, "--link serial:/dev/null read D0", "cannot open /dev/null: not a serial port"},
+    {2, "--link tcp:127.0.0.1 -b 9600 read D0",
+     "link 'tcp:127.0.0.1:8888': no setting 'baud' for this kind of link; it has: port, station, "
+     "words"},
+    {2, "-b 9601 read D0", "no serial port runs at 9601 baud; did you mean 9600?"},
+    {2, "--link serial:x -P mark read D0", "invalid --parity 'mark': use even, odd or none"},
+    {2, "read D0 --foo", "unknown option '--foo'; see fxhost read --help"},
+    {2, "read D0 --as octal",
+     "--as: unknown format 'octal': expected dec, signed, hex, bin, long or float; see fxhost "
+     "read --help"},
+    {2, "read", "address missing; for example D100:32, or -t D -r 100 -c 32"},
+    {2, "watch D0 -c 3", "-c needs -r, the number of the first register: -r 100 -c 8, or D100:8"},
+    {2, "read -t X", "-t needs -r, the number of the first register: -t X -r 100"},
+    {2, "write D0:3=1", "'D0:3=1': the address names 3 registers, the values need 1"},
+    {2, "write -r 0 D5=1", "'D5=1': with -r give only values"},
+    {7, "--library /no/such/library.so types",
+     "cannot load the driver library: /no/such/library.so: No such file or directory; set its path "
+     "with --library or FX_DRIVER"},
+    {7, "--library " FX_QT6_DRIVER_FILE " types",
+     FX_QT6_DRIVER_FILE " was built with Qt 6; fxhost needs one built with Qt 5"},
+    {2, "dump D100:4", "'D100:4' is an address; name a file first"},
+    {7, "dump /no/such/place.csv D0", "/no/such/place.csv: No such file or directory"},
+    {7, "recipe upload /no/such/place.csv D0", "/no/such/place.csv: No such file or directory"},
+    {7, "record /no/such/place.jsonl D0", "/no/such/place.jsonl: No such file or directory"},
+    {7, "restore /no/such/file", "/no/such/file: No such file or directory"},
+    {2, "xyzzy", "unknown command 'xyzzy'; see fxhost --help"},
+    {2, "rea D0", "unknown command 'rea'; did you mean 'read'?"},
+    {2, "recipe downlaod x", "unknown command 'downlaod'; did you mean 'download'?"},
+    {2, "help wirte", "unknown command 'wirte'; did you mean 'write'?"},
+    {2, "read D0 --jsno", "unknown option '--jsno'; did you mean '--json'?"},
+    {2, "types D0", "unexpected argument 'D0'; see fxhost types --help"},
+    {2, "write", "ASSIGNMENT missing; see fxhost write --help"},
+    {2, "", "command missing; see fxhost --help"},
+    {2, "read D0 --as", "--as: FORMAT missing; see fxhost read --help"},
+    {2, "read D0 --json --csv", "--json cannot be used with --csv; see fxhost read --help"},
+    {2, "read D0 -b fast",
+     "--baud: 'fast' is not a whole number from 50 to 4000000; see fxhost read --help"},
+    {2, "read D0 -o 1", "--timeout: '1' is not a time from 10 ms to 60 s; see fxhost read --help"},
+    {2, "read D0 --link sim: --plc x", "--link cannot be used with --plc; see fxhost read --help"},
+    {2, "read D0 --link sim: --line 9X1",
+     "link 'sim:': no setting 'line' for this kind of link; it has: baud, faults, station, words"},
+};
 
 }  // namespace
 
-class Mistakes : public testing::TestWithParam<Mistake>
-{};
-
-TEST_P(Mistakes, AreNamedInOneLine)
+TEST(Usage, AMistakeIsNamedInOneLine)
 {
-    const Ended ended = fxhost(GetParam().arguments);
-    EXPECT_EQ(ended.code, GetParam().exitCode);
-    EXPECT_EQ(ended.err, std::string(GetParam().says) + "\n");
+    for (const Mistake& mistake : mistakes) {
+        const Ended ended = fxhost(QString(mistake.commandLine).split(' ', Qt::SkipEmptyParts));
+        EXPECT_EQ(ended.code, mistake.exitCode) << mistake.commandLine;
+        EXPECT_EQ(ended.err, "fxhost: " + mistake.says + "\n") << mistake.commandLine;
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    CommandLines, Mistakes,
-    testing::Values(
-        Mistake{"OctalDigit",
-                {"read", "X18"},
-                2,
-                "fxhost: 'X18' has an invalid number; use X0 to X377 in octal"},
-        Mistake{"InputWritten", {"write", "X0=1"}, 2, "fxhost: 'X0=1': X registers are read-only"},
-        Mistake{
-            "NoBit", {"write", "M0=2"}, 2, "fxhost: value '2' is not a bit; use 0, 1, on or off"},
-        Mistake{"TooLarge",
-                {"write", "D0=5000000000"},
-                2,
-                "fxhost: value '5000000000' does not fit in 32 bits"},
-        Mistake{"NothingAssigned",
-                {"write", "D0"},
-                2,
-                "fxhost: 'D0' has no value; use for example D100=5 or M0=on"},
-        Mistake{"WordsPastTheEnd",
-                {"write", "D7999=1,2"},
-                2,
-                "fxhost: 'D7999:2' is out of range: D0 to D7999 in decimal"},
-        Mistake{"OddFloat",
-                {"read", "D0:3", "--as", "float"},
-                2,
-                "fxhost: D0:3: each value takes two words, so the number of words must be even"},
-        Mistake{"BitInARecipe",
-                {"recipe", "upload", "-", "M0:8"},
-                2,
-                "fxhost: M0:8: recipes hold words, not bits"},
-        Mistake{"NoSuchTerminal",
-                {"--link", "pty:/dev/pts/none", "read", "D0"},
-                3,
-                "fxhost: cannot open /dev/pts/none: No such file or directory"},
-        Mistake{"NobodyListens",
-                {"--link", "tcp:127.0.0.1:1", "read", "D0"},
-                3,
-                "fxhost: cannot connect to 127.0.0.1 port 1: Connection refused"},
-        Mistake{"NoSerialPort",
-                {"--link", "serial:/dev/null", "read", "D0"},
-                3,
-                "fxhost: cannot open /dev/null: not a serial port"},
-        Mistake{"SpeedOfATcpLink",
-                {"--link", "tcp:127.0.0.1", "-b", "9600", "read", "D0"},
-                2,
-                "fxhost: link 'tcp:127.0.0.1:8888': no setting 'baud' for this kind of link; it "
-                "has: port, station, words"},
-        Mistake{"SpeedOfNoPort",
-                {"-b", "9601", "read", "D0"},
-                2,
-                "fxhost: no serial port runs at 9601 baud; did you mean 9600?"},
-        Mistake{"UnknownParity",
-                {"-P", "mark", "read", "D0"},
-                2,
-                "fxhost: --parity: mark not in {even,odd,none}; see fxhost --help"},
-        Mistake{"UnknownOption",
-                {"read", "D0", "--foo"},
-                2,
-                "fxhost: The following argument was not expected: --foo; see fxhost --help"},
-        Mistake{"UnknownFormat",
-                {"read", "D0", "--as", "octal"},
-                2,
-                "fxhost: --as: unknown format 'octal': expected dec, signed, hex, bin, long or "
-                "float; see fxhost --help"},
-        Mistake{"TimeOutOfRange",
-                {"read", "D0", "-o", "90s"},
-                2,
-                "fxhost: --timeout: Value 90000 not in range 10 to 60000; see fxhost --help"},
-        Mistake{"NoAddressAtAll",
-                {"read"},
-                2,
-                "fxhost: address missing; for example D100:32, or -t D -r 100 -c 32"},
-        Mistake{"CountWithoutFirst",
-                {"watch", "D0", "-c", "3"},
-                2,
-                "fxhost: -c needs -r, the number of the first register: -r 100 -c 8, or D100:8"},
-        Mistake{"TypeWithoutFirst",
-                {"read", "-t", "X"},
-                2,
-                "fxhost: -t needs -r, the number of the first register: -t X -r 100"},
-        Mistake{"MoreRegistersThanValues",
-                {"write", "D0:3=1"},
-                2,
-                "fxhost: 'D0:3=1': the address names 3 registers, the values need 1"},
-        Mistake{"AssignmentBehindLetters",
-                {"write", "-r", "0", "D5=1"},
-                2,
-                "fxhost: 'D5=1': with -r give only values"},
-        Mistake{"NoSuchLibrary",
-                {"--library", "/no/such/library.so", "types"},
-                7,
-                "fxhost: cannot load the driver library: /no/such/library.so: No such file or "
-                "directory; set its path with --library or FX_DRIVER"},
-        Mistake{"LibraryOfAnotherQt",
-                {"--library", FX_QT6_DRIVER_FILE, "types"},
-                7,
-                "fxhost: " FX_QT6_DRIVER_FILE
-                " was built with Qt 6; fxhost needs one built with Qt 5"},
-        Mistake{"FileForgotten",
-                {"dump", "D100:4"},
-                2,
-                "fxhost: 'D100:4' is an address; name a file first"},
-        Mistake{"NoPlaceForADump",
-                {"dump", "/no/such/place.csv", "D0"},
-                7,
-                "fxhost: /no/such/place.csv: No such file or directory"},
-        Mistake{"NoPlaceForARecipe",
-                {"recipe", "upload", "/no/such/place.csv", "D0"},
-                7,
-                "fxhost: /no/such/place.csv: No such file or directory"},
-        Mistake{"NoPlaceForARecording",
-                {"record", "/no/such/place.jsonl", "D0"},
-                7,
-                "fxhost: /no/such/place.jsonl: No such file or directory"},
-        Mistake{"NoSuchFile",
-                {"restore", "/no/such/file"},
-                7,
-                "fxhost: /no/such/file: No such file or directory"}),
-    [](const auto& row) { return row.param.name; });
-
-namespace {
-
-struct BadFile
+TEST(Usage, ABadFileIsNamedWithTheLine)
 {
-    const char* name;
-    QStringList command;  // the file's name follows
-    const char* content;
-    const char* says;  // behind the file's name
-};
-
-void PrintTo(const BadFile& file, std::ostream* out)
-{
-    *out << file.name;
-}
-
-}  // namespace
-
-class BadFiles : public testing::TestWithParam<BadFile>
-{};
-
-TEST_P(BadFiles, AreNamedWithTheLine)
-{
+    struct
+    {
+        const char* command;
+        const char* content;
+        std::string says;
+    } const files[] = {
+        {"restore", "address,value\nD0,1\nD1,x\n",
+         ", line 3: value 'x' is not a number; use 123, -5, 0x1F, 0b101 or 1.5"},
+        {"restore", "X0,1\n", ": X0 is read-only; remove it"},
+        {"recipe download", "", ": no registers in this file"},
+        {"replay", "{}\n", ", line 1: not a recording made by fxhost"},
+    };
     const QTemporaryDir folder;
-    const QString file = newFile(folder, "bad", GetParam().content);
-    const Ended ended =
-        fxhost(QStringList{"--link", "sim:"} + GetParam().command + QStringList{file});
-    EXPECT_EQ(ended.code, 7);
-    EXPECT_EQ(ended.err, "fxhost: " + file.toStdString() + GetParam().says + "\n");
+    for (const auto& bad : files) {
+        const QString file = newFile(folder, "bad", bad.content);
+        const Ended ended = fxhost(QString(bad.command).split(' ') + QStringList{file});
+        EXPECT_EQ(ended.code, 7) << bad.command;
+        EXPECT_EQ(ended.err, "fxhost: " + file.toStdString() + bad.says + "\n");
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Files, BadFiles,
-    testing::Values(
-        BadFile{"NoNumber",
-                {"restore"},
-                "address,value\nD0,1\nD1,x\n",
-                ", line 3: value 'x' is not a number; use 123, -5, 0x1F, 0b101 or 1.5"},
-        BadFile{"AnInput", {"restore"}, "X0,1\n", ": X0 is read-only; remove it"},
-        BadFile{"NothingInARecipe", {"recipe", "download"}, "", ": no registers in this file"},
-        BadFile{"OtherJson", {"replay"}, "{}\n", ", line 1: not a recording made by fxhost"}),
-    [](const auto& row) { return row.param.name; });
 
 namespace {
 
@@ -224,8 +133,9 @@ TEST(UnnamedLink, IsRefusedByWhatChangesOrJudgesAPlc)
     for (const QStringList& command : commands) {
         const Ended ended = fxhost(command, withLink({}));
         EXPECT_EQ(ended.code, 2) << command[0].toStdString();
-        EXPECT_EQ(ended.err, "fxhost: no PLC named: give --link or set FX_LINK; --link sim: is a "
-                             "simulated PLC\n");
+        EXPECT_EQ(
+            ended.err,
+            "fxhost: no PLC named: use --link, --plc or FX_LINK; --link sim: is a simulated PLC\n");
         EXPECT_EQ(fxhost(QStringList{"--link", "sim:"} + command, withLink({})).code, 0)
             << command[0].toStdString();
     }

@@ -7,12 +7,14 @@
 #pragma once
 
 #include "tools/failure.h"
+#include "tools/fxhost/commands/limits.h"
 #include "tools/fxhost/views/records.h"
 #include "tools/link/link_settings.h"
 
 #include <CLI/CLI.hpp>
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -21,13 +23,16 @@ namespace fxtools {
 // The link options of the command line; 0 or empty: not given.
 struct LinkOptions
 {
-    std::string link;  // as --link or FX_LINK names it; empty: the command's default
+    std::string link;
+    std::string plc;     // a name of the configuration file
+    std::string config;  // the file; empty: the usual one
     int baud = 0;
     std::string line;
     std::string parity;
     int port = 0;
 
-    bool isNamed() const { return !link.empty(); }
+    std::optional<LinkSettings> named;  // set by chooseLink()
+
     LinkSettings settings(const LinkSettings& unlessSaid) const;  // throws Failure
 };
 
@@ -35,9 +40,10 @@ struct CommonOptions
 {
     std::string library;
     LinkOptions link;
+    // Not given: 0 or -1 until chooseLink() takes them from the configuration.
     int timeoutMs = 0;    // 0: adapts to the line
     int reconnectS = -1;  // -1: the command's default
-    int retries = 2;
+    int retries = -1;
     int wordsPerFrame = 0;  // 0: the link's, or 32
     OutputOptions output;
 };
@@ -50,22 +56,31 @@ using Action = std::function<ExitCode()>;
 void addLinkOptions(CLI::App& app, CommonOptions& common);
 void addOutputOptions(CLI::App& app, CommonOptions& common);
 
-// Takes the link from the environment if the command line names none.
+// The PLC that is meant: --link, --plc, FX_LINK or the default of the configuration file, in this
+// order, with the settings that the file has for it. Throws Failure.
 void chooseLink(CommonOptions& common);
 
 // For commands that change a PLC or judge one: throws Failure if no link was named.
 void demandNamedLink(const CommonOptions& common);
 
-// Accepts "1000", "1000ms", "1.5s", "10min", "8h" and "1d" as a time in milliseconds.
-CLI::Validator timeInMs();
+// Accepts "1000", "1000ms", "1.5s", "10min", "8h" and "1d", and makes milliseconds of it.
+CLI::Validator timeWithin(Limits limitsMs);
+CLI::Validator within(Limits limits);
 
 // Examples below the help of a command; each runs as it stands.
 void addExamples(CLI::App& command, const std::vector<std::string>& examples);
+
+// The help in at most 80 columns, with what every program says last.
+std::shared_ptr<CLI::FormatterBase> helpFormatter();
+
+// What is wrong with the command line, and what may have been meant.
+QString usageMistake(const CLI::App& app, const CLI::ParseError& error);
 
 void addCheckCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addDemoCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addDoctorCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addDumpCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addHelpCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addLogCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addMonitorCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addPlanCommand(CLI::App& app, const CommonOptions& common, Action& action);

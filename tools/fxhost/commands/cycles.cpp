@@ -29,8 +29,7 @@ void addIntervalOption(CLI::App& command, int& intervalMs)
         .add_option("-l,--interval", intervalMs,
                     "Time between cycles in ms, or 0.5s (default: 1000)")
         ->type_name("MS")
-        ->transform(timeInMs())
-        ->check(CLI::Range(0, longestIntervalMs).description(""));
+        ->transform(timeWithin({0, longestIntervalMs}));
 }
 
 void addDeadbandOption(CLI::App& command, double& deadband)

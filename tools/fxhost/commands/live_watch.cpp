@@ -53,7 +53,7 @@ public:
     LiveWatch(const CommonOptions& common, const WatchOptions& options)
         : m_options(options), m_timestamps(common.output.timestamps),
           m_view({linkLabel(common.link.settings(SimulatedSettings())), !common.output.quiet,
-                  common.link.isNamed()})
+                  common.link.named.has_value()})
     {
         m_clock.start();
     }

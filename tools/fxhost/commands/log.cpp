@@ -178,8 +178,7 @@ void addLogFileOptions(CLI::App& command, LogOptions& options)
         .add_option("--rotate-every", options.rotation.periodMs,
                     "New file at each full TIME of the clock: 1h, 1d")
         ->type_name("TIME")
-        ->transform(timeInMs())
-        ->check(CLI::Range(qint64(1000), longestDurationMs).description(""));
+        ->transform(timeWithin({1000, longestDurationMs}));
 }
 
 }  // namespace
@@ -194,8 +193,7 @@ void addLogCommand(CLI::App& app, const CommonOptions& common, Action& action)
     addCountOption(*command, options->cycles, true);
     command->add_option("--duration", options->durationMs, "Stop after TIME: 90s, 10min, 8h, 1d")
         ->type_name("TIME")
-        ->transform(timeInMs())
-        ->check(CLI::Range(qint64(1), longestDurationMs).description(""));
+        ->transform(timeWithin({1, longestDurationMs}));
     command->add_flag("--changes", options->onlyChanges, "Save a row only if a value has changed");
     addDeadbandOption(*command, options->deadband);
     addLogFileOptions(*command, *options);

@@ -47,7 +47,7 @@ ExitCode runSeries(const CommonOptions& common, const SeriesOptions& options)
 void addSeriesCommand(CLI::App& app, const CommonOptions& common, Action& action)
 {
     CLI::App* command =
-        app.add_subcommand("series", "Print the addresses for copies of a panel object");
+        app.add_subcommand("series", "Print the addresses for copies of a screen object");
     const auto options = std::make_shared<SeriesOptions>();
     command->add_option("address", options->address, "Address of the first copy")
         ->type_name("")

@@ -1,0 +1,157 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// The configuration file: which PLC is meant, with which settings, and where a mistake stands.
+
+#include "tests/tools/support/programs.h"
+
+#include <QDir>
+
+#include <gtest/gtest.h>
+
+using namespace tool_tests;
+
+namespace {
+
+const char* const twoPlcs = R"(default = "press2"
+
+[plc.press1]
+link = "pty:/dev/pts/press1"
+words = 16
+
+[plc.press2]
+link = "pty:/dev/pts/press2"
+)";
+
+struct Meant
+{
+    const char* name;
+    QStringList options;
+    const char* environment;
+    const char* link;
+};
+
+void PrintTo(const Meant& meant, std::ostream* out)
+{
+    *out << meant.name;
+}
+
+struct Mistake
+{
+    const char* name;
+    const char* content;
+    const char* says;  // behind the file's name
+};
+
+void PrintTo(const Mistake& mistake, std::ostream* out)
+{
+    *out << mistake.name;
+}
+
+QProcessEnvironment environmentOf(const QTemporaryDir& folder, const char* link)
+{
+    QDir(folder.path()).mkpath("fxhost");
+    newFile(folder, "fxhost/config.toml", twoPlcs);
+    QProcessEnvironment environment = hostEnvironment();
+    environment.insert("XDG_CONFIG_HOME", folder.path());
+    environment.insert("FX_LINK", link);
+    return environment;
+}
+
+}  // namespace
+
+class MeantPlc : public testing::TestWithParam<Meant>
+{};
+
+// A link that cannot be opened names itself.
+TEST_P(MeantPlc, IsOpened)
+{
+    const QTemporaryDir folder;
+    const Ended ended = fxhost(QStringList{"read", "D0"} + GetParam().options,
+                               environmentOf(folder, GetParam().environment));
+    EXPECT_EQ(ended.err, "fxhost: cannot open " + std::string(GetParam().link) +
+                             ": No such file or directory\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Orders, MeantPlc,
+    testing::Values(Meant{"DefaultOfTheFile", {}, "", "/dev/pts/press2"},
+                    Meant{"Environment", {}, "pty:/dev/pts/other", "/dev/pts/other"},
+                    Meant{"Name", {"--plc", "press1"}, "pty:/dev/pts/other", "/dev/pts/press1"},
+                    Meant{"Link", {"--link", "pty:/dev/pts/mine"}, "sim:", "/dev/pts/mine"}),
+    [](const auto& row) { return row.param.name; });
+
+TEST(ConfiguredPlc, HasItsOwnSettings)
+{
+    const QTemporaryDir folder;
+    const QProcessEnvironment environment = environmentOf(folder, "");
+    const auto blocks = [&](const QStringList& options) {
+        const QStringList plan{"plan", "D0:64", "--csv", "-q"};
+        return times(fxhost(plan + options, environment).out, "\n");
+    };
+    EXPECT_EQ(blocks({}), 2);
+    EXPECT_EQ(blocks({"--plc", "press1"}), 4);
+    EXPECT_EQ(blocks({"--plc", "press1", "--words", "64"}), 1);
+}
+
+TEST(ConfiguredPlc, OfAWrongNameIsToldWithTheNearest)
+{
+    const QTemporaryDir folder;
+    const Ended ended = fxhost({"--plc", "pres1", "read", "D0"}, environmentOf(folder, ""));
+    EXPECT_EQ(ended.code, 2);
+    EXPECT_EQ(ended.err, "fxhost: " + folder.path().toStdString() +
+                             "/fxhost/config.toml: unknown PLC 'pres1'; did you mean 'press1'?\n");
+}
+
+class ConfigurationMistakes : public testing::TestWithParam<Mistake>
+{};
+
+TEST_P(ConfigurationMistakes, AreNamedWithTheirPlace)
+{
+    const QTemporaryDir folder;
+    const QString file = newFile(folder, "plcs.toml", GetParam().content);
+    const Ended ended = fxhost({"--config", file, "--plc", "a", "read", "D0"});
+    EXPECT_EQ(ended.code, 7);
+    EXPECT_EQ(ended.err, "fxhost: " + file.toStdString() + ", line " + GetParam().says + "\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Files, ConfigurationMistakes,
+    testing::Values(
+        Mistake{"Key", "[plc.a]\nlnk = 'sim:'\n",
+                "2, column 1: unknown key 'lnk'; did you mean 'link'?"},
+        Mistake{"Table", "[press]\nlink = 'sim:'\n",
+                "1, column 2: unknown key 'press'; known: default, plc"},
+        Mistake{"NoLink", "[plc.a]\nwords = 16\n",
+                "1, column 1: link is missing; for example link = "
+                "\"serial:/dev/ttyUSB0?baud=9600\""},
+        Mistake{"Link", "[plc.a]\nlink = 'usb:1'\n",
+                "2, column 8: invalid link 'usb:1': expected sim:, serial:/dev/ttyUSB0?baud=9600, "
+                "tcp:HOST:PORT or pty:PATH"},
+        Mistake{"LinkIsNoText", "[plc.a]\nlink = 5\n",
+                "2, column 8: link must be a text in quotes"},
+        Mistake{"Words", "[plc.a]\nlink = 'sim:'\nwords = 300\n",
+                "3, column 9: words must be a whole number from 2 to 253"},
+        Mistake{"Timeout", "[plc.a]\nlink = 'sim:'\ntimeout = '5m'\n",
+                "3, column 11: timeout must be a time from 10 ms to 60 s: 500 or \"0.5s\""},
+        Mistake{"Default", "default = 'b'\n[plc.a]\nlink = 'sim:'\n",
+                "1, column 11: unknown PLC 'b'; known: a"},
+        Mistake{"NoTable", "plc = 5\n",
+                "1, column 7: plc must be a table: [plc.press1] and its keys below"}),
+    [](const auto& row) { return row.param.name; });
+
+TEST(ConfigurationFile, ThatIsNotTomlNamesThePlace)
+{
+    const QTemporaryDir folder;
+    const QString file = newFile(folder, "plcs.toml", "[plc.a]\nlink = sim:\n");
+    const Ended ended = fxhost({"--config", file, "--plc", "a", "read", "D0"});
+    EXPECT_EQ(ended.code, 7);
+    EXPECT_TRUE(holds(ended.err, ", line 2, column 8: ")) << ended.err;
+}
+
+TEST(ConfigurationFile, ThatIsMissingIsNamed)
+{
+    const Ended ended = fxhost({"--config", "/no/such.toml", "--plc", "a", "read", "D0"});
+    EXPECT_EQ(ended.code, 7);
+    EXPECT_EQ(ended.err, "fxhost: /no/such.toml: No such file or directory\n");
+}
