@@ -12,6 +12,8 @@
 #include <functional>
 #include <iostream>
 #include <limits>
+#include <memory>
+#include <sstream>
 
 namespace fxsim {
 
@@ -25,19 +27,42 @@ constexpr int highestPort = 65535;
 
 const char* const description =
     "fxsim - a simulated FX-series PLC on its programming port. It answers over a\n"
-    "pseudo-terminal, TCP or a serial port, runs a small program, and can simulate faults.";
+    "pseudo-terminal, TCP or a serial port, runs a small program, and can simulate\nfaults.";
 
 const char* const footer =
     "\nExamples:\n"
-    "  fxsim --link /tmp/plc                 a PLC at /tmp/plc, 9600 baud, with the sample "
-    "program\n"
-    "  fxsim --tcp --baud 0                  a PLC on TCP port 8888, without delays\n"
-    "  fxsim --faults silence=0.05,nak@3     5 % of the replies are lost; the 3rd request is "
-    "refused\n"
-    "  fxsim --load plant.hex --save plant.hex --program plant.json\n"
+    "  fxsim --link /tmp/plc --view       a PLC at /tmp/plc, shown on the terminal\n"
+    "  fxsim --tcp --baud 0               a PLC on TCP port 8888, without delays\n"
+    "  fxsim --faults silence=5%,nak@3    5 % of the replies are lost, the 3rd refused\n"
+    "  fxsim --model fx1s --load plant.hex --save plant.hex --program plant.json\n"
     "\nWhile fxsim runs, type commands on its standard input; 'help' lists them.\n"
-    "Exit status: 0 success, 2 wrong usage, 3 a link could not be opened, 7 a file could not be\n"
-    "read or written. See also the manual page fxsim(1).";
+    "Exit status: 0 success, 2 wrong usage, 3 a link could not be opened,\n"
+    "7 a file could not be read or written. See also the manual page fxsim(1).";
+
+// Keeps descriptions within a terminal of 80 columns.
+class NarrowFormatter : public CLI::Formatter
+{
+public:
+    std::string make_option_desc(const CLI::Option* option) const override
+    {
+        constexpr size_t terminalColumns = 80;
+        std::istringstream words(option->get_description());
+        std::string text;
+        size_t column = get_column_width();
+        for (std::string word; words >> word; column += 1 + word.size()) {
+            const bool fits = column + word.size() < terminalColumns;
+            if (!fits)
+                column = get_column_width();
+            text += (text.empty() ? "" : fits ? " " : "\n") + word;
+        }
+        return text;
+    }
+
+    std::string make_option_opts(const CLI::Option* option) const override
+    {
+        return option->get_type_name().empty() ? "" : ' ' + option->get_type_name();
+    }
+};
 
 // Options of one group: the text of each becomes a setting by `take`, whose Error names the option.
 class OptionGroup
@@ -254,6 +279,7 @@ std::optional<Options> parseOptions(int argumentCount, const char* const* argume
     bool faultHelpAsked = false;
     CLI::App app(description, "fxsim");
     app.footer(footer);
+    app.formatter(std::make_shared<NarrowFormatter>());
     app.option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
     app.set_version_flag("--version", "fxsim " FXSIM_VERSION);
     addLinks({app, "Links"}, options);

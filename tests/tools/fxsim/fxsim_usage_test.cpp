@@ -48,6 +48,16 @@ TEST(FxsimUsage, VersionIsPrinted)
     EXPECT_TRUE(version.output.startsWith("fxsim "));
 }
 
+TEST(FxsimUsage, HelpFitsEightyColumns)
+{
+    FxsimProcess process({});
+    process.waitReady();
+    const QString texts = runToEnd({"--help"}).output + runToEnd({"--faults", "help"}).output +
+                          process.command("help") + process.command("stats");
+    for (const QString& line : texts.split('\n'))
+        EXPECT_LE(line.size(), 80) << line.toStdString();
+}
+
 TEST(FxsimUsage, ManualAndCompletionKnowEveryOptionAndFault)
 {
     const QString manual = contents(FX_SOURCE_FOLDER "/tools/fxsim/fxsim.1").remove('\\');

@@ -210,7 +210,7 @@ constexpr CommandRow commands[] = {
     // name         fewest most      arguments                text
     {"peek",        1,    2,         "PLACE [COUNT]",         "show devices or bytes: peek D100 8", peek},
     {"poke",        2,    mostPokes, "PLACE VALUE...",        "set devices or bytes: poke M0 1 0 1", poke},
-    {"faults",      0,    1,         "[PLAN|none|help]",      "show or set the fault plan, clear it, or list all faults", faults},
+    {"faults",      0,    1,         "[PLAN|none|help]",      "show, set or clear the fault plan, or list faults", faults},
     {"stats",       0,    0,         "",                      "show the statistics", stats},
     {"run",         0,    0,         "",                      "set the switch RUN/STOP to RUN", run},
     {"stop",        0,    0,         "",                      "set it to STOP", stop},

@@ -21,21 +21,21 @@ constexpr int maxCount = 1000;
 // clang-format off
 constexpr FaultFacts facts[] = {
     // kind                 default  least  most      name             text
-    {FaultKind::PowerCycle,     500,     0, maxMs,    "power-cycle",   "the PLC is off for VALUE ms; its memory and program start afresh"},
+    {FaultKind::PowerCycle,     500,     0, maxMs,    "power-cycle",   "the PLC is off for VALUE ms and starts afresh"},
     {FaultKind::LinkDrop,      1000,     0, maxMs,    "link-drop",     "the link closes and comes back after VALUE ms"},
     {FaultKind::Silence,          0,     0, 0,        "silence",       "the request is carried out, but its reply is lost"},
     {FaultKind::Nak,              0,     0, 0,        "nak",           "the request is refused with NAK and not carried out"},
     {FaultKind::Delay,         1500,     0, maxMs,    "delay",         "the reply is VALUE ms late"},
     {FaultKind::WrongSum,         0,     0, 0,        "wrong-sum",     "the reply has a wrong checksum (a lone ACK or NAK has none)"},
-    {FaultKind::FlippedBits,      1,     1, maxCount, "flipped-bits",  "VALUE bits of the reply are flipped (the checksum can miss two or more)"},
+    {FaultKind::FlippedBits,      1,     1, maxCount, "flipped-bits",  "VALUE bits of the reply are flipped"},
     {FaultKind::Bit7,             0,     0, 0,        "bit7",          "bit 7 carries even parity, as when a 7E1 line is read as 8N1"},
-    {FaultKind::Truncated,        0,     0, maxCount, "truncated",     "only the first VALUE characters arrive (0: a random number)"},
+    {FaultKind::Truncated,        0,     0, maxCount, "truncated",     "only VALUE characters arrive (0: a random number)"},
     {FaultKind::LostStx,          0,     0, 0,        "lost-stx",      "the STX is missing (a lone ACK or NAK has none)"},
     {FaultKind::LostEtx,          0,     0, 0,        "lost-etx",      "the ETX is missing (a lone ACK or NAK has none)"},
-    {FaultKind::JunkBefore,       0,     0, maxCount, "junk-before",   "VALUE stray characters come before the reply (0: 1 to 8)"},
-    {FaultKind::JunkAfter,        0,     0, maxCount, "junk-after",    "VALUE stray characters come after the reply (0: 1 to 8)"},
+    {FaultKind::JunkBefore,       0,     0, maxCount, "junk-before",   "VALUE characters come before the reply (0: 1 to 8)"},
+    {FaultKind::JunkAfter,        0,     0, maxCount, "junk-after",    "VALUE characters come after the reply (0: 1 to 8)"},
     {FaultKind::Duplicate,        0,     0, maxMs,    "duplicate",     "the reply arrives twice, VALUE ms apart"},
-    {FaultKind::Slices,          20,     0, maxMs,    "slices",        "the reply arrives in slices of 32 characters, VALUE ms apart"},
+    {FaultKind::Slices,          20,     0, maxMs,    "slices",        "the reply comes in slices of 32, VALUE ms apart"},
     {FaultKind::Echo,             0,     0, 0,        "echo",          "the request is echoed before the reply"},
 };
 // clang-format on
@@ -237,7 +237,7 @@ QByteArray faultHelp()
     }
     help += "  " + QByteArray(mixedName).leftJustified(nameWidth) +
             "all faults from silence to echo, each at 1/" + QByteArray::number(mixedKinds) +
-            " of RATE; VALUE is the delay in ms\n"
+            " of RATE\n"
             "Example: silence=0.05,nak=2%,delay:800@3,wrong-sum@7-9+20-\n";
     return help;
 }
