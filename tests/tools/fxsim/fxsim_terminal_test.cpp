@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// fxsim as a person runs it: in a shell, on a terminal, in the foreground and in the background,
-// with commands and with the live view.
+// fxsim as the job of a shell on a terminal, in the foreground and in the background, with commands
+// and with the live view.
 
 #include "tests/tools/fxsim/fxsim_process.h"
 #include "tests/tools/fxsim/printing.h"
@@ -22,22 +22,16 @@ const char* const arrowRight = "\x1b[C";
 
 struct Shell : tool_tests::Terminal
 {
-    Shell(int columns, int rows)
-        : Terminal({"--norc", "--noprofile", "-i"}, columns, rows, {"PS1=$ ", "LC_ALL=C.UTF-8"})
+    Shell(int columns, int rows, const QStringList& options)
+        : Terminal(QStringList{FXSIM_PATH, "--tcp", "0", "--baud", "0", "--program", "none"} +
+                       options,
+                   columns, rows, {"LC_ALL=C.UTF-8"})
     {}
 
     void type(const QByteArray& keys)
     {
         for (const char key : keys)
             press(key);
-    }
-
-    // What follows it runs before the shell could put the terminal right.
-    void start(const char* options)
-    {
-        type("((echo pid $BASHPID. && exec " FXSIM_PATH " --tcp 0 --baud 0 --program none " +
-             QByteArray(options) +
-             "); stty -a | tr '\\n' ' ' | grep -q ' icanon .* echo ' && echo r'estored')\n");
     }
 
     QString find(const char* pattern)  // in all that was ever shown
@@ -50,10 +44,8 @@ struct Shell : tool_tests::Terminal
     QString linkName() { return find("ready on (tcp:[0-9.]+:[0-9]+)\\s"); }
     pid_t processId() { return static_cast<pid_t>(find("pid ([0-9]+)\\.").toInt()); }
 
-    // Echo and lines are on again, the cursor is shown and what was on the screen before is back.
-    bool isRestored() { return !find("(restored)").isEmpty() && hasLeftTheScreen(); }
-
-    bool hasLeftTheScreen()
+    // The cursor is shown, and the screen the one that was there before.
+    bool isLeft()
     {
         return screen().cursorIsShown() &&
                written().count("\x1b[?1049h") == written().count("\x1b[?1049l");
@@ -65,20 +57,17 @@ struct Shell : tool_tests::Terminal
 // What was typed for another program made it read no more commands ever.
 TEST(FxsimTerminal, CommandsAreReadAgainInTheForeground)
 {
-    Shell shell(80, 24);
-    shell.start("");
+    Shell shell(80, 24, {});
     TcpEnd host(shell.linkName());
     shell.type("poke D0 7\n");
     EXPECT_TRUE(shell.waitForText("\nok"));
     shell.press(ctrlZ);
-    EXPECT_TRUE(shell.waitForText("Stopped"));
-    shell.type("bg; echo f'rom' here; tail -f /dev/null\n");
-    EXPECT_TRUE(shell.waitForText("from here"));
-    shell.type("for nobody\n");
+    EXPECT_TRUE(shell.waitForText("stopped."));
+    shell.send(SIGUSR2);
+    shell.type("stats\n");
     EXPECT_EQ(host.ask(frame("0100002", "56"), 8), frame("0700", "CA"))
         << "it has seen by now that there is input";
-    shell.press(tool_tests::ctrlC);
-    shell.type("fg\n");
+    shell.send(SIGUSR1);
     shell.type("peek D0\n");
     EXPECT_TRUE(shell.waitForText("D0: 7"));
 }
@@ -96,8 +85,7 @@ class FxsimView : public testing::TestWithParam<ViewCase>
 
 TEST_P(FxsimView, ShowsThePlcTakesKeysAndLeavesTheTerminalAsItWas)
 {
-    Shell shell(GetParam().columns, GetParam().rows);
-    shell.start("--view");
+    Shell shell(GetParam().columns, GetParam().rows, {"--view"});
     TcpEnd host(shell.linkName());
     EXPECT_TRUE(shell.waitForText("X0   ○○○○○○○○   Y0   ○○○○○○○○"));
     EXPECT_TRUE(shell.waitForText("q quit"));
@@ -111,15 +99,16 @@ TEST_P(FxsimView, ShowsThePlcTakesKeysAndLeavesTheTerminalAsItWas)
     EXPECT_TRUE(shell.waitForText("STOP"));
     EXPECT_TRUE(shell.waitForText("Y0   ○○○○○○○○"));
     shell.press(ctrlZ);
-    EXPECT_TRUE(shell.waitForText("Stopped"));
-    EXPECT_TRUE(shell.hasLeftTheScreen());
-    shell.type("fg\n");
-    EXPECT_TRUE(shell.waitForText("X0   ○■○■○○○○"));
+    EXPECT_FALSE(shell.find("(stopped\\.)").isEmpty());
+    EXPECT_TRUE(shell.isLeft());
+    shell.send(SIGUSR1);
+    EXPECT_FALSE(shell.find("stopped(?s:.*)(X0   ○■○)").isEmpty());
     if (GetParam().signal == 0)
         shell.type("q");
     else
         ::kill(shell.processId(), GetParam().signal);
-    EXPECT_TRUE(shell.isRestored());
+    EXPECT_FALSE(shell.find("(restored\\.)").isEmpty());
+    EXPECT_TRUE(shell.isLeft());
 }
 
 INSTANTIATE_TEST_SUITE_P(Sizes, FxsimView,
@@ -133,7 +122,6 @@ TEST(FxsimTerminal, ViewNeedsOneForItself)
     const FailedStart pipe = runToEnd({"--view"});
     EXPECT_EQ(pipe.exitCode, 2);
     EXPECT_EQ(pipe.errors, "fxsim: --view needs a terminal\n");
-    Shell shell(80, 24);
-    shell.start("--view --trace");
+    Shell shell(80, 24, {"--view", "--trace"});
     EXPECT_TRUE(shell.waitForText("--view and --trace both need the terminal"));
 }

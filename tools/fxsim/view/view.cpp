@@ -44,20 +44,6 @@ void put(const QByteArray& bytes)
     }
 }
 
-// One key: a character, or a whole sequence of a key that sends one.
-QByteArray takeKey(QByteArray& bytes)
-{
-    int size = 1;
-    if (bytes.size() > 2 && bytes[0] == escape && (bytes[1] == '[' || bytes[1] == 'O')) {
-        size = 3;
-        while (size < bytes.size() && bytes[size - 1] >= '0' && bytes[size - 1] <= '?')
-            ++size;
-    }
-    const QByteArray key = bytes.left(size);
-    bytes.remove(0, size);
-    return key;
-}
-
 }  // namespace
 
 bool ViewTerminal::exists()
@@ -157,61 +143,88 @@ void View::readKeys()
     const ssize_t got = ::read(STDIN_FILENO, buffer, sizeof buffer);
     if (got == 0)
         m_actions.quit();  // the terminal is gone
-    QByteArray bytes(buffer, static_cast<int>(std::max<ssize_t>(0, got)));
-    while (!bytes.isEmpty()) {
-        const QByteArray key = takeKey(bytes);
-        m_state.prompt.isEmpty() ? press(key) : pressInPrompt(key);
-    }
+    for (ssize_t at = 0; at < got; ++at)
+        take(buffer[at]);
     refresh();
 }
 
-void View::press(const QByteArray& key)
+// A key that sends several characters may come in pieces.
+void View::take(char character)
 {
-    m_state.answer.clear();
-    m_state.message.clear();
+    const bool isEscape = character == escape;
+    const bool inSequence = !isEscape && !m_sequence.isEmpty();
+    if (isEscape) {
+        m_state.prompt.clear();
+        m_sequence = QByteArray(1, escape);
+    } else if (inSequence && m_sequence.size() == 1 && (character == '[' || character == 'O')) {
+        m_sequence += character;
+    } else if (inSequence && m_sequence.size() > 1) {
+        m_sequence += character;
+        if (character < '@')
+            return;  // digits
+        pressSequence(m_sequence);
+        m_sequence.clear();
+    } else {
+        m_sequence.clear();
+        m_state.prompt.isEmpty() ? press(character) : pressInPrompt(character);
+    }
+}
+
+void View::pressSequence(const QByteArray& key)
+{
+    clearAnswer();
     const char last = key[key.size() - 1];
-    if (key.size() > 1) {
-        const int steps = last == 'A'   ? -bitsPerGroup
-                          : last == 'B' ? bitsPerGroup
-                          : last == 'C' ? 1
-                          : last == 'D' ? -1
-                                        : 0;
-        select(m_state.selected + steps);
-        if (last == '~')  // page up is 5, page down 6
-            m_state.firstWord =
-                std::max(0, m_state.firstWord + (key.contains('6') ? wordsPerPage : -wordsPerPage));
-    } else if (last >= '0' && last < '0' + bitsPerGroup) {
-        select(m_state.selected / bitsPerGroup * bitsPerGroup + (last - '0'));
+    if (last == '~') {  // page up is 5, page down 6
+        const int lines = key.contains('6') ? wordsPerPage : -wordsPerPage;
+        m_state.firstWord = std::max(0, m_state.firstWord + lines);
+        return;
+    }
+    const int steps = last == 'A'   ? -bitsPerGroup
+                      : last == 'B' ? bitsPerGroup
+                      : last == 'C' ? 1
+                      : last == 'D' ? -1
+                                    : 0;
+    select(m_state.selected + steps);
+}
+
+void View::press(char key)
+{
+    clearAnswer();
+    if (key >= '0' && key < '0' + bitsPerGroup) {
+        select(m_state.selected / bitsPerGroup * bitsPerGroup + (key - '0'));
         switchSelected();
-    } else if (last == ' ' || last == '\n' || last == '\r') {
+    } else if (key == ' ' || key == '\n' || key == '\r') {
         switchSelected();
-    } else if (last == 'a') {
+    } else if (key == 'a') {
         m_plc.releaseInputs();
-    } else if (last == 's') {
+    } else if (key == 's') {
         m_plc.setRunning(!m_plc.isRunning(), m_actions.nowUs());
-    } else if (last == ':') {
+    } else if (key == ':') {
         m_state.prompt = ':';
-    } else if (last == 'q') {
+    } else if (key == 'q') {
         m_actions.quit();
     }
 }
 
-void View::pressInPrompt(const QByteArray& key)
+void View::pressInPrompt(char key)
 {
-    const char last = key[key.size() - 1];
-    if (last == '\n' || last == '\r') {
+    if (key == '\n' || key == '\r') {
         const QByteArray answer = m_control.run(m_state.prompt.mid(1));
         m_state.prompt.clear();
         QStringList lines = QString::fromUtf8(answer).split('\n', Qt::SkipEmptyParts);
         m_state.message = lines.isEmpty() ? QString() : lines.takeLast();
         m_state.answer = lines;
-    } else if (last == escape) {
-        m_state.prompt.clear();
-    } else if (last == deleteKey || last == backspace) {
+    } else if (key == deleteKey || key == backspace) {
         m_state.prompt.chop(1);
-    } else if (key.size() == 1 && last >= ' ') {
-        m_state.prompt += last;
+    } else if (key >= ' ') {
+        m_state.prompt += key;
     }
+}
+
+void View::clearAnswer()
+{
+    m_state.answer.clear();
+    m_state.message.clear();
 }
 
 void View::select(int input)

@@ -54,8 +54,11 @@ private:
     void suspend();
     void refresh();
     void readKeys();
-    void press(const QByteArray& key);
-    void pressInPrompt(const QByteArray& key);
+    void take(char character);
+    void press(char key);
+    void pressSequence(const QByteArray& key);
+    void pressInPrompt(char key);
+    void clearAnswer();
     void select(int input);
     void switchSelected();
 
@@ -63,6 +66,7 @@ private:
     Control& m_control;
     ControlActions m_actions;
     PanelState m_state;
+    QByteArray m_sequence;  // of a key, not yet whole
     ViewTerminal m_terminal;
     QTimer m_timer;
     QSocketNotifier m_keys;
