@@ -87,6 +87,12 @@ void Application::preparePlc()
     PlcMemory memory = memoryOf(*m_options.settings.model);
     if (!m_options.present.isEmpty())
         memory.setPresent(m_options.present);
+    for (const AddressRange& hole : m_options.missing) {
+        if (!memory.has(hole.first, hole.last - hole.first + 1))
+            throw Error(ExitCode::Usage,
+                        QStringLiteral("--holes: this PLC does not have all of that "
+                                       "memory without holes either"));
+    }
     memory.setMissing(m_options.missing);
     memory.setMirrors(m_options.mirrors);
     if (!m_options.loadPath.isEmpty()) {

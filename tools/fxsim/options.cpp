@@ -9,8 +9,10 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <functional>
 #include <iostream>
+#include <iterator>
 #include <limits>
 #include <memory>
 #include <sstream>
@@ -19,8 +21,9 @@ namespace fxsim {
 
 namespace {
 
-constexpr int slowestBaud = 300;
-constexpr int fastestBaud = 4000000;
+constexpr int speeds[] = {0,       300,     600,     1200,    2400,    4800,    9600,    19200,
+                          38400,   57600,   115200,  230400,  460800,  500000,  576000,  921600,
+                          1000000, 1152000, 1500000, 2000000, 2500000, 3000000, 3500000, 4000000};
 constexpr int longestScanMs = 10000;
 constexpr int mostBytes = 255;  // two hex digits carry no more
 constexpr int highestPort = 65535;
@@ -33,7 +36,7 @@ const char* const footer =
     "\nExamples:\n"
     "  fxsim --link /tmp/plc --view       a PLC at /tmp/plc, shown on the terminal\n"
     "  fxsim --tcp --baud 0               a PLC on TCP port 8888, without delays\n"
-    "  fxsim --faults silence=5%,nak@3    5 % of the replies are lost, the 3rd refused\n"
+    "  fxsim --faults silence=5%,nak@3    5 % of the replies are lost, the 3rd is NAK\n"
     "  fxsim --model fx1s --load plant.hex --save plant.hex --program plant.json\n"
     "\nWhile fxsim runs, type commands on its standard input; 'help' lists them.\n"
     "Exit status: 0 success, 2 wrong usage, 3 a link could not be opened,\n"
@@ -134,13 +137,12 @@ TcpAddress parseTcp(const QString& text)
 
 int parseBaud(const QString& text)
 {
-    const int lowest = text == QLatin1String("0") ? 0 : slowestBaud;
-    try {
-        return parseNumber(text, lowest, fastestBaud);
-    } catch (const Error&) {
+    bool isNumber = false;
+    const int speed = text.toInt(&isNumber);
+    if (!isNumber || std::find(std::begin(speeds), std::end(speeds), speed) == std::end(speeds))
         throw invalid("speed", text,
-                      QStringLiteral("0 or %1 to %2").arg(slowestBaud).arg(fastestBaud));
-    }
+                      QStringLiteral("0, or a usual speed such as 9600, 19200 or 115200"));
+    return speed;
 }
 
 quint64 parseSeed(const QString& text)

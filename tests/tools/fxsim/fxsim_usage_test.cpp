@@ -36,9 +36,15 @@ TEST(FxsimUsage, MistakeIsOneLineAndExitCode2)
 {
     const FailedStart start = runToEnd({"--baud", "fast"});
     EXPECT_EQ(start.exitCode, 2);
-    EXPECT_EQ(start.errors, "fxsim: --baud: invalid speed 'fast': expected 0 or 300 to 4000000 "
-                            "(see fxsim --help)\n");
+    EXPECT_EQ(start.errors,
+              "fxsim: --baud: invalid speed 'fast': expected 0, or a usual speed such "
+              "as 9600, 19200 or 115200 (see fxsim --help)\n");
     EXPECT_EQ(start.output, "");
+    const FailedStart hole = runToEnd({"--model", "fx1s", "--holes", "D300"});
+    EXPECT_EQ(hole.exitCode, 2);
+    EXPECT_EQ(hole.errors,
+              "fxsim: --holes: this PLC does not have all of that memory without holes "
+              "either\n");
 }
 
 TEST(FxsimUsage, VersionIsPrinted)

@@ -143,6 +143,22 @@ QByteArray poke(const Bench& bench)
     return {};
 }
 
+QByteArray switchInput(const Bench& bench)
+{
+    const std::optional<Device> input = parseDevice(bench.arguments[0]);
+    if (!input || *input->type->name != 'X')
+        throw invalid("input", bench.arguments[0], QStringLiteral("an input, as in X5"));
+    requireMemory(bench, input->address(), 1);
+    const QString position = bench.arguments[1];
+    if (position == QLatin1String("auto"))
+        bench.plc.releaseInput(input->number);
+    else if (position == QLatin1String("on") || position == QLatin1String("off"))
+        bench.plc.switchInput(input->number, position == QLatin1String("on"));
+    else
+        throw invalid("position", position, QStringLiteral("on, off or auto"));
+    return {};
+}
+
 QByteArray faults(const Bench& bench)
 {
     const QString plan = bench.arguments.value(0);
@@ -210,6 +226,7 @@ constexpr CommandRow commands[] = {
     // name         fewest most      arguments                text
     {"peek",        1,    2,         "PLACE [COUNT]",         "show devices or bytes: peek D100 8", peek},
     {"poke",        2,    mostPokes, "PLACE VALUE...",        "set devices or bytes: poke M0 1 0 1", poke},
+    {"switch",      2,    2,         "INPUT on|off|auto",     "hold an input, or leave it to the program", switchInput},
     {"faults",      0,    1,         "[PLAN|none|help]",      "show, set or clear the fault plan, or list faults", faults},
     {"stats",       0,    0,         "",                      "show the statistics", stats},
     {"run",         0,    0,         "",                      "set the switch RUN/STOP to RUN", run},

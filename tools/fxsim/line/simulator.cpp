@@ -61,11 +61,16 @@ void Simulator::switchInput(int number, bool on)
     applySwitches();
 }
 
+void Simulator::releaseInput(int number)
+{
+    switchInput(number, false);  // no program may set it
+    m_switches.remove(number);
+}
+
 void Simulator::releaseInputs()
 {
     for (const int number : m_switches.keys())
-        switchInput(number, false);
-    m_switches.clear();
+        releaseInput(number);
 }
 
 void Simulator::powerCycle(int offMs, qint64 nowUs)

@@ -91,6 +91,7 @@ public:
 
     // Inputs that somebody switches by hand: they stay so whatever the program does to them.
     void switchInput(int number, bool on);
+    void releaseInput(int number);
     void releaseInputs();
     const QMap<int, bool>& switches() const { return m_switches; }
 

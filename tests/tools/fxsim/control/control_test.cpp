@@ -85,7 +85,14 @@ TEST_F(ControlTest, AnswersEachCommand)
         {"peek D0.1 2", "error: a bit of a byte or word is shown alone\n"},
         {"peek M1600", "error: invalid device 'M1600': expected M0 to M1535 or M2048 to M3071 or "
                        "M8000 to M8255\n"},
+        {"switch x3 on", "ok\n"},
+        {"poke X0 0 0 0 0", "ok\n"},
         {"stop", "ok\n"},
+        {"peek X3", "X3: 1\nok\n"},
+        {"switch X3 auto", "ok\n"},
+        {"peek X3", "X3: 0\nok\n"},
+        {"switch Y3 on", "error: invalid input 'Y3': expected an input, as in X5\n"},
+        {"switch X3 open", "error: invalid position 'open': expected on, off or auto\n"},
         {"peek M8000 2", "M8000: 0 1\nok\n"},
         {"run", "ok\n"},
         {"peek M8000 2", "M8000: 1 0\nok\n"},
@@ -156,7 +163,7 @@ TEST_F(ControlTest, Quits)
 
 TEST_F(ControlTest, HelpNamesEveryCommand)
 {
-    for (const char* name : {"peek", "poke", "faults", "stats", "power-cycle", "drop-link", "save",
-                             "load", "help", "quit"})
+    for (const char* name : {"peek", "poke", "switch", "run", "stop", "faults", "stats",
+                             "power-cycle", "drop-link", "save", "load", "help", "quit"})
         EXPECT_TRUE(run("help").contains(QByteArray("  ") + name + ' ')) << name;
 }
