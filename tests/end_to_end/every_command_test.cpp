@@ -153,10 +153,10 @@ fxhost: no-such-file: No such file or directory
     {"doctor", R"(fxhost> doctor --csv -q
 settings as given,answered,good,The PLC answers (settings as given). All is well.
 )"},
-    {"log", R"(fxsim> poke 0x1000 7
-fxhost> log D0:2 -n 1 -q | grep -o (D0|7).*
+    {"log", R"(fxsim> poke 0x1000 0x67 0x12
+fxhost> log D0:2 -n 1 -q | grep -o (D0|4711).*
 D0,D1,error
-7,0,
+4711,0,
 )"},
     {"help", R"(fxhost> help types | grep -o Usage.*
 Usage: fxhost types [OPTION]...
