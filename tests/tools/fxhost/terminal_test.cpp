@@ -323,3 +323,20 @@ TEST_F(TerminalViews, WhatIsNoTerminalGetsNoEscapes)
         EXPECT_FALSE(holds(ended.out + ended.err, "\r")) << arguments[0].toStdString();
     }
 }
+
+TEST(TerminalLines, BeginBelowWhatCtrlCShows)
+{
+    Terminal terminal({"--link", "sim:", "stats", "D0:64", "-n", "1000000000"}, 80, 40);
+    ASSERT_TRUE(terminal.waitForText("simulated PLC"));
+    expectCleanEnd(terminal, ctrlC);
+    EXPECT_TRUE(terminal.screen().lines().contains("^C")) << terminal.screen().text().toStdString();
+}
+
+TEST(TerminalLines, OfARemarkReplaceABar)
+{
+    const QTemporaryDir folder;
+    Terminal terminal({"--link", "sim:", "dump", folder.filePath("plc.csv"), "D0:64"}, 80, 24);
+    EXPECT_EQ(terminal.waitForEnd(), 0);
+    EXPECT_EQ(terminal.screen().lines()[0], "fxhost: simulated PLC; --link names a real one");
+    EXPECT_EQ(linesWith(terminal.screen(), "  dump "), 1);
+}

@@ -97,6 +97,17 @@ QString barText(const QString& label, int done, int total, int columns)
              QStringLiteral("░").repeated(width - filled), numbers);
 }
 
+// Nothing is written behind a bar, which is drawn again below, or behind what Ctrl-C shows.
+void endLine()
+{
+    const bool afterEcho = interruptSignal() == SIGINT && !unfinished.echoed;
+    if (!isTerminal(STDOUT_FILENO) || !(unfinished.bar || afterEcho))
+        return;
+    put(afterEcho ? QStringLiteral("\n") : QStringLiteral("\r\x1b[K"));
+    unfinished.bar = false;
+    unfinished.echoed = afterEcho || unfinished.echoed;
+}
+
 }  // namespace
 
 Console::Console()
@@ -114,6 +125,7 @@ ScreenSize Console::size()
 
 void Console::lines(const QStringList& texts)
 {
+    endLine();
     put(texts.join('\n') + '\n');
     flush();
 }
@@ -180,12 +192,7 @@ void Console::progress(const QString& label, int done, int total)
 void Console::settle()
 {
     unfinished.drawn.clear();
-    const bool afterEcho = interruptSignal() == SIGINT && !unfinished.echoed;
-    if (!fxtools::isTerminal(STDOUT_FILENO) || !(unfinished.bar || afterEcho))
-        return;
-    unfinished.bar = false;
-    unfinished.echoed = interruptSignal() == SIGINT;
-    put(QStringLiteral("\n"));
+    endLine();
     std::cout.flush();
 }
 
