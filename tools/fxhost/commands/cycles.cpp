@@ -20,14 +20,14 @@ void addCountOption(CLI::App& command, int& cycles, bool mayBeEndless)
         .add_option("-n,--count", cycles,
                     "Number of cycles (default: " + std::to_string(cycles) + endless + ")")
         ->type_name("N")
-        ->check(CLI::Range(mayBeEndless ? 0 : 1, mostCycles).description(""));
+        ->check(within({mayBeEndless ? 0 : 1, mostCycles}));
 }
 
 void addIntervalOption(CLI::App& command, int& intervalMs)
 {
     command
         .add_option("-l,--interval", intervalMs,
-                    "Time between cycles in ms, or 0.5s (default: 1000)")
+                    "Time between cycles in ms, or 0.5s; 0 = no pause (default: 1000)")
         ->type_name("MS")
         ->transform(timeWithin({0, longestIntervalMs}));
 }
