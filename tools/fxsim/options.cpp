@@ -283,7 +283,7 @@ std::optional<Options> parseOptions(int argumentCount, const char* const* argume
     app.footer(footer);
     app.formatter(std::make_shared<NarrowFormatter>());
     app.option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
-    app.set_version_flag("--version", "fxsim " FXSIM_VERSION);
+    app.set_version_flag("-V,--version", "fxsim " FXSIM_VERSION);
     addLinks({app, "Links"}, options);
     addTiming({app, "Timing"}, options.settings.timing);
     addPort({app, "Programming port"}, options.settings);
@@ -295,7 +295,7 @@ std::optional<Options> parseOptions(int argumentCount, const char* const* argume
         checkTogether(options);
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() != 0)
-            throw Error(ExitCode::Usage, advice.arg(error.what()));
+            throw Error(ExitCode::Usage, advice.arg(quotable(QString::fromUtf8(error.what()))));
         app.exit(error);
         return std::nullopt;
     } catch (const Error& error) {

@@ -49,9 +49,11 @@ TEST(FxsimUsage, MistakeIsOneLineAndExitCode2)
 
 TEST(FxsimUsage, VersionIsPrinted)
 {
-    const FailedStart version = runToEnd({"--version"});
-    EXPECT_EQ(version.exitCode, 0);
-    EXPECT_TRUE(version.output.startsWith("fxsim "));
+    for (const char* option : {"--version", "-V"}) {
+        const FailedStart version = runToEnd({option});
+        EXPECT_EQ(version.exitCode, 0);
+        EXPECT_TRUE(version.output.startsWith("fxsim "));
+    }
 }
 
 TEST(FxsimUsage, HelpFitsEightyColumns)
@@ -70,7 +72,7 @@ TEST(FxsimUsage, ManualAndCompletionKnowEveryOptionAndFault)
     const QString completion = contents(FX_SOURCE_FOLDER "/packaging/completion/fxsim");
     const FailedStart help = runToEnd({"--help"});
     EXPECT_EQ(help.exitCode, 0);
-    const QStringList options = captured(help.output, "^  (?:-h,)?(--[a-z-]+)");
+    const QStringList options = captured(help.output, "^  (?:-[hV],)?(--[a-z-]+)");
     EXPECT_EQ(options.size(), 26);
     for (const QString& option : options) {
         EXPECT_TRUE(manual.contains(option)) << option.toStdString();

@@ -159,6 +159,13 @@ TEST(Options, MistakesAreExplained)
     for (const auto& row : rows)
         EXPECT_EQ(errorText([&row] { parsed(row.arguments); }),
                   QString(row.message) + " (see fxsim --help)");
+    const QByteArray loud = "\x1b[2J\a" + QByteArray(300, 'x');
+    EXPECT_EQ(errorText([&loud] {
+                  parsed({"--model", loud.constData()});
+              }),
+              "--model: invalid model '?[2J?" + QString(52, 'x') +
+                  "...': expected any, fx1s, fx1n (see fxsim --help)");
+    EXPECT_FALSE(errorText([&loud] { parsed({loud.constData()}); }).contains(QChar(0x1B)));
     for (const char* option : {"--link", "--serial", "--load", "--save", "--program", "--control"})
         EXPECT_EQ(errorText([option] {
                       parsed({option, ""});

@@ -255,7 +255,7 @@ const CommandRow& findCommand(const QString& name)
         if (name == QLatin1String(row.name))
             return row;
     }
-    refuse(QStringLiteral("unknown command '%1'; 'help' lists all commands").arg(name));
+    refuse(QStringLiteral("unknown command '%1'; 'help' lists all commands").arg(quotable(name)));
 }
 
 }  // namespace

@@ -210,7 +210,7 @@ FaultPlan parseFaults(const QString& text)
         try {
             appendItem(plan, item);
         } catch (const Error& error) {
-            throw error.at(QStringLiteral("fault '%1'").arg(item));
+            throw error.at(QStringLiteral("fault '%1'").arg(quotable(item)));
         }
     }
     return plan;

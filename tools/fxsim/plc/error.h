@@ -37,11 +37,23 @@ private:
     ExitCode m_code;
 };
 
+// A text from outside as an error may quote it: short, and without what would upset a terminal.
+inline QString quotable(const QString& text)
+{
+    constexpr int longest = 60;
+    QString shown = text.size() > longest ? text.left(longest - 3) + QStringLiteral("...") : text;
+    for (QChar& character : shown) {
+        if (!character.isPrint())
+            character = '?';
+    }
+    return shown;
+}
+
 // For a text that somebody wrote: "invalid speed 'fast': expected 0 or 300 to 4000000".
 inline Error invalid(const char* what, const QString& text, const QString& expected)
 {
     return {ExitCode::Usage,
-            QStringLiteral("invalid %1 '%2': expected %3").arg(what, text, expected)};
+            QStringLiteral("invalid %1 '%2': expected %3").arg(what, quotable(text), expected)};
 }
 
 }  // namespace fxsim

@@ -22,7 +22,6 @@ constexpr qint64 longestMs = 7LL * 24 * 3600 * 1000;  // a week
 constexpr qint64 usualRampMs = 100;                   // between two values of a ramp
 constexpr int defaultBytes = 2;
 constexpr int stepDepth = 2;  // of the braces and brackets around a step
-constexpr int longestQuote = 60;
 
 [[noreturn]] void refuse(const QString& text)
 {
@@ -32,9 +31,7 @@ constexpr int longestQuote = 60;
 QString quoted(const QJsonValue& value)
 {
     const QByteArray text = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
-    const QString inside = QString::fromUtf8(text.mid(1, text.size() - 2));
-    return inside.size() > longestQuote ? inside.left(longestQuote) + QStringLiteral("...")
-                                        : inside;
+    return quotable(QString::fromUtf8(text.mid(1, text.size() - 2)));
 }
 
 class StepReader
@@ -194,7 +191,7 @@ Condition readCondition(StepReader& reader, const QString& text)
     if (!match.hasMatch() || (negated && !comparison.isEmpty()))
         refuse(QStringLiteral("\"if\": invalid condition '%1': expected a bit, as in \"X0\" or "
                               "\"!X0\", or a comparison, as in \"D100 > 5\"")
-                   .arg(text.left(longestQuote)));
+                   .arg(quotable(text)));
     const MemoryPlace left = reader.placeNamed(match.captured(2), "if");
     Condition condition{StepReader::cellOf(left), negated ? Is::Equal : Is::Unequal, {}, 0};
     reader.requireMemory(condition.left.address, condition.left.byteCount, "if");
