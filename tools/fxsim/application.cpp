@@ -105,6 +105,8 @@ void Application::preparePlc()
         program = std::make_unique<SampleProgram>();
     else if (m_options.program != QLatin1String("none"))
         program = loadScript(m_options.program, memory, m_options.settings.seed);
+    m_options.settings.startedAt =
+        QDateTime::currentDateTime().addMSecs(-m_clock.nowUs() / usPerMs);
     m_simulator =
         std::make_unique<Simulator>(m_options.settings, std::move(program), m_clock.nowUs());
     m_simulator->powerOnWith(memory, m_clock.nowUs());

@@ -37,6 +37,10 @@ void Simulator::refresh(qint64 nowUs)
         return;
     showState(m_memory, {m_isRunning, (nowUs - m_poweredUs) / usPerMs,
                          (nowUs - m_inStateUs) / usPerMs, std::max(1, m_settings.timing.scanMs)});
+    const qint64 second = nowUs / usPerSecond;
+    if (m_settings.startedAt.isValid() && second != m_shownSecond)
+        showTime(m_memory, m_settings.startedAt.addSecs(second));
+    m_shownSecond = second;
 }
 
 void Simulator::setRunning(bool running, qint64 nowUs)
@@ -107,6 +111,7 @@ void Simulator::switchOutputsOff()
 void Simulator::startProgram(qint64 nowUs)
 {
     m_inStateUs = nowUs;
+    m_shownSecond = -1;
     if (m_program && m_isRunning)
         m_program->start(m_memory);
     applySwitches();

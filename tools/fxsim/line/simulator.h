@@ -52,6 +52,7 @@ struct Settings
     FaultPlan faults;
     quint64 seed = 1;
     const Model* model = nullptr;  // none: nobody keeps the special registers
+    QDateTime startedAt;           // what the clock of the PLC shows at 0 us; if any
 };
 
 struct TraceEntry
@@ -118,8 +119,9 @@ private:
     TraceSink m_trace;
     QMap<int, bool> m_switches;
     bool m_isRunning = true;
-    qint64 m_poweredUs = 0;  // since when it has power
-    qint64 m_inStateUs = 0;  // since when it runs or is stopped
+    qint64 m_shownSecond = -1;  // of the clock in the special registers
+    qint64 m_poweredUs = 0;     // since when it has power
+    qint64 m_inStateUs = 0;     // since when it runs or is stopped
     qint64 m_offUntilUs = 0;
     qint64 m_exchangesBeforePlan = 0;
 };

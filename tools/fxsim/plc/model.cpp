@@ -85,4 +85,16 @@ void showState(PlcMemory& memory, const PlcState& state)
         setWord(memory, word, tenthsPerMs * state.scanMs);
 }
 
+void showTime(PlcMemory& memory, const QDateTime& time)
+{
+    constexpr int century = 100;
+    constexpr int daysPerWeek = 7;
+    const QDate date = time.date();
+    int word = 8013;
+    for (const int field :
+         {time.time().second(), time.time().minute(), time.time().hour(), date.day(), date.month(),
+          date.year() % century, date.dayOfWeek() % daysPerWeek})
+        setWord(memory, word++, field);
+}
+
 }  // namespace fxsim

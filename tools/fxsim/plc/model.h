@@ -9,11 +9,14 @@
 //   D8000           the watchdog time: 200 ms
 //   D8001, D8002    type and version: 22210 is type 22, version 2.10; program memory in K steps
 //   D8010-D8012     the scan time now, its minimum and maximum, in tenths of a millisecond
+//   D8013-D8019     its clock: second, minute, hour, day, month, year of the century, day of the
+//                   week (0 is Sunday)
 
 #pragma once
 
 #include "tools/fxsim/plc/plc_memory.h"
 
+#include <QDateTime>
 #include <QString>
 
 namespace fxsim {
@@ -38,5 +41,6 @@ struct PlcState
     int scanMs = 1;
 };
 void showState(PlcMemory& memory, const PlcState& state);
+void showTime(PlcMemory& memory, const QDateTime& time);
 
 }  // namespace fxsim

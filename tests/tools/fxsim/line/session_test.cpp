@@ -175,6 +175,7 @@ TEST(Session, SpecialRegistersShowARunningPlc)
 {
     Settings settings;
     settings.model = &findModel("fx1n");
+    settings.startedAt = QDateTime({1999, 12, 31}, {23, 58, 0});
     Bench bench(settings);
     const struct
     {
@@ -198,6 +199,8 @@ TEST(Session, SpecialRegistersShowARunningPlc)
             << row.what << " after " << row.ms << " ms";
     }
     bench.nowUs = 60000 * msUs;
+    EXPECT_EQ(bench.answer(frame("00E1A0E", "8F")), frame("00003B0017001F000C0063000500", "98"))
+        << "31 December 1999, 23:59:00, a Friday";
     EXPECT_EQ(bench.answer(readWords), frame("C80062660800", "7A")) << "200, 26210, 8";
 }
 
