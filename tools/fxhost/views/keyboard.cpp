@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <csignal>
+#include <utility>
 
 #include <poll.h>
 #include <termios.h>
@@ -95,6 +96,14 @@ QVector<Key> keysOf(const QByteArray& bytes)
     return keys;
 }
 
+bool endsWithinKey(const QByteArray& bytes)
+{
+    const QByteArray last = bytes.mid(std::max(bytes.lastIndexOf(escape), 0));
+    const bool isSequence = last.size() > 1 && (last[1] == '[' || last[1] == 'O');
+    return last.startsWith(escape) &&
+           (last.size() == 1 || (isSequence && unknownLength(last) > last.size()));
+}
+
 Keyboard::Keyboard() : m_isTerminal(tcgetattr(STDIN_FILENO, &found) == 0)
 {
     if (!m_isTerminal)
@@ -121,10 +130,13 @@ QVector<Key> Keyboard::pressed()
         take();  // at the start, and when the program was stopped and goes on
     pollfd waiting = {STDIN_FILENO, POLLIN, 0};
     std::array<char, 64> buffer = {};
-    if (poll(&waiting, 1, 0) <= 0)
-        return {};
-    const ssize_t byteCount = read(STDIN_FILENO, buffer.data(), buffer.size());
-    return byteCount > 0 ? keysOf({buffer.data(), static_cast<int>(byteCount)}) : QVector<Key>();
+    const ssize_t byteCount =
+        poll(&waiting, 1, 0) > 0 ? read(STDIN_FILENO, buffer.data(), buffer.size()) : 0;
+    if (byteCount > 0)
+        m_pending.append(buffer.data(), static_cast<int>(byteCount));
+    if (byteCount > 0 && endsWithinKey(m_pending))
+        return {};  // the rest, if there is one, comes before the next call
+    return keysOf(std::exchange(m_pending, QByteArray()));
 }
 
 }  // namespace fxtools

@@ -35,6 +35,9 @@ struct Key
 // The keys behind the bytes of a terminal; what is unknown is passed over.
 QVector<Key> keysOf(const QByteArray& bytes);
 
+// Whether the last key may not be complete: its bytes may come in two parts.
+bool endsWithinKey(const QByteArray& bytes);
+
 class Keyboard
 {
 public:
@@ -48,6 +51,7 @@ public:
 
 private:
     bool m_isTerminal;
+    QByteArray m_pending;  // of a key that is not complete
 };
 
 }  // namespace fxtools

@@ -39,6 +39,15 @@ TEST(Keys, OfBothKindsOfTerminalAreKnown)
     EXPECT_EQ(textOf("\x1b"), "<escape>");
 }
 
+// An arrow that came in two parts was taken for Escape and two characters.
+TEST(Keys, MayComeInParts)
+{
+    for (const char* part : {"\x1b", "a\x1b[", "\x1bO", "\x1b[1;5"})
+        EXPECT_TRUE(endsWithinKey(part)) << part;
+    for (const char* whole : {"", "a", "\x1b[A", "\x1b[A[", "\x1bOA", "\x1b[5~", "\x1bx"})
+        EXPECT_FALSE(endsWithinKey(whole)) << whole;
+}
+
 TEST(Keys, UnknownOnesArePassedOver)
 {
     EXPECT_EQ(textOf("a\x1b[15~b\x1b[1;5Dc\x01\xC3\xA4"
