@@ -280,6 +280,17 @@ TEST_F(TerminalViews, AnInterruptedBarLeavesItsLine)
     EXPECT_TRUE(terminal.screen().lines()[1].startsWith("fxhost: interrupted: "));
 }
 
+TEST_F(TerminalViews, ALongMeasurementShowsHowFarItIs)
+{
+    const RunningSimulator slow(Road::PseudoTerminal, {"--baud", "9600", "--program", "none"});
+    Terminal terminal({"--link", slow.link(), "stats", "D0:320"}, 80, 24);
+    ASSERT_TRUE(terminal.waitForText("  stats ░"));
+    expectCleanEnd(terminal, ctrlC);
+    Terminal quick(linked({"stats", "D0", "-n", "2"}), 80, 24);
+    expectCleanEnd(quick);
+    EXPECT_FALSE(quick.written().contains("stats ░")) << "within a second";
+}
+
 TEST_F(TerminalViews, TheDemoRedrawsItsLiveValues)
 {
     Terminal terminal({"--link", "sim:", "demo"}, 100, 60);

@@ -5,6 +5,8 @@
 
 #include "tools/fxhost/views/console.h"
 
+#include <QElapsedTimer>
+
 namespace fxtools {
 
 Progress progressOf(const OutputOptions& options, const QString& label)
@@ -12,6 +14,18 @@ Progress progressOf(const OutputOptions& options, const QString& label)
     if (options.quiet || options.mode != OutputMode::People)
         return [](int, int) {};
     return [label](int done, int total) { Console().progress(label, done, total); };
+}
+
+Progress lateProgressOf(const OutputOptions& options, const QString& label)
+{
+    if (options.quiet || options.mode != OutputMode::People || !Console().isTerminal())
+        return [](int, int) {};
+    QElapsedTimer running;
+    running.start();
+    return [label, running](int done, int total) {
+        if (done < total && running.elapsed() >= 1000)
+            Console().progress(label, done, total);
+    };
 }
 
 }  // namespace fxtools

@@ -16,4 +16,8 @@ using Progress = std::function<void(int done, int total)>;
 // Does nothing if the output is for programs or quiet.
 Progress progressOf(const OutputOptions& options, const QString& label);
 
+// The same for what is quick as a rule: on a terminal from the second second on, and nothing is
+// left of it at the end.
+Progress lateProgressOf(const OutputOptions& options, const QString& label);
+
 }  // namespace fxtools

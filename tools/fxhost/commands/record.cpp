@@ -9,6 +9,7 @@
 #include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/cycles.h"
 #include "tools/fxhost/commands/file_options.h"
+#include "tools/fxhost/commands/progress.h"
 #include "tools/fxhost/views/frame_text.h"
 #include "tools/library/addresses.h"
 
@@ -32,12 +33,18 @@ ExitCode runRecord(const CommonOptions& common, const RecordOptions& options)
     for (const RegisterRange& range : ranges)
         addresses += range.text();
     Recorder recorder(file, connection.session().propertyString(), addresses);
+    const Progress progress = lateProgressOf(common.output, QStringLiteral("record"));
+    const qint64 blocks = connection.session().setPlan(ranges);
+    qint64 reads = 0;
     int exchanges = 0;
     connection.loop().onExchange = [&](const Exchange& exchange) {
         if (exchange.answer == DriverAnswer::NoFrame)
             return;  // the link was lost: the driver has not seen this exchange
         recorder.add(exchange);
         ++exchanges;
+        reads += exchange.hasEnded();
+        if (options.cycles > 0)
+            progress(static_cast<int>(reads / blocks), options.cycles);
     };
     const ExitCode code = pollCycles(connection, ranges, options.cycles);
     file.commit();

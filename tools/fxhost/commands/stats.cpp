@@ -7,6 +7,7 @@
 #include "tools/exchange/blocks.h"
 #include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/cycles.h"
+#include "tools/fxhost/commands/progress.h"
 #include "tools/fxhost/views/statistics_report.h"
 
 #include <algorithm>
@@ -71,10 +72,16 @@ ExitCode runStats(const CommonOptions& common, const StatsOptions& options)
     ExchangeLoop& loop = connection.loop();
     const QVector<RegisterRange> asked = rangesOf(options.addresses, connection.catalogue());
     QVector<BlockTimes> blocks;
+    const Progress progress = lateProgressOf(common.output, QStringLiteral("stats"));
+    const qint64 blocksInCycle = connection.session().setPlan(asked);
+    qint64 reads = 0;
     loop.onExchange = [&](const Exchange& exchange) {
-        if (exchange.kind == ExchangeKind::CyclicRead)
-            note(exchange, loop.elapsedUs() - exchange.startedUs,
-                 blockRange(connection.catalogue(), exchange.frame.variable), asked, blocks);
+        if (exchange.kind != ExchangeKind::CyclicRead)
+            return;
+        note(exchange, loop.elapsedUs() - exchange.startedUs,
+             blockRange(connection.catalogue(), exchange.frame.variable), asked, blocks);
+        reads += exchange.hasEnded();
+        progress(static_cast<int>(reads / blocksInCycle), options.cycles);
     };
     Histogram cycleTimes;
     const ExitCode code = pollCycles(connection, asked, options.cycles,
