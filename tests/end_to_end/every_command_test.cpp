@@ -35,9 +35,9 @@ type,lowest,highest,base,width,writable
 32CV,200,255,10,32 bits,true
 )"},
     {"check", R"(fxhost> check X17 2#D5:3 X18 --csv -q
-X17,true,"X17 of station 1, bit"
-2#D5:3,true,"D5:3 of station 2, 16 bits"
-X18,false,'X18' has an invalid number; use X0 to X377 in octal
+X17,true,"X17 of station 1, bit",0x0081,
+2#D5:3,true,"D5:3 of station 2, 16 bits",0x100A,0x100A
+X18,false,'X18' has an invalid number; X is octal: after X17 comes X20
 [1]
 )"},
     {"series", R"(fxhost> series X6 -c 3 --csv -q
@@ -66,10 +66,10 @@ fxsim> poke 0x1000 0xC3 0xF5 0x48 0x40
 fxhost> read D0:2 --as float --csv -q
 D0,3.14,
 )"},
-    {"write", R"(fxhost> write D100=258,-1 M9=on 32CV201=70000 --verify --csv -q
-D100:2,"258,-1",verified
-M9,on,verified
-32CV201,70000,verified
+    {"write", R"(fxhost> write D100:2=258,-1 M9=on 32CV201=70000 --csv -q
+D100:2,"0,0","258,-1",verified
+M9,0,on,verified
+32CV201,0,70000,verified
 fxsim> peek 0x10C8 4
 10C8: 02 01 FF FF
 fxsim> peek 0x0101

@@ -168,7 +168,7 @@ void Poller::readOrHalve(const RegisterRange& piece)
     const ReplyVerdict verdict = readPiece(piece);
     if (verdict == ReplyVerdict::Good) {
         for (int index = 0; index < piece.count; ++index)
-            m_problems.remove(piece.nameOf(index));
+            m_problems.remove(piece.identity(index));
     }
     if (verdict == ReplyVerdict::Good || isStopped()) {
         keep(piece, verdict);
@@ -216,7 +216,7 @@ bool Poller::isStopped() const
 void Poller::note(const RegisterRange& range, ReplyVerdict verdict)
 {
     for (int index = 0; index < range.count; ++index)
-        m_problems.insert(range.nameOf(index), verdict);
+        m_problems.insert(range.identity(index), verdict);
 }
 
 QVector<quint32> Poller::values(const RegisterRange& range) const
@@ -226,7 +226,7 @@ QVector<quint32> Poller::values(const RegisterRange& range) const
 
 std::optional<ReplyVerdict> Poller::problemOf(const RegisterRange& range, int index) const
 {
-    const auto found = m_problems.constFind(range.nameOf(index));
+    const auto found = m_problems.constFind(range.identity(index));
     if (found != m_problems.constEnd())
         return *found;
     if (m_end == RoundEnd::Done)

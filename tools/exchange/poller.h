@@ -58,7 +58,7 @@ private:
     QVector<RegisterRange> m_planned;  // left to the driver's plan
     QVector<RegisterRange> m_pieces;   // good parts of refused blocks
     QVector<Aside> m_aside;
-    QHash<QString, ReplyVerdict> m_problems;         // by the register's name
+    QHash<QString, ReplyVerdict> m_problems;         // by the register's identity
     QVector<RegisterRange> m_read;                   // in this cycle, without a problem
     RoundEnd m_end = RoundEnd::Done;                 // of this cycle
     ReplyVerdict m_unasked = ReplyVerdict::Silence;  // the verdict for the rest, if it ended early

@@ -22,7 +22,7 @@ const char* const offlineGroup = "Commands that need no PLC";
 
 const char* const footer = R"(Examples:
   fxhost read D0:4 X0:8 32CV200
-  fxhost write --link sim: D100=5 M100=on D20=3.14
+  fxhost write --link sim: D100=5 M100=on D10:2=-1,0x1F
   fxhost watch D0:4 TV0 --count 3 --interval 200
   fxhost read --link 'sim:?baud=9600' -t D -r 100 -c 8 --json
 

@@ -4,8 +4,13 @@
 #include "tools/library/register_file.h"
 
 #include "tools/library/values.h"
+#include "tools/quoted.h"
 
 #include <QFile>
+#include <QFileInfo>
+#include <QHash>
+#include <QRegularExpression>
+#include <QTextStream>
 
 namespace fxtools {
 
@@ -13,10 +18,34 @@ namespace {
 
 const QString titleLine = QStringLiteral("address,value");
 
-QString quoted(const QString& text)
+// Tens of thousands of lines; a PLC has fewer than ten thousand registers.
+constexpr qint64 mostFileBytes = 4 << 20;
+
+// Where a line has its address and its value.
+struct Columns
 {
-    constexpr int longest = 40;
-    return text.size() > longest ? text.left(longest) + "…" : text;
+    int address = 0;
+    int value = 1;
+};
+
+// The fields of a line, which spreadsheets separate by ; where the comma is a decimal one.
+QStringList fieldsOf(const QString& line)
+{
+    QStringList fields = {QString()};
+    bool isQuoted = false;
+    const QChar separator =
+        QString(line).remove(QRegularExpression("\"[^\"]*\"")).contains(';') ? ';' : ',';
+    for (const QChar character : line) {
+        if (character == '"')
+            isQuoted = !isQuoted;
+        else if (character == separator && !isQuoted)
+            fields.append(QString());
+        else
+            fields.last() += character;
+    }
+    for (QString& field : fields)
+        field = field.trimmed();
+    return fields;
 }
 
 struct FileRegister
@@ -25,19 +54,19 @@ struct FileRegister
     quint32 value = 0;
 };
 
-FileRegister parseLine(const QString& text, const RegisterCatalogue& catalogue)
+// Nothing for a register that has an error instead of a value.
+std::optional<FileRegister> parseLine(const QString& line, const Columns& columns,
+                                      const RegisterCatalogue& catalogue)
 {
-    const QStringList fields = text.split(',');
-    if (fields.size() < 2)
-        throw Failure(ExitCode::File,
-                      QStringLiteral("'%1': expected ADDRESS,VALUE").arg(quoted(text)));
-    const RegisterRange range = parseAddress(fields[0], catalogue);
-    const QVector<quint32> values = parseValue(fields[1].trimmed(), range.type);
-    if (range.count != 1 || values.size() != 1)
-        throw Failure(ExitCode::File,
-                      QStringLiteral("'%1': expected one register and a value that fits in it")
-                          .arg(quoted(text)));
-    return {range, values.first()};
+    const QStringList fields = fieldsOf(line);
+    if (fields.size() <= columns.value)
+        throw Failure(ExitCode::File, quoted(line) + ": expected ADDRESS,VALUE");
+    const AskedAddress asked = askedAddress(takeApart(fields[columns.address]), catalogue);
+    if (asked.range.count != 1 || asked.bit)
+        throw Failure(ExitCode::File, quoted(line) + ": expected one register");
+    if (fields[columns.value].isEmpty() && !fields.value(columns.value + 1).isEmpty())
+        return std::nullopt;
+    return FileRegister{asked.range, parseValue(fields[columns.value], asked.range, {}).first()};
 }
 
 bool continues(const RegisterRun& run, const RegisterRange& next, int mostRegisters)
@@ -56,29 +85,87 @@ void append(QVector<RegisterRun>& runs, const FileRegister& one, int mostRegiste
     runs.last().values.append(one.value);
 }
 
+// Reads the lines of a file one after the other.
+class Reader
+{
+public:
+    Reader(const RegisterCatalogue& catalogue, int mostRegisters)
+        : m_catalogue(catalogue), m_mostRegisters(mostRegisters)
+    {}
+
+    void read(const QString& line);
+    const RegisterFile& file() const { return m_file; }
+
+private:
+    bool isTitle(const QString& line);
+
+    const RegisterCatalogue& m_catalogue;
+    int m_mostRegisters;
+    int m_line = 0;
+    Columns m_columns;
+    QHash<QString, int> m_lineOf;  // by the register's identity
+    RegisterFile m_file;
+};
+
+bool Reader::isTitle(const QString& line)
+{
+    const QStringList titles = fieldsOf(line);
+    if (m_line != 1 || !titles.contains(QLatin1String("address")))
+        return false;
+    m_columns.address = titles.indexOf(QStringLiteral("address"));
+    m_columns.value = titles.indexOf(QStringLiteral("value"), m_columns.address);
+    if (m_columns.value < 0)
+        throw Failure(ExitCode::File, QStringLiteral("no column 'value' after 'address'"));
+    return true;
+}
+
+void Reader::read(const QString& line)
+{
+    ++m_line;
+    if (line.isEmpty() || line.startsWith('#') || isTitle(line))
+        return;
+    const std::optional<FileRegister> one = parseLine(line, m_columns, m_catalogue);
+    if (!one) {
+        ++m_file.withoutValue;
+        return;
+    }
+    const int earlier = m_lineOf.value(one->range.identity(0));
+    if (earlier > 0)
+        throw Failure(
+            ExitCode::File,
+            QStringLiteral("%1 is already in line %2").arg(one->range.nameOf(0)).arg(earlier));
+    m_lineOf.insert(one->range.identity(0), m_line);
+    append(m_file.runs, *one, m_mostRegisters);
+}
+
 }  // namespace
 
-QVector<RegisterRun> readRegisterFile(const QString& path, const RegisterCatalogue& catalogue,
-                                      int mostRegisters)
+RegisterFile readRegisterFile(const QString& path, const RegisterCatalogue& catalogue,
+                              int mostRegisters)
 {
     QFile file(path);
+    const QFileInfo info(path);
+    if (info.exists() && !info.isDir() && !info.isFile())
+        throw Failure(ExitCode::File, path + ": not a regular file");
+    if (file.size() > mostFileBytes)
+        throw Failure(ExitCode::File,
+                      QStringLiteral("%1: %2 bytes are too many for a file of registers")
+                          .arg(path)
+                          .arg(file.size()));
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
         throw Failure(ExitCode::File, path + ": " + file.errorString());
-    QVector<RegisterRun> runs;
-    for (int line = 1; !file.atEnd(); ++line) {
-        const QString text = QString::fromUtf8(file.readLine()).trimmed();
-        const bool isTitle = line == 1 && text.startsWith(titleLine);
-        if (text.isEmpty() || text.startsWith('#') || isTitle)
-            continue;
+    QTextStream lines(&file);  // without the mark that spreadsheets put in front
+    Reader reader(catalogue, mostRegisters);
+    for (int line = 1; !lines.atEnd(); ++line) {
         try {
-            append(runs, parseLine(text, catalogue), mostRegisters);
+            reader.read(lines.readLine().trimmed());
         } catch (const Failure& failure) {
             throw Failure(
                 ExitCode::File,
                 QStringLiteral("%1, line %2: %3").arg(path).arg(line).arg(failure.text()));
         }
     }
-    return runs;
+    return reader.file();
 }
 
 void checkWritable(const QString& path, const QVector<RegisterRun>& runs)
@@ -93,16 +180,13 @@ void checkWritable(const QString& path, const QVector<RegisterRun>& runs)
     }
 }
 
-void RegisterFileWriter::add(const QString& address, quint32 value)
-{
-    writeAbove();
-    m_file.write(QStringLiteral("%1,%2\n").arg(address).arg(value).toUtf8());
-}
-
 void RegisterFileWriter::add(const RegisterRun& run)
 {
-    for (int index = 0; index < run.range.count; ++index)
-        add(run.range.nameOf(index), run.values[index]);
+    writeAbove();
+    for (int index = 0; index < run.range.count; ++index) {
+        const QString value = valueText(run.values[index], run.range.type, ValueFormat::Signed);
+        m_file.write((run.range.nameOf(index) + ',' + value + '\n').toUtf8());
+    }
 }
 
 void RegisterFileWriter::addComment(const QString& text)

@@ -2,7 +2,8 @@
 // SPDX-License-Identifier: MIT
 //
 // Registers and their values in a CSV file: a line "address,value" for each, as `read --csv` prints
-// them. A heading and lines that start with "#" are ignored. Dumps and recipes use this format.
+// them, or with the columns that the first line names. Fields may be in quotes, and separated by ;
+// as spreadsheets do. Lines that start with "#" are ignored. Dumps and recipes use this format.
 
 #pragma once
 
@@ -18,9 +19,15 @@ struct RegisterRun
     QVector<quint32> values;
 };
 
-// The registers of a file in its order, neighbours joined up to `mostRegisters`. Throws Failure.
-QVector<RegisterRun> readRegisterFile(const QString& path, const RegisterCatalogue& catalogue,
-                                      int mostRegisters);
+struct RegisterFile
+{
+    QVector<RegisterRun> runs;  // in the file's order, neighbours joined
+    int withoutValue = 0;       // rows that have an error instead
+};
+
+// Joins up to `mostRegisters` neighbours. Throws Failure with the line of a mistake.
+RegisterFile readRegisterFile(const QString& path, const RegisterCatalogue& catalogue,
+                              int mostRegisters);
 
 // Throws Failure if there are none or one of them is read-only.
 void checkWritable(const QString& path, const QVector<RegisterRun>& runs);
@@ -33,7 +40,6 @@ public:
     explicit RegisterFileWriter(OutputFile& file) : m_file(file) {}
 
     // All throw Failure if the disk does not take it.
-    void add(const QString& address, quint32 value);
     void add(const RegisterRun& run);
     void addComment(const QString& text);
     void finish();

@@ -3,6 +3,8 @@
 
 #include "tools/library/registers.h"
 
+#include <array>
+
 namespace fxtools {
 
 namespace {
@@ -18,6 +20,42 @@ enum DescriptionField
     descriptionFields,
 };
 
+// Positions in a frame: command, then four digits; those of a bit begin with the low byte.
+constexpr int commandPosition = 1;
+constexpr int addressPosition = 2;
+constexpr int addressDigits = 4;
+constexpr char writeWordsCommand = '1';
+
+int addressIn(const FRAME_PRO& frame)
+{
+    const QByteArray digits(reinterpret_cast<const char*>(frame.frame) + addressPosition,
+                            addressDigits);
+    const int address = digits.toInt(nullptr, 16);
+    const bool isForce = frame.isRead == 0 && frame.frame[commandPosition] != writeWordsCommand;
+    return isForce ? (address & 0xFF) << 8 | address >> 8 : address;
+}
+
+// The driver does not tell its addresses, but the frames that it would send carry them.
+void learnAddresses(const DriverLibrary& library, RegisterType& type)
+{
+    const auto empty = [&library] {
+        int status = 0;
+        library.initProperty(nullptr, 0, nullptr, &status, "1#0#0#1#32", nullptr);
+    };
+    empty();
+    FRAME_PRO frame;
+    QList<KEY_ADDRESS> keys = {planKey({type, 1, type.lowest, 1, {}})};
+    library.addrMerge(keys);
+    if (library.getSendFrame(&frame) == fxFrameToSend)
+        type.readBase = addressIn(frame);
+    empty();
+    std::array<unsigned char, 4> zeros = {};
+    library.setData(1, type.name, type.lowest, type.driverCount(1), zeros.data(), 0);
+    if (type.writable && library.getSendFrame(&frame) == fxFrameToSend)
+        type.writeBase = addressIn(frame);
+    empty();
+}
+
 RegisterType describe(const DriverLibrary& library, const QString& name)
 {
     QList<QString> fields;
@@ -31,7 +69,23 @@ RegisterType describe(const DriverLibrary& library, const QString& name)
     type.lowest = fields[LowestField].toInt(nullptr, type.numberBase);
     type.highest = fields[HighestField].toInt(nullptr, type.numberBase);
     type.writable = fields[WritableField] == QLatin1String("1");
+    learnAddresses(library, type);
     return type;
+}
+
+// How far apart neighbours are in the addresses for writing.
+int writeStep(const RegisterType& type)
+{
+    return type.isBit() ? 1 : type.valueBytes();
+}
+
+// The register of a type that a write to this address changes; nothing if there is none.
+std::optional<int> numberAt(const RegisterType& type, int writeAddress)
+{
+    const int offset = writeAddress - type.writeBase;
+    if (offset < 0 || offset / writeStep(type) >= type.registers())
+        return std::nullopt;
+    return type.lowest + offset / writeStep(type);
 }
 
 }  // namespace
@@ -78,6 +132,17 @@ QString RegisterType::numberText(int number) const
     return QString::number(number, numberBase);
 }
 
+int RegisterType::readAddress(int number) const
+{
+    const int offset = number - lowest;
+    return readBase + (isBit() ? offset / bitsPerByte : offset * valueBytes());
+}
+
+int RegisterType::writeAddress(int number) const
+{
+    return writeBase + writeStep(*this) * (number - lowest);
+}
+
 RegisterRange RegisterRange::part(int offset, int partCount) const
 {
     RegisterRange range = *this;
@@ -97,7 +162,12 @@ QVector<RegisterRange> RegisterRange::cut(int mostRegisters) const
 QString RegisterRange::nameOf(int index) const
 {
     const QString prefix = station == 1 ? QString() : QString::number(station) + '#';
-    return prefix + type.name + type.numberText(first + index);
+    return prefix + (askedType.isEmpty() ? type.name : askedType) + type.numberText(first + index);
+}
+
+QString RegisterRange::identity(int index) const
+{
+    return QString::number(station) + '#' + type.name + type.numberText(first + index);
 }
 
 QString RegisterRange::text() const
@@ -105,7 +175,8 @@ QString RegisterRange::text() const
     return count == 1 ? nameOf(0) : nameOf(0) + ':' + QString::number(count);
 }
 
-RegisterCatalogue::RegisterCatalogue(const DriverLibrary& library) : m_library(library)
+RegisterCatalogue::RegisterCatalogue(const DriverLibrary& library, std::optional<int> ownStation)
+    : m_library(library), m_ownStation(ownStation)
 {
     QList<QString> names;
     library.getRegListByType(fxBitTypes, names);
@@ -121,6 +192,32 @@ const RegisterType* RegisterCatalogue::find(const QString& name) const
             return &type;
     }
     return nullptr;
+}
+
+// The addresses of a type may run on into those where another type begins.
+std::optional<Alias> RegisterCatalogue::aliasIn(const RegisterRange& range) const
+{
+    std::optional<Alias> first;
+    for (const RegisterType& other : m_types) {
+        const int between = other.writeBase - range.type.writeBase;
+        if (!range.type.writable || !other.writable || other.isBit() != range.type.isBit() ||
+            between <= 0)
+            continue;
+        const int from = qMax(range.first, range.type.lowest + between / writeStep(range.type));
+        const std::optional<int> hit = numberAt(other, range.type.writeAddress(from));
+        if (from >= range.first + range.count || !hit || (first && from > first->asked.first))
+            continue;
+        const int most = qMin(range.first + range.count - from, other.highest - *hit + 1);
+        first = Alias{range.part(from - range.first, most), {other, range.station, *hit, most, {}}};
+    }
+    return first;
+}
+
+QString Alias::text() const
+{
+    if (asked.type.readAddress(asked.first) == hit.type.readAddress(hit.first))
+        return QStringLiteral("%1 and %2 are the same memory").arg(asked.text(), hit.text());
+    return QStringLiteral("a write to %1 changes %2").arg(asked.text(), hit.text());
 }
 
 QVector<RegisterRange> cutToFrames(const QVector<RegisterRange>& ranges, int wordsPerFrame)

@@ -10,6 +10,8 @@
 
 #include <QVector>
 
+#include <optional>
+
 namespace fxtools {
 
 enum class RegisterWidth
@@ -31,6 +33,8 @@ struct RegisterType
     int lowest = 0;
     int highest = 0;
     bool writable = false;
+    int readBase = 0;   // the address on the wire of the lowest one: of its byte
+    int writeBase = 0;  // the same for writing: of its byte, or of a bit itself
 
     bool isBit() const { return width == RegisterWidth::Bit; }
     int registers() const { return highest - lowest + 1; }
@@ -38,6 +42,8 @@ struct RegisterType
     int driverCount(int count) const;          // what intf_getData and intf_setData call `count`
     int mostInFrame(int wordsPerFrame) const;  // registers whose values fit in one frame
     QString numberText(int number) const;
+    int readAddress(int number) const;
+    int writeAddress(int number) const;
 };
 
 // `count` registers of one type and station, the first of them `first`.
@@ -47,24 +53,45 @@ struct RegisterRange
     int station = 1;
     int first = 0;
     int count = 1;
+    QString askedType;  // the other name of the type that was asked for: "D" of D8000
 
     RegisterRange part(int offset, int partCount) const;
     QVector<RegisterRange> cut(int mostRegisters) const;  // into parts; the last may be shorter
-    QString nameOf(int index) const;  // "D100"; "2#D100" if the station is not 1
-    QString text() const;             // "D100" or "D100:32"
+    QString nameOf(int index) const;    // as asked: "D100"; "2#D100" if the station is not 1
+    QString identity(int index) const;  // the same for D8000 and SD8000, whichever was asked for
+    QString text() const;               // "D100" or "D100:32"
+};
+
+// Registers that a write would hit instead of others, because their addresses on the wire are the
+// same: those of the type whose addresses begin there are meant.
+struct Alias
+{
+    RegisterRange asked;
+    RegisterRange hit;
+
+    QString text() const;
 };
 
 class RegisterCatalogue
 {
 public:
-    explicit RegisterCatalogue(const DriverLibrary& library);  // which outlives it
+    // The library outlives it. Make it before a session: it asks the driver for a frame or two of
+    // each type to learn the addresses on the wire, and leaves the driver empty. With a station of
+    // its own only registers of this one can be asked for: no frame carries a station.
+    explicit RegisterCatalogue(const DriverLibrary& library,
+                               std::optional<int> ownStation = std::nullopt);
 
     const DriverLibrary& library() const { return m_library; }
+    std::optional<int> ownStation() const { return m_ownStation; }
     const QVector<RegisterType>& all() const { return m_types; }
     const RegisterType* find(const QString& name) const;
 
+    // The first registers of a range that are not their own.
+    std::optional<Alias> aliasIn(const RegisterRange& range) const;
+
 private:
     const DriverLibrary& m_library;
+    std::optional<int> m_ownStation;
     QVector<RegisterType> m_types;
 };
 

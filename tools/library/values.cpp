@@ -3,8 +3,11 @@
 
 #include "tools/library/values.h"
 
+#include "tools/quoted.h"
+
+#include <array>
+#include <cmath>
 #include <cstring>
-#include <limits>
 
 namespace fxtools {
 
@@ -13,6 +16,27 @@ namespace {
 constexpr int bitsPerGroup = 8;
 constexpr quint32 wordMask = 0xFFFF;
 constexpr int wordBits = 16;
+constexpr int doubleWordBits = 32;
+constexpr int bitsPerDigit = 4;  // of hexadecimal and BCD numbers
+constexpr int charactersPerWord = 2;
+
+struct FormatName
+{
+    ValueFormat format;
+    const char* name;
+};
+
+constexpr std::array<FormatName, 9> names = {{
+    {ValueFormat::Signed, "signed"},
+    {ValueFormat::Unsigned, "unsigned"},
+    {ValueFormat::Hex, "hex"},
+    {ValueFormat::Binary, "bin"},
+    {ValueFormat::Bcd, "bcd"},
+    {ValueFormat::Long, "long"},
+    {ValueFormat::ULong, "ulong"},
+    {ValueFormat::Float, "float"},
+    {ValueFormat::Text, "text"},
+}};
 
 float floatOf(quint32 bits)
 {
@@ -29,42 +53,89 @@ quint32 bitsOf(float number)
     return bits;
 }
 
-qint64 signedOf(quint32 value, const RegisterType& type)
+QVector<quint32> overTwoWords(quint32 bits, bool swap)
 {
-    if (type.width == RegisterWidth::Word)
-        return static_cast<qint16>(value);
-    return static_cast<qint32>(value);
+    const quint32 low = bits & wordMask;
+    const quint32 high = bits >> wordBits;
+    return swap ? QVector<quint32>{high, low} : QVector<quint32>{low, high};
 }
 
-QVector<quint32> overTwoWords(quint32 bits)
+quint32 fromTwoWords(const QVector<quint32>& words, bool swap)
 {
-    return {bits & wordMask, bits >> wordBits};
+    return swap ? words[0] << wordBits | words[1] : words[1] << wordBits | words[0];
 }
 
 [[noreturn]] void reject(const QString& text, const QString& reason)
 {
-    throw Failure(ExitCode::Usage, "value '" + text + "' " + reason);
+    throw Failure(ExitCode::Usage, "value " + quoted(text) + ' ' + reason);
 }
 
-QVector<quint32> parseBit(const QString& text)
+QString digitsOf(quint32 number, int bits, int base)
 {
-    const QString lower = text.toLower();
-    if (lower == QLatin1String("1") || lower == QLatin1String("on"))
-        return {1};
-    if (lower == QLatin1String("0") || lower == QLatin1String("off"))
-        return {0};
-    reject(text, QStringLiteral("is not a bit; use 0, 1, on or off"));
+    const int digits = base == 2 ? bits : bits / bitsPerDigit;
+    return QString::number(number, base).toUpper().rightJustified(digits, '0');
 }
 
-QVector<quint32> parseFloat(const QString& text, const RegisterType& type)
+QJsonValue bcdValue(quint32 number, int bits)
+{
+    bool isDecimal = false;
+    const qint64 value = QString::number(number, 16).toLongLong(&isDecimal);
+    return isDecimal ? QJsonValue(value) : "not BCD: 0x" + digitsOf(number, bits, 16);
+}
+
+QJsonValue floatValue(quint32 bits)
+{
+    const auto number = static_cast<double>(floatOf(bits));
+    const QString text = QString::number(number, 'g', 7);
+    return std::isfinite(number) ? QJsonValue(text.toDouble()) : text;
+}
+
+// Up to the first zero; what cannot be printed shows as a point.
+QString characters(const QVector<quint32>& words)
+{
+    QString text;
+    for (const quint32 word : words) {
+        for (const quint32 code : {word & 0xFF, word >> 8}) {
+            if (code == 0)
+                return text;
+            const QChar character = QChar::fromLatin1(static_cast<char>(code));
+            text += character.isPrint() ? character : QChar('.');
+        }
+    }
+    return text;
+}
+
+QVector<quint32> parseText(const QString& text, const RegisterRange& target)
+{
+    if (target.type.width != RegisterWidth::Word)
+        reject(text, QStringLiteral("is a text, which needs 16-bit registers"));
+    QByteArray bytes = text.toLatin1();
+    if (QString::fromLatin1(bytes) != text)
+        reject(text, QStringLiteral("has characters that take more than one byte"));
+    const int most = charactersPerWord * target.count;
+    if (bytes.size() > most)
+        reject(text, QStringLiteral("has %1 characters, but %2 holds %3; %4")
+                         .arg(bytes.size())
+                         .arg(target.text())
+                         .arg(most)
+                         .arg(QStringLiteral("use %1:%2")
+                                  .arg(target.nameOf(0))
+                                  .arg((bytes.size() + 1) / charactersPerWord)));
+    bytes.append(QByteArray(most - bytes.size(), '\0'));
+    QVector<quint32> words;
+    for (int at = 0; at < most; at += charactersPerWord)
+        words.append(static_cast<quint32>(static_cast<uchar>(bytes[at]) |
+                                          static_cast<uchar>(bytes[at + 1]) << 8));
+    return words;
+}
+
+quint32 parseFloat(const QString& text)
 {
     bool isNumber = false;
     const float number = text.toFloat(&isNumber);
     if (!isNumber)
         reject(text, QStringLiteral("is not a floating-point number, or is out of its range"));
-    if (type.width != RegisterWidth::Word)
-        reject(text, QStringLiteral("is a floating-point number, which needs 16-bit registers"));
-    return overTwoWords(bitsOf(number));
+    return bitsOf(number);
 }
 
 struct NumberText
@@ -84,91 +155,206 @@ NumberText withoutPrefix(const QString& text, ValueFormat format)
     return {text, format == ValueFormat::Binary ? 2 : 10};
 }
 
+// The number that is in the register for a written one of decimal digits.
+std::optional<quint32> bcdOf(qint64 value, int bits)
+{
+    bool isNumber = false;
+    const QString digits = QString::number(value);
+    const quint32 number = digits.toUInt(&isNumber, 16);
+    if (!isNumber || digits.size() > bits / bitsPerDigit)
+        return std::nullopt;
+    return number;
+}
+
+struct Limits
+{
+    qint64 lowest;
+    qint64 highest;
+};
+
+// A number without a sign may use all bits; the others may show it as a negative one.
+Limits limitsOf(int bits, ValueFormat format)
+{
+    const bool isSigned = format == ValueFormat::Signed || format == ValueFormat::Long;
+    return {isSigned && bits >= wordBits ? -(qint64(1) << (bits - 1)) : 0, (qint64(1) << bits) - 1};
+}
+
+bool isFloatText(const QString& text)
+{
+    bool isNumber = false;
+    text.toDouble(&isNumber);
+    return isNumber && (text.contains('.') || text.contains('e', Qt::CaseInsensitive));
+}
+
 qint64 parseInteger(const QString& text, ValueFormat format)
 {
     bool isNumber = false;
     const NumberText number = withoutPrefix(text, format);
     const qint64 value = number.digits.toLongLong(&isNumber, number.base);
+    if (!isNumber && isFloatText(text))
+        reject(text, QStringLiteral("is not a whole number; for a floating-point number in two "
+                                    "words use --as float"));
     if (!isNumber)
-        reject(text, QStringLiteral("is not a number; use 123, -5, 0x1F, 0b101 or 1.5"));
-    if (value < std::numeric_limits<qint32>::min() || value > std::numeric_limits<quint32>::max())
-        reject(text, QStringLiteral("does not fit in 32 bits"));
+        reject(text, QStringLiteral("is not a number; use 123, -5, 0x1F or 0b101"));
     return value;
 }
 
-bool isFloatText(const QString& text)
+bool isWide(ValueFormat format)
 {
-    const bool isPrefixed = text.startsWith(QLatin1String("0x"), Qt::CaseInsensitive);
-    return !isPrefixed && (text.contains('.') || text.contains('e', Qt::CaseInsensitive));
+    return format == ValueFormat::Long || format == ValueFormat::ULong ||
+           format == ValueFormat::Float;
+}
+
+// What to write instead of a number that one word cannot hold.
+QString widerHint(const QString& text, const RegisterRange& target)
+{
+    return QStringLiteral("; for 32 bits use %1:2=%2 or %1=%2 --as long")
+        .arg(target.nameOf(0), text);
 }
 
 }  // namespace
 
-const std::map<std::string, ValueFormat>& valueFormats()
+std::optional<ValueFormat> formatNamed(const QString& name)
 {
-    static const std::map<std::string, ValueFormat> formats = {
-        {"dec", ValueFormat::Unsigned}, {"signed", ValueFormat::Signed},
-        {"hex", ValueFormat::Hex},      {"bin", ValueFormat::Binary},
-        {"long", ValueFormat::Long},    {"float", ValueFormat::Float},
-    };
-    return formats;
+    for (const FormatName& row : names) {
+        if (name.compare(QLatin1String(row.name), Qt::CaseInsensitive) == 0)
+            return row.format;
+    }
+    return std::nullopt;
 }
 
-int registersPerValue(const RegisterType& type, ValueFormat format)
+QString formatNames()
 {
-    const bool isWide = format == ValueFormat::Long || format == ValueFormat::Float;
-    return isWide && type.width == RegisterWidth::Word ? 2 : 1;
+    QStringList all;
+    for (const FormatName& row : names)
+        all += QLatin1String(row.name);
+    const QString last = all.takeLast();
+    return all.join(QStringLiteral(", ")) + " or " + last;
 }
 
-QJsonValue valueOf(const quint32* registers, const RegisterType& type, ValueFormat format)
+int registersPerValue(const RegisterRange& range, ValueStyle style)
+{
+    if (range.type.width != RegisterWidth::Word)
+        return 1;
+    if (style.format == ValueFormat::Text)
+        return range.count;
+    return isWide(style.format) ? 2 : 1;
+}
+
+int registersPerValue(const AskedAddress& asked, ValueStyle style)
+{
+    if (asked.isGroup)
+        return asked.range.count;
+    return asked.bit ? 1 : registersPerValue(asked.range, style);
+}
+
+void widen(AskedAddress& asked, ValueStyle style)
+{
+    RegisterRange& range = asked.range;
+    if (!asked.isCounted && registersPerValue(asked, style) == 2 &&
+        range.first < range.type.highest)
+        range.count = 2;
+}
+
+QJsonValue valueOf(const QVector<quint32>& registers, const RegisterType& type, ValueStyle style)
 {
     if (type.isBit())
         return static_cast<int>(registers[0]);
-    quint32 value = registers[0];
-    if (registersPerValue(type, format) == 2)
-        value |= registers[1] << wordBits;
+    if (style.format == ValueFormat::Text && type.width == RegisterWidth::Word)
+        return characters(registers);
+    if (registers.size() == 2)
+        return numberValue(fromTwoWords(registers, style.swap), doubleWordBits, style.format);
+    return numberValue(registers[0], bitsPerByte * type.valueBytes(), style.format);
+}
+
+QJsonValue valueOf(const QVector<quint32>& registers, const AskedAddress& asked, ValueStyle style)
+{
+    if (asked.bit)
+        return static_cast<int>(registers[0] >> *asked.bit & 1);
+    if (!asked.isGroup)
+        return valueOf(registers, asked.range.type, style);
+    quint32 number = 0;
+    for (int bit = 0; bit < registers.size(); ++bit)
+        number |= registers[bit] << bit;
+    return numberValue(number, registers.size(), style.format);
+}
+
+QJsonValue numberValue(quint32 number, int bits, ValueFormat format)
+{
     switch (format) {
-    case ValueFormat::Unsigned:
-        return static_cast<qint64>(value);
     case ValueFormat::Signed:
-        return signedOf(value, type);
     case ValueFormat::Long:
-        return static_cast<qint64>(static_cast<qint32>(value));
-    case ValueFormat::Float:
-        return QString::number(static_cast<double>(floatOf(value)), 'g', 7).toDouble();
+        if (bits == wordBits)
+            return static_cast<qint16>(number);
+        return bits == doubleWordBits ? qint64(static_cast<qint32>(number)) : qint64(number);
+    case ValueFormat::Unsigned:
+    case ValueFormat::ULong:
+    case ValueFormat::Text:
+        return static_cast<qint64>(number);
     case ValueFormat::Hex:
+        return "0x" + digitsOf(number, bits, 16);
     case ValueFormat::Binary:
-        return valueText(value, type, format);
+        return "0b" + digitsOf(number, bits, 2);
+    case ValueFormat::Bcd:
+        return bcdValue(number, bits);
+    case ValueFormat::Float:
+        return bits == doubleWordBits ? floatValue(number)
+                                      : QJsonValue(static_cast<qint64>(number));
     }
     return {};
 }
 
 QString valueText(quint32 value, const RegisterType& type, ValueFormat format)
 {
-    const int bits = 8 * type.valueBytes();
-    if (format == ValueFormat::Hex && !type.isBit())
-        return "0x" + QString::number(value, 16).toUpper().rightJustified(bits / 4, '0');
-    if (format == ValueFormat::Binary && !type.isBit())
-        return "0b" + QString::number(value, 2).rightJustified(bits, '0');
-    return QString::number(format == ValueFormat::Signed ? signedOf(value, type)
-                                                         : static_cast<qint64>(value));
+    return valueOf({value}, type, {format}).toVariant().toString();
 }
 
-QVector<quint32> parseValue(const QString& text, const RegisterType& type, ValueFormat format)
+quint32 parseBit(const QString& text)
 {
-    if (type.isBit())
-        return parseBit(text);
-    const bool isPlain = format == ValueFormat::Unsigned || format == ValueFormat::Signed;
-    if (format == ValueFormat::Float || (isPlain && isFloatText(text)))
-        return parseFloat(text, type);
-    const qint64 number = parseInteger(text, format);
-    const auto bits = static_cast<quint32>(number);
-    if (type.width == RegisterWidth::DoubleWord)
-        return {bits};
-    const bool fitsWord =
-        number >= std::numeric_limits<qint16>::min() && number <= static_cast<qint64>(wordMask);
-    return fitsWord && format != ValueFormat::Long ? QVector<quint32>{bits & wordMask}
-                                                   : overTwoWords(bits);
+    const QString lower = text.toLower();
+    if (lower == QLatin1String("1") || lower == QLatin1String("on"))
+        return 1;
+    if (lower == QLatin1String("0") || lower == QLatin1String("off"))
+        return 0;
+    reject(text, QStringLiteral("is not a bit; use 0, 1, on or off"));
+}
+
+quint32 parseNumber(const QString& text, int bits, ValueFormat format, const QString& hint)
+{
+    const Limits limits = limitsOf(bits, format);
+    const qint64 value = parseInteger(text, format);
+    const std::optional<quint32> bcd =
+        format == ValueFormat::Bcd ? bcdOf(value, bits) : std::nullopt;
+    const bool fits = format == ValueFormat::Bcd
+                          ? bcd.has_value()
+                          : value >= limits.lowest && value <= limits.highest;
+    if (!fits && format == ValueFormat::Bcd)
+        reject(text,
+               QStringLiteral("does not fit in %1 BCD digits").arg(bits / bitsPerDigit) + hint);
+    if (!fits)
+        reject(text, QStringLiteral("does not fit in %1 bits: %2 to %3")
+                             .arg(bits)
+                             .arg(limits.lowest)
+                             .arg(limits.highest) +
+                         hint);
+    const quint32 mask = bits == doubleWordBits ? ~quint32(0) : (quint32(1) << bits) - 1;
+    return bcd.value_or(static_cast<quint32>(value) & mask);
+}
+
+QVector<quint32> parseValue(const QString& text, const RegisterRange& target, ValueStyle style)
+{
+    if (target.type.isBit())
+        return {parseBit(text)};
+    if (style.format == ValueFormat::Text)
+        return parseText(text, target);
+    const int bits = bitsPerByte * target.type.valueBytes() * target.count;
+    if (style.format == ValueFormat::Float && target.count != 2)
+        reject(text, QStringLiteral("is a floating-point number, which needs 16-bit registers"));
+    const QString hint = bits == wordBits ? widerHint(text, target) : QString();
+    const quint32 number = style.format == ValueFormat::Float
+                               ? parseFloat(text)
+                               : parseNumber(text, bits, style.format, hint);
+    return target.count == 2 ? overTwoWords(number, style.swap) : QVector<quint32>{number};
 }
 
 QString bitsText(const QVector<quint32>& bits)

@@ -1,44 +1,59 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// Values as people read and write them: decimal, signed, hexadecimal, binary, and 32 bits or
-// floating point in two words, the lower word first. A value takes one register or two.
+// Values as people read and write them. One value is a bit, the number in one register, the 32-bit
+// or floating-point number in two words, or the text in many. The format says which, never the
+// value: what does not fit is an error that says what would.
 
 #pragma once
 
-#include "tools/library/registers.h"
+#include "tools/library/addresses.h"
 
 #include <QJsonValue>
-
-#include <map>
-#include <string>
 
 namespace fxtools {
 
 enum class ValueFormat
 {
-    Unsigned,
     Signed,
+    Unsigned,
     Hex,
     Binary,
-    Long,   // two words as 32 bits
+    Bcd,
+    Long,   // two words as a signed number
+    ULong,  // two words as an unsigned number
     Float,  // two words as a floating-point number
+    Text,   // two characters in a word, the first one in its low byte
 };
 
-// Their names on the command line.
-const std::map<std::string, ValueFormat>& valueFormats();
+struct ValueStyle
+{
+    ValueFormat format = ValueFormat::Signed;
+    bool swap = false;  // the high word is in the first of two registers
+};
 
-int registersPerValue(const RegisterType& type, ValueFormat format);
+// The format with this name on the command line.
+std::optional<ValueFormat> formatNamed(const QString& name);
+QString formatNames();  // "signed, unsigned, ... or text"
 
-// One value of the registers from `registers[0]` on: a number where JSON has one, else a text.
-QJsonValue valueOf(const quint32* registers, const RegisterType& type, ValueFormat format);
+// How many of the registers from the first one on make one value.
+int registersPerValue(const RegisterRange& range, ValueStyle style);
+int registersPerValue(const AskedAddress& asked, ValueStyle style);
+
+// Takes two words where one address names a value of two.
+void widen(AskedAddress& asked, ValueStyle style);
+
+// One value: a number where JSON has one, otherwise a text.
+QJsonValue valueOf(const QVector<quint32>& registers, const RegisterType& type, ValueStyle style);
+QJsonValue valueOf(const QVector<quint32>& registers, const AskedAddress& asked, ValueStyle style);
+QJsonValue numberValue(quint32 number, int bits, ValueFormat format);
 QString valueText(quint32 value, const RegisterType& type, ValueFormat format);
 
-// The register values for a written value. With a plain decimal format, a number with a point or an
-// exponent becomes a floating-point number, and one too large for a word a 32-bit number, both in
-// two words. Throws Failure.
-QVector<quint32> parseValue(const QString& text, const RegisterType& type,
-                            ValueFormat format = ValueFormat::Unsigned);
+// The registers for a value as it is written. `target` are all registers of this one value: two
+// words hold 32 bits in every format. All throw Failure.
+QVector<quint32> parseValue(const QString& text, const RegisterRange& target, ValueStyle style);
+quint32 parseNumber(const QString& text, int bits, ValueFormat format, const QString& hint = {});
+quint32 parseBit(const QString& text);
 
 // Bits side by side, the lowest number first, in groups of eight.
 QString bitsText(const QVector<quint32>& bits);

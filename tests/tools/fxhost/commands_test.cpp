@@ -32,13 +32,13 @@ INSTANTIATE_TEST_SUITE_P(Roads, Commands, testing::Values(Road::PseudoTerminal, 
 
 TEST_P(Commands, WriteTakesTheFormatItIsTold)
 {
-    EXPECT_EQ(run({"write", "D0=5,-2", "--as", "long", "-q"}).code, 0);
+    EXPECT_EQ(run({"write", "D0:4=5,-2", "--as", "long", "-q"}).code, 0);
     EXPECT_EQ(plc.command("peek 0x1000 8"), "1000: 05 00 00 00 FE FF FF FF\n");
     EXPECT_EQ(run({"write", "D4=2", "--as", "float", "-q"}).code, 0);
     EXPECT_EQ(plc.command("peek 0x1008 4"), "1008: 00 00 00 40\n");
     EXPECT_EQ(run({"write", "D6=ff", "--as", "hex", "-q"}).code, 0);
     EXPECT_EQ(plc.command("peek 0x100C 2"), "100C: FF 00\n");
-    EXPECT_EQ(run({"write", "-t", "M", "-r", "8", "1", "0", "on", "-q"}).code, 0);
+    EXPECT_EQ(run({"write", "-t", "M", "-r", "8", "-c", "3", "1", "0", "on", "-q"}).code, 0);
     EXPECT_EQ(plc.command("peek 0x0101"), "0101: 05\n");
 }
 
@@ -59,7 +59,7 @@ TEST_P(Commands, ATimeoutMayBeInSeconds)
 TEST_P(Commands, WriteOfManyBitsLosesNone)
 {
     const QString ones = QStringList(QVector<QString>(600, "1").toList()).join(',');
-    EXPECT_EQ(run({"write", "M0=" + ones, "--verify"}).code, 0);
+    EXPECT_EQ(run({"write", "M0:600=" + ones}).code, 0);
 }
 
 TEST_P(Commands, RestoreNamesWhatTheProgramOfThePlcWrites)

@@ -42,8 +42,8 @@ TEST_P(UnplannedEnd, AnInterruptedWriteTellsWhatArrived)
     for (int value = 0; value < 600; ++value)
         values += QString::number(value);
     // The first assignment is reported in CSV while the long one is on its way.
-    RunningHost write(
-        {"--link", plc.link(), "write", "M0=1", "D0=" + values.join(','), "--csv", "-q"});
+    RunningHost write({"--link", plc.link(), "write", "M0=1", "D0:600=" + values.join(','),
+                       "--no-verify", "--csv", "-q"});
     ASSERT_TRUE(write.hasPrinted());
     write.send(SIGINT);
     const Ended ended = write.end();

@@ -57,10 +57,10 @@ TEST_P(Misbehaving, AWriteThatThePlcRefusesIsReported)
 {
     const RunningSimulator plc(GetParam(),
                                {"--baud", "0", "--program", "none", "--faults", "nak=1"});
-    const Ended ended = run(plc, {"write", "D0=1", "M0=1", "--csv", "-q"});
+    const Ended ended = run(plc, {"write", "D0=1", "M0=1", "--no-verify", "--csv", "-q"});
     EXPECT_EQ(ended.code, 5);
-    EXPECT_EQ(ended.out, "D0,1,0 of 1 frames written: refused by the PLC (NAK)\n"
-                         "M0,1,0 of 1 frames written: refused by the PLC (NAK)\n");
+    EXPECT_EQ(ended.out, "D0,,1,0 of 1 frames written: refused by the PLC (NAK)\n"
+                         "M0,,1,0 of 1 frames written: refused by the PLC (NAK)\n");
 }
 
 TEST_P(Misbehaving, AWriteThatDoesNotStayIsFound)
@@ -68,9 +68,34 @@ TEST_P(Misbehaving, AWriteThatDoesNotStayIsFound)
     // What is written to D2 shows at D0 too.
     const RunningSimulator plc(GetParam(),
                                {"--baud", "0", "--program", "none", "--mirror", "0x1004:0x1000:2"});
-    const Ended ended = run(plc, {"write", "D0=5,6,7", "--verify", "--csv", "-q"});
+    const Ended ended = run(plc, {"write", "D0:3=5,6,7", "--csv", "-q"});
     EXPECT_EQ(ended.code, 1);
-    EXPECT_EQ(ended.out, "D0:3,\"5,6,7\",\"acknowledged, but the PLC holds another value\"\n");
+    EXPECT_EQ(ended.out, "D0:3,\"0,0,0\",\"5,6,7\",\"acknowledged, but the PLC holds D0=7\"\n");
+}
+
+// The second exchange is the write: read, write, read back.
+TEST_P(Misbehaving, AWriteWhoseAcknowledgementIsLostIsSettled)
+{
+    const RunningSimulator plc(GetParam(),
+                               {"--baud", "0", "--program", "none", "--faults", "silence@2"});
+    const Ended ended = run(plc, {"-o", "50", "--retries", "0", "write", "D0=7", "--csv", "-q"});
+    EXPECT_EQ(ended.code, 0);
+    EXPECT_EQ(ended.out, "D0,0,7,\"verified, although not acknowledged: no reply\"\n");
+    const RunningSimulator refusing(GetParam(),
+                                    {"--baud", "0", "--program", "none", "--faults", "nak@2"});
+    const Ended refused = run(refusing, {"--retries", "0", "write", "D0=7", "--csv", "-q"});
+    EXPECT_EQ(refused.code, 5);
+    EXPECT_EQ(refused.out, "D0,0,7,\"0 of 1 frames written: refused by the PLC (NAK), but the PLC "
+                           "holds 0\"\n");
+}
+
+TEST_P(Misbehaving, NothingIsWrittenToAPlcThatCannotBeRead)
+{
+    const RunningSimulator plc(GetParam(),
+                               {"--baud", "0", "--program", "none", "--faults", "silence@1"});
+    const Ended ended = run(plc, {"-o", "50", "--retries", "0", "write", "D0=7", "--csv", "-q"});
+    EXPECT_EQ(ended.code, 4);
+    EXPECT_EQ(ended.out, "D0,,7,\"not written, because it could not be read before: no reply\"\n");
 }
 
 TEST_P(Misbehaving, WatchGoesOnWhenTheLinkIsBack)
@@ -137,8 +162,9 @@ TEST_P(Misbehaving, AWriteThatGoesUnansweredMayHaveArrived)
 {
     const RunningSimulator plc(GetParam(),
                                {"--baud", "0", "--program", "none", "--faults", "silence=1"});
-    const Ended ended = run(plc, {"-o", "50", "--retries", "0", "write", "D0=1", "--csv", "-q"});
+    const Ended ended =
+        run(plc, {"-o", "50", "--retries", "0", "write", "D0=1", "--no-verify", "--csv", "-q"});
     EXPECT_EQ(ended.code, 4);
-    EXPECT_EQ(ended.out, "D0,1,\"0 of 1 frames written: no reply; D0 possibly written, nothing "
+    EXPECT_EQ(ended.out, "D0,,1,\"0 of 1 frames written: no reply; D0 possibly written, nothing "
                          "else\"\n");
 }

@@ -22,12 +22,21 @@ struct Mistake
 };
 
 const Mistake mistakes[] = {
-    {2, "read X18", "'X18' has an invalid number; use X0 to X377 in octal"},
+    {2, "read X18", "'X18' has an invalid number; X is octal: after X17 comes X20"},
     {2, "write X0=1", "'X0=1': X registers are read-only"},
     {2, "write M0=2", "value '2' is not a bit; use 0, 1, on or off"},
-    {2, "write D0=5000000000", "value '5000000000' does not fit in 32 bits"},
+    {2, "write D20=70000",
+     "value '70000' does not fit in 16 bits: -32768 to 65535; for 32 bits use D20:2=70000 or "
+     "D20=70000 --as long"},
+    {2, "write D40=3,14",
+     "'D40=3,14' needs 2 registers, but names 1; use D40:2=3,14; a decimal number has a point: "
+     "D40=3.14 --as float"},
+    {2, "write D8200=99", "a write to D8200 changes D72; to write there anyway use --force"},
+    {2, "write 2#D100=6",
+     "'2#D100' is out of reach: no frame carries a station, so this link has station 1 only; each "
+     "PLC needs its link"},
     {2, "write D0", "'D0' has no value; use for example D100=5 or M0=on"},
-    {2, "write D7999=1,2", "'D7999:2' is out of range: D0 to D7999 in decimal"},
+    {2, "write D7999:2=1,2", "'D7999:2' is out of range: D0 to D7999 or D8000 to D8255 in decimal"},
     {2, "read D0:3 --as float",
      "D0:3: each value takes two words, so the number of words must be even"},
     {2, "recipe upload - M0:8", "M0:8: recipes hold words, not bits"},
@@ -41,12 +50,12 @@ const Mistake mistakes[] = {
     {2, "--link serial:x -P mark read D0", "invalid --parity 'mark': use even, odd or none"},
     {2, "read D0 --foo", "unknown option '--foo'; see fxhost read --help"},
     {2, "read D0 --as octal",
-     "--as: unknown format 'octal': expected dec, signed, hex, bin, long or float; see fxhost "
-     "read --help"},
+     "--as: unknown format 'octal': expected signed, unsigned, hex, bin, bcd, long, ulong, "
+     "float or text; see fxhost read --help"},
     {2, "read", "address missing; for example D100:32, or -t D -r 100 -c 32"},
     {2, "watch D0 -c 3", "-c needs -r, the number of the first register: -r 100 -c 8, or D100:8"},
     {2, "read -t X", "-t needs -r, the number of the first register: -t X -r 100"},
-    {2, "write D0:3=1", "'D0:3=1': the address names 3 registers, the values need 1"},
+    {2, "write D0:3=1", "'D0:3=1' needs 1 register, but names 3; use D0:1=1"},
     {2, "write -r 0 D5=1", "'D5=1': with -r give only values"},
     {7, "--library /no/such/library.so types",
      "cannot load the driver library: /no/such/library.so: No such file or directory; set its path "
@@ -96,7 +105,7 @@ TEST(Usage, ABadFileIsNamedWithTheLine)
         std::string says;
     } const files[] = {
         {"restore", "address,value\nD0,1\nD1,x\n",
-         ", line 3: value 'x' is not a number; use 123, -5, 0x1F, 0b101 or 1.5"},
+         ", line 3: value 'x' is not a number; use 123, -5, 0x1F or 0b101"},
         {"restore", "X0,1\n", ": X0 is read-only; remove it"},
         {"recipe download", "", ": no registers in this file"},
         {"replay", "{}\n", ", line 1: not a recording made by fxhost"},
@@ -125,7 +134,7 @@ TEST(UnnamedLink, IsRefusedByWhatChangesOrJudgesAPlc)
 {
     const QTemporaryDir folder;
     const QString file = newFile(folder, "values.csv", "D100,1\n");
-    const QVector<QStringList> commands{{"write", "D0=1"},
+    const QVector<QStringList> commands{{"write", "D500=1"},
                                         {"restore", file},
                                         {"recipe", "download", file},
                                         {"recipe", "upload", folder.filePath("new"), "D0"},

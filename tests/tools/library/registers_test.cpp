@@ -84,3 +84,48 @@ TEST(Ranges, BecomeKeysOfThePlan)
     EXPECT_EQ(planKey(range("M16")).startIndex, 16);
     EXPECT_EQ(planKey(range("M16")).length, 1);
 }
+
+// The frames of the driver say where each type lies.
+TEST(RegisterTypes, KnowTheirAddressesOnTheWire)
+{
+    struct Row
+    {
+        const char* address;
+        int read;
+        int write;
+    };
+    const Row rows[] = {
+        {"D100", 0x10C8, 0x10C8}, {"SD8001", 0x0E02, 0x0F02},  {"TV3", 0x0806, 0x0806},
+        {"CV5", 0x0A0A, 0x0A0A},  {"32CV201", 0x0C04, 0x0C04}, {"Y11", 0x00A1, 0x0509},
+        {"M9", 0x0101, 0x0809},   {"S9", 0x0001, 0x0009},      {"T9", 0x00C1, 0x0609},
+        {"C9", 0x01C1, 0x0E09},   {"SM8009", 0x01E1, 0x0F09},
+    };
+    for (const Row& row : rows) {
+        const RegisterRange one = range(row.address);
+        EXPECT_EQ(one.type.readAddress(one.first), row.read) << row.address;
+        EXPECT_EQ(one.type.writeAddress(one.first), row.write) << row.address;
+    }
+    EXPECT_EQ(range("X17").type.readAddress(15), 0x0081);
+}
+
+TEST(Aliases, AreTheUpperEndsOfTwoTypes)
+{
+    const auto textOf = [](const char* address) {
+        const std::optional<Alias> alias = catalogue().aliasIn(range(address));
+        return alias ? alias->text().toStdString() : "none";
+    };
+    EXPECT_EQ(textOf("D8127"), "none");
+    EXPECT_EQ(textOf("D8128"), "a write to D8128 changes D0");
+    EXPECT_EQ(textOf("D8200"), "a write to D8200 changes D72");
+    EXPECT_EQ(textOf("SD8120:16"), "a write to SD8128:8 changes D0:8");
+    EXPECT_EQ(textOf("SD8255"), "a write to SD8255 changes D127");
+    EXPECT_EQ(textOf("M1535"), "none");
+    EXPECT_EQ(textOf("M1536"), "M1536 and C0 are the same memory");
+    EXPECT_EQ(textOf("M1791:2"), "M1791 and C255 are the same memory");
+    EXPECT_EQ(textOf("M1792"), "M1792 and SM8000 are the same memory");
+    EXPECT_EQ(textOf("M2047"), "M2047 and SM8255 are the same memory");
+    EXPECT_EQ(textOf("M2048:1024"), "none");
+    for (const char* const own : {"D0:8000", "C0:256", "SM8000:256", "X0:256", "Y0:256", "S0:1000",
+                                  "T0:256", "TV0:256", "CV0:200", "32CV200:56"})
+        EXPECT_EQ(textOf(own), "none") << own;
+}

@@ -17,125 +17,207 @@ using Registers = QVector<quint32>;
 
 struct Written
 {
-    const char* type;
-    ValueFormat format;
+    const char* target;
+    ValueStyle style;
     const char* text;
     Registers registers;
 };
 
+const ValueStyle plain;
+const ValueStyle unsignedStyle = {ValueFormat::Unsigned};
+const ValueStyle hex = {ValueFormat::Hex};
+const ValueStyle binary = {ValueFormat::Binary};
+const ValueStyle bcd = {ValueFormat::Bcd};
+const ValueStyle longStyle = {ValueFormat::Long};
+const ValueStyle ulongStyle = {ValueFormat::ULong};
+const ValueStyle floatStyle = {ValueFormat::Float};
+const ValueStyle textStyle = {ValueFormat::Text};
+const ValueStyle swapped = {ValueFormat::Long, true};
+
 const Written writtenValues[] = {
-    {"D", ValueFormat::Unsigned, "65535", {65535}},
-    {"D", ValueFormat::Unsigned, "-1", {65535}},
-    {"D", ValueFormat::Unsigned, "-32768", {32768}},
-    {"D", ValueFormat::Unsigned, "-32769", {0x7FFF, 0xFFFF}},
-    {"D", ValueFormat::Unsigned, "65536", {0, 1}},
-    {"D", ValueFormat::Unsigned, "0x1e", {30}},
-    {"D", ValueFormat::Unsigned, "0XFFFF", {65535}},
-    {"D", ValueFormat::Unsigned, "0b101", {5}},
-    {"D", ValueFormat::Unsigned, "3.14", {0xF5C3, 0x4048}},
-    {"D", ValueFormat::Unsigned, "1e2", {0, 0x42C8}},
-    {"D", ValueFormat::Signed, "-2", {65534}},
-    {"D", ValueFormat::Signed, "-1.5", {0, 0xBFC0}},
-    {"D", ValueFormat::Hex, "1E", {0x1E}},
-    {"D", ValueFormat::Hex, "0b1", {0xB1}},
-    {"D", ValueFormat::Hex, "0x0b1", {0xB1}},
-    {"D", ValueFormat::Binary, "101", {5}},
-    {"D", ValueFormat::Binary, "0b11", {3}},
-    {"D", ValueFormat::Binary, "0x11", {0x11}},
-    {"D", ValueFormat::Long, "5", {5, 0}},
-    {"D", ValueFormat::Long, "-2", {0xFFFE, 0xFFFF}},
-    {"D", ValueFormat::Float, "2", {0, 0x4000}},
-    {"32CV", ValueFormat::Unsigned, "-1", {0xFFFFFFFF}},
-    {"32CV", ValueFormat::Unsigned, "65536", {65536}},
-    {"32CV", ValueFormat::Unsigned, "4294967295", {0xFFFFFFFF}},
-    {"32CV", ValueFormat::Unsigned, "-2147483648", {0x80000000}},
-    {"32CV", ValueFormat::Long, "7", {7}},
-    {"M", ValueFormat::Unsigned, "1", {1}},
-    {"M", ValueFormat::Unsigned, "On", {1}},
-    {"M", ValueFormat::Unsigned, "0", {0}},
-    {"M", ValueFormat::Unsigned, "off", {0}},
-    {"M", ValueFormat::Float, "1", {1}},
+    {"D0", plain, "65535", {65535}},
+    {"D0", plain, "-1", {65535}},
+    {"D0", plain, "-32768", {32768}},
+    {"D0", plain, "0x1e", {30}},
+    {"D0", plain, "0XFFFF", {65535}},
+    {"D0", plain, "0b101", {5}},
+    {"D0:2", plain, "70000", {0x1170, 1}},
+    {"D0:2", plain, "-32769", {0x7FFF, 0xFFFF}},
+    {"D0:2", plain, "5", {5, 0}},
+    {"D0", unsignedStyle, "65535", {65535}},
+    {"D0", hex, "1E", {0x1E}},
+    {"D0", hex, "0b1", {0xB1}},
+    {"D0", hex, "0x0b1", {0xB1}},
+    {"D0:2", hex, "12345678", {0x5678, 0x1234}},
+    {"D0", binary, "101", {5}},
+    {"D0", binary, "0b11", {3}},
+    {"D0", binary, "0x11", {0x11}},
+    {"D0", bcd, "1234", {0x1234}},
+    {"D0:2", bcd, "12345678", {0x5678, 0x1234}},
+    {"D0:2", longStyle, "5", {5, 0}},
+    {"D0:2", longStyle, "-2", {0xFFFE, 0xFFFF}},
+    {"D0:2", swapped, "70000", {1, 0x1170}},
+    {"D0:2", ulongStyle, "4294967295", {0xFFFF, 0xFFFF}},
+    {"D0:2", floatStyle, "2", {0, 0x4000}},
+    {"D0:2", floatStyle, "3.14", {0xF5C3, 0x4048}},
+    {"D0:2", {ValueFormat::Float, true}, "3.14", {0x4048, 0xF5C3}},
+    {"D0:3", textStyle, "Abc", {0x6241, 0x63, 0}},
+    {"32CV200", plain, "-1", {0xFFFFFFFF}},
+    {"32CV200", plain, "65536", {65536}},
+    {"32CV200", plain, "4294967295", {0xFFFFFFFF}},
+    {"32CV200", plain, "-2147483648", {0x80000000}},
+    {"32CV200", longStyle, "7", {7}},
+    {"M0", plain, "1", {1}},
+    {"M0", plain, "On", {1}},
+    {"M0", plain, "0", {0}},
+    {"M0", plain, "off", {0}},
+    {"M0", floatStyle, "1", {1}},
 };
 
 struct Unfit
 {
-    const char* type;
-    ValueFormat format;
+    const char* target;
+    ValueStyle style;
     const char* text;
+    const char* says;  // behind the value in quotes
 };
 
+const char* const noNumber = "is not a number; use 123, -5, 0x1F or 0b101";
+const char* const noInteger =
+    "is not a whole number; for a floating-point number in two words use --as float";
+
 const Unfit unfitValues[] = {
-    {"D", ValueFormat::Unsigned, ""},
-    {"D", ValueFormat::Unsigned, "12a"},
-    {"D", ValueFormat::Unsigned, "4294967296"},
-    {"D", ValueFormat::Unsigned, "-2147483649"},
-    {"D", ValueFormat::Unsigned, "0x"},
-    {"D", ValueFormat::Unsigned, "1.5.5"},
-    {"D", ValueFormat::Unsigned, "1e99"},
-    {"D", ValueFormat::Binary, "102"},
-    {"D", ValueFormat::Long, "1.5"},
-    {"32CV", ValueFormat::Unsigned, "1.5"},
-    {"32CV", ValueFormat::Float, "1"},
-    {"M", ValueFormat::Unsigned, "2"},
-    {"M", ValueFormat::Unsigned, ""},
+    {"D0", plain, "", noNumber},
+    {"D0", plain, "12a", noNumber},
+    {"D0", plain, "0x", noNumber},
+    {"D0", plain, "1.5.5", noNumber},
+    {"D0", plain, "3.14", noInteger},
+    {"D0", plain, "1e2", noInteger},
+    {"D0:2", longStyle, "1.5", noInteger},
+    {"32CV200", plain, "1.5", noInteger},
+    {"D20", plain, "70000",
+     "does not fit in 16 bits: -32768 to 65535; for 32 bits use D20:2=70000 or D20=70000 --as "
+     "long"},
+    {"D20", unsignedStyle, "-1",
+     "does not fit in 16 bits: 0 to 65535; for 32 bits use D20:2=-1 or D20=-1 --as long"},
+    {"D0:2", plain, "4294967296", "does not fit in 32 bits: -2147483648 to 4294967295"},
+    {"D0:2", plain, "-2147483649", "does not fit in 32 bits: -2147483648 to 4294967295"},
+    {"32CV200", plain, "4294967296", "does not fit in 32 bits: -2147483648 to 4294967295"},
+    {"D0", binary, "102", noNumber},
+    {"D0:2", bcd, "123456789", "does not fit in 8 BCD digits"},
+    {"D0:2", floatStyle, "1e99", "is not a floating-point number, or is out of its range"},
+    {"32CV200", floatStyle, "1", "is a floating-point number, which needs 16-bit registers"},
+    {"D0", textStyle, "abc", "has 3 characters, but D0 holds 2; use D0:2"},
+    {"32CV200", textStyle, "a", "is a text, which needs 16-bit registers"},
+    {"M0", plain, "2", "is not a bit; use 0, 1, on or off"},
+    {"M0", plain, "", "is not a bit; use 0, 1, on or off"},
 };
 
 struct Shown
 {
-    const char* type;
-    ValueFormat format;
+    const char* target;
+    ValueStyle style;
     Registers registers;
     QJsonValue json;
-    const char* text;  // of the first register
 };
 
 const Shown shownValues[] = {
-    {"D", ValueFormat::Unsigned, {65535}, 65535, "65535"},
-    {"D", ValueFormat::Signed, {65535}, -1, "-1"},
-    {"D", ValueFormat::Signed, {32767}, 32767, "32767"},
-    {"D", ValueFormat::Hex, {0xAB}, "0x00AB", "0x00AB"},
-    {"D", ValueFormat::Binary, {5}, "0b0000000000000101", "0b0000000000000101"},
-    {"D", ValueFormat::Long, {1, 0x8000}, -2147483647, "1"},
-    {"D", ValueFormat::Float, {0xF5C3, 0x4048}, 3.14, "62915"},
-    {"32CV", ValueFormat::Unsigned, {0xFFFFFFFF}, 4294967295.0, "4294967295"},
-    {"32CV", ValueFormat::Signed, {0xFFFFFFFF}, -1, "-1"},
-    {"32CV", ValueFormat::Signed, {0xFFFF}, 65535, "65535"},
-    {"32CV", ValueFormat::Long, {0xFFFFFFFE}, -2, "4294967294"},
-    {"32CV", ValueFormat::Hex, {0xAB}, "0x000000AB", "0x000000AB"},
-    {"M", ValueFormat::Unsigned, {1}, 1, "1"},
-    {"M", ValueFormat::Signed, {1}, 1, "1"},
-    {"M", ValueFormat::Hex, {1}, 1, "1"},
-    {"M", ValueFormat::Binary, {0}, 0, "0"},
+    {"D0", plain, {65535}, -1},
+    {"D0", plain, {32767}, 32767},
+    {"D0:2", plain, {0x1170, 1}, 70000},
+    {"D0", unsignedStyle, {65535}, 65535},
+    {"D0", hex, {0xAB}, "0x00AB"},
+    {"D0:2", hex, {0xAB, 1}, "0x000100AB"},
+    {"D0", binary, {5}, "0b0000000000000101"},
+    {"D0", bcd, {0x1234}, 1234},
+    {"D0", bcd, {0x12AB}, "not BCD: 0x12AB"},
+    {"D0:2", longStyle, {1, 0x8000}, -2147483647},
+    {"D0:2", swapped, {0x8000, 1}, -2147483647},
+    {"D0:2", ulongStyle, {1, 0x8000}, 2147483649.0},
+    {"D0:2", floatStyle, {0xF5C3, 0x4048}, 3.14},
+    {"D0:2", floatStyle, {0, 0x7F80}, "inf"},
+    {"D0:3", textStyle, {0x6241, 0x0163, 0}, "Abc."},
+    {"32CV200", plain, {0xFFFFFFFF}, -1},
+    {"32CV200", plain, {0xFFFF}, 65535},
+    {"32CV200", unsignedStyle, {0xFFFFFFFF}, 4294967295.0},
+    {"32CV200", longStyle, {0xFFFFFFFE}, -2},
+    {"32CV200", hex, {0xAB}, "0x000000AB"},
+    {"M0", plain, {1}, 1},
+    {"M0", hex, {1}, 1},
+    {"M0", binary, {0}, 0},
+    {"D100.5", plain, {0x20}, 1},
+    {"D100.5", hex, {0xFFDF}, 0},
+    {"K2M0", plain, {1, 0, 1, 0, 0, 0, 0, 1}, 0x85},
+    {"K2M0", hex, {1, 0, 1, 0, 0, 0, 0, 1}, "0x85"},
+    {"K4M0", plain, Registers(16, 1), -1},
+    {"K8M0", plain, Registers(32, 1), -1},
 };
+
+AskedAddress asked(const char* text)
+{
+    return askedAddress(takeApart(text), catalogue());
+}
 
 }  // namespace
 
 TEST(WrittenValues, BecomeRegisters)
 {
-    for (const auto& [type, format, text, registers] : writtenValues)
-        EXPECT_EQ(parseValue(text, *catalogue().find(type), format), registers) << text;
+    for (const auto& [target, style, text, registers] : writtenValues)
+        EXPECT_EQ(parseValue(text, range(target), style), registers) << target << '=' << text;
 }
 
-TEST(WrittenValues, ThatDoNotFitAreErrorsOfUse)
+TEST(WrittenValues, ThatDoNotFitSayWhatWould)
 {
-    for (const auto& [type, format, text] : unfitValues) {
+    for (const auto& [target, style, text, says] : unfitValues) {
         try {
-            parseValue(text, *catalogue().find(type), format);
-            ADD_FAILURE() << type << " took " << text;
+            parseValue(text, range(target), style);
+            ADD_FAILURE() << target << " took " << text;
         } catch (const Failure& failure) {
             EXPECT_EQ(failure.code(), ExitCode::Usage) << text;
+            EXPECT_EQ(failure.what(), "value '" + std::string(text) + "' " + says);
         }
     }
 }
 
+TEST(WrittenNumbers, FillAGroupOfBits)
+{
+    EXPECT_EQ(parseNumber("255", 8, ValueFormat::Signed), 255U);
+    EXPECT_EQ(parseNumber("-1", 16, ValueFormat::Signed), 0xFFFFU);
+    EXPECT_EQ(parseNumber("-1", 32, ValueFormat::Signed), 0xFFFFFFFFU);
+    EXPECT_THROW(parseNumber("16", 4, ValueFormat::Signed), Failure);
+    EXPECT_THROW(parseNumber("-1", 4, ValueFormat::Signed), Failure);
+}
+
 TEST(ShownValues, FollowTheFormat)
 {
-    for (const auto& [name, format, registers, json, text] : shownValues) {
-        const RegisterType& type = *catalogue().find(name);
-        EXPECT_EQ(valueOf(registers.constData(), type, format), json) << name << text;
-        EXPECT_EQ(valueText(registers[0], type, format), text) << name;
-        EXPECT_EQ(registersPerValue(type, format), registers.size()) << name << text;
+    for (const auto& [target, style, registers, json] : shownValues) {
+        EXPECT_EQ(valueOf(registers, asked(target), style), json)
+            << target << ' ' << static_cast<int>(style.format);
     }
+}
+
+TEST(Values, TakeRegistersByTheirFormat)
+{
+    EXPECT_EQ(registersPerValue(asked("D0:8"), plain), 1);
+    EXPECT_EQ(registersPerValue(asked("D0:8"), ulongStyle), 2);
+    EXPECT_EQ(registersPerValue(asked("D0:8"), textStyle), 8);
+    EXPECT_EQ(registersPerValue(asked("32CV200:8"), longStyle), 1);
+    EXPECT_EQ(registersPerValue(asked("M0:8"), floatStyle), 1);
+    EXPECT_EQ(registersPerValue(asked("D0.5"), floatStyle), 1);
+    EXPECT_EQ(registersPerValue(asked("K4M0"), floatStyle), 16);
+}
+
+TEST(Values, OfTwoWordsAreAskedForByTheirFirst)
+{
+    const auto widened = [](const char* address) {
+        AskedAddress one = asked(address);
+        widen(one, floatStyle);
+        return one.range.count;
+    };
+    EXPECT_EQ(widened("D20"), 2);
+    EXPECT_EQ(widened("D20:1"), 1);
+    EXPECT_EQ(widened("D7999"), 1);
+    EXPECT_EQ(widened("M20"), 1);
 }
 
 TEST(ShownBits, StandInGroupsOfEight)
@@ -147,8 +229,7 @@ TEST(ShownBits, StandInGroupsOfEight)
 
 TEST(ValueFormats, HaveTheNamesOfTheCommandLine)
 {
-    QStringList names;
-    for (const auto& [name, format] : valueFormats())
-        names += QString::fromStdString(name) + '=' + QString::number(static_cast<int>(format));
-    EXPECT_EQ(names.join(' '), "bin=3 dec=0 float=5 hex=2 long=4 signed=1");
+    EXPECT_EQ(formatNames(), "signed, unsigned, hex, bin, bcd, long, ulong, float or text");
+    EXPECT_EQ(formatNamed("ULONG"), ValueFormat::ULong);
+    EXPECT_EQ(formatNamed("dec"), std::nullopt);
 }

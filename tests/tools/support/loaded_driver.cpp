@@ -7,16 +7,31 @@
 
 namespace tool_tests {
 
+namespace {
+
+// The catalogue is made before any session.
+struct Loaded
+{
+    fxtools::DriverLibrary library = fxtools::DriverLibrary(QStringLiteral(FX_DRIVER_FILE));
+    fxtools::RegisterCatalogue catalogue = fxtools::RegisterCatalogue(library);
+};
+
+const Loaded& loaded()
+{
+    static const Loaded instance;
+    return instance;
+}
+
+}  // namespace
+
 const fxtools::DriverLibrary& driver()
 {
-    static const fxtools::DriverLibrary library(QStringLiteral(FX_DRIVER_FILE));
-    return library;
+    return loaded().library;
 }
 
 const fxtools::RegisterCatalogue& catalogue()
 {
-    static const fxtools::RegisterCatalogue types(driver());
-    return types;
+    return loaded().catalogue;
 }
 
 fxtools::RegisterRange range(const char* address)

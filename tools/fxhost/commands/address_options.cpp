@@ -30,7 +30,7 @@ void addAddressLetters(CLI::App& command, AddressOptions& options)
 
 void addAddressOptions(CLI::App& command, AddressOptions& options)
 {
-    command.add_option("address", options.addresses, "Addresses, such as D100:32, X17 or 2#M8")
+    command.add_option("address", options.addresses, "Addresses, such as D100:32, D0-D9 or X17")
         ->type_name("");
     addAddressLetters(command, options);
 }
@@ -54,17 +54,30 @@ AddressParts addressOfLetters(const AddressOptions& options)
     return parts;
 }
 
-QVector<RegisterRange> rangesOf(const AddressOptions& options, const RegisterCatalogue& catalogue)
+QVector<AskedAddress> askedOf(const AddressOptions& options, const RegisterCatalogue& catalogue)
 {
-    QVector<RegisterRange> ranges;
+    QVector<AskedAddress> asked;
     for (const std::string& address : options.addresses)
-        ranges.append(parseAddress(QString::fromStdString(address), catalogue));
+        asked += askedAddresses(QString::fromStdString(address), catalogue);
     if (options.byLetters())
-        ranges.append(rangeOf(addressOfLetters(options), catalogue));
-    if (ranges.isEmpty())
+        asked.append(askedAddress(addressOfLetters(options), catalogue));
+    if (asked.isEmpty())
         throw Failure(ExitCode::Usage,
                       "address missing; for example D100:32, or -t D -r 100 -c 32");
+    return asked;
+}
+
+QVector<RegisterRange> rangesOf(const QVector<AskedAddress>& asked)
+{
+    QVector<RegisterRange> ranges;
+    for (const AskedAddress& address : asked)
+        ranges.append(address.range);
     return ranges;
+}
+
+QVector<RegisterRange> rangesOf(const AddressOptions& options, const RegisterCatalogue& catalogue)
+{
+    return rangesOf(askedOf(options, catalogue));
 }
 
 }  // namespace fxtools

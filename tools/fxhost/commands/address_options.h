@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// The addresses of a command: as texts such as D100:32, or by the options -t D -r 100 -c 32: type,
-// first number and number of registers.
+// The addresses of a command: as texts such as D100:32 or D0-D9, or by the options -t D -r 100 -c
+// 32: type, first number and number of registers.
 
 #pragma once
 
@@ -30,7 +30,11 @@ void addAddressOptions(CLI::App& command, AddressOptions& options);
 // The address given by options; throws Failure if -r is missing.
 AddressParts addressOfLetters(const AddressOptions& options);
 
-// All ranges asked for; throws Failure if there are none or one is out of range.
+// All that was asked for; throws Failure if there is nothing or one is out of range.
+QVector<AskedAddress> askedOf(const AddressOptions& options, const RegisterCatalogue& catalogue);
+
+// The registers of it.
+QVector<RegisterRange> rangesOf(const QVector<AskedAddress>& asked);
 QVector<RegisterRange> rangesOf(const AddressOptions& options, const RegisterCatalogue& catalogue);
 
 }  // namespace fxtools

@@ -9,8 +9,8 @@ namespace fxtools {
 
 static_assert(mostWordsPerFrame == fxMaxWriteWords);
 
-AddressServices::AddressServices(const QString& libraryPath)
-    : library(libraryPath), catalogue(library)
+AddressServices::AddressServices(const QString& libraryPath, std::optional<int> ownStation)
+    : library(libraryPath), catalogue(library, ownStation)
 {}
 
 AddressServices::AddressServices(const CommonOptions& common)
@@ -23,6 +23,7 @@ ConnectionSettings connectionSettings(const CommonOptions& common,
     ConnectionSettings settings;
     settings.library = QString::fromStdString(common.library);
     settings.link = common.link.settings(linkUnlessSaid);
+    settings.station = plcSettings(settings.link).station;
     const std::optional<int> words = plcSettings(settings.link).words;
     settings.session.failLimit = common.retries + 1;
     if (common.wordsPerFrame > 0 || words)
@@ -37,7 +38,7 @@ ConnectionSettings connectionSettings(const CommonOptions& common,
 }
 
 Connection::Connection(const ConnectionSettings& settings)
-    : m_services(settings.library), m_link(makeLink(settings.link)),
+    : m_services(settings.library, settings.station), m_link(makeLink(settings.link)),
       m_keeper(*m_link.link, settings.reconnectS), m_session(library(), settings.session),
       m_loop(m_session, *m_link.link, settings.loop)
 {

@@ -22,7 +22,8 @@ struct AddressServices
     DriverLibrary library;
     RegisterCatalogue catalogue;
 
-    explicit AddressServices(const QString& libraryPath);
+    explicit AddressServices(const QString& libraryPath,
+                             std::optional<int> ownStation = std::nullopt);
     explicit AddressServices(const CommonOptions& common);
 };
 
@@ -31,6 +32,7 @@ struct ConnectionSettings
 {
     QString library;
     LinkSettings link;
+    int station = 1;
     SessionSettings session;
     LoopSettings loop;
     std::optional<int> reconnectS;                         // nothing: the command's default

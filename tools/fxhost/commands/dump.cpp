@@ -25,19 +25,19 @@ struct DumpOptions
     bool resume = false;
 };
 
-// The names of the registers that a file holds already.
+// The identities of the registers that a file holds already.
 QSet<QString> namesIn(const QString& path, const Connection& connection)
 {
     QSet<QString> names;
-    for (const RegisterRun& run : readRegisterFile(path, connection.catalogue(), 1))
-        names.insert(run.range.nameOf(0));
+    for (const RegisterRun& run : readRegisterFile(path, connection.catalogue(), 1).runs)
+        names.insert(run.range.identity(0));
     return names;
 }
 
 bool isDumped(const RegisterRange& portion, const QSet<QString>& names)
 {
     for (int index = 0; index < portion.count; ++index) {
-        if (!names.contains(portion.nameOf(index)))
+        if (!names.contains(portion.identity(index)))
             return false;
     }
     return true;
@@ -85,16 +85,16 @@ std::optional<ReplyVerdict> Dumper::dump(const RegisterRange& portion)
 void Dumper::keep(const Poller& poller, const RegisterRange& portion)
 {
     const QVector<quint32> values = poller.values(portion);
-    const QVector<PolledValue> polled = polledValues(poller, portion, ValueFormat::Unsigned);
+    const QVector<PolledValue> polled = polledValues(poller, {portion, {}, false, true}, {});
     for (int index = 0; index < portion.count; ++index) {
         const PolledValue& one = polled[index];
-        if (m_done.contains(one.name))
+        if (m_done.contains(portion.identity(index)))
             continue;
         m_result.count(one);
         if (one.problem)
             m_file.addComment(one.name + ": " + verdictText(*one.problem));
         else
-            m_file.add(one.name, values[index]);
+            m_file.add({portion.part(index, 1), {values[index]}});
     }
 }
 

@@ -7,6 +7,7 @@
 #include "tools/fxhost/commands/cycles.h"
 #include "tools/fxhost/commands/poll_result.h"
 #include "tools/fxhost/views/live_view.h"
+#include "tools/library/assignments.h"
 
 #include <QElapsedTimer>
 
@@ -19,11 +20,11 @@ constexpr qint64 napMs = 20;
 constexpr qint64 redrawEveryMs = 100;
 
 // One cell for each value; bits stand together.
-QVector<Reading> readingsOf(const Poller& poller, const RegisterRange& range, ValueFormat format)
+QVector<Reading> readingsOf(const Poller& poller, const AskedAddress& asked, ValueStyle style)
 {
     QVector<Reading> readings;
-    if (range.type.isBit()) {
-        for (const RegisterRange& part : range.cut(bitsInCell)) {
+    if (asked.range.type.isBit() && !asked.isGroup) {
+        for (const RegisterRange& part : asked.range.cut(bitsInCell)) {
             std::optional<ReplyVerdict> problem;
             for (int index = 0; index < part.count && !problem; ++index)
                 problem = poller.problemOf(part, index);
@@ -32,7 +33,7 @@ QVector<Reading> readingsOf(const Poller& poller, const RegisterRange& range, Va
         }
         return readings;
     }
-    for (const PolledValue& polled : polledValues(poller, range, format)) {
+    for (const PolledValue& polled : polledValues(poller, asked, style)) {
         const QJsonValue& value = polled.value;
         readings.append({polled.name, value.toVariant().toString(),
                          value.isDouble() ? std::optional(value.toDouble()) : std::nullopt,
@@ -79,6 +80,7 @@ private:
     QString m_toWrite;
     Connection* m_connection = nullptr;  // while it runs
     Poller* m_poller = nullptr;
+    QVector<AskedAddress> m_asked;
     PollResult m_lastCycle;
     int m_cycle = 0;
 };
@@ -90,9 +92,9 @@ ExitCode LiveWatch::run(const CommonOptions& common)
     settings.onLinkState = [this](const QString& state) { showLinkState(state); };
     Connection connection(settings);
     connection.waitForLinkWithoutEnd();
-    const QVector<RegisterRange> ranges = rangesOf(m_options.addresses, connection.catalogue());
-    needWholeValues(ranges, m_options.format);
-    Poller poller(connection.loop(), connection.catalogue(), ranges);
+    m_asked = askedOf(m_options.addresses, connection.catalogue());
+    needWholeValues(m_asked, m_options.style);
+    Poller poller(connection.loop(), connection.catalogue(), rangesOf(m_asked));
     m_connection = &connection;
     m_poller = &poller;
     qint64 startedUs = connection.loop().elapsedUs();
@@ -141,12 +143,13 @@ void LiveWatch::wait(qint64 timeMs)
 void LiveWatch::write(const QString& assignment)
 {
     try {
-        const RegisterRange range =
-            parseAddress(assignment.section('=', 0, 0).trimmed(), m_connection->catalogue());
-        if (!range.type.writable)
-            throw Failure(ExitCode::Usage, range.type.name + " registers are read-only");
-        const QVector<quint32> values =
-            parseValue(assignment.section('=', 1).trimmed(), range.type, m_options.format);
+        const Assignment wanted =
+            parseAssignment(assignment, m_connection->catalogue(), m_options.style);
+        const RegisterRange& range = wanted.asked.range;
+        requireOwnMemory(range, m_connection->catalogue());
+        if (wanted.asked.bit && readBack(m_connection->loop(), range) != ReplyVerdict::Good)
+            throw Failure(ExitCode::Usage, range.text() + " could not be read");
+        const QVector<quint32> values = wanted.valuesOver(m_connection->session().values(range));
         const WriteOutcome outcome = writeRegisters(m_connection->loop(), range, values);
         const bool isThere = outcome.isGood() &&
                              readBack(m_connection->loop(), range) == ReplyVerdict::Good &&
@@ -173,11 +176,10 @@ void LiveWatch::showCycle(qint64 tookUs)
 {
     QVector<Reading> readings;
     m_lastCycle = {};
-    for (const RegisterRange& range : m_poller->ranges()) {
-        readings += readingsOf(*m_poller, range, m_options.format);
-        for (const PolledValue& polled : polledValues(*m_poller, range, m_options.format))
-            m_lastCycle.count(polled);
-    }
+    for (const AskedAddress& asked : m_asked)
+        readings += readingsOf(*m_poller, asked, m_options.style);
+    for (const PolledValue& polled : polledValues(*m_poller, m_asked, m_options.style))
+        m_lastCycle.count(polled);
     m_view.update(readings, m_clock.elapsed(), m_options.deadband);
     ++m_cycle;
     const QString cycle = QStringLiteral("cycle %1: %2 ms%3")

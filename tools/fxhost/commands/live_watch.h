@@ -15,7 +15,7 @@ namespace fxtools {
 struct WatchOptions
 {
     AddressOptions addresses;
-    ValueFormat format = ValueFormat::Unsigned;
+    ValueStyle style;
     int intervalMs = 1000;
     int cycles = 0;  // 0: until Ctrl-C
     bool once = false;

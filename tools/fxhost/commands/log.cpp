@@ -23,7 +23,7 @@ constexpr qint64 longestDurationMs = qint64(3660) * 86400 * 1000;
 struct LogOptions
 {
     AddressOptions addresses;
-    ValueFormat format = ValueFormat::Unsigned;
+    ValueStyle style;
     int intervalMs = 1000;
     int cycles = 0;  // 0: until stopped
     qint64 durationMs = 0;
@@ -43,14 +43,6 @@ LogFile::Settings fileSettings(const LogOptions& options)
     if (options.append && options.force)
         throw Failure(ExitCode::Usage, "--append continues a file, --force replaces it: give one");
     return {QString::fromStdString(options.file), options.force, options.append, options.rotation};
-}
-
-QVector<PolledValue> valuesOf(const Poller& poller, ValueFormat format)
-{
-    QVector<PolledValue> values;
-    for (const RegisterRange& range : poller.ranges())
-        values += polledValues(poller, range, format);
-    return values;
 }
 
 // "no reply" if that is so for all of them, else "D1 D2: refused by the PLC (NAK)".
@@ -122,11 +114,12 @@ void Logger::add(const LogRow& row)
 ExitCode logUntilStopped(Connection& connection, const CommonOptions& common,
                          const LogOptions& options)
 {
-    const QVector<RegisterRange> ranges = rangesOf(options.addresses, connection.catalogue());
-    needWholeValues(ranges, options.format);
-    Poller poller(connection.loop(), connection.catalogue(), ranges);
+    QVector<AskedAddress> asked = askedOf(options.addresses, connection.catalogue());
+    needWholeValues(asked, options.style);
+    Poller poller(connection.loop(), connection.catalogue(), rangesOf(asked));
+    const auto values = [&] { return polledValues(poller, asked, options.style); };
     QStringList names;
-    for (const PolledValue& value : valuesOf(poller, options.format))
+    for (const PolledValue& value : values())
         names += value.name;
     Logger logger(connection, options, common.output.mode, names);
     const auto reconnect = connection.loop().onLinkLost;
@@ -135,7 +128,7 @@ ExitCode logUntilStopped(Connection& connection, const CommonOptions& common,
         return reconnect();
     };
     const RoundEnd end = pollEvery(options.intervalMs, options.cycles, connection.loop(), poller,
-                                   [&] { logger.addCycle(valuesOf(poller, options.format)); });
+                                   [&] { logger.addCycle(values()); });
     if (options.file != standardOutput) {
         const QString path = QString::fromStdString(options.file);
         showResult(common.output, "  " + path + ": " + counted(logger.rows(), "row"),
@@ -188,7 +181,7 @@ void addLogCommand(CLI::App& app, const CommonOptions& common, Action& action)
     CLI::App* command = app.add_subcommand("log", "Save values over time as CSV or JSON lines");
     const auto options = std::make_shared<LogOptions>();
     addAddressOptions(*command, options->addresses);
-    addFormatOption(*command, options->format);
+    addFormatOption(*command, options->style);
     addIntervalOption(*command, options->intervalMs);
     addCountOption(*command, options->cycles, true);
     command->add_option("--duration", options->durationMs, "Stop after TIME: 90s, 10min, 8h, 1d")

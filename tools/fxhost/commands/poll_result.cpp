@@ -3,6 +3,8 @@
 
 #include "tools/fxhost/commands/poll_result.h"
 
+#include "tools/quoted.h"
+
 namespace fxtools {
 
 QJsonValue PolledValue::error() const
@@ -10,54 +12,65 @@ QJsonValue PolledValue::error() const
     return problem ? QJsonValue(verdictText(*problem)) : QJsonValue(QJsonValue::Undefined);
 }
 
-QVector<PolledValue> polledValues(const Poller& poller, const RegisterRange& range,
-                                  ValueFormat format)
-{
-    const QVector<quint32> registers = poller.values(range);
-    const int step = registersPerValue(range.type, format);
-    QVector<PolledValue> values;
-    for (int index = 0; index < range.count; index += step) {
-        PolledValue polled;
-        polled.name = range.nameOf(index);
-        polled.problem = poller.problemOf(range, index);
-        if (!polled.problem && step > 1)
-            polled.problem = poller.problemOf(range, index + 1);
-        if (!polled.problem)
-            polled.value = valueOf(&registers[index], range.type, format);
-        values.append(polled);
-    }
-    return values;
-}
-
 namespace {
 
 // The name of a format becomes its number, as enumerations are read.
 std::string numberOfFormat(std::string& text)
 {
-    const auto found = valueFormats().find(QString::fromStdString(text).toLower().toStdString());
-    if (found == valueFormats().end())
-        return "unknown format '" + text + "': expected dec, signed, hex, bin, long or float";
-    text = std::to_string(static_cast<int>(found->second));
+    const QString name = QString::fromStdString(text);
+    const std::optional<ValueFormat> format = formatNamed(name);
+    if (!format)
+        return ("unknown format " + quoted(name) + ": expected " + formatNames()).toStdString();
+    text = std::to_string(static_cast<int>(*format));
     return {};
 }
 
 }  // namespace
 
-void addFormatOption(CLI::App& command, ValueFormat& format)
+QVector<PolledValue> polledValues(const Poller& poller, const AskedAddress& asked, ValueStyle style)
 {
-    command
-        .add_option("--as", format,
-                    "dec (default), signed, hex, bin, long or float; the last two take two words")
-        ->type_name("FORMAT")
-        ->transform(CLI::Validator(numberOfFormat, ""));
+    const QVector<quint32> registers = poller.values(asked.range);
+    const int step = registersPerValue(asked, style);
+    QVector<PolledValue> values;
+    for (int index = 0; index < asked.range.count; index += step) {
+        PolledValue polled;
+        polled.name = style.format == ValueFormat::Text ? asked.text() : asked.nameOf(index);
+        for (int part = index; part < index + step && !polled.problem; ++part)
+            polled.problem = poller.problemOf(asked.range, part);
+        if (!polled.problem)
+            polled.value = valueOf(registers.mid(index, step), asked, style);
+        values.append(polled);
+    }
+    return values;
 }
 
-void needWholeValues(const QVector<RegisterRange>& ranges, ValueFormat format)
+QVector<PolledValue> polledValues(const Poller& poller, const QVector<AskedAddress>& asked,
+                                  ValueStyle style)
 {
-    for (const RegisterRange& range : ranges) {
-        if (range.count % registersPerValue(range.type, format) != 0) {
+    QVector<PolledValue> values;
+    for (const AskedAddress& address : asked)
+        values += polledValues(poller, address, style);
+    return values;
+}
+
+void addFormatOption(CLI::App& command, ValueStyle& style)
+{
+    command
+        .add_option("--as", style.format,
+                    "signed (default), unsigned, hex, bin, bcd, or in two words long, ulong or "
+                    "float, or text")
+        ->type_name("FORMAT")
+        ->transform(CLI::Validator(numberOfFormat, ""));
+    command.add_flag("--swap", style.swap, "Values of two words: the high word comes first");
+}
+
+void needWholeValues(QVector<AskedAddress>& asked, ValueStyle style)
+{
+    for (AskedAddress& address : asked) {
+        widen(address, style);
+        if (address.range.count % registersPerValue(address, style) != 0) {
             throw Failure(ExitCode::Usage,
-                          range.text() +
+                          address.range.text() +
                               ": each value takes two words, so the number of words must be even");
         }
     }

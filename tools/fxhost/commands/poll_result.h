@@ -8,6 +8,7 @@
 
 #include "tools/exchange/poller.h"
 #include "tools/fxhost/commands/connection.h"
+#include "tools/library/addresses.h"
 #include "tools/library/values.h"
 
 namespace fxtools {
@@ -21,14 +22,17 @@ struct PolledValue
     QJsonValue error() const;  // the problem's text, or undefined
 };
 
-QVector<PolledValue> polledValues(const Poller& poller, const RegisterRange& range,
-                                  ValueFormat format);
+QVector<PolledValue> polledValues(const Poller& poller, const AskedAddress& asked,
+                                  ValueStyle style);
+QVector<PolledValue> polledValues(const Poller& poller, const QVector<AskedAddress>& asked,
+                                  ValueStyle style);
 
-// --as FORMAT
-void addFormatOption(CLI::App& command, ValueFormat& format);
+// --as FORMAT and --swap
+void addFormatOption(CLI::App& command, ValueStyle& style);
 
-// Throws Failure if a value of this format would reach past the end of a range.
-void needWholeValues(const QVector<RegisterRange>& ranges, ValueFormat format);
+// Takes two words where one address names a value of two. Throws Failure if a value would reach
+// past the end of a range.
+void needWholeValues(QVector<AskedAddress>& asked, ValueStyle style);
 
 class PollResult
 {

@@ -13,26 +13,34 @@ namespace {
 struct ReadOptions
 {
     AddressOptions addresses;
-    ValueFormat format = ValueFormat::Unsigned;
+    ValueStyle style;
 };
+
+// A value that is not the register's own is no value.
+void tellAliases(const QVector<AskedAddress>& asked, const RegisterCatalogue& catalogue)
+{
+    for (const AskedAddress& address : asked) {
+        if (const std::optional<Alias> alias = catalogue.aliasIn(address.range))
+            complain(alias->text());
+    }
+}
 
 ExitCode runRead(const CommonOptions& common, const ReadOptions& options)
 {
     Connection connection(common);
-    const QVector<RegisterRange> ranges = rangesOf(options.addresses, connection.catalogue());
-    needWholeValues(ranges, options.format);
-    Poller poller(connection.loop(), connection.catalogue(), ranges);
+    QVector<AskedAddress> asked = askedOf(options.addresses, connection.catalogue());
+    needWholeValues(asked, options.style);
+    tellAliases(asked, connection.catalogue());
+    Poller poller(connection.loop(), connection.catalogue(), rangesOf(asked));
     if (poller.poll() == RoundEnd::Interrupted) {
         complain(QStringLiteral("interrupted before everything was read"));
         return ExitCode::Interrupted;
     }
     Records records(common.output, {{"address"}, {"value", Align::Right}, {"error"}});
     PollResult result;
-    for (const RegisterRange& range : poller.ranges()) {
-        for (const PolledValue& polled : polledValues(poller, range, options.format)) {
-            result.count(polled);
-            records.add({polled.name, polled.value, polled.error()});
-        }
+    for (const PolledValue& polled : polledValues(poller, asked, options.style)) {
+        result.count(polled);
+        records.add({polled.name, polled.value, polled.error()});
     }
     records.finish();
     return result.exitCode();
@@ -45,9 +53,9 @@ void addReadCommand(CLI::App& app, const CommonOptions& common, Action& action)
     CLI::App* command = app.add_subcommand("read", "Read registers once");
     const auto options = std::make_shared<ReadOptions>();
     addAddressOptions(*command, options->addresses);
-    addFormatOption(*command, options->format);
+    addFormatOption(*command, options->style);
     addExamples(*command,
-                {"fxhost read D100 X17 M8000 TV0", "fxhost read D0:8 --as hex --timestamps",
+                {"fxhost read D100 X17 M8000 TV0", "fxhost read D0-D7 K4M0 --as hex --timestamps",
                  "fxhost read -t D -r 100 -c 4 --as float --json"});
     command->callback([&action, &common, options] {
         action = [&common, options] { return runRead(common, *options); };

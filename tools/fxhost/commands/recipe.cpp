@@ -88,8 +88,10 @@ ExitCode runDownload(const CommonOptions& common, const std::string& file)
     demandNamedLink(common);
     Connection connection(common);
     const QString path = QString::fromStdString(file);
-    const QVector<RegisterRun> runs = readRegisterFile(
-        path, connection.catalogue(), connection.session().settings().wordsPerFrame / 2);
+    const QVector<RegisterRun> runs =
+        readRegisterFile(path, connection.catalogue(),
+                         connection.session().settings().wordsPerFrame / 2)
+            .runs;
     checkWritable(path, runs);
     QVector<RegisterRange> entries;
     for (const RegisterRun& run : runs)

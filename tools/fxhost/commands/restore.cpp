@@ -111,7 +111,8 @@ ExitCode runRestore(const CommonOptions& common, const RestoreOptions& options)
     Connection connection(common);
     const QString path = QString::fromStdString(options.file);
     QVector<RegisterRun> runs = readRegisterFile(path, connection.catalogue(),
-                                                 connection.session().settings().wordsPerFrame / 2);
+                                                 connection.session().settings().wordsPerFrame / 2)
+                                    .runs;
     checkWritable(path, runs);
     if (!options.from.empty())
         runs = runsFrom(runs,

@@ -22,7 +22,7 @@ public:
           m_changes(output, {{"address"}, {"value"}, {"error"}}, Records::Shown::AtOnce)
     {}
 
-    void show(const Poller& poller);
+    void show(const QVector<PolledValue>& values);
     ExitCode exitCode() const { return m_lastCycle.exitCode(); }
 
 private:
@@ -34,17 +34,15 @@ private:
     PollResult m_lastCycle;
 };
 
-void Watcher::show(const Poller& poller)
+void Watcher::show(const QVector<PolledValue>& values)
 {
     m_lastCycle = {};
-    for (const RegisterRange& range : poller.ranges()) {
-        for (const PolledValue& polled : polledValues(poller, range, m_options.format)) {
-            m_lastCycle.count(polled);
-            if (!isNew(polled))
-                continue;
-            m_changes.add({polled.name, polled.value, polled.error()});
-            m_shown.insert(polled.name, polled);
-        }
+    for (const PolledValue& polled : values) {
+        m_lastCycle.count(polled);
+        if (!isNew(polled))
+            continue;
+        m_changes.add({polled.name, polled.value, polled.error()});
+        m_shown.insert(polled.name, polled);
     }
 }
 
@@ -64,12 +62,13 @@ ExitCode runWatch(const CommonOptions& common, const WatchOptions& options)
         return runLiveWatch(common, options);
     Connection connection(common);
     connection.waitForLinkWithoutEnd();
-    const QVector<RegisterRange> ranges = rangesOf(options.addresses, connection.catalogue());
-    needWholeValues(ranges, options.format);
-    Poller poller(connection.loop(), connection.catalogue(), ranges);
+    QVector<AskedAddress> asked = askedOf(options.addresses, connection.catalogue());
+    needWholeValues(asked, options.style);
+    Poller poller(connection.loop(), connection.catalogue(), rangesOf(asked));
     Watcher watcher(options, common.output);
-    const RoundEnd end = pollEvery(options.intervalMs, options.once ? 1 : options.cycles,
-                                   connection.loop(), poller, [&] { watcher.show(poller); });
+    const RoundEnd end =
+        pollEvery(options.intervalMs, options.once ? 1 : options.cycles, connection.loop(), poller,
+                  [&] { watcher.show(polledValues(poller, asked, options.style)); });
     if (end != RoundEnd::Done)
         return exitCodeOf(verdictOf(end));
     return watcher.exitCode();
@@ -82,7 +81,7 @@ void addWatchCommand(CLI::App& app, const CommonOptions& common, Action& action)
     CLI::App* command = app.add_subcommand("watch", "Print values as they change");
     const auto options = std::make_shared<WatchOptions>();
     addAddressOptions(*command, options->addresses);
-    addFormatOption(*command, options->format);
+    addFormatOption(*command, options->style);
     addIntervalOption(*command, options->intervalMs);
     addCountOption(*command, options->cycles, true);
     command->add_flag("-1,--once", options->once, "Stop after one cycle");

@@ -1,97 +1,57 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// fxhost write: writes values and reports what was written. The cache shows a written value at
-// once, so success means the PLC's ACK, and with --verify the value that is read back.
+// fxhost write: reads the registers, writes them and reads them back. The cache shows a written
+// value at once, so only what the PLC sends counts.
 
 #include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/poll_result.h"
 #include "tools/fxhost/commands/write_report.h"
+#include "tools/library/assignments.h"
+#include "tools/quoted.h"
 
 namespace fxtools {
 
 namespace {
 
-constexpr int widestWritten = 30;
+constexpr int widestValues = 24;
 
 struct WriteOptions
 {
     std::vector<std::string> assignments;  // only values when the address is given by options
     AddressOptions address;
-    ValueFormat format = ValueFormat::Unsigned;
-    bool verify = false;
+    ValueStyle style;
+    bool verify = true;
+    bool force = false;
 };
-
-struct Assignment
-{
-    RegisterRange range;
-    QVector<quint32> values;
-    QString written;  // the values as the user wrote them
-};
-
-// `whole` is how the user wrote all of it.
-Assignment assignmentOf(AddressParts address, const QStringList& values, const QString& whole,
-                        const RegisterCatalogue& catalogue, ValueFormat format)
-{
-    Assignment assignment;
-    assignment.written = values.join(',');
-    const RegisterType type = rangeOf(address, catalogue).type;
-    if (!type.writable)
-        throw Failure(ExitCode::Usage,
-                      "'" + whole + "': " + type.name + " registers are read-only");
-    for (const QString& value : values)
-        assignment.values += parseValue(value.trimmed(), type, format);
-    const int registers = assignment.values.size();
-    if (address.count.value_or(registers) != registers) {
-        throw Failure(ExitCode::Usage,
-                      QStringLiteral("'%1': the address names %2 registers, the values need %3")
-                          .arg(whole)
-                          .arg(*address.count)
-                          .arg(registers));
-    }
-    // Checked again, because the values may run past the end of the type.
-    address.count = registers;
-    address.written =
-        QStringLiteral("%1:%2").arg(address.written.section(':', 0, 0)).arg(registers);
-    assignment.range = rangeOf(address, catalogue);
-    return assignment;
-}
-
-// "D100=5", "D100=1,2,3" or "M0=on".
-Assignment parseAssignment(const QString& text, const RegisterCatalogue& catalogue,
-                           ValueFormat format)
-{
-    const int equals = text.indexOf('=');
-    if (equals < 1 || equals + 1 == text.size())
-        throw Failure(ExitCode::Usage,
-                      "'" + text + "' has no value; use for example D100=5 or M0=on");
-    return assignmentOf(takeApart(text.left(equals)), text.mid(equals + 1).split(','), text,
-                        catalogue, format);
-}
 
 // Only values: the address is given by options.
 Assignment assignmentByLetters(const WriteOptions& options, const RegisterCatalogue& catalogue)
 {
-    const AddressParts address = addressOfLetters(options.address);
     QStringList values;
     for (const std::string& value : options.assignments) {
-        const QString text = QString::fromStdString(value);
-        if (text.contains('='))
-            throw Failure(ExitCode::Usage, "'" + text + "': with -r give only values");
-        values += text.split(',');
+        values += QString::fromStdString(value);
+        if (values.last().contains('='))
+            throw Failure(ExitCode::Usage, quoted(values.last()) + ": with -r give only values");
     }
-    return assignmentOf(address, values, address.written + '=' + values.join(','), catalogue,
-                        options.format);
+    return assignmentOf(addressOfLetters(options.address), values.join(','), catalogue,
+                        options.style);
 }
 
 QVector<Assignment> assignmentsOf(const WriteOptions& options, const RegisterCatalogue& catalogue)
 {
-    if (options.address.byLetters())
-        return {assignmentByLetters(options, catalogue)};
     QVector<Assignment> assignments;
-    for (const std::string& text : options.assignments)
-        assignments.append(
-            parseAssignment(QString::fromStdString(text), catalogue, options.format));
+    if (options.address.byLetters()) {
+        assignments.append(assignmentByLetters(options, catalogue));
+    } else {
+        for (const std::string& text : options.assignments)
+            assignments.append(
+                parseAssignment(QString::fromStdString(text), catalogue, options.style));
+    }
+    for (const Assignment& assignment : assignments) {
+        if (!options.force)
+            requireOwnMemory(assignment.asked.range, catalogue);
+    }
     return assignments;
 }
 
@@ -100,13 +60,20 @@ bool mayGoOn(ReplyVerdict problem)
     return problem != ReplyVerdict::LinkLost && problem != ReplyVerdict::Interrupted;
 }
 
+struct Result
+{
+    QString text;
+    ExitCode code = ExitCode::Good;
+    bool mayGoOn = true;
+};
+
 class Writer
 {
 public:
     Writer(Connection& connection, const WriteOptions& options, const OutputOptions& output)
         : m_connection(connection), m_options(options),
           m_forPeople(output.mode == OutputMode::People),
-          m_records(output, {{"address"}, {"written"}, {"result"}})
+          m_records(output, {{"address"}, {"old"}, {"new"}, {"result"}})
     {}
 
     // Returns whether to continue with the next assignment.
@@ -115,13 +82,13 @@ public:
     ExitCode finish();
 
 private:
-    bool verify(const Assignment& assignment);
-    void report(const Assignment& assignment, const QString& result);
-    void fail(ExitCode code);
+    Result resultOf(const Assignment& assignment, QVector<quint32>& before);
+    Result verified(const Assignment& assignment, const QVector<quint32>& wanted,
+                    const WriteOutcome& outcome);
+    QString valuesText(const Assignment& assignment, const QVector<quint32>& registers) const;
+    void report(const Assignment& assignment, const QVector<quint32>& before, const Result& result);
 
     Connection& m_connection;
-    QString shownText(const QString& written) const;
-
     const WriteOptions& m_options;
     bool m_forPeople;
     Records m_records;
@@ -131,58 +98,86 @@ private:
 
 bool Writer::write(const Assignment& assignment)
 {
-    const WriteOutcome outcome =
-        writeRegisters(m_connection.loop(), assignment.range, assignment.values);
-    if (!outcome.isGood()) {
-        report(assignment, failureText(outcome));
-        fail(exitCodeOf(*outcome.problem));
-        return mayGoOn(*outcome.problem);
-    }
-    if (m_options.verify)
-        return verify(assignment);
-    ++m_good;
-    report(assignment, QStringLiteral("acknowledged"));
-    return true;
+    QVector<quint32> before;
+    const Result result = resultOf(assignment, before);
+    report(assignment, before, result);
+    return result.mayGoOn;
 }
 
-bool Writer::verify(const Assignment& assignment)
+// A register that cannot be read may still be written; a PLC that does not answer is not asked to.
+Result Writer::resultOf(const Assignment& assignment, QVector<quint32>& before)
 {
-    const ReplyVerdict verdict = readBack(m_connection.loop(), assignment.range);
+    const RegisterRange& range = assignment.asked.range;
+    if (m_options.verify || assignment.asked.bit) {
+        const ReplyVerdict verdict = readBack(m_connection.loop(), range);
+        const bool mayBeUnknown = verdict == ReplyVerdict::Refused && !assignment.asked.bit;
+        if (verdict != ReplyVerdict::Good && !mayBeUnknown)
+            return {"not written, because it could not be read before: " + verdictText(verdict),
+                    exitCodeOf(verdict), mayGoOn(verdict)};
+        if (verdict == ReplyVerdict::Good)
+            before = m_connection.session().values(range);
+    }
+    const QVector<quint32> wanted = assignment.valuesOver(before);
+    const WriteOutcome outcome = writeRegisters(m_connection.loop(), range, wanted);
+    if (m_options.verify && (outcome.isGood() || mayGoOn(*outcome.problem)))
+        return verified(assignment, wanted, outcome);
+    if (outcome.isGood())
+        return {QStringLiteral("acknowledged")};
+    return {failureText(outcome), exitCodeOf(*outcome.problem), mayGoOn(*outcome.problem)};
+}
+
+// What was written, as the PLC holds it now: that also settles what an unanswered write did.
+Result Writer::verified(const Assignment& assignment, const QVector<quint32>& wanted,
+                        const WriteOutcome& outcome)
+{
+    const RegisterRange& range = assignment.asked.range;
+    const ReplyVerdict verdict = readBack(m_connection.loop(), range);
+    const QString written =
+        outcome.isGood() ? QStringLiteral("acknowledged") : failureText(outcome);
     if (verdict != ReplyVerdict::Good) {
-        report(assignment, "acknowledged, but could not be read back: " + verdictText(verdict));
-        fail(exitCodeOf(verdict));
-        return mayGoOn(verdict);
+        const ReplyVerdict problem = outcome.problem.value_or(verdict);
+        return {written + ", but could not be read back: " + verdictText(verdict),
+                exitCodeOf(problem), mayGoOn(verdict)};
     }
-    if (m_connection.session().values(assignment.range) == assignment.values) {
-        ++m_good;
-        report(assignment, QStringLiteral("verified"));
-        return true;
+    const QVector<quint32> held = m_connection.session().values(range);
+    if (held == wanted)
+        return {outcome.isGood()
+                    ? QStringLiteral("verified")
+                    : "verified, although not acknowledged: " + verdictText(*outcome.problem)};
+    const ExitCode code = outcome.isGood() ? ExitCode::SomeFailed : exitCodeOf(*outcome.problem);
+    const bool isOne = range.count == assignment.registersEach;
+    return {written + ", but the PLC holds " +
+                (isOne ? valuesText(assignment, held) : differencesText(range, wanted, held)),
+            code};
+}
+
+QString Writer::valuesText(const Assignment& assignment, const QVector<quint32>& registers) const
+{
+    QStringList texts;
+    for (int index = 0; index < registers.size(); index += assignment.registersEach) {
+        const QVector<quint32> one = registers.mid(index, assignment.registersEach);
+        texts += valueOf(one, assignment.asked, m_options.style).toVariant().toString();
     }
-    report(assignment, QStringLiteral("acknowledged, but the PLC holds another value"));
-    fail(ExitCode::SomeFailed);
-    return true;
+    return texts.join(',');
 }
 
 void Writer::skip(const Assignment& assignment)
 {
-    report(assignment, QStringLiteral("not written"));
-    fail(ExitCode::SomeFailed);
+    report(assignment, {}, {QStringLiteral("not written"), ExitCode::SomeFailed});
 }
 
-void Writer::report(const Assignment& assignment, const QString& result)
+void Writer::report(const Assignment& assignment, const QVector<quint32>& before,
+                    const Result& result)
 {
-    m_records.add({assignment.range.text(), shownText(assignment.written), result});
-}
-
-QString Writer::shownText(const QString& written) const
-{
-    return m_forPeople ? clipped(written, widestWritten) : written;
-}
-
-void Writer::fail(ExitCode code)
-{
-    if (!m_firstFailure || code == ExitCode::Interrupted)
-        m_firstFailure = code;
+    const QString old = valuesText(assignment, before);
+    const auto shown = [this](const QString& text) {
+        return m_forPeople ? clipped(text, widestValues) : text;
+    };
+    m_records.add({assignment.asked.text(), shown(old), shown(assignment.written), result.text});
+    if (result.code == ExitCode::Good)
+        ++m_good;
+    else if (!m_firstFailure || result.code == ExitCode::Interrupted)
+        m_firstFailure = result.code;
 }
 
 ExitCode Writer::finish()
@@ -219,16 +214,18 @@ void addWriteCommand(CLI::App& app, const CommonOptions& common, Action& action)
     const auto options = std::make_shared<WriteOptions>();
     command
         ->add_option("assignment", options->assignments,
-                     "ADDRESS=VALUE[,VALUE...]; with -r only values")
+                     "ADDRESS=VALUE or ADDRESS:N=VALUE,VALUE...; with -r only values")
         ->type_name("")
         ->required();
     addAddressLetters(*command, options->address);
-    addFormatOption(*command, options->format);
-    command->add_flag("--verify", options->verify,
-                      "Read the values back from the PLC and compare them");
-    addExamples(*command, {"fxhost write D100=5 M100=on --verify",
-                           "fxhost write D10=-1,0x1F D20=3.14 32CV200=70000",
-                           "fxhost write D30=5 --as long", "fxhost write -t D -r 100 1 2 3"});
+    addFormatOption(*command, options->style);
+    addVerifyOption(*command, options->verify);
+    command->add_flag("--force", options->force,
+                      "Write to registers that share their address with others");
+    addExamples(*command,
+                {"fxhost write D100=5 M100=on",
+                 "fxhost write D10:2=-1,0x1F D30:2=70000 D100.5=1 K4M100=255",
+                 "fxhost write D20=3.14 --as float", "fxhost write -t D -r 100 -c 3 1 2 3"});
     command->callback([&action, &common, options] {
         action = [&common, options] { return runWrite(common, *options); };
     });

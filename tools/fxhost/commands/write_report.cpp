@@ -4,10 +4,13 @@
 #include "tools/fxhost/commands/write_report.h"
 
 #include "tools/exchange/blocks.h"
+#include "tools/library/values.h"
 
 namespace fxtools {
 
 namespace {
+
+constexpr int mostNamed = 8;  // registers in one message
 
 // Neighbours as one range.
 QStringList joined(const QVector<RegisterRange>& ranges)
@@ -41,6 +44,28 @@ QString failureText(const WriteOutcome& outcome)
                              .arg(outcome.frames)
                              .arg(verdictText(*outcome.problem));
     return parts.isEmpty() ? text : text + "; " + parts.join(QStringLiteral(", "));
+}
+
+void addVerifyOption(CLI::App& command, bool& verify)
+{
+    command.add_flag_callback(
+        "--verify", [&verify] { verify = true; }, "Read the registers before and after (default)");
+    command.add_flag_callback(
+        "--no-verify", [&verify] { verify = false; }, "Write without reading");
+}
+
+QString differencesText(const RegisterRange& range, const QVector<quint32>& wanted,
+                        const QVector<quint32>& held)
+{
+    QStringList texts;
+    for (int index = 0; index < range.count; ++index) {
+        if (held[index] != wanted[index])
+            texts +=
+                range.nameOf(index) + '=' + valueText(held[index], range.type, ValueFormat::Signed);
+    }
+    const int unnamed = texts.size() - mostNamed;
+    const QString named = texts.mid(0, mostNamed).join(QStringLiteral(", "));
+    return unnamed > 0 ? QStringLiteral("%1 and %2 more").arg(named).arg(unnamed) : named;
 }
 
 }  // namespace fxtools
