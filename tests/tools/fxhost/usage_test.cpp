@@ -67,6 +67,7 @@ const Mistake mistakes[] = {
     {7, "recipe upload /no/such/place.csv D0", "/no/such/place.csv: No such file or directory"},
     {7, "record /no/such/place.jsonl D0", "/no/such/place.jsonl: No such file or directory"},
     {7, "restore /no/such/file", "/no/such/file: No such file or directory"},
+    {2, "series D0 --step 0", "invalid --step 0: use 1 or more, or -2 for 32-bit values"},
     {2, "xyzzy", "unknown command 'xyzzy'; see fxhost --help"},
     {2, "rea D0", "unknown command 'rea'; did you mean 'read'?"},
     {2, "recipe downlaod x", "unknown command 'downlaod'; did you mean 'download'?"},

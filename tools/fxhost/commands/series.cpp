@@ -21,6 +21,10 @@ struct SeriesOptions
 
 ExitCode runSeries(const CommonOptions& common, const SeriesOptions& options)
 {
+    if (options.step < fxStepOf32Bits || options.step == 0)  // which the driver takes as 1
+        throw Failure(ExitCode::Usage,
+                      QStringLiteral("invalid --step %1: use 1 or more, or -2 for 32-bit values")
+                          .arg(options.step));
     const AddressServices services(common);
     const RegisterRange first =
         parseAddress(QString::fromStdString(options.address), services.catalogue);
@@ -54,10 +58,11 @@ void addSeriesCommand(CLI::App& app, const CommonOptions& common, Action& action
         ->required();
     command->add_option("-c,--count", options->copies, "Number of copies (default: 10)")
         ->type_name("N")
-        ->check(CLI::Range(1, mostCopies).description(""));
+        ->check(within({1, mostCopies}));
     command
-        ->add_option("--step", options->step,
-                     "Distance between copies (default: 1; -2 for 32-bit values)")
+        ->add_option(
+            "--step", options->step,
+            "Distance between copies (default: 1); -2 for 32-bit values: two words or one counter")
         ->type_name("N");
     addExamples(*command, {"fxhost series Y6 -c 5", "fxhost series D100 -c 4 --step 10"});
     command->callback([&action, &common, options] {
