@@ -136,6 +136,10 @@ void ExchangeLoop::noteSilence(const Exchange& exchange, bool enquiryAnswered)
 {
     const bool isSilent =
         exchange.verdict == ReplyVerdict::Silence || exchange.verdict == ReplyVerdict::Babble;
+    if (exchange.verdict == ReplyVerdict::Babble && onBabble) {
+        onBabble(exchange.reply + exchange.thrownAway);
+        onBabble = nullptr;
+    }
     m_unansweredInARow = isSilent && !enquiryAnswered ? m_unansweredInARow + 1 : 0;
 }
 

@@ -46,6 +46,9 @@ public:
     // Called after each exchange, with everything that is known about it.
     std::function<void(const Exchange&)> onExchange;
 
+    // Called once, with what came, if something on the line sends by itself.
+    std::function<void(const QByteArray& heard)> onBabble;
+
     // Called when the link is lost during a round. Returns whether it is open again.
     std::function<bool()> onLinkLost;
 

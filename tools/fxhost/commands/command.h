@@ -44,6 +44,7 @@ struct CommonOptions
     int timeoutMs = 0;    // 0: adapts to the line
     int reconnectS = -1;  // -1: the command's default
     int retries = -1;
+    bool tolerant = false;
     int wordsPerFrame = 0;  // 0: the link's, or 32
     OutputOptions output;
 };

@@ -73,6 +73,9 @@ void addPatienceOptions(CLI::App& app, CommonOptions& common)
         ->type_name("N")
         ->check(within({leastWordsPerFrame, mostWordsPerFrame}))
         ->group(linkGroup);
+    app.add_flag("--tolerant", common.tolerant,
+                 "Accept a right reply among extra characters; only its checksum then guards it")
+        ->group(linkGroup);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include "tools/fxhost/commands/connection.h"
 
 #include "tools/link/interrupt.h"
+#include "tools/quoted.h"
 
 namespace fxtools {
 
@@ -29,6 +30,7 @@ ConnectionSettings connectionSettings(const CommonOptions& common,
     if (common.wordsPerFrame > 0 || words)
         settings.session.wordsPerFrame = common.wordsPerFrame > 0 ? common.wordsPerFrame : *words;
     settings.loop.isInterrupted = interrupted;
+    settings.loop.tolerant = common.tolerant;
     if (common.timeoutMs > 0)
         settings.loop.timeout = TimeoutLimits::fixed(common.timeoutMs);
     if (common.reconnectS >= 0)
@@ -50,6 +52,10 @@ Connection::Connection(const ConnectionSettings& settings)
             complain((timestamps ? timestamp() + "  " : QString()) + name + ": " + text);
         };
     m_loop.onLinkLost = [this] { return reconnect(); };
+    m_loop.onBabble = [](const QByteArray& heard) {
+        complain("something on this line sends by itself: " +
+                 quoted(QString::fromLatin1(heard).simplified()));
+    };
     m_keeper.openFirst();
 }
 
