@@ -102,9 +102,11 @@ void ExchangeLoop::sendAndReceive(Exchange& exchange)
         settle(exchange, *waitMs);
     if (exchange.verdict == ReplyVerdict::Late)
         exchange.responseUs = m_heardUs - sentUs;
-    if (exchange.verdict == ReplyVerdict::Good)
+    const bool isTaken = exchange.verdict == ReplyVerdict::Good ||
+                         (exchange.verdict == ReplyVerdict::Surrounded && m_settings.tolerant);
+    if (isTaken)
         m_lastGood = exchange;
-    if (exchange.verdict == ReplyVerdict::Good || exchange.verdict == ReplyVerdict::Late)
+    if (isTaken || exchange.verdict == ReplyVerdict::Late)
         m_timeout.answered(exchange.responseUs);
     else if (!m_link.isOpen())  // sending ENQ may be the first to show it
         exchange.verdict = ReplyVerdict::LinkLost;

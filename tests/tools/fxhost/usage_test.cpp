@@ -183,7 +183,7 @@ TEST(Usage, ALinkMayBeNamedFromWhereTheUserStands)
     const QString before = QDir::currentPath();
     QDir::setCurrent(folder.path());
     for (const char* const link : {"pty:plc", "serial:plc", "pty:./plc"})
-        EXPECT_EQ(fxhost({"--link", link, "doctor"}).code, 0) << link;
+        EXPECT_EQ(fxhost({"--link", link, "read", "D0"}).code, 0) << link;
     QDir::setCurrent(before);
 }
 
