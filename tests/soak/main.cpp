@@ -7,7 +7,8 @@
 
 #include "soak.h"
 
-#include <CLI/CLI.hpp>
+#include <QCommandLineParser>
+#include <QCoreApplication>
 
 #include <cstdio>
 
@@ -21,10 +22,10 @@ constexpr double usPerHour = 3600e6;
 
 struct Options
 {
-    qint64 exchanges = 1000000;  // half a minute
-    unsigned int seed = 1;
-    std::string faults = "mixed:900=0.25,power-cycle:300=0.0005,link-drop:300=0.0005";
-    std::string driver = FX_DRIVER_FILE;
+    qint64 exchanges;
+    unsigned int seed;
+    QString faults;
+    QString driver;
 };
 
 void printProgress(const fxsoak::SoakCounts& counts)
@@ -78,7 +79,7 @@ bool memoryIsLevel(const fxsoak::MemoryTrend& trend)
 
 int run(const Options& options, const fxsim::FaultPlan& faults)
 {
-    const fxtools::DriverLibrary library(QString::fromStdString(options.driver));
+    const fxtools::DriverLibrary library(options.driver);
     fxsoak::Soak soak(library, {options.exchanges, options.seed, faults});
     const fxsoak::MemoryTrend trend = soakAll(soak, options.exchanges);
     const fxsoak::SoakCounts& counts = soak.counts();
@@ -100,25 +101,38 @@ int run(const Options& options, const fxsim::FaultPlan& faults)
     return good ? 0 : 1;
 }
 
+Options parse(const QCoreApplication& application)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QStringLiteral("Soaks the driver in exchanges over a bad line, on simulated time."));
+    parser.addHelpOption();
+    parser.addOptions(
+        {{"exchanges", "how many (default: a million, half a minute)", "N", "1000000"},
+         {"seed", "of everything that is drawn (default: 1)", "N", "1"},
+         {"faults", "as fxsim takes them (default: some of each)", "LIST",
+          "mixed:900=0.25,power-cycle:300=0.0005,link-drop:300=0.0005"},
+         {"driver", "the library to load (default: the one built here)", "FILE", FX_DRIVER_FILE}});
+    parser.process(application);
+    bool isCount = false;
+    bool isSeed = false;
+    const Options options{parser.value("exchanges").toLongLong(&isCount),
+                          parser.value("seed").toUInt(&isSeed), parser.value("faults"),
+                          parser.value("driver")};
+    if (!isCount || options.exchanges < 1 || !isSeed || !parser.positionalArguments().isEmpty())
+        throw fxsim::Error(fxsim::ExitCode::Usage,
+                           QStringLiteral("--exchanges and --seed take a number"));
+    return options;
+}
+
 }  // namespace
 
 int main(int argc, char** argv)
 {
-    Options options;
-    CLI::App app("Soaks the driver in exchanges over a bad line, on simulated time.");
-    app.add_option("--exchanges", options.exchanges, "how many")
-        ->capture_default_str()
-        ->check(CLI::Range(qint64(1), qint64(1000000000)));
-    app.add_option("--seed", options.seed, "of everything that is drawn")->capture_default_str();
-    app.add_option("--faults", options.faults, "as fxsim takes them")->capture_default_str();
-    app.add_option("--driver", options.driver, "the library to load")->check(CLI::ExistingFile);
+    const QCoreApplication application(argc, argv);
     try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? 0 : 2;
-    }
-    try {
-        return run(options, fxsim::parseFaults(QString::fromStdString(options.faults)));
+        const Options options = parse(application);
+        return run(options, fxsim::parseFaults(options.faults));
     } catch (const fxsim::Error& error) {
         std::fprintf(stderr, "soak: %s\n", error.what());
         return 2;

@@ -9,9 +9,7 @@ namespace fxsoak {
 
 namespace {
 
-constexpr int bitsPerByte = 8;
 constexpr int wordsPerFrame = 32;
-constexpr int bitsPerWord = 16;
 
 // clang-format off
 const std::array<PlcRun, plcRunCount> runs = {{

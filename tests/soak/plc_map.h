@@ -15,6 +15,9 @@
 
 namespace fxsoak {
 
+constexpr int bitsPerByte = 8;
+constexpr int bitsPerWord = 16;
+
 struct PlcRun
 {
     const char* type;

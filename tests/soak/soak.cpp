@@ -11,7 +11,6 @@ namespace {
 
 constexpr std::size_t mostBookedWrites = 200;  // below the driver's 513, which drops the last
 constexpr int stepsToFinish = 100000;
-constexpr int bitsPerByte = 8;
 
 // How often the host and the PLC's program do something between two exchanges.
 constexpr double plcChanges = 0.5;

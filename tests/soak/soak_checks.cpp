@@ -10,8 +10,6 @@ namespace fxsoak {
 namespace {
 
 constexpr int mostFindings = 10;
-constexpr int bitsPerByte = 8;
-constexpr int bitsPerWord = 16;
 
 quint32 word(const std::vector<quint16>& words, size_t at, int bits)
 {

@@ -3,13 +3,13 @@
 
 #include "write_book.h"
 
+#include "plc_map.h"
+
 #include <algorithm>
 
 namespace fxsoak {
 
 namespace {
-
-constexpr int bitsPerByte = 8;
 
 bool isSameRequest(const BookedWrite& a, const BookedWrite& b)
 {
