@@ -15,7 +15,7 @@ namespace {
 const int extremes[] = {INT_MIN, INT_MIN + 1, -65537, -8,  -1,   0,     1,           7,      8,
                         253,     254,         512,    513, 8000, 65535, INT_MAX - 1, INT_MAX};
 const int counts[] = {INT_MIN, -1, 0, 1, 2, 3, 253, 254, 512, 513};
-const int hugeCounts[] = {65535, 65536, 65537, INT_MAX - 1, INT_MAX};
+const int hugeCounts[] = {65536, 65537, INT_MAX};
 const int hugeStarts[] = {INT_MIN, 0, INT_MAX - 3};
 const int stations[] = {INT_MIN, 0, 1, INT_MAX};
 const char* const types[] = {"X", "Y",  "M",  "S",  "SM",   "T", "C",
@@ -31,7 +31,6 @@ protected:
     {
         ASSERT_EQ(1, intf_setData(station, type, start, count, buffer.data(), count));
         ASSERT_EQ(1, intf_getData(station, type, start, count, buffer.data()));
-        ASSERT_EQ("", brokenState());
     }
 
     // Two exchanges, one rejected, one answered with zeros of the right frame.
@@ -64,6 +63,7 @@ TEST_F(ExtremeNumbers, InReadsAndWrites)
                 for (const int count : counts)
                     ASSERT_NO_FATAL_FAILURE(
                         readAndWrite(station, QString::fromLatin1(type), start, count));
+                ASSERT_EQ("", brokenState());
             }
             ASSERT_NO_FATAL_FAILURE(exchangeTwice());
         }
@@ -78,6 +78,7 @@ TEST_F(ExtremeNumbers, InCountsThatNoLinkCarries)
             for (const int count : hugeCounts) {
                 setUpDriver("1#0#0#1#32");
                 ASSERT_NO_FATAL_FAILURE(readAndWrite(1, QString::fromLatin1(type), start, count));
+                ASSERT_EQ("", brokenState());
                 ASSERT_LE(driver.dataAreas.size(), fxMaxElements);
                 ASSERT_NO_FATAL_FAILURE(exchangeTwice());
             }
@@ -90,16 +91,14 @@ TEST_F(ExtremeNumbers, InKeys)
     for (const char* type : oneOfEachWidth) {
         for (const int start : hugeStarts) {
             for (const int length : hugeCounts) {
-                for (const char* limit : {"1#0#0#1#32", "1#0#0#1#2147483647"}) {
-                    setUpDriver(limit);
-                    KEY_ADDRESS key = watch(type, start, length, INT_MAX);
-                    QList<KEY_ADDRESS> keys{key};
-                    const int planned = intf_addrMerge(keys);
-                    ASSERT_EQ(planned, driver.readList.size());
-                    ASSERT_LE(planned, fxMaxElements);
-                    ASSERT_EQ(1, intf_addConditionRead(key, INT_MIN));
-                    ASSERT_NO_FATAL_FAILURE(exchangeTwice());
-                }
+                setUpDriver(length == INT_MAX ? "1#0#0#1#2147483647" : "1#0#0#1#32");
+                KEY_ADDRESS key = watch(type, start, length, INT_MAX);
+                QList<KEY_ADDRESS> keys{key};
+                const int planned = intf_addrMerge(keys);
+                ASSERT_EQ(planned, driver.readList.size());
+                ASSERT_LE(planned, fxMaxElements);
+                ASSERT_EQ(1, intf_addConditionRead(key, INT_MIN));
+                ASSERT_NO_FATAL_FAILURE(exchangeTwice());
             }
         }
     }
