@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 #
 # fx_warnings: the compiler's warnings, for every target of the project; fx_hardening: what makes
-# the built objects hard to abuse; and, for whole builds, sanitizers.
+# the built objects hard to abuse; for whole builds, sanitizers; and what makes them fast.
 
 add_library(fx_warnings INTERFACE)
 target_compile_options(fx_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
@@ -27,3 +27,11 @@ if(FX_SANITIZE)
                         -fno-omit-frame-pointer)
     add_link_options(-fsanitize=${FX_SANITIZE})
 endif()
+
+# With FX_FAST_BUILD the sources of these targets are compiled as one: the headers once, the templates
+# behind command lines once.
+function(fx_compile_as_one)
+    if(FX_FAST_BUILD)
+        set_target_properties(${ARGN} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 0)
+    endif()
+endfunction()

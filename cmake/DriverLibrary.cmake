@@ -30,6 +30,9 @@ add_library(fx_driver_objects OBJECT
     protocol/reply_decoding.cpp
     protocol/reply_handling.cpp
     protocol/send_scheduling.cpp)
+fx_compile_as_one(fx_driver_objects)
+# An object of its own all the same: a test replaces it.
+set_source_files_properties(protocol/recipe_requests.cpp PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
 target_include_directories(fx_driver_objects PUBLIC ${PROJECT_SOURCE_DIR})
 target_link_libraries(fx_driver_objects PUBLIC fx_qt_core
                       PRIVATE fx_warnings fx_hardening)
@@ -41,6 +44,7 @@ set_target_properties(fx_driver_objects PROPERTIES
 if(FX_COVERAGE)
     get_target_property(driver_sources fx_driver_objects SOURCES)
     add_library(fx_tested_objects OBJECT ${driver_sources})
+    fx_compile_as_one(fx_tested_objects)
     target_include_directories(fx_tested_objects PUBLIC ${PROJECT_SOURCE_DIR})
     target_link_libraries(fx_tested_objects PUBLIC fx_qt_core PRIVATE fx_warnings)
     # An exception edge at every call is no branch of ours.
