@@ -16,7 +16,7 @@ namespace fxtools {
 
 namespace {
 
-constexpr int redrawEveryMs = 50;
+constexpr int livelyEveryMs = 50;
 constexpr int snapshotEveryMs = 2500;  // where nothing can be redrawn
 constexpr int valueColumns = 28;       // keeps the columns where they are
 
@@ -97,7 +97,7 @@ void showLiveValues(DemoBench& bench, int forMs)
 {
     bench.console.heading(forMs < 0 ? "Live values, until Ctrl-C" : "Live values");
     const qint64 startedUs = bench.loop.elapsedUs();
-    const int drawEveryMs = bench.console.isTerminal() ? redrawEveryMs : snapshotEveryMs;
+    const int drawEveryMs = bench.console.isTerminal() ? livelyEveryMs : snapshotEveryMs;
     qint64 nowUs = startedUs;
     qint64 nextDrawUs = startedUs;
     QStringList last;
