@@ -28,8 +28,10 @@ void removeEmpty(QVector<Table::Column>& columns, QVector<QStringList>& rows)
                         [column](const QStringList& row) { return !row.value(column).isEmpty(); }))
             continue;
         columns.removeAt(column);
-        for (QStringList& row : rows)
-            row.removeAt(column);
+        for (QStringList& row : rows) {
+            if (column < row.size())
+                row.removeAt(column);
+        }
     }
 }
 
@@ -53,6 +55,13 @@ QString timestamp()
 Records::Records(const OutputOptions& options, const QVector<Table::Column>& columns, Shown shown)
     : m_options(options), m_columns(columns), m_shown(shown)
 {
+    for (int column = m_columns.size() - 1; column >= 0 && m_options.mode != OutputMode::Json;
+         --column) {
+        if (m_columns[column].onlyInJson) {
+            m_hidden.append(column);
+            m_columns.removeAt(column);
+        }
+    }
     if (m_options.timestamps)
         m_columns.prepend({QStringLiteral("time")});
     if (m_options.mode != OutputMode::Csv || m_options.quiet)
@@ -66,6 +75,8 @@ Records::Records(const OutputOptions& options, const QVector<Table::Column>& col
 void Records::add(const QVector<QJsonValue>& values)
 {
     QVector<QJsonValue> whole = values;
+    for (const int column : m_hidden)
+        whole.remove(column, column < whole.size() ? 1 : 0);
     if (m_options.timestamps)
         whole.prepend(timestamp());
     if (m_options.mode == OutputMode::Csv)
@@ -93,9 +104,9 @@ void Records::finish()
 QString Records::jsonOf(const QVector<QJsonValue>& values) const
 {
     QVector<JsonMember> members;
-    for (int column = 0; column < m_columns.size(); ++column) {
-        if (!values.value(column).isUndefined())
-            members.append({m_columns[column].title, jsonText(values.value(column))});
+    for (int column = 0; column < values.size(); ++column) {
+        if (!values[column].isUndefined())
+            members.append({m_columns[column].title, jsonText(values[column])});
     }
     return QString::fromUtf8(jsonObject(members + m_options.plc));
 }

@@ -53,6 +53,7 @@ private:
 
     OutputOptions m_options;
     QVector<Table::Column> m_columns;
+    QVector<int> m_hidden;  // columns that are not shown in this mode, the last one first
     Shown m_shown;
     QVector<QVector<QJsonValue>> m_collected;
 };

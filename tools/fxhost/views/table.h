@@ -24,6 +24,7 @@ public:
     {
         QString title;
         Align align = Align::Left;
+        bool onlyInJson = false;
     };
 
     explicit Table(const QVector<Column>& columns) : m_columns(columns) {}

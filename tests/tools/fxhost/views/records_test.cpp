@@ -1,0 +1,53 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// The same records as a table for people, as CSV and as JSON.
+
+#include "tools/fxhost/views/records.h"
+
+#include <gtest/gtest.h>
+
+using namespace fxtools;
+
+namespace {
+
+const QVector<Table::Column> columns = {
+    {"value", Align::Right}, {"type", Align::Left, true}, {"address"}, {"good"}, {"error"}};
+
+std::string printed(const OutputOptions& options, Records::Shown shown = Records::Shown::AtTheEnd)
+{
+    testing::internal::CaptureStdout();
+    Records records(options, columns, shown);
+    records.add({7, "D", "D0", true, QJsonValue::Undefined});
+    records.add({12, "D", "D1"});
+    records.finish();
+    return testing::internal::GetCapturedStdout();
+}
+
+}  // namespace
+
+TEST(Records, ForPeopleSayYesAndLeaveOutEmptyColumns)
+{
+    EXPECT_EQ(printed({}), "  value  address  good\n"
+                           "      7  D0       yes\n"
+                           "     12  D1\n");
+}
+
+TEST(Records, AsCsvHaveEveryColumn)
+{
+    EXPECT_EQ(printed({OutputMode::Csv, false, false, {}}), "value,address,good,error\n"
+                                                            "7,D0,true,\n"
+                                                            "12,D1\n");
+}
+
+TEST(Records, AsJsonKeepTheirOrderAndNameThePlcLast)
+{
+    const QVector<JsonMember> plc = {{"link", jsonText("sim:")}, {"station", jsonText(2)}};
+    const std::string first =
+        R"({"value":7,"type":"D","address":"D0","good":true,"link":"sim:","station":2})";
+    const std::string second =
+        R"({"value":12,"type":"D","address":"D1","link":"sim:","station":2})";
+    const OutputOptions options{OutputMode::Json, false, false, plc};
+    EXPECT_EQ(printed(options), "[\n  " + first + ",\n  " + second + "\n]\n");
+    EXPECT_EQ(printed(options, Records::Shown::AtOnce), first + '\n' + second + '\n');
+}
