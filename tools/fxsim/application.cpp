@@ -73,11 +73,14 @@ void Application::checkView() const
         return;
     if (!ViewTerminal::exists())
         throw Error(ExitCode::Usage, QStringLiteral("--view needs a terminal"));
-    if (m_options.trace && m_options.tracePath.isEmpty() && isatty(STDERR_FILENO) == 1)
+    const bool tracesToTerminal =
+        m_options.trace && m_options.tracePath.isEmpty() && isatty(STDERR_FILENO) == 1;
+    if (tracesToTerminal) {
         throw Error(
             ExitCode::Usage,
             QStringLiteral("--view and --trace both need the terminal; write the trace to a "
                            "file, as in --trace FILE"));
+    }
 }
 
 void Application::preparePlc()

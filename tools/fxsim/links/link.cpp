@@ -28,7 +28,8 @@ void HostConnection::receive(const QByteArray& bytes)
     m_session.receive(bytes, m_link.clock().nowUs());
     sendDue();
     if (const std::optional<int> forMs = m_session.takeLinkDrop())  // not now: it ends this object
-        QTimer::singleShot(0, &m_link, [&link = m_link, forMs] { link.drop(*forMs); });
+        QMetaObject::invokeMethod(
+            &m_link, [&link = m_link, forMs] { link.drop(*forMs); }, Qt::QueuedConnection);
 }
 
 void HostConnection::sendDue()

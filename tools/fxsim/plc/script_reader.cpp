@@ -114,7 +114,8 @@ public:
     {
         const QJsonValue value = take(key);
         QStringList texts;
-        for (const QJsonValue& item : value.isArray() ? value.toArray() : QJsonArray{value}) {
+        const QJsonArray items = value.isArray() ? value.toArray() : QJsonArray{value};
+        for (const QJsonValue& item : items) {
             if (!item.isString())
                 refuseValue(key, QStringLiteral("a condition, as in \"D100 > 5\", or a list"));
             texts.append(item.toString());

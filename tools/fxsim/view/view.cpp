@@ -118,7 +118,7 @@ void View::suspend()
     while (::read(m_suspensions, &info, sizeof info) > 0) {
     }
     m_terminal.leave();
-    ::raise(SIGSTOP);
+    static_cast<void>(::raise(SIGSTOP));
 }
 
 // Nothing tells that the terminal is ours again after it was another's: so it is asked each time.
