@@ -18,6 +18,7 @@
 namespace {
 
 constexpr char ctrlZ = 0x1A;
+constexpr char ctrlS = 0x13;  // holds up the output of a terminal
 const char* const arrowRight = "\x1b[C";
 
 struct Shell : tool_tests::Terminal
@@ -89,6 +90,7 @@ TEST_P(FxsimView, ShowsThePlcTakesKeysAndLeavesTheTerminalAsItWas)
     TcpEnd host(shell.linkName());
     EXPECT_TRUE(shell.waitForText("X0   ○○○○○○○○   Y0   ○○○○○○○○"));
     EXPECT_TRUE(shell.waitForText("q quit"));
+    shell.press(ctrlS);
     shell.type(arrowRight);
     shell.type(" 3");
     EXPECT_TRUE(shell.waitForText("X0   ○■○■○○○○"));

@@ -9,6 +9,7 @@
 
 #include <csignal>
 
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/signalfd.h>
 #include <unistd.h>
@@ -62,6 +63,7 @@ void ViewTerminal::enter()
         return;
     termios settings = m_before;
     settings.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);
+    settings.c_iflag &= ~static_cast<tcflag_t>(IXON);  // Ctrl-S would hold up the PLC
     tcsetattr(STDIN_FILENO, TCSADRAIN, &settings);
     put("\x1b[?1049h\x1b[?25l");
     m_isEntered = true;
@@ -89,8 +91,10 @@ void ViewTerminal::draw(const Panel& panel)
                     characters.mid(at + 1).toLocal8Bit();
         text += line + 1 < panel.lines.size() ? "\x1b[K\r\n" : "\x1b[J";
     }
-    if (text != m_drawn)
-        put(text);
+    pollfd terminal{STDOUT_FILENO, POLLOUT, 0};
+    if (text == m_drawn || ::poll(&terminal, 1, 0) != 1)
+        return;  // nothing new, or a terminal that takes nothing: the PLC does not wait for it
+    put(text);
     m_drawn = text;
 }
 
@@ -141,8 +145,9 @@ void View::readKeys()
 {
     char buffer[readBytes];
     const ssize_t got = ::read(STDIN_FILENO, buffer, sizeof buffer);
-    if (got == 0)
+    if (got <= 0 && ViewTerminal::isInForeground())
         m_actions.quit();  // the terminal is gone
+    m_keys.setEnabled(got > 0);
     for (ssize_t at = 0; at < got; ++at)
         take(buffer[at]);
     refresh();
