@@ -30,7 +30,6 @@ public:
     explicit Table(const QVector<Column>& columns) : m_columns(columns) {}
 
     void add(const QStringList& cells) { m_rows.append(cells); }
-    bool isEmpty() const { return m_rows.isEmpty(); }
 
     // The headings and a line for each row, with two blanks before each cell.
     QStringList lines() const;
