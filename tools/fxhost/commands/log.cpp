@@ -65,9 +65,9 @@ QString errorsOf(const QVector<PolledValue>& values)
 class Logger
 {
 public:
-    Logger(const Connection& connection, const LogOptions& options, OutputMode mode,
+    Logger(const Connection& connection, const LogOptions& options, const OutputOptions& output,
            const QStringList& names)
-        : m_options(options), m_format(mode, connection.link().name(), names),
+        : m_options(options), m_format(output, names),
           m_gap(names.size(), QJsonValue(QJsonValue::Undefined)),
           m_file(fileSettings(options), m_format.heading(), connection.catalogue())
     {}
@@ -121,7 +121,7 @@ ExitCode logUntilStopped(Connection& connection, const CommonOptions& common,
     QStringList names;
     for (const PolledValue& value : values())
         names += value.name;
-    Logger logger(connection, options, common.output.mode, names);
+    Logger logger(connection, options, common.output, names);
     const auto reconnect = connection.loop().onLinkLost;
     connection.loop().onLinkLost = [&] {
         logger.addGap(verdictText(ReplyVerdict::LinkLost));

@@ -22,12 +22,13 @@ struct StatsOptions
     int cycles = 100;
 };
 
-void show(const LineReport& report, OutputMode mode)
+void show(const LineReport& report, const OutputOptions& output)
 {
-    if (mode == OutputMode::Json)
-        Console().line(lineReportJson(report));
+    if (output.mode == OutputMode::Json)
+        Console().line(lineReportJson(report, output.plc));
     else
-        Console().lines(mode == OutputMode::Csv ? lineReportCsv(report) : lineReportLines(report));
+        Console().lines(output.mode == OutputMode::Csv ? lineReportCsv(report)
+                                                       : lineReportLines(report));
 }
 
 // The address for which alone a block is read; empty if there are several.
@@ -86,9 +87,7 @@ ExitCode runStats(const CommonOptions& common, const StatsOptions& options)
     Histogram cycleTimes;
     const ExitCode code = pollCycles(connection, asked, options.cycles,
                                      [&cycleTimes](qint64 cycleUs) { cycleTimes.add(cycleUs); });
-    show({connection.link().name(), blocks, loop.statistics(), cycleTimes, loop.elapsedUs(),
-          loop.timeout()},
-         common.output.mode);
+    show({blocks, loop.statistics(), cycleTimes, loop.elapsedUs(), loop.timeout()}, common.output);
     return code;
 }
 

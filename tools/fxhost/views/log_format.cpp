@@ -48,14 +48,14 @@ bool differs(const LogRow& row, const LogRow& before, double deadband)
 
 QByteArray LogFormat::heading() const
 {
-    if (m_mode == OutputMode::Json)
+    if (m_output.mode == OutputMode::Json)
         return {};
     return csvLine(QStringList("time") + m_names + QStringList("error"));
 }
 
 QByteArray LogFormat::line(const LogRow& row) const
 {
-    if (m_mode == OutputMode::Json)
+    if (m_output.mode == OutputMode::Json)
         return jsonLine(row);
     QStringList cells = {isoTime(row.time)};
     for (const QJsonValue& value : row.values)
@@ -69,11 +69,10 @@ QByteArray LogFormat::jsonLine(const LogRow& row) const
     for (int column = 0; column < m_names.size(); ++column)
         values.append({m_names[column], jsonText(row.values[column])});
     QVector<JsonMember> members = {{"time", jsonText(isoTime(row.time))},
-                                   {"link", jsonText(m_link)},
                                    {"values", jsonObject(values)}};
     if (!row.error.isEmpty())
         members.append({"error", jsonText(row.error)});
-    return jsonObject(members) + '\n';
+    return jsonObject(members + m_output.plc) + '\n';
 }
 
 }  // namespace fxtools

@@ -29,8 +29,8 @@ bool differs(const QJsonValue& value, const QJsonValue& before, double deadband)
 class LogFormat
 {
 public:
-    LogFormat(OutputMode mode, const QString& link, const QStringList& names)
-        : m_mode(mode), m_link(link), m_names(names)
+    LogFormat(const OutputOptions& output, const QStringList& names)
+        : m_output(output), m_names(names)
     {}
 
     QByteArray heading() const;  // "time,D0,D1,error"; none in JSON
@@ -39,8 +39,7 @@ public:
 private:
     QByteArray jsonLine(const LogRow& row) const;
 
-    OutputMode m_mode;
-    QString m_link;
+    OutputOptions m_output;
     QStringList m_names;
 };
 

@@ -3,7 +3,6 @@
 
 #include "tools/fxhost/views/statistics_report.h"
 
-#include "tools/fxhost/views/json_text.h"
 #include "tools/fxhost/views/records.h"
 
 namespace fxtools {
@@ -153,7 +152,7 @@ JsonFields fieldsOf(const LineReport& report)
 {
     const Statistics& statistics = report.statistics;
     const TimeoutLimits& limits = report.timeout.limits();
-    JsonFields fields = {{"link", report.link}};
+    JsonFields fields;
     addExchanges(fields, statistics);
     addBlocks(fields, report.blocks);
     fields += {{"bytesSent", statistics.bytesSent},
@@ -266,9 +265,10 @@ QStringList lineReportLines(const LineReport& report)
     return lines + histogramLines(report.statistics.responses);
 }
 
-QString lineReportJson(const LineReport& report)
+QString lineReportJson(const LineReport& report, const QVector<JsonMember>& plc)
 {
-    return QString::fromUtf8(jsonLines(jsonTree(fieldsOf(report))));
+    const QByteArray measured = jsonTree(fieldsOf(report)).chopped(1);
+    return QString::fromUtf8(jsonLines(measured + ',' + jsonObject(plc).mid(1)));
 }
 
 QStringList lineReportCsv(const LineReport& report)

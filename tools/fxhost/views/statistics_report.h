@@ -7,6 +7,7 @@
 
 #include "tools/exchange/adaptive_timeout.h"
 #include "tools/exchange/statistics.h"
+#include "tools/fxhost/views/json_text.h"
 
 #include <QStringList>
 #include <QVector>
@@ -32,7 +33,6 @@ struct BlockTimes
 // What is known about a line after polling over it.
 struct LineReport
 {
-    QString link;
     QVector<BlockTimes> blocks;
     const Statistics& statistics;
     const Histogram& cycleTimes;
@@ -41,7 +41,7 @@ struct LineReport
 };
 
 QStringList lineReportLines(const LineReport& report);
-QString lineReportJson(const LineReport& report);
+QString lineReportJson(const LineReport& report, const QVector<JsonMember>& plc);
 
 // Lines of "name,value": the members of the JSON, those within others as "responseMs.p50".
 QStringList lineReportCsv(const LineReport& report);

@@ -25,7 +25,10 @@ LogRow rowOf(const QVector<QJsonValue>& values, const QString& error = {})
 
 std::string lineOf(OutputMode mode, const LogRow& row)
 {
-    return LogFormat(mode, "serial:/dev/ttyUSB0", {"D0", "TV3", "X17"}).line(row).toStdString();
+    OutputOptions output;
+    output.mode = mode;
+    output.plc = {{"link", "\"sim:\""}, {"station", "1"}};
+    return LogFormat(output, {"D0", "TV3", "X17"}).line(row).toStdString();
 }
 
 }  // namespace
@@ -39,7 +42,7 @@ TEST(LogFormat, TimesHaveTheirOffset)
 
 TEST(LogFormat, CsvIsWide)
 {
-    const LogFormat format(OutputMode::People, "sim:", {"D0", "D1"});
+    const LogFormat format({}, {"D0", "D1"});
     EXPECT_EQ(format.heading(), "time,D0,D1,error\n");
     EXPECT_EQ(lineOf(OutputMode::Csv, rowOf({-5, "0x1F", 1})),
               "2026-01-31T13:05:00.007+01:00,-5,0x1F,1,\n");
@@ -53,14 +56,17 @@ TEST(LogFormat, CellsThatWereNotReadAreEmpty)
 
 TEST(LogFormat, JsonKeepsTheOrderOfTheColumns)
 {
-    EXPECT_EQ(LogFormat(OutputMode::Json, "sim:", {"D0"}).heading(), "");
+    OutputOptions json;
+    json.mode = OutputMode::Json;
+    EXPECT_EQ(LogFormat(json, {"D0"}).heading(), "");
     EXPECT_EQ(lineOf(OutputMode::Json, rowOf({0.5, 12, 1})),
-              R"({"time":"2026-01-31T13:05:00.007+01:00","link":"serial:/dev/ttyUSB0",)"
-              R"("values":{"D0":0.5,"TV3":12,"X17":1}})"
+              R"({"time":"2026-01-31T13:05:00.007+01:00","values":{"D0":0.5,"TV3":12,"X17":1},)"
+              R"("link":"sim:","station":1})"
               "\n");
     EXPECT_EQ(lineOf(OutputMode::Json, rowOf({unread, 1, unread}, "link lost")),
-              R"({"time":"2026-01-31T13:05:00.007+01:00","link":"serial:/dev/ttyUSB0",)"
-              R"("values":{"D0":null,"TV3":1,"X17":null},"error":"link lost"})"
+              R"({"time":"2026-01-31T13:05:00.007+01:00",)"
+              R"("values":{"D0":null,"TV3":1,"X17":null},"error":"link lost",)"
+              R"("link":"sim:","station":1})"
               "\n");
 }
 

@@ -64,7 +64,7 @@ TEST(LineReports, SayWhatABlockCosts)
     BlockTimes asked{"D0 … D31", 32, {}, 10, 0, 340000, 40000};
     BlockTimes alone{"D140", 1, "D140", 10, 2, 296000, 90000};
     const Statistics statistics;
-    const LineReport report{"sim:", {asked, alone}, statistics, {}, 0, AdaptiveTimeout({})};
+    const LineReport report{{asked, alone}, statistics, {}, 0, AdaptiveTimeout({})};
     const QStringList lines = lineReportLines(report);
     const int first =
         lines.indexOf("  block     registers  ms  ms per register  longest, ms  errors");
@@ -74,5 +74,7 @@ TEST(LineReports, SayWhatABlockCosts)
     EXPECT_EQ(lines[first + 3], "  without D140: 37 ms a cycle less");
     EXPECT_TRUE(lineReportCsv(report).contains("blocks.1.msPerRegister,37"));
     EXPECT_TRUE(lineReportCsv(report).contains("blocks.1.errorPercent,20"));
-    EXPECT_TRUE(lineReportJson(report).startsWith("{\n    \"link\": \"sim:\",\n"));
+    const QString json = lineReportJson(report, {{"link", "\"sim:\""}});
+    EXPECT_TRUE(json.startsWith("{\n    \"exchanges\": {")) << json.toStdString();
+    EXPECT_TRUE(json.endsWith(",\n    \"link\": \"sim:\"\n}")) << json.toStdString();
 }
