@@ -5,6 +5,7 @@
 
 #include "tools/fxsim/options.h"
 
+#include "tools/fxsim/plc/closest_word.h"
 #include "tools/fxsim/plc/number_text.h"
 
 #include <CLI/CLI.hpp>
@@ -265,6 +266,16 @@ void addBench(OptionGroup group, Options& options, bool& faultHelpAsked)
     group.flag("--no-commands", options.noCommands, "Read no commands from standard input");
 }
 
+// For the first word that is none of the options.
+QString meantOption(const CLI::App& app)
+{
+    QStringList names;
+    for (const CLI::Option* option : app.get_options())
+        names.append(QString::fromStdString(option->get_name()));
+    const std::vector<std::string> strange = app.remaining();
+    return strange.empty() ? QString() : didYouMean(QString::fromStdString(strange.front()), names);
+}
+
 void checkTogether(Options& options)
 {
     if (options.settings.timing.baud == 0 && !options.serialDevice.isEmpty())
@@ -295,7 +306,8 @@ std::optional<Options> parseOptions(int argumentCount, const char* const* argume
         checkTogether(options);
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() != 0)
-            throw Error(ExitCode::Usage, advice.arg(quotable(QString::fromUtf8(error.what()))));
+            throw Error(ExitCode::Usage,
+                        advice.arg(quotable(QString::fromUtf8(error.what())) + meantOption(app)));
         app.exit(error);
         return std::nullopt;
     } catch (const Error& error) {

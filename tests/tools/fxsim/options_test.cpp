@@ -154,6 +154,8 @@ TEST(Options, MistakesAreExplained)
          "lists all faults"},
         {{"--serial", "/dev/null", "--baud", "0"}, "--serial needs a speed: --baud 0 has none"},
         {{"--tell", "quit"}, "--tell requires --control"},
+        {{"--sirial"},
+         "The following argument was not expected: --sirial (did you mean --serial?)"},
         {{"plc"}, "The following argument was not expected: plc"},
     };
     for (const auto& row : rows)

@@ -3,6 +3,7 @@
 
 #include "tools/fxsim/control/control.h"
 
+#include "tools/fxsim/plc/closest_word.h"
 #include "tools/fxsim/plc/memory_image.h"
 #include "tools/fxsim/plc/number_text.h"
 
@@ -251,11 +252,14 @@ QByteArray help(const Bench&)
 
 const CommandRow& findCommand(const QString& name)
 {
+    QStringList names;
     for (const CommandRow& row : commands) {
         if (name == QLatin1String(row.name))
             return row;
+        names.append(QLatin1String(row.name));
     }
-    refuse(QStringLiteral("unknown command '%1'; 'help' lists all commands").arg(quotable(name)));
+    refuse(QStringLiteral("unknown command '%1'%2; 'help' lists all commands")
+               .arg(quotable(name), didYouMean(name, names)));
 }
 
 }  // namespace

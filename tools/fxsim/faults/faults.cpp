@@ -5,6 +5,7 @@
 
 #include "tools/fxsim/faults/faults.h"
 
+#include "tools/fxsim/plc/closest_word.h"
 #include "tools/fxsim/plc/number_text.h"
 
 #include <QStringList>
@@ -58,6 +59,14 @@ constexpr int mixedKinds = faultKinds - firstMixed;
 [[noreturn]] void refuse(const QString& why)
 {
     throw Error(ExitCode::Usage, why);
+}
+
+QStringList faultNames()
+{
+    QStringList names{QLatin1String(mixedName)};
+    for (const FaultFacts& row : facts)
+        names.append(QLatin1String(row.name));
+    return names;
 }
 
 const FaultFacts* findFacts(const QString& name)
@@ -160,7 +169,8 @@ void appendItem(FaultPlan& plan, const QString& item)
     const QString value = named.section(':', 1);
     const FaultFacts* row = findFacts(name);
     if (row == nullptr && name != QLatin1String(mixedName))
-        refuse(QStringLiteral("unknown fault; 'help' in place of the plan lists all faults"));
+        refuse(QStringLiteral("unknown fault%1; 'help' in place of the plan lists all faults")
+                   .arg(didYouMean(name, faultNames())));
     FaultRule rule = parseWhen(item, whenAt);
     if (row == nullptr) {
         appendMixed(plan, rule, value);

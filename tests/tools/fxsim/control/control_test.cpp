@@ -67,6 +67,9 @@ TEST_F(ControlTest, AnswersEachCommand)
         {"drop-link -1", "error: invalid time in ms '-1': expected 0 to 600000\n"},
         {"load /nonexistent", "error: /nonexistent: No such file or directory\n"},
         {"", ""},
+        {"power-cicle",
+         "error: unknown command 'power-cicle' (did you mean power-cycle?); 'help' lists all "
+         "commands\n"},
         {"jump", "error: unknown command 'jump'; 'help' lists all commands\n"},
         {"peek", "error: usage: peek PLACE [COUNT]\n"},
         {"poke D100 -2 65535 0x10", "ok\n"},

@@ -76,8 +76,12 @@ TEST(FaultPlan, MixedSharesItsRateAmongTheFaultsOfTheLine)
 
 TEST(FaultPlan, SaysWhatIsWrong)
 {
-    EXPECT_EQ(errorOf("silent=0.1"),
-              "fault 'silent=0.1': unknown fault; 'help' in place of the plan lists all faults");
+    EXPECT_EQ(
+        errorOf("silent=0.1"),
+        "fault 'silent=0.1': unknown fault (did you mean silence?); 'help' in place of the plan "
+        "lists all faults");
+    EXPECT_EQ(errorOf("noise=0.1"),
+              "fault 'noise=0.1': unknown fault; 'help' in place of the plan lists all faults");
     EXPECT_EQ(errorOf("silence"),
               "fault 'silence': add a rate or exchanges, as in NAME=0.05 or NAME@3");
     EXPECT_EQ(errorOf("nak@2,silence=1.5"),
