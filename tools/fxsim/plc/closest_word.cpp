@@ -20,10 +20,10 @@ int editsBetween(const QString& from, const QString& to)
 {
     QVector<int> row(to.size() + 1);
     std::iota(row.begin(), row.end(), 0);
-    for (int at = 0; at < from.size(); ++at) {
+    for (const QChar character : from) {
         int diagonal = row[0]++;
         for (int column = 1; column <= to.size(); ++column) {
-            const int changed = diagonal + (from[at] == to[column - 1] ? 0 : 1);
+            const int changed = diagonal + (character == to[column - 1] ? 0 : 1);
             diagonal = row[column];
             row[column] = std::min({changed, row[column] + 1, row[column - 1] + 1});
         }
