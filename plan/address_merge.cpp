@@ -13,6 +13,7 @@
 #include <array>
 #include <map>
 #include <numeric>
+#include <optional>
 #include <tuple>
 #include <vector>
 
@@ -104,19 +105,18 @@ Block openBlock(const Group& group, const Piece& piece)
     return {group, bitAreaStart(piece.addressIndex), static_cast<int>(bytesOfBits(piece.count))};
 }
 
-// Makes `block` cover `next` too. False when that does not fit a frame: `next` opens a new block.
-bool stretchOver(Block& block, const Block& next)
+// The count with which `block` covers `next` too; none when that does not fit a frame.
+std::optional<int> countOverBoth(const Block& block, const Block& next)
 {
     const RegisterType& type = *block.group.type;
     const qint64 elementsPerCount = isBit(type) ? bitsPerArea : 1;
     const qint64 end = next.addressIndex + elementsPerCount * next.count;
     if (end <= block.addressIndex + elementsPerCount * block.count)
-        return true;  // already covered
+        return block.count;  // already covered
     const qint64 span = end - block.addressIndex;
     if (span > requestLimit(type))
-        return false;
-    block.count = static_cast<int>(isBit(type) ? bytesOfBits(span) : span);
-    return true;
+        return std::nullopt;
+    return static_cast<int>(isBit(type) ? bytesOfBits(span) : span);
 }
 
 // Only the block opened last can grow; there is no limit on the gap that it bridges.
@@ -125,7 +125,10 @@ void mergeGroup(const Group& group, const std::vector<Piece>& pieces, std::vecto
     const std::size_t firstOfGroup = blocks.size();
     for (const Piece& piece : pieces) {
         const Block next = openBlock(group, piece);
-        if (blocks.size() == firstOfGroup || !stretchOver(blocks.back(), next))
+        const bool isFirst = blocks.size() == firstOfGroup;
+        if (const auto both = isFirst ? std::nullopt : countOverBoth(blocks.back(), next))
+            blocks.back().count = *both;
+        else
             blocks.push_back(next);
     }
 }
