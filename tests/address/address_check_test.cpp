@@ -59,11 +59,6 @@ struct Row
     int number;
 };
 
-std::ostream& operator<<(std::ostream& out, const Row& row)
-{
-    return out << row.registerType << ' ' << row.text << " count " << row.count;
-}
-
 bool isBitType(const std::string& type)
 {
     return type == "X" || type == "Y" || type == "M" || type == "S" || type == "SM" ||

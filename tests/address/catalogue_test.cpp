@@ -7,7 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -49,11 +48,6 @@ struct Row
     Texts fields;  // format, lowest, highest, width, write
     int result;
 };
-
-std::ostream& operator<<(std::ostream& out, const Row& row)
-{
-    return out << row.registerType;
-}
 
 class RegisterDescription : public ::testing::TestWithParam<Row>
 {};

@@ -8,7 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include <ostream>
 #include <string>
 
 namespace {
@@ -24,11 +23,6 @@ struct Row
     int code;
     int number;
 };
-
-std::ostream& operator<<(std::ostream& out, const Row& row)
-{
-    return out << row.registerType << ' ' << row.text;
-}
 
 std::string rowName(const ::testing::TestParamInfo<Row>& info)
 {

@@ -8,7 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -43,11 +42,6 @@ struct Row
     Texts texts;
     Numbers values;
 };
-
-std::ostream& operator<<(std::ostream& out, const Row& row)
-{
-    return out << row.registerType << row.startIndex << " x " << row.copies << " step " << row.step;
-}
 
 std::string rowName(const ::testing::TestParamInfo<Row>& info)
 {

@@ -7,8 +7,6 @@
 #include "cache/data_areas.h"
 #include "tests/support/driver_fixture.h"
 
-#include <ostream>
-
 namespace {
 int indexOf(const char* registerType, int startIndex, int stationNo = 1)
 {
@@ -81,11 +79,6 @@ struct Row
     int on;
     int result;
 };
-
-std::ostream& operator<<(std::ostream& out, const Row& row)
-{
-    return out << row.value << " bit " << row.bit << " on " << row.on;
-}
 
 class BitValue : public ::testing::TestWithParam<Row>
 {};

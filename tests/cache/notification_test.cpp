@@ -7,8 +7,6 @@
 #include "cache/notification.h"
 #include "tests/support/driver_fixture.h"
 
-#include <ostream>
-
 namespace {
 class Notification : public DriverTest
 {
@@ -110,11 +108,6 @@ struct Row
     int oldBits;
     Texts reported;
 };
-
-std::ostream& operator<<(std::ostream& out, const Row& row)
-{
-    return out << row.newBits << " after " << row.oldBits;
-}
 
 class WholeByte : public DriverTest, public ::testing::WithParamInterface<Row>
 {};

@@ -5,8 +5,6 @@
 
 #include "tests/support/driver_fixture.h"
 
-#include <ostream>
-
 namespace {
 class WriteRequests : public DriverTest
 {
@@ -94,11 +92,6 @@ struct Row
     int wordCount;
     const char* queued;
 };
-
-std::ostream& operator<<(std::ostream& out, const Row& row)
-{
-    return out << row.queued;
-}
 
 class WordPieces : public WriteRequests, public ::testing::WithParamInterface<Row>
 {};

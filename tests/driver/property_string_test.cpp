@@ -6,8 +6,6 @@
 
 #include "tests/support/driver_fixture.h"
 
-#include <ostream>
-
 namespace {
 struct Row
 {
@@ -17,11 +15,6 @@ struct Row
     int maxWords;
     int maxBits;
 };
-
-std::ostream& operator<<(std::ostream& out, const Row& row)
-{
-    return out << row.propertyString;
-}
 
 std::vector<int> propertyFields()
 {

@@ -8,8 +8,6 @@
 
 #include "tests/support/driver_fixture.h"
 
-#include <ostream>
-
 struct MonitoredRange
 {
     const char* registerType;
@@ -24,11 +22,6 @@ struct PlanRow
     std::vector<MonitoredRange> ranges;
     const char* plan;  // counts are words, counters or, of bit types, bytes
 };
-
-inline std::ostream& operator<<(std::ostream& out, const PlanRow& row)
-{
-    return out << row.plan;
-}
 
 inline std::string nameOf(const ::testing::TestParamInfo<PlanRow>& row)
 {

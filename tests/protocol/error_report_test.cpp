@@ -6,8 +6,6 @@
 #include "protocol/error_report.h"
 #include "tests/support/driver_fixture.h"
 
-#include <ostream>
-
 namespace {
 struct Row
 {
@@ -19,11 +17,6 @@ struct Row
     int replyBytes;
     const char* text;
 };
-
-std::ostream& operator<<(std::ostream& out, const Row& row)
-{
-    return out << row.text;
-}
 
 class ErrorReport : public DriverTest, public ::testing::WithParamInterface<Row>
 {};

@@ -6,8 +6,6 @@
 #include "protocol/frame_codec.h"
 #include "tests/support/driver_fixture.h"
 
-#include <ostream>
-
 namespace {
 struct Row
 {
@@ -19,11 +17,6 @@ struct Row
     int replyLength;
     int replyDataChars;
 };
-
-std::ostream& operator<<(std::ostream& out, const Row& row)
-{
-    return out << row.registerType << row.addressIndex << '/' << row.count;
-}
 
 std::string rowName(const ::testing::TestParamInfo<Row>& info)
 {

@@ -6,8 +6,6 @@
 
 #include "tests/support/driver_fixture.h"
 
-#include <ostream>
-
 namespace {
 struct Row
 {
@@ -18,12 +16,6 @@ struct Row
     bool goesDown;
     bool goesUp;
 };
-
-std::ostream& operator<<(std::ostream& out, const Row& row)
-{
-    return out << row.registerType << " count " << row.wordCount << " offset "
-               << row.recipeWordOffset;
-}
 
 class RecipeLimits : public DriverTest, public ::testing::WithParamInterface<Row>
 {

@@ -6,8 +6,6 @@
 #include "protocol/frame_codec.h"
 #include "tests/support/driver_fixture.h"
 
-#include <ostream>
-
 namespace {
 struct Waiting
 {
@@ -27,11 +25,6 @@ struct Row
     const char* reply;
     int answer;
 };
-
-std::ostream& operator<<(std::ostream& out, const Row& row)
-{
-    return out << row.reply;
-}
 
 std::string rowName(const ::testing::TestParamInfo<Row>& info)
 {

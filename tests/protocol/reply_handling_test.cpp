@@ -5,8 +5,6 @@
 
 #include "tests/support/driver_fixture.h"
 
-#include <ostream>
-
 namespace {
 class ReplyHandling : public DriverTest
 {
@@ -121,11 +119,6 @@ struct Row
     const char* propertyString;
     std::vector<int> results;
 };
-
-std::ostream& operator<<(std::ostream& out, const Row& row)
-{
-    return out << row.propertyString;
-}
 
 class FailLimit : public DriverTest, public ::testing::WithParamInterface<Row>
 {};

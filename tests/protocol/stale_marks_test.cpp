@@ -5,8 +5,6 @@
 
 #include "tests/support/driver_fixture.h"
 
-#include <ostream>
-
 namespace {
 struct Row
 {
@@ -16,11 +14,6 @@ struct Row
     int count;
     const char* marked;
 };
-
-std::ostream& operator<<(std::ostream& out, const Row& row)
-{
-    return out << row.registerType << row.start << '/' << row.count;
-}
 
 class StaleMarks : public DriverTest, public ::testing::WithParamInterface<Row>
 {};

@@ -6,8 +6,6 @@
 #include "protocol/frame_codec.h"
 #include "tests/support/driver_fixture.h"
 
-#include <ostream>
-
 namespace {
 struct Row
 {
@@ -17,11 +15,6 @@ struct Row
     Bytes data;
     const char* frame;
 };
-
-std::ostream& operator<<(std::ostream& out, const Row& row)
-{
-    return out << row.registerType << row.addressIndex;
-}
 
 class WriteFrame : public DriverTest, public ::testing::WithParamInterface<Row>
 {};
