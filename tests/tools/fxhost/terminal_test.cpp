@@ -130,6 +130,16 @@ TEST_F(TerminalViews, OneTableStaysWhileALinkIsLost)
     expectCleanEnd(terminal, ctrlC);
 }
 
+TEST_F(TerminalViews, WatchNamesWhatItShowsAsItWasAskedFor)
+{
+    Terminal terminal(linked({"watch", "D8000", "M8000:24", "D0.3", "K2X0", "-n", "1"}), 80, 24);
+    EXPECT_EQ(terminal.waitForEnd(), 0);
+    QStringList names;
+    for (const QString& line : terminal.screen().lines().mid(1))
+        names += line.simplified().section(' ', 0, 0);
+    EXPECT_EQ(names.join(' '), "D8000 M8000:16 M8016:8 D0.3 K2X0");
+}
+
 // Each key does its work while the program waits for the next cycle, for a day.
 TEST_F(TerminalViews, KeysDoNotWaitForTheNextCycle)
 {
