@@ -79,8 +79,8 @@ fxsim> peek 0x0C04 4
 )"},
     {"watch", R"(fxsim> poke 0x1000 7
 fxhost> watch D0:2 -n 3 -l 0 --json | grep -o .*"value":.
-{"address":"D0","value":7
-{"address":"D1","value":0
+{"address":"D0","type":"D","value":7
+{"address":"D1","type":"D","value":0
 fxsim> poke 0x1000 8
 fxhost> watch D0:2 -1 --csv -q
 D0,8,

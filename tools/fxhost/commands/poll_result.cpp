@@ -34,6 +34,7 @@ QVector<PolledValue> polledValues(const Poller& poller, const AskedAddress& aske
     QVector<PolledValue> values;
     for (int index = 0; index < asked.range.count; index += step) {
         PolledValue polled;
+        polled.type = asked.range.type.name;
         polled.name = style.format == ValueFormat::Text ? asked.text() : asked.nameOf(index);
         for (int part = index; part < index + step && !polled.problem; ++part)
             polled.problem = poller.problemOf(asked.range, part);

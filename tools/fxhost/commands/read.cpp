@@ -36,11 +36,12 @@ ExitCode runRead(const CommonOptions& common, const ReadOptions& options)
         complain(QStringLiteral("interrupted before everything was read"));
         return ExitCode::Interrupted;
     }
-    Records records(common.output, {{"address"}, {"value", Align::Right}, {"error"}});
+    Records records(common.output,
+                    {{"address"}, {"type", Align::Left, true}, {"value", Align::Right}, {"error"}});
     PollResult result;
     for (const PolledValue& polled : polledValues(poller, asked, options.style)) {
         result.count(polled);
-        records.add({polled.name, polled.value, polled.error()});
+        records.add({polled.name, polled.type, polled.value, polled.error()});
     }
     records.finish();
     return result.exitCode();

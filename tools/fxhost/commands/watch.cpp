@@ -19,7 +19,8 @@ class Watcher
 public:
     Watcher(const WatchOptions& options, const OutputOptions& output)
         : m_options(options),
-          m_changes(output, {{"address"}, {"value"}, {"error"}}, Records::Shown::AtOnce)
+          m_changes(output, {{"address"}, {"type", Align::Left, true}, {"value"}, {"error"}},
+                    Records::Shown::AtOnce)
     {}
 
     void show(const QVector<PolledValue>& values);
@@ -41,7 +42,7 @@ void Watcher::show(const QVector<PolledValue>& values)
         m_lastCycle.count(polled);
         if (!isNew(polled))
             continue;
-        m_changes.add({polled.name, polled.value, polled.error()});
+        m_changes.add({polled.name, polled.type, polled.value, polled.error()});
         m_shown.insert(polled.name, polled);
     }
 }

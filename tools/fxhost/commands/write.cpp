@@ -73,7 +73,8 @@ public:
     Writer(Connection& connection, const WriteOptions& options, const OutputOptions& output)
         : m_connection(connection), m_options(options),
           m_forPeople(output.mode == OutputMode::People),
-          m_records(output, {{"address"}, {"old"}, {"new"}, {"result"}})
+          m_records(output,
+                    {{"address"}, {"type", Align::Left, true}, {"old"}, {"new"}, {"result"}})
     {}
 
     // Returns whether to continue with the next assignment.
@@ -173,7 +174,9 @@ void Writer::report(const Assignment& assignment, const QVector<quint32>& before
     const auto shown = [this](const QString& text) {
         return m_forPeople ? clipped(text, widestValues) : text;
     };
-    m_records.add({assignment.asked.text(), shown(old), shown(assignment.written), result.text});
+    m_records.add({assignment.asked.text(), assignment.asked.range.type.name,
+                   before.isEmpty() ? QJsonValue(QJsonValue::Undefined) : shown(old),
+                   shown(assignment.written), result.text});
     if (result.code == ExitCode::Good)
         ++m_good;
     else if (!m_firstFailure || result.code == ExitCode::Interrupted)

@@ -101,6 +101,12 @@ void Records::finish()
     Console().line("[\n" + objects.join(QStringLiteral(",\n")) + "\n]");
 }
 
+bool Records::hasColumn(const QString& title) const
+{
+    return std::any_of(m_columns.begin(), m_columns.end(),
+                       [&title](const Table::Column& column) { return column.title == title; });
+}
+
 QString Records::jsonOf(const QVector<QJsonValue>& values) const
 {
     QVector<JsonMember> members;
@@ -108,7 +114,11 @@ QString Records::jsonOf(const QVector<QJsonValue>& values) const
         if (!values[column].isUndefined())
             members.append({m_columns[column].title, jsonText(values[column])});
     }
-    return QString::fromUtf8(jsonObject(members + m_options.plc));
+    for (const JsonMember& member : m_options.plc) {
+        if (!hasColumn(member.first))
+            members.append(member);
+    }
+    return QString::fromUtf8(jsonObject(members));
 }
 
 QStringList Records::textsOf(const QVector<QJsonValue>& values) const

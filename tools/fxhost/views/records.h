@@ -25,7 +25,7 @@ struct OutputOptions
     OutputMode mode = OutputMode::People;
     bool timestamps = false;
     bool quiet = false;       // no headings, no summary
-    QVector<JsonMember> plc;  // which one answers: behind the members of every JSON record
+    QVector<JsonMember> plc;  // which one answers: behind the columns of every JSON record
 };
 
 class Records
@@ -45,6 +45,7 @@ public:
     void finish();
 
 private:
+    bool hasColumn(const QString& title) const;
     QString jsonOf(const QVector<QJsonValue>& values) const;
     void showAtOnce(const QVector<QJsonValue>& values);
     void showTable() const;
