@@ -51,6 +51,7 @@ if(TARGET fxhost)
     install(DIRECTORY packaging/completion/ COMPONENT tools
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 
+    install(FILES docs/json-schema.json DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT tools)
     install(FILES packaging/systemd/fxhost-log@.service COMPONENT tools
         DESTINATION lib/systemd/system)
 

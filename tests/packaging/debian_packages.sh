@@ -94,6 +94,7 @@ END
 ./usr/share/bash-completion/completions/fxsim
 ./usr/share/doc/fx-tools/changelog.gz
 ./usr/share/doc/fx-tools/copyright
+./usr/share/doc/fx-tools/json-schema.json
 ./usr/share/man/man1/fxhost.1.gz
 ./usr/share/man/man1/fxsim.1.gz
 END

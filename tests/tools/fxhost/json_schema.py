@@ -1,0 +1,105 @@
+#!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+# SPDX-License-Identifier: MIT
+#
+# usage: json_schema.py FXHOST DRIVER SCHEMA
+# Runs every command that prints JSON and compares the output with the documented schema: the types of
+# members, their order, and that none is unknown or never printed.
+
+import json
+import os
+import subprocess
+import sys
+import tempfile
+
+import jsonschema
+
+# The entry of the schema, and command lines; those below use the files of those above.
+COMMANDS = [
+    ("types", "types"),
+    ("check", "check D100 X18 D8200"),
+    ("series", "series D100 -c 3"),
+    ("plan", "plan D0:4 D8 M0"),
+    ("read", "read D0:2 M0 32CV200"),
+    ("read", "read D0 --link sim:?faults=nak=1"),
+    ("read", "read D20 --as float"),
+    ("watch", "watch D0:2 M0 -n 2 -l 1"),
+    ("write", "write D100=5 M100=on"),
+    ("monitor", "monitor D0:2"),
+    ("stats", "stats D0:4 -n 2"),
+    ("doctor", "doctor"),
+    ("dump", "dump plc.csv D100:4"),
+    ("restore", "restore plc.csv"),
+    ("recipe", "recipe upload recipe.csv D100:4"),
+    ("recipe", "recipe download recipe.csv"),
+    ("record", "record session.jsonl D0 -n 2"),
+    ("replay", "replay session.jsonl"),
+    ("log", "log D0:2 M0 -n 2 -l 1"),
+    ("log", "log D0 -n 1 --link sim:?faults=nak=1"),
+]
+
+
+class Checker:
+    """Members are known, in the order of "properties", and each one of the schema is printed somewhere."""
+
+    def __init__(self, schema):
+        self.definitions = schema["$defs"]
+        self.never_printed = set()
+        self.collect(schema)
+
+    def collect(self, schema):
+        if isinstance(schema, list):
+            for item in schema:
+                self.collect(item)
+        elif isinstance(schema, dict):
+            for name, member in schema.get("properties", {}).items():
+                self.never_printed.add((id(schema["properties"]), name))
+            for item in schema.values():
+                self.collect(item)
+
+    def check(self, value, schema, where):
+        while "$ref" in schema:
+            schema = self.definitions[schema["$ref"].rsplit("/", 1)[1]]
+        if isinstance(value, list):
+            for item in value:
+                self.check(item, schema["items"], where)
+        elif isinstance(value, dict) and "properties" in schema:
+            known = schema["properties"]
+            ordered = [name for name in known if name in value]
+            if list(value) != ordered:
+                raise SystemExit(f"{where}: has {list(value)}, documented are {list(known)}")
+            for name, member in value.items():
+                self.never_printed.discard((id(known), name))
+                self.check(member, known[name], f"{where}.{name}")
+
+
+def documents(text):
+    """One document, or one on each line."""
+    if text.startswith(("[", "{\n")):
+        return [json.loads(text)]
+    return [json.loads(line) for line in text.splitlines()]
+
+
+def main(fxhost, driver, schema_file):
+    with open(schema_file, encoding="utf-8") as file:
+        schema = json.load(file)
+    checker = Checker(schema)
+    environment = dict(os.environ, FX_DRIVER=driver, FX_LINK="sim:")
+    with tempfile.TemporaryDirectory() as folder:
+        for name, line in COMMANDS:
+            ended = subprocess.run([fxhost, "--json", "--timestamps", *line.split()], cwd=folder, env=environment,
+                                   stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=False,
+                                   timeout=60)
+            checker.never_printed.discard((id(schema["properties"]), name))
+            printed = documents(ended.stdout.decode())
+            if not printed:
+                raise SystemExit(f"fxhost {line}: printed nothing")
+            entry = schema["properties"][name]
+            for document in printed:
+                jsonschema.validate(document, {**entry, "$defs": schema["$defs"]})
+                checker.check(document, entry, name)
+    if checker.never_printed:
+        raise SystemExit(f"never printed: {sorted(name for _, name in checker.never_printed)}")
+
+
+main(*sys.argv[1:])
