@@ -4,11 +4,63 @@
 // Planning with numbers that no sane host gives: limits of 0 and less or without end, lengths
 // beyond what the wire can address, starts near the largest integer.
 
-#include "tests/support/driver_fixture.h"
+#include "tests/plan/plan_of_ranges.h"
 
 namespace {
 constexpr int largest = 2147483647;
 constexpr int smallest = -2147483647 - 1;
+
+class OddRanges : public PlanOfRanges
+{};
+
+TEST_P(OddRanges, GivePlan)
+{
+    mergeAndCompare();
+}
+
+const PlanRow rows[] = {
+    {"LimitOfZeroIsOneWord", 0, {{"D", 5, 3}}, "1#D5/1 1#D6/1 1#D7/1"},
+    {"LimitBelowZeroIsOneWord", -1, {{"D", 5, 2}}, "1#D5/1 1#D6/1"},
+    {"SmallestLimitIsOneWord", smallest, {{"D", 5, 2}}, "1#D5/1 1#D6/1"},
+    {"LimitOfZeroIsEightBits", 0, {{"M", 0, 20}}, "1#M0/1 1#M8/1 1#M16/1"},
+    {"SmallestLimitIsEightBits", smallest, {{"M", 0, 9}}, "1#M0/1 1#M8/1"},
+    {"LargestLimitDoesNotOverflow",
+     largest,
+     {{"D", 0, 10}, {"D", 5000, 5}, {"M", 0, 1}, {"M", 3000, 1}},
+     "1#M0/376 1#D0/5005"},
+    {"LimitBeyondTheWireIsNoLimitOfBlocks", 100000, {{"D", 0, 1}, {"D", 80000, 1}}, "1#D0/80001"},
+    {"NeitherEndNorLimit", largest, {{"D", 0, largest}}, "1#D0/65536"},
+    {"BlocksAtTheLargestNumber",
+     32,
+     {{"D", largest - 5, 3},
+      {"D", largest - 1, 2},
+      {"D", largest, 1},
+      {"M", largest - 9, 2},
+      {"M", largest, 1}},
+     "1#M2147483632/2 1#D2147483642/6"},
+    {"BothEndsOfTheNumbersNeverJoin",
+     largest,
+     {{"D", smallest, 1}, {"D", largest, 1}},
+     "1#D-2147483648/1 1#D2147483647/1"},
+    {"NegativeStart", 32, {{"D", -5, 3}}, "1#D-5/3"},
+    {"SmallestStartOfBits", 32, {{"M", smallest, 8}}, "1#M-2147483648/1"},
+    {"SortedByEveryByteTheNegativeOnesFirst",
+     1,
+     {{"D", 16777216, 1},
+      {"D", -1, 1},
+      {"D", 256, 1},
+      {"D", 65536, 1},
+      {"D", 0, 1},
+      {"D", -257, 1},
+      {"D", 255, 1},
+      {"D", -16777217, 1},
+      {"D", 65791, 1},
+      {"D", 1, 1}},
+     "1#D-16777217/1 1#D-257/1 1#D-1/1 1#D0/1 1#D1/1 1#D255/1 1#D256/1 1#D65536/1 1#D65791/1 "
+     "1#D16777216/1"},
+};
+
+INSTANTIATE_TEST_SUITE_P(Ranges, OddRanges, ::testing::ValuesIn(rows), nameOf);
 
 class HostilePlan : public DriverTest
 {
@@ -27,17 +79,6 @@ protected:
     }
 };
 
-TEST_F(HostilePlan, WordLimitBelowOneCutsToSingleWords)
-{
-    for (const char* properties : {"1#0#0#3#0", "1#0#0#3#-1", "1#0#0#3#-2147483648"}) {
-        setUpDriver(properties);
-        EXPECT_EQ(3, merge(watch("D", 5, 3))) << properties;
-        EXPECT_EQ("1#D5/1 1#D6/1 1#D7/1", textOf(driver.readList)) << properties;
-        EXPECT_EQ(3, merge(watch("M", 0, 20))) << properties;
-        EXPECT_EQ("1#M0/1 1#M8/1 1#M16/1", textOf(driver.readList)) << properties;
-    }
-}
-
 TEST_F(HostilePlan, WordLimitBelowOneCutsOneOffReadsToSingleWordsOrEightBits)
 {
     for (const char* properties : {"1#0#0#3#0", "1#0#0#3#-1", "1#0#0#3#-2147483648"}) {
@@ -47,15 +88,6 @@ TEST_F(HostilePlan, WordLimitBelowOneCutsOneOffReadsToSingleWordsOrEightBits)
         EXPECT_EQ("1#D5/1 1#D6/1 1#M5/8 1#M13/8 1#M21/4", textOf(driver.conditionReadList))
             << properties;
     }
-}
-
-TEST_F(HostilePlan, HugeWordLimitDoesNotOverflow)
-{
-    setUpDriver("1#0#0#3#2147483647");
-    QList<KEY_ADDRESS> keys;
-    keys << watch("D", 0, 10) << watch("D", 5000, 5) << watch("M", 0, 1) << watch("M", 3000, 1);
-    EXPECT_EQ(2, intf_addrMerge(keys));
-    EXPECT_EQ("1#M0/376 1#D0/5005", textOf(driver.readList));
 }
 
 TEST_F(HostilePlan, WordLengthWithoutEndCountsAs65536)
@@ -85,13 +117,6 @@ TEST_F(HostilePlan, CounterLengthWithoutEndStaysBounded)
     EXPECT_EQ(32768, driver.dataAreas.size());
 }
 
-TEST_F(HostilePlan, LengthWithoutEndAndWithoutLimitStaysBounded)
-{
-    setUpDriver("1#0#0#3#2147483647");
-    EXPECT_EQ(1, merge(watch("D", 0, largest)));
-    EXPECT_EQ("1#D0/65536", textOf(driver.readList));
-}
-
 TEST_F(HostilePlan, OneOffReadWithoutEndFillsTheQueueWithItsFirst512PiecesAndItsLast)
 {
     setUpDriver();
@@ -100,15 +125,6 @@ TEST_F(HostilePlan, OneOffReadWithoutEndFillsTheQueueWithItsFirst512PiecesAndIts
     EXPECT_EQ("1#D16352/32", textOf(driver.conditionReadList.at(511)));
     EXPECT_EQ("1#D65504/32", textOf(driver.conditionReadList.at(512)));
     EXPECT_EQ("1#D65504/32", textOf(driver.lastConditionRead));
-}
-
-TEST_F(HostilePlan, FrameLimitBeyondTheWireIsNoLimitOfBlocks)
-{
-    setUpDriver("1#0#0#3#100000");
-    QList<KEY_ADDRESS> keys;
-    keys << watch("D", 0, 1) << watch("D", 80000, 1);
-    EXPECT_EQ(1, intf_addrMerge(keys));
-    EXPECT_EQ("1#D0/80001", textOf(driver.readList));
 }
 
 TEST_F(HostilePlan, OneOffReadThatFitsAFrameIsQueuedAsItStands)
@@ -154,45 +170,5 @@ TEST_F(HostilePlan, OneOffPiecesPastTheLargestNumberAreLeftOut)
     ASSERT_EQ(2, driver.conditionReadList.size());
     EXPECT_EQ(largest - 40, driver.conditionReadList.at(0).addressIndex);
     EXPECT_EQ(largest - 8, driver.conditionReadList.at(1).addressIndex);
-}
-
-TEST_F(HostilePlan, BlockAtTheLargestNumberDoesNotOverflow)
-{
-    setUpDriver();
-    QList<KEY_ADDRESS> keys;
-    keys << watch("D", largest - 5, 3) << watch("D", largest - 1, 2) << watch("D", largest, 1)
-         << watch("M", largest - 9, 2) << watch("M", largest, 1);
-    EXPECT_EQ(2, intf_addrMerge(keys));
-    EXPECT_EQ("1#M2147483632/2 1#D2147483642/6", textOf(driver.readList));
-}
-
-TEST_F(HostilePlan, RangesFromOneEndOfTheNumbersToTheOtherNeverJoin)
-{
-    setUpDriver("1#0#0#3#2147483647");
-    QList<KEY_ADDRESS> keys;
-    keys << watch("D", smallest, 1) << watch("D", largest, 1);
-    EXPECT_EQ(2, intf_addrMerge(keys));
-    EXPECT_EQ("1#D-2147483648/1 1#D2147483647/1", textOf(driver.readList));
-}
-
-TEST_F(HostilePlan, NegativeStartsAreHarmless)
-{
-    setUpDriver();
-    EXPECT_EQ(1, merge(watch("D", -5, 3)));
-    EXPECT_EQ("1#D-5/3", textOf(driver.readList));
-    EXPECT_EQ(1, merge(watch("M", -3, 2)));
-    EXPECT_EQ(1, merge(watch("M", smallest, 8)));
-}
-
-TEST_F(HostilePlan, AddressesThatDifferInAnyByteAreSortedTheNegativeOnesFirst)
-{
-    setUpDriver("1#0#0#3#1");
-    QList<KEY_ADDRESS> keys;
-    for (const int address : {16777216, -1, 256, 65536, 0, -257, 255, -16777217, 65791, 1})
-        keys << watch("D", address, 1);
-    ASSERT_EQ(10, intf_addrMerge(keys));
-    EXPECT_EQ("1#D-16777217/1 1#D-257/1 1#D-1/1 1#D0/1 1#D1/1 1#D255/1 1#D256/1 1#D65536/1 "
-              "1#D65791/1 1#D16777216/1",
-              textOf(driver.readList));
 }
 }  // namespace
