@@ -69,6 +69,7 @@ QString fromToText(const RegisterRange& range)
 
 QVector<FRAME_PRO> planOf(DriverSession& session, const QVector<RegisterRange>& ranges)
 {
+    session.fitFrames(ranges);
     const int blocks = session.setPlan(ranges);
     QVector<FRAME_PRO> frames;
     for (int block = 0; block < blocks; ++block) {

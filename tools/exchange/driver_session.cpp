@@ -3,6 +3,9 @@
 
 #include "tools/exchange/driver_session.h"
 
+#include <algorithm>
+#include <limits>
+
 namespace fxtools {
 
 namespace {
@@ -76,6 +79,23 @@ void DriverSession::forgetValues()
     int status = 0;
     m_library.initProperty(m_hostMemory.data(), 0, m_recipeWords.data(), &status,
                            propertyString().toLatin1().constData(), &m_mutex);
+}
+
+void DriverSession::fitFrames(const QVector<RegisterRange>& ranges)
+{
+    qint64 first = std::numeric_limits<int>::max();
+    qint64 end = 0;
+    for (const RegisterRange& range : ranges) {
+        if (range.type.width != RegisterWidth::DoubleWord)
+            continue;
+        first = std::min<qint64>(first, range.first);
+        end = std::max<qint64>(end, range.first + range.count);
+    }
+    if (m_isHalved || end - first <= m_settings.wordsPerFrame / 2)
+        return;
+    m_isHalved = true;
+    m_settings.wordsPerFrame /= 2;
+    forgetValues();
 }
 
 int DriverSession::setPlan(const QVector<RegisterRange>& ranges)

@@ -49,6 +49,11 @@ public:
     // Empties the plan, the queues and the cache.
     void forgetValues();
 
+    // Call it before these ranges are planned, when nothing is queued: empties the cache if the
+    // frames must become shorter. The plan takes a counter of two words for one, so that a block of
+    // counters could be twice as long as a frame may be.
+    void fitFrames(const QVector<RegisterRange>& ranges);
+
     // Replaces the polling plan and returns the number of blocks.
     int setPlan(const QVector<RegisterRange>& ranges);
     void queueRead(const RegisterRange& range);
@@ -73,6 +78,7 @@ private:
 
     const DriverLibrary& m_library;
     SessionSettings m_settings;
+    bool m_isHalved = false;
     std::vector<unsigned char> m_hostMemory;
     std::vector<quint16> m_recipeWords;
     QMutex m_mutex;

@@ -39,6 +39,7 @@ Poller::Poller(ExchangeLoop& loop, const RegisterCatalogue& catalogue,
                const QVector<RegisterRange>& ranges)
     : m_loop(loop), m_catalogue(catalogue), m_ranges(ranges), m_planned(ranges)
 {
+    m_loop.session().fitFrames(ranges);
     replan();
 }
 

@@ -98,8 +98,17 @@ TEST_F(Polling, ReadsEveryRegisterOfThePlan)
     start({"D0:100", "M3:20", "D200", "32CV200:40"});
     EXPECT_EQ(problemsAfterPolling(), "");
     EXPECT_EQ(problemsAfterPolling(), "");
-    EXPECT_EQ(framesOfACycle(), 4 + 1 + 1 + 3);
+    EXPECT_EQ(framesOfACycle(), 7 + 1 + 1 + 3);
     EXPECT_EQ(poll(), RoundEnd::Done);
+}
+
+// A small PLC refuses more than 64 bytes; a plan of counters alone could ask for 128.
+TEST_F(Polling, AsksForNoMoreThanAFrameOfCounters)
+{
+    start({"32CV200:56"});
+    EXPECT_EQ(problemsAfterPolling(), "");
+    EXPECT_EQ(bench.loop.statistics().of(ReplyVerdict::Refused), 0);
+    EXPECT_EQ(framesOfACycle(), 4);
 }
 
 // A block holds 32 registers: the hole stands in the first, in the middle and in the last one.

@@ -44,6 +44,7 @@ ExitCode pollCycles(Connection& connection, const QVector<RegisterRange>& ranges
 {
     ExchangeLoop& loop = connection.loop();
     connection.waitForLinkWithoutEnd();
+    connection.session().fitFrames(ranges);
     const int blocks = connection.session().setPlan(ranges);
     for (int cycle = 0; (cycles == 0 || cycle < cycles); ++cycle) {
         const qint64 startedUs = loop.elapsedUs();

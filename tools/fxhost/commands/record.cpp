@@ -32,6 +32,7 @@ ExitCode runRecord(const CommonOptions& common, const RecordOptions& options)
     QStringList addresses;
     for (const RegisterRange& range : ranges)
         addresses += range.text();
+    connection.session().fitFrames(ranges);
     Recorder recorder(file, connection.session().propertyString(), addresses);
     const Progress progress = lateProgressOf(common.output, QStringLiteral("record"));
     const qint64 blocks = connection.session().setPlan(ranges);

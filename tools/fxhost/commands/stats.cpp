@@ -74,6 +74,7 @@ ExitCode runStats(const CommonOptions& common, const StatsOptions& options)
     const QVector<RegisterRange> asked = rangesOf(options.addresses, connection.catalogue());
     QVector<BlockTimes> blocks;
     const Progress progress = lateProgressOf(common.output, QStringLiteral("stats"));
+    connection.session().fitFrames(asked);
     const qint64 blocksInCycle = connection.session().setPlan(asked);
     qint64 reads = 0;
     loop.onExchange = [&](const Exchange& exchange) {
