@@ -3,7 +3,10 @@
 
 #include "tools/exchange/recording.h"
 
+#include "tools/quoted.h"
+
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -14,7 +17,9 @@ namespace fxtools {
 namespace {
 
 constexpr int formatVersion = 1;
-constexpr int failLimitField = 3;  // of the property string
+constexpr qint64 largestFile = 256 << 20;  // half a million exchanges
+constexpr qint64 longestLine = 64 << 10;   // an exchange takes 4 kB at most, the addresses more
+constexpr int failLimitField = 3;          // of the property string
 constexpr int wordsField = 4;
 
 [[noreturn]] void reject(const QFile& file, int line, const QString& reason)
@@ -26,7 +31,7 @@ constexpr int wordsField = 4;
 QJsonObject nextObject(QFile& file, int line)
 {
     QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(file.readLine(), &error);
+    const QJsonDocument document = QJsonDocument::fromJson(file.readLine(longestLine), &error);
     if (!document.isObject())
         reject(file, line,
                "not a JSON object: " + (document.isNull() ? error.errorString() : "an array"));
@@ -61,9 +66,9 @@ void readProperty(const QFile& file, const QString& property, Recording& recordi
     recording.failLimit = fields.value(failLimitField).toInt();
     recording.wordsPerFrame = fields.value(wordsField).toInt();
     if (recording.failLimit < 1 || recording.wordsPerFrame < 1)
-        reject(
-            file, 1,
-            QStringLiteral("\"property\" is '%1'; expected for example 1#0#0#3#32").arg(property));
+        reject(file, 1,
+               QStringLiteral("\"property\" is %1; expected for example 1#0#0#3#32")
+                   .arg(quoted(property)));
 }
 
 QString hex(const QByteArray& bytes)
@@ -99,6 +104,15 @@ void Recorder::put(const QJsonObject& object)
 Recording readRecording(const QString& path)
 {
     QFile file(path);
+    const QFileInfo info(path);
+    if (info.exists() && !info.isFile())
+        throw Failure(ExitCode::File, path + ": not a regular file");
+    if (info.size() > largestFile)
+        throw Failure(ExitCode::File,
+                      QStringLiteral("%1: %2 MB is too large: at most %3 MB make sense")
+                          .arg(path)
+                          .arg(info.size() >> 20)
+                          .arg(largestFile >> 20));
     if (!file.open(QIODevice::ReadOnly))
         throw Failure(ExitCode::File, path + ": " + file.errorString());
     const QJsonObject head = nextObject(file, 1);

@@ -123,3 +123,18 @@ TEST_F(Recordings, ThatAreNotThereAreNamed)
 {
     EXPECT_THROW(readRecording("/no/place"), Failure);
 }
+TEST_F(Recordings, AreOrdinaryFilesOfAReasonableSize)
+{
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.resize(qint64(300) << 20));
+    const auto errorOfFile = [](const QString& name) {
+        try {
+            readRecording(name);
+        } catch (const Failure& failure) {
+            return failure.text().section(": ", 1);
+        }
+        return QString();
+    };
+    EXPECT_EQ(errorOfFile(path), "300 MB is too large: at most 256 MB make sense");
+    EXPECT_EQ(errorOfFile("/dev/zero"), "not a regular file");
+}
