@@ -45,6 +45,19 @@ QString valuesText(const QVector<quint32>& values, const RegisterType& type)
     return texts.join(' ');
 }
 
+// In lines of 80 columns, the first behind a sign; cut after a blank if there is one.
+void showWrapped(const QString& sign, const QString& text)
+{
+    constexpr int mostColumns = 80 - 4;
+    QString prefix = "  " + sign + ' ';
+    for (QString rest = text; !rest.isEmpty(); prefix = "    ") {
+        const int blank = rest.size() > mostColumns ? rest.lastIndexOf(' ', mostColumns) : -1;
+        const int taken = blank > 0 ? blank : mostColumns;
+        Console().line(prefix + rest.left(taken));
+        rest = rest.mid(taken).trimmed();
+    }
+}
+
 class Monitor
 {
 public:
@@ -68,7 +81,7 @@ public:
     void show(const Exchange& exchange);
 
 private:
-    void showLine(const Exchange& exchange, const QString& values) const;
+    void showLines(const Exchange& exchange, const QString& values) const;
 
     const Connection& m_connection;
     OutputOptions m_output;
@@ -80,7 +93,7 @@ void Monitor::show(const Exchange& exchange)
     const RegisterType type = requestRange(m_connection.catalogue(), exchange.frame).type;
     const QString values = valuesText(valuesOf(m_connection, exchange), type);
     if (!m_records) {
-        showLine(exchange, values);
+        showLines(exchange, values);
         return;
     }
     m_records->add(
@@ -90,22 +103,29 @@ void Monitor::show(const Exchange& exchange)
          answerText(exchange.answer), milliseconds(exchange.responseUs), values});
 }
 
-// "0.52 ms  read D0 … D2  ␂0100006␃5A → ␂000001000400␃48  good after 0.31 ms, accepted: 0 1 4"
-void Monitor::showLine(const Exchange& exchange, const QString& values) const
+// At most 80 columns: what was sent, received and read stands below, in as many lines as it takes.
+//
+//   0.52 ms  read D0 … D2: good after 0.31 ms, accepted
+//     → ␂0100006␃5A
+//     ← ␂000001000400␃48
+//     = 0 1 4
+void Monitor::showLines(const Exchange& exchange, const QString& values) const
 {
-    const QByteArray received = exchange.reply + exchange.thrownAway;
     const QString time = m_output.timestamps ? timestamp() + "  " : QString();
-    const QString request = requestText(m_connection.catalogue(), exchange.frame);
-    const QString line =
-        QStringLiteral("%1%2 ms  %3  %4 → %5  %6 after %7 ms, %8")
-            .arg(time)
-            .arg(milliseconds(exchange.startedUs), 0, 'f', 2)
-            .arg(request, visibleBytes(requestBytes(exchange.frame)),
-                 received.isEmpty() ? QStringLiteral("nothing") : visibleBytes(received),
-                 verdictText(exchange.verdict))
-            .arg(milliseconds(exchange.responseUs), 0, 'f', 2)
-            .arg(answerText(exchange.answer));
-    Console().line(values.isEmpty() ? line : line + ": " + values);
+    const QByteArray received = exchange.reply + exchange.thrownAway;
+    const QString outcome = exchange.verdict == ReplyVerdict::Interrupted
+                                ? verdictText(exchange.verdict)
+                                : QStringLiteral("%1 after %2 ms, %3")
+                                      .arg(verdictText(exchange.verdict))
+                                      .arg(milliseconds(exchange.responseUs), 0, 'f', 2)
+                                      .arg(answerText(exchange.answer));
+    Console().line(QStringLiteral("%1%2 ms  %3: %4")
+                       .arg(time)
+                       .arg(milliseconds(exchange.startedUs), 0, 'f', 2)
+                       .arg(requestText(m_connection.catalogue(), exchange.frame), outcome));
+    showWrapped(QStringLiteral("→"), visibleBytes(requestBytes(exchange.frame)));
+    showWrapped(QStringLiteral("←"), visibleBytes(received));
+    showWrapped(QStringLiteral("="), values);
 }
 
 ExitCode runMonitor(const CommonOptions& common, const MonitorOptions& options)
