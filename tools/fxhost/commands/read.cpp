@@ -5,6 +5,7 @@
 
 #include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/poll_result.h"
+#include "tools/fxhost/commands/progress.h"
 
 namespace fxtools {
 
@@ -32,6 +33,12 @@ ExitCode runRead(const CommonOptions& common, const ReadOptions& options)
     needWholeValues(asked, options.style);
     tellAliases(asked, connection.catalogue());
     Poller poller(connection.loop(), connection.catalogue(), rangesOf(asked));
+    const int frames =
+        cutToFrames(rangesOf(asked), connection.session().settings().wordsPerFrame).size();
+    const Progress progress = lateProgressOf(common.output, QStringLiteral("read"));
+    connection.loop().onExchange = [&progress, frames, done = 0](const Exchange&) mutable {
+        progress(++done, frames);
+    };
     if (poller.poll() == RoundEnd::Interrupted) {
         complain(QStringLiteral("interrupted before everything was read"));
         return ExitCode::Interrupted;
