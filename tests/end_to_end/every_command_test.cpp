@@ -150,6 +150,9 @@ fxhost> replay no-such-file
 fxhost: no-such-file: No such file or directory
 [7]
 )"},
+    {"ports", R"(fxhost> ports --csv | grep -o port.*
+port,adapter,used by
+)"},
     {"doctor", R"(fxhost> doctor | grep -o The PLC answers.*
 The PLC answers (settings as given). All is well.
 )"},

@@ -100,6 +100,7 @@ void addCommands(CLI::App& app, CommonOptions& common, Action& action)
     addStatsCommand(app, common, action);
     addRecordCommand(app, common, action);
     addDoctorCommand(app, common, action);
+    addPortsCommand(app, common, action);
     addDemoCommand(app, common, action);
     for (CLI::App* const command : app.get_subcommands({}))
         command->group(plcGroup);

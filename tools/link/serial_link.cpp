@@ -3,6 +3,8 @@
 
 #include "tools/link/serial_link.h"
 
+#include "tools/link/ports.h"
+
 #include <QFileInfo>
 #include <QSerialPortInfo>
 
@@ -94,6 +96,9 @@ QString SerialLink::reason() const
         return QStringLiteral("%1; join the group %2 with: sudo adduser \"$USER\" %2, then log out "
                               "and in again")
             .arg(said, device.group());
+    const QString holder = device.exists() ? holderOf(m_settings.path) : QString();
+    if (!holder.isEmpty())
+        return QStringLiteral("%1; it is in use by %2: stop that first").arg(said, holder);
     return said;
 }
 

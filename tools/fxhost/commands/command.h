@@ -85,6 +85,7 @@ void addHelpCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addLogCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addMonitorCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addPlanCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addPortsCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addReadCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addRecipeCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addRecordCommand(CLI::App& app, const CommonOptions& common, Action& action);

@@ -1,0 +1,171 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// Bytes over real links: a TCP connection to this machine, and a pseudo-terminal.
+
+#include "tools/link/ports.h"
+#include "tools/link/serial_link.h"
+#include "tools/link/tcp_link.h"
+
+#include <QCoreApplication>
+#include <QProcess>
+#include <QTcpServer>
+
+#include <gtest/gtest.h>
+
+#include <pty.h>
+#include <unistd.h>
+
+using namespace fxtools;
+
+namespace {
+
+// Qt's sockets and ports want one.
+int argumentCount = 0;
+const QCoreApplication application(argumentCount, nullptr);
+
+constexpr int patienceMs = 30000;  // of a loaded machine; what is awaited comes at once
+
+// Waits for all of them: they may come in pieces.
+QByteArray received(Link& link, int byteCount)
+{
+    QByteArray bytes;
+    while (bytes.size() < byteCount && link.isOpen())
+        bytes += link.receive(patienceMs);
+    return bytes;
+}
+
+std::string reasonNotToOpen(Link& link)
+{
+    try {
+        link.open();
+    } catch (const Failure& failure) {
+        EXPECT_EQ(failure.code(), ExitCode::LinkNotOpened);
+        EXPECT_FALSE(link.isOpen());
+        return failure.what();
+    }
+    return "opened";
+}
+
+class TcpLinks : public testing::Test
+{
+protected:
+    void open()
+    {
+        link.open();
+        ASSERT_TRUE(server.waitForNewConnection(patienceMs));
+        peer = server.nextPendingConnection();
+    }
+
+    QTcpServer server;
+    bool isListening = server.listen(QHostAddress::LocalHost);
+    TcpLink link{TcpSettings{{}, "127.0.0.1", server.serverPort()}};
+    QTcpSocket* peer = nullptr;
+};
+
+class Terminals : public testing::Test
+{
+protected:
+    Terminals()
+    {
+        char path[64] = {};
+        EXPECT_EQ(openpty(&master, &slave, path, nullptr, nullptr), 0);
+        settings.path = path;
+        settings.isPseudoTerminal = true;
+    }
+    ~Terminals() override
+    {
+        close(slave);
+        close(master);
+    }
+
+    int master = -1;
+    int slave = -1;
+    SerialSettings settings;
+};
+
+}  // namespace
+
+TEST_F(TcpLinks, CarryBytesBothWays)
+{
+    open();
+    EXPECT_EQ(link.name(), QStringLiteral("tcp:127.0.0.1:%1").arg(server.serverPort()));
+    EXPECT_TRUE(link.send("request"));
+    ASSERT_TRUE(peer->waitForReadyRead(patienceMs));
+    EXPECT_EQ(peer->readAll(), "request");
+    EXPECT_EQ(link.receive(0), "") << "nothing is there yet";
+    peer->write("reply");
+    peer->waitForBytesWritten(patienceMs);
+    EXPECT_EQ(received(link, 5), "reply");
+}
+
+TEST_F(TcpLinks, NoticeThatThePeerHungUpAndOpenAgain)
+{
+    open();
+    peer->disconnectFromHost();
+    EXPECT_EQ(link.receive(patienceMs), "");
+    EXPECT_FALSE(link.isOpen());
+    EXPECT_FALSE(link.send("request"));
+    open();
+    EXPECT_TRUE(link.send("request"));
+}
+
+TEST_F(TcpLinks, NameWhyTheyDoNotOpen)
+{
+    server.close();
+    const std::string port = link.name().section(':', 2).toStdString();
+    EXPECT_EQ(reasonNotToOpen(link),
+              "cannot connect to 127.0.0.1 port " + port + ": Connection refused");
+}
+
+TEST_F(Terminals, CarryBytesBothWays)
+{
+    SerialLink link(settings);
+    link.open();
+    EXPECT_EQ(link.name(), "pty:" + settings.path);
+    EXPECT_TRUE(link.send("request"));
+    char bytes[16] = {};
+    ASSERT_EQ(read(master, bytes, sizeof bytes), 7);
+    EXPECT_STREQ(bytes, "request");
+    EXPECT_EQ(link.receive(0), "");
+    ASSERT_EQ(write(master, "reply", 5), 5);
+    EXPECT_EQ(received(link, 5), "reply");
+}
+
+TEST_F(Terminals, NoticeThatTheOtherEndIsGone)
+{
+    SerialLink link(settings);
+    link.open();
+    close(master);
+    master = -1;
+    EXPECT_FALSE(link.send("request"));
+    EXPECT_FALSE(link.isOpen());
+    EXPECT_EQ(link.receive(patienceMs), "");
+}
+
+TEST_F(Terminals, NameWhyTheyDoNotOpen)
+{
+    settings.path = "/dev/null";
+    SerialLink nothing(settings);
+    EXPECT_EQ(reasonNotToOpen(nothing), "cannot open /dev/null: not a serial port");
+    settings.path = "/dev/no-such-port";
+    settings.isPseudoTerminal = false;
+    SerialLink missing(settings);
+    EXPECT_EQ(reasonNotToOpen(missing).find("cannot open /dev/no-such-port: No such file or "
+                                            "directory; available ports: "),
+              0U);
+}
+
+TEST_F(Terminals, NameWhoElseUsesThem)
+{
+    EXPECT_EQ(holderOf(settings.path), "") << "this process does not count";
+    QProcess other;
+    other.setStandardInputFile(settings.path);
+    other.start("sleep", {"60"});
+    ASSERT_TRUE(other.waitForStarted(patienceMs));
+    EXPECT_EQ(holderOf(settings.path).toStdString(),
+              "sleep (process " + std::to_string(other.processId()) + ")");
+    other.kill();
+    other.waitForFinished(patienceMs);
+    EXPECT_EQ(holderOf(settings.path), "");
+}
