@@ -22,14 +22,6 @@ protected:
     {
         write_FailOrSuc(1, QString::fromLatin1(registerType), start, count, success);
     }
-    Bytes confirmed(const char* registerType, int start)
-    {
-        return firstBytes(area(registerType, start).valueBuffer0, 4);
-    }
-    Bytes pending(const char* registerType, int start)
-    {
-        return firstBytes(area(registerType, start).valueBuffer1, 4);
-    }
 };
 
 TEST_F(WriteEnd, SuccessConfirmsWords)

@@ -22,14 +22,6 @@ protected:
         std::vector<unsigned char> bytes(data.begin(), data.end());
         write_saveDataToArea(1, QString::fromLatin1(registerType), start, count, bytes.data());
     }
-    Bytes pending(const char* registerType, int start)
-    {
-        return firstBytes(area(registerType, start).valueBuffer1, 4);
-    }
-    Bytes confirmed(const char* registerType, int start)
-    {
-        return firstBytes(area(registerType, start).valueBuffer0, 4);
-    }
 };
 
 TEST_F(WriteMirror, WordsWaitInTheSecondBuffer)

@@ -25,17 +25,13 @@ protected:
         keys << watch(registerType, start, length);
         intf_addrMerge(keys);
     }
-    Bytes stored(const char* registerType, int start)
-    {
-        return firstBytes(area(registerType, start).valueBuffer0, 4);
-    }
 };
 
 TEST_F(ReplyDecoding, WordsComeLowByteFirst)
 {
     poll("D", 100, 2, "<STX>12345678<ETX>A7");
-    EXPECT_EQ((Bytes{0x12, 0x34, 0, 0}), stored("D", 100));
-    EXPECT_EQ((Bytes{0x56, 0x78, 0, 0}), stored("D", 101));
+    EXPECT_EQ((Bytes{0x12, 0x34, 0, 0}), confirmed("D", 100));
+    EXPECT_EQ((Bytes{0x56, 0x78, 0, 0}), confirmed("D", 101));
     EXPECT_EQ("1#D100 1#D101", textOf(driver.dataAreas));
     EXPECT_EQ((Bytes{0x12, 0x34, 0x56, 0x78}), values("D", 100, 2, 4));
 }
@@ -44,7 +40,7 @@ TEST_F(ReplyDecoding, EveryWordTypeIsStored)
 {
     for (const char* type : {"D", "SD", "TV", "CV"}) {
         poll(type, 8005, 1, "<STX>ABCD<ETX>0D");
-        EXPECT_EQ((Bytes{0xAB, 0xCD, 0, 0}), stored(type, 8005)) << type;
+        EXPECT_EQ((Bytes{0xAB, 0xCD, 0, 0}), confirmed(type, 8005)) << type;
     }
 }
 
@@ -52,16 +48,16 @@ TEST_F(ReplyDecoding, EveryBitTypeIsStoredByTheByte)
 {
     for (const char* type : {"X", "Y", "M", "S", "SM", "T", "C"}) {
         poll(type, 8, 2, "<STX>3041<ETX>CB");
-        EXPECT_EQ((Bytes{0x30, 0, 0, 0}), stored(type, 8)) << type;
-        EXPECT_EQ((Bytes{0x41, 0, 0, 0}), stored(type, 16)) << type;
+        EXPECT_EQ((Bytes{0x30, 0, 0, 0}), confirmed(type, 8)) << type;
+        EXPECT_EQ((Bytes{0x41, 0, 0, 0}), confirmed(type, 16)) << type;
     }
 }
 
 TEST_F(ReplyDecoding, CountersComeInFourBytes)
 {
     poll("32CV", 200, 2, "<STX>7856341201020304<ETX>31");
-    EXPECT_EQ((Bytes{0x78, 0x56, 0x34, 0x12}), stored("32CV", 200));
-    EXPECT_EQ((Bytes{1, 2, 3, 4}), stored("32CV", 201));
+    EXPECT_EQ((Bytes{0x78, 0x56, 0x34, 0x12}), confirmed("32CV", 200));
+    EXPECT_EQ((Bytes{1, 2, 3, 4}), confirmed("32CV", 201));
     EXPECT_EQ("1#32CV200 1#32CV201", textOf(driver.dataAreas));
 }
 
@@ -76,9 +72,9 @@ TEST_F(ReplyDecoding, UnalignedBitReadFillsUnalignedAreas)
 {
     poll("M", 13, 2, "<STX>3041<ETX>CB");
     EXPECT_EQ("1#M13 1#M8 1#M21 1#M16", textOf(driver.dataAreas));
-    EXPECT_EQ((Bytes{0, 0, 0, 0}), stored("M", 8));
-    EXPECT_EQ((Bytes{0x41, 0, 0, 0}), stored("M", 21));
-    EXPECT_EQ((Bytes{0x30, 0, 0, 0}), stored("M", 13));
+    EXPECT_EQ((Bytes{0, 0, 0, 0}), confirmed("M", 8));
+    EXPECT_EQ((Bytes{0x41, 0, 0, 0}), confirmed("M", 21));
+    EXPECT_EQ((Bytes{0x30, 0, 0, 0}), confirmed("M", 13));
 }
 
 // Rows of sixteen codes from 00 to FF, one hexadecimal digit each.
@@ -129,17 +125,17 @@ TEST_F(ReplyDecoding, ReplyWithoutDataDecodesItsOwnFrameCharacters)
 {
     poll("D", 100, 2, "<STX><ETX>03");
     // ETX and "0" give 00, "3" and nothing give 30.
-    EXPECT_EQ((Bytes{0x00, 0x30, 0, 0}), stored("D", 100));
-    EXPECT_EQ((Bytes{0, 0, 0, 0}), stored("D", 101));
+    EXPECT_EQ((Bytes{0x00, 0x30, 0, 0}), confirmed("D", 100));
+    EXPECT_EQ((Bytes{0, 0, 0, 0}), confirmed("D", 101));
 }
 
 TEST_F(ReplyDecoding, ShortReplyDecodesEtxAndSumThenZeros)
 {
     poll("D", 100, 3, "<STX>1234<ETX>CD");
-    EXPECT_EQ((Bytes{0x12, 0x34, 0, 0}), stored("D", 100));
+    EXPECT_EQ((Bytes{0x12, 0x34, 0, 0}), confirmed("D", 100));
     // ETX and "C" give 0C, "D" and nothing give D0.
-    EXPECT_EQ((Bytes{0x0C, 0xD0, 0, 0}), stored("D", 101));
-    EXPECT_EQ((Bytes{0, 0, 0, 0}), stored("D", 102));
+    EXPECT_EQ((Bytes{0x0C, 0xD0, 0, 0}), confirmed("D", 101));
+    EXPECT_EQ((Bytes{0, 0, 0, 0}), confirmed("D", 102));
 }
 
 // A host's own buffer goes on behind the reply, where Qt's ends with a zero.

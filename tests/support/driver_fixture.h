@@ -51,6 +51,14 @@ protected:
 
     int areaOf(const char* registerType, int start, int stationNo = 1);
     _DATA_& area(const char* registerType, int start, int stationNo = 1);
+    Bytes confirmed(const char* registerType, int start)
+    {
+        return firstBytes(area(registerType, start).valueBuffer0, 4);
+    }
+    Bytes pending(const char* registerType, int start)
+    {
+        return firstBytes(area(registerType, start).valueBuffer1, 4);
+    }
     Bytes values(const char* registerType, int start, int count, int byteCount);
     void write(const char* registerType, int start, const Bytes& data, int count, int tag = 0);
     // Calls that came with the given text.
