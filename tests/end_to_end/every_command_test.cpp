@@ -114,12 +114,23 @@ D2,0
 M0,0
 M1,1
 )"},
+    {"backup", R"(fxsim> poke 0x1000 5 0
+fxhost> backup backup.csv -q
+fxhost> compare backup.csv -q
+)"},
+    {"compare", R"(fxsim> poke 0x1000 5 0 6 0
+fxhost> dump dump.csv D0:2 -q
+fxsim> poke 0x1000 9 0
+fxhost> compare dump.csv --csv -q
+D0,9,5,
+[1]
+)"},
     {"restore", R"(fxsim> poke 0x1000 5 0 6 0
 fxsim> poke 0x0100 2
 fxhost> dump dump.csv D0:2 M0:2 -q
 fxsim> poke 0x1000 9 9 9 9
 fxsim> poke 0x0100 1
-fxhost> restore dump.csv -q
+fxhost> restore dump.csv --yes -q
 fxsim> peek 0x1000 4
 1000: 05 00 06 00
 fxsim> peek 0x0100

@@ -11,7 +11,7 @@ namespace fxtools {
 namespace {
 
 constexpr int linkNumber = 1;
-constexpr size_t recipeMemoryWords = 65536;
+constexpr size_t recipeMemoryWords = fxMaxElements;
 
 // The tags of the host's own requests, to tell them from those of the plan.
 constexpr int writeTag = 2;

@@ -95,7 +95,9 @@ void addCommands(CLI::App& app, CommonOptions& common, Action& action)
     addLogCommand(app, common, action);
     addRecipeCommand(app, common, action);
     addDumpCommand(app, common, action);
+    addBackupCommand(app, common, action);
     addRestoreCommand(app, common, action);
+    addCompareCommand(app, common, action);
     addMonitorCommand(app, common, action);
     addStatsCommand(app, common, action);
     addRecordCommand(app, common, action);

@@ -88,7 +88,7 @@ TEST_P(LinkLost, RestoreReadsBackAll)
 {
     const RunningSimulator plc(GetParam(), comesBack);
     const QString file = newFile(folder, "plc.csv", registerFile(100));
-    expectLostAndBack(run(plc, {"restore", file, "-q"}));
+    expectLostAndBack(run(plc, {"restore", file, "--yes", "-q"}));
     EXPECT_EQ(run(plc, {"read", "D0", "D99", "--csv", "-q"}).out, "D0,1000,\nD99,1099,\n");
 }
 
@@ -147,13 +147,15 @@ TEST_P(LinkLost, ForGoodLetsDumpBeResumed)
 
 TEST_P(LinkLost, ForGoodLetsRestoreGoOnLater)
 {
-    const RunningSimulator plc(GetParam(), staysAway);
+    // Seven frames are read first; then each is written and read back.
+    const RunningSimulator plc(
+        GetParam(), {"--baud", "0", "--program", "none", "--faults", "link-drop:60000@10"});
     const QString file = newFile(folder, "plc.csv", registerFile(100));
-    const Ended ended = run(plc, {"--reconnect-s", "0", "restore", file, "-q"});
+    const Ended ended = run(plc, {"--reconnect-s", "0", "restore", file, "--yes", "-q"});
     EXPECT_EQ(ended.code, 3);
     EXPECT_TRUE(holds(ended.err, "continue with --from D16\n")) << ended.err;
     const RunningSimulator back(GetParam(), {"--baud", "0", "--program", "none"});
-    EXPECT_EQ(run(back, {"restore", file, "--from", "D16", "-q"}).code, 0);
+    EXPECT_EQ(run(back, {"restore", file, "--from", "D16", "--yes", "-q"}).code, 0);
     EXPECT_EQ(run(back, {"read", "D15", "D16", "D99", "--csv", "-q"}).out,
               "D15,0,\nD16,1016,\nD99,1099,\n");
 }

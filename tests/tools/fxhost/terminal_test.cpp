@@ -262,9 +262,9 @@ TEST_F(TerminalViews, ABarGrowsInItsLine)
 TEST_F(TerminalViews, ABarFitsANarrowTerminal)
 {
     const QString file = newFile(folder, "plc.csv", "D0,1\nD100,2\nD200,3\n");
-    Terminal restore(linked({"restore", file}), 30, 10);
+    Terminal restore(linked({"restore", file, "--yes"}), 30, 10);
     EXPECT_EQ(restore.waitForEnd(), 0);
-    EXPECT_EQ(restore.screen().lines()[0], "  restore ███████████████ 3/3");
+    EXPECT_TRUE(restore.screen().lines().contains("  restore ███████████████ 3/3"));
     Terminal recipe(linked({"recipe", "download", file}), 20, 10);
     EXPECT_EQ(recipe.waitForEnd(), 0);
     EXPECT_EQ(recipe.screen().lines()[0], "  download 3/3") << "there is no room for a bar";

@@ -136,7 +136,7 @@ TEST(UnnamedLink, IsRefusedByWhatChangesOrJudgesAPlc)
     const QTemporaryDir folder;
     const QString file = newFile(folder, "values.csv", "D100,1\n");
     const QVector<QStringList> commands{{"write", "D500=1"},
-                                        {"restore", file},
+                                        {"restore", file, "--yes"},
                                         {"recipe", "download", file},
                                         {"recipe", "upload", folder.filePath("new"), "D0"},
                                         {"doctor"}};

@@ -77,7 +77,9 @@ std::shared_ptr<CLI::FormatterBase> helpFormatter();
 // What is wrong with the command line, and what may have been meant.
 QString usageMistake(const CLI::App& app, const CLI::ParseError& error);
 
+void addBackupCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addCheckCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addCompareCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addDemoCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addDoctorCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addDumpCommand(CLI::App& app, const CommonOptions& common, Action& action);

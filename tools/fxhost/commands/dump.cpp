@@ -3,6 +3,7 @@
 //
 // fxhost dump: reads ranges of registers into a file, one frame at a time, so that an interrupted
 // dump can be resumed. A register that cannot be read becomes a comment in the file.
+// fxhost backup: the same for every register that can be written back.
 
 #include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/file_options.h"
@@ -23,6 +24,7 @@ struct DumpOptions
     FileOptions file;
     AddressOptions addresses;
     bool resume = false;
+    bool isBackup = false;
 };
 
 // The identities of the registers that a file holds already.
@@ -122,6 +124,29 @@ QString resultText(const PollResult& result, int alreadyThere)
     return text;
 }
 
+// The parts of a type that a write would really hit; none of the special registers, which are the
+// PLC's own state.
+QVector<RegisterRange> restorableRanges(const RegisterCatalogue& catalogue)
+{
+    QVector<RegisterRange> ranges;
+    for (const RegisterType& type : catalogue.all()) {
+        if (!type.writable || type.name == QLatin1String("SM") || type.name == QLatin1String("SD"))
+            continue;
+        RegisterRange rest{
+            type, catalogue.ownStation().value_or(1), type.lowest, type.registers(), {}};
+        while (const std::optional<Alias> alias = catalogue.aliasIn(rest)) {
+            const int own = alias->asked.first - rest.first;
+            if (own > 0)
+                ranges.append(rest.part(0, own));
+            const int taken = own + alias->asked.count;
+            rest = rest.part(taken, rest.count - taken);
+        }
+        if (rest.count > 0)
+            ranges.append(rest);
+    }
+    return ranges;
+}
+
 ExitCode runDump(const CommonOptions& common, const DumpOptions& options)
 {
     Connection connection(common);
@@ -129,11 +154,13 @@ ExitCode runDump(const CommonOptions& common, const DumpOptions& options)
     OutputFile file(path, options.resume ? OutputFile::Mode::Append : options.file.mode(),
                     connection.catalogue());
     const QVector<RegisterRange> portions =
-        cutToFrames(rangesOf(options.addresses, connection.catalogue()),
+        cutToFrames(options.isBackup ? restorableRanges(connection.catalogue())
+                                     : rangesOf(options.addresses, connection.catalogue()),
                     connection.session().settings().wordsPerFrame);
     Dumper dumper(connection, file, options.resume ? namesIn(path, connection) : QSet<QString>());
     const OutputOptions output = besides(options.file, common.output);
-    const Progress progress = progressOf(output, "dump");
+    const Progress progress =
+        options.isBackup ? timedProgressOf(output, "backup") : progressOf(output, "dump");
     for (int portion = 0; portion < portions.size(); ++portion) {
         progress(portion, portions.size());
         const std::optional<ReplyVerdict> problem = dumper.dump(portions[portion]);
@@ -162,6 +189,20 @@ void addDumpCommand(CLI::App& app, const CommonOptions& common, Action& action)
     command->add_flag("--resume", options->resume, "Continue an incomplete dump");
     addExamples(*command, {"fxhost dump plc.csv D100:512 M64:64",
                            "fxhost dump plc.csv D100:1024 M64:64 --resume"});
+    command->callback([&action, &common, options] {
+        action = [&common, options] { return runDump(common, *options); };
+    });
+}
+
+void addBackupCommand(CLI::App& app, const CommonOptions& common, Action& action)
+{
+    CLI::App* command =
+        app.add_subcommand("backup", "Save every register that restore can write back");
+    const auto options = std::make_shared<DumpOptions>();
+    options->isBackup = true;
+    addFileOptions(*command, options->file);
+    command->add_flag("--resume", options->resume, "Continue an incomplete backup");
+    addExamples(*command, {"fxhost backup press1.csv"});
     command->callback([&action, &common, options] {
         action = [&common, options] { return runDump(common, *options); };
     });

@@ -16,6 +16,20 @@ Progress progressOf(const OutputOptions& options, const QString& label)
     return [label](int done, int total) { Console().progress(label, done, total); };
 }
 
+Progress timedProgressOf(const OutputOptions& options, const QString& label)
+{
+    const Progress plain = progressOf(options, label + " (frames)");
+    QElapsedTimer running;
+    running.start();
+    return [=](int done, int total) {
+        const qint64 leftMs = done > 0 ? running.elapsed() * (total - done) / done : 0;
+        if (leftMs < 1000)
+            return plain(done, total);
+        const QString left = QStringLiteral("%1 (frames, %2 s left)").arg(label).arg(leftMs / 1000);
+        progressOf(options, left)(done, total);
+    };
+}
+
 Progress lateProgressOf(const OutputOptions& options, const QString& label)
 {
     if (options.quiet || options.mode != OutputMode::People || !Console().isTerminal())

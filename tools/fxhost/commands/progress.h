@@ -20,4 +20,7 @@ Progress progressOf(const OutputOptions& options, const QString& label);
 // left of it at the end.
 Progress lateProgressOf(const OutputOptions& options, const QString& label);
 
+// The same with the time left, as far as the time so far tells it.
+Progress timedProgressOf(const OutputOptions& options, const QString& label);
+
 }  // namespace fxtools

@@ -8,6 +8,7 @@
 #include "tools/fxhost/commands/file_options.h"
 #include "tools/fxhost/commands/poll_result.h"
 #include "tools/fxhost/commands/progress.h"
+#include "tools/library/assignments.h"
 #include "tools/library/register_file.h"
 
 namespace fxtools {
@@ -74,7 +75,8 @@ void load(const QVector<RegisterRun>& runs, std::vector<quint16>& memory)
         if (memory.size() - word <
             static_cast<size_t>(words) * static_cast<size_t>(run.values.size()))
             throw Failure(ExitCode::File,
-                          "the recipe is too long: the recipe memory holds 65536 words");
+                          QStringLiteral("the recipe is too long: the recipe memory holds %1 words")
+                              .arg(memory.size()));
         for (const quint32 value : run.values) {
             memory[word++] = static_cast<quint16>(value & 0xFFFF);
             if (words == 2)
@@ -83,7 +85,7 @@ void load(const QVector<RegisterRun>& runs, std::vector<quint16>& memory)
     }
 }
 
-ExitCode runDownload(const CommonOptions& common, const std::string& file)
+ExitCode runDownload(const CommonOptions& common, const std::string& file, bool force)
 {
     demandNamedLink(common);
     Connection connection(common);
@@ -97,6 +99,10 @@ ExitCode runDownload(const CommonOptions& common, const std::string& file)
     for (const RegisterRun& run : runs)
         entries.append(run.range);
     needWords(entries);
+    for (const RegisterRange& entry : entries) {
+        if (!force)
+            requireOwnMemory(entry, connection.catalogue());
+    }
     load(runs, connection.session().recipeWords());
     const RecipeOutcome outcome = transferRecipe(connection.loop(), RecipeDirection::Download,
                                                  entries, progressOf(common.output, "download"));
@@ -158,8 +164,11 @@ void addRecipeCommand(CLI::App& app, const CommonOptions& common, Action& action
         ->required();
     addExamples(*download, {"fxhost recipe upload recipe.csv D1000:64 32CV200:4",
                             "fxhost recipe download recipe.csv"});
-    download->callback([&action, &common, file] {
-        action = [&common, file] { return runDownload(common, *file); };
+    const auto force = std::make_shared<bool>(false);
+    download->add_flag("--force", *force,
+                       "Write also to registers that share their address with others");
+    download->callback([&action, &common, file, force] {
+        action = [&common, file, force] { return runDownload(common, *file, *force); };
     });
 
     const auto options = std::make_shared<UploadOptions>();

@@ -1,14 +1,14 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// fxhost restore: writes the registers of a file to the PLC and reads them back, one frame at a
-// time. Stops at the first failure and says where to continue. Registers that hold another value
+// fxhost restore: shows where the PLC differs from a file, and writes those registers, one frame at
+// a time. Stops at the first failure and says where to continue. Registers that hold another value
 // afterwards, because the PLC's program writes them, are named at the end.
 
-#include "tools/fxhost/commands/connection.h"
-#include "tools/fxhost/commands/progress.h"
+#include "tools/fxhost/commands/file_comparison.h"
 #include "tools/fxhost/commands/write_report.h"
-#include "tools/library/register_file.h"
+#include "tools/fxhost/views/question.h"
+#include "tools/library/assignments.h"
 
 #include <QJsonArray>
 
@@ -22,6 +22,10 @@ struct RestoreOptions
 {
     std::string file;
     std::string from;
+    bool verify = true;
+    bool dryRun = false;
+    bool yes = false;
+    bool force = false;
 };
 
 // The runs from a register on, which must be in one of them.
@@ -59,13 +63,15 @@ QStringList namesOfDifferent(const RegisterRun& run, const QVector<quint32>& hel
     return names;
 }
 
-// Returns nothing if the values were written and read back.
-std::optional<Stop> restoreRun(Connection& connection, const RegisterRun& run,
+// Returns nothing if the values were written and, unless that was not wanted, read back.
+std::optional<Stop> restoreRun(Connection& connection, const RegisterRun& run, bool verify,
                                QStringList& different)
 {
     const WriteOutcome outcome = writeRegisters(connection.loop(), run.range, run.values);
     if (!outcome.isGood())
         return Stop{failureText(outcome), *outcome.problem};
+    if (!verify)
+        return std::nullopt;
     const ReplyVerdict verdict = readBack(connection.loop(), run.range);
     if (verdict != ReplyVerdict::Good)
         return Stop{"written, but could not be read back: " + verdictText(verdict), verdict};
@@ -92,43 +98,87 @@ ExitCode stopped(const RegisterRun& run, const Stop& stop, const QStringList& di
     return exitCodeOf(stop.reason);
 }
 
-ExitCode finished(const CommonOptions& common, const QString& path, int registers,
-                  const QStringList& different)
+ExitCode finished(const CommonOptions& common, const RestoreOptions& options, int registers,
+                  int skipped, const QStringList& different)
 {
-    showResult(
-        common.output,
-        QStringLiteral("  %1: %2 written and read back").arg(path, counted(registers, "register")),
-        {{"file", path},
-         {"written", registers},
-         {"different", QJsonArray::fromStringList(different)}});
+    const QString path = QString::fromStdString(options.file);
+    QString words = QStringLiteral("  %1: %2 written%3")
+                        .arg(path, counted(registers, "register"),
+                             QLatin1String(options.verify ? " and read back" : ""));
+    if (skipped > 0)
+        words += QStringLiteral(", %1 skipped").arg(skipped);
+    showResult(common.output, words,
+               {{"file", path},
+                {"written", registers},
+                {"skipped", skipped},
+                {"different", QJsonArray::fromStringList(different)}});
     complainOfDifferent(different);
-    return different.isEmpty() ? ExitCode::Good : ExitCode::SomeFailed;
+    return different.isEmpty() && skipped == 0 ? ExitCode::Good : ExitCode::SomeFailed;
+}
+
+// Everything that can be said before the PLC is asked.
+RegisterFile checkedFile(const RestoreOptions& options, const Connection& connection)
+{
+    const QString path = QString::fromStdString(options.file);
+    const RegisterCatalogue& catalogue = connection.catalogue();
+    RegisterFile file =
+        readRegisterFile(path, catalogue, connection.session().settings().wordsPerFrame / 2);
+    checkWritable(path, file.runs);
+    for (const RegisterRun& run : file.runs) {
+        if (!options.force)
+            requireOwnMemory(run.range, catalogue);
+    }
+    if (!options.from.empty())
+        file.runs =
+            runsFrom(file.runs, parseAddress(QString::fromStdString(options.from), catalogue));
+    return file;
+}
+
+ExitCode writeChanges(Connection& connection, const CommonOptions& common,
+                      const RestoreOptions& options, const Comparison& comparison, int skipped)
+{
+    const QVector<RegisterRun> runs =
+        comparison.changes(connection.session().settings().wordsPerFrame / 2);
+    const Progress progress = progressOf(common.output, QStringLiteral("restore"));
+    QStringList different;
+    for (int done = 0; done < runs.size(); ++done) {
+        progress(done, runs.size());
+        const std::optional<Stop> stop =
+            restoreRun(connection, runs[done], options.verify, different);
+        if (stop)
+            return stopped(runs[done], *stop, different);
+    }
+    if (!runs.isEmpty())
+        progress(runs.size(), runs.size());
+    return finished(common, options, comparison.different(), skipped, different);
 }
 
 ExitCode runRestore(const CommonOptions& common, const RestoreOptions& options)
 {
     demandNamedLink(common);
     Connection connection(common);
-    const QString path = QString::fromStdString(options.file);
-    QVector<RegisterRun> runs = readRegisterFile(path, connection.catalogue(),
-                                                 connection.session().settings().wordsPerFrame / 2)
-                                    .runs;
-    checkWritable(path, runs);
-    if (!options.from.empty())
-        runs = runsFrom(runs,
-                        parseAddress(QString::fromStdString(options.from), connection.catalogue()));
-    const Progress progress = progressOf(common.output, QStringLiteral("restore"));
-    QStringList different;
-    int registers = 0;
-    for (int done = 0; done < runs.size(); ++done) {
-        progress(done, runs.size());
-        const std::optional<Stop> stop = restoreRun(connection, runs[done], different);
-        if (stop)
-            return stopped(runs[done], *stop, different);
-        registers += runs[done].range.count;
+    const RegisterFile file = checkedFile(options, connection);
+    const Comparison comparison =
+        compareWithPlc(connection, file.runs, lateProgressOf(common.output, "reading"));
+    if (comparison.problem) {
+        complain("nothing was written, because not everything could be read: " +
+                 verdictText(*comparison.problem));
+        return exitCodeOf(*comparison.problem);
     }
-    progress(runs.size(), runs.size());
-    return finished(common, path, registers, different);
+    const bool isForPeople = common.output.mode == OutputMode::People && !common.output.quiet;
+    if (options.dryRun || (isForPeople && comparison.different() + comparison.refused() > 0))
+        showDifferences(comparison, common.output);
+    if (options.dryRun)
+        return ExitCode::Good;
+    const QString question =
+        QStringLiteral("Write %1 to %2?")
+            .arg(counted(comparison.different(), "register"), connection.link().name());
+    if (comparison.different() > 0 && !options.yes && !isConfirmed(question)) {
+        complain(QStringLiteral("nothing was written"));
+        return ExitCode::SomeFailed;
+    }
+    return writeChanges(connection, common, options, comparison,
+                        comparison.refused() + file.withoutValue);
 }
 
 }  // namespace
@@ -138,13 +188,19 @@ void addRestoreCommand(CLI::App& app, const CommonOptions& common, Action& actio
     CLI::App* command =
         app.add_subcommand("restore", "Write the registers of a file and read them back");
     const auto options = std::make_shared<RestoreOptions>();
-    command->add_option("file", options->file, "CSV file written by dump")
+    command->add_option("file", options->file, "CSV file written by dump or backup")
         ->type_name("")
         ->required();
     command->add_option("--from", options->from, "Start with this register of the file")
         ->type_name("ADDRESS");
-    addExamples(*command, {"fxhost dump plc.csv D100:512 M64:64", "fxhost restore plc.csv",
-                           "fxhost restore plc.csv --from D132"});
+    command->add_flag("--dry-run", options->dryRun, "Show what would change, and write nothing");
+    command->add_flag("-y,--yes", options->yes, "Do not ask before writing");
+    command->add_flag("--force", options->force,
+                      "Write also to registers that share their address with others");
+    addVerifyOption(*command, options->verify);
+    addExamples(*command,
+                {"fxhost dump plc.csv D100:512 M64:64", "fxhost restore plc.csv --dry-run",
+                 "fxhost restore plc.csv --yes --from D132"});
     command->callback([&action, &common, options] {
         action = [&common, options] { return runRestore(common, *options); };
     });

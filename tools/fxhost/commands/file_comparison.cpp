@@ -1,0 +1,102 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+
+#include "tools/fxhost/commands/file_comparison.h"
+
+#include "tools/exchange/poller.h"
+#include "tools/library/values.h"
+
+#include <algorithm>
+
+namespace fxtools {
+
+namespace {
+
+// A refused register is a finding; anything else that goes wrong ends the comparison.
+std::optional<ReplyVerdict> compareRun(Connection& connection, const RegisterRun& run,
+                                       QVector<ComparedRegister>& registers)
+{
+    Poller poller(connection.loop(), connection.catalogue(), {run.range});
+    const RoundEnd end = poller.poll();
+    if (end != RoundEnd::Done)
+        return verdictOf(end);
+    const QVector<quint32> held = poller.values(run.range);
+    for (int index = 0; index < run.range.count; ++index) {
+        const std::optional<ReplyVerdict> problem = poller.problemOf(run.range, index);
+        if (problem && problem != ReplyVerdict::Refused)
+            return problem;
+        registers.append(
+            {run.range.part(index, 1), run.values[index], held[index], problem.has_value()});
+    }
+    return std::nullopt;
+}
+
+bool isNext(const RegisterRange& range, const RegisterRange& one)
+{
+    return range.identity(range.count) == one.identity(0);
+}
+
+}  // namespace
+
+int Comparison::different() const
+{
+    return static_cast<int>(
+        std::count_if(registers.begin(), registers.end(),
+                      [](const ComparedRegister& one) { return one.differs(); }));
+}
+
+int Comparison::refused() const
+{
+    return static_cast<int>(
+        std::count_if(registers.begin(), registers.end(),
+                      [](const ComparedRegister& one) { return one.isRefused; }));
+}
+
+QVector<RegisterRun> Comparison::changes(int mostRegisters) const
+{
+    QVector<RegisterRun> runs;
+    for (const ComparedRegister& one : registers) {
+        if (!one.differs())
+            continue;
+        if (runs.isEmpty() || runs.last().range.count == mostRegisters ||
+            !isNext(runs.last().range, one.one)) {
+            runs.append({one.one, {one.inFile}});
+            continue;
+        }
+        ++runs.last().range.count;
+        runs.last().values.append(one.inFile);
+    }
+    return runs;
+}
+
+Comparison compareWithPlc(Connection& connection, const QVector<RegisterRun>& runs,
+                          const Progress& progress)
+{
+    Comparison comparison;
+    for (int done = 0; done < runs.size() && !comparison.problem; ++done) {
+        progress(done, runs.size());
+        comparison.problem = compareRun(connection, runs[done], comparison.registers);
+    }
+    if (!comparison.problem)
+        progress(runs.size(), runs.size());
+    return comparison;
+}
+
+void showDifferences(const Comparison& comparison, const OutputOptions& output)
+{
+    Records records(output, {{"address"}, {"plc"}, {"file"}, {"error"}});
+    for (const ComparedRegister& one : comparison.registers) {
+        const auto value = [&one](quint32 number) {
+            return valueOf({number}, one.one.type, ValueStyle());
+        };
+        const QJsonValue none = QJsonValue::Undefined;
+        if (one.isRefused)
+            records.add(
+                {one.one.text(), none, value(one.inFile), verdictText(ReplyVerdict::Refused)});
+        else if (one.differs())
+            records.add({one.one.text(), value(one.inPlc), value(one.inFile), none});
+    }
+    records.finish();
+}
+
+}  // namespace fxtools
