@@ -139,7 +139,8 @@ TEST_F(RegisterFiles, NamesTheLineOfAMistake)
          "D100, "
          "X17, D100:32 or D0-D9"},
         {"a line of more than forty characters that has no comma\n",
-         ", line 1: 'a line of more than forty characters that has no comma': expected ADDRESS,VALUE"},
+         ", line 1: 'a line of more than forty characters that has no comma': expected "
+         "ADDRESS,VALUE"},
     };
     for (const Row& row : rows)
         EXPECT_EQ(errorOf([&] { runsOf(row.text); }), path.toStdString() + row.says);

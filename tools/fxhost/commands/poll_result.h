@@ -16,7 +16,7 @@ namespace fxtools {
 struct PolledValue
 {
     QString name;
-    QString type;  // of the register
+    QString type;                              // of the register
     QJsonValue value = QJsonValue::Undefined;  // undefined if it was not read
     std::optional<ReplyVerdict> problem;
 
