@@ -102,7 +102,6 @@ void addCommands(CLI::App& app, CommonOptions& common, Action& action)
     addStatsCommand(app, common, action);
     addRecordCommand(app, common, action);
     addDoctorCommand(app, common, action);
-    addPortsCommand(app, common, action);
     addDemoCommand(app, common, action);
     for (CLI::App* const command : app.get_subcommands({}))
         command->group(plcGroup);
@@ -111,6 +110,7 @@ void addCommands(CLI::App& app, CommonOptions& common, Action& action)
     addSeriesCommand(app, common, action);
     addPlanCommand(app, common, action);
     addReplayCommand(app, common, action);
+    addPortsCommand(app, common, action);
     addHelpCommand(app, common, action);
     for (CLI::App* const command : app.get_subcommands({})) {
         if (command->get_group() != plcGroup)
