@@ -29,7 +29,7 @@ COMMANDS = [
     ("stats", "stats D0:4 -n 2"),
     ("doctor", "doctor"),
     ("dump", "dump plc.csv D100:4"),
-    ("restore", "restore plc.csv"),
+    ("restore", "restore plc.csv --yes"),
     ("recipe", "recipe upload recipe.csv D100:4"),
     ("recipe", "recipe download recipe.csv"),
     ("record", "record session.jsonl D0 -n 2"),
