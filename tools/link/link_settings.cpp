@@ -56,11 +56,12 @@ std::optional<int> numberIn(const LinkParts& parts, const char* name, int least,
         return std::nullopt;
     bool isNumber = false;
     const int number = text->toInt(&isNumber);
-    if (!isNumber || number < least || number > most)
+    if (!isNumber || number < least || number > most) {
         reject(parts, QStringLiteral("%1 must be a number from %2 to %3")
                           .arg(QLatin1String(name))
                           .arg(least)
                           .arg(most));
+    }
     return number;
 }
 
