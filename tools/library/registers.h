@@ -53,7 +53,7 @@ struct RegisterRange
     int station = 1;
     int first = 0;
     int count = 1;
-    QString askedType;  // the other name of the type that was asked for: "D" of D8000
+    QString askedType = {};  // the other name of the type that was asked for: "D" of D8000
 
     RegisterRange part(int offset, int partCount) const;
     QVector<RegisterRange> cut(int mostRegisters) const;  // into parts; the last may be shorter
