@@ -79,7 +79,8 @@ TEST_F(TerminalViews, WatchFollowsTheSizeOfItsTerminal)
 {
     Terminal terminal(linked({"watch", "D0:30", "-l", "20"}), 40, 15);
     ASSERT_TRUE(terminal.waitForText("1-12 of 30"));
-    EXPECT_EQ(terminal.screen().lines().size(), 14) << "and the cursor below them";
+    ASSERT_TRUE(terminal.waitFor([](const Screen& screen) { return screen.lines().size() == 14; }))
+        << "and the cursor below them";
     terminal.resize(40, 12);
     ASSERT_TRUE(terminal.waitForText("1-9 of 30"));
     terminal.resize(120, 40);
@@ -121,7 +122,7 @@ TEST_F(TerminalViews, OneTableStaysWhileALinkIsLost)
     ASSERT_TRUE(terminal.waitForText("cycle 3:"));
     plc.command("drop-link 100");
     ASSERT_TRUE(terminal.waitForText("the link was lost"));
-    EXPECT_TRUE(terminal.screen().text().contains("D0      0  link-lost")) << "old, and dimmed";
+    ASSERT_TRUE(terminal.waitForText("D0      0  link-lost")) << "old, and dimmed";
     plc.command("poke 0x1000 77");
     ASSERT_TRUE(terminal.waitForText("D0     77"));
     ASSERT_TRUE(terminal.waitForText("  cycle "));
@@ -147,7 +148,8 @@ TEST_F(TerminalViews, KeysDoNotWaitForTheNextCycle)
     ASSERT_TRUE(terminal.waitForText("cycle 1:"));
     terminal.press('s');
     ASSERT_TRUE(terminal.waitForText("sorted by address"));
-    EXPECT_TRUE(terminal.screen().lines()[1].startsWith("  D0"));
+    ASSERT_TRUE(terminal.waitFor(
+        [](const Screen& screen) { return screen.lines().value(1).startsWith("  D0"); }));
     terminal.press('p');
     ASSERT_TRUE(terminal.waitForText("paused; cycle 1:"));
     terminal.press('q');
