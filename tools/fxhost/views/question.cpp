@@ -16,11 +16,12 @@ namespace fxtools {
 
 namespace {
 
-// A signal ends the waiting, but not a read.
+constexpr int napMs = 20;  // how soon an interrupt is noticed, also one just before the waiting
+
 QString typedLine()
 {
     pollfd terminal = {STDIN_FILENO, POLLIN, 0};
-    while (poll(&terminal, 1, -1) < 0) {
+    while (poll(&terminal, 1, napMs) <= 0) {
         if (interrupted())
             throw Failure(ExitCode::Interrupted, QStringLiteral("interrupted"));
     }
