@@ -33,15 +33,17 @@ struct ControlTest : testing::Test
                      [] { return static_cast<qint64>(0); }}};
 };
 
+struct Exchange
+{
+    const char* line;
+    const char* answer;
+};
+
 }  // namespace
 
 TEST_F(ControlTest, AnswersEachCommand)
 {
-    const struct
-    {
-        const char* line;
-        const char* answer;
-    } rows[] = {
+    const Exchange rows[] = {
         {"poke 0x1000 1 0xFF 16", "ok\n"},
         {"peek 0x1000 4", "1000: 01 FF 10 00\nok\n"},
         {"  peek   4096 ", "1000: 01\nok\n"},
@@ -72,6 +74,18 @@ TEST_F(ControlTest, AnswersEachCommand)
          "commands\n"},
         {"jump", "error: unknown command 'jump'; 'help' lists all commands\n"},
         {"peek", "error: usage: peek PLACE [COUNT]\n"},
+        {"quit now", "error: usage: quit\n"},
+    };
+    for (const Exchange& row : rows)
+        EXPECT_EQ(run(row.line), row.answer) << row.line;
+    EXPECT_TRUE(run("faults help").contains("  wrong-sum "));
+    EXPECT_TRUE(run("stats").startsWith("  clients "));
+    EXPECT_TRUE(run("stats").endsWith("\nok\n"));
+}
+
+TEST_F(ControlTest, KnowsTheNamesOfDevices)
+{
+    const Exchange rows[] = {
         {"poke D100 -2 65535 0x10", "ok\n"},
         {"peek D100 3", "D100: -2 -1 16\nok\n"},
         {"peek 0x10C8 6", "10C8: FE FF FF FF 10 00\nok\n"},
@@ -99,13 +113,9 @@ TEST_F(ControlTest, AnswersEachCommand)
         {"peek M8000 2", "M8000: 0 1\nok\n"},
         {"run", "ok\n"},
         {"peek M8000 2", "M8000: 1 0\nok\n"},
-        {"quit now", "error: usage: quit\n"},
     };
-    for (const auto& row : rows)
+    for (const Exchange& row : rows)
         EXPECT_EQ(run(row.line), row.answer) << row.line;
-    EXPECT_TRUE(run("faults help").contains("  wrong-sum "));
-    EXPECT_TRUE(run("stats").startsWith("  clients "));
-    EXPECT_TRUE(run("stats").endsWith("\nok\n"));
 }
 
 TEST_F(ControlTest, BadPokeChangesNothing)
