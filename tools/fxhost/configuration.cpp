@@ -17,7 +17,7 @@ namespace fxtools {
 
 namespace {
 
-constexpr qint64 largestFile = 1024 * 1024;
+constexpr qint64 largestFile = 1 << 20;
 constexpr Limits stationLimits{1, 255};
 constexpr Limits wordLimits{leastWordsPerFrame, mostWordsPerFrame};
 
@@ -70,11 +70,12 @@ public:
         if (!node)
             return std::nullopt;
         const std::optional<int64_t> value = node->value_exact<int64_t>();
-        if (!value || *value < limits.least || *value > limits.most)
+        if (!value || *value < limits.least || *value > limits.most) {
             reject(node->source(), QStringLiteral("%1 must be a whole number from %2 to %3")
                                        .arg(key)
                                        .arg(limits.least)
                                        .arg(limits.most));
+        }
         return static_cast<int>(*value);
     }
 
@@ -85,12 +86,13 @@ public:
         if (!node || !node->is_string())
             return number(table, key, limits);
         const std::optional<qint64> timeMs = parseTimeMs(node->as_string()->get());
-        if (!timeMs || *timeMs < limits.least || *timeMs > limits.most)
+        if (!timeMs || *timeMs < limits.least || *timeMs > limits.most) {
             reject(node->source(), QStringLiteral("%1 must be a time from %2 ms to %3 s: 500 or "
                                                   "\"0.5s\"")
                                        .arg(key)
                                        .arg(limits.least)
                                        .arg(limits.most / 1000));
+        }
         return static_cast<int>(*timeMs);
     }
 

@@ -46,11 +46,12 @@ Connection::Connection(const ConnectionSettings& settings)
 {
     m_keeper.isInterrupted = settings.loop.isInterrupted;
     m_keeper.onState = settings.onLinkState;
-    if (!m_keeper.onState)
+    if (!m_keeper.onState) {
         m_keeper.onState = [name = link().name(),
                             timestamps = settings.timestamps](const QString& text) {
             complain((timestamps ? timestamp() + "  " : QString()) + name + ": " + text);
         };
+    }
     m_loop.onLinkLost = [this] { return reconnect(); };
     m_loop.onBabble = [](const QByteArray& heard) {
         complain("something on this line sends by itself: " +

@@ -212,16 +212,18 @@ QString meaning(const Finding& finding)
     QStringList troubles;
     if (finding.needsTolerance)
         troubles += advice(ReplyVerdict::Surrounded, check);
-    if (check.worst() != ReplyVerdict::Good)
+    if (check.worst() != ReplyVerdict::Good) {
         troubles += QStringLiteral("Only %1 % of %2 exchanges were good; most often: %3. %4")
                         .arg(check.goodPercent())
                         .arg(check.measured())
                         .arg(verdictText(check.worst()), advice(check.worst(), check));
-    if (!check.blocks.isEmpty() && check.blocks.last().verdict != ReplyVerdict::Good)
+    }
+    if (!check.blocks.isEmpty() && check.blocks.last().verdict != ReplyVerdict::Good) {
         troubles += QStringLiteral("Blocks of %1 bytes fail (%2): use at most %3 words in a frame.")
                         .arg(check.blocks.last().byteCount)
                         .arg(verdictText(check.blocks.last().verdict))
                         .arg(check.words());
+    }
     if (!check.unasked.isEmpty())
         troubles += advice(ReplyVerdict::Babble, check);
     const QString answers = "The PLC answers (" + finding.setting + "). ";
@@ -315,13 +317,14 @@ void Doctor::showAdvice()
     m_console.line();
     if (check.plc)
         m_console.line("  PLC: " + plcText(check));
-    if (check.goodPercent() > 0 && !m_output.quiet)
+    if (check.goodPercent() > 0 && !m_output.quiet) {
         m_console.line(QStringLiteral("  %1 of %2 exchanges good; response: typically %3 ms, at "
                                       "most %4 ms")
                            .arg(check.exchanges.value(ReplyVerdict::Good))
                            .arg(check.measured())
                            .arg(check.responses.percentileUs(50) / 1000)
                            .arg(check.responses.largestUs() / 1000));
+    }
     m_console.line(meaning(best));
     if (check.goodPercent() > 0)
         m_console.line("To go on:\n  " + commandLine(best));
