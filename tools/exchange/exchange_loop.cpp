@@ -174,7 +174,7 @@ void ExchangeLoop::handOver(Exchange& exchange)
 QByteArray ExchangeLoop::receive(int byteCount)
 {
     QByteArray reply = listen(m_timeout.milliseconds());
-    const qint64 endUs = elapsedUs() + 1000 * longestReplyMs;
+    const qint64 endUs = elapsedUs() + 1000LL * longestReplyMs;
     bool goesOn = !reply.isEmpty();
     while (goesOn && reply.size() < byteCount && reply.front() != nak && !isInterrupted()) {
         const QByteArray more = listen(betweenBytesMs());
@@ -282,7 +282,7 @@ void ExchangeLoop::throwAway(const QByteArray& bytes)
 // small part of a response time.
 qint64 ExchangeLoop::momentUs(qint64 responseUs) const
 {
-    return std::min<qint64>(responseUs / emptyLineShare, 1000 * longestEmptyLineMs);
+    return std::min<qint64>(responseUs / emptyLineShare, 1000LL * longestEmptyLineMs);
 }
 
 int ExchangeLoop::quietMs() const

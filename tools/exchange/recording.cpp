@@ -107,12 +107,13 @@ Recording readRecording(const QString& path)
     const QFileInfo info(path);
     if (info.exists() && !info.isFile())
         throw Failure(ExitCode::File, path + ": not a regular file");
-    if (info.size() > largestFile)
+    if (info.size() > largestFile) {
         throw Failure(ExitCode::File,
                       QStringLiteral("%1: %2 MB is too large: at most %3 MB make sense")
                           .arg(path)
                           .arg(info.size() >> 20)
                           .arg(largestFile >> 20));
+    }
     if (!file.open(QIODevice::ReadOnly))
         throw Failure(ExitCode::File, path + ": " + file.errorString());
     const QJsonObject head = nextObject(file, 1);

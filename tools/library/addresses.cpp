@@ -148,7 +148,7 @@ QString limitsText(const RegisterType& type)
 
 QString AskedAddress::nameOf(int index) const
 {
-    const QString name = range.nameOf(index);
+    QString name = range.nameOf(index);
     if (bit)
         return QStringLiteral("%1.%2").arg(name).arg(*bit);
     if (!isGroup)

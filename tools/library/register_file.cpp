@@ -147,11 +147,12 @@ RegisterFile readRegisterFile(const QString& path, const RegisterCatalogue& cata
     const QFileInfo info(path);
     if (info.exists() && !info.isDir() && !info.isFile())
         throw Failure(ExitCode::File, path + ": not a regular file");
-    if (file.size() > mostFileBytes)
+    if (file.size() > mostFileBytes) {
         throw Failure(ExitCode::File,
                       QStringLiteral("%1: %2 bytes are too many for a file of registers")
                           .arg(path)
                           .arg(file.size()));
+    }
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
         throw Failure(ExitCode::File, path + ": " + file.errorString());
     QTextStream lines(&file);  // without the mark that spreadsheets put in front

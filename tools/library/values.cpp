@@ -113,7 +113,7 @@ QVector<quint32> parseText(const QString& text, const RegisterRange& target)
     if (QString::fromLatin1(bytes) != text)
         reject(text, QStringLiteral("has characters that take more than one byte"));
     const int most = charactersPerWord * target.count;
-    if (bytes.size() > most)
+    if (bytes.size() > most) {
         reject(text, QStringLiteral("has %1 characters, but %2 holds %3; %4")
                          .arg(bytes.size())
                          .arg(target.text())
@@ -121,6 +121,7 @@ QVector<quint32> parseText(const QString& text, const RegisterRange& target)
                          .arg(QStringLiteral("use %1:%2")
                                   .arg(target.nameOf(0))
                                   .arg((bytes.size() + 1) / charactersPerWord)));
+    }
     bytes.append(QByteArray(most - bytes.size(), '\0'));
     QVector<quint32> words;
     for (int at = 0; at < most; at += charactersPerWord)
@@ -331,12 +332,13 @@ quint32 parseNumber(const QString& text, int bits, ValueFormat format, const QSt
     if (!fits && format == ValueFormat::Bcd)
         reject(text,
                QStringLiteral("does not fit in %1 BCD digits").arg(bits / bitsPerDigit) + hint);
-    if (!fits)
+    if (!fits) {
         reject(text, QStringLiteral("does not fit in %1 bits: %2 to %3")
                              .arg(bits)
                              .arg(limits.lowest)
                              .arg(limits.highest) +
                          hint);
+    }
     const quint32 mask = bits == doubleWordBits ? ~quint32(0) : (quint32(1) << bits) - 1;
     return bcd.value_or(static_cast<quint32>(value) & mask);
 }

@@ -215,7 +215,7 @@ QVector<TimeClass> timeClasses(const Histogram& times)
     for (const int factor :
          {2, 5, 10, 20, 50, 100, 200, 500, 1000, 2000, 5000, 10000, 20000, 50000, 100000, 200000}) {
         if (8 * widthUs < usualUs)
-            widthUs = 10 * factor;
+            widthUs = qint64(10) * factor;
     }
     QVector<TimeClass> classes;
     qint64 counted = 0;
