@@ -26,7 +26,6 @@ public:
     // Makes one cycle. What it does not reach, because it ends early, is read in the next one.
     RoundEnd poll();
 
-    const QVector<RegisterRange>& ranges() const { return m_ranges; }
     QVector<quint32> values(const RegisterRange& range) const;
 
     // Why a register was not read in the last cycle; nothing if it was.
