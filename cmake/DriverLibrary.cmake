@@ -4,6 +4,9 @@
 # The five library folders, compiled once: into the shared object and, as objects, into the tests,
 # which reach the internal functions that the shared object hides.
 
+set(FX_PUBLIC_HEADERS intf.h address_services.h records.h entry_point.h)
+list(TRANSFORM FX_PUBLIC_HEADERS PREPEND ${PROJECT_SOURCE_DIR}/driver/)
+
 add_library(fx_driver_objects OBJECT
     address/address_check.cpp
     address/catalogue.cpp

@@ -15,7 +15,7 @@ install(TARGETS mitsubishi_fx1s EXPORT mitsubishi_fx1s
     INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT runtime)
 
-install(FILES driver/intf.h driver/records.h
+install(FILES ${FX_PUBLIC_HEADERS}
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/mitsubishi_fx1s COMPONENT dev)
 install(EXPORT mitsubishi_fx1s NAMESPACE mitsubishi_fx1s:: DESTINATION ${package_dir}
     FILE mitsubishi_fx1s-targets.cmake COMPONENT dev)

@@ -13,11 +13,12 @@ if(NOT FX_DOXYGEN)
 endif()
 
 set(reference ${PROJECT_BINARY_DIR}/reference)
+list(JOIN FX_PUBLIC_HEADERS " " public_headers)
 configure_file(docs/reference/Doxyfile.in ${reference}.doxyfile @ONLY)
 
 add_custom_command(OUTPUT ${reference}/html/index.html
     COMMAND sh ${PROJECT_SOURCE_DIR}/docs/reference/make.sh ${FX_DOXYGEN} ${reference}
-    DEPENDS driver/intf.h driver/records.h docs/reference/header.html docs/reference/make.sh
+    DEPENDS ${FX_PUBLIC_HEADERS} docs/reference/header.html docs/reference/make.sh
         docs/reference/pages.awk ${reference}.doxyfile
     VERBATIM)
 if(FX_BUILD_REFERENCE)

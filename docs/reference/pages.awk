@@ -10,9 +10,12 @@
 
 /^\/\/ ---- / {
     gsub(/^\/\/ ---- | -+$/, "")
-    if (chapter++)
+    if (chapter)
         print "/// @}"
-    printf "/// @defgroup chapter%d %s\n/// @{\n", chapter, $0
+    chapter = 1
+    id = tolower($0)
+    gsub(/[^a-z]/, "", id)
+    printf "/// @defgroup %s %s\n/// @{\n", id, $0
     next
 }
 

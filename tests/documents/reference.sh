@@ -2,16 +2,16 @@
 # SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 # SPDX-License-Identifier: MIT
 #
-# Each entry point of the public header has a manual page that bears its name, says what it does,
+# Each entry point of the public headers has a manual page that bears its name, says what it does,
 # and shows its declaration with words for every parameter. Doxygen's own warnings, which end the
 # build, see to the HTML.
 #
-#   reference.sh HEADER FOLDER    FOLDER is where Doxygen put html/ and man/
+#   reference.sh FOLDER HEADER...    FOLDER is where Doxygen put html/ and man/
 
 set -euo pipefail
 
-header=${1:?usage: reference.sh HEADER FOLDER}
-pages=${2:?usage: reference.sh HEADER FOLDER}/man/man3
+pages=${1:?usage: reference.sh FOLDER HEADER...}/man/man3
+shift
 pages_seen=0
 
 fail() {
@@ -29,5 +29,5 @@ while read -r name; do
         grep -qE "^\\\\fI$parameter\\\\fP .*[a-z0-9]" "$page" || fail "$page leaves out $parameter"
     done
     pages_seen=$((pages_seen + 1))
-done < <(grep -E '^FX_ENTRY_POINT ' "$header" | grep -oE '\bintf_[A-Za-z]+')
+done < <(grep -hE '^FX_ENTRY_POINT ' "$@" | grep -oE '\bintf_[A-Za-z]+')
 [ "$pages_seen" -eq 18 ] || fail "$pages_seen pages instead of 18"

@@ -56,10 +56,11 @@ reference_files() {
     {
         printf './usr/share/man/man3/intf_%s.3.gz\n' $entry_points
         printf "./usr/share/doc/libmitsubishi-fx1s-dev/reference/%s\n" \
-            $(printf 'group__intf__%s.html ' $entry_points) group__chapter{1..6}.html \
+            $(printf 'group__intf__%s.html ' $entry_points) \
+            group__{addressservices,exchange,planning,recipes,setup,values}.html \
             struct{FRAME__PRO,KEY__ADDRESS,VARIABLE,__DATA__,__RCP__VAR__PRO}.html \
             {annotated,classes,files,functions{,_vars},globals{,_enum,_eval,_func,_type,_vars}}.html \
-            {index,intf_8h,modules,records_8h}.html {doxygen,tabs}.css doxygen.svg \
+            {address__services_8h,index,intf_8h,modules,records_8h}.html {doxygen,tabs}.css doxygen.svg \
             {bc_s,bdwn,closed,doc,folder{closed,open},nav_{f,g,h},open,splitbar}.png \
             {sync_{off,on},tab_{a,b,h,s}}.png
     }
@@ -72,6 +73,8 @@ reference_files() {
 ./usr/$FX_LIBDIR/cmake/mitsubishi_fx1s/mitsubishi_fx1s-targets.cmake
 ./usr/$FX_LIBDIR/libmitsubishi_fx1s.so
 ./usr/$FX_LIBDIR/pkgconfig/mitsubishi_fx1s.pc
+./usr/include/mitsubishi_fx1s/address_services.h
+./usr/include/mitsubishi_fx1s/entry_point.h
 ./usr/include/mitsubishi_fx1s/intf.h
 ./usr/include/mitsubishi_fx1s/records.h
 ./usr/share/doc/libmitsubishi-fx1s-dev/CHANGELOG.md
