@@ -4,10 +4,9 @@
 // A yardstick: libmodbus reading 32 registers from its own server over loopback TCP. CPU time is
 // that of the client's thread alone.
 
-#include "bench/loopback.h"
-
 #include <benchmark/benchmark.h>
 #include <modbus/modbus.h>
+#include <netinet/in.h>
 
 #include <thread>
 #include <unistd.h>
@@ -15,6 +14,15 @@
 namespace {
 
 constexpr int registerCount = 32;
+constexpr const char* loopbackAddress = "127.0.0.1";
+
+int portOf(int socket)
+{
+    sockaddr_in address = {};
+    socklen_t length = sizeof address;
+    getsockname(socket, reinterpret_cast<sockaddr*>(&address), &length);
+    return ntohs(address.sin_port);
+}
 
 // Serves one client until it hangs up.
 void serve(modbus_t* context, int listener)
@@ -32,8 +40,8 @@ void serve(modbus_t* context, int listener)
 
 void libmodbusLoopbackExchange(benchmark::State& state)
 {
-    const int listener = listenOnLoopback();
     modbus_t* server = modbus_new_tcp(loopbackAddress, 0);
+    const int listener = modbus_tcp_listen(server, 1);
     std::thread serverThread(serve, server, listener);
     modbus_t* client = modbus_new_tcp(loopbackAddress, portOf(listener));
     if (modbus_connect(client) != 0)

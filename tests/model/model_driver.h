@@ -3,8 +3,8 @@
 //
 // A second driver, written as plainly as the rules can be put down: linear scans, if-chains, no
 // table, no look-aside, nothing shared with the library but the records that the host knows. Its
-// methods are the entry points without their prefix. The model tests drive both and compare; the
-// benchmarks time it as the price of the plain way.
+// methods are the entry points without their prefix. The model tests and the fuzzers drive both and
+// compare.
 
 #ifndef TESTS_MODEL_MODEL_DRIVER_H
 #define TESTS_MODEL_MODEL_DRIVER_H
