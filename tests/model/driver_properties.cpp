@@ -33,9 +33,18 @@ std::string brokenArea(const _DATA_& area)
 
 std::string brokenQueue(const QList<VARIABLE>& queue)
 {
-    if (queue.size() > fxMaxQueuedRequests)
-        return "a queue is longer than its limit";
-    return "";
+    return queue.size() > fxMaxQueuedRequests ? "a queue is longer than its limit" : "";
+}
+
+// The head is the request in flight: an equal one may wait behind it.
+bool hasTwins(const QList<VARIABLE>& queue)
+{
+    std::set<std::tuple<int, QString, int, int>> keys;
+    for (int i = 1; i < queue.size(); ++i) {
+        const VARIABLE& request = queue.at(i);
+        keys.insert({request.stationNo, request.registerType, request.addressIndex, request.count});
+    }
+    return static_cast<int>(keys.size()) < static_cast<int>(queue.size()) - 1;
 }
 
 bool isUpperHex(unsigned char character)
@@ -126,6 +135,8 @@ std::string unexplainedCallback(int linkNo, int stationNo, const QString& text, 
 
 std::string brokenCache()
 {
+    if (hasTwins(driver.writeList) || hasTwins(driver.conditionReadList))
+        return "a request is queued twice behind the head";
     std::set<std::tuple<int, QString, int>> keys;
     for (const _DATA_& area : driver.dataAreas) {
         const std::string broken = brokenArea(area);

@@ -14,7 +14,7 @@
 // Lists within their limits, at most one frame in flight and well formed, counters within bounds.
 std::string brokenState();
 
-// No area has a twin, flags and marks keep within their bits.
+// No area has a twin, nor has a waiting request; flags and marks keep within their bits.
 std::string brokenCache();
 
 // STX, command, upper-case hexadecimal digits, ETX and the right sum, in the length that the
