@@ -14,15 +14,6 @@ bool sameKind(const RegisterRange& one, const RegisterRange& other)
     return one.station == other.station && one.type.name == other.type.name;
 }
 
-// The frame in flight, given up: rejected as often as the driver wants it to be.
-void giveUp(const DriverLibrary& library)
-{
-    QByteArray nothing;
-    QString errorText;
-    while (library.dealRcvFrame(nothing, errorText) == fxSendAgain) {
-    }
-}
-
 }  // namespace
 
 RegisterRange blockRange(const RegisterCatalogue& catalogue, const VARIABLE& request)
@@ -77,7 +68,7 @@ QVector<FRAME_PRO> planOf(DriverSession& session, const QVector<RegisterRange>& 
         if (session.library().getSendFrame(&frame) != fxFrameToSend)
             break;
         frames.append(frame);
-        giveUp(session.library());
+        session.giveUpFrame();
     }
     session.setPlan({});
     return frames;

@@ -106,13 +106,14 @@ int DriverSession::setPlan(const QVector<RegisterRange>& ranges)
     return m_library.addrMerge(keys);
 }
 
-void DriverSession::queueRead(const RegisterRange& range)
+KEY_ADDRESS DriverSession::queueRead(const RegisterRange& range)
 {
     KEY_ADDRESS key = planKey(range);
     if (range.type.isBit())
         key.length =
             (key.length + bitsPerByte - 1) / bitsPerByte;  // a one-off read of bits counts bytes
     m_library.addConditionRead(key, conditionalTag);
+    return key;
 }
 
 QVector<quint32> DriverSession::values(const RegisterRange& range) const
@@ -171,6 +172,17 @@ bool DriverSession::recipeRuns(RecipeDirection direction)
     return m_hostMemory[requestByte(direction)] == fxRecipeRequested;
 }
 
+// Rejected as often as the driver wants it to be.
+void DriverSession::giveUpFrame()
+{
+    FRAME_PRO frame;
+    QByteArray nothing;
+    QString errorText;
+    m_library.getSendFrame(&frame);
+    while (m_library.dealRcvFrame(nothing, errorText) == fxSendAgain) {
+    }
+}
+
 ExchangeKind DriverSession::kindOf(const FRAME_PRO& frame)
 {
     // Recipe steps go before everything else, and the download before the upload.
@@ -196,11 +208,8 @@ void DriverSession::handleCallback(int stationNo, const QString& text, int value
     if (stationNo != noStation) {
         if (onValueChanged)
             onValueChanged(text, stationNo, value);
-    } else if (text == QLatin1String(fxRecipeWordText)) {
-        if (onRecipeWord)
-            onRecipeWord(value);
-    } else if (onReadEnded) {
-        onReadEnded(value == fxReadSucceeded);
+    } else if (onRecipeWord && text == QLatin1String(fxRecipeWordText)) {
+        onRecipeWord(value);
     }
 }
 

@@ -34,7 +34,6 @@ class DriverSession
 public:
     // Called from inside the driver: only values(), write() and queueRead() may be called then.
     std::function<void(const QString& registerType, int station, int number)> onValueChanged;
-    std::function<void(bool good)> onReadEnded;
     std::function<void(int recipeWord)> onRecipeWord;
 
     DriverSession(const DriverLibrary& library, const SessionSettings& settings);
@@ -56,7 +55,7 @@ public:
 
     // Replaces the polling plan and returns the number of blocks.
     int setPlan(const QVector<RegisterRange>& ranges);
-    void queueRead(const RegisterRange& range);
+    KEY_ADDRESS queueRead(const RegisterRange& range);  // returns the request, as it is queued
 
     // One number for each register: 0 or 1, 16 bits or 32 bits.
     QVector<quint32> values(const RegisterRange& range) const;
@@ -67,6 +66,7 @@ public:
     // The entries use the recipe memory one after the other, from word 0 on. Returns their number.
     int startRecipe(RecipeDirection direction, const QVector<RegisterRange>& entries);
     bool recipeRuns(RecipeDirection direction);
+    void giveUpFrame();  // the next one, or the one in flight, fails at once
 
     // What the last frame is for. Call it before the reply is handed over.
     ExchangeKind kindOf(const FRAME_PRO& frame);

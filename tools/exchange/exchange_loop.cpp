@@ -74,6 +74,14 @@ std::optional<Exchange> ExchangeLoop::step()
     return exchange;
 }
 
+void ExchangeLoop::abandonRecipe(RecipeDirection direction)
+{
+    while (m_session.recipeRuns(direction)) {
+        m_session.giveUpFrame();
+        m_repeating = false;
+    }
+}
+
 void ExchangeLoop::sendAndReceive(Exchange& exchange)
 {
     QByteArray junk;

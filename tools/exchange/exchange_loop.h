@@ -57,6 +57,9 @@ public:
     // Nothing when the driver has nothing to send.
     std::optional<Exchange> step();
 
+    // Ends a recipe transfer without another frame: the next one starts at its first entry.
+    void abandonRecipe(RecipeDirection direction);
+
     // Sends ENQ and discards what comes before the ACK. Returns whether the ACK came.
     bool resynchronise();
 

@@ -78,23 +78,27 @@ void noteWrites(const Round& round, const RegisterRange& whole, WriteOutcome& ou
         noteWrite(*round.inFlight, whole, outcome);
 }
 
+bool isFor(const FRAME_PRO& frame, const KEY_ADDRESS& read)
+{
+    const VARIABLE& request = frame.variable;
+    return request.stationNo == read.stationNo && request.registerType == read.registerType &&
+           request.addressIndex == read.startIndex && request.count == read.length;
+}
+
+// A one-off read from before may still be in flight; if it fails, the driver drops this one too.
 ReplyVerdict readFrame(ExchangeLoop& loop, const RegisterRange& range)
 {
-    std::optional<bool> result;
-    std::optional<ReplyVerdict> failure;
-    loop.session().onReadEnded = [&result](bool good) { result = good; };
-    loop.session().queueRead(range);
-    const Round round = runUntil(loop, [&](const Round& soFar) {
-        // The driver drops what is queued after a failed read, and reports only the last one.
-        if (!soFar.ended.isEmpty() && soFar.ended.last().hasFailed() &&
-            soFar.ended.last().kind == ExchangeKind::ConditionalRead)
-            failure = soFar.ended.last().verdict;
-        return result.has_value() || failure.has_value();
-    });
-    loop.session().onReadEnded = nullptr;
-    if (round.end != RoundEnd::Done)
-        return round.verdict();
-    return result.value_or(false) ? ReplyVerdict::Good : failure.value_or(ReplyVerdict::Silence);
+    while (true) {
+        const KEY_ADDRESS read = loop.session().queueRead(range);
+        const Round round = runUntil(loop, [](const Round& soFar) {
+            return endedOfKind(soFar, ExchangeKind::ConditionalRead) > 0;
+        });
+        if (round.end != RoundEnd::Done)
+            return round.verdict();
+        const Exchange& last = round.ended.last();
+        if (isFor(last.frame, read))
+            return last.hasFailed() ? last.verdict : ReplyVerdict::Good;
+    }
 }
 
 // Makes one exchange of a round. Returns how the round ends, if it ends.

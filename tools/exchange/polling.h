@@ -45,8 +45,8 @@ Round pollCycle(ExchangeLoop& loop, int blocks);
 // Until `writes` host writes have ended. Needs a plan: without one the driver sends at most three.
 Round flushWrites(ExchangeLoop& loop, int writes);
 
-// Reads a range once, ahead of the plan: Good if the driver's callback reports success, otherwise
-// the reason. Needs a plan as well. A read in several frames ends with the first that fails.
+// Reads a range once, ahead of the plan: Good, or why it could not be read. Needs a plan as well. A
+// read in several frames ends with the first that fails.
 ReplyVerdict readOnce(ExchangeLoop& loop, const RegisterRange& range);
 
 // The same for what was written: empties the cache first, so that all values come from the PLC.

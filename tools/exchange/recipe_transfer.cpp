@@ -19,6 +19,7 @@ RecipeOutcome transferRecipe(ExchangeLoop& loop, RecipeDirection direction,
         }
         return !loop.session().recipeRuns(direction);
     });
+    loop.abandonRecipe(direction);  // if the round has left one
     outcome.transferred = round.ended.size() - round.failed();
     if (round.end != RoundEnd::Done)
         outcome.problem = round.verdict();
