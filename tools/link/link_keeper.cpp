@@ -15,7 +15,7 @@ namespace {
 
 constexpr int usualPatienceS = 30;
 constexpr int shortestPauseMs = 100;
-constexpr int longestPauseMs = 5000;
+constexpr int longestPauseMs = 700;  // jittered up to a second: as soon as a user looks up
 
 // Jitter, so that many hosts do not reconnect at the same moment.
 int jittered(int pauseMs)
@@ -26,8 +26,10 @@ int jittered(int pauseMs)
 }  // namespace
 
 LinkKeeper::LinkKeeper(Link& link, std::optional<int> patienceS)
-    : isInterrupted(interrupted), m_link(link), m_givenS(patienceS),
-      m_patienceS(patienceS.value_or(usualPatienceS)), m_pauseMs(shortestPauseMs)
+    : isInterrupted(interrupted),
+      sleeps([this](qint64 timeMs) { return sleepUnlessInterrupted(timeMs, isInterrupted); }),
+      m_link(link), m_givenS(patienceS), m_patienceS(patienceS.value_or(usualPatienceS)),
+      m_pauseMs(shortestPauseMs)
 {
     m_gone.start();
 }
@@ -81,8 +83,7 @@ bool LinkKeeper::reopen(qint64 answers)
 LinkKeeper::Awaited LinkKeeper::await()
 {
     while (patienceLeftMs() > 0) {
-        if (!sleepUnlessInterrupted(std::min<qint64>(jittered(m_pauseMs), patienceLeftMs()),
-                                    isInterrupted))
+        if (!sleeps(std::min<qint64>(jittered(m_pauseMs), patienceLeftMs())))
             return Awaited::Interrupted;
         m_pauseMs = std::min(2 * m_pauseMs, longestPauseMs);
         if (opens())

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// Opens a link, and reopens it when it is lost: with pauses that grow and vary, for as long as the
-// user wants.
+// Opens a link, and reopens it when it is lost: with pauses that grow to a second and vary, for as
+// long as the user wants.
 
 #pragma once
 
@@ -20,6 +20,7 @@ class LinkKeeper
 public:
     std::function<void(const QString& text)> onState;  // called at each change of state
     std::function<bool()> isInterrupted;               // asked often while it waits; can be set
+    std::function<bool(qint64 timeMs)> sleeps;         // false: interrupted; real time, can be set
 
     // `patienceS` is how long to retry, in seconds. Without it: 30 s for a lost link, and not at
     // all for a link that cannot be opened at the start.
