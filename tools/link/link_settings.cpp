@@ -131,6 +131,17 @@ LinkSettings parseTcp(const LinkParts& parts)
     return settings;
 }
 
+// What starts with a slash is a serial port, and what looks like an address is TCP; press:1 may be
+// a mistyped kind as well.
+QString withKind(const QString& text)
+{
+    static const QRegularExpression hostAndPort(
+        QStringLiteral("^(localhost|[^:/?]+\\.[^:/?]+|\\[[^]]+\\]):\\d+(\\?.*)?$"));
+    if (text.startsWith('/'))
+        return "serial:" + text;
+    return hostAndPort.match(text).hasMatch() ? "tcp:" + text : text;
+}
+
 LinkSettings parseKind(const QString& kind, const LinkParts& parts)
 {
     if (kind == QLatin1String("sim"))
@@ -188,9 +199,9 @@ QString textOf(const TcpSettings& settings)
 
 LinkSettings parseLink(const QString& text)
 {
-    const bool isPath = text.startsWith('/');
-    const QString kind = isPath ? QStringLiteral("serial") : text.section(':', 0, 0).toLower();
-    const QString rest = isPath ? text : text.section(':', 1);
+    const QString named = withKind(text);
+    const QString kind = named.section(':', 0, 0).toLower();
+    const QString rest = named.section(':', 1);
     const LinkParts parts{text, rest.section('?', 0, 0), QUrlQuery(rest.section('?', 1))};
     LinkSettings link = parseKind(kind, parts);
     const QStringList known = settingNames(link);
@@ -198,6 +209,8 @@ LinkSettings parseLink(const QString& text)
         if (!known.contains(item.first))
             reject(parts, QStringLiteral("unknown setting %1; known: %2")
                               .arg(quoted(item.first), known.join(QStringLiteral(", "))));
+        if (parts.query.allQueryItemValues(item.first).size() > 1)
+            reject(parts, item.first + QStringLiteral(" is given twice"));
     }
     return link;
 }

@@ -9,6 +9,7 @@
 //   pty:/dev/pts/4                  a pseudo-terminal, with the settings of a serial port
 //   /dev/ttyUSB0                    the same port: what starts with a slash is serial
 //   tcp:HOST:PORT, tcp:HOST?port=N  a serial server (default port: 8888)
+//   HOST:PORT                       the same; HOST is an address, localhost or a name with a dot
 //
 // Every link may say station=2, the station of its PLC, and words=16, the most words that this PLC
 // takes in one frame.

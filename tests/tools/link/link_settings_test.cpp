@@ -69,6 +69,14 @@ TEST(LinkSettings, APathAloneIsASerialPort)
     EXPECT_EQ(linkText(parseLink("/dev/a:b?baud=19200")), "serial:/dev/a:b?baud=19200");
 }
 
+TEST(LinkSettings, AHostAndAPortAreTcp)
+{
+    EXPECT_EQ(linkText(parseLink("192.168.0.5:5551")), "tcp:192.168.0.5:5551");
+    EXPECT_EQ(linkText(parseLink("localhost:502?words=16")), "tcp:localhost:502?words=16");
+    EXPECT_EQ(linkText(parseLink("[::1]:5551")), "tcp:[::1]:5551");
+    EXPECT_EQ(linkText(parseLink("plc.example:502")), "tcp:plc.example:502");
+}
+
 TEST(LinkSettings, MaySayTheStationAndTheWordsOfTheirPlc)
 {
     for (const char* const way : {"sim:", "serial:/dev/ttyS1", "pty:/dev/pts/4", "tcp:plc:502"}) {
@@ -97,6 +105,9 @@ TEST(LinkSettings, WrongOnesSayWhatWouldBeRight)
     EXPECT_EQ(reasonFor("com1"),
               "invalid link 'com1': expected sim:, serial:/dev/ttyUSB0?baud=9600, "
               "tcp:HOST:PORT or pty:PATH");
+    EXPECT_EQ(reasonFor("usb:1").substr(0, 30), "invalid link 'usb:1': expected");
+    EXPECT_EQ(reasonFor("serial:x?baud=9600&baud=19200"),
+              "invalid link 'serial:x?baud=9600&baud=19200': baud is given twice");
     EXPECT_EQ(reasonFor("serial:"), "invalid link 'serial:': the path of the port is missing");
     EXPECT_EQ(reasonFor("serial:x?baud=fast"),
               "invalid link 'serial:x?baud=fast': baud must be a number from 1 to 4000000");
