@@ -21,6 +21,7 @@ fxsim::Settings simulatorSettings(const SimulatedSettings& simulated)
                       "invalid link '" + linkText(simulated) + "': " + error.text());
     }
     settings.model = &fxsim::findModel(QStringLiteral("any"));
+    settings.startedAt = QDateTime::currentDateTime();
     settings.timing.baud = simulated.baud.value_or(settings.timing.baud);
     return settings;
 }
