@@ -9,6 +9,7 @@
 #include "tools/fxsim/plc/script_program.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 
 #include <iostream>
 
@@ -119,6 +120,9 @@ void Application::prepareTrace()
 {
     if (!m_options.trace)
         return;
+    if (!m_options.force && QFileInfo(m_options.tracePath).isFile())
+        throw Error(ExitCode::File, QStringLiteral("the file already exists; --force replaces it"))
+            .at(m_options.tracePath);
     m_traceFile.setFileName(m_options.tracePath);
     const bool opened = m_options.tracePath.isEmpty()
                             ? m_traceFile.open(stderr, QIODevice::WriteOnly)

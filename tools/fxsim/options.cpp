@@ -254,6 +254,7 @@ void addBench(OptionGroup group, Options& options, bool& faultHelpAsked)
                   options.tracePath = text;
               })
         ->expected(0, 1);
+    group.flag("--force", options.force, "Let --trace replace an existing FILE");
     group.flag("--stats", options.stats, "Print statistics at the end");
     group.flag("--view", options.view,
                "Show inputs and outputs on the terminal, with keys to switch inputs");

@@ -41,6 +41,7 @@ struct Options
 
     bool trace = false;
     QString tracePath;  // empty: standard error
+    bool force = false;
     bool stats = false;
     bool view = false;
     QString controlPath;

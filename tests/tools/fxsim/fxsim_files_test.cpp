@@ -75,6 +75,21 @@ TEST(FxsimFiles, SaveToAProtectedFileIsRefusedAtTheStart)
     EXPECT_EQ(start.errors, "fxsim: " + path.toUtf8() + ": no permission to write this file\n");
 }
 
+TEST(FxsimFiles, TraceReplacesAFileOnlyByForce)
+{
+    const QTemporaryDir folder;
+    QFile file(folder.filePath("trace"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write("older") == 5 && file.flush());
+    const FailedStart start = runToEnd({"--trace", file.fileName()});
+    EXPECT_EQ(start.exitCode, 7);
+    EXPECT_EQ(start.errors, "fxsim: " + file.fileName().toUtf8() +
+                                ": the file already exists; --force replaces it\n");
+    EXPECT_EQ(file.size(), 5);
+    FxsimProcess process({"--trace", file.fileName(), "--force"});
+    EXPECT_NE(process.waitReady(), "");
+    EXPECT_EQ(file.size(), 0);
+}
+
 TEST(FxsimFiles, TraceThatFindsNoRoomIsNoSuccess)
 {
     FxsimProcess process({"--trace", "/dev/full", "--program", "none"});

@@ -73,7 +73,7 @@ TEST(FxsimUsage, ManualAndCompletionKnowEveryOptionAndFault)
     const FailedStart help = runToEnd({"--help"});
     EXPECT_EQ(help.exitCode, 0);
     const QStringList options = captured(help.output, "^  (?:-[hV],)?(--[a-z-]+)");
-    EXPECT_EQ(options.size(), 26);
+    EXPECT_EQ(options.size(), 27);
     for (const QString& option : options) {
         EXPECT_TRUE(manual.contains(option)) << option.toStdString();
         EXPECT_TRUE(completion.contains(option)) << option.toStdString();
