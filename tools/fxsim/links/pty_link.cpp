@@ -112,9 +112,9 @@ private:
     QString m_linkPath;
     QString m_device;
     int m_master = -1;
-    int m_slave = -1;     // kept open: else the master hangs up whenever a host closes its end
-    int m_closings = -1;  // tells when a host closed its end
-    std::unique_ptr<QSocketNotifier> m_closingsNotifier;
+    int m_slave = -1;   // kept open: else the master hangs up whenever a host closes its end
+    int m_visits = -1;  // tells when a host opened or closed its end
+    std::unique_ptr<QSocketNotifier> m_visitsNotifier;
     std::unique_ptr<QSocketNotifier> m_notifier;
     std::unique_ptr<HostConnection> m_host;
 };
@@ -139,8 +139,8 @@ void PtyLink::open()
 void PtyLink::close()
 {
     m_notifier.reset();
-    m_closingsNotifier.reset();
-    closeDescriptor(m_closings);
+    m_visitsNotifier.reset();
+    closeDescriptor(m_visits);
     m_host.reset();
     removeLink();
     m_device.clear();
@@ -191,17 +191,17 @@ void PtyLink::removeLink()
         QFile::remove(m_linkPath);
 }
 
-// A host that came and went without a byte has set its speed too.
+// The next host comes, or one went without a byte: whoever came before has set the speed.
 void PtyLink::watchHosts()
 {
-    m_closings = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
-    if (m_closings < 0 ||
-        inotify_add_watch(m_closings, QFile::encodeName(m_device).constData(), IN_CLOSE) < 0)
+    m_visits = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    if (m_visits < 0 || inotify_add_watch(m_visits, QFile::encodeName(m_device).constData(),
+                                          IN_OPEN | IN_CLOSE) < 0)
         return;  // as good as it was
-    m_closingsNotifier = std::make_unique<QSocketNotifier>(m_closings, QSocketNotifier::Read);
-    connect(m_closingsNotifier.get(), &QSocketNotifier::activated, this, [this] {
+    m_visitsNotifier = std::make_unique<QSocketNotifier>(m_visits, QSocketNotifier::Read);
+    connect(m_visitsNotifier.get(), &QSocketNotifier::activated, this, [this] {
         char events[readBytes];
-        while (::read(m_closings, events, sizeof events) > 0) {
+        while (::read(m_visits, events, sizeof events) > 0) {
         }
         makeSpeedOdd(m_slave);
     });
