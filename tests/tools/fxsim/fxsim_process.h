@@ -7,8 +7,9 @@
 
 #pragma once
 
+#include "tests/tools/support/child_process.h"
+
 #include <QElapsedTimer>
-#include <QProcess>
 #include <QString>
 #include <QStringList>
 #include <QTcpSocket>
@@ -55,7 +56,7 @@ public:
 private:
     QByteArray readLine();
 
-    QProcess m_process;
+    ChildProcess m_process;
 };
 
 // Runs fxsim to its end with arguments that do not let it start; gives the exit code and what it

@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <initializer_list>
 
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
@@ -56,6 +57,7 @@ int main(int, char** arguments)
     tcgetattr(STDIN_FILENO, &before);
     const pid_t job = fork();
     if (job == 0) {
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
         setpgid(0, 0);
         tcsetpgrp(STDIN_FILENO, getpid());
         std::signal(SIGTTOU, SIG_DFL);

@@ -101,7 +101,7 @@ int times(const std::string& text, const std::string& part)
 
 Ended fxhost(const QStringList& arguments, const QProcessEnvironment& environment)
 {
-    QProcess process;
+    ChildProcess process;
     process.setProcessEnvironment(environment);
     process.start(QStringLiteral(FXHOST_FILE), arguments);
     Ended ended;

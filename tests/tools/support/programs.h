@@ -6,7 +6,8 @@
 
 #pragma once
 
-#include <QProcess>
+#include "tests/tools/support/child_process.h"
+
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -40,7 +41,7 @@ private:
     QString readyPlace();
 
     QTemporaryDir m_folder;
-    QProcess m_process;
+    ChildProcess m_process;
     QString m_link;
 };
 
@@ -77,7 +78,7 @@ public:
     Ended end();  // waits for it
 
 private:
-    QProcess m_process;
+    ChildProcess m_process;
 };
 
 // A folder that goes when the test does.

@@ -14,6 +14,7 @@
 #include <poll.h>
 #include <pty.h>
 #include <sys/ioctl.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
@@ -76,6 +77,7 @@ Terminal::Terminal(const QStringList& arguments, int columns, int rows,
     if (m_child < 0)
         throw std::runtime_error("no pseudo-terminal for the test");
     if (m_child == 0) {
+        prctl(PR_SET_PDEATHSIG, SIGKILL);  // however the test ends
         execve(command.get()[0], command.get(), variables.get());
         _exit(127);
     }
