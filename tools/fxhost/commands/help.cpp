@@ -22,16 +22,12 @@ constexpr int textColumn = 28;
 // "  -o, --timeout MS         what it does", wrapped.
 std::string row(const QString& names, const std::string& text)
 {
-    QStringList lines{"  " + names};
-    if (lines.last().size() >= textColumn - 1)
-        lines += QString();
-    lines.last() = lines.last().leftJustified(textColumn - 1);
-    for (const QString& word : QString::fromStdString(text).split(' ')) {
-        if (lines.last().size() + 1 + word.size() > helpColumns)
-            lines += QString(textColumn - 1, ' ');
-        lines.last() += ' ' + word;
-    }
-    return (lines.join('\n') + '\n').toStdString();
+    QString title = "  " + names;
+    if (title.size() >= textColumn - 1)
+        title += '\n' + QString(textColumn, ' ');
+    const QStringList lines = wrapped(QString::fromStdString(text), helpColumns - textColumn);
+    return (title.leftJustified(textColumn) + lines.join('\n' + QString(textColumn, ' ')) + '\n')
+        .toStdString();
 }
 
 QString upperName(const CLI::Option* positional)

@@ -49,6 +49,20 @@ QString clipped(const QString& text, int columns)
     return kept;
 }
 
+QStringList wrapped(const QString& text, int columns)
+{
+    QStringList lines;
+    for (const QString& word : text.split(' ')) {
+        const bool fits =
+            !lines.isEmpty() && visibleWidth(lines.last()) + 1 + visibleWidth(word) <= columns;
+        if (fits)
+            lines.last() += ' ' + word;
+        else
+            lines += word;
+    }
+    return lines;
+}
+
 QString counted(qint64 number, const char* noun)
 {
     return QStringLiteral("%1 %2%3").arg(number).arg(QLatin1String(noun), number == 1 ? "" : "s");

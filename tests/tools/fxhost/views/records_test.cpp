@@ -51,3 +51,13 @@ TEST(Records, AsJsonKeepTheirOrderAndNameThePlcLast)
     EXPECT_EQ(printed(options), "[\n  " + first + ",\n  " + second + "\n]\n");
     EXPECT_EQ(printed(options, Records::Shown::AtOnce), first + '\n' + second + '\n');
 }
+
+TEST(Wrapped, BreaksAtBlanksAndKeepsALongerWordWhole)
+{
+    EXPECT_EQ(wrapped("one two three", 7), QStringList({"one two", "three"}));
+    EXPECT_EQ(wrapped("one two three", 6), QStringList({"one", "two", "three"}));
+    EXPECT_EQ(wrapped("a serial:/dev/ttyUSB0 b", 8),
+              QStringList({"a", "serial:/dev/ttyUSB0", "b"}));
+    EXPECT_EQ(wrapped("", 8), QStringList(""));
+    EXPECT_EQ(wrapped("\x1b[1mone\x1b[0m two", 7).size(), 1) << "colours take no room";
+}
