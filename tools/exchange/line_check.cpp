@@ -17,6 +17,7 @@ constexpr int triedBytes[] = {2, 16, 32, 64};
 constexpr int wordBytes = 2;
 
 const char* const statusRegisters = "D8000:2";  // watchdog, type and version
+const char* const dataRegister = "D0";          // which every PLC has
 const char* const statusRelays = "M8000:8";     // running, stopped, ..., error, battery
 
 // Further attempts would not tell more.
@@ -53,7 +54,7 @@ RegisterRange registers(const RegisterCatalogue& catalogue, const char* address)
 
 RegisterRange dataRegisters(const RegisterCatalogue& catalogue, int byteCount)
 {
-    RegisterRange range = registers(catalogue, "D0");
+    RegisterRange range = registers(catalogue, dataRegister);
     range.count = byteCount / wordBytes;
     return range;
 }
@@ -83,7 +84,8 @@ int LineCheck::measured() const
 
 int LineCheck::goodPercent() const
 {
-    return measured() > 0 ? 100 * exchanges.value(ReplyVerdict::Good) / measured() : 0;
+    const int all = measured();
+    return all > 0 ? 100 * exchanges.value(ReplyVerdict::Good) / all : 0;
 }
 
 int LineCheck::words() const
@@ -109,12 +111,19 @@ ReplyVerdict LineCheck::worst() const
     return worst;
 }
 
+bool isAnyoneThere(ExchangeLoop& loop)
+{
+    return loop.resynchronise() || loop.statistics().bytesReceived > 0;
+}
+
 LineCheck greetPlc(ExchangeLoop& loop, const RegisterCatalogue& catalogue)
 {
     LineCheck check;
     check.unasked = loop.overhear(listenMs);
     check.answersEnquiry = loop.resynchronise();
     check.verdict = readBlock(loop, registers(catalogue, statusRegisters), false);
+    if (check.verdict == ReplyVerdict::Refused)
+        check.verdict = readBlock(loop, registers(catalogue, dataRegister));
     check.timeoutMs = loop.timeout().milliseconds();
     return check;
 }
@@ -131,8 +140,11 @@ void measureLine(ExchangeLoop& loop, const RegisterCatalogue& catalogue, LineChe
     }
     check.plc = readState(loop, catalogue);
     // Long and short replies in turn.
-    loop.session().setPlan({dataRegisters(catalogue, wordBytes * std::max(check.words(), 1)),
-                            registers(catalogue, statusRegisters)});
+    QVector<RegisterRange> measured = {
+        dataRegisters(catalogue, wordBytes * std::max(check.words(), 1))};
+    if (check.plc)
+        measured.append(registers(catalogue, statusRegisters));
+    loop.session().setPlan(measured);
     for (int done = 0; done < measuredExchanges && !loop.hasGoneSilent();) {
         const std::optional<Exchange> exchange = loop.step();
         const ReplyVerdict verdict = verdictOf(exchange);

@@ -47,8 +47,11 @@ struct LineCheck
 
 constexpr int measuredExchanges = 100;
 
-// Listens, sends ENQ, and reads two registers, in at most three attempts if something answers.
-// The session must end an exchange at its first rejection.
+// Whether anything at all comes back from an ENQ.
+bool isAnyoneThere(ExchangeLoop& loop);
+
+// Listens, sends ENQ, and reads two registers, or one other if the PLC refuses these, in at most
+// three attempts if something answers. The session must end an exchange at its first rejection.
 LineCheck greetPlc(ExchangeLoop& loop, const RegisterCatalogue& catalogue);
 
 // The rest of the check, for a PLC that answers. Calls `onProgress` after each exchange.

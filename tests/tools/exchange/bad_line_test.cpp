@@ -5,6 +5,7 @@
 // stand around its replies. Each is told by its name, in bounded time.
 
 #include "tests/tools/support/bench.h"
+#include "tools/exchange/line_check.h"
 #include "tools/exchange/polling.h"
 
 #include <gtest/gtest.h>
@@ -98,6 +99,14 @@ TEST_F(TalkingLine, IsNamedWithinSeconds)
     EXPECT_EQ(round.verdict(), ReplyVerdict::Babble);
     EXPECT_LT(scale.nowUs, 5 * second);
     EXPECT_EQ(scale.sent.size(), 1) << "nothing is sent into the talk";
+}
+
+TEST_F(TalkingLine, IsKnownToACheckWithinSeconds)
+{
+    const LineCheck check = greetPlc(loop, catalogue());
+    EXPECT_EQ(check.verdict, ReplyVerdict::Babble);
+    EXPECT_TRUE(check.unasked.startsWith("  12.5 kg"));
+    EXPECT_LT(scale.nowUs, 5 * second);
 }
 
 TEST_F(TalkingLine, IsNoAnswerToEnq)

@@ -91,6 +91,18 @@ TEST_F(CheckedLine, NeverTakesADamagedOneForGood)
     }
 }
 
+TEST_F(CheckedLine, IsMeasuredWhereThePlcRefusesItsSpecialRegisters)
+{
+    bench.emplace(badLine(9600, ""), SessionSettings{1, 32});
+    bench->line.refuse(addressOfD8001 - 2, addressOfD8001 + 1);
+    LineCheck found = greetPlc(bench->loop, catalogue());
+    EXPECT_EQ(found.verdict, ReplyVerdict::Good);
+    measureLine(bench->loop, catalogue(), found, [](int, int) {});
+    EXPECT_FALSE(found.plc);
+    EXPECT_EQ(found.goodPercent(), 100);
+    EXPECT_EQ(found.measured(), 100);
+}
+
 TEST_F(CheckedLine, WithASlowPlcTellsTheTimeOutThatWorks)
 {
     const LineCheck found = check(badLine(9600, "delay:1500=1"));
