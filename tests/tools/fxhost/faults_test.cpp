@@ -135,34 +135,6 @@ TEST_P(Misbehaving, ARecordingOfSilenceIsToldAsSuch)
                              plc.link().toStdString() + "'\n");
 }
 
-TEST_P(Misbehaving, DoctorSaysWhatIsTheMatter)
-{
-    struct Case
-    {
-        const char* fault;
-        int code;
-        const char* words;
-    };
-    const Case cases[] = {
-        {"silence=1", 4, "answers ENQ but no request"},
-        {"nak=1", 5, "refuses the request (NAK). Line settings and wiring are correct"},
-        {"bit7=1", 6, "have bit 7 set"},
-        {"echo=1", 6, "The request comes back"},
-        {"wrong-sum=1", 6, "Replies are damaged"},
-        {"wrong-sum=0.1", 1, " of 100 exchanges good"},
-        {"power-cycle:60000@4", 4, "then no more"},
-        {"junk-before:3=1", 6, "Exactly one right reply stands among extra characters"},
-        {"junk-before:3=1", 6, " --tolerant read D0:8\n"},
-    };
-    for (const Case& one : cases) {
-        const RunningSimulator plc(GetParam(), {"--baud", "0", "--faults", one.fault});
-        const Ended ended = run(plc, {"-o", "100", "doctor"});
-        EXPECT_EQ(ended.code, one.code) << one.fault;
-        EXPECT_TRUE(holds(ended.out, one.words)) << one.fault << "\n" << ended.out;
-        EXPECT_FALSE(holds(ended.out, "All is well")) << one.fault << "\n" << ended.out;
-    }
-}
-
 TEST_P(Misbehaving, AWriteThatGoesUnansweredMayHaveArrived)
 {
     const RunningSimulator plc(GetParam(),

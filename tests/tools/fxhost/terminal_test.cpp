@@ -316,24 +316,6 @@ TEST_F(TerminalViews, TheDemoRedrawsItsLiveValues)
     expectCleanEnd(terminal, ctrlC);
 }
 
-TEST_F(TerminalViews, DoctorShowsEachSettingAsItTriesIt)
-{
-    const RunningSimulator wrong(Road::PseudoTerminal,
-                                 quickPlc + QStringList{"--faults", "bit7@1-6"});
-    const QString port = wrong.link().section(':', 1);
-    Terminal terminal({"--link", "serial:" + port, "-o", "100", "doctor"}, 100, 24);
-    EXPECT_EQ(terminal.waitForEnd(), 0);
-    EXPECT_EQ(terminal.screen().lines().mid(0, 4),
-              QStringList({"  setting         enquiry   request",
-                           "  9600 baud 7E1   answered  bit 7 set: check data bits and parity",
-                           "  19200 baud 7E1  answered  bit 7 set: check data bits and parity",
-                           "  38400 baud 7E1  answered  good"}));
-    EXPECT_EQ(linesWith(terminal.screen(), "The PLC answers (38400 baud 7E1). All is well."), 1);
-    EXPECT_EQ(terminal.screen().lines().last(),
-              "  fxhost --link 'serial:" + port + "?baud=38400' read D0:8");
-    EXPECT_GT(terminal.written().count("\x1b[2A"), 0) << "it was drawn as it grew";
-}
-
 TEST_F(TerminalViews, WhatIsNoTerminalGetsNoEscapes)
 {
     const QString file = folder.filePath("plc.csv");

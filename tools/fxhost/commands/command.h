@@ -64,6 +64,9 @@ void chooseLink(CommonOptions& common);
 // For commands that change a PLC or judge one: throws Failure if no link was named.
 void demandNamedLink(const CommonOptions& common);
 
+// The serial ports of this machine, and who uses them.
+void showPorts(const OutputOptions& output);
+
 // Accepts "1000", "1000ms", "1.5s", "10min", "8h" and "1d", and makes milliseconds of it.
 CLI::Validator timeWithin(Limits limitsMs);
 CLI::Validator within(Limits limits);

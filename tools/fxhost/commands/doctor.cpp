@@ -1,22 +1,23 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// fxhost doctor: why a PLC does not answer, or how well it does. Tries a serial port with one line
-// setting after the other, measures the line with the one that works, and says what it found, what
-// to do, and with which link to go on.
+// fxhost doctor: why a PLC does not answer, or how well it does. On a serial port without line
+// settings it sends ENQ with one after the other, and reads where something comes back; only where
+// nothing does, it asks the likeliest one with patience. It measures the line that works.
 
-#include "tools/exchange/line_check.h"
 #include "tools/fxhost/commands/connection.h"
 #include "tools/fxhost/commands/progress.h"
-#include "tools/quoted.h"
+#include "tools/fxhost/views/diagnosis.h"
 
 namespace fxtools {
 
 namespace {
 
-constexpr int patienceMs = 300;       // with each of many settings
-constexpr int lastPatienceMs = 3000;  // when all were silent
-constexpr int slowReplyMs = 1000;     // slower ones need a longer time-out from the start
+// A silent port costs two of the first for each setting and six of the last: eight seconds.
+constexpr int enquiryMs = 150;
+constexpr int requestMs = 300;
+constexpr int patientMs = 700;
+constexpr int thoroughMs = 3000;
 
 // The settings of FX ports first, then common mistakes.
 constexpr LineSettings usualLines[] = {
@@ -33,14 +34,6 @@ constexpr LineSettings usualLines[] = {
     {115200, QSerialPort::Data8, QSerialPort::NoParity},
 };
 
-struct Finding
-{
-    LinkSettings link;
-    QString setting;
-    LineCheck check;
-    bool needsTolerance = false;  // more than the user said
-};
-
 // A serial port for which the user gave no line settings.
 const SerialSettings* openPort(const LinkSettings& link)
 {
@@ -48,23 +41,22 @@ const SerialSettings* openPort(const LinkSettings& link)
     return serial && !serial->isPseudoTerminal && !serial->line ? serial : nullptr;
 }
 
-bool plcIsThere(ReplyVerdict verdict)
-{
-    return verdict == ReplyVerdict::Good || verdict == ReplyVerdict::Refused;
-}
-
 class Doctor
 {
 public:
-    explicit Doctor(const CommonOptions& common);
+    Doctor(const CommonOptions& common, bool isThorough);
 
     void examineAll();
     ExitCode report();
 
 private:
+    void setPatience(int firstMs);
+    void note(const Finding& finding);
+    bool isSilent(const QString& setting);
     void examine(const QString& setting);
     void examineTolerantly(const QString& setting);
     void examineEverySetting(const SerialSettings& port);
+    bool isSettled() const;
     void drawTable();
     void showRecords() const;
     void showAdvice();
@@ -72,18 +64,48 @@ private:
     OutputOptions m_output;
     bool m_forPeople;
     bool m_isTolerant;
+    bool m_isThorough;
+    bool m_adapts;  // no time-out was given
     ConnectionSettings m_settings;
     QVector<Finding> m_findings;
     Console m_console;
 };
 
-Doctor::Doctor(const CommonOptions& common)
+Doctor::Doctor(const CommonOptions& common, bool isThorough)
     : m_output(common.output), m_forPeople(common.output.mode == OutputMode::People),
-      m_isTolerant(common.tolerant), m_settings(connectionSettings(common))
+      m_isTolerant(common.tolerant), m_isThorough(isThorough), m_adapts(common.timeoutMs == 0),
+      m_settings(connectionSettings(common))
 {
     m_settings.session.failLimit = 1;
-    if (common.timeoutMs == 0 && openPort(m_settings.link))
-        m_settings.loop.timeout.firstMs = patienceMs;
+}
+
+void Doctor::setPatience(int firstMs)
+{
+    if (m_adapts)
+        m_settings.loop.timeout.firstMs = firstMs;
+}
+
+void Doctor::note(const Finding& finding)
+{
+    m_findings.append(finding);
+    if (m_forPeople && m_console.isTerminal())
+        drawTable();
+}
+
+// Nothing comes back from an ENQ: a request would not tell more, but take longer.
+bool Doctor::isSilent(const QString& setting)
+{
+    setPatience(enquiryMs);
+    Connection connection(m_settings);
+    if (isAnyoneThere(connection.loop()))
+        return false;
+    Finding finding{m_settings.link, setting, false, false, {}};
+    if (connection.loop().isInterrupted())
+        finding.check.verdict = ReplyVerdict::Interrupted;
+    else if (!connection.link().isOpen())
+        finding.check.verdict = ReplyVerdict::LinkLost;
+    note(finding);
+    return true;
 }
 
 void Doctor::examine(const QString& setting)
@@ -91,17 +113,14 @@ void Doctor::examine(const QString& setting)
     Connection connection(m_settings);
     connection.loop().onBabble = nullptr;  // the advice tells it
     const Progress progress = progressOf(m_output, QStringLiteral("measuring"));
-    m_findings.append(
-        {m_settings.link, setting, greetPlc(connection.loop(), connection.catalogue())});
-    if (m_forPeople && m_console.isTerminal())
-        drawTable();
-    Finding& finding = m_findings.last();
-    finding.needsTolerance = m_settings.loop.tolerant && !m_isTolerant;
-    if (finding.check.verdict != ReplyVerdict::Good)
+    note({m_settings.link, setting, true, m_settings.loop.tolerant && !m_isTolerant,
+          greetPlc(connection.loop(), connection.catalogue())});
+    LineCheck& check = m_findings.last().check;
+    if (check.verdict != ReplyVerdict::Good)
         return;
     m_console.endRedraw();
     measureLine(
-        connection.loop(), connection.catalogue(), finding.check,
+        connection.loop(), connection.catalogue(), check,
         m_console.isTerminal() ? progress : [](int, int) {});
 }
 
@@ -132,149 +151,42 @@ void Doctor::examineAll()
     }
 }
 
+// No other setting would tell more.
+bool Doctor::isSettled() const
+{
+    const ReplyVerdict verdict = m_findings.last().check.verdict;
+    return verdict == ReplyVerdict::Good || verdict == ReplyVerdict::Refused ||
+           verdict == ReplyVerdict::Babble || verdict == ReplyVerdict::Interrupted ||
+           verdict == ReplyVerdict::LinkLost;
+}
+
 void Doctor::examineEverySetting(const SerialSettings& port)
 {
+    if (m_forPeople && !m_output.quiet)
+        m_console.line(QStringLiteral("Trying the usual line settings; a silent port takes %1 s.")
+                           .arg(m_isThorough ? 40 : 8));
     SerialSettings tried = port;
     for (const LineSettings& line : usualLines) {
         tried.line = line;
         m_settings.link = tried;
-        examineTolerantly(QStringLiteral("%1 baud %2").arg(line.baud).arg(characterText(line)));
-        const ReplyVerdict verdict = m_findings.last().check.verdict;
-        if (plcIsThere(verdict) || verdict == ReplyVerdict::Interrupted ||
-            verdict == ReplyVerdict::LinkLost)
+        const QString setting =
+            QStringLiteral("%1 baud %2").arg(line.baud).arg(characterText(line));
+        if (m_isThorough || !isSilent(setting)) {
+            setPatience(requestMs);
+            examineTolerantly(setting);
+        }
+        if (isSettled())
             return;
     }
-    const auto isSilent = [](const Finding& finding) {
+    const auto gotNothing = [](const Finding& finding) {
         return finding.check.verdict == ReplyVerdict::Silence;
     };
-    if (!std::all_of(m_findings.cbegin(), m_findings.cend(), isSilent))
+    if (!std::all_of(m_findings.cbegin(), m_findings.cend(), gotNothing))
         return;
     tried.line = usualLines[0];
     m_settings.link = tried;
-    m_settings.loop.timeout.firstMs = lastPatienceMs;
+    setPatience(m_isThorough ? thoroughMs : patientMs);
     examine(QStringLiteral("9600 baud 7E1, patiently"));
-}
-
-QString advice(ReplyVerdict verdict, const LineCheck& check)
-{
-    switch (verdict) {
-    case ReplyVerdict::Good:
-        return {};
-    case ReplyVerdict::Refused:
-        return QStringLiteral("The PLC answers, but refuses the request (NAK). Line settings and "
-                              "wiring are correct. Try to read another register.");
-    case ReplyVerdict::Silence:
-        return check.answersEnquiry
-                   ? QStringLiteral("The PLC answers ENQ but no request. Is another program "
-                                    "using this port? Is it an FX programming port?")
-                   : QStringLiteral("No reply at all. Is the PLC on? Is the cable in the "
-                                    "programming port? Are the send and receive lines swapped?");
-    case ReplyVerdict::LinkLost:
-        return QStringLiteral("The link was lost. Was the adapter unplugged, or did the server "
-                              "close the connection?");
-    case ReplyVerdict::Interrupted:
-        return QStringLiteral("Interrupted before there was a result.");
-    case ReplyVerdict::Late:
-        return QStringLiteral("The replies are right but late. Set a longer --timeout, or none: "
-                              "then it adapts.");
-    case ReplyVerdict::HighBits:
-        return QStringLiteral("Received characters have bit 7 set: the data bits or the parity "
-                              "of the two ends differ. FX ports use 7E1.");
-    case ReplyVerdict::Echo:
-        return QStringLiteral("The request comes back. Either the adapter echoes, or its send and "
-                              "receive lines are connected.");
-    case ReplyVerdict::Surrounded:
-        return QStringLiteral("Exactly one right reply stands among extra characters. Check the "
-                              "converter on this line; --tolerant takes such replies.");
-    case ReplyVerdict::Babble:
-        return "Something on this line sends by itself: " +
-               quoted(QString::fromLatin1(check.unasked).simplified()) +
-               ". Is it a scale or a code reader? Is it the right port?";
-    case ReplyVerdict::Incomplete:
-    case ReplyVerdict::TooLong:
-    case ReplyVerdict::NotAFrame:
-    case ReplyVerdict::WrongSum:
-        return QStringLiteral("Replies are damaged. Check the baud rate, the parity and the "
-                              "cable, and look for electrical interference.");
-    }
-    return {};
-}
-
-// All that there is to say of a setting. "All is well" stands for a line without any fault.
-QString meaning(const Finding& finding)
-{
-    const LineCheck& check = finding.check;
-    if (check.verdict != ReplyVerdict::Good)
-        return advice(check.verdict, check);
-    if (check.wentSilent)
-        return "The PLC answered (" + finding.setting +
-               "), then no more. Was it switched off, or is a plug loose?";
-    QStringList troubles;
-    if (finding.needsTolerance)
-        troubles += advice(ReplyVerdict::Surrounded, check);
-    if (check.worst() != ReplyVerdict::Good) {
-        troubles += QStringLiteral("Only %1 % of %2 exchanges were good; most often: %3. %4")
-                        .arg(check.goodPercent())
-                        .arg(check.measured())
-                        .arg(verdictText(check.worst()), advice(check.worst(), check));
-    }
-    if (!check.blocks.isEmpty() && check.blocks.last().verdict != ReplyVerdict::Good) {
-        troubles += QStringLiteral("Blocks of %1 bytes fail (%2): use at most %3 words in a frame.")
-                        .arg(check.blocks.last().byteCount)
-                        .arg(verdictText(check.blocks.last().verdict))
-                        .arg(check.words());
-    }
-    if (!check.unasked.isEmpty())
-        troubles += advice(ReplyVerdict::Babble, check);
-    const QString answers = "The PLC answers (" + finding.setting + "). ";
-    return answers + (troubles.isEmpty() ? QStringLiteral("All is well.") : troubles.join(' '));
-}
-
-// A good reply explains most, and any reply explains more than silence.
-const Finding& mostTelling(const QVector<Finding>& findings)
-{
-    const Finding* best = &findings.first();
-    for (const Finding& finding : findings) {
-        if (plcIsThere(finding.check.verdict))
-            return finding;
-        if (best->check.verdict == ReplyVerdict::Silence &&
-            (finding.check.verdict != ReplyVerdict::Silence || finding.check.answersEnquiry))
-            best = &finding;
-    }
-    return *best;
-}
-
-// The command line that works, for a person to copy.
-QString commandLine(const Finding& finding)
-{
-    LinkSettings link = finding.link;
-    const LineCheck& check = finding.check;
-    if (!check.blocks.isEmpty() && check.blocks.last().verdict != ReplyVerdict::Good)
-        plcSettings(link).words = std::max(check.words(), leastWordsPerFrame);
-    QString line = "fxhost --link '" + linkText(link) + '\'';
-    const qint64 slowestMs = check.responses.largestUs() / 1000;
-    if (slowestMs > slowReplyMs)
-        line += QStringLiteral(" --timeout %1").arg((2 * slowestMs + 99) / 100 * 100);
-    if (finding.needsTolerance || check.worst() == ReplyVerdict::Surrounded)
-        line += QStringLiteral(" --tolerant");
-    return line + " read D0:8";
-}
-
-QString plcText(const LineCheck& check)
-{
-    if (!check.plc)
-        return {};
-    return QStringLiteral("type %1, version %2.%3, %4%5%6")
-        .arg(check.plc->type)
-        .arg(check.plc->version / 100)
-        .arg(check.plc->version % 100, 2, 10, QLatin1Char('0'))
-        .arg(check.plc->isRunning ? "running" : "stopped", check.plc->hasError ? ", error" : "",
-             check.plc->hasLowBattery ? ", battery low" : "");
-}
-
-QString enquiryText(const Finding& finding)
-{
-    return finding.check.answersEnquiry ? QStringLiteral("answered") : QStringLiteral("no answer");
 }
 
 // On a terminal the table grows while people wait: a silent line takes time.
@@ -282,7 +194,7 @@ void Doctor::drawTable()
 {
     Table table({{"setting"}, {"enquiry"}, {"request"}});
     for (const Finding& finding : m_findings)
-        table.add({finding.setting, enquiryText(finding), verdictText(finding.check.verdict)});
+        table.add({finding.setting, enquiryText(finding), requestText(finding)});
     m_console.redraw(table.lines().mid(m_output.quiet ? 1 : 0));
 }
 
@@ -294,17 +206,25 @@ void Doctor::showRecords() const
                                {"exchanges"},
                                {"good"},
                                {"words"},
+                               {"median ms"},
+                               {"longest ms"},
                                {"plc"},
                                {"link"},
                                {"meaning"}});
     const QJsonValue none = QJsonValue::Undefined;
     for (const Finding& finding : m_findings) {
         const LineCheck& check = finding.check;
-        const bool isMeasured = check.measured() > 0;
-        records.add({finding.setting, enquiryText(finding), verdictText(check.verdict),
-                     isMeasured ? check.measured() : none,
-                     isMeasured ? check.exchanges.value(ReplyVerdict::Good) : none,
-                     isMeasured ? check.words() : none, check.plc ? plcText(check) : none,
+        const auto measured = [&](const QJsonValue& value) {
+            return check.measured() > 0 ? value : none;
+        };
+        const auto milliseconds = [&](qint64 timeUs) {
+            return measured(static_cast<double>(timeUs) / 1000);
+        };
+        records.add({finding.setting, enquiryText(finding), requestText(finding),
+                     measured(check.measured()),
+                     measured(check.exchanges.value(ReplyVerdict::Good)), measured(check.words()),
+                     milliseconds(check.responses.percentileUs(50)),
+                     milliseconds(check.responses.largestUs()), check.plc ? plcText(check) : none,
                      linkText(finding.link), meaning(finding)});
     }
     records.finish();
@@ -316,16 +236,13 @@ void Doctor::showAdvice()
     const LineCheck& check = best.check;
     m_console.line();
     if (check.plc)
-        m_console.line("  PLC: " + plcText(check));
-    if (check.goodPercent() > 0 && !m_output.quiet) {
-        m_console.line(QStringLiteral("  %1 of %2 exchanges good; response: typically %3 ms, at "
-                                      "most %4 ms")
-                           .arg(check.exchanges.value(ReplyVerdict::Good))
-                           .arg(check.measured())
-                           .arg(check.responses.percentileUs(50) / 1000)
-                           .arg(check.responses.largestUs() / 1000));
-    }
-    m_console.line(meaning(best));
+        m_console.line("PLC: " + plcText(check));
+    if (check.goodPercent() > 0 && !m_output.quiet)
+        m_console.paragraph(measurementText(check));
+    m_console.paragraph(meaning(best));
+    if (check.verdict == ReplyVerdict::Silence && m_findings.size() > 1 && !m_isThorough)
+        m_console.paragraph(QStringLiteral("With --thorough, doctor also sends a request with each "
+                                           "setting and waits longer: about 40 s."));
     if (check.goodPercent() > 0)
         m_console.line("To go on:\n  " + commandLine(best));
 }
@@ -352,12 +269,26 @@ ExitCode Doctor::report()
     return check.worst() == ReplyVerdict::Good ? ExitCode::Good : ExitCode::SomeFailed;
 }
 
-ExitCode runDoctor(const CommonOptions& common)
+// What to plug in where is told by the ports that there are.
+void showPortsFor(const CommonOptions& common)
 {
-    demandNamedLink(common);
-    Doctor doctor(common);
-    doctor.examineAll();
-    return doctor.report();
+    const bool isSerial =
+        common.link.named && std::holds_alternative<SerialSettings>(*common.link.named);
+    if ((isSerial || !common.link.named) && common.output.mode == OutputMode::People)
+        showPorts(common.output);
+}
+
+ExitCode runDoctor(const CommonOptions& common, bool isThorough)
+{
+    try {
+        demandNamedLink(common);
+        Doctor doctor(common, isThorough);
+        doctor.examineAll();
+        return doctor.report();
+    } catch (const Failure&) {
+        showPortsFor(common);
+        throw;
+    }
 }
 
 }  // namespace
@@ -365,8 +296,13 @@ ExitCode runDoctor(const CommonOptions& common)
 void addDoctorCommand(CLI::App& app, const CommonOptions& common, Action& action)
 {
     CLI::App* command = app.add_subcommand("doctor", "Find out why a PLC does not answer");
+    const auto isThorough = std::make_shared<bool>(false);
+    command->add_flag("--thorough", *isThorough,
+                      "Send a request with every line setting, and wait longer");
     addExamples(*command, {"fxhost doctor"});
-    command->callback([&] { action = [&common] { return runDoctor(common); }; });
+    command->callback([&, isThorough] {
+        action = [&common, isThorough] { return runDoctor(common, *isThorough); };
+    });
 }
 
 }  // namespace fxtools

@@ -9,29 +9,29 @@
 
 namespace fxtools {
 
-namespace {
-
-ExitCode runPorts(const OutputOptions& output)
+void showPorts(const OutputOptions& output)
 {
     const QVector<PortInfo> ports = serialPorts();
     if (ports.isEmpty() && output.mode == OutputMode::People) {
         complain(QStringLiteral("no serial ports; is the adapter plugged in?"));
-        return ExitCode::Good;
+        return;
     }
     Records records(output, {{"port"}, {"adapter"}, {"used by"}});
     for (const PortInfo& port : ports)
         records.add({port.path, port.adapter, port.usedBy});
     records.finish();
-    return ExitCode::Good;
 }
-
-}  // namespace
 
 void addPortsCommand(CLI::App& app, const CommonOptions& common, Action& action)
 {
     CLI::App* command = app.add_subcommand("ports", "List serial ports and who uses them");
     addExamples(*command, {"fxhost ports"});
-    command->callback([&] { action = [&common] { return runPorts(common.output); }; });
+    command->callback([&] {
+        action = [&common] {
+            showPorts(common.output);
+            return ExitCode::Good;
+        };
+    });
 }
 
 }  // namespace fxtools

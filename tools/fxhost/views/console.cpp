@@ -130,6 +130,11 @@ void Console::lines(const QStringList& texts)
     flush();
 }
 
+void Console::paragraph(const QString& text)
+{
+    lines(m_isTerminal ? wrapped(text, size().columns) : QStringList(text));
+}
+
 void Console::heading(const QString& text)
 {
     line();
@@ -205,7 +210,7 @@ void complain(const QString& text)
     }
     if (isTerminal(STDERR_FILENO))
         Console::settle();
-    std::cerr << "fxhost: " << line.toStdString() << std::endl;
+    std::cerr << "fxhost: " + line.toStdString() + '\n' << std::flush;  // at once, as a whole
 }
 
 }  // namespace fxtools

@@ -35,6 +35,7 @@ public:
 
     void line(const QString& text = {}) { lines({text}); }
     void lines(const QStringList& texts);
+    void paragraph(const QString& text);  // wrapped on a terminal, one line elsewhere
     void heading(const QString& text);
 
     QString bold(const QString& text) const { return styled(text, "1"); }

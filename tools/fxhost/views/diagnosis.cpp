@@ -1,0 +1,186 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+
+#include "tools/fxhost/views/diagnosis.h"
+
+#include "tools/quoted.h"
+
+#include <algorithm>
+
+namespace fxtools {
+
+namespace {
+
+constexpr int slowReplyMs = 1000;  // slower ones need a longer time-out from the start
+
+bool plcIsThere(ReplyVerdict verdict)
+{
+    return verdict == ReplyVerdict::Good || verdict == ReplyVerdict::Refused;
+}
+
+bool blocksFail(const LineCheck& check)
+{
+    return !check.blocks.isEmpty() && check.blocks.last().verdict != ReplyVerdict::Good;
+}
+
+QString silenceAdvice(const Finding& finding)
+{
+    if (finding.check.answersEnquiry)
+        return QStringLiteral("The PLC answers ENQ but no request. Is another program using this "
+                              "port? Is it an FX programming port?");
+    return QStringLiteral("No reply at all. Is the PLC on? Is the cable in the programming port? "
+                          "Are the send and receive lines swapped?");
+}
+
+QString babbleAdvice(const LineCheck& check)
+{
+    return "Something on this line sends by itself: " +
+           quoted(QString::fromLatin1(check.unasked).simplified()) +
+           ". Is it a scale or a code reader? Is it the right port?";
+}
+
+QString advice(ReplyVerdict verdict, const Finding& finding)
+{
+    switch (verdict) {
+    case ReplyVerdict::Good:
+        return {};
+    case ReplyVerdict::Refused:
+        return QStringLiteral("The PLC answers, but refuses the request (NAK). Line settings and "
+                              "wiring are correct. Try to read another register.");
+    case ReplyVerdict::Silence:
+        return silenceAdvice(finding);
+    case ReplyVerdict::LinkLost:
+        return QStringLiteral("The link was lost. Was the adapter unplugged, or did the server "
+                              "close the connection?");
+    case ReplyVerdict::Interrupted:
+        return QStringLiteral("Interrupted before there was a result.");
+    case ReplyVerdict::Late:
+        return QStringLiteral("The replies are right but late. Set a longer --timeout, or none: "
+                              "then it adapts.");
+    case ReplyVerdict::HighBits:
+        return QStringLiteral("Received characters have bit 7 set: the data bits or the parity "
+                              "of the two ends differ. FX ports use 7E1.");
+    case ReplyVerdict::Echo:
+        return QStringLiteral("The request comes back. Either the adapter echoes, or its send and "
+                              "receive lines are connected.");
+    case ReplyVerdict::Surrounded:
+        return QStringLiteral("Exactly one right reply stands among extra characters. Check the "
+                              "converter on this line; --tolerant takes such replies.");
+    case ReplyVerdict::Babble:
+        return babbleAdvice(finding.check);
+    case ReplyVerdict::Incomplete:
+    case ReplyVerdict::TooLong:
+    case ReplyVerdict::NotAFrame:
+    case ReplyVerdict::WrongSum:
+        return QStringLiteral("Replies are damaged. Check the baud rate, the parity and the "
+                              "cable, and look for electrical interference.");
+    }
+    return {};
+}
+
+// Of a PLC that answers.
+QStringList troubles(const Finding& finding)
+{
+    const LineCheck& check = finding.check;
+    QStringList troubles;
+    if (finding.needsTolerance)
+        troubles += advice(ReplyVerdict::Surrounded, finding);
+    if (check.worst() != ReplyVerdict::Good) {
+        troubles += QStringLiteral("Only %1 % of %2 exchanges were good; most often: %3. %4")
+                        .arg(check.goodPercent())
+                        .arg(check.measured())
+                        .arg(verdictText(check.worst()), advice(check.worst(), finding));
+    }
+    if (blocksFail(check)) {
+        troubles += QStringLiteral("Blocks of %1 bytes fail (%2): use at most %3 words in a frame.")
+                        .arg(check.blocks.last().byteCount)
+                        .arg(verdictText(check.blocks.last().verdict))
+                        .arg(check.words());
+    }
+    if (!check.unasked.isEmpty())
+        troubles += babbleAdvice(check);
+    return troubles;
+}
+
+QString responseText(qint64 timeUs)
+{
+    return timeUs < 1000 ? QStringLiteral("<1 ms") : QStringLiteral("%1 ms").arg(timeUs / 1000);
+}
+
+}  // namespace
+
+const Finding& mostTelling(const QVector<Finding>& findings)
+{
+    const Finding* best = &findings.first();
+    for (const Finding& finding : findings) {
+        if (plcIsThere(finding.check.verdict))
+            return finding;
+        if (best->check.verdict == ReplyVerdict::Silence &&
+            (finding.check.verdict != ReplyVerdict::Silence || finding.check.answersEnquiry))
+            best = &finding;
+    }
+    return *best;
+}
+
+QString enquiryText(const Finding& finding)
+{
+    return finding.check.answersEnquiry ? QStringLiteral("answered") : QStringLiteral("no answer");
+}
+
+QString requestText(const Finding& finding)
+{
+    return finding.wasAskedToRead ? verdictText(finding.check.verdict) : QStringLiteral("not sent");
+}
+
+QString plcText(const LineCheck& check)
+{
+    if (!check.plc)
+        return {};
+    return QStringLiteral("type %1, version %2.%3, %4%5%6")
+        .arg(check.plc->type)
+        .arg(check.plc->version / 100)
+        .arg(check.plc->version % 100, 2, 10, QLatin1Char('0'))
+        .arg(check.plc->isRunning ? "running" : "stopped", check.plc->hasError ? ", error" : "",
+             check.plc->hasLowBattery ? ", battery low" : "");
+}
+
+QString measurementText(const LineCheck& check)
+{
+    return QStringLiteral("%1 of %2 exchanges good; replies: median %3, 95 % in %4, "
+                          "longest %5")
+        .arg(check.exchanges.value(ReplyVerdict::Good))
+        .arg(check.measured())
+        .arg(responseText(check.responses.percentileUs(50)),
+             responseText(check.responses.percentileUs(95)),
+             responseText(check.responses.largestUs()));
+}
+
+QString meaning(const Finding& finding)
+{
+    const LineCheck& check = finding.check;
+    if (check.verdict != ReplyVerdict::Good)
+        return advice(check.verdict, finding);
+    if (check.wentSilent)
+        return "The PLC answered (" + finding.setting +
+               "), then no more. Was it switched off, or is a plug loose?";
+    const QStringList wrong = troubles(finding);
+    return "The PLC answers (" + finding.setting + "). " +
+           (wrong.isEmpty() ? QStringLiteral("All is well.") : wrong.join(' '));
+}
+
+QString commandLine(const Finding& finding)
+{
+    LinkSettings link = finding.link;
+    const LineCheck& check = finding.check;
+    if (blocksFail(check))
+        plcSettings(link).words = std::max(check.words(), leastWordsPerFrame);
+    QString line = "fxhost --link '" + linkText(link) + '\'';
+    const qint64 slowestMs = check.responses.largestUs() / 1000;
+    if (slowestMs > slowReplyMs)
+        line += QStringLiteral(" --timeout %1").arg((2 * slowestMs + 99) / 100 * 100);
+    if (finding.needsTolerance || check.worst() == ReplyVerdict::Surrounded)
+        line += QStringLiteral(" --tolerant");
+    return line + " read D0:8";
+}
+
+}  // namespace fxtools
