@@ -1,15 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// The two address checks of the editor. Every row is asked of both where both can answer it; the
-// order in which the reasons of a refusal are found has tests of its own.
+// The two address checks of the editor: ranges and texts of every type, asked of both checks, and
+// which reason of a refusal wins when several hold: width, sign, write access to an input, data
+// type of a counter, unknown type or unreadable text, range.
 
-#include "driver/intf.h"
+#include "tests/support/driver_fixture.h"
 
-#include <gtest/gtest.h>
-
-#include <ostream>
-#include <string>
+#include <utility>
 
 namespace {
 constexpr int untouched = -777;
@@ -17,21 +15,7 @@ constexpr int bitData = -1;
 constexpr int wordData = 1;  // also one of the types that a 32-bit counter takes
 constexpr int readAccess = 0;
 
-struct Answer
-{
-    int code;
-    int number;
-};
-
-bool operator==(const Answer& a, const Answer& b)
-{
-    return a.code == b.code && a.number == b.number;
-}
-
-std::ostream& operator<<(std::ostream& out, const Answer& answer)
-{
-    return out << "code " << answer.code << ", number " << answer.number;
-}
+using Answer = std::pair<int, int>;  // result and number
 
 Answer checkAddr(const char* registerType, const char* text, int dataType, int count,
                  int accessMode)
@@ -50,7 +34,7 @@ Answer checkValidity(const char* registerType, const char* text, int count, int 
     return {code, number};
 }
 
-struct Row
+struct Question
 {
     const char* registerType;
     const char* text;
@@ -65,21 +49,22 @@ bool isBitType(const std::string& type)
            type == "T" || type == "C";
 }
 
-class AddressCheck : public ::testing::TestWithParam<Row>
+class AddressCheck : public ::testing::TestWithParam<Question>
 {};
 
 TEST_P(AddressCheck, GivesCodeAndNumber)
 {
-    const Row& row = GetParam();
+    const Question& row = GetParam();
     const bool bit = isBitType(row.registerType);
     const Answer wanted = {row.code, row.number};
+    SCOPED_TRACE(std::string(row.registerType) + row.text + " " + std::to_string(row.count));
     EXPECT_EQ(wanted, checkAddr(row.registerType, row.text, bit ? bitData : wordData, row.count,
                                 readAccess));
     EXPECT_EQ(wanted, checkValidity(row.registerType, row.text, row.count, bit ? 0 : 1));
 }
 
 // clang-format off
-const Row ranges[] = {
+const Question ranges[] = {
     {"X", "0", 1, 0, 0},            {"X", "377", 1, 0, 255},        {"X", "400", 1, 2, 256},
     {"X", "377", 2, 2, 255},        {"X", "0", 256, 0, 0},          {"X", "0", 257, 2, 0},
     {"Y", "0", 1, 0, 0},            {"Y", "377", 1, 0, 255},        {"Y", "400", 1, 2, 256},
@@ -109,7 +94,7 @@ const Row ranges[] = {
     {"32CV", "0", 1, 2, 0},
 };
 
-const Row texts[] = {
+const Question texts[] = {
     {"X", "8", 1, 4, 0},            {"X", "18", 1, 4, 0},           {"Y", "9", 1, 4, 0},
     {"Y", "17", 1, 0, 15},          {"M", "0017", 1, 0, 17},        {"X", "0017", 1, 0, 15},
     {"D", "", 1, 4, 0},             {"D", " ", 1, 4, 0},            {"D", "abc", 1, 4, 0},
@@ -122,7 +107,7 @@ const Row texts[] = {
 };
 
 // A sign is refused before the text is read, wherever it stands; the number is left alone.
-const Row signs[] = {
+const Question signs[] = {
     {"D", "-5", 1, 4, untouched},   {"D", "+5", 1, 4, untouched},   {"D", "5-", 1, 4, untouched},
     {"D", "1+1", 1, 4, untouched},  {"D", "-", 1, 4, untouched},    {"D", "+-", 1, 4, untouched},
     {"X", "-8", 1, 4, untouched},   {"M", "-0", 1, 4, untouched},   {"SM", "+8000", 1, 4, untouched},
@@ -130,7 +115,7 @@ const Row signs[] = {
     {"CV", "-99999", 1, 4, untouched},
 };
 
-const Row hostileCounts[] = {
+const Question hostileCounts[] = {
     {"D", "0", 2147483647, 2, 0},           {"D", "7999", 2147483647, 2, 7999},
     {"D", "2147483647", 2147483647, 2, 2147483647},
     {"X", "377", 2147483647, 2, 255},       {"32CV", "256", 2147483647, 2, 256},
@@ -140,30 +125,123 @@ const Row hostileCounts[] = {
 };
 // clang-format on
 
-std::string rowName(const ::testing::TestParamInfo<Row>& info)
-{
-    std::string name = std::to_string(info.index) + '_' + info.param.registerType + '_';
-    for (const char* character = info.param.text; *character != '\0'; ++character) {
-        const char c = *character;
-        name += c == '-'   ? "Minus"
-                : c == '+' ? "Plus"
-                : c == ' ' ? "Blank"
-                : c == '.' ? "Dot"
-                           : std::string(1, c);
-    }
-    return name + "_Count" + (info.param.count < 0 ? "Below0" : std::to_string(info.param.count));
-}
+INSTANTIATE_TEST_SUITE_P(Ranges, AddressCheck, ::testing::ValuesIn(ranges));
+INSTANTIATE_TEST_SUITE_P(Texts, AddressCheck, ::testing::ValuesIn(texts));
+INSTANTIATE_TEST_SUITE_P(Signs, AddressCheck, ::testing::ValuesIn(signs));
+INSTANTIATE_TEST_SUITE_P(HostileCounts, AddressCheck, ::testing::ValuesIn(hostileCounts));
 
-INSTANTIATE_TEST_SUITE_P(Ranges, AddressCheck, ::testing::ValuesIn(ranges), rowName);
-INSTANTIATE_TEST_SUITE_P(Texts, AddressCheck, ::testing::ValuesIn(texts), rowName);
-INSTANTIATE_TEST_SUITE_P(Signs, AddressCheck, ::testing::ValuesIn(signs), rowName);
-INSTANTIATE_TEST_SUITE_P(HostileCounts, AddressCheck, ::testing::ValuesIn(hostileCounts), rowName);
-
-TEST(AddressCheckOddities, CounterBoundIsOnePastTheOtherTypesOf256)
+TEST(CheckedCounter, BoundIsOnePastTheOtherTypesOf256)
 {
     EXPECT_EQ((Answer{0, 256}), checkAddr("32CV", "256", 9, 1, readAccess));
     EXPECT_EQ((Answer{2, 256}), checkAddr("32CV", "256", 9, 2, readAccess));
     EXPECT_EQ((Answer{0, 256}), checkValidity("32CV", "256", 1, 1));
     EXPECT_EQ((Answer{2, 256}), checkValidity("32CV", "256", 2, 1));
+}
+
+struct Row
+{
+    const char* name;
+    const char* registerType;
+    const char* text;
+    int dataType;  // of intf_checkAddr; wordAccess of intf_checkAddrValidity
+    int accessMode;
+    Answer answer;
+};
+
+class CheckOrder : public ::testing::TestWithParam<Row>
+{};
+
+TEST_P(CheckOrder, FirstReasonDecides)
+{
+    const Row& row = GetParam();
+    EXPECT_EQ(row.answer, checkAddr(row.registerType, row.text, row.dataType, 1, row.accessMode));
+}
+
+const Row order[] = {
+    {"BitTypeWithWordData", "M", "0", 0, 0, {1, untouched}},
+    {"BitTypeWithDataTypeMinusTwo", "M", "0", -2, 0, {1, untouched}},
+    {"WordTypeWithBitData", "D", "0", -1, 0, {1, untouched}},
+    {"CounterWithBitDataIsWidthNotDataType", "32CV", "200", -1, 0, {1, untouched}},
+    {"WidthBeforeSign", "D", "-5", -1, 0, {1, untouched}},
+    {"WidthBeforeWriteToInput", "X", "0", 0, 1, {1, untouched}},
+    {"WidthBeforeUnreadableText", "M", "abc", 0, 0, {1, untouched}},
+    {"SignBeforeWriteToInput", "X", "-5", -1, 2, {4, untouched}},
+    {"SignBeforeDataTypeOfCounter", "32CV", "+200", 2, 0, {4, untouched}},
+    {"SignBeforeUnknownType", "Z", "-5", -1, 0, {4, untouched}},
+    {"WriteToInputWithModeOne", "X", "17", -1, 1, {6, untouched}},
+    {"WriteToInputWithModeTwo", "X", "17", -1, 2, {6, untouched}},
+    {"WriteToInputBeforeUnreadableText", "X", "8", -1, 1, {6, untouched}},
+    {"WriteToInputBeforeRange", "X", "400", -1, 2, {6, untouched}},
+    {"InputWithModeZero", "X", "17", -1, 0, {0, 15}},
+    {"InputWithModeThree", "X", "17", -1, 3, {0, 15}},
+    {"InputWithModeMinusOne", "X", "17", -1, -1, {0, 15}},
+    {"OutputMayBeWritten", "Y", "17", -1, 2, {0, 15}},
+    {"LowerCaseInputIsUnknownNotReadOnly", "x", "17", -1, 2, {3, untouched}},
+    {"DataTypeOfCounterBeforeUnreadableText", "32CV", "abc", 2, 0, {5, untouched}},
+    {"DataTypeOfCounterBeforeRange", "32CV", "199", 0, 0, {5, untouched}},
+    {"UnknownTypeBeforeUnreadableText", "Z", "abc", -1, 0, {3, untouched}},
+    {"UnknownTypeWithBitData", "Z", "5", -1, 0, {3, untouched}},
+    {"UnknownTypeWithWordData", "Z", "5", 0, 0, {3, untouched}},
+    {"EmptyTypeIsUnknown", "", "5", 0, 0, {3, untouched}},
+    {"LowerCaseTypeIsUnknown", "d", "5", 0, 0, {3, untouched}},
+    {"TypeWithABlankIsUnknown", "D ", "5", 0, 0, {3, untouched}},
+    {"UnreadableTextStoresZero", "D", "abc", 0, 0, {4, 0}},
+    {"RangeStoresTheNumber", "D", "8000", 0, 0, {2, 8000}},
+    {"CounterOutOfRange", "32CV", "199", 9, 0, {2, 199}},
+};
+
+INSTANTIATE_TEST_SUITE_P(Reasons, CheckOrder, ::testing::ValuesIn(order), nameOf<Row>);
+
+TEST(CheckedCounter, TakesFiveDataTypes)
+{
+    for (const int taken : {1, 3, 5, 6, 9})
+        EXPECT_EQ((Answer{0, 200}), checkAddr("32CV", "200", taken, 1, readAccess)) << taken;
+    for (const int refused : {-2, 0, 2, 4, 7, 8, 10})
+        EXPECT_EQ((Answer{5, untouched}), checkAddr("32CV", "200", refused, 1, readAccess))
+            << refused;
+}
+
+class ValidityOrder : public ::testing::TestWithParam<Row>
+{};
+
+TEST_P(ValidityOrder, FirstReasonDecides)
+{
+    const Row& row = GetParam();
+    EXPECT_EQ(row.answer, checkValidity(row.registerType, row.text, 1, row.dataType));
+}
+
+const Row validity[] = {
+    {"BitTypeWithWordAccess", "M", "0", 1, 0, {1, untouched}},
+    {"BitTypeWithWordAccessMinusOne", "M", "0", -1, 0, {1, untouched}},
+    {"WordTypeWithBitAccess", "D", "0", 0, 0, {1, untouched}},
+    {"CounterWithBitAccess", "32CV", "200", 0, 0, {1, untouched}},
+    {"AnyTruthValueIsWordAccess", "D", "0", -5, 0, {0, 0}},
+    {"WidthBeforeSign", "D", "-5", 0, 0, {1, untouched}},
+    {"SignBeforeUnknownType", "Z", "+5", 0, 0, {4, untouched}},
+    {"UnknownTypeBeforeUnreadableText", "Z", "abc", 1, 0, {3, untouched}},
+    {"UnknownTypeWithBitAccess", "Z", "5", 0, 0, {3, untouched}},
+    {"InputIsNeverRefusedForWriting", "X", "17", 0, 0, {0, 15}},
+    {"CounterHasNoDataTypeToRefuse", "32CV", "200", 2, 0, {0, 200}},
+    {"UnreadableTextStoresZero", "X", "8", 0, 0, {4, 0}},
+    {"RangeStoresTheNumber", "X", "400", 0, 0, {2, 256}},
+};
+
+INSTANTIATE_TEST_SUITE_P(Reasons, ValidityOrder, ::testing::ValuesIn(validity), nameOf<Row>);
+
+TEST(AddressCheckWithoutOutput, NullNumberIsSkipped)
+{
+    const QString type = QString::fromLatin1("D");
+    const QString good = QString::fromLatin1("5");
+    const QString bad = QString::fromLatin1("x");
+    EXPECT_EQ(0, intf_checkAddr(type, good, nullptr, 0, 1, 0));
+    EXPECT_EQ(4, intf_checkAddr(type, bad, nullptr, 0, 1, 0));
+    EXPECT_EQ(0, intf_checkAddrValidity(type, good, nullptr, 1, 1));
+    EXPECT_EQ(4, intf_checkAddrValidity(type, bad, nullptr, 1, 1));
+}
+
+TEST(AddressCheckWithoutText, NullTextsAreEmptyTexts)
+{
+    EXPECT_EQ((Answer{3, untouched}), checkAddr(nullptr, nullptr, 0, 1, readAccess));
+    EXPECT_EQ((Answer{4, 0}), checkAddr("D", nullptr, 0, 1, readAccess));
 }
 }  // namespace

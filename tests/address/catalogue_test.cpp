@@ -3,15 +3,9 @@
 //
 // The catalogue that fills the editor's register choosers.
 
-#include "driver/intf.h"
-
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
+#include "tests/support/driver_fixture.h"
 
 namespace {
-using Texts = std::vector<std::string>;
 
 Texts plain(const QList<QString>& list)
 {
@@ -81,8 +75,7 @@ const Row rows[] = {
     {"Empty", "", {}, 0},
 };
 
-INSTANTIATE_TEST_SUITE_P(Types, RegisterDescription, ::testing::ValuesIn(rows),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(Types, RegisterDescription, ::testing::ValuesIn(rows), nameOf<Row>);
 
 TEST(RegisterDescriptionList, AppendsAndNeverClears)
 {

@@ -117,6 +117,5 @@ TEST(BitOfAValue, IsSetOnlyWithin32Bits)
     EXPECT_FALSE(isBitSet(-2, 0));
 }
 
-INSTANTIATE_TEST_SUITE_P(Bits, BitValue, ::testing::ValuesIn(bits),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(Bits, BitValue, ::testing::ValuesIn(bits), nameOf<Row>);
 }  // namespace

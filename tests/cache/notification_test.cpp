@@ -129,8 +129,7 @@ const Row bytes[] = {
     {"TwoBitsTheOtherWayRound", 0x02, 0x04, {"1,1,M,1", "1,1,M,2"}},
 };
 
-INSTANTIATE_TEST_SUITE_P(Bytes, WholeByte, ::testing::ValuesIn(bytes),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(Bytes, WholeByte, ::testing::ValuesIn(bytes), nameOf<Row>);
 
 // Callers pass the start of an area; the bit numbers are added to whatever they pass.
 TEST_F(Notification, WholeByteAddsBitNumbersToTheAddressAsGiven)

@@ -130,8 +130,7 @@ const Row pieces[] = {
     {"HugeLimit", "1#0#0#3#2147483647", "D", 0, 507, "1#D0/253 1#D253/253 1#D506/1"},
 };
 
-INSTANTIATE_TEST_SUITE_P(Limits, WordPieces, ::testing::ValuesIn(pieces),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(Limits, WordPieces, ::testing::ValuesIn(pieces), nameOf<Row>);
 
 // One word of a counter is a piece for the PLC, but no element for the cache.
 TEST_F(WriteRequests, OneWordOfACounterIsQueuedButNotCached)

@@ -77,8 +77,7 @@ const Row rows[] = {
     {"HighLatin1CharactersAreNoDigits", "\xB9#\xB2#\xB3#\xE4#\xFF", {0, 0, 0, 0, 0, 0}, 0, 0},
 };
 
-INSTANTIATE_TEST_SUITE_P(Texts, PropertyString, ::testing::ValuesIn(rows),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(Texts, PropertyString, ::testing::ValuesIn(rows), nameOf<Row>);
 
 TEST_F(DriverTest, NullPropertyStringCountsAsEmpty)
 {

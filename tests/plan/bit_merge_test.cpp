@@ -43,7 +43,7 @@ const PlanRow rows[] = {
     {"ClosedBlockNeverGrowsAgain", 2, {{"M", 0, 8}, {"M", 16, 8}, {"M", 8, 1}}, "1#M0/2 1#M16/1"},
 };
 
-INSTANTIATE_TEST_SUITE_P(Ranges, BitMerge, ::testing::ValuesIn(rows), nameOf);
+INSTANTIATE_TEST_SUITE_P(Ranges, BitMerge, ::testing::ValuesIn(rows), nameOf<PlanRow>);
 
 // The bytes of a piece are counted from its length alone.
 const PlanRow oddities[] = {
@@ -53,5 +53,5 @@ const PlanRow oddities[] = {
     {"OffsetOfALongRangeIsNotCounted", 32, {{"X", 7, 16}}, "1#X0/2"},
 };
 
-INSTANTIATE_TEST_SUITE_P(Oddities, BitMerge, ::testing::ValuesIn(oddities), nameOf);
+INSTANTIATE_TEST_SUITE_P(Oddities, BitMerge, ::testing::ValuesIn(oddities), nameOf<PlanRow>);
 }  // namespace

@@ -23,11 +23,6 @@ struct PlanRow
     const char* plan;  // counts are words, counters or, of bit types, bytes
 };
 
-inline std::string nameOf(const ::testing::TestParamInfo<PlanRow>& row)
-{
-    return row.param.name;
-}
-
 class PlanOfRanges : public DriverTest, public ::testing::WithParamInterface<PlanRow>
 {
 protected:

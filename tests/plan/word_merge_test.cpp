@@ -53,5 +53,5 @@ const PlanRow rows[] = {
      "1#D0/1 1#TV1/1 1#CV0/1"},
 };
 
-INSTANTIATE_TEST_SUITE_P(Ranges, WordMerge, ::testing::ValuesIn(rows), nameOf);
+INSTANTIATE_TEST_SUITE_P(Ranges, WordMerge, ::testing::ValuesIn(rows), nameOf<PlanRow>);
 }  // namespace

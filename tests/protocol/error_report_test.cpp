@@ -54,8 +54,7 @@ const Row rows[] = {
     {"Zeros", 0, "D", 0, 0, 0, "0#D0(0)(0)"},
 };
 
-INSTANTIATE_TEST_SUITE_P(Requests, ErrorReport, ::testing::ValuesIn(rows),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(Requests, ErrorReport, ::testing::ValuesIn(rows), nameOf<Row>);
 
 using ErrorReportOfAReply = DriverTest;
 

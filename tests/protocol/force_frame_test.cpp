@@ -58,8 +58,7 @@ const Row rows[] = {
     {"SmallestSpecialRelay", "SM", -2147483647 - 1, 1, "<STX>7C0EF<ETX>38"},
 };
 
-INSTANTIATE_TEST_SUITE_P(Bits, ForceFrame, ::testing::ValuesIn(rows),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(Bits, ForceFrame, ::testing::ValuesIn(rows), nameOf<Row>);
 
 using ForceFrameRecord = DriverTest;
 

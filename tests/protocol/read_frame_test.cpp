@@ -18,11 +18,6 @@ struct Row
     int replyDataChars;
 };
 
-std::string rowName(const ::testing::TestParamInfo<Row>& info)
-{
-    return info.param.name;
-}
-
 class ReadFrame : public DriverTest, public ::testing::WithParamInterface<Row>
 {};
 
@@ -113,9 +108,9 @@ const Row hostile[] = {
     {"LargestCounterCount", "32CV", 200, largest, "<STX>00C00FC<ETX>8F", largest, largest},
 };
 
-INSTANTIATE_TEST_SUITE_P(MemoryMap, ReadFrame, ::testing::ValuesIn(memoryMap), rowName);
-INSTANTIATE_TEST_SUITE_P(CutFields, ReadFrame, ::testing::ValuesIn(cutFields), rowName);
-INSTANTIATE_TEST_SUITE_P(Hostile, ReadFrame, ::testing::ValuesIn(hostile), rowName);
+INSTANTIATE_TEST_SUITE_P(MemoryMap, ReadFrame, ::testing::ValuesIn(memoryMap), nameOf<Row>);
+INSTANTIATE_TEST_SUITE_P(CutFields, ReadFrame, ::testing::ValuesIn(cutFields), nameOf<Row>);
+INSTANTIATE_TEST_SUITE_P(Hostile, ReadFrame, ::testing::ValuesIn(hostile), nameOf<Row>);
 
 using ReadFrameRecord = DriverTest;
 

@@ -78,8 +78,7 @@ const Row rows[] = {
     {"LastWordsOfTheMemory", "D", 8, 2040, true, true},
 };
 
-INSTANTIATE_TEST_SUITE_P(Entries, RecipeLimits, ::testing::ValuesIn(rows),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(Entries, RecipeLimits, ::testing::ValuesIn(rows), nameOf<Row>);
 
 class RecipeWithoutMemory : public DriverTest
 {

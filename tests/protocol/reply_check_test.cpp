@@ -26,11 +26,6 @@ struct Row
     int answer;
 };
 
-std::string rowName(const ::testing::TestParamInfo<Row>& info)
-{
-    return info.param.name;
-}
-
 class ReplyCheck : public DriverTest, public ::testing::WithParamInterface<Row>
 {};
 
@@ -112,9 +107,9 @@ const Row literalJudgements[] = {
     {"LargestExpectationTakesData", {2147483647, 2147483647}, "<STX>1234<ETX>CD", 1},
 };
 
-INSTANTIATE_TEST_SUITE_P(Reads, ReplyCheck, ::testing::ValuesIn(reads), rowName);
-INSTANTIATE_TEST_SUITE_P(Writes, ReplyCheck, ::testing::ValuesIn(writes), rowName);
-INSTANTIATE_TEST_SUITE_P(Literal, ReplyCheck, ::testing::ValuesIn(literalJudgements), rowName);
+INSTANTIATE_TEST_SUITE_P(Reads, ReplyCheck, ::testing::ValuesIn(reads), nameOf<Row>);
+INSTANTIATE_TEST_SUITE_P(Writes, ReplyCheck, ::testing::ValuesIn(writes), nameOf<Row>);
+INSTANTIATE_TEST_SUITE_P(Literal, ReplyCheck, ::testing::ValuesIn(literalJudgements), nameOf<Row>);
 
 using ReplyCheckOfBadBuffers = DriverTest;
 

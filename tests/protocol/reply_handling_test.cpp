@@ -140,8 +140,7 @@ const Row limits[] = {
     {"Two", "1#0#0#2#32", {8, 2}},    {"Five", "1#0#0#5#32", {8, 8, 8, 8, 2}},
 };
 
-INSTANTIATE_TEST_SUITE_P(Limits, FailLimit, ::testing::ValuesIn(limits),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(Limits, FailLimit, ::testing::ValuesIn(limits), nameOf<Row>);
 
 class WriteReply : public DriverTest
 {

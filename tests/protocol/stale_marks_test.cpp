@@ -49,8 +49,7 @@ const Row rows[] = {
     {"NegativeCount", "D", 0, -3, ""},
 };
 
-INSTANTIATE_TEST_SUITE_P(FailedReads, StaleMarks, ::testing::ValuesIn(rows),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(FailedReads, StaleMarks, ::testing::ValuesIn(rows), nameOf<Row>);
 
 class StaleMarksInTime : public DriverTest
 {

@@ -66,8 +66,7 @@ const Row rows[] = {
     {"SmallestSpecialRegister", "SD", -2147483647 - 1, {0x01, 0x00}, "<STX>1D080020100<ETX>33"},
 };
 
-INSTANTIATE_TEST_SUITE_P(Requests, WriteFrame, ::testing::ValuesIn(rows),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(Requests, WriteFrame, ::testing::ValuesIn(rows), nameOf<Row>);
 
 using WriteFrameRecord = DriverTest;
 

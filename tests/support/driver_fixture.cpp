@@ -5,6 +5,8 @@
 
 #include "tests/support/driver_fixture.h"
 
+#include "cache/data_areas.h"
+
 Texts DriverTest::calls;
 std::function<void(QString& text, int value)> DriverTest::onCall;
 
@@ -66,6 +68,12 @@ bool DriverTest::mutexIsFree()
     return true;
 }
 
+void DriverTest::mark(const char* registerType, int start, int count, int stationNo)
+{
+    EXPECT_EQ(0,
+              _setDataAreaMonitorFlag(stationNo, QString::fromLatin1(registerType), start, count));
+}
+
 std::string DriverTest::nextFrame()
 {
     FRAME_PRO out;
@@ -89,6 +97,14 @@ int DriverTest::reply(const std::string& text)
     const int result = intf_dealRcvFrame(bytes, error);
     errorText = plain(error);
     return result;
+}
+
+void DriverTest::poll(const char* registerType, int start, int count, const std::string& text)
+{
+    driver.readList.clear();
+    driver.readList << request(registerType, start, count);
+    ASSERT_NE("", nextFrame());
+    ASSERT_EQ(1, reply(text));
 }
 
 int DriverTest::areaOf(const char* registerType, int start, int stationNo)

@@ -24,6 +24,13 @@
 
 using Texts = std::vector<std::string>;
 
+// The name of a test is that of its row.
+template <class Row>
+std::string nameOf(const ::testing::TestParamInfo<Row>& row)
+{
+    return row.param.name;
+}
+
 // Gives `driver` the state in which the library is loaded.
 void resetDriver();
 
@@ -41,6 +48,15 @@ protected:
     void requestUpload() { hostMemory[fxUploadRequestByte] = 1; }
     bool mutexIsFree();
 
+    static int merge(QList<KEY_ADDRESS> keys) { return intf_addrMerge(keys); }
+    static void readOnce(KEY_ADDRESS key, int tag = 0)
+    {
+        EXPECT_EQ(1, intf_addConditionRead(key, tag));
+    }
+    static int setRecipe(QVector<_RCP_VAR_PRO> list) { return intf_setRcpAddress(list); }
+    // Marks elements as monitored without a plan.
+    static void mark(const char* registerType, int start, int count, int stationNo = 1);
+
     // The frame that the driver gives next as text, "" when there is nothing to send.
     std::string nextFrame();
     // The request of the frame that the driver gives next, "" when there is nothing to send.
@@ -48,6 +64,8 @@ protected:
     // Hands over a reply given as text, and returns the result.
     int reply(const std::string& text);
     int acknowledge() { return reply("<ACK>"); }
+    // A plan of one request, polled once; `text` is a good reply.
+    void poll(const char* registerType, int start, int count, const std::string& text);
 
     int areaOf(const char* registerType, int start, int stationNo = 1);
     _DATA_& area(const char* registerType, int start, int stationNo = 1);
