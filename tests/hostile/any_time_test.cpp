@@ -13,14 +13,11 @@ class AnyTime : public DriverTest
 protected:
     void useEverything()
     {
-        KEY_ADDRESS key = watch("D", 10, 5);
-        QList<KEY_ADDRESS> keys{key, watch("M", 3, 20), watch("32CV", 200, 4)};
-        intf_addrMerge(keys);
-        intf_addConditionRead(key, 1);
+        merge({watch("D", 10, 2), watch("M", 0, 9), watch("32CV", 200, 1)});
+        readOnce(watch("D", 10, 5), 1);
         write("M", 3, {1, 1}, 2);
         write("D", 10, Bytes(8, 9), 4);
-        QVector<_RCP_VAR_PRO> list{recipeEntry("D", 0, 3, 0, driver.linkNo)};
-        intf_setRcpAddress(list);
+        setRecipe({recipeEntry("D", 0, 3, 0, driver.linkNo)});
         EXPECT_EQ("", brokenState());
     }
 
@@ -36,10 +33,14 @@ protected:
 
 }  // namespace
 
-// Limits are 0 and there is no host memory yet: words go out one at a time.
+// Limits are 0 and there is no host memory yet: words go out one at a time, bits eight, and the
+// first rejection is a failure.
 TEST_F(AnyTime, EverythingWorksBeforeTheFirstSetUp)
 {
+    EXPECT_EQ("", nextRequest());
     useEverything();
+    EXPECT_EQ("1#M0/1 1#M8/1 1#D10/1 1#D11/1 1#32CV200/1", textOf(driver.readList));
+    EXPECT_EQ(Bytes(8, 9), values("D", 10, 4, 8));
     EXPECT_EQ("1#M3/1", nextRequest());
     EXPECT_EQ(2, reply("<NAK>"));
     EXPECT_EQ("1#M4/1", nextRequest());
@@ -63,14 +64,13 @@ TEST_F(AnyTime, SetUpForgetsAnOpenWrite)
 TEST_F(AnyTime, SetUpForgetsAReadThatWasRejected)
 {
     setUpDriver();
-    QList<KEY_ADDRESS> keys{watch("D", 10, 5)};
-    intf_addrMerge(keys);
+    merge({watch("D", 10, 5)});
     EXPECT_EQ("1#D10/5", nextRequest());
     EXPECT_EQ(8, reply(""));
     EXPECT_EQ(8, reply(""));
     setUpDriver();
     expectIdle();
-    intf_addrMerge(keys);
+    merge({watch("D", 10, 5)});
     nextRequest();
     EXPECT_EQ(8, reply(""));  // counted from the beginning
 }
@@ -78,8 +78,7 @@ TEST_F(AnyTime, SetUpForgetsAReadThatWasRejected)
 TEST_F(AnyTime, SetUpLetsATransferGoOnWhereItStood)
 {
     setUpDriver();
-    QVector<_RCP_VAR_PRO> list{recipeEntry("D", 0, 1, 0), recipeEntry("D", 50, 1, 1)};
-    intf_setRcpAddress(list);
+    setRecipe({recipeEntry("D", 0, 1, 0), recipeEntry("D", 50, 1, 1)});
     requestDownload();
     EXPECT_EQ("1#D0/1", nextRequest());
     EXPECT_EQ(1, reply("<ACK>"));
@@ -95,8 +94,7 @@ TEST_F(AnyTime, SetUpLetsATransferGoOnWhereItStood)
 TEST_F(AnyTime, SetUpWithoutHostMemoryEndsRecipeRequests)
 {
     setUpDriver();
-    QVector<_RCP_VAR_PRO> list{recipeEntry("D", 0, 2, 0)};
-    intf_setRcpAddress(list);
+    setRecipe({recipeEntry("D", 0, 2, 0)});
     requestUpload();
     EXPECT_EQ("1#D0/2", nextRequest());
     EXPECT_EQ(1, intf_initProperty(nullptr, 0, nullptr, nullptr, nullptr, nullptr));
@@ -107,11 +105,9 @@ TEST_F(AnyTime, SetUpWithoutHostMemoryEndsRecipeRequests)
 TEST_F(AnyTime, MergeInMidExchangeLeavesTheFrameAlone)
 {
     setUpDriver();
-    QList<KEY_ADDRESS> keys{watch("D", 10, 1), watch("D", 100, 1)};
-    intf_addrMerge(keys);
+    merge({watch("D", 10, 1), watch("D", 100, 1)});
     EXPECT_EQ("1#D10/1", nextRequest());
-    QList<KEY_ADDRESS> others{watch("TV", 0, 1)};
-    intf_addrMerge(others);
+    merge({watch("TV", 0, 1)});
     EXPECT_EQ("1#D10/1", nextRequest());
     EXPECT_EQ(1, reply("<STX>1234<ETX>CD"));
     EXPECT_EQ("1#TV0/1", nextRequest());

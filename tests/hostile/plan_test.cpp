@@ -2,9 +2,13 @@
 // SPDX-License-Identifier: MIT
 //
 // Planning with numbers that no sane host gives: limits of 0 and less or without end, lengths
-// beyond what the wire can address, starts near the largest integer.
+// beyond what the wire can address, starts near the largest integer, lists longer than any screen.
 
+#include "tests/model/driver_properties.h"
 #include "tests/plan/plan_of_ranges.h"
+
+#include <algorithm>
+#include <random>
 
 namespace {
 constexpr int largest = 2147483647;
@@ -60,22 +64,17 @@ const PlanRow rows[] = {
      "1#D16777216/1"},
 };
 
-INSTANTIATE_TEST_SUITE_P(Ranges, OddRanges, ::testing::ValuesIn(rows), nameOf);
+INSTANTIATE_TEST_SUITE_P(Ranges, OddRanges, ::testing::ValuesIn(rows), nameOf<PlanRow>);
 
 class HostilePlan : public DriverTest
 {
 protected:
-    int merge(const KEY_ADDRESS& key)
-    {
-        QList<KEY_ADDRESS> keys;
-        keys << key;
-        return intf_addrMerge(keys);
-    }
+    static int merge(const KEY_ADDRESS& key) { return DriverTest::merge({key}); }
     static void queue(const char* type, int start, int length, int bitIndex)
     {
         KEY_ADDRESS key = watch(type, start, length);
         key.bitIndex = bitIndex;
-        EXPECT_EQ(1, intf_addConditionRead(key, 0));
+        readOnce(key);
     }
 };
 
@@ -170,5 +169,42 @@ TEST_F(HostilePlan, OneOffPiecesPastTheLargestNumberAreLeftOut)
     ASSERT_EQ(2, driver.conditionReadList.size());
     EXPECT_EQ(largest - 40, driver.conditionReadList.at(0).addressIndex);
     EXPECT_EQ(largest - 8, driver.conditionReadList.at(1).addressIndex);
+}
+class ManyKeys : public DriverTest
+{
+protected:
+    static constexpr int keyCount = 20000;  // twice the registers of a station
+
+    ManyKeys() { setUpDriver(); }
+
+    static QList<KEY_ADDRESS> keys(const char* registerType, int spacing)
+    {
+        QList<KEY_ADDRESS> list;
+        for (int i = 0; i < keyCount; ++i)
+            list.append(watch(registerType, i * spacing, 1, 1 + i % 3));
+        std::shuffle(list.begin(), list.end(), std::mt19937(1));
+        return list;
+    }
+};
+
+TEST_F(ManyKeys, ScatteredKeysArePlannedOneByOne)
+{
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_EQ(keyCount, merge(keys("D", 50)));
+        EXPECT_EQ(keyCount, driver.dataAreas.size());
+    }
+    EXPECT_EQ("", brokenState());
+}
+
+TEST_F(ManyKeys, DenseKeysShareRequests)
+{
+    // Stations 1 to 3 have every third bit each: 256 bits a request.
+    EXPECT_EQ(3 * ((keyCount + 255) / 256), merge(keys("M", 1)));
+}
+
+TEST_F(ManyKeys, OneAddressOverAndOverIsPolledOnce)
+{
+    EXPECT_EQ(1, merge(QVector<KEY_ADDRESS>(keyCount, watch("TV", 7, 3)).toList()));
+    EXPECT_EQ(3, driver.dataAreas.size());
 }
 }  // namespace
