@@ -54,6 +54,7 @@ struct RegisterRange
     int first = 0;
     int count = 1;
     QString askedType = {};  // the other name of the type that was asked for: "D" of D8000
+    int together = 1;        // so many neighbours are one value, which one reply should bring
 
     RegisterRange part(int offset, int partCount) const;
     QVector<RegisterRange> cut(int mostRegisters) const;  // into parts; the last may be shorter
