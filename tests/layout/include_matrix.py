@@ -31,8 +31,11 @@ ALLOWED = {
     "tools/library": [*COMMON, "driver/intf.h", "tools/library/*"],
     "tools/exchange": [*COMMON, "driver/intf.h", "tools/link/*", "tools/library/*",
                        "tools/exchange/*"],
+    "tools/tags": [*COMMON, "driver/intf.h", "tools/library/*", "tools/exchange/*",
+                   "tools/tags/*"],
     "tools/fxhost": [*COMMON, "driver/intf.h", "tools/link/*", "tools/simulated/*",
-                     "tools/library/*", "tools/exchange/*", "tools/fxhost/*", *SIMULATED_PLC],
+                     "tools/library/*", "tools/exchange/*", "tools/tags/*", "tools/fxhost/*",
+                     *SIMULATED_PLC],
     "tools/fxsim": ["tools/fxsim/*"],
 }
 
