@@ -11,11 +11,6 @@ namespace {
 class MonitorMarks : public DriverTest
 {
 protected:
-    static void mark(const char* registerType, int start, int count, int stationNo = 1)
-    {
-        EXPECT_EQ(
-            0, _setDataAreaMonitorFlag(stationNo, QString::fromLatin1(registerType), start, count));
-    }
     static std::string areas() { return textOf(driver.dataAreas); }
 };
 
@@ -29,26 +24,6 @@ TEST_F(MonitorMarks, LongRunOfBitsMarksWholeAreas)
     EXPECT_EQ(0x01, area("Y", 24).changeFlags);
 }
 
-TEST_F(MonitorMarks, EveryBitTypeIsMarkedByBits)
-{
-    for (const char* type : {"X", "Y", "M", "S", "SM", "T", "C"}) {
-        mark(type, 8001, 1);
-        EXPECT_EQ(2, area(type, 8000).changeFlags) << type;
-        EXPECT_EQ(0, area(type, 8000).monitorFlags) << type;
-    }
-}
-
-TEST_F(MonitorMarks, EveryWordTypeIsMarkedByWords)
-{
-    for (const char* type : {"D", "SD", "TV", "CV"}) {
-        mark(type, 8001, 2);
-        EXPECT_EQ(1, area(type, 8001).monitorFlags) << type;
-        EXPECT_EQ(1, area(type, 8002).monitorFlags) << type;
-        EXPECT_EQ(0, area(type, 8001).changeFlags) << type;
-    }
-    EXPECT_EQ(8, driver.dataAreas.size());
-}
-
 TEST_F(MonitorMarks, CountersAreMarkedByPairsOfWords)
 {
     mark("32CV", 200, 3);
@@ -56,29 +31,6 @@ TEST_F(MonitorMarks, CountersAreMarkedByPairsOfWords)
     EXPECT_EQ(1, area("32CV", 200).monitorFlags);
     mark("32CV", 210, 4);
     EXPECT_EQ("1#32CV200 1#32CV210 1#32CV211", areas());
-}
-
-TEST_F(MonitorMarks, OneWordOfACounterMarksNothing)
-{
-    mark("32CV", 200, 1);
-    EXPECT_EQ("", areas());
-}
-
-TEST_F(MonitorMarks, CountsBelowOneMarkNothing)
-{
-    for (const int count : {0, -1, -2147483647 - 1}) {
-        mark("D", 0, count);
-        mark("M", 0, count);
-        mark("32CV", 200, count);
-    }
-    EXPECT_EQ("", areas());
-}
-
-TEST_F(MonitorMarks, UnknownTypesMarkNothing)
-{
-    for (const char* type : {"", "Z", "d", "m", "32cv", "D "})
-        mark(type, 0, 4);
-    EXPECT_EQ("", areas());
 }
 
 TEST_F(MonitorMarks, MarksAddUp)

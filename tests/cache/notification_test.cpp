@@ -13,10 +13,6 @@ class Notification : public DriverTest
 protected:
     Notification() { setUpDriver("4#0#0#3#32"); }
 
-    static void mark(const char* registerType, int start, int count)
-    {
-        _setDataAreaMonitorFlag(1, QString::fromLatin1(registerType), start, count);
-    }
     static void notify(const char* registerType, int address, int isBitType, int newBits = 0,
                        int oldBits = 0, int wholeByte = 0, int stationNo = 1)
     {
@@ -115,7 +111,7 @@ class WholeByte : public DriverTest, public ::testing::WithParamInterface<Row>
 TEST_P(WholeByte, ReportsTheBitsThatDiffer)
 {
     setUpDriver();
-    _setDataAreaMonitorFlag(1, QString::fromLatin1("M"), 0, 8);
+    mark("M", 0, 8);
     _OnlyOneDataTypeDataChange(1, QString::fromLatin1("M"), 0, 1,
                                static_cast<unsigned char>(GetParam().newBits),
                                static_cast<unsigned char>(GetParam().oldBits), 1);
@@ -145,16 +141,6 @@ TEST_F(Notification, NumbersPastTheLargestAreNotReported)
     mark("M", largest - 7, 8);
     notify("M", largest, 1, 0xFF, 0x00, 1);
     EXPECT_EQ((Texts{"4,1,M,2147483647"}), calls);
-}
-
-TEST_F(Notification, UnknownTypeIsNeitherReportedNorCreated)
-{
-    notify("Z", 5, 0);
-    notify("d", 5, 0);
-    notify("", 5, 1);
-    notify("m", 8, 1, 0xFF, 0x00, 1);
-    EXPECT_EQ(Texts(), calls);
-    EXPECT_TRUE(driver.dataAreas.isEmpty());
 }
 
 TEST_F(Notification, CallbackThatGrowsTheCacheGetsEveryBit)

@@ -13,10 +13,6 @@ class WriteMirror : public DriverTest
 protected:
     WriteMirror() { setUpDriver(); }
 
-    static void monitor(const char* registerType, int start, int count)
-    {
-        _setDataAreaMonitorFlag(1, QString::fromLatin1(registerType), start, count);
-    }
     void mirror(const char* registerType, int start, Bytes data, int count)
     {
         std::vector<unsigned char> bytes(data.begin(), data.end());
@@ -35,28 +31,11 @@ TEST_F(WriteMirror, WordsWaitInTheSecondBuffer)
     EXPECT_TRUE(driver.writeList.isEmpty());
 }
 
-TEST_F(WriteMirror, EveryWordTypeIsMirrored)
-{
-    for (const char* type : {"D", "SD", "TV", "CV"}) {
-        mirror(type, 5, {7, 8}, 1);
-        EXPECT_EQ((Bytes{7, 8, 0, 0}), pending(type, 5)) << type;
-    }
-}
-
 TEST_F(WriteMirror, CountersAreMirroredByPairsOfWords)
 {
     mirror("32CV", 200, {1, 2, 3, 4, 5, 6}, 3);
     EXPECT_EQ((Bytes{1, 2, 3, 4}), pending("32CV", 200));
     EXPECT_EQ("1#32CV200", textOf(driver.dataAreas));
-}
-
-TEST_F(WriteMirror, EveryBitTypeInputsIncludedIsMirrored)
-{
-    for (const char* type : {"X", "Y", "M", "S", "SM", "T", "C"}) {
-        mirror(type, 8003, {1}, 1);
-        EXPECT_EQ((Bytes{8, 0, 0, 0}), pending(type, 8000)) << type;
-        EXPECT_EQ(1, area(type, 8000).bufferSelect) << type;
-    }
 }
 
 TEST_F(WriteMirror, BitsAcrossTwoAreas)
@@ -76,7 +55,7 @@ TEST_F(WriteMirror, OnlyAByteOfOneSetsABit)
 
 TEST_F(WriteMirror, FirstBitWriteBuildsOnThePolledByte)
 {
-    monitor("M", 0, 1);
+    mark("M", 0, 1);
     area("M", 0).valueBuffer0[0] = 0xF0;
     area("M", 0).valueBuffer1[0] = 0x0F;  // left over, ignored
     mirror("M", 0, {1}, 1);
@@ -86,9 +65,9 @@ TEST_F(WriteMirror, FirstBitWriteBuildsOnThePolledByte)
 
 TEST_F(WriteMirror, ChangedMonitoredElementIsReported)
 {
-    monitor("D", 100, 1);
-    monitor("M", 3, 1);
-    monitor("32CV", 200, 2);
+    mark("D", 100, 1);
+    mark("M", 3, 1);
+    mark("32CV", 200, 2);
     mirror("D", 100, {0, 1}, 1);
     mirror("M", 3, {1}, 1);
     mirror("32CV", 200, {0, 0, 0, 1}, 2);
@@ -97,9 +76,9 @@ TEST_F(WriteMirror, ChangedMonitoredElementIsReported)
 
 TEST_F(WriteMirror, UnchangedValueIsStoredButNotReported)
 {
-    monitor("D", 100, 1);
-    monitor("M", 3, 1);
-    monitor("32CV", 200, 2);
+    mark("D", 100, 1);
+    mark("M", 3, 1);
+    mark("32CV", 200, 2);
     mirror("D", 100, {0, 0}, 1);
     mirror("M", 3, {0}, 1);
     mirror("32CV", 200, {0, 0, 0, 0}, 2);
@@ -111,7 +90,7 @@ TEST_F(WriteMirror, UnchangedValueIsStoredButNotReported)
 
 TEST_F(WriteMirror, ChangeIsMeasuredAgainstThePendingValue)
 {
-    monitor("D", 100, 1);
+    mark("D", 100, 1);
     mirror("D", 100, {1, 0}, 1);
     calls.clear();
     mirror("D", 100, {1, 0}, 1);
@@ -122,16 +101,16 @@ TEST_F(WriteMirror, ChangeIsMeasuredAgainstThePendingValue)
 
 TEST_F(WriteMirror, UnmonitoredNeighboursAreNotReported)
 {
-    monitor("M", 4, 1);
+    mark("M", 4, 1);
     mirror("M", 3, {1, 1, 1}, 3);
     EXPECT_EQ((Texts{"1,1,M,4"}), calls);
 }
 
 TEST_F(WriteMirror, NotificationPrecedesTheStore)
 {
-    monitor("D", 100, 1);
-    monitor("M", 3, 1);
-    monitor("32CV", 200, 2);
+    mark("D", 100, 1);
+    mark("M", 3, 1);
+    mark("32CV", 200, 2);
     Bytes seen;
     onCall = [this, &seen](QString&, int number) {
         const char* type = number == 100 ? "D" : number == 3 ? "M" : "32CV";
@@ -144,23 +123,11 @@ TEST_F(WriteMirror, NotificationPrecedesTheStore)
     EXPECT_EQ((Bytes{9, 0}), values("D", 100, 1, 2));
 }
 
-TEST_F(WriteMirror, UnknownTypesAndCountsBelowOneStoreNothing)
-{
-    mirror("Z", 0, {1, 2, 3, 4}, 2);
-    mirror("d", 0, {1, 2, 3, 4}, 2);
-    for (const int count : {0, -1, -2147483647 - 1}) {
-        mirror("D", 0, {1, 2, 3, 4}, count);
-        mirror("M", 0, {1, 2, 3, 4}, count);
-        mirror("32CV", 0, {1, 2, 3, 4}, count);
-    }
-    EXPECT_TRUE(driver.dataAreas.isEmpty());
-}
-
 TEST_F(WriteMirror, CacheThatGrowsInsideTheCallbackLosesNothing)
 {
-    monitor("D", 100, 4);
-    monitor("M", 0, 4);
-    monitor("32CV", 200, 4);
+    mark("D", 100, 4);
+    mark("M", 0, 4);
+    mark("32CV", 200, 4);
     int grown = 0;
     onCall = [this, &grown](QString&, int) { values("TV", 3000 * grown++, 3000, 6000); };
     write("D", 100, {1, 2, 3, 4, 5, 6, 7, 8}, 4);
@@ -172,27 +139,4 @@ TEST_F(WriteMirror, CacheThatGrowsInsideTheCallbackLosesNothing)
     EXPECT_EQ((Bytes{1, 2, 3, 4, 5, 6, 7, 8}), values("32CV", 200, 4, 8));
 }
 
-TEST_F(WriteMirror, WriteInsideTheCallbackQueuesBoth)
-{
-    monitor("D", 100, 1);
-    onCall = [this](QString&, int) {
-        onCall = nullptr;
-        write("D", 300, {5, 6}, 1);
-    };
-    write("D", 100, {1, 2}, 1);
-    EXPECT_EQ("1#D100/1 1#D300/1", textOf(driver.writeList));
-    EXPECT_EQ((Bytes{1, 2}), values("D", 100, 1, 2));
-    EXPECT_EQ((Bytes{5, 6}), values("D", 300, 1, 2));
-}
-
-TEST_F(WriteMirror, OneOffReadInsideTheCallbackIsQueued)
-{
-    monitor("D", 100, 1);
-    onCall = [](QString&, int) {
-        KEY_ADDRESS key = watch("D", 7, 1);
-        intf_addConditionRead(key, 1);
-    };
-    write("D", 100, {1, 2}, 1);
-    EXPECT_EQ("1#D7/1", textOf(driver.conditionReadList));
-}
 }  // namespace

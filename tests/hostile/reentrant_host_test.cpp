@@ -61,6 +61,7 @@ TEST_F(ReentrantHost, AWriteOfANeighbourBitInsideStays)
     onFirstCall([this] { write("M", 1, {1}, 1); });
     write("M", 0, {1}, 1);
     EXPECT_EQ((Bytes{1, 1, 0}), values("M", 0, 3, 3));
+    EXPECT_EQ("1#M0/1 1#M1/1", textOf(driver.writeList));
 }
 
 TEST_F(ReentrantHost, WhileAWriteIsConfirmed)

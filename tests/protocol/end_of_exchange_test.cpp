@@ -161,9 +161,7 @@ TEST_F(EndOfExchange, WholeConditionalReadIsReportedOnceWithItsLastPiece)
     driver.conditionReadList.clear();
     driver.writeList.clear();
     hostMemory[fxDownloadRequestByte] = hostMemory[fxUploadRequestByte] = 0;
-    KEY_ADDRESS key = watch("D", 100, 34);
-    key.bitIndex = 0;
-    intf_addConditionRead(key, 0);
+    readOnce(watch("D", 100, 34));
     ASSERT_EQ("1#D100/32", nextRequest());
     reply("<STX>0000<ETX>C3");
     EXPECT_EQ(Texts(), calls);

@@ -91,22 +91,17 @@ protected:
     }
 };
 
-TEST_F(RecipeWithoutMemory, EndsADownload)
+TEST_F(RecipeWithoutMemory, EndsATransfer)
 {
-    requestDownload();
     driver.readList << request("D", 1, 1);
-    nextRequest();
-    EXPECT_EQ(0, hostMemory[fxDownloadRequestByte]);
-    EXPECT_EQ("1#D1/1", nextRequest());
-}
-
-TEST_F(RecipeWithoutMemory, EndsAnUpload)
-{
-    requestUpload();
-    driver.readList << request("D", 1, 1);
-    nextRequest();
-    EXPECT_EQ(0, hostMemory[fxUploadRequestByte]);
-    EXPECT_EQ("1#D1/1", nextRequest());
+    for (unsigned char* const request :
+         {&hostMemory[fxDownloadRequestByte], &hostMemory[fxUploadRequestByte]}) {
+        *request = 1;
+        nextRequest();
+        EXPECT_EQ(0, *request);
+        EXPECT_EQ("1#D1/1", nextRequest());
+        reply("<STX>0000<ETX>C3");
+    }
 }
 
 TEST_F(RecipeWithoutMemory, TakenAwayUnderAnUploadLosesTheWordsOnly)

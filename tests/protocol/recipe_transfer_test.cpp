@@ -23,22 +23,13 @@ protected:
     {
         return firstBytes(recipeBytes() + 2 * word, 2 * wordCount);
     }
-    static void setList(const QVector<_RCP_VAR_PRO>& list)
-    {
-        QVector<_RCP_VAR_PRO> copy = list;
-        intf_setRcpAddress(copy);
-    }
-    static QVector<_RCP_VAR_PRO> entries(const _RCP_VAR_PRO& first)
-    {
-        return QVector<_RCP_VAR_PRO>() << first;
-    }
 };
 
 TEST_F(RecipeTransfer, DownloadWritesEveryEntryThenClearsItsByte)
 {
     setRecipeBytes(0, {0x34, 0x12, 0x78, 0x56});
     setRecipeBytes(10, {0x01, 0x00});
-    setList(entries(recipeEntry("D", 100, 2, 0)) << recipeEntry("D", 200, 1, 10));
+    setRecipe({recipeEntry("D", 100, 2, 0), recipeEntry("D", 200, 1, 10)});
     requestDownload();
     EXPECT_EQ("<STX>110C80434127856<ETX>18", nextFrame());
     EXPECT_EQ(5, driver.operationKind);
@@ -57,7 +48,7 @@ TEST_F(RecipeTransfer, DownloadWritesEveryEntryThenClearsItsByte)
 TEST_F(RecipeTransfer, DownloadOfABitForcesIt)
 {
     setRecipeBytes(3, {1, 0});
-    setList(entries(recipeEntry("M", 5, 1, 3)));
+    setRecipe({recipeEntry("M", 5, 1, 3)});
     requestDownload();
     EXPECT_EQ("<STX>70508<ETX>07", nextFrame());
 }
@@ -66,7 +57,7 @@ TEST_F(RecipeTransfer, DownloadOfABitForcesIt)
 TEST_F(RecipeTransfer, CountOfCountersGoesIntoTheFrameAsItStands)
 {
     setRecipeBytes(0, {0x34, 0x12, 0x78, 0x56});
-    setList(entries(recipeEntry("32CV", 200, 2, 0)));
+    setRecipe({recipeEntry("32CV", 200, 2, 0)});
     requestDownload();
     EXPECT_EQ("<STX>10C000434127856<ETX>0F", nextFrame());
     acknowledge();
@@ -76,7 +67,7 @@ TEST_F(RecipeTransfer, CountOfCountersGoesIntoTheFrameAsItStands)
 
 TEST_F(RecipeTransfer, UploadStoresEveryEntryThenClearsItsByte)
 {
-    setList(entries(recipeEntry("D", 100, 2, 40)) << recipeEntry("TV", 0, 1, 50));
+    setRecipe({recipeEntry("D", 100, 2, 40), recipeEntry("TV", 0, 1, 0)});
     requestUpload();
     EXPECT_EQ("<STX>010C804<ETX>73", nextFrame());
     EXPECT_EQ(6, driver.operationKind);
@@ -87,30 +78,19 @@ TEST_F(RecipeTransfer, UploadStoresEveryEntryThenClearsItsByte)
     EXPECT_EQ(1, hostMemory[fxUploadRequestByte]);
     EXPECT_EQ("<STX>0080002<ETX>5D", nextFrame());
     EXPECT_EQ(1, reply("<STX>ABCD<ETX>0D"));
-    EXPECT_EQ((Bytes{0xAB, 0xCD}), recipeAt(50, 1));
+    EXPECT_EQ((Bytes{0xAB, 0xCD, 0, 0}), recipeAt(0, 2));
     EXPECT_EQ(0, driver.recipeIndex);
     EXPECT_EQ(0, hostMemory[fxUploadRequestByte]);
-}
-
-TEST_F(RecipeTransfer, UploadFillsTheVeryFirstRecipeWord)
-{
-    setList(entries(recipeEntry("D", 100, 1, 0)));
-    requestUpload();
-    EXPECT_EQ("1#D100/1", nextRequest());
-    EXPECT_EQ(1, reply("<STX>1234<ETX>CD"));
-    EXPECT_EQ((Bytes{0x12, 0x34, 0, 0}), recipeAt(0, 2));
-    EXPECT_EQ((Texts{"0,-1,RWI,0"}), calls);
 }
 
 // Of each element first its change, then its recipe words, which are all stored by then.
 TEST_F(RecipeTransfer, UploadReportsElementByElement)
 {
-    QList<KEY_ADDRESS> keys;
-    keys << watch("D", 100, 2) << watch("32CV", 200, 2);
-    intf_addrMerge(keys);
+    mark("D", 100, 2);
+    mark("32CV", 200, 2);
     std::vector<Bytes> stored;
     onCall = [&](QString&, int) { stored.push_back(recipeAt(10, 2)); };
-    setList(entries(recipeEntry("D", 100, 2, 10)) << recipeEntry("32CV", 200, 1, 10));
+    setRecipe({recipeEntry("D", 100, 2, 10), recipeEntry("32CV", 200, 1, 10)});
     requestUpload();
     nextFrame();
     EXPECT_EQ(1, reply("<STX>41424344<ETX>9D"));
@@ -131,7 +111,7 @@ TEST_F(RecipeTransfer, UploadReportsElementByElement)
 
 TEST_F(RecipeTransfer, UploadOfUnchangedWordsStillStoresAndReportsThem)
 {
-    setList(entries(recipeEntry("D", 100, 1, 10)));
+    setRecipe({recipeEntry("D", 100, 1, 10)});
     for (int round = 0; round < 2; ++round) {
         calls.clear();
         recipeWords[10] = 0xFFFF;
@@ -145,7 +125,7 @@ TEST_F(RecipeTransfer, UploadOfUnchangedWordsStillStoresAndReportsThem)
 
 TEST_F(RecipeTransfer, UploadOfBitsStaysOutOfRecipeMemory)
 {
-    setList(entries(recipeEntry("M", 8, 1, 10)));
+    setRecipe({recipeEntry("M", 8, 1, 10)});
     requestUpload();
     nextFrame();
     EXPECT_EQ(1, reply("<STX>FF<ETX>8F"));
@@ -158,7 +138,7 @@ TEST_F(RecipeTransfer, UploadOfBitsStaysOutOfRecipeMemory)
 TEST_F(RecipeTransfer, ShortReplyUploadsZeros)
 {
     recipeWords[10] = recipeWords[11] = 0xFFFF;
-    setList(entries(recipeEntry("D", 100, 4, 10)));
+    setRecipe({recipeEntry("D", 100, 4, 10)});
     requestUpload();
     nextFrame();
     reply("<STX>12345678<ETX>A7");
@@ -168,7 +148,7 @@ TEST_F(RecipeTransfer, ShortReplyUploadsZeros)
 
 TEST_F(RecipeTransfer, DownloadGoesBeforeUpload)
 {
-    setList(entries(recipeEntry("D", 100, 1, 0)) << recipeEntry("D", 101, 1, 1));
+    setRecipe({recipeEntry("D", 100, 1, 0), recipeEntry("D", 101, 1, 1)});
     requestDownload();
     requestUpload();
     for (int i = 0; i < 2; ++i) {
@@ -187,7 +167,7 @@ TEST_F(RecipeTransfer, GoesBeforeWritesAndReads)
     driver.writeList << request("D", 1, 1);
     driver.conditionReadList << request("D", 2, 1);
     driver.readList << request("D", 3, 1);
-    setList(entries(recipeEntry("D", 100, 1, 0)));
+    setRecipe({recipeEntry("D", 100, 1, 0)});
     requestDownload();
     EXPECT_EQ("1#D100/1", nextRequest());
     acknowledge();
@@ -199,9 +179,9 @@ TEST_F(RecipeTransfer, GoesBeforeWritesAndReads)
 
 TEST_F(RecipeTransfer, OnlyEntriesOfThisLinkAreTransferred)
 {
-    setList(entries(recipeEntry("D", 1, 1, 0, 2))
-            << recipeEntry("D", 2, 1, 0) << recipeEntry("D", 3, 1, 0, 0)
-            << recipeEntry("D", 4, 1, 0) << recipeEntry("D", 5, 1, 0, 2));
+    setRecipe({recipeEntry("D", 1, 1, 0, 2), recipeEntry("D", 2, 1, 0),
+               recipeEntry("D", 3, 1, 0, 0), recipeEntry("D", 4, 1, 0),
+               recipeEntry("D", 5, 1, 0, 2)});
     requestDownload();
     EXPECT_EQ("1#D2/1", nextRequest());
     acknowledge();
@@ -213,7 +193,7 @@ TEST_F(RecipeTransfer, OnlyEntriesOfThisLinkAreTransferred)
 TEST_F(RecipeTransfer, TagOfTheLastRequestStays)
 {
     driver.current.tag = 77;
-    setList(entries(recipeEntry("D", 100, 1, 0)));
+    setRecipe({recipeEntry("D", 100, 1, 0)});
     requestDownload();
     nextRequest();
     EXPECT_EQ(77, driver.frames.at(0).variable.tag);
@@ -222,8 +202,8 @@ TEST_F(RecipeTransfer, TagOfTheLastRequestStays)
 TEST_F(RecipeTransfer, FailedDownloadAbandonsTheRest)
 {
     setUpDriver("1#0#0#1#32");
-    setList(entries(recipeEntry("D", 100, 1, 0))
-            << recipeEntry("D", 101, 1, 0) << recipeEntry("D", 102, 1, 0));
+    setRecipe(
+        {recipeEntry("D", 100, 1, 0), recipeEntry("D", 101, 1, 0), recipeEntry("D", 102, 1, 0)});
     requestDownload();
     nextRequest();
     acknowledge();
@@ -238,7 +218,7 @@ TEST_F(RecipeTransfer, FailedDownloadAbandonsTheRest)
 TEST_F(RecipeTransfer, FailedUploadAbandonsTheRest)
 {
     setUpDriver("1#0#0#1#32");
-    setList(entries(recipeEntry("D", 100, 1, 7)) << recipeEntry("D", 101, 1, 0));
+    setRecipe({recipeEntry("D", 100, 1, 7), recipeEntry("D", 101, 1, 0)});
     recipeWords[7] = 0x5555;
     requestUpload();
     nextRequest();
@@ -251,11 +231,11 @@ TEST_F(RecipeTransfer, FailedUploadAbandonsTheRest)
 
 TEST_F(RecipeTransfer, NewListWhileATransferRunsGoesOnAtTheSameIndex)
 {
-    setList(entries(recipeEntry("D", 100, 1, 0)) << recipeEntry("D", 101, 1, 0));
+    setRecipe({recipeEntry("D", 100, 1, 0), recipeEntry("D", 101, 1, 0)});
     requestDownload();
     nextRequest();
     acknowledge();
-    setList(entries(recipeEntry("D", 200, 1, 0)) << recipeEntry("D", 201, 1, 0));
+    setRecipe({recipeEntry("D", 200, 1, 0), recipeEntry("D", 201, 1, 0)});
     EXPECT_EQ("1#D201/1", nextRequest());
 }
 
@@ -294,8 +274,7 @@ TEST_F(RecipeTransfer, WithoutEntriesARepeatedWriteEndsAndTakesTheNextFromTheQue
 
 TEST_F(RecipeTransfer, RepeatedConditionalReadOfAnEmptyQueueEndsInSilence)
 {
-    KEY_ADDRESS key = watch("D", 1, 1);
-    intf_addConditionRead(key, 0);
+    readOnce(watch("D", 1, 1));
     nextRequest();
     reply("<STX>0000<ETX>C3");
     EXPECT_EQ((Texts{"-1,-1,-1,0"}), calls);
@@ -309,22 +288,22 @@ TEST_F(RecipeTransfer, RepeatedConditionalReadOfAnEmptyQueueEndsInSilence)
 
 TEST_F(RecipeTransfer, RepeatedDownloadIsAWriteAndRepeatedUploadARead)
 {
-    setList(entries(recipeEntry("D", 100, 1, 0)));
+    setRecipe({recipeEntry("D", 100, 1, 0)});
     requestDownload();
     nextRequest();
     acknowledge();
-    setList(QVector<_RCP_VAR_PRO>());
+    setRecipe({});
     requestDownload();
     EXPECT_EQ("<STX>110C8020000<ETX>32", nextFrame());
     EXPECT_EQ(5, driver.operationKind);
     acknowledge();
     EXPECT_EQ(0, hostMemory[fxDownloadRequestByte]);
 
-    setList(entries(recipeEntry("D", 100, 1, 0)));
+    setRecipe({recipeEntry("D", 100, 1, 0)});
     requestUpload();
     nextRequest();
     reply("<STX>0000<ETX>C3");
-    setList(QVector<_RCP_VAR_PRO>());
+    setRecipe({});
     requestUpload();
     EXPECT_EQ("1#D100/1", nextRequest());
     EXPECT_EQ(6, driver.operationKind);

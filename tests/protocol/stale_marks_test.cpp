@@ -56,7 +56,7 @@ class StaleMarksInTime : public DriverTest
 protected:
     StaleMarksInTime() { setUpDriver("1#0#0#2#32"); }
 
-    void poll(const char* registerType, int start, int count)
+    void ask(const char* registerType, int start, int count)
     {
         driver.readList.clear();
         driver.readList << request(registerType, start, count);
@@ -66,7 +66,7 @@ protected:
 
 TEST_F(StaleMarksInTime, ComeOnlyWithTheFailure)
 {
-    poll("D", 100, 1);
+    ask("D", 100, 1);
     EXPECT_EQ(8, reply(""));
     EXPECT_TRUE(driver.dataAreas.isEmpty());
     EXPECT_EQ(2, reply(""));
@@ -75,9 +75,8 @@ TEST_F(StaleMarksInTime, ComeOnlyWithTheFailure)
 
 TEST_F(StaleMarksInTime, KeepTheLastGoodValue)
 {
-    poll("D", 100, 1);
-    reply("<STX>1234<ETX>CD");
-    poll("D", 100, 1);
+    poll("D", 100, 1, "<STX>1234<ETX>CD");
+    ask("D", 100, 1);
     reply("");
     reply("");
     EXPECT_EQ(1, area("D", 100).flag0);
@@ -88,7 +87,7 @@ TEST_F(StaleMarksInTime, KeepAPendingWrite)
 {
     write("D", 100, {1, 2}, 1);
     driver.writeList.clear();
-    poll("D", 100, 1);
+    ask("D", 100, 1);
     reply("");
     reply("");
     EXPECT_EQ((Bytes{1, 2}), values("D", 100, 1, 2));
@@ -96,10 +95,8 @@ TEST_F(StaleMarksInTime, KeepAPendingWrite)
 
 TEST_F(StaleMarksInTime, ReportNothing)
 {
-    QList<KEY_ADDRESS> keys;
-    keys << watch("D", 100, 1);
-    intf_addrMerge(keys);
-    poll("D", 100, 1);
+    mark("D", 100, 1);
+    ask("D", 100, 1);
     reply("");
     reply("");
     EXPECT_EQ(Texts(), calls);
@@ -108,22 +105,19 @@ TEST_F(StaleMarksInTime, ReportNothing)
 // The mark goes with any good read, the waiting write only with one that brings another value.
 TEST_F(StaleMarksInTime, GoodReadUndoesAWaitingWriteOnlyIfTheValueHasChanged)
 {
-    poll("D", 100, 1);
-    reply("<STX>1234<ETX>CD");
-    poll("D", 100, 1);
+    poll("D", 100, 1, "<STX>1234<ETX>CD");
+    ask("D", 100, 1);
     reply("");
     reply("");
     write("D", 100, {1, 2}, 1);
     driver.writeList.clear();
 
-    poll("D", 100, 1);
-    EXPECT_EQ(1, reply("<STX>1234<ETX>CD"));
+    poll("D", 100, 1, "<STX>1234<ETX>CD");
     EXPECT_EQ(0, area("D", 100).flag0);
     EXPECT_EQ((Bytes{1, 2}), values("D", 100, 1, 2));
 
     area("D", 100).flag0 = 1;
-    poll("D", 100, 1);
-    EXPECT_EQ(1, reply("<STX>0000<ETX>C3"));
+    poll("D", 100, 1, "<STX>0000<ETX>C3");
     EXPECT_EQ(0, area("D", 100).flag0);
     EXPECT_EQ((Bytes{0, 0}), values("D", 100, 1, 2));
 }
@@ -140,12 +134,11 @@ TEST_F(StaleMarksInTime, GoodReadClearsTheMarksOfWhatItCoversInEveryGroup)
     for (const Read& read :
          {Read{"D", 100, "<STX>0000<ETX>C3", 101}, Read{"M", 8, "<STX>00<ETX>63", 16},
           Read{"32CV", 200, "<STX>00000000<ETX>83", 201}}) {
-        poll(read.registerType, read.start, 1);
+        ask(read.registerType, read.start, 1);
         reply("");
         reply("");
         EXPECT_EQ(1, area(read.registerType, read.start).flag0);
-        poll(read.registerType, read.start, 1);
-        EXPECT_EQ(1, reply(read.reply));
+        poll(read.registerType, read.start, 1, read.reply);
         EXPECT_EQ(0, area(read.registerType, read.start).flag0) << read.registerType;
         EXPECT_EQ(1, area(read.registerType, read.beyond).flag0) << read.registerType;
     }

@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// Word write requests byte by byte.
+// Write requests byte by byte: words, and single bits that are forced on or off, whose address goes
+// out low byte first.
 
 #include "protocol/frame_codec.h"
 #include "tests/support/driver_fixture.h"
@@ -30,7 +31,6 @@ TEST_P(WriteFrame, IsBuilt)
     getWriteFrame(var);
     ASSERT_EQ(1, driver.frames.size());
     const FRAME_PRO& built = driver.frames.at(0);
-    EXPECT_EQ(11 + 2 * byteCount, built.frameLength);
     EXPECT_EQ(row.frame, wireText(built.frame, built.frameLength));
     EXPECT_EQ(1, built.replyLength);
     EXPECT_EQ(0, built.isRead);
@@ -38,7 +38,7 @@ TEST_P(WriteFrame, IsBuilt)
     EXPECT_EQ(0, built.spare);
 }
 
-const Row rows[] = {
+const Row words[] = {
     {"FirstRegister", "D", 0, {0x34, 0x12}, "<STX>11000023412<ETX>21"},
     {"TwoRegisters", "D", 100, {0x01, 0x02, 0x03, 0x04}, "<STX>110C80401020304<ETX>FE"},
     {"LastRegister", "D", 7999, {0xFF, 0xFF}, "<STX>14E7E02FFFF<ETX>A3"},
@@ -66,7 +66,31 @@ const Row rows[] = {
     {"SmallestSpecialRegister", "SD", -2147483647 - 1, {0x01, 0x00}, "<STX>1D080020100<ETX>33"},
 };
 
-INSTANTIATE_TEST_SUITE_P(Requests, WriteFrame, ::testing::ValuesIn(rows), nameOf<Row>);
+const Row bits[] = {
+    {"FirstStateOn", "S", 0, {1}, "<STX>70000<ETX>FA"},
+    {"FirstStateOff", "S", 0, {0}, "<STX>80000<ETX>FB"},
+    {"LastState", "S", 999, {1}, "<STX>7E703<ETX>19"},
+    {"FirstOutput", "Y", 0, {1}, "<STX>70005<ETX>FF"},
+    {"Output10", "Y", 8, {1}, "<STX>70805<ETX>07"},
+    {"LastOutput", "Y", 255, {0}, "<STX>8FF05<ETX>2C"},
+    {"FirstTimer", "T", 0, {1}, "<STX>70006<ETX>00"},
+    {"LastTimer", "T", 255, {0}, "<STX>8FF06<ETX>2D"},
+    {"FirstRelay", "M", 0, {1}, "<STX>70008<ETX>02"},
+    {"LastRelay", "M", 3071, {0}, "<STX>8FF13<ETX>2B"},
+    {"FirstCounter", "C", 0, {1}, "<STX>7000E<ETX>0F"},
+    {"LastCounter", "C", 255, {0}, "<STX>8FF0E<ETX>3C"},
+    {"FirstSpecialRelay", "SM", 8000, {1}, "<STX>7000F<ETX>10"},
+    {"LastSpecialRelay", "SM", 8255, {0}, "<STX>8FF0F<ETX>3D"},
+    {"InputGoesOutAsTheStateOfThatNumber", "X", 0, {1}, "<STX>70000<ETX>FA"},
+    {"Input17GoesOutAsTheStateOfThatNumber", "X", 15, {0}, "<STX>80F00<ETX>11"},
+    {"DataTwoIsOff", "Y", 8, {2}, "<STX>80805<ETX>08"},
+    {"Data255IsOff", "Y", 8, {255}, "<STX>80805<ETX>08"},
+    {"NegativeRelay", "M", -1, {1}, "<STX>7FF07<ETX>2D"},
+    {"SmallestSpecialRelay", "SM", -2147483647 - 1, {1}, "<STX>7C0EF<ETX>38"},
+};
+
+INSTANTIATE_TEST_SUITE_P(Words, WriteFrame, ::testing::ValuesIn(words), nameOf<Row>);
+INSTANTIATE_TEST_SUITE_P(Bits, WriteFrame, ::testing::ValuesIn(bits), nameOf<Row>);
 
 using WriteFrameRecord = DriverTest;
 
@@ -94,6 +118,19 @@ TEST_F(WriteFrameRecord, CountBeyondTheFrameOverrunsNothing)
         EXPECT_EQ(count < 0 ? 11 : 1023, driver.frames.at(0).frameLength) << count;
         EXPECT_EQ(0, driver.frames.at(0).frame[1023]) << count;
         EXPECT_EQ(count, driver.frames.at(0).variable.count) << count;
+    }
+}
+
+TEST_F(WriteFrameRecord, CountOfABitMakesNoDifference)
+{
+    for (const int count : {0, 2, 300, -1, 2147483647}) {
+        driver.frames.clear();
+        VARIABLE var = request("Y", 8, count);
+        var.data[0] = 1;
+        getWriteFrame(var);
+        const FRAME_PRO& built = driver.frames.at(0);
+        EXPECT_EQ("<STX>70805<ETX>07", wireText(built.frame, built.frameLength));
+        EXPECT_EQ(count, built.variable.count);
     }
 }
 
