@@ -30,13 +30,6 @@ fxsim::Settings plcSettings(const SoakSettings& settings)
     return plc;
 }
 
-fxtools::LoopSettings onTimeOf(const SoakLine& line)
-{
-    fxtools::LoopSettings settings;
-    settings.clockUs = [&line] { return line.nowUs(); };
-    return settings;
-}
-
 bool met(fxsim::FaultKind kind, const fxsim::Statistics& before, const fxsim::Statistics& after)
 {
     const auto index = static_cast<size_t>(kind);
@@ -47,7 +40,7 @@ bool met(fxsim::FaultKind kind, const fxsim::Statistics& before, const fxsim::St
 
 Soak::Soak(const fxtools::DriverLibrary& library, const SoakSettings& settings)
     : m_catalogue(library), m_line(plcSettings(settings)), m_session(library, {}),
-      m_loop(m_session, m_line, onTimeOf(m_line)), m_random(settings.seed)
+      m_loop(m_session, m_line, m_line.loopSettings()), m_random(settings.seed)
 {
     fxsim::PlcMemory memory;
     memory.setMirrors({specialRegisters()});
@@ -136,6 +129,7 @@ void Soak::exchange()
 {
     const fxsim::Statistics before = plc();
     const std::optional<fxtools::Exchange> exchange = m_loop.step();
+    m_line.forgetSent();
     m_sumIsForged = met(fxsim::FaultKind::WrongSum, before, plc()) &&
                     met(fxsim::FaultKind::FlippedBits, before, plc());
     expect(exchange.has_value(), QStringLiteral("there is a plan, and nothing to send"));

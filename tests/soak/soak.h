@@ -10,7 +10,7 @@
 
 #include "memory_trend.h"
 #include "plc_map.h"
-#include "soak_line.h"
+#include "tests/tools/support/virtual_line.h"
 #include "tools/exchange/recipe_transfer.h"
 #include "write_book.h"
 
@@ -89,7 +89,7 @@ private:
     QVector<quint32> someValues(const fxtools::RegisterRange& range);
 
     fxtools::RegisterCatalogue m_catalogue;
-    SoakLine m_line;
+    tool_tests::VirtualLine m_line;
     fxtools::DriverSession m_session;
     fxtools::ExchangeLoop m_loop;
     std::mt19937 m_random;

@@ -8,6 +8,7 @@ namespace tool_tests {
 namespace {
 
 constexpr int wordBytes = 2;
+constexpr qint64 usPerMs = 1000;
 
 }  // namespace
 
@@ -18,6 +19,7 @@ VirtualLine::VirtualLine(const fxsim::Settings& settings) : m_plc(settings, null
 
 void VirtualLine::open()
 {
+    m_nowUs = std::max(m_nowUs, m_backAtUs);
     m_session.emplace(m_plc, "virtual");
 }
 
@@ -34,11 +36,12 @@ QByteArray VirtualLine::receive(int timeoutMs)
 {
     if (!isOpen())
         return {};
-    if (m_session->takeLinkDrop()) {
+    if (const std::optional<int> dropMs = m_session->takeLinkDrop()) {
+        m_backAtUs = m_nowUs + usPerMs * *dropMs;
         m_session.reset();
         return {};
     }
-    const qint64 deadlineUs = m_nowUs + qint64(1000) * timeoutMs;
+    const qint64 deadlineUs = m_nowUs + usPerMs * timeoutMs;
     const qint64 dueUs = m_session->nextDueUs();
     m_nowUs =
         dueUs == fxsim::nothingDue || dueUs > deadlineUs ? deadlineUs : std::max(dueUs, m_nowUs);

@@ -3,7 +3,8 @@
 //
 // A simulated PLC on a line whose time is simulated too: waiting costs nothing and every run is
 // the same to the microsecond. What goes wrong on it is set by the simulator's fault plan, or later
-// by a new one; registers that the PLC is to refuse are taken out of its memory.
+// by a new one; registers that the PLC is to refuse are taken out of its memory. A link that a
+// fault took away is there again when open() returns, as much later as the fault lasts.
 
 #pragma once
 
@@ -29,6 +30,7 @@ public:
     fxsim::Simulator& plc() { return m_plc; }
     qint64 nowUs() const { return m_nowUs; }
     const QByteArrayList& sent() const { return m_sent; }  // by the host, a call each
+    void forgetSent() { m_sent.clear(); }
 
     void setFaults(const char* faults);              // its exchanges count from 1 again
     void refuse(int firstAddress, int lastAddress);  // these bytes too, from now on
@@ -39,6 +41,7 @@ public:
 
 private:
     qint64 m_nowUs = 0;
+    qint64 m_backAtUs = 0;
     fxsim::Simulator m_plc;
     std::optional<fxsim::Session> m_session;
     QByteArrayList m_sent;
