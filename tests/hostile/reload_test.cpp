@@ -5,13 +5,11 @@
 // each unload really unloads and gives everything back. And two copies of its file, one for each
 // of two links: each keeps to an object of its own.
 
-#include "driver/intf.h"
+#include "tests/support/loaded_driver.h"
+#include "tests/support/record_text.h"
 
 #include <QMutex>
 
-#include <gtest/gtest.h>
-
-#include <dlfcn.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -47,26 +45,33 @@ bool isWatched()
 #endif
 }
 
-// The types come from the header, the addresses from the library: nothing is linked.
-#define ENTRY_POINT(library, name) reinterpret_cast<decltype(&(name))>(dlsym(library, #name))
+unsigned char valueOfD0(void* library)
+{
+    unsigned char value[2] = {};
+    ENTRY_POINT(library, intf_getData)(1, QLatin1String("D"), 0, 1, value);
+    return value[0];
+}
 
-// A short life: set up, plan, write, one exchange left open.
+// A short life: nothing is there, then set up, recipes, plan, write, one exchange left open.
 void live(void* library, std::vector<unsigned char>& memory, std::vector<unsigned short>& words)
 {
+    FRAME_PRO frame;
+    ASSERT_EQ(0, ENTRY_POINT(library, intf_getSendFrame)(&frame));
+    ASSERT_EQ(0, valueOfD0(library));
+    QVector<_RCP_VAR_PRO> list{recipeEntry("D", 0, 1, 0, 7)};
+    ASSERT_EQ(0, ENTRY_POINT(library, intf_setRcpAddress)(list));  // its link is 0
     QMutex mutex;
     int status = 77;
     ENTRY_POINT(library, intf_initProperty)
-    (memory.data(), 0, words.data(), &status, "1#0#0#3#32", &mutex);
+    (memory.data(), 0, words.data(), &status, "7#0#0#3#32", &mutex);
     ASSERT_EQ(0, status);
-    KEY_ADDRESS key;
-    key.stationNo = 1;
-    key.registerType = QLatin1String("D");
-    key.length = 100;
+    ASSERT_EQ(1, ENTRY_POINT(library, intf_setRcpAddress)(list));
+    KEY_ADDRESS key = watch("D", 0, 100);
+    ENTRY_POINT(library, intf_addConditionRead)(key, 0);
     QList<KEY_ADDRESS> keys{key};
     ASSERT_EQ(4, ENTRY_POINT(library, intf_addrMerge)(keys));
     unsigned char data[40] = {1};
     ENTRY_POINT(library, intf_setData)(1, QLatin1String("D"), 0, 20, data, 0);
-    FRAME_PRO frame;
     ASSERT_EQ(1, ENTRY_POINT(library, intf_getSendFrame)(&frame));
     ASSERT_EQ(11 + 4 * 20, frame.frameLength);
 }
@@ -83,13 +88,6 @@ void* loadCopy(const char* name)
     return library;
 }
 
-unsigned char valueOfD0(void* library)
-{
-    unsigned char value[2] = {};
-    ENTRY_POINT(library, intf_getData)(1, QLatin1String("D"), 0, 1, value);
-    return value[0];
-}
-
 }  // namespace
 
 TEST(Reload, AThousandLoadsLeaveNothingBehind)
@@ -98,10 +96,7 @@ TEST(Reload, AThousandLoadsLeaveNothingBehind)
     std::vector<unsigned short> words(16);
     long settled = 0;
     for (int load = 0; load < loads; ++load) {
-        void* const library = dlopen(DRIVER_LIBRARY, RTLD_NOW | RTLD_LOCAL);
-        ASSERT_NE(nullptr, library) << dlerror();
-        ASSERT_NO_FATAL_FAILURE(live(library, memory, words));
-        ASSERT_EQ(0, dlclose(library));
+        ASSERT_NO_FATAL_FAILURE(live(LoadedDriver().handle, memory, words));
         ASSERT_EQ(nullptr, dlopen(DRIVER_LIBRARY, RTLD_NOW | RTLD_NOLOAD)) << "still loaded";
         if (load == loadsToSettle)
             settled = residentKilobytes();
