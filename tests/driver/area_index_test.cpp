@@ -73,64 +73,11 @@ TEST_F(AreaIndexTest, ForgetsItsListWhenAnEmptyOneIsEdited)
     EXPECT_EQ("1#D3", textOf(areas));
 }
 
-TEST_F(AreaIndexTest, NoticesAnotherListOfTheSameSize)
-{
-    fill(2);
-    QList<_DATA_> other;
-    other << areaOf("M", 8) << areaOf("D", 0);
-    areas = other;
-    EXPECT_EQ(1, find(areaOf("D", 0)));
-    EXPECT_EQ(0, find(areaOf("M", 8)));
-    EXPECT_EQ(2, find(areaOf("D", 1)));
-}
-
-TEST_F(AreaIndexTest, FindsTheFirstOfEqualAreas)
-{
-    areas << areaOf("D", 9) << areaOf("D", 5) << areaOf("D", 5) << areaOf("D", 9);
-    EXPECT_EQ(1, find(areaOf("D", 5)));
-    EXPECT_EQ(0, find(areaOf("D", 9)));
-    EXPECT_EQ(1, find(areaOf("D", 5)));
-    EXPECT_EQ(4, areas.size());
-}
-
 TEST_F(AreaIndexTest, FindsTheFirstOfEqualAreasAlsoNextToTheOneFoundLast)
 {
     areas << areaOf("D", 6) << areaOf("D", 5) << areaOf("D", 6);
     ASSERT_EQ(1, find(areaOf("D", 5)));
     EXPECT_EQ(0, find(areaOf("D", 6)));
-}
-
-TEST_F(AreaIndexTest, GoesOnWithARunBehindALeapAside)
-{
-    fill(20);
-    for (const int position : {3, 4, 15, 5, 15, 10, 6, 7, 6, 16, 17, 8, 18})
-        EXPECT_EQ(position, find(areaOf("D", position)));
-    EXPECT_EQ(20, areas.size());
-}
-
-TEST_F(AreaIndexTest, EditOfValuesKeepsTheAnswers)
-{
-    fill(100);
-    ASSERT_EQ(50, find(areaOf("D", 50)));
-    {
-        const AreaIndex::Edit edit(index, areas);
-        areas[50].valueBuffer0[0] = 9;
-    }
-    EXPECT_EQ(50, find(areaOf("D", 50)));
-    EXPECT_EQ(9, areas.at(50).valueBuffer0[0]);
-    EXPECT_EQ(99, find(areaOf("D", 99)));
-}
-
-TEST_F(AreaIndexTest, EditOfAListThatChangedBehindItsBackHidesNothing)
-{
-    fill(3);
-    areas[1].startIndex = 77;
-    {
-        const AreaIndex::Edit edit(index, areas);
-        areas[0].valueBuffer0[0] = 9;
-    }
-    EXPECT_EQ(1, find(areaOf("D", 77)));
-    EXPECT_EQ(3, find(areaOf("D", 1)));
 }
 
 TEST_F(AreaIndexTest, EditBesideEqualAreasStillFindsTheFirst)
@@ -143,18 +90,6 @@ TEST_F(AreaIndexTest, EditBesideEqualAreasStillFindsTheFirst)
     }
     EXPECT_EQ(1, find(areaOf("D", 0)));
     EXPECT_EQ(0, find(areaOf("D", 1)));
-}
-
-TEST_F(AreaIndexTest, EqualAreaThatCameBehindAnEditIsNotFound)
-{
-    fill(2);
-    areas << areaOf("D", 0);
-    {
-        const AreaIndex::Edit edit(index, areas);
-        areas[2].valueBuffer0[0] = 9;
-    }
-    ASSERT_EQ(1, find(areaOf("D", 1)));
-    EXPECT_EQ(0, find(areaOf("D", 0)));
 }
 
 TEST_F(AreaIndexTest, CopyOfTheListKeepsItsValues)
@@ -230,18 +165,28 @@ void changeBehindTheBack(QList<_DATA_>& areas, RandomSteps& steps)
     default:
         if (steps.below(20) == 0)
             areas.clear();
+        else if (steps.below(20) == 0)
+            areas = QList<_DATA_>() << steps.key() << areas.at(position);
     }
 }
 
 TEST_F(AreaIndexTest, AnswersAsAScanThroughAnyRunOfChanges)
 {
     RandomSteps steps(20261);
+    _DATA_ key = steps.key();
     for (int step = 0; step < 20000; ++step) {
-        const _DATA_ key = steps.key();
+        if (steps.below(3) == 0)
+            key = steps.key();
+        else
+            key.startIndex = (key.startIndex + 1) % 40;  // a run, as most reads are
         const int known = scan(areas, key);
         const int wanted = known < 0 ? static_cast<int>(areas.size()) : known;
         ASSERT_EQ(wanted, find(key)) << "step " << step;
-        if (steps.below(4) == 0)
+        if (steps.below(3) == 0) {
+            const AreaIndex::Edit edit(index, areas);
+            areas[wanted].valueBuffer0[0] ^= 1U;
+        }
+        if (steps.below(6) == 0)
             changeBehindTheBack(areas, steps);
     }
 }
