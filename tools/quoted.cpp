@@ -3,6 +3,8 @@
 
 #include "tools/quoted.h"
 
+#include "tools/failure.h"
+
 namespace fxtools {
 
 namespace {
@@ -21,6 +23,11 @@ QString quoted(const QString& text)
             character = '?';
     }
     return '\'' + shown + '\'';
+}
+
+void reject(const QString& text, const QString& reason)
+{
+    throw Failure(ExitCode::Usage, quoted(text) + ' ' + reason);
 }
 
 }  // namespace fxtools

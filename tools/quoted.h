@@ -13,4 +13,7 @@ namespace fxtools {
 // message neither fills the screen nor controls it.
 QString quoted(const QString& text);
 
+// Throws a usage error: the text, quoted, and what is wrong with it.
+[[noreturn]] void reject(const QString& text, const QString& reason);
+
 }  // namespace fxtools

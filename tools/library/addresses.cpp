@@ -16,11 +16,6 @@ namespace {
 constexpr int bitsPerGroupDigit = 4;
 constexpr int bitsPerWord = 16;
 
-[[noreturn]] void reject(const QString& address, const QString& reason)
-{
-    throw Failure(ExitCode::Usage, quoted(address) + ' ' + reason);
-}
-
 int wholeNumber(const QString& address, const QString& digits, const char* what)
 {
     bool fits = false;

@@ -11,11 +11,6 @@ namespace fxtools {
 
 namespace {
 
-[[noreturn]] void reject(const QString& whole, const QString& reason)
-{
-    throw Failure(ExitCode::Usage, quoted(whole) + ' ' + reason);
-}
-
 // "3,14" may be two values, or one with a decimal comma.
 QString commaHint(const QString& address, const QStringList& values)
 {

@@ -65,7 +65,7 @@ quint32 fromTwoWords(const QVector<quint32>& words, bool swap)
     return swap ? words[0] << wordBits | words[1] : words[1] << wordBits | words[0];
 }
 
-[[noreturn]] void reject(const QString& text, const QString& reason)
+[[noreturn]] void rejectValue(const QString& text, const QString& reason)
 {
     throw Failure(ExitCode::Usage, "value " + quoted(text) + ' ' + reason);
 }
@@ -108,19 +108,19 @@ QString characters(const QVector<quint32>& words)
 QVector<quint32> parseText(const QString& text, const RegisterRange& target)
 {
     if (target.type.width != RegisterWidth::Word)
-        reject(text, QStringLiteral("is a text, which needs 16-bit registers"));
+        rejectValue(text, QStringLiteral("is a text, which needs 16-bit registers"));
     QByteArray bytes = text.toLatin1();
     if (QString::fromLatin1(bytes) != text)
-        reject(text, QStringLiteral("has characters that take more than one byte"));
+        rejectValue(text, QStringLiteral("has characters that take more than one byte"));
     const int most = charactersPerWord * target.count;
     if (bytes.size() > most) {
-        reject(text, QStringLiteral("has %1 characters, but %2 holds %3; %4")
-                         .arg(bytes.size())
-                         .arg(target.text())
-                         .arg(most)
-                         .arg(QStringLiteral("use %1:%2")
-                                  .arg(target.nameOf(0))
-                                  .arg((bytes.size() + 1) / charactersPerWord)));
+        rejectValue(text, QStringLiteral("has %1 characters, but %2 holds %3; %4")
+                              .arg(bytes.size())
+                              .arg(target.text())
+                              .arg(most)
+                              .arg(QStringLiteral("use %1:%2")
+                                       .arg(target.nameOf(0))
+                                       .arg((bytes.size() + 1) / charactersPerWord)));
     }
     bytes.append(QByteArray(most - bytes.size(), '\0'));
     QVector<quint32> words;
@@ -135,7 +135,7 @@ quint32 parseFloat(const QString& text)
     bool isNumber = false;
     const float number = text.toFloat(&isNumber);
     if (!isNumber)
-        reject(text, QStringLiteral("is not a floating-point number, or is out of its range"));
+        rejectValue(text, QStringLiteral("is not a floating-point number, or is out of its range"));
     return bitsOf(number);
 }
 
@@ -193,10 +193,11 @@ qint64 parseInteger(const QString& text, ValueFormat format)
     const NumberText number = withoutPrefix(text, format);
     const qint64 value = number.digits.toLongLong(&isNumber, number.base);
     if (!isNumber && isFloatText(text))
-        reject(text, QStringLiteral("is not a whole number; for a floating-point number in two "
-                                    "words use --as float"));
+        rejectValue(text,
+                    QStringLiteral("is not a whole number; for a floating-point number in two "
+                                   "words use --as float"));
     if (!isNumber)
-        reject(text, QStringLiteral("is not a number; use 123, -5, 0x1F or 0b101"));
+        rejectValue(text, QStringLiteral("is not a number; use 123, -5, 0x1F or 0b101"));
     return value;
 }
 
@@ -317,7 +318,7 @@ quint32 parseBit(const QString& text)
         return 1;
     if (lower == QLatin1String("0") || lower == QLatin1String("off"))
         return 0;
-    reject(text, QStringLiteral("is not a bit; use 0, 1, on or off"));
+    rejectValue(text, QStringLiteral("is not a bit; use 0, 1, on or off"));
 }
 
 quint32 parseNumber(const QString& text, int bits, ValueFormat format, const QString& hint)
@@ -330,14 +331,14 @@ quint32 parseNumber(const QString& text, int bits, ValueFormat format, const QSt
                           ? bcd.has_value()
                           : value >= limits.lowest && value <= limits.highest;
     if (!fits && format == ValueFormat::Bcd)
-        reject(text,
-               QStringLiteral("does not fit in %1 BCD digits").arg(bits / bitsPerDigit) + hint);
+        rejectValue(text, QStringLiteral("does not fit in %1 BCD digits").arg(bits / bitsPerDigit) +
+                              hint);
     if (!fits) {
-        reject(text, QStringLiteral("does not fit in %1 bits: %2 to %3")
-                             .arg(bits)
-                             .arg(limits.lowest)
-                             .arg(limits.highest) +
-                         hint);
+        rejectValue(text, QStringLiteral("does not fit in %1 bits: %2 to %3")
+                                  .arg(bits)
+                                  .arg(limits.lowest)
+                                  .arg(limits.highest) +
+                              hint);
     }
     const quint32 mask = bits == doubleWordBits ? ~quint32(0) : (quint32(1) << bits) - 1;
     return bcd.value_or(static_cast<quint32>(value) & mask);
@@ -351,7 +352,8 @@ QVector<quint32> parseValue(const QString& text, const RegisterRange& target, Va
         return parseText(text, target);
     const int bits = bitsPerByte * target.type.valueBytes() * target.count;
     if (style.format == ValueFormat::Float && target.count != 2)
-        reject(text, QStringLiteral("is a floating-point number, which needs 16-bit registers"));
+        rejectValue(text,
+                    QStringLiteral("is a floating-point number, which needs 16-bit registers"));
     const QString hint = bits == wordBits ? widerHint(text, target) : QString();
     const quint32 number = style.format == ValueFormat::Float
                                ? parseFloat(text)

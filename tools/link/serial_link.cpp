@@ -15,7 +15,7 @@ namespace fxtools {
 
 namespace {
 
-constexpr int sendTimeoutMs = 2000;  // the longest frame takes 1.1 s at 9600 baud
+constexpr int serialSendTimeoutMs = 2000;  // the longest frame takes 1.1 s at 9600 baud
 
 // Something that can be opened, but has no line settings.
 bool isOtherFile(const QString& path)
@@ -130,7 +130,7 @@ bool SerialLink::writeAll(const QByteArray& bytes)
     if (m_port.write(bytes) != bytes.size())
         return false;
     while (m_port.bytesToWrite() > 0) {
-        if (!m_port.waitForBytesWritten(sendTimeoutMs))
+        if (!m_port.waitForBytesWritten(serialSendTimeoutMs))
             return false;
     }
     return true;

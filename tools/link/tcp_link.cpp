@@ -12,7 +12,7 @@ namespace fxtools {
 namespace {
 
 constexpr int connectTimeoutMs = 5000;
-constexpr int sendTimeoutMs = 2000;       // for a peer that does not read
+constexpr int tcpSendTimeoutMs = 2000;    // for a peer that does not read
 constexpr size_t mostBytesAtOnce = 4096;  // several times the longest reply
 
 }  // namespace
@@ -48,7 +48,7 @@ bool TcpLink::send(const QByteArray& bytes)
                                      static_cast<size_t>(bytes.size() - sent), MSG_NOSIGNAL);
         if (taken > 0)
             sent += static_cast<int>(taken);
-        else if (errno != EAGAIN || !waitFor(POLLOUT, sendTimeoutMs))
+        else if (errno != EAGAIN || !waitFor(POLLOUT, tcpSendTimeoutMs))
             m_socket.abort();
     }
     return isOpen();

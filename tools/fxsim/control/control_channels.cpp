@@ -20,7 +20,7 @@ namespace fxsim {
 
 namespace {
 
-constexpr int readBytes = 4096;
+constexpr int commandBytes = 4096;
 constexpr int answerMs = 5000;
 constexpr int backgroundMs = 200;  // no signal tells when a terminal is ours again
 constexpr int longestSocketPath = static_cast<int>(sizeof(sockaddr_un::sun_path)) - 1;
@@ -48,7 +48,7 @@ bool isLeftBehind(const QString& path)
            probe.error() == QLocalSocket::ConnectionRefusedError;
 }
 
-[[noreturn]] void refuse(const QString& path, const QString& why)
+[[noreturn]] void refusePath(const QString& path, const QString& why)
 {
     throw Error(ExitCode::Link, QStringLiteral("control socket %1: %2").arg(path, why));
 }
@@ -59,15 +59,16 @@ void checkPath(const QString& path)
     const QFileInfo file(path);
     const QFileInfo folder(file.absolutePath());
     if (isSocket(path))
-        refuse(path, QStringLiteral("in use by another program; end it, or choose another path"));
+        refusePath(path,
+                   QStringLiteral("in use by another program; end it, or choose another path"));
     if (file.exists())
-        refuse(path, QStringLiteral("the file already exists"));
+        refusePath(path, QStringLiteral("the file already exists"));
     if (!folder.isDir())
-        refuse(path, QStringLiteral("the folder %1 does not exist").arg(folder.filePath()));
+        refusePath(path, QStringLiteral("the folder %1 does not exist").arg(folder.filePath()));
     if (!folder.isWritable())
-        refuse(path, QStringLiteral("no permission to write in %1").arg(folder.filePath()));
+        refusePath(path, QStringLiteral("no permission to write in %1").arg(folder.filePath()));
     if (QFile::encodeName(path).size() > longestSocketPath)
-        refuse(path, QStringLiteral("the path is longer than %1 bytes").arg(longestSocketPath));
+        refusePath(path, QStringLiteral("the path is longer than %1 bytes").arg(longestSocketPath));
 }
 
 }  // namespace
@@ -82,7 +83,7 @@ InputControl::InputControl(Control& control, int inputDescriptor)
 
 void InputControl::readAvailable()
 {
-    char buffer[readBytes];
+    char buffer[commandBytes];
     const ssize_t got = ::read(static_cast<int>(m_notifier.socket()), buffer, sizeof buffer);
     if (got <= 0) {
         m_notifier.setEnabled(false);
@@ -115,7 +116,7 @@ void SocketControl::listen(const QString& path)
     checkPath(fullPath);
     m_server.setSocketOptions(QLocalServer::UserAccessOption);
     if (!m_server.listen(fullPath))
-        refuse(fullPath, m_server.errorString());
+        refusePath(fullPath, m_server.errorString());
 }
 
 void SocketControl::welcome()
@@ -142,9 +143,9 @@ void tell(const QString& controlPath, const QString& command)
     QLocalSocket socket;
     socket.connectToServer(QFileInfo(controlPath).absoluteFilePath());
     if (!socket.waitForConnected(answerMs))
-        refuse(controlPath, socket.error() == QLocalSocket::SocketAccessError
-                                ? QStringLiteral("no permission: only its owner may connect")
-                                : QStringLiteral("no simulator is listening"));
+        refusePath(controlPath, socket.error() == QLocalSocket::SocketAccessError
+                                    ? QStringLiteral("no permission: only its owner may connect")
+                                    : QStringLiteral("no simulator is listening"));
     const QByteArray errorMark = "error: ";
     socket.write(command.toUtf8() + '\n');
     while (socket.canReadLine() || socket.waitForReadyRead(answerMs)) {
@@ -157,7 +158,7 @@ void tell(const QString& controlPath, const QString& command)
             throw Error(ExitCode::Usage, QString::fromUtf8(line.mid(errorMark.size())).trimmed());
         std::cout << line.constData();
     }
-    refuse(controlPath, QStringLiteral("no answer"));
+    refusePath(controlPath, QStringLiteral("no answer"));
 }
 
 }  // namespace fxsim

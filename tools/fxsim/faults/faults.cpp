@@ -56,7 +56,7 @@ constexpr const char* mixedName = "mixed";  // all faults from silence to echo, 
 constexpr int firstMixed = static_cast<int>(FaultKind::Silence);
 constexpr int mixedKinds = faultKinds - firstMixed;
 
-[[noreturn]] void refuse(const QString& why)
+[[noreturn]] void refuseFault(const QString& why)
 {
     throw Error(ExitCode::Usage, why);
 }
@@ -86,7 +86,7 @@ double parseRate(QString text)
     bool ok = false;
     const double rate = text.toDouble(&ok) / (percent ? 100 : 1);
     if (!ok || !(rate >= 0 && rate <= 1))
-        refuse(QStringLiteral("the rate must be 0 to 1, or 0% to 100%"));
+        refuseFault(QStringLiteral("the rate must be 0 to 1, or 0% to 100%"));
     return rate;
 }
 
@@ -95,7 +95,8 @@ qint64 parseExchange(const QString& text)
     bool ok = false;
     const qint64 number = text.toLongLong(&ok);
     if (!ok || number < 1)
-        refuse(QStringLiteral("exchanges are numbered from 1, as in @3, @7-9, @20- or @3+7-9"));
+        refuseFault(
+            QStringLiteral("exchanges are numbered from 1, as in @3, @7-9, @20- or @3+7-9"));
     return number;
 }
 
@@ -111,7 +112,7 @@ ExchangeSpan parseSpan(const QString& text)
                                                                 ? std::numeric_limits<qint64>::max()
                                                                 : parseExchange(end)};
     if (span.last < span.first)
-        refuse(QStringLiteral("the range of exchanges ends before it starts"));
+        refuseFault(QStringLiteral("the range of exchanges ends before it starts"));
     return span;
 }
 
@@ -120,7 +121,7 @@ int parseValue(const QString& text, const FaultFacts& row)
     if (text.isEmpty())
         return row.value;
     if (row.highestValue == 0)
-        refuse(QStringLiteral("%1 takes no value").arg(row.name));
+        refuseFault(QStringLiteral("%1 takes no value").arg(row.name));
     return parseNumber(text, row.lowestValue, row.highestValue, "value");
 }
 
@@ -134,7 +135,7 @@ int whenPosition(const QString& item)
 FaultRule parseWhen(const QString& item, int whenAt)
 {
     if (whenAt < 0)
-        refuse(QStringLiteral("add a rate or exchanges, as in NAME=0.05 or NAME@3"));
+        refuseFault(QStringLiteral("add a rate or exchanges, as in NAME=0.05 or NAME@3"));
     FaultRule rule;
     const QString when = item.mid(whenAt + 1);
     if (item[whenAt] == '=') {
@@ -150,7 +151,7 @@ FaultRule parseWhen(const QString& item, int whenAt)
 void appendMixed(FaultPlan& plan, const FaultRule& when, const QString& value)
 {
     if (!when.spans.isEmpty())
-        refuse(QStringLiteral("%1 takes a rate, as in %1=0.1").arg(mixedName));
+        refuseFault(QStringLiteral("%1 takes a rate, as in %1=0.1").arg(mixedName));
     const int delayMs = parseValue(value, factsOf(FaultKind::Delay));
     for (int index = firstMixed; index < faultKinds; ++index) {
         const FaultFacts& row = facts[index];
@@ -169,8 +170,8 @@ void appendItem(FaultPlan& plan, const QString& item)
     const QString value = named.section(':', 1);
     const FaultFacts* row = findFacts(name);
     if (row == nullptr && name != QLatin1String(mixedName))
-        refuse(QStringLiteral("unknown fault%1; 'help' in place of the plan lists all faults")
-                   .arg(didYouMean(name, faultNames())));
+        refuseFault(QStringLiteral("unknown fault%1; 'help' in place of the plan lists all faults")
+                        .arg(didYouMean(name, faultNames())));
     FaultRule rule = parseWhen(item, whenAt);
     if (row == nullptr) {
         appendMixed(plan, rule, value);

@@ -21,7 +21,7 @@ namespace fxsim {
 
 namespace {
 
-constexpr int readBytes = 4096;  // what a terminal holds at most
+constexpr int terminalBytes = 4096;  // what a terminal holds at most
 constexpr int deviceNameBytes = 128;
 
 // Of the system call that just failed.
@@ -200,7 +200,7 @@ void PtyLink::watchHosts()
         return;  // as good as it was
     m_visitsNotifier = std::make_unique<QSocketNotifier>(m_visits, QSocketNotifier::Read);
     connect(m_visitsNotifier.get(), &QSocketNotifier::activated, this, [this] {
-        char events[readBytes];
+        char events[terminalBytes];
         while (::read(m_visits, events, sizeof events) > 0) {
         }
         makeSpeedOdd(m_slave);
@@ -210,7 +210,7 @@ void PtyLink::watchHosts()
 void PtyLink::readAvailable()
 {
     makeSpeedOdd(m_slave);
-    char buffer[readBytes];
+    char buffer[terminalBytes];
     const ssize_t got = ::read(m_master, buffer, sizeof buffer);
     if (got > 0)
         m_host->receive(QByteArray(buffer, static_cast<int>(got)));

@@ -21,7 +21,7 @@ namespace fxsim {
 
 namespace {
 
-constexpr int readBytes = 4096;  // several times the longest frame
+constexpr int receivedBytes = 4096;  // several times the longest frame
 
 QString addressText(const QHostAddress& address, quint16 port)
 {
@@ -78,7 +78,7 @@ TcpClient::~TcpClient()
 
 void TcpClient::readAvailable()
 {
-    char buffer[readBytes];
+    char buffer[receivedBytes];
     const ssize_t got = ::recv(m_descriptor, buffer, sizeof buffer, MSG_DONTWAIT);
     if (got > 0) {
         m_host.receive(QByteArray(buffer, static_cast<int>(got)));

@@ -21,7 +21,7 @@ constexpr int tenthCounter = 0x0A02;
 constexpr int wideCounter = 0x0C00;
 constexpr int words = 0x1000;
 
-constexpr int wordBytes = 2;
+constexpr int bytesPerWord = 2;
 constexpr qint64 inputStepMs = 500;
 constexpr int relayStepMs = 250;
 constexpr int tenthMs = 100;
@@ -53,7 +53,7 @@ void setTimers(PlcMemory& memory, qint64 elapsedMs)
         const int runMs = preset * tenthMs;
         const int phaseMs = static_cast<int>(elapsedMs % (runMs + timerHoldMs));
         const bool done = phaseMs >= runMs;
-        memory.setValue(timerValues + wordBytes * timer, wordBytes,
+        memory.setValue(timerValues + bytesPerWord * timer, wordBytes,
                         static_cast<quint32>(std::min(phaseMs / tenthMs, preset)));
         memory.setBit(timerContacts, timer, done);
         memory.setBit(outputs, timer, done);
@@ -75,17 +75,17 @@ qint64 risingEdges(qint64 elapsedMs)
 void advanceCounters(PlcMemory& memory, qint64 beforeMs, qint64 elapsedMs)
 {
     const qint64 tenths = elapsedMs / tenthMs - beforeMs / tenthMs;
-    addTo(memory, edgeCounter, wordBytes, risingEdges(elapsedMs) - risingEdges(beforeMs));
-    addTo(memory, tenthCounter, wordBytes, tenths);
-    addTo(memory, wideCounter, 2 * wordBytes, tenths * widePerTenth);
-    memory.setBit(counterContacts, 0, memory.value(edgeCounter, wordBytes) >= edgeContactAt);
-    memory.setBit(counterContacts, 1, memory.value(tenthCounter, wordBytes) >= tenthContactAt);
+    addTo(memory, edgeCounter, bytesPerWord, risingEdges(elapsedMs) - risingEdges(beforeMs));
+    addTo(memory, tenthCounter, bytesPerWord, tenths);
+    addTo(memory, wideCounter, 2 * bytesPerWord, tenths * widePerTenth);
+    memory.setBit(counterContacts, 0, memory.value(edgeCounter, bytesPerWord) >= edgeContactAt);
+    memory.setBit(counterContacts, 1, memory.value(tenthCounter, bytesPerWord) >= tenthContactAt);
 }
 
 void setWords(PlcMemory& memory, qint64 elapsedMs)
 {
     const auto setWord = [&memory](int word, qint64 value) {
-        memory.setValue(words + wordBytes * word, wordBytes, static_cast<quint32>(value));
+        memory.setValue(words + bytesPerWord * word, wordBytes, static_cast<quint32>(value));
     };
     const qint64 triangle = elapsedMs / triangleStepMs % (2 * triangleTop);
     const double turn = fullTurn * static_cast<double>(elapsedMs) / sinePeriodMs;
@@ -94,9 +94,9 @@ void setWords(PlcMemory& memory, qint64 elapsedMs)
     setWord(1, triangle <= triangleTop ? triangle : 2 * triangleTop - triangle);
     setWord(2, std::lround(1000 * std::sin(turn)));
     setWord(3, elapsedMs / tenthMs % sawTop);
-    memory.setValue(words + wordBytes * 4, 2 * wordBytes, static_cast<quint32>(moving));
-    memory.setValue(words + wordBytes * 6, 2 * wordBytes, static_cast<quint32>(moving >> 32));
-    memory.setValue(words + wordBytes * 8, 2 * wordBytes, static_cast<quint32>(elapsedMs));
+    memory.setValue(words + bytesPerWord * 4, 2 * wordBytes, static_cast<quint32>(moving));
+    memory.setValue(words + bytesPerWord * 6, 2 * wordBytes, static_cast<quint32>(moving >> 32));
+    memory.setValue(words + bytesPerWord * 8, 2 * wordBytes, static_cast<quint32>(elapsedMs));
 }
 
 }  // namespace
@@ -104,9 +104,9 @@ void setWords(PlcMemory& memory, qint64 elapsedMs)
 void SampleProgram::start(PlcMemory& memory)
 {
     m_elapsedMs = 0;
-    memory.setValue(edgeCounter, wordBytes, 0);
-    memory.setValue(tenthCounter, wordBytes, 0);
-    memory.setValue(wideCounter, 2 * wordBytes, wideStart);
+    memory.setValue(edgeCounter, bytesPerWord, 0);
+    memory.setValue(tenthCounter, bytesPerWord, 0);
+    memory.setValue(wideCounter, 2 * bytesPerWord, wideStart);
     advance(memory, 0);
 }
 

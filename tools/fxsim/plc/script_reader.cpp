@@ -23,7 +23,7 @@ constexpr qint64 usualRampMs = 100;                   // between two values of a
 constexpr int defaultBytes = 2;
 constexpr int stepDepth = 2;  // of the braces and brackets around a step
 
-[[noreturn]] void refuse(const QString& text)
+[[noreturn]] void refuseScript(const QString& text)
 {
     throw Error(ExitCode::File, text);
 }
@@ -81,14 +81,15 @@ public:
         try {
             return parsePlace(name);
         } catch (const Error& error) {
-            refuse(QStringLiteral("\"%1\": %2").arg(key, error.text()));
+            refuseScript(QStringLiteral("\"%1\": %2").arg(key, error.text()));
         }
     }
 
     void requireMemory(int address, int byteCount, const char* key) const
     {
         if (!m_memory.has(address, std::max(1, byteCount)))
-            refuse(QStringLiteral("\"%1\": this PLC does not have all of that memory").arg(key));
+            refuseScript(
+                QStringLiteral("\"%1\": this PLC does not have all of that memory").arg(key));
     }
 
     // What the step works on, with the bytes that it says or that the device has.
@@ -128,14 +129,14 @@ public:
         const QString name = QLatin1String(key);
         const QString is = has(key) ? QStringLiteral("is ") + quoted(m_object.value(name))
                                     : QStringLiteral("is missing");
-        refuse(QStringLiteral("\"%1\" %2: expected %3").arg(name, is, expected));
+        refuseScript(QStringLiteral("\"%1\" %2: expected %3").arg(name, is, expected));
     }
 
     void refuseOtherKeys() const
     {
         for (const QString& key : m_object.keys()) {
             if (!m_read.contains(key))
-                refuse(QStringLiteral("\"%1\" is not expected here").arg(key));
+                refuseScript(QStringLiteral("\"%1\" is not expected here").arg(key));
         }
     }
 
@@ -169,7 +170,7 @@ void readTimes(StepReader& reader, ScriptStep& step)
         return;
     }
     if (reader.has("at") == reader.has("every"))
-        refuse(QStringLiteral("expected either \"at\" or \"every\""));
+        refuseScript(QStringLiteral("expected either \"at\" or \"every\""));
     if (reader.has("at")) {
         step.firstMs = reader.number("at", moment);
         return;
@@ -189,18 +190,22 @@ Condition readCondition(StepReader& reader, const QString& text)
     const QRegularExpressionMatch match = form.match(text);
     const QString comparison = match.captured(3);
     const bool negated = !match.captured(1).isEmpty();
-    if (!match.hasMatch() || (negated && !comparison.isEmpty()))
-        refuse(QStringLiteral("\"if\": invalid condition '%1': expected a bit, as in \"X0\" or "
-                              "\"!X0\", or a comparison, as in \"D100 > 5\"")
-                   .arg(quotable(text)));
+    if (!match.hasMatch() || (negated && !comparison.isEmpty())) {
+        refuseScript(
+            QStringLiteral("\"if\": invalid condition '%1': expected a bit, as in \"X0\" or "
+                           "\"!X0\", or a comparison, as in \"D100 > 5\"")
+                .arg(quotable(text)));
+    }
     const MemoryPlace left = reader.placeNamed(match.captured(2), "if");
     Condition condition{StepReader::cellOf(left), negated ? Is::Equal : Is::Unequal, {}, 0};
     reader.requireMemory(condition.left.address, condition.left.byteCount, "if");
     if (comparison.isEmpty()) {
-        if (!left.bit)
-            refuse(QStringLiteral("\"if\": what is %1 compared with? Write a comparison, as in "
-                                  "\"%1 > 5\"")
-                       .arg(match.captured(2)));
+        if (!left.bit) {
+            refuseScript(
+                QStringLiteral("\"if\": what is %1 compared with? Write a comparison, as in "
+                               "\"%1 > 5\"")
+                    .arg(match.captured(2)));
+        }
         return condition;
     }
     condition.is = comparisons[comparison];
@@ -319,8 +324,9 @@ ScriptStep readStep(const QJsonObject& object, const PlcMemory& memory)
         row.read(reader, step);
     }
     if (actions != 1)
-        refuse(QStringLiteral("expected exactly one of \"set\", \"add\", \"toggle\", \"copy\", "
-                              "\"ramp\" and \"random\""));
+        refuseScript(
+            QStringLiteral("expected exactly one of \"set\", \"add\", \"toggle\", \"copy\", "
+                           "\"ramp\" and \"random\""));
     readTimes(reader, step);
     if (reader.has("if")) {
         for (const QString& text : reader.texts("if"))
@@ -359,12 +365,12 @@ QJsonArray stepsOf(const QByteArray& json)
     const QJsonDocument document = QJsonDocument::fromJson(json, &problem);
     if (problem.error != QJsonParseError::NoError) {
         const int line = 1 + json.left(problem.offset).count('\n');
-        refuse(QStringLiteral("line %1: %2").arg(line).arg(problem.errorString()));
+        refuseScript(QStringLiteral("line %1: %2").arg(line).arg(problem.errorString()));
     }
     const QJsonObject top = document.object();
     const int comments = top.contains(QLatin1String("comment")) ? 1 : 0;
     if (!top[QLatin1String("steps")].isArray() || top.size() != 1 + comments)
-        refuse(QStringLiteral("expected { \"steps\": [ ... ] }"));
+        refuseScript(QStringLiteral("expected { \"steps\": [ ... ] }"));
     return top[QLatin1String("steps")].toArray();
 }
 
@@ -379,7 +385,8 @@ std::unique_ptr<Program> parseScript(const QByteArray& json, const PlcMemory& me
         const int number = steps.size() + 1;
         try {
             if (!value.isObject())
-                refuse(QStringLiteral("%1 is not a step: expected { ... }").arg(quoted(value)));
+                refuseScript(
+                    QStringLiteral("%1 is not a step: expected { ... }").arg(quoted(value)));
             steps.append(readStep(value.toObject(), memory));
         } catch (const Error& error) {
             const QString step = QStringLiteral("step %1").arg(number);

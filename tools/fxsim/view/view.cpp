@@ -19,7 +19,7 @@ namespace fxsim {
 namespace {
 
 constexpr int refreshMs = 100;
-constexpr int readBytes = 256;
+constexpr int keyBytes = 256;
 constexpr char escape = 0x1B;
 constexpr char backspace = 0x08;
 constexpr char deleteKey = 0x7F;
@@ -143,7 +143,7 @@ void View::refresh()
 
 void View::readKeys()
 {
-    char buffer[readBytes];
+    char buffer[keyBytes];
     const ssize_t got = ::read(STDIN_FILENO, buffer, sizeof buffer);
     if (got <= 0 && ViewTerminal::isInForeground())
         m_actions.quit();  // the terminal is gone
