@@ -5,7 +5,7 @@
 // of the link. Values travel from the PLC's memory into the host's buffers and back.
 
 #include "tests/end_to_end/tiny_plc.h"
-#include "tests/support/loaded_driver.h"
+#include "tests/support/loaded_library.h"
 #include "tests/support/record_text.h"
 
 #include <QMutex>
@@ -62,7 +62,7 @@ protected:
                   DRIVER(setData)(1, QLatin1String(registerType), start, count, bytes.data(), 0));
     }
 
-    LoadedDriver driver;
+    LoadedLibrary driver;
     TinyPlc plc;
     std::vector<unsigned char> hostMemory = std::vector<unsigned char>(fxHostMemoryBytes);
     std::vector<unsigned short> recipeWords = std::vector<unsigned short>(256);
@@ -200,7 +200,7 @@ TEST_F(Session, BadRepliesAreRepeatedAndARefusedWriteIsUndone)
 
 TEST(BeforeASession, ServicesAnswer)
 {
-    const LoadedDriver driver;
+    const LoadedLibrary driver;
     FRAME_PRO frame;
     EXPECT_EQ(0, DRIVER(getSendFrame)(&frame));
     QString text;

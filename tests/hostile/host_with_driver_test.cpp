@@ -4,7 +4,7 @@
 // A host program that exports a symbol `driver` of its own, smaller than the library's object. The
 // loader prefers the program's symbols, so the library once constructed its object over it.
 
-#include "tests/support/loaded_driver.h"
+#include "tests/support/loaded_library.h"
 
 #include <algorithm>
 #include <iterator>
@@ -17,7 +17,7 @@ TEST(HostWithDriver, KeepsItsOwnSymbol)
     std::fill(std::begin(driver), std::end(driver), mark);
     ASSERT_EQ(driver, dlsym(RTLD_DEFAULT, "driver")) << "the program does not export it";
     {
-        const LoadedDriver library;
+        const LoadedLibrary library;
         unsigned char value[2] = {7, 0};
         ENTRY_POINT(library.handle, intf_setData)(1, QLatin1String("D"), 0, 1, value, 0);
     }

@@ -5,7 +5,7 @@
 // each unload really unloads and gives everything back. And two copies of its file, one for each
 // of two links: each keeps to an object of its own.
 
-#include "tests/support/loaded_driver.h"
+#include "tests/support/loaded_library.h"
 #include "tests/support/record_text.h"
 
 #include <QMutex>
@@ -96,7 +96,7 @@ TEST(Reload, AThousandLoadsLeaveNothingBehind)
     std::vector<unsigned short> words(16);
     long settled = 0;
     for (int load = 0; load < loads; ++load) {
-        ASSERT_NO_FATAL_FAILURE(live(LoadedDriver().handle, memory, words));
+        ASSERT_NO_FATAL_FAILURE(live(LoadedLibrary().handle, memory, words));
         ASSERT_EQ(nullptr, dlopen(DRIVER_LIBRARY, RTLD_NOW | RTLD_NOLOAD)) << "still loaded";
         if (load == loadsToSettle)
             settled = residentKilobytes();

@@ -4,8 +4,8 @@
 // The library as a host loads it: nothing is linked, the types come from the header and the
 // addresses from the file.
 
-#ifndef TESTS_SUPPORT_LOADED_DRIVER_H
-#define TESTS_SUPPORT_LOADED_DRIVER_H
+#ifndef TESTS_SUPPORT_LOADED_LIBRARY_H
+#define TESTS_SUPPORT_LOADED_LIBRARY_H
 
 #include "driver/intf.h"
 
@@ -15,16 +15,16 @@
 
 #define ENTRY_POINT(library, name) reinterpret_cast<decltype(&(name))>(dlsym(library, #name))
 
-class LoadedDriver
+class LoadedLibrary
 {
 public:
-    LoadedDriver() : handle(dlopen(DRIVER_LIBRARY, RTLD_NOW | RTLD_LOCAL))
+    LoadedLibrary() : handle(dlopen(DRIVER_LIBRARY, RTLD_NOW | RTLD_LOCAL))
     {
         EXPECT_NE(nullptr, handle) << dlerror();
     }
-    ~LoadedDriver() { EXPECT_EQ(0, dlclose(handle)); }
-    LoadedDriver(const LoadedDriver&) = delete;
-    LoadedDriver& operator=(const LoadedDriver&) = delete;
+    ~LoadedLibrary() { EXPECT_EQ(0, dlclose(handle)); }
+    LoadedLibrary(const LoadedLibrary&) = delete;
+    LoadedLibrary& operator=(const LoadedLibrary&) = delete;
 
     void* const handle;
 };
