@@ -25,11 +25,6 @@ bool isOctal(const QString& type)
     return type == "X" || type == "Y";
 }
 
-bool isWord(const QString& type)
-{
-    return type == "D" || type == "SD" || type == "TV" || type == "CV" || type == "32CV";
-}
-
 void check(FuzzedPair& pair, const Question& asked)
 {
     int index = 77;
@@ -73,7 +68,8 @@ void copy(FuzzedPair& pair, const QString& type, int start, int copies, int step
     require(std::is_sorted(values.begin(), values.end()), "a series falls");
     for (int i = 0; i < texts.size(); ++i) {
         int index = 0;
-        const int valid = intf_checkAddrValidity(type, texts[i], &index, 1, isWord(type) ? 1 : 0);
+        const int valid =
+            intf_checkAddrValidity(type, texts[i], &index, 1, modelIsBit(type) ? 0 : 1);
         require(values[i] < 0 || (valid == 0 && index == values[i]) || valid == 2,
                 "a copied address does not check as its number");
     }

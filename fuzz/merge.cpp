@@ -18,24 +18,16 @@
 
 namespace {
 
-bool isBitType(const QString& type)
-{
-    return type == "X" || type == "Y" || type == "M" || type == "S" || type == "SM" ||
-           type == "T" || type == "C";
-}
-
 bool isPolled(const KEY_ADDRESS& key)
 {
-    const bool known = isBitType(key.registerType) || key.registerType == "D" ||
-                       key.registerType == "SD" || key.registerType == "TV" ||
-                       key.registerType == "CV" || key.registerType == "32CV";
-    return known && key.stationNo != 0;
+    const QString& type = key.registerType;
+    return key.stationNo != 0 && (modelIsBit(type) || modelIsWord(type) || type == "32CV");
 }
 
 // One past the last element that the plan reads together with `number`; `number` if none does.
 long long coveredUpTo(const KEY_ADDRESS& key, long long number)
 {
-    const long long width = isBitType(key.registerType) ? 8 : 1;
+    const long long width = modelIsBit(key.registerType) ? 8 : 1;
     long long covered = number;
     for (const VARIABLE& request : driver.readList) {
         const long long end = request.addressIndex + width * request.count;
@@ -50,7 +42,7 @@ long long coveredUpTo(const KEY_ADDRESS& key, long long number)
 // takes, so its last bits can lie beyond.
 void requireCover(const KEY_ADDRESS& key)
 {
-    const bool bits = isBitType(key.registerType);
+    const bool bits = modelIsBit(key.registerType);
     const int words = std::max(1, driver.maxWordsPerFrame);
     const long long limit = (bits ? 8LL : 1LL) * words;
     const long long length = std::min(key.length, fxMaxElements);

@@ -3,7 +3,7 @@
 //
 // Whole host sessions: the bytes choose the calls, their arguments, the replies, the request bytes
 // and what the host does inside its callback. Asserted after each call:
-//  - state is sound: queues within 513, at most one frame in flight and well formed, nothing held twice;
+//  - state is sound: queues within 513, at most one frame in flight and well formed, no twins;
 //  - the model answers the same and holds the same state.
 
 #include "fuzz/support/fuzz_target.h"

@@ -6,17 +6,12 @@
 #include "tests/model/driver_properties.h"
 
 #include "driver/mitsubishi_fx1s.h"
+#include "tests/model/model_driver.h"
 
 #include <set>
 #include <tuple>
 
 namespace {
-
-bool isBitType(const QString& type)
-{
-    return type == "X" || type == "Y" || type == "M" || type == "S" || type == "SM" ||
-           type == "T" || type == "C";
-}
 
 std::string brokenArea(const _DATA_& area)
 {
@@ -26,7 +21,7 @@ std::string brokenArea(const _DATA_& area)
         return "a monitor mark has more than one bit";
     if (area.changeFlags < 0 || area.changeFlags > 0xFF)
         return "a bit mask has more than eight bits";
-    if (isBitType(area.registerType) ? area.monitorFlags != 0 : area.changeFlags != 0)
+    if (modelIsBit(area.registerType) ? area.monitorFlags != 0 : area.changeFlags != 0)
         return "a mark stands in the wrong field";
     return "";
 }
@@ -75,7 +70,7 @@ int lengthOf(const FRAME_PRO& frame)
 
 bool isMonitored(int stationNo, const QString& type, int number)
 {
-    const bool bits = isBitType(type);
+    const bool bits = modelIsBit(type);
     const int start = bits ? number / 8 * 8 : number;
     for (const _DATA_& area : driver.dataAreas) {
         if (area.stationNo == stationNo && area.registerType == type && area.startIndex == start)
