@@ -3,23 +3,17 @@
 
 #include "tools/library/register_file.h"
 
+#include "tools/library/csv.h"
 #include "tools/library/values.h"
 #include "tools/quoted.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <QHash>
-#include <QRegularExpression>
-#include <QTextStream>
 
 namespace fxtools {
 
 namespace {
 
 const QString titleLine = QStringLiteral("address,value");
-
-// Tens of thousands of lines; a PLC has fewer than ten thousand registers.
-constexpr qint64 mostFileBytes = 4 << 20;
 
 // Where a line has its address and its value.
 struct Columns
@@ -28,26 +22,6 @@ struct Columns
     int value = 1;
 };
 
-// The fields of a line, which spreadsheets separate by ; where the comma is a decimal one.
-QStringList fieldsOf(const QString& line)
-{
-    QStringList fields = {QString()};
-    bool isQuoted = false;
-    const QChar separator =
-        QString(line).remove(QRegularExpression("\"[^\"]*\"")).contains(';') ? ';' : ',';
-    for (const QChar character : line) {
-        if (character == '"')
-            isQuoted = !isQuoted;
-        else if (character == separator && !isQuoted)
-            fields.append(QString());
-        else
-            fields.last() += character;
-    }
-    for (QString& field : fields)
-        field = field.trimmed();
-    return fields;
-}
-
 struct FileRegister
 {
     RegisterRange range;
@@ -55,15 +29,15 @@ struct FileRegister
 };
 
 // Nothing for a register that has an error instead of a value.
-std::optional<FileRegister> parseLine(const QString& line, const Columns& columns,
-                                      const RegisterCatalogue& catalogue)
+std::optional<FileRegister> parseRow(const CsvRow& row, const Columns& columns,
+                                     const RegisterCatalogue& catalogue)
 {
-    const QStringList fields = fieldsOf(line);
+    const QStringList& fields = row.fields;
     if (fields.size() <= columns.value)
-        throw Failure(ExitCode::File, quoted(line) + ": expected ADDRESS,VALUE");
+        throw Failure(ExitCode::File, quoted(row.text) + ": expected ADDRESS,VALUE");
     const AskedAddress asked = askedAddress(takeApart(fields[columns.address]), catalogue);
     if (asked.range.count != 1 || asked.bit)
-        throw Failure(ExitCode::File, quoted(line) + ": expected one register");
+        throw Failure(ExitCode::File, quoted(row.text) + ": expected one register");
     if (fields[columns.value].isEmpty() && !fields.value(columns.value + 1).isEmpty())
         return std::nullopt;
     return FileRegister{asked.range, parseValue(fields[columns.value], asked.range, {}).first()};
@@ -85,7 +59,7 @@ void append(QVector<RegisterRun>& runs, const FileRegister& one, int mostRegiste
     runs.last().values.append(one.value);
 }
 
-// Reads the lines of a file one after the other.
+// Reads the rows of a file one after the other.
 class Reader
 {
 public:
@@ -93,24 +67,23 @@ public:
         : m_catalogue(catalogue), m_mostRegisters(mostRegisters)
     {}
 
-    void read(const QString& line);
+    void read(const CsvRow& row);
     const RegisterFile& file() const { return m_file; }
 
 private:
-    bool isTitle(const QString& line);
+    bool isTitle(const CsvRow& row);
 
     const RegisterCatalogue& m_catalogue;
     int m_mostRegisters;
-    int m_line = 0;
     Columns m_columns;
     QHash<QString, int> m_lineOf;  // by the register's identity
     RegisterFile m_file;
 };
 
-bool Reader::isTitle(const QString& line)
+bool Reader::isTitle(const CsvRow& row)
 {
-    const QStringList titles = fieldsOf(line);
-    if (m_line != 1 || !titles.contains(QLatin1String("address")))
+    const QStringList& titles = row.fields;
+    if (row.line != 1 || !titles.contains(QLatin1String("address")))
         return false;
     m_columns.address = titles.indexOf(QStringLiteral("address"));
     m_columns.value = titles.indexOf(QStringLiteral("value"), m_columns.address);
@@ -119,12 +92,11 @@ bool Reader::isTitle(const QString& line)
     return true;
 }
 
-void Reader::read(const QString& line)
+void Reader::read(const CsvRow& row)
 {
-    ++m_line;
-    if (line.isEmpty() || line.startsWith('#') || isTitle(line))
+    if (isTitle(row))
         return;
-    const std::optional<FileRegister> one = parseLine(line, m_columns, m_catalogue);
+    const std::optional<FileRegister> one = parseRow(row, m_columns, m_catalogue);
     if (!one) {
         ++m_file.withoutValue;
         return;
@@ -134,7 +106,7 @@ void Reader::read(const QString& line)
         throw Failure(
             ExitCode::File,
             QStringLiteral("%1 is already in line %2").arg(one->range.nameOf(0)).arg(earlier));
-    m_lineOf.insert(one->range.identity(0), m_line);
+    m_lineOf.insert(one->range.identity(0), row.line);
     append(m_file.runs, *one, m_mostRegisters);
 }
 
@@ -143,27 +115,14 @@ void Reader::read(const QString& line)
 RegisterFile readRegisterFile(const QString& path, const RegisterCatalogue& catalogue,
                               int mostRegisters)
 {
-    QFile file(path);
-    const QFileInfo info(path);
-    if (info.exists() && !info.isDir() && !info.isFile())
-        throw Failure(ExitCode::File, path + ": not a regular file");
-    if (file.size() > mostFileBytes) {
-        throw Failure(ExitCode::File,
-                      QStringLiteral("%1: %2 bytes are too many for a file of registers")
-                          .arg(path)
-                          .arg(file.size()));
-    }
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
-        throw Failure(ExitCode::File, path + ": " + file.errorString());
-    QTextStream lines(&file);  // without the mark that spreadsheets put in front
     Reader reader(catalogue, mostRegisters);
-    for (int line = 1; !lines.atEnd(); ++line) {
+    for (const CsvRow& row : readCsv(path, "file of registers").rows) {
         try {
-            reader.read(lines.readLine().trimmed());
+            reader.read(row);
         } catch (const Failure& failure) {
             throw Failure(
                 ExitCode::File,
-                QStringLiteral("%1, line %2: %3").arg(path).arg(line).arg(failure.text()));
+                QStringLiteral("%1, line %2: %3").arg(path).arg(row.line).arg(failure.text()));
         }
     }
     return reader.file();
