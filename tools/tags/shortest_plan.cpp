@@ -3,6 +3,8 @@
 
 #include "tools/tags/shortest_plan.h"
 
+#include "tools/exchange/blocks.h"
+
 #include <algorithm>
 #include <numeric>
 #include <tuple>
@@ -91,18 +93,6 @@ void addValues(const RegisterRange& range, int mostNumbers, QVector<Span>& value
     }
 }
 
-QVector<RegisterRange> dueWithin(const QVector<RegisterRange>& due, const RegisterRange& block)
-{
-    QVector<RegisterRange> within;
-    for (const RegisterRange& range : due) {
-        const int from = std::max(block.first, range.first);
-        const int end = std::min(block.first + block.count, range.first + range.count);
-        if (from < end)
-            within.append(range.part(from - range.first, end - from));
-    }
-    return within;
-}
-
 // For registers of one type and station.
 QVector<PlannedBlock> planOfGroup(const QVector<RegisterRange>& due, int wordsPerFrame,
                                   const LineCost& line)
@@ -165,6 +155,19 @@ QVector<PlannedBlock> shortestPlan(const QVector<RegisterRange>& due, int wordsP
     for (const QVector<RegisterRange>& group : groups)
         plan += planOfGroup(group, wordsPerFrame, line);
     return plan;
+}
+
+QVector<RegisterRange> dueWithin(const QVector<RegisterRange>& due, const RegisterRange& block)
+{
+    QVector<RegisterRange> within;
+    for (const RegisterRange& range : due) {
+        if (!overlap(range, block))
+            continue;
+        const int from = std::max(block.first, range.first);
+        const int end = std::min(block.first + block.count, range.first + range.count);
+        within.append(range.part(from - range.first, end - from));
+    }
+    return within;
 }
 
 Cost costOf(const QVector<PlannedBlock>& plan, const LineCost& line)

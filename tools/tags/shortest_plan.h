@@ -48,6 +48,9 @@ struct PlannedBlock
 QVector<PlannedBlock> shortestPlan(const QVector<RegisterRange>& due, int wordsPerFrame,
                                    const LineCost& line);
 
+// The parts of what is due that lie in a block.
+QVector<RegisterRange> dueWithin(const QVector<RegisterRange>& due, const RegisterRange& block);
+
 Cost costOf(const QVector<PlannedBlock>& plan, const LineCost& line);
 
 }  // namespace fxtools
