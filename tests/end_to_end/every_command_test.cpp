@@ -51,8 +51,10 @@ fxhost> series D7998 -c 3 --csv -q | grep -o .,D.*
 [1]
 )"},
     {"plan", R"(fxhost> plan D100:10 D105:20 M8000 --csv -q
-SM8000 … SM8007,8,1,17,18,7,SM8001 … SM8007
-D100 … D124,25,50,115,120,0,
+given,SM8000 … SM8007,8,1,17,38,7,SM8001 … SM8007
+given,D100 … D124,25,50,115,140,0,
+shortest,SM8000 … SM8007,8,1,17,38,7,SM8001 … SM8007
+shortest,D100 … D124,25,50,115,140,0,
 )"},
     {"read", R"(fxsim> poke 0x10C8 0x39 0x30
 fxsim> poke 0x0080.2 1

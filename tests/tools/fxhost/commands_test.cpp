@@ -124,24 +124,68 @@ TEST_P(Commands, StatsSayWhatEachBlockCosts)
     EXPECT_EQ(stats["errorPercent"].toDouble(-1), 0);
 }
 
+// 20 ms, and 11 characters of request, 4 of frame and 4 of value, of 10 bits each.
 TEST_P(Commands, PlanSaysWhatAnAddressCosts)
 {
     const Ended ended = run({"plan", "D100:10", "D105:20", "D140"});
-    // 11 characters of request, 4 of frame and 4 of value, of 10 bits each.
-    EXPECT_TRUE(holds(ended.out, "  without D140: 20 ms a cycle less at 9600 baud\n")) << ended.out;
+    EXPECT_TRUE(holds(ended.out, "  without D140: 40 ms a cycle less at 9600 baud\n")) << ended.out;
     EXPECT_TRUE(holds(run({"plan", "D100:10", "D105:20", "M5", "--json"}).out,
                       "\"msLessWithout\": {\n        \"D105:20\": "));
 }
 
-TEST_P(Commands, PlanHasItsTimesForProgramsToo)
+TEST_P(Commands, PlanHasBothPlansForPrograms)
 {
-    const Ended ended = run({"plan", "D100:10", "D105:20", "M5", "--json"});
+    const Ended ended = run({"plan", "D0", "D30", "M5", "--turnaround", "10", "--json"});
     const QJsonObject plan = QJsonDocument::fromJson(ended.out.c_str()).object();
-    // 11 characters of request each; 4 of frame and 2 a byte of answer: 1 byte and 50.
-    EXPECT_EQ(plan["characters"].toInt(), 11 + 4 + 2 * 1 + 11 + 4 + 2 * 50);
-    EXPECT_EQ(plan["cycleMsAtBaud"].toObject()["9600"].toDouble(), 138);
-    const QJsonObject bits = plan["blocks"].toArray()[0].toObject();
+    const QJsonObject given = plan["given"].toObject();
+    const QJsonObject shortest = plan["shortest"].toObject();
+    // 11 characters of request each; 4 of frame and 2 a byte of answer.
+    EXPECT_EQ(given["characters"].toInt(), 15 + 2 * 1 + 15 + 2 * 62);
+    EXPECT_EQ(shortest["characters"].toInt(), 15 + 2 * 1 + 2 * (15 + 2 * 2));
+    EXPECT_EQ(given["cycleMs"].toObject()["9600"].toDouble(), 182.5);
+    EXPECT_EQ(shortest["cycleMs"].toObject()["9600"].toDouble(), 87.292);
+    EXPECT_EQ(shortest["cycleMs"].toObject()["19200"].toDouble(), 58.646);
+    const QJsonObject bits = given["blocks"].toArray()[0].toObject();
     EXPECT_EQ(bits["which"].toArray(), QJsonArray({"M0 … M4", "M6 … M7"}));
+    const QJsonObject last = shortest["blocks"].toArray()[2].toObject();
+    EXPECT_EQ(last["type"].toString(), "D");
+    EXPECT_EQ(last["first"].toString(), "D30");
+    EXPECT_EQ(last["last"].toString(), "D30");
+    EXPECT_EQ(last["bytes"].toInt(), 2);
+    EXPECT_EQ(last["characters"].toInt(), 19);
+}
+
+// At 115200 baud an exchange costs more than any frame's registers; the blocks are those at 9600.
+TEST_P(Commands, PlanKnowsTheShortestCycleOfEachSpeed)
+{
+    const auto cycleMs = [this](const char* plan, const char* baud, const QStringList& options) {
+        const Ended ended = run(QStringList{"plan", "D0", "D30", "--json"} + options);
+        return QJsonDocument::fromJson(ended.out.c_str())
+            .object()[plan]
+            .toObject()["cycleMs"]
+            .toObject()[baud]
+            .toDouble();
+    };
+    EXPECT_EQ(cycleMs("shortest", "115200", {}), cycleMs("given", "115200", {}));
+    EXPECT_LT(cycleMs("shortest", "9600", {}), cycleMs("given", "9600", {}));
+    EXPECT_EQ(cycleMs("given", "57600", {"--baud", "57600", "--turnaround", "0"}), 24.132);
+}
+
+TEST_P(Commands, PlanDrawsTheMemory)
+{
+    const Ended ended = run({"plan", "D0:3", "D20", "M9"});
+    EXPECT_TRUE(holds(ended.out, "\n  D0       given    ███░░░░░░░░░░░░░░░░░█▁▁▁")) << ended.out;
+    EXPECT_TRUE(holds(ended.out, "\n           shortest ███▁▁▁▁▁▁▁▁▁▁▁▁▁▁▁▁▁▆▁▁▁")) << ended.out;
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("plan.svg");
+    EXPECT_EQ(run({"plan", "D0:3", "D20", "--svg", file}).code, 0);
+    EXPECT_EQ(run({"plan", "D0:3", "D20", "--svg", file}).code, 7);
+    EXPECT_EQ(run({"plan", "D0:3", "D20", "--svg", file, "--force"}).code, 0);
+    QFile drawing(file);
+    ASSERT_TRUE(drawing.open(QIODevice::ReadOnly));
+    const QByteArray svg = drawing.readAll();
+    EXPECT_EQ(svg.count("class=\"block\""), 1 + 2);
+    EXPECT_EQ(svg, QByteArray(run({"plan", "D0:3", "D20", "--svg", "-"}).out.c_str()));
 }
 
 TEST_P(Commands, OutputForProgramsIsNothingElse)

@@ -87,7 +87,7 @@ TEST(ConfiguredPlc, HasItsOwnSettings)
     const QProcessEnvironment environment = environmentOf(folder, "");
     const auto blocks = [&](const QStringList& options) {
         const QStringList plan{"plan", "D0:64", "--csv", "-q"};
-        return times(fxhost(plan + options, environment).out, "\n");
+        return times(fxhost(plan + options, environment).out, "given,");
     };
     EXPECT_EQ(blocks({}), 2);
     EXPECT_EQ(blocks({"--plc", "press1"}), 4);

@@ -1,15 +1,15 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// fxhost plan: what polling a set of addresses costs: the blocks that the driver reads, the
-// registers in them that were not asked for, and the cycle time at usual baud rates. Needs no PLC.
+// fxhost plan: what polling a set of addresses costs with the driver's own plan and with the
+// shortest one: their blocks, the registers in them that were not asked for, the cycle time at
+// usual baud rates, and a picture of the memory. Needs no PLC.
 
 #include "tools/exchange/blocks.h"
 #include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/connection.h"
-#include "tools/fxhost/views/json_text.h"
-
-#include <QJsonArray>
+#include "tools/fxhost/views/plan_report.h"
+#include "tools/library/output_file.h"
 
 #include <algorithm>
 #include <cmath>
@@ -18,58 +18,13 @@ namespace fxtools {
 
 namespace {
 
-constexpr int bitsPerCharacter = 10;  // start, seven data, even parity, stop
-constexpr int savingsShown = 5;
-constexpr int speeds[] = {9600, 19200, 38400, 57600, 115200};
-
-bool isAsked(const QVector<RegisterRange>& asked, const RegisterRange& one)
+struct PlanOptions
 {
-    return std::any_of(asked.begin(), asked.end(),
-                       [&one](const RegisterRange& range) { return isInside(one, range); });
-}
-
-// The registers that a block reads although they were not asked for, run by run.
-QVector<RegisterRange> unaskedRuns(const QVector<RegisterRange>& asked, const RegisterRange& block)
-{
-    QVector<RegisterRange> runs;
-    bool inRun = false;
-    for (int index = 0; index < block.count; ++index) {
-        const RegisterRange one = block.part(index, 1);
-        const bool unasked = !isAsked(asked, one);
-        if (unasked && inRun)
-            ++runs.last().count;
-        else if (unasked)
-            runs.append(one);
-        inRun = unasked;
-    }
-    return runs;
-}
-
-struct PlannedBlock
-{
-    QString registers;  // "D100 … D131"
-    int registerCount = 0;
-    int bytes = 0;
-    int unaskedCount = 0;
-    QStringList unasked;
-    int characters = 0;  // of the request and its reply
+    AddressOptions addresses;
+    double turnaroundMs = double(LineCost().turnaroundUs) / 1000;
+    std::string svg;
+    bool force = false;
 };
-
-PlannedBlock describe(const RegisterCatalogue& catalogue, const QVector<RegisterRange>& asked,
-                      const FRAME_PRO& frame)
-{
-    const RegisterRange block = blockRange(catalogue, frame.variable);
-    PlannedBlock planned;
-    planned.registers = fromToText(block);
-    planned.registerCount = block.count;
-    planned.bytes = frame.replyDataChars / 2;
-    planned.characters = frame.frameLength + frame.replyLength;
-    for (const RegisterRange& run : unaskedRuns(asked, block)) {
-        planned.unaskedCount += run.count;
-        planned.unasked += fromToText(run);
-    }
-    return planned;
-}
 
 // Of the line that was named, if it has one.
 int baudOf(const LinkSettings& link)
@@ -79,134 +34,179 @@ int baudOf(const LinkSettings& link)
     const int baud = serial && serial->line ? serial->line->baud
                      : simulated            ? simulated->baud.value_or(0)
                                             : 0;
-    return baud > 0 ? baud : speeds[0];
+    return baud > 0 ? baud : LineCost().baud;
 }
 
-double timeMs(int characters, int baud)
+// --baud is a speed to compute with, also for links that have none.
+LineCost lineOf(const CommonOptions& common, const ConnectionSettings& settings,
+                double turnaroundMs)
 {
-    return std::round(1000.0 * bitsPerCharacter * characters / baud);
+    const int baud = common.link.baud > 0 ? common.link.baud : baudOf(settings.link);
+    return {std::llround(1000 * turnaroundMs), baud};
 }
 
-int charactersOf(const QVector<FRAME_PRO>& plan)
+std::vector<int> speedsWith(int baud)
 {
-    int characters = 0;
-    for (const FRAME_PRO& frame : plan)
-        characters += frame.frameLength + frame.replyLength;
-    return characters;
+    std::vector<int> speeds = {9600, 19200, 38400, 115200};
+    const auto place = std::lower_bound(speeds.begin(), speeds.end(), baud);
+    if (place == speeds.end() || *place != baud)
+        speeds.insert(place, baud);
+    return speeds;
 }
 
-// What a cycle costs less without one of the addresses.
-struct Saving
+// Lets types come in the order of another plan.
+void takeOrder(const QVector<PlannedBlock>& other, QVector<PlannedBlock>& blocks)
 {
-    QString address;
-    int characters = 0;
+    const auto place = [&other](const PlannedBlock& block) {
+        return std::find_if(other.begin(), other.end(), [&block](const PlannedBlock& one) {
+            return one.registers.type.name == block.registers.type.name &&
+                   one.registers.station == block.registers.station;
+        });
+    };
+    std::stable_sort(blocks.begin(), blocks.end(),
+                     [&place](const PlannedBlock& one, const PlannedBlock& two) {
+                         return place(one) < place(two);
+                     });
+}
+
+// Plans the same registers in both ways.
+class Planner
+{
+public:
+    Planner(const AddressServices& services, const QVector<RegisterRange>& asked,
+            const SessionSettings& settings)
+        : m_catalogue(services.catalogue), m_asked(asked), m_words(settings.wordsPerFrame),
+          m_session(services.library, {1, settings.wordsPerFrame})
+    {}
+
+    PlanReport report(const LineCost& line)
+    {
+        PlanReport report = {line, given(line), shortest(line), savings(line)};
+        takeOrder(report.given.blocks, report.shortest.blocks);
+        return report;
+    }
+
+private:
+    ReportedPlan given(const LineCost& line)
+    {
+        ReportedPlan plan = {QStringLiteral("given"), {}, {}};
+        for (const FRAME_PRO& frame : planOf(m_session, m_asked)) {
+            const RegisterRange block = blockRange(m_catalogue, frame.variable);
+            plan.blocks.append({block, dueWithin(m_asked, block)});
+        }
+        for (const int baud : speedsWith(line.baud)) {
+            const LineCost at = {line.turnaroundUs, baud};
+            plan.cycleMs.append({baud, milliseconds(costOf(plan.blocks, at), at)});
+        }
+        return plan;
+    }
+
+    // At each speed another plan may be the shortest; the blocks are those at the speed of the
+    // line.
+    ReportedPlan shortest(const LineCost& line) const
+    {
+        ReportedPlan plan = {QStringLiteral("shortest"), shortestPlan(m_asked, m_words, line), {}};
+        for (const int baud : speedsWith(line.baud)) {
+            const LineCost at = {line.turnaroundUs, baud};
+            plan.cycleMs.append({baud, cycleMs(m_asked, at)});
+        }
+        return plan;
+    }
+
+    double cycleMs(const QVector<RegisterRange>& due, const LineCost& line) const
+    {
+        return milliseconds(costOf(shortestPlan(due, m_words, line), line), line);
+    }
+
+    // The largest ones first; none where only one address was asked for.
+    QVector<PlanSaving> savings(const LineCost& line) const
+    {
+        const double all = cycleMs(m_asked, line);
+        QVector<PlanSaving> savings;
+        for (int index = 0; m_asked.size() > 1 && index < m_asked.size(); ++index) {
+            QVector<RegisterRange> others = m_asked;
+            others.removeAt(index);
+            savings.append({m_asked[index].text(), all - cycleMs(others, line)});
+        }
+        std::stable_sort(
+            savings.begin(), savings.end(),
+            [](const PlanSaving& one, const PlanSaving& other) { return one.ms > other.ms; });
+        return savings;
+    }
+
+    const RegisterCatalogue& m_catalogue;
+    QVector<RegisterRange> m_asked;
+    int m_words;
+    DriverSession m_session;
 };
 
-// The largest ones first; none where only one address was asked for.
-QVector<Saving> savingsOf(DriverSession& session, const QVector<RegisterRange>& asked)
+void addBlocks(Records& records, const QString& name, const ReportedPlan& plan,
+               const LineCost& line)
 {
-    const int all = charactersOf(planOf(session, asked));
-    QVector<Saving> savings;
-    for (int index = 0; asked.size() > 1 && index < asked.size(); ++index) {
-        QVector<RegisterRange> others = asked;
-        others.removeAt(index);
-        savings.append({asked[index].text(), all - charactersOf(planOf(session, others))});
+    for (const PlannedBlock& block : plan.blocks) {
+        QStringList which;
+        int unasked = 0;
+        for (const RegisterRange& run : unaskedRuns(block)) {
+            which += fromToText(run);
+            unasked += run.count;
+        }
+        records.add({name, fromToText(block.registers), block.registers.count, block.bytes(),
+                     block.characters(),
+                     std::round(milliseconds(exchangeCost(line, block.bytes()), line)), unasked,
+                     which.join(QStringLiteral(", "))});
     }
-    std::stable_sort(savings.begin(), savings.end(), [](const Saving& one, const Saving& other) {
-        return one.characters > other.characters;
-    });
-    return savings;
 }
 
-void showBlocks(const CommonOptions& common, const QVector<PlannedBlock>& plan, int baud)
+void showBlocks(const OutputOptions& output, const PlanReport& report)
 {
-    Records records(common.output, {{"block"},
-                                    {"registers", Align::Right},
-                                    {"bytes", Align::Right},
-                                    {"characters", Align::Right},
-                                    {"ms", Align::Right},
-                                    {"unasked", Align::Right},
-                                    {"which"}});
-    for (const PlannedBlock& block : plan) {
-        records.add({block.registers, block.registerCount, block.bytes, block.characters,
-                     timeMs(block.characters, baud), block.unaskedCount,
-                     block.unasked.join(QStringLiteral(", "))});
-    }
+    Records records(output, {{"plan"},
+                             {"block"},
+                             {"registers", Align::Right},
+                             {"bytes", Align::Right},
+                             {"characters", Align::Right},
+                             {"ms", Align::Right},
+                             {"unasked", Align::Right},
+                             {"which"}});
+    const bool isOne = output.mode == OutputMode::People && report.areAlike();
+    addBlocks(records, isOne ? QStringLiteral("both") : report.given.name, report.given,
+              report.line);
+    if (!isOne)
+        addBlocks(records, report.shortest.name, report.shortest, report.line);
     records.finish();
 }
 
-void showCycle(int blocks, int characters, const QVector<Saving>& savings, int baud)
+void show(const OutputOptions& output, const PlanReport& report)
 {
-    QVector<Table::Column> columns = {{QStringLiteral("baud")}};
-    QStringList times = {QStringLiteral("cycle, ms")};
-    for (const int speed : speeds) {
-        columns.append({QString::number(speed), Align::Right});
-        times += QString::number(timeMs(characters, speed));
-    }
-    Table table(columns);
-    table.add(times);
     Console console;
+    if (output.mode == OutputMode::Json)
+        return console.line(planReportJson(report));
+    showBlocks(output, report);
+    if (output.mode != OutputMode::People || output.quiet)
+        return;
     console.line();
-    console.line(
-        QStringLiteral("  %1 with %2 for one cycle. The ms of a block are its time on the line\n"
-                       "  at %3 baud; the PLC adds up to one scan for each block.")
-            .arg(counted(blocks, "block"), counted(characters, "character"))
-            .arg(baud));
-    console.lines(table.lines());
-    if (!savings.isEmpty())
-        console.line();
-    for (const Saving& saving : savings.mid(0, savingsShown)) {
-        console.line(QStringLiteral("  without %1: %2 ms a cycle less at %3 baud")
-                         .arg(saving.address)
-                         .arg(timeMs(saving.characters, baud))
-                         .arg(baud));
-    }
+    console.lines(planPicture(report));
+    console.line();
+    console.lines(planReportLines(report));
 }
 
-void showJson(const QVector<PlannedBlock>& plan, int characters, const QVector<Saving>& savings,
-              int baud)
-{
-    QList<QByteArray> blocks;
-    for (const PlannedBlock& block : plan) {
-        blocks += jsonObject({{"block", jsonText(block.registers)},
-                              {"registers", jsonText(block.registerCount)},
-                              {"bytes", jsonText(block.bytes)},
-                              {"characters", jsonText(block.characters)},
-                              {"ms", jsonText(timeMs(block.characters, baud))},
-                              {"unasked", jsonText(block.unaskedCount)},
-                              {"which", jsonText(QJsonArray::fromStringList(block.unasked))}});
-    }
-    QVector<JsonMember> times;
-    for (const int speed : speeds)
-        times.append({QString::number(speed), jsonText(timeMs(characters, speed))});
-    QVector<JsonMember> less;
-    for (const Saving& saving : savings)
-        less.append({saving.address, jsonText(timeMs(saving.characters, baud))});
-    Console().line(jsonLines(jsonObject({{"baud", jsonText(baud)},
-                                         {"blocks", jsonArray(blocks)},
-                                         {"characters", jsonText(characters)},
-                                         {"cycleMsAtBaud", jsonObject(times)},
-                                         {"msLessWithout", jsonObject(less)}})));
-}
-
-ExitCode runPlan(const CommonOptions& common, const AddressOptions& addresses)
+ExitCode runPlan(const CommonOptions& common, const PlanOptions& options)
 {
     const AddressServices services(common);
-    const QVector<RegisterRange> asked = rangesOf(addresses, services.catalogue);
-    DriverSession session(services.library, {1, connectionSettings(common).session.wordsPerFrame});
-    const QVector<FRAME_PRO> frames = planOf(session, asked);
-    QVector<PlannedBlock> plan;
-    for (const FRAME_PRO& frame : frames)
-        plan.append(describe(services.catalogue, asked, frame));
-    const QVector<Saving> savings = savingsOf(session, asked);
-    const int baud = baudOf(connectionSettings(common).link);
-    if (common.output.mode == OutputMode::Json) {
-        showJson(plan, charactersOf(frames), savings, baud);
-        return ExitCode::Good;
+    CommonOptions withoutBaud = common;
+    withoutBaud.link.baud = 0;
+    const ConnectionSettings settings = connectionSettings(withoutBaud);
+    Planner planner(services, rangesOf(options.addresses, services.catalogue), settings.session);
+    const PlanReport report = planner.report(lineOf(common, settings, options.turnaroundMs));
+    if (!options.svg.empty()) {
+        OutputFile file(QString::fromStdString(options.svg),
+                        options.force ? OutputFile::Mode::Replace : OutputFile::Mode::New,
+                        services.catalogue);
+        file.write(planPictureSvg(report));
+        file.commit();
+        if (file.isStandardOutput())
+            return ExitCode::Good;
     }
-    showBlocks(common, plan, baud);
-    if (common.output.mode == OutputMode::People && !common.output.quiet)
-        showCycle(plan.size(), charactersOf(frames), savings, baud);
+    show(common.output, report);
     return ExitCode::Good;
 }
 
@@ -215,13 +215,24 @@ ExitCode runPlan(const CommonOptions& common, const AddressOptions& addresses)
 void addPlanCommand(CLI::App& app, const CommonOptions& common, Action& action)
 {
     CLI::App* command =
-        app.add_subcommand("plan", "Print the blocks that the driver polls for addresses");
-    const auto addresses = std::make_shared<AddressOptions>();
-    addAddressOptions(*command, *addresses);
+        app.add_subcommand("plan", "Print the blocks that are polled for addresses");
+    const auto options = std::make_shared<PlanOptions>();
+    addAddressOptions(*command, options->addresses);
+    command
+        ->add_option("--turnaround", options->turnaroundMs,
+                     "Time from a request to its reply in ms (default: 20)")
+        ->type_name("MS")
+        ->check(CLI::Range(0.0, 60000.0).description(""));
+    command
+        ->add_option("--svg", options->svg,
+                     "Draw the memory that is read in FILE; - is standard output")
+        ->type_name("FILE");
+    command->add_flag("--force", options->force, "Replace an existing file");
     addExamples(*command,
-                {"fxhost plan D100:10 D105:20 D140:5 M5 M20:3", "fxhost plan D0:320 --words 64"});
-    command->callback([&action, &common, addresses] {
-        action = [&common, addresses] { return runPlan(common, *addresses); };
+                {"fxhost plan D100:10 D105:20 D140:5 M5 M20:3",
+                 "fxhost plan D0 D30 D60 D90 --baud 19200 --turnaround 12 --svg plan.svg"});
+    command->callback([&action, &common, options] {
+        action = [&common, options] { return runPlan(common, *options); };
     });
 }
 
