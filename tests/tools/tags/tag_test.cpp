@@ -1,0 +1,156 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// Raw values and what they mean: every word there and back, rounding, limits.
+
+#include "tests/tools/support/loaded_driver.h"
+#include "tools/tags/tag.h"
+
+#include <gtest/gtest.h>
+
+using namespace fxtools;
+using namespace tool_tests;
+
+namespace {
+
+Tag tagAt(const char* address, double scale = 1, double offset = 0,
+          ValueFormat format = ValueFormat::Signed)
+{
+    Tag tag;
+    tag.name = "t";
+    tag.asked = askedAddress(takeApart(address), catalogue());
+    tag.style = {format};
+    tag.scale = scale;
+    tag.offset = offset;
+    return tag;
+}
+
+std::string shown(const Tag& tag, const QVector<quint32>& registers)
+{
+    return tag.valueOf(tag.rawOf(registers)).toVariant().toString().toStdString();
+}
+
+std::string written(const Tag& tag, const char* value)
+{
+    try {
+        QStringList words;
+        for (const quint32 word : assignmentOf(tag, value, catalogue()).values)
+            words += QString::number(word);
+        return words.join(' ').toStdString();
+    } catch (const Failure& failure) {
+        EXPECT_EQ(failure.code(), ExitCode::Usage);
+        return failure.what();
+    }
+}
+
+// How many of all words do not come back from the value that they are shown as.
+int wordsLost(const Tag& tag)
+{
+    int lost = 0;
+    for (quint32 word = 0; word <= 0xFFFF; ++word) {
+        const QJsonValue value = tag.valueOf(tag.rawOf({word}));
+        lost += written(tag, value.toVariant().toString().toLatin1()) != std::to_string(word);
+    }
+    return lost;
+}
+
+}  // namespace
+
+class AllWords : public testing::TestWithParam<Tag>
+{};
+
+TEST_P(AllWords, ComeBackFromTheirScaledValues)
+{
+    EXPECT_TRUE(GetParam().isExact());
+    EXPECT_EQ(wordsLost(GetParam()), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Tags, AllWords,
+                         testing::Values(tagAt("D0"), tagAt("D0", 0.1), tagAt("D0", 0.1, -3276.8),
+                                         tagAt("D0", -0.01), tagAt("D0", 1.0 / 3),
+                                         tagAt("D0", 100.0 / 4095, -12.5), tagAt("D0", 1000, 7),
+                                         tagAt("D0", 1e-9, 1),
+                                         tagAt("D0", 0.1, 0, ValueFormat::Unsigned)));
+
+TEST(Tags, TellWhenWordsAreLost)
+{
+    for (const Tag& tag : {tagAt("D0", 1e-13), tagAt("D0", 1e-9, 1e9)}) {
+        EXPECT_FALSE(tag.isExact());
+        EXPECT_GT(wordsLost(tag), 0);
+    }
+    EXPECT_FALSE(tagAt("D0:2", 0.1, 0, ValueFormat::Float).isExact());
+    EXPECT_TRUE(tagAt("D0:2", 0.1, 0, ValueFormat::Long).isExact());
+}
+
+TEST(Tags, AreShownAsExactlyAsTheirScaleIsWritten)
+{
+    EXPECT_EQ(shown(tagAt("D0", 0.1), {3}), "0.3");
+    EXPECT_EQ(shown(tagAt("D0", 0.1, -3276.8), {0x8000}), "-6553.6");
+    EXPECT_EQ(shown(tagAt("D0", 0.125), {1}), "0.125");
+    EXPECT_EQ(shown(tagAt("D0", 100.0 / 4095), {4095}), "100");
+    EXPECT_EQ(shown(tagAt("D0", 100.0 / 4095), {961}), "23.4676");
+    EXPECT_EQ(shown(tagAt("D0:2", 0.1, 0, ValueFormat::Long), {0xFFFF, 0xFFFF}), "-0.1");
+    EXPECT_EQ(shown(tagAt("D0", 0.5, 0, ValueFormat::Bcd), {0x123A}), "not BCD: 0x123A");
+    EXPECT_EQ(shown(tagAt("K2M0", 10), {1, 0, 1, 0, 0, 0, 0, 0}), "50");
+}
+
+TEST(Tags, RoundToTheNearestRawValueHalvesAwayFromZero)
+{
+    const Tag tag = tagAt("D0", 0.1);
+    EXPECT_EQ(written(tag, "71.5"), "715");
+    EXPECT_EQ(written(tag, "0.04"), "0");
+    EXPECT_EQ(written(tag, "0.15"), "2");
+    EXPECT_EQ(written(tag, "0.25"), "3");
+    EXPECT_EQ(written(tag, "-0.15"), "65534");
+    EXPECT_EQ(written(tagAt("D0", 2.5, 32), "33.25"), "1");
+    EXPECT_EQ(written(tagAt("D0:2", 0.1, 0, ValueFormat::Float), "1"), "0 16672");  // 10.0
+}
+
+TEST(Tags, RefuseWhatTheirRegistersDoNotHold)
+{
+    EXPECT_EQ(written(tagAt("D0", 0.1), "3276.7"), "32767");
+    EXPECT_EQ(written(tagAt("D0", 0.1), "3276.8"), "'t=3276.8' does not fit: -3276.8 to 3276.7");
+    EXPECT_EQ(written(tagAt("D0"), "65535"), "'t=65535' does not fit: -32768 to 32767");
+    EXPECT_EQ(written(tagAt("D0"), "0xFFFF"), "65535");
+    EXPECT_EQ(written(tagAt("D0", -1), "-32768"), "'t=-32768' does not fit: -32767 to 32768");
+    EXPECT_EQ(written(tagAt("D0", 0.1, 0, ValueFormat::Bcd), "1000"),
+              "'t=1000' does not fit: 0 to 999.9");
+    EXPECT_EQ(written(tagAt("K2M0", 10), "2560"), "'t=2560' does not fit: 0 to 2550");
+    EXPECT_EQ(written(tagAt("32CV200", 10), "21474836480"),
+              "'t=21474836480' does not fit: -21474836480 to 21474836470");
+    EXPECT_EQ(written(tagAt("D0"), "7.5"), "'t=7.5' is not a whole number");
+    EXPECT_EQ(written(tagAt("D0", 0.1), "7,5"), "'t=7,5' is not a number: use a decimal point");
+    EXPECT_EQ(written(tagAt("D0", 0.1), "nan"), "'t=nan' is not a number; use for example 71.5");
+}
+
+TEST(Tags, KeepTheirLimitsAlsoAfterRounding)
+{
+    Tag tag = tagAt("D0", 0.1);
+    tag.min = -5;
+    tag.max = 71.56;
+    tag.unit = QStringLiteral("°C");
+    EXPECT_EQ(written(tag, "71.54"), "715");
+    EXPECT_EQ(written(tag, "71.56"), "'t=71.56' is above the maximum of 71.56 °C");
+    EXPECT_EQ(written(tag, "72"), "'t=72' is above the maximum of 71.56 °C");
+    EXPECT_EQ(written(tag, "-5.01"), "'t=-5.01' is below the minimum of -5 °C");
+    tag.scale = 1;
+    EXPECT_EQ(written(tag, "0x100"), "'t=0x100' is above the maximum of 71.56 °C");
+    tag.isReadOnly = true;
+    EXPECT_EQ(written(tag, "1"), "'t=1' is not written: the tag is read-only");
+}
+
+TEST(Tags, MayBeTextsAndBits)
+{
+    EXPECT_EQ(written(tagAt("D0:2", 1, 0, ValueFormat::Text), "a,1"), "11361 49");
+    EXPECT_EQ(shown(tagAt("D0:2", 1, 0, ValueFormat::Text), {11361, 49}), "a,1");
+    EXPECT_EQ(written(tagAt("D0.5"), "on"), "1");
+    EXPECT_EQ(written(tagAt("M0"), "2"), "value '2' is not a bit; use 0, 1, on or off");
+    EXPECT_EQ(written(tagAt("D0", 1, 0, ValueFormat::Hex), "1F"), "31");
+    EXPECT_EQ(written(tagAt("X0"), "1"), "'X0=1': X registers are read-only");
+}
+
+TEST(ShortestDecimal, IsWithinTheTolerance)
+{
+    EXPECT_EQ(shortestDecimal(100.1 - 100, 1e-13), 0.1);
+    EXPECT_EQ(shortestDecimal(100.0 / 4095, 0), 100.0 / 4095);
+}
