@@ -44,7 +44,7 @@ TEST_F(HostileCache, ReadWithoutEndServes65536Elements)
     EXPECT_EQ(8192, driver.dataAreas.size());
     driver.dataAreas.clear();
     std::vector<unsigned char> words(2 * 65536, 0xEE);
-    EXPECT_EQ(1, intf_getData(1, type("D"), 0, largest, words.data()));
+    EXPECT_EQ(1, intf_getData(1, type("D"), smallest, largest, words.data()));
     EXPECT_EQ(std::vector<unsigned char>(2 * 65536, 0), words);
     EXPECT_EQ(65536, driver.dataAreas.size());
     driver.dataAreas.clear();
