@@ -7,7 +7,6 @@
 
 #include <unistd.h>
 
-#include <cmath>
 #include <cstdlib>
 #include <fstream>
 #include <string>
@@ -47,38 +46,19 @@ MemoryTrend::Point MemoryTrend::mean() const
     return {sum.exchanges / points, sum.bytes / points};
 }
 
-double MemoryTrend::spread() const
-{
-    const Point middle = mean();
-    double sum = 0;
-    for (const Point& point : m_points)
-        sum += std::pow(point.exchanges - middle.exchanges, 2);
-    return sum;
-}
-
 double MemoryTrend::bytesAnExchange() const
 {
     if (m_points.size() < 2)
         return 0;
     const Point middle = mean();
-    double sum = 0;
-    for (const Point& point : m_points)
-        sum += (point.exchanges - middle.exchanges) * (point.bytes - middle.bytes);
-    return sum / spread();
-}
-
-double MemoryTrend::standardError() const
-{
-    if (m_points.size() < 3)
-        return 0;
-    const Point middle = mean();
-    const double slope = bytesAnExchange();
+    double products = 0;
     double squares = 0;
     for (const Point& point : m_points) {
-        const double fitted = middle.bytes + slope * (point.exchanges - middle.exchanges);
-        squares += std::pow(point.bytes - fitted, 2);
+        const double distance = point.exchanges - middle.exchanges;
+        products += distance * (point.bytes - middle.bytes);
+        squares += distance * distance;
     }
-    return std::sqrt(squares / static_cast<double>(m_points.size() - 2) / spread());
+    return products / squares;
 }
 
 double MemoryTrend::fittedGrowthBytes() const

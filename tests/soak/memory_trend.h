@@ -22,7 +22,6 @@ public:
     void add(qint64 exchanges, qint64 bytes);
 
     double bytesAnExchange() const;    // slope of the fitted line
-    double standardError() const;      // of that slope
     double fittedGrowthBytes() const;  // over all that was added
 
 private:
@@ -33,7 +32,6 @@ private:
     };
 
     Point mean() const;
-    double spread() const;  // sum of the squared distances of the exchanges from their mean
 
     std::vector<Point> m_points;
 };
