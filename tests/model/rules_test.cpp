@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Rules that are small enough to be compared with the model over their whole range: address
-// checks, address series, the frames of every register, and many plans.
+// checks, address series, the frames of registers all over their numbers, and many plans.
 
 #include "tests/model/library_driver.h"
 #include "tests/model/session_world.h"
@@ -16,6 +16,8 @@ namespace {
 
 const char* const types[] = {"X", "Y",  "M",  "S",  "SM",   "T", "C",
                              "D", "SD", "TV", "CV", "32CV", "Z", ""};
+
+constexpr int numberStep = 13;  // odd, so that every bit of a byte comes up
 
 // Sets library and model up alike, and compares them call by call.
 class ModelRules : public ::testing::Test
@@ -68,7 +70,7 @@ TEST_F(ModelRules, EveryNumberIsCheckedAlike)
         for (int number = 0; number < 8400; ++number) {
             const QString texts[] = {QString::number(number), QString::number(number, 8)};
             for (const QString& text : texts) {
-                for (const int count : {-1, 0, 1, 2, 9, 257}) {
+                for (const int count : {0, 2, 257}) {
                     int libraryIndex = 0;
                     int modelIndex = 0;
                     ASSERT_EQ(library.checkAddrValidity(type, text, &libraryIndex, count, 0),
@@ -100,13 +102,13 @@ TEST_F(ModelRules, EverySeriesIsCopiedAlike)
     }
 }
 
-TEST_F(ModelRules, EveryRegisterIsReadAlike)
+TEST_F(ModelRules, RegistersAreReadAlike)
 {
     KEY_ADDRESS key;
     key.stationNo = 1;
     for (const char* type : types) {
         key.registerType = type;
-        for (int number = -9; number < 8300; number += 3) {
+        for (int number = -9; number < 8300; number += numberStep) {
             key.startIndex = number;
             key.length = 1 + (number & 63);
             setUp("1#0#0#1#64");
@@ -117,13 +119,13 @@ TEST_F(ModelRules, EveryRegisterIsReadAlike)
     }
 }
 
-TEST_F(ModelRules, EveryRegisterIsWrittenAlike)
+TEST_F(ModelRules, RegistersAreWrittenAlike)
 {
     unsigned char data[128];
     for (std::size_t i = 0; i < sizeof data; ++i)
         data[i] = static_cast<unsigned char>(i);
     for (const char* type : types) {
-        for (int number = -9; number < 8300; number += 3) {
+        for (int number = -9; number < 8300; number += numberStep) {
             setUp("1#0#0#1#64");
             const int count = 1 + (number & 31);
             library.setData(1, type, number, count, data + (number & 3), 5);
