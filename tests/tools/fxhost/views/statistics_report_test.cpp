@@ -54,9 +54,12 @@ TEST(LineReports, NameErrorsInPerCent)
 {
     Statistics statistics;
     statistics.kinds[ExchangeKind::CyclicRead] = {40, 39, 1, 0};
+    statistics.verdicts = {
+        {ReplyVerdict::Good, 37}, {ReplyVerdict::Silence, 1}, {ReplyVerdict::WrongSum, 2}};
     const QStringList lines = statisticsLines(statistics, 1000000);
     EXPECT_EQ(lines[0], "  exchanges    frames  good  retried  given up  errors");
     EXPECT_EQ(lines[1], "  cyclic read      40    39        1         0   2.5 %");
+    EXPECT_EQ(lines[3], "  rejected replies: no reply (1), damaged: wrong checksum (2)");
 }
 
 TEST(LineReports, SayWhatABlockCosts)
