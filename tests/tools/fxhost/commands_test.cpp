@@ -102,7 +102,7 @@ TEST_P(Commands, StatsShowTheHistogramBesideTheTimeout)
     EXPECT_TRUE(holds(forPeople.out, "  response times (time-out: ")) << forPeople.out;
     EXPECT_TRUE(holds(forPeople.out, "█")) << forPeople.out;
     EXPECT_TRUE(
-        holds(run({"stats", "D0", "-n", "5", "--csv"}).out, "\nexchanges.cyclic read.good,5\n"));
+        holds(run({"stats", "D0", "-n", "5", "--csv"}).out, "\nexchanges.cyclicRead.good,5\n"));
 }
 
 TEST_P(Commands, StatsSayWhatEachBlockCosts)

@@ -113,7 +113,7 @@ TEST_P(UnplannedEnd, AStopCostsNoExchange)
     const Ended ended = stats.end();
     EXPECT_EQ(ended.code, 0) << ended.err;
     const QJsonObject counted = QJsonDocument::fromJson(ended.out.c_str()).object();
-    EXPECT_EQ(counted["exchanges"].toObject()["cyclic read"].toObject()["good"].toInt(), 8);
+    EXPECT_EQ(counted["exchanges"].toObject()["cyclicRead"].toObject()["good"].toInt(), 8);
     for (const QJsonValue& rejected : counted["rejected"].toObject())
         EXPECT_EQ(rejected.toInt(-1), 0) << ended.out;
 }

@@ -46,10 +46,10 @@ TEST_P(Misbehaving, SomeBadRepliesAreRepeatedAway)
     const Ended ended = run(plc, {"--retries", "9", "stats", "D0:320", "-n", "20", "--json"});
     EXPECT_EQ(ended.code, 0) << testing::PrintToString(ended);
     const QJsonObject stats = QJsonDocument::fromJson(ended.out.c_str()).object();
-    const QJsonObject reads = stats["exchanges"].toObject()["cyclic read"].toObject();
+    const QJsonObject reads = stats["exchanges"].toObject()["cyclicRead"].toObject();
     EXPECT_EQ(reads["good"].toInt(), 200) << ended.out;
     EXPECT_EQ(reads["givenUp"].toInt(), 0) << ended.out;
-    for (const char* reason : {"wrong-sum", "incomplete", "high-bits"})
+    for (const char* reason : {"wrongSum", "incomplete", "highBits"})
         EXPECT_GT(stats["rejected"].toObject()[reason].toInt(), 0) << reason << ended.out;
 }
 

@@ -8,6 +8,18 @@
 
 namespace fxtools {
 
+QString jsonName(const QString& title)
+{
+    QString name;
+    for (const QChar character : title) {
+        if (name.endsWith(' '))
+            name.back() = character.toUpper();
+        else
+            name += character == '-' ? QChar(' ') : character;
+    }
+    return name;
+}
+
 // Only arrays and objects can be written: the text of a value is what an array of it holds.
 QByteArray jsonText(const QJsonValue& value)
 {

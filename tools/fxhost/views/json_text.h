@@ -13,6 +13,8 @@ namespace fxtools {
 
 using JsonMember = QPair<QString, QByteArray>;  // a name, and a value that is JSON already
 
+QString jsonName(const QString& title);  // "readAt" of "read at" or "read-at"
+
 QByteArray jsonText(const QJsonValue& value);  // null if it is undefined
 QByteArray jsonObject(const QVector<JsonMember>& members);
 QByteArray jsonArray(const QList<QByteArray>& values);

@@ -112,7 +112,7 @@ QString Records::jsonOf(const QVector<QJsonValue>& values) const
     QVector<JsonMember> members;
     for (int column = 0; column < values.size(); ++column) {
         if (!values[column].isUndefined())
-            members.append({m_columns[column].title, jsonText(values[column])});
+            members.append({jsonName(m_columns[column].title), jsonText(values[column])});
     }
     for (const JsonMember& member : m_options.plc) {
         if (!hasColumn(member.first))

@@ -118,10 +118,7 @@ void addExchanges(JsonFields& fields, const Statistics& statistics)
 {
     for (const ExchangeKind kind : allExchangeKinds()) {
         const KindCounts counts = statistics.of(kind);
-        // Programs read these names.
-        const QString name =
-            kind == ExchangeKind::ConditionalRead ? "conditional read" : kindText(kind);
-        const QString prefix = "exchanges." + name + '.';
+        const QString prefix = "exchanges." + jsonName(kindText(kind)) + '.';
         fields += {{prefix + "frames", counts.sent},
                    {prefix + "good", counts.accepted},
                    {prefix + "sentAgain", counts.repeated},
@@ -130,7 +127,7 @@ void addExchanges(JsonFields& fields, const Statistics& statistics)
     fields.append({"errorPercent", errorPercent(statistics.total())});
     for (const ReplyVerdict verdict : allVerdicts()) {
         if (verdict != ReplyVerdict::Good)
-            fields.append({"rejected." + verdictName(verdict), statistics.of(verdict)});
+            fields.append({"rejected." + jsonName(verdictName(verdict)), statistics.of(verdict)});
     }
 }
 

@@ -19,6 +19,12 @@ TEST(JsonText, HasEveryKindOfValue)
     EXPECT_EQ(jsonText(QJsonValue::Undefined), "null");
 }
 
+TEST(JsonText, NamesHaveNoBlanks)
+{
+    EXPECT_EQ(jsonName("address"), "address");
+    EXPECT_EQ(jsonName("one-off read"), "oneOffRead");
+}
+
 TEST(JsonText, TreesKeepTheOrderOfTheirFields)
 {
     const JsonFields fields = {{"z", 1},      {"b.y", "2"},    {"b.a.k", 3},       {"c.0.from", 4},
