@@ -44,8 +44,9 @@ TEST_P(Commands, WriteTakesTheFormatItIsTold)
 
 TEST_P(Commands, TimestampsStandInFront)
 {
-    const QRegularExpression line("^\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d\\.\\d{3},D0,0,$",
-                                  QRegularExpression::MultilineOption);
+    const QRegularExpression line(
+        "^\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d\\.\\d{3}[+-]\\d\\d:\\d\\d,D0,0,$",
+        QRegularExpression::MultilineOption);
     const Ended ended = run({"read", "D0", "--csv", "-q", "--timestamps"});
     EXPECT_TRUE(line.match(QString::fromStdString(ended.out)).hasMatch()) << ended.out;
 }

@@ -21,13 +21,6 @@ QByteArray csvLine(const QStringList& cells)
 
 }  // namespace
 
-QString isoTime(const QDateTime& time)
-{
-    const int minutes = time.offsetFromUtc() / 60;
-    return time.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz")) +
-           QTime(0, 0).addSecs(60 * std::abs(minutes)).toString(minutes < 0 ? "-HH:mm" : "+HH:mm");
-}
-
 bool differs(const QJsonValue& value, const QJsonValue& before, double deadband)
 {
     if (value.isDouble() && before.isDouble())

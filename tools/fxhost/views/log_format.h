@@ -8,8 +8,6 @@
 
 #include "tools/fxhost/views/records.h"
 
-#include <QDateTime>
-
 namespace fxtools {
 
 struct LogRow
@@ -42,8 +40,5 @@ private:
     OutputOptions m_output;
     QStringList m_names;
 };
-
-// 2026-01-31T13:05:00.123+01:00
-QString isoTime(const QDateTime& time);
 
 }  // namespace fxtools

@@ -5,9 +5,8 @@
 
 #include "tools/fxhost/views/console.h"
 
-#include <QDateTime>
-
 #include <algorithm>
+#include <cmath>
 
 namespace fxtools {
 
@@ -47,9 +46,16 @@ QString csvField(const QString& text)
     return text;
 }
 
+QString isoTime(const QDateTime& time)
+{
+    const int minutes = time.offsetFromUtc() / 60;
+    return time.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz")) +
+           QTime(0, 0).addSecs(60 * std::abs(minutes)).toString(minutes < 0 ? "-HH:mm" : "+HH:mm");
+}
+
 QString timestamp()
 {
-    return QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz"));
+    return isoTime(QDateTime::currentDateTime());
 }
 
 Records::Records(const OutputOptions& options, const QVector<Table::Column>& columns, Shown shown)

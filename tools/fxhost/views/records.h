@@ -9,6 +9,8 @@
 #include "tools/fxhost/views/json_text.h"
 #include "tools/fxhost/views/table.h"
 
+#include <QDateTime>
+
 #include <optional>
 
 namespace fxtools {
@@ -66,7 +68,8 @@ void showResult(const OutputOptions& options, const QString& words,
 // A cell of CSV, quoted if it must be.
 QString csvField(const QString& text);
 
-// The time as records carry it: 2026-01-31T13:05:00.123, in local time.
-QString timestamp();
+// The time as records carry it: 2026-01-31T13:05:00.123+01:00.
+QString isoTime(const QDateTime& time);
+QString timestamp();  // now
 
 }  // namespace fxtools
