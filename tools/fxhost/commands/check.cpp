@@ -75,9 +75,7 @@ void addCheckCommand(CLI::App& app, const CommonOptions& common, Action& action)
         ->type_name("")
         ->required();
     addExamples(*command, {"fxhost check D100 X17 M8000 2#TV5 CV200 D0-D9"});
-    command->callback([&action, &common, addresses] {
-        action = [&common, addresses] { return runCheck(common, *addresses); };
-    });
+    onRun(*command, action, [&common, addresses] { return runCheck(common, *addresses); });
 }
 
 }  // namespace fxtools

@@ -54,6 +54,12 @@ constexpr int mostCycles = 1000000000;
 // Runs after the whole command line has been parsed.
 using Action = std::function<ExitCode()>;
 
+// Lets a command that was parsed be the one that runs.
+inline void onRun(CLI::App& command, Action& action, const Action& run)
+{
+    command.callback([&action, run] { action = run; });
+}
+
 void addLinkOptions(CLI::App& app, CommonOptions& common);
 void addOutputOptions(CLI::App& app, CommonOptions& common);
 

@@ -43,9 +43,7 @@ void addCompareCommand(CLI::App& app, const CommonOptions& common, Action& actio
         ->type_name("")
         ->required();
     addExamples(*command, {"fxhost dump plc.csv D100:512 M64:64", "fxhost compare plc.csv"});
-    command->callback([&action, &common, file] {
-        action = [&common, file] { return runCompare(common, *file); };
-    });
+    onRun(*command, action, [&common, file] { return runCompare(common, *file); });
 }
 
 }  // namespace fxtools

@@ -71,9 +71,7 @@ void addDemoCommand(CLI::App& app, const CommonOptions& common, Action& action)
                      "Control socket of the simulator, if it is another process")
         ->type_name("PATH");
     addExamples(*command, {"fxhost demo"});
-    command->callback([&action, &common, options] {
-        action = [&common, options] { return runDemo(common, *options); };
-    });
+    onRun(*command, action, [&common, options] { return runDemo(common, *options); });
 }
 
 }  // namespace fxtools

@@ -300,9 +300,7 @@ void addDoctorCommand(CLI::App& app, const CommonOptions& common, Action& action
     command->add_flag("--thorough", *isThorough,
                       "Send a request with every line setting, and wait longer");
     addExamples(*command, {"fxhost doctor"});
-    command->callback([&, isThorough] {
-        action = [&common, isThorough] { return runDoctor(common, *isThorough); };
-    });
+    onRun(*command, action, [&common, isThorough] { return runDoctor(common, *isThorough); });
 }
 
 }  // namespace fxtools

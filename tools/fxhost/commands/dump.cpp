@@ -189,9 +189,7 @@ void addDumpCommand(CLI::App& app, const CommonOptions& common, Action& action)
     command->add_flag("--resume", options->resume, "Continue an incomplete dump");
     addExamples(*command, {"fxhost dump plc.csv D100:512 M64:64",
                            "fxhost dump plc.csv D100:1024 M64:64 --resume"});
-    command->callback([&action, &common, options] {
-        action = [&common, options] { return runDump(common, *options); };
-    });
+    onRun(*command, action, [&common, options] { return runDump(common, *options); });
 }
 
 void addBackupCommand(CLI::App& app, const CommonOptions& common, Action& action)
@@ -203,9 +201,7 @@ void addBackupCommand(CLI::App& app, const CommonOptions& common, Action& action
     addFileOptions(*command, options->file);
     command->add_flag("--resume", options->resume, "Continue an incomplete backup");
     addExamples(*command, {"fxhost backup press1.csv"});
-    command->callback([&action, &common, options] {
-        action = [&common, options] { return runDump(common, *options); };
-    });
+    onRun(*command, action, [&common, options] { return runDump(common, *options); });
 }
 
 }  // namespace fxtools

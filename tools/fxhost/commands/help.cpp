@@ -168,11 +168,9 @@ void addHelpCommand(CLI::App& app, const CommonOptions& /*common*/, Action& acti
     command->add_option("command", *names, "The command, such as read or recipe upload")
         ->type_name("");
     addExamples(*command, {"fxhost help", "fxhost help read"});
-    command->callback([&app, &action, names] {
-        action = [&app, names] {
-            printHelp(app, *names);
-            return ExitCode::Good;
-        };
+    onRun(*command, action, [&app, names] {
+        printHelp(app, *names);
+        return ExitCode::Good;
     });
 }
 

@@ -193,9 +193,7 @@ void addLogCommand(CLI::App& app, const CommonOptions& common, Action& action)
     addExamples(*command, {"fxhost log D0:4 X0:8 -l 500 -n 4",
                            "fxhost log D0 TV0 --changes --deadband 5 --duration 2s --json",
                            "fxhost log D0:4 --output log.csv --rotate-every 1d -n 3"});
-    command->callback([&action, &common, options] {
-        action = [&common, options] { return runLog(common, *options); };
-    });
+    onRun(*command, action, [&common, options] { return runLog(common, *options); });
 }
 
 }  // namespace fxtools

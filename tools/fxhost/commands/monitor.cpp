@@ -146,9 +146,7 @@ void addMonitorCommand(CLI::App& app, const CommonOptions& common, Action& actio
     addAddressOptions(*command, options->addresses);
     addCountOption(*command, options->cycles, true);
     addExamples(*command, {"fxhost monitor D100:2 X0", "fxhost monitor D0:32 -n 3 --timestamps"});
-    command->callback([&action, &common, options] {
-        action = [&common, options] { return runMonitor(common, *options); };
-    });
+    onRun(*command, action, [&common, options] { return runMonitor(common, *options); });
 }
 
 }  // namespace fxtools

@@ -231,9 +231,7 @@ void addPlanCommand(CLI::App& app, const CommonOptions& common, Action& action)
     addExamples(*command,
                 {"fxhost plan D100:10 D105:20 D140:5 M5 M20:3",
                  "fxhost plan D0 D30 D60 D90 --baud 19200 --turnaround 12 --svg plan.svg"});
-    command->callback([&action, &common, options] {
-        action = [&common, options] { return runPlan(common, *options); };
-    });
+    onRun(*command, action, [&common, options] { return runPlan(common, *options); });
 }
 
 }  // namespace fxtools

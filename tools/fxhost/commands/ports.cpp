@@ -26,11 +26,9 @@ void addPortsCommand(CLI::App& app, const CommonOptions& common, Action& action)
 {
     CLI::App* command = app.add_subcommand("ports", "List serial ports and who uses them");
     addExamples(*command, {"fxhost ports"});
-    command->callback([&] {
-        action = [&common] {
-            showPorts(common.output);
-            return ExitCode::Good;
-        };
+    onRun(*command, action, [&common] {
+        showPorts(common.output);
+        return ExitCode::Good;
     });
 }
 

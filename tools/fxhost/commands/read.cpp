@@ -65,9 +65,7 @@ void addReadCommand(CLI::App& app, const CommonOptions& common, Action& action)
     addExamples(*command,
                 {"fxhost read D100 X17 M8000 TV0", "fxhost read D0-D7 K4M0 --as hex --timestamps",
                  "fxhost read -t D -r 100 -c 4 --as float --json"});
-    command->callback([&action, &common, options] {
-        action = [&common, options] { return runRead(common, *options); };
-    });
+    onRun(*command, action, [&common, options] { return runRead(common, *options); });
 }
 
 }  // namespace fxtools

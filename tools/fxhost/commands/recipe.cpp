@@ -167,9 +167,8 @@ void addRecipeCommand(CLI::App& app, const CommonOptions& common, Action& action
     const auto force = std::make_shared<bool>(false);
     download->add_flag("--force", *force,
                        "Write also to registers that share their address with others");
-    download->callback([&action, &common, file, force] {
-        action = [&common, file, force] { return runDownload(common, *file, *force); };
-    });
+    addVerifyOption(*download, written->verify);
+    onRun(*download, action, [&common, written] { return runDownload(common, *written); });
 
     const auto options = std::make_shared<UploadOptions>();
     CLI::App* upload =
@@ -177,9 +176,7 @@ void addRecipeCommand(CLI::App& app, const CommonOptions& common, Action& action
     addFileOptions(*upload, options->file);
     addAddressOptions(*upload, options->addresses);
     addExamples(*upload, {"fxhost recipe upload recipe.csv D1000:64 32CV200:4"});
-    upload->callback([&action, &common, options] {
-        action = [&common, options] { return runUpload(common, *options); };
-    });
+    onRun(*upload, action, [&common, options] { return runUpload(common, *options); });
 }
 
 }  // namespace fxtools

@@ -131,9 +131,7 @@ void addRecordCommand(CLI::App& app, const CommonOptions& common, Action& action
     addAddressOptions(*command, options->addresses);
     addCountOption(*command, options->cycles, true);
     addExamples(*command, {"fxhost record session.jsonl D0:64 X0:8 -n 20"});
-    command->callback([&action, &common, options] {
-        action = [&common, options] { return runRecord(common, *options); };
-    });
+    onRun(*command, action, [&common, options] { return runRecord(common, *options); });
 }
 
 void addReplayCommand(CLI::App& app, const CommonOptions& common, Action& action)
@@ -144,9 +142,7 @@ void addReplayCommand(CLI::App& app, const CommonOptions& common, Action& action
     command->add_option("file", *file, "File written by record")->type_name("")->required();
     addExamples(*command,
                 {"fxhost record session.jsonl D0:64 X0:8 -n 20", "fxhost replay session.jsonl"});
-    command->callback([&action, &common, file] {
-        action = [&common, file] { return runReplay(common, *file); };
-    });
+    onRun(*command, action, [&common, file] { return runReplay(common, *file); });
 }
 
 }  // namespace fxtools

@@ -201,9 +201,7 @@ void addRestoreCommand(CLI::App& app, const CommonOptions& common, Action& actio
     addExamples(*command,
                 {"fxhost dump plc.csv D100:512 M64:64", "fxhost restore plc.csv --dry-run",
                  "fxhost restore plc.csv --yes --from D132"});
-    command->callback([&action, &common, options] {
-        action = [&common, options] { return runRestore(common, *options); };
-    });
+    onRun(*command, action, [&common, options] { return runRestore(common, *options); });
 }
 
 }  // namespace fxtools

@@ -65,9 +65,7 @@ void addSeriesCommand(CLI::App& app, const CommonOptions& common, Action& action
             "Distance between copies (default: 1); -2 for 32-bit values: two words or one counter")
         ->type_name("N");
     addExamples(*command, {"fxhost series Y6 -c 5", "fxhost series D100 -c 4 --step 10"});
-    command->callback([&action, &common, options] {
-        action = [&common, options] { return runSeries(common, *options); };
-    });
+    onRun(*command, action, [&common, options] { return runSeries(common, *options); });
 }
 
 }  // namespace fxtools

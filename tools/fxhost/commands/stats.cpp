@@ -103,9 +103,7 @@ void addStatsCommand(CLI::App& app, const CommonOptions& common, Action& action)
     addCountOption(*command, options->cycles, false);
     addExamples(*command,
                 {"fxhost stats D0:64 -n 20 -b 115200", "fxhost stats D0:64 X0:16 --json"});
-    command->callback([&action, &common, options] {
-        action = [&common, options] { return runStats(common, *options); };
-    });
+    onRun(*command, action, [&common, options] { return runStats(common, *options); });
 }
 
 }  // namespace fxtools

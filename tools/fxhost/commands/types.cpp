@@ -32,7 +32,7 @@ void addTypesCommand(CLI::App& app, const CommonOptions& common, Action& action)
 {
     CLI::App* command = app.add_subcommand("types", "Print the register types");
     addExamples(*command, {"fxhost types", "fxhost types --json"});
-    command->callback([&] { action = [&common] { return runTypes(common); }; });
+    onRun(*command, action, [&common] { return runTypes(common); });
 }
 
 }  // namespace fxtools

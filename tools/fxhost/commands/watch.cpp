@@ -91,9 +91,7 @@ void addWatchCommand(CLI::App& app, const CommonOptions& common, Action& action)
     addExamples(*command, {"fxhost watch D0:4 TV0 X0:8 -n 3",
                            "fxhost watch D1 --log --timestamps --deadband 50 -l 200 -n 10",
                            "fxhost watch -t X -r 0 -c 8 -l 500 -1"});
-    command->callback([&action, &common, options] {
-        action = [&common, options] { return runWatch(common, *options); };
-    });
+    onRun(*command, action, [&common, options] { return runWatch(common, *options); });
 }
 
 }  // namespace fxtools

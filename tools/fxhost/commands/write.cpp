@@ -229,9 +229,7 @@ void addWriteCommand(CLI::App& app, const CommonOptions& common, Action& action)
                 {"fxhost write D100=5 M100=on",
                  "fxhost write D10:2=-1,0x1F D30:2=70000 D100.5=1 K4M100=255",
                  "fxhost write D20=3.14 --as float", "fxhost write -t D -r 100 -c 3 1 2 3"});
-    command->callback([&action, &common, options] {
-        action = [&common, options] { return runWrite(common, *options); };
-    });
+    onRun(*command, action, [&common, options] { return runWrite(common, *options); });
 }
 
 }  // namespace fxtools
