@@ -94,7 +94,7 @@ TEST_F(SafeWriting, RestoreAsksOnATerminal)
 {
     const QString file = threeWords();
     for (const char answer : {'n', 'y'}) {
-        Terminal terminal({"--link", plc.link(), "restore", file}, 100, 24);
+        HostTerminal terminal({"--link", plc.link(), "restore", file}, 100, 24);
         ASSERT_TRUE(terminal.waitForText("[y/N]")) << answer;
         terminal.press(answer);
         terminal.press('\n');
@@ -102,7 +102,7 @@ TEST_F(SafeWriting, RestoreAsksOnATerminal)
         EXPECT_EQ(plc.command("peek 0x1000 6"), answer == 'y' ? restored : unchanged);
     }
     plc.command("poke 0x1000 7 0");
-    Terminal interrupted({"--link", plc.link(), "restore", file}, 100, 24);
+    HostTerminal interrupted({"--link", plc.link(), "restore", file}, 100, 24);
     ASSERT_TRUE(interrupted.waitForText("[y/N]"));
     interrupted.press(ctrlC);
     EXPECT_EQ(interrupted.waitForEnd(), 130);

@@ -4,8 +4,8 @@
 // What people see: the table of watch, the bars of long transfers and the demo's redrawing, on
 // terminals of several sizes, and what is left there when the program ends.
 
+#include "tests/tools/fxhost/host_terminal.h"
 #include "tests/tools/support/programs.h"
-#include "tests/tools/support/terminal.h"
 
 #include <QThread>
 
@@ -61,7 +61,7 @@ protected:
 
 TEST_F(TerminalViews, WatchDrawsOverItsTable)
 {
-    Terminal terminal(linked({"watch", "D0:2", "X0:8", "-l", "20"}), 80, 24);
+    HostTerminal terminal(linked({"watch", "D0:2", "X0:8", "-l", "20"}), 80, 24);
     ASSERT_TRUE(terminal.waitForText("cycle 3:"));
     plc.command("poke 0x1002 0x39 0x30");
     ASSERT_TRUE(terminal.waitForText("D1    12345"));
@@ -77,7 +77,7 @@ TEST_F(TerminalViews, WatchDrawsOverItsTable)
 
 TEST_F(TerminalViews, WatchFollowsTheSizeOfItsTerminal)
 {
-    Terminal terminal(linked({"watch", "D0:30", "-l", "20"}), 40, 15);
+    HostTerminal terminal(linked({"watch", "D0:30", "-l", "20"}), 40, 15);
     ASSERT_TRUE(terminal.waitForText("1-12 of 30"));
     ASSERT_TRUE(terminal.waitFor([](const Screen& screen) { return screen.lines().size() == 14; }))
         << "and the cursor below them";
@@ -94,7 +94,7 @@ TEST_F(TerminalViews, WatchFollowsTheSizeOfItsTerminal)
 // After Ctrl-Z and fg the table was drawn over the last lines of the shell.
 TEST_F(TerminalViews, WatchBeginsANewTableWhenItGoesOn)
 {
-    Terminal terminal(linked({"watch", "D0:2", "-l", "20"}), 80, 24);
+    HostTerminal terminal(linked({"watch", "D0:2", "-l", "20"}), 80, 24);
     ASSERT_TRUE(terminal.waitForText("cycle 3:"));
     terminal.send(SIGSTOP);
     terminal.send(SIGCONT);
@@ -107,7 +107,7 @@ TEST_F(TerminalViews, WatchBeginsANewTableWhenItGoesOn)
 TEST_F(TerminalViews, WatchShowsWhatIsRefusedWithItsReason)
 {
     const RunningSimulator holed(Road::PseudoTerminal, quickPlc + QStringList{"--holes", "0x1002"});
-    Terminal terminal({"--link", holed.link(), "watch", "D0:3", "-n", "3", "-l", "20"}, 80, 24);
+    HostTerminal terminal({"--link", holed.link(), "watch", "D0:3", "-n", "3", "-l", "20"}, 80, 24);
     EXPECT_EQ(terminal.waitForEnd(), 1);
     const QStringList lines = terminal.screen().lines();
     EXPECT_TRUE(lines[0].endsWith("; 1 of 3 not read")) << lines[0].toStdString();
@@ -118,7 +118,7 @@ TEST_F(TerminalViews, WatchShowsWhatIsRefusedWithItsReason)
 
 TEST_F(TerminalViews, OneTableStaysWhileALinkIsLost)
 {
-    Terminal terminal(linked({"watch", "D0", "-l", "20"}), 80, 24);
+    HostTerminal terminal(linked({"watch", "D0", "-l", "20"}), 80, 24);
     ASSERT_TRUE(terminal.waitForText("cycle 3:"));
     plc.command("drop-link 100");
     ASSERT_TRUE(terminal.waitForText("the link was lost"));
@@ -133,7 +133,8 @@ TEST_F(TerminalViews, OneTableStaysWhileALinkIsLost)
 
 TEST_F(TerminalViews, WatchNamesWhatItShowsAsItWasAskedFor)
 {
-    Terminal terminal(linked({"watch", "D8000", "M8000:24", "D0.3", "K2X0", "-n", "1"}), 80, 24);
+    HostTerminal terminal(linked({"watch", "D8000", "M8000:24", "D0.3", "K2X0", "-n", "1"}), 80,
+                          24);
     EXPECT_EQ(terminal.waitForEnd(), 0);
     QStringList names;
     for (const QString& line : terminal.screen().lines().mid(1))
@@ -144,7 +145,7 @@ TEST_F(TerminalViews, WatchNamesWhatItShowsAsItWasAskedFor)
 // Each key does its work while the program waits for the next cycle, for a day.
 TEST_F(TerminalViews, KeysDoNotWaitForTheNextCycle)
 {
-    Terminal terminal(linked({"watch", "D1", "D0", "-l", "1d"}), 80, 24);
+    HostTerminal terminal(linked({"watch", "D1", "D0", "-l", "1d"}), 80, 24);
     ASSERT_TRUE(terminal.waitForText("cycle 1:"));
     terminal.press('s');
     ASSERT_TRUE(terminal.waitForText("sorted by address"));
@@ -159,7 +160,7 @@ TEST_F(TerminalViews, KeysDoNotWaitForTheNextCycle)
 
 TEST_F(TerminalViews, WatchWritesAfterAYes)
 {
-    Terminal terminal(linked({"watch", "D0", "-l", "1d"}), 80, 24);
+    HostTerminal terminal(linked({"watch", "D0", "-l", "1d"}), 80, 24);
     ASSERT_TRUE(terminal.waitForText("cycle 1:"));
     for (const char key : QByteArray("wD0=5\r"))
         terminal.press(key);
@@ -175,7 +176,7 @@ TEST_F(TerminalViews, WatchWritesAfterAYes)
 
 TEST_F(TerminalViews, TheTerminalGetsItsSettingsBack)
 {
-    Terminal terminal(linked({"watch", "D0", "-l", "20"}), 80, 24);
+    HostTerminal terminal(linked({"watch", "D0", "-l", "20"}), 80, 24);
     ASSERT_TRUE(terminal.waitForText("cycle 3:"));
     terminal.press('w');
     ASSERT_TRUE(terminal.waitForText("write, such as"));
@@ -186,7 +187,7 @@ TEST_F(TerminalViews, TheTerminalGetsItsSettingsBack)
 
 TEST_F(TerminalViews, AShellGetsTheTerminalWhileTheProgramIsStopped)
 {
-    Terminal terminal(linked({"watch", "D0", "-l", "20"}), 80, 24);
+    HostTerminal terminal(linked({"watch", "D0", "-l", "20"}), 80, 24);
     ASSERT_TRUE(terminal.waitForText("cycle 3:"));
     EXPECT_FALSE(terminal.echoes());
     terminal.send(SIGTSTP);
@@ -201,7 +202,7 @@ TEST_F(TerminalViews, AShellGetsTheTerminalWhileTheProgramIsStopped)
 
 TEST_F(TerminalViews, AsciiStandsForTheRestWhereTheLocaleIsNotUtf8)
 {
-    Terminal terminal(linked({"watch", "X0:8", "-l", "20", "-n", "2"}), 80, 24, {"LC_ALL=C"});
+    HostTerminal terminal(linked({"watch", "X0:8", "-l", "20", "-n", "2"}), 80, 24, {"LC_ALL=C"});
     EXPECT_EQ(terminal.waitForEnd(), 0);
     EXPECT_TRUE(terminal.screen().lines()[1].startsWith("  X0:8  ........"));
     for (const char byte : terminal.written())
@@ -210,7 +211,7 @@ TEST_F(TerminalViews, AsciiStandsForTheRestWhereTheLocaleIsNotUtf8)
 
 TEST_F(TerminalViews, LogHasALineForEachChangeHereToo)
 {
-    Terminal terminal(linked({"watch", "D0", "--log", "-l", "20"}), 80, 24);
+    HostTerminal terminal(linked({"watch", "D0", "--log", "-l", "20"}), 80, 24);
     ASSERT_TRUE(terminal.waitForText("D0  0"));
     plc.command("poke 0x1000 5");
     ASSERT_TRUE(terminal.waitForText("D0  5"));
@@ -220,8 +221,8 @@ TEST_F(TerminalViews, LogHasALineForEachChangeHereToo)
 
 TEST_F(TerminalViews, ADeadbandPassesOverSmallChanges)
 {
-    Terminal terminal(linked({"watch", "D0", "D1", "--log", "--deadband", "10", "-l", "20"}), 80,
-                      24);
+    HostTerminal terminal(linked({"watch", "D0", "D1", "--log", "--deadband", "10", "-l", "20"}),
+                          80, 24);
     ASSERT_TRUE(terminal.waitForText("D1  0"));
     plc.command("poke 0x1000 10");
     plc.command("poke 0x1002 11");
@@ -233,7 +234,7 @@ TEST_F(TerminalViews, ADeadbandPassesOverSmallChanges)
 
 TEST_F(TerminalViews, NoColorLeavesOnlyTheDrawing)
 {
-    Terminal terminal(linked({"watch", "D0", "-l", "20", "-n", "3"}), 80, 24, {"NO_COLOR=1"});
+    HostTerminal terminal(linked({"watch", "D0", "-l", "20", "-n", "3"}), 80, 24, {"NO_COLOR=1"});
     EXPECT_EQ(terminal.waitForEnd(), 0);
     EXPECT_EQ(terminal.screen().lines().size(), 2);
     EXPECT_EQ(terminal.screen().lines()[1], "  D0      0            now");
@@ -243,7 +244,7 @@ TEST_F(TerminalViews, NoColorLeavesOnlyTheDrawing)
 
 TEST_F(TerminalViews, ADumbTerminalGetsLines)
 {
-    Terminal terminal(linked({"watch", "D0", "-n", "2", "-l", "20"}), 80, 24, {"TERM=dumb"});
+    HostTerminal terminal(linked({"watch", "D0", "-n", "2", "-l", "20"}), 80, 24, {"TERM=dumb"});
     EXPECT_EQ(terminal.waitForEnd(), 0);
     EXPECT_FALSE(terminal.written().contains('\x1b'));
     EXPECT_EQ(terminal.screen().lines(), QStringList({"D0  0"}));
@@ -252,7 +253,7 @@ TEST_F(TerminalViews, ADumbTerminalGetsLines)
 TEST_F(TerminalViews, ABarGrowsInItsLine)
 {
     const QString file = folder.filePath("plc.csv");
-    Terminal terminal(linked({"dump", file, "D0:320"}), 80, 24);
+    HostTerminal terminal(linked({"dump", file, "D0:320"}), 80, 24);
     expectCleanEnd(terminal);
     EXPECT_EQ(terminal.screen().lines()[0], "  dump ████████████████████████████████ 10/10");
     EXPECT_TRUE(terminal.screen().lines()[1].endsWith(": 320 registers read"));
@@ -264,10 +265,10 @@ TEST_F(TerminalViews, ABarGrowsInItsLine)
 TEST_F(TerminalViews, ABarFitsANarrowTerminal)
 {
     const QString file = newFile(folder, "plc.csv", "D0,1\nD100,2\nD200,3\n");
-    Terminal restore(linked({"restore", file, "--yes"}), 30, 10);
+    HostTerminal restore(linked({"restore", file, "--yes"}), 30, 10);
     EXPECT_EQ(restore.waitForEnd(), 0);
     EXPECT_TRUE(restore.screen().lines().contains("  restore ███████████████ 3/3"));
-    Terminal recipe(linked({"recipe", "download", file}), 20, 10);
+    HostTerminal recipe(linked({"recipe", "download", file}), 20, 10);
     EXPECT_EQ(recipe.waitForEnd(), 0);
     EXPECT_EQ(recipe.screen().lines()[0], "  download 3/3") << "there is no room for a bar";
 }
@@ -275,7 +276,7 @@ TEST_F(TerminalViews, ABarFitsANarrowTerminal)
 TEST_F(TerminalViews, RecipesHaveTheirBars)
 {
     const QString file = folder.filePath("recipe.csv");
-    Terminal upload(linked({"recipe", "upload", file, "D0:64"}), 80, 24);
+    HostTerminal upload(linked({"recipe", "upload", file, "D0:64"}), 80, 24);
     EXPECT_EQ(upload.waitForEnd(), 0);
     EXPECT_EQ(upload.screen().lines(), QStringList({"  upload ████████████████████████████████ 2/2",
                                                     "  64 registers read from the PLC"}));
@@ -284,8 +285,8 @@ TEST_F(TerminalViews, RecipesHaveTheirBars)
 TEST_F(TerminalViews, AnInterruptedBarLeavesItsLine)
 {
     const RunningSimulator slow(Road::PseudoTerminal, {"--baud", "9600", "--program", "none"});
-    Terminal terminal({"--link", slow.link(), "dump", folder.filePath("plc.csv"), "D0:8000"}, 80,
-                      24);
+    HostTerminal terminal({"--link", slow.link(), "dump", folder.filePath("plc.csv"), "D0:8000"},
+                          80, 24);
     ASSERT_TRUE(terminal.waitForText(" 2/250"));
     expectCleanEnd(terminal, ctrlC);
     EXPECT_EQ(linesWith(terminal.screen(), "fxhost: interrupted: "), 1);
@@ -295,17 +296,17 @@ TEST_F(TerminalViews, AnInterruptedBarLeavesItsLine)
 TEST_F(TerminalViews, ALongMeasurementShowsHowFarItIs)
 {
     const RunningSimulator slow(Road::PseudoTerminal, {"--baud", "9600", "--program", "none"});
-    Terminal terminal({"--link", slow.link(), "stats", "D0:320"}, 80, 24);
+    HostTerminal terminal({"--link", slow.link(), "stats", "D0:320"}, 80, 24);
     ASSERT_TRUE(terminal.waitForText("  stats ░"));
     expectCleanEnd(terminal, ctrlC);
-    Terminal quick(linked({"stats", "D0", "-n", "2"}), 80, 24);
+    HostTerminal quick(linked({"stats", "D0", "-n", "2"}), 80, 24);
     expectCleanEnd(quick);
     EXPECT_FALSE(quick.written().contains("stats ░")) << "within a second";
 }
 
 TEST_F(TerminalViews, TheDemoRedrawsItsLiveValues)
 {
-    Terminal terminal({"--link", "sim:", "demo"}, 100, 60);
+    HostTerminal terminal({"--link", "sim:", "demo"}, 100, 60);
     ASSERT_TRUE(terminal.waitForText("Live values"));
     ASSERT_TRUE(terminal.waitForText("triangle"));
     const QString first = terminal.screen().text();
@@ -332,7 +333,7 @@ TEST_F(TerminalViews, WhatIsNoTerminalGetsNoEscapes)
 
 TEST(TerminalLines, BeginBelowWhatCtrlCShows)
 {
-    Terminal terminal({"--link", "sim:", "stats", "D0:64", "-n", "1000000000"}, 80, 40);
+    HostTerminal terminal({"--link", "sim:", "stats", "D0:64", "-n", "1000000000"}, 80, 40);
     ASSERT_TRUE(terminal.waitForText("simulated PLC"));
     expectCleanEnd(terminal, ctrlC);
     EXPECT_TRUE(terminal.screen().lines().contains("^C")) << terminal.screen().text().toStdString();
@@ -341,7 +342,7 @@ TEST(TerminalLines, BeginBelowWhatCtrlCShows)
 TEST(TerminalLines, OfARemarkReplaceABar)
 {
     const QTemporaryDir folder;
-    Terminal terminal({"--link", "sim:", "dump", folder.filePath("plc.csv"), "D0:64"}, 80, 24);
+    HostTerminal terminal({"--link", "sim:", "dump", folder.filePath("plc.csv"), "D0:64"}, 80, 24);
     EXPECT_EQ(terminal.waitForEnd(), 0);
     EXPECT_EQ(terminal.screen().lines()[0], "fxhost: simulated PLC; --link names a real one");
     EXPECT_EQ(linesWith(terminal.screen(), "  dump "), 1);

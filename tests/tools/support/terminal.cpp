@@ -58,7 +58,6 @@ QStringList environmentWith(const QStringList& more)
     environment.remove(QStringLiteral("NO_COLOR"));
     environment.insert(QStringLiteral("TERM"), QStringLiteral("xterm"));
     environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
-    environment.insert(QStringLiteral("FX_DRIVER"), QStringLiteral(FX_DRIVER_FILE));
     for (const QString& entry : more)
         environment.insert(entry.section('=', 0, 0), entry.section('=', 1));
     return environment.toStringList();
@@ -66,11 +65,11 @@ QStringList environmentWith(const QStringList& more)
 
 }  // namespace
 
-Terminal::Terminal(const QStringList& arguments, int columns, int rows,
+Terminal::Terminal(const QStringList& command, int columns, int rows,
                    const QStringList& environment)
     : m_screen(columns, rows)
 {
-    const ArgumentList command(QStringList(QStringLiteral(FXHOST_FILE)) + arguments);
+    const ArgumentList arguments(command);
     const ArgumentList variables(environmentWith(environment));
     const winsize size = sizeOf(columns, rows);
     m_child = forkpty(&m_master, nullptr, nullptr, &size);
@@ -78,7 +77,7 @@ Terminal::Terminal(const QStringList& arguments, int columns, int rows,
         throw std::runtime_error("no pseudo-terminal for the test");
     if (m_child == 0) {
         prctl(PR_SET_PDEATHSIG, SIGKILL);  // however the test ends
-        execve(command.get()[0], command.get(), variables.get());
+        execve(arguments.get()[0], arguments.get(), variables.get());
         _exit(127);
     }
 }

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// fxhost in a terminal of its own: a pseudo-terminal whose other end is a screen that can be read,
-// and a keyboard on which Ctrl-C can be pressed.
+// A program in a terminal of its own: a pseudo-terminal whose other end is a screen that can be
+// read, and a keyboard on which Ctrl-C can be pressed.
 
 #pragma once
 
@@ -15,8 +15,9 @@ namespace tool_tests {
 class Terminal
 {
 public:
-    // `environment` has NAME=VALUE entries beside those that are always there; TERM is xterm.
-    Terminal(const QStringList& arguments, int columns, int rows,
+    // The program and its arguments. `environment` has NAME=VALUE entries beside those that are
+    // always there; TERM is xterm.
+    Terminal(const QStringList& command, int columns, int rows,
              const QStringList& environment = {});
     ~Terminal();
     Terminal(const Terminal&) = delete;
