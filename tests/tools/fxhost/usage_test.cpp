@@ -10,6 +10,12 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+
+#include <pty.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
 using namespace tool_tests;
 
 namespace {
@@ -81,6 +87,12 @@ const Mistake mistakes[] = {
     {2, "read D0 -b fast",
      "--baud: 'fast' is not a whole number from 50 to 4000000; see fxhost read --help"},
     {2, "read D0 -o 1", "--timeout: '1' is not a time from 10 ms to 60 s; see fxhost read --help"},
+    {2, "log D0 --deadband -1",
+     "--deadband: '-1' is not a number of 0 or more; see fxhost log --help"},
+    {2, "series D0 --step x",
+     "--step: 'x' is not a whole number from -2 to 65536; see fxhost series --help"},
+    {2, "read -r 0 -c 0",
+     "--registers: '0' is not a whole number from 1 to 65536; see fxhost read --help"},
     {2, "read D0 --link sim: --plc x", "--link cannot be used with --plc; see fxhost read --help"},
     {2, "read D0 --link sim: --line 9X1",
      "link 'sim:': no setting 'line' for this kind of link; it has: baud, faults, station, words"},
@@ -194,6 +206,31 @@ TEST(Usage, APortThatIsMissingNamesThoseThatAreThere)
     EXPECT_TRUE(holds(ended.err, "fxhost: cannot open /dev/no-such-port: No such file or "
                                  "directory; available ports: "))
         << ended.err;
+}
+
+// What keeps others out does not keep out an administrator, whose right to that is taken away.
+TEST(Usage, APortInUseNamesWhoUsesIt)
+{
+    int far = -1;
+    int near = -1;
+    std::array<char, 64> name = {};
+    ASSERT_EQ(openpty(&far, &near, name.data(), nullptr, nullptr), 0);
+    ASSERT_EQ(ioctl(near, TIOCEXCL), 0);
+    const QStringList asUser =
+        geteuid() == 0 ? QStringList{"setpriv", "--bounding-set=-sys_admin"} : QStringList{"env"};
+    QProcess host;
+    host.setProcessEnvironment(withLink(QString("serial:") + name.data()));
+    host.start(asUser[0], asUser.mid(1) + QStringList{FXHOST_FILE, "read", "D0", "-q"});
+    ASSERT_TRUE(host.waitForFinished());
+    close(near);
+    close(far);
+    EXPECT_EQ(host.exitCode(), 3);
+    EXPECT_EQ(host.readAllStandardError(),
+              QStringLiteral("fxhost: cannot open %1: Device or resource busy; it is in use by "
+                             "fxhost_tests (process %2): stop that first\n")
+                  .arg(name.data())
+                  .arg(getpid())
+                  .toUtf8());
 }
 
 namespace {

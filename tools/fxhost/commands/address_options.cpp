@@ -24,7 +24,7 @@ void addAddressLetters(CLI::App& command, AddressOptions& options)
         ->group(letterGroup);
     command.add_option("-c,--registers", options.registers, "Number of registers (default: 1)")
         ->type_name("N")
-        ->check(CLI::Range(1, fxMaxElements).description(""))
+        ->check(within({1, fxMaxElements}))
         ->group(letterGroup);
 }
 

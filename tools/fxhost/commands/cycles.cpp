@@ -36,7 +36,13 @@ void addDeadbandOption(CLI::App& command, double& deadband)
 {
     command.add_option("--deadband", deadband, "Ignore changes up to NUMBER")
         ->type_name("NUMBER")
-        ->check(CLI::Range(0.0, 4294967295.0).description(""));
+        ->check(CLI::Validator(
+            [](const std::string& text) {
+                bool isNumber = false;
+                const double number = QString::fromStdString(text).toDouble(&isNumber);
+                return isNumber && number >= 0 ? "" : "'" + text + "' is not a number of 0 or more";
+            },
+            ""));
 }
 
 ExitCode pollCycles(Connection& connection, const QVector<RegisterRange>& ranges, int cycles,

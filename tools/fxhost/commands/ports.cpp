@@ -13,7 +13,7 @@ void showPorts(const OutputOptions& output)
 {
     const QVector<PortInfo> ports = serialPorts();
     if (ports.isEmpty() && output.mode == OutputMode::People) {
-        complain(QStringLiteral("no serial ports; is the adapter plugged in?"));
+        Console().line(QStringLiteral("  no serial ports; is the adapter plugged in?"));
         return;
     }
     Records records(output, {{"port"}, {"adapter"}, {"used by"}});

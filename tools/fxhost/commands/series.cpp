@@ -21,7 +21,7 @@ struct SeriesOptions
 
 ExitCode runSeries(const CommonOptions& common, const SeriesOptions& options)
 {
-    if (options.step < fxStepOf32Bits || options.step == 0)  // which the driver takes as 1
+    if (options.step == 0)  // which the driver takes as 1
         throw Failure(ExitCode::Usage,
                       QStringLiteral("invalid --step %1: use 1 or more, or -2 for 32-bit values")
                           .arg(options.step));
@@ -63,7 +63,8 @@ void addSeriesCommand(CLI::App& app, const CommonOptions& common, Action& action
         ->add_option(
             "--step", options->step,
             "Distance between copies (default: 1); -2 for 32-bit values: two words or one counter")
-        ->type_name("N");
+        ->type_name("N")
+        ->check(within({fxStepOf32Bits, fxMaxElements}));
     addExamples(*command, {"fxhost series Y6 -c 5", "fxhost series D100 -c 4 --step 10"});
     onRun(*command, action, [&common, options] { return runSeries(common, *options); });
 }
