@@ -6,6 +6,7 @@
 #include "tests/tools/support/programs.h"
 
 #include <QDir>
+#include <QRegularExpression>
 
 #include <gtest/gtest.h>
 
@@ -154,4 +155,24 @@ TEST(ConfigurationFile, ThatIsMissingIsNamed)
     const Ended ended = fxhost({"--config", "/no/such.toml", "--plc", "a", "read", "D0"});
     EXPECT_EQ(ended.code, 7);
     EXPECT_EQ(ended.err, "fxhost: /no/such.toml: No such file or directory\n");
+}
+
+// In the README, where shells make it, and in the manual.
+TEST(ConfigurationFile, ExamplesAreRight)
+{
+    static const QRegularExpression example(
+        R"((?:```toml|<<END|\.nf)\n((?:default|\[plc\.)[^`]*?)(?:```|END|\.fi)\n)");
+    static const QRegularExpression name(R"(\[plc\.(\w+)\])");
+    for (const char* const document : {FX_README, FX_TUTORIAL, FXHOST_MANUAL}) {
+        const QString text = QString::fromUtf8(contentOf(document)).replace("\\-", "-");
+        const QString content = example.match(text).captured(1);
+        const QTemporaryDir folder;
+        const QString file = newFile(folder, "plcs.toml", content.toUtf8());
+        auto names = name.globalMatch(content);
+        EXPECT_TRUE(names.hasNext()) << document;
+        while (names.hasNext()) {
+            const QString plc = names.next().captured(1);
+            EXPECT_EQ(fxhost({"--config", file, "--plc", plc, "types", "-q"}).err, "") << document;
+        }
+    }
 }
