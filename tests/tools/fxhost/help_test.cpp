@@ -10,6 +10,8 @@
 
 #include <QRegularExpression>
 
+#include <deque>
+
 using namespace tool_tests;
 
 namespace {
@@ -18,7 +20,7 @@ QStringList commandNames()
 {
     static const QRegularExpression row(QStringLiteral("^  ([a-z]+)  "),
                                         QRegularExpression::MultilineOption);
-    const QString help = QString::fromStdString(fxhost({"--help"}).out);
+    static const QString help = QString::fromStdString(fxhost({"--help"}).out);
     auto rows = row.globalMatch(help.section("\nCommands:", 1).section("\nExamples:", 0, 0));
     QStringList names;
     while (rows.hasNext())
@@ -26,15 +28,26 @@ QStringList commandNames()
     return names;
 }
 
-// The help of the program and of every command.
+// Of the program, and of each command with the commands within it.
+const QStringList& helpTexts()
+{
+    static const QStringList all = [] {
+        QStringList texts = {QString::fromStdString(fxhost({"--help"}).out)};
+        for (const QString& name : commandNames()) {
+            texts += QString::fromStdString(fxhost({name, "--help"}).out);
+            if (name == QLatin1String("recipe")) {
+                for (const char* const inner : {"download", "upload"})
+                    texts.last() += QString::fromStdString(fxhost({name, inner, "--help"}).out);
+            }
+        }
+        return texts;
+    }();
+    return all;
+}
+
 QString wholeHelp()
 {
-    QString help = QString::fromStdString(fxhost({"--help"}).out);
-    for (const QString& name : commandNames())
-        help += QString::fromStdString(fxhost({name, "--help"}).out);
-    for (const char* direction : {"download", "upload"})
-        help += QString::fromStdString(fxhost({"recipe", direction, "--help"}).out);
-    return help;
+    return helpTexts().join('\n');
 }
 
 // "-o" and "--timeout" of a line "  -o,--timeout MS    ...".
@@ -74,32 +87,46 @@ bool names(const QString& text, const QString& option)
     return whole.match(text).hasMatch();
 }
 
-// As a shell runs it, in a folder where examples find what earlier ones wrote.
-Ended runInShell(const QString& line, const QTemporaryDir& folder)
+// Lines as a shell runs them, in a folder where examples find what earlier ones wrote.
+class RunningShell
 {
-    QProcess shell;
-    shell.setProcessEnvironment(hostEnvironment());
-    shell.setWorkingDirectory(folder.path());
-    const QString function = QStringLiteral("fxhost() { \"%1\" \"$@\"; }\n").arg(FXHOST_FILE);
-    shell.start("/bin/bash", {"-c", function + line});
-    Ended ended;
-    if (shell.waitForFinished())
-        ended.code = shell.exitCode();
-    else
-        shell.kill();
-    ended.out = shell.readAllStandardOutput().toStdString();
-    ended.err = shell.readAllStandardError().toStdString();
-    return ended;
-}
+public:
+    explicit RunningShell(const QString& lines)
+    {
+        m_shell.setProcessEnvironment(hostEnvironment());
+        m_shell.setWorkingDirectory(m_folder.path());
+        const QString function = QStringLiteral("fxhost() { \"%1\" \"$@\"; }\n").arg(FXHOST_FILE);
+        m_shell.start("/bin/bash", {"-c", function + lines});
+    }
 
-void expectExamplesRun(const QStringList& examples)
+    Ended end()
+    {
+        Ended ended;
+        if (m_shell.waitForFinished())
+            ended.code = m_shell.exitCode();
+        else
+            m_shell.kill();
+        ended.out = m_shell.readAllStandardOutput().toStdString();
+        ended.err = m_shell.readAllStandardError().toStdString();
+        return ended;
+    }
+
+private:
+    QTemporaryDir m_folder;
+    QProcess m_shell;
+};
+
+// Those of one text one after the other, the texts side by side.
+void expectExamplesRun(const QStringList& texts)
 {
-    const QTemporaryDir folder;
-    for (const QString& example : examples) {
-        if (example.startsWith("fxhost demo"))
-            continue;  // half a minute; it has tests of its own
-        const Ended ended = runInShell(example, folder);
-        EXPECT_EQ(ended.code, 0) << example.toStdString() << "\n" << ended.err;
+    std::deque<RunningShell> shells;
+    for (const QString& text : texts) {
+        QStringList examples = examplesIn(text).filter(QRegularExpression("^(?!fxhost demo)"));
+        shells.emplace_back("set -ex\n" + examples.join('\n'));  // the demo has tests of its own
+    }
+    for (RunningShell& shell : shells) {
+        const Ended ended = shell.end();
+        EXPECT_EQ(ended.code, 0) << ended.err;
     }
 }
 
@@ -146,13 +173,12 @@ namespace {
 // What the shell offers behind `line`.
 QStringList completed(const QString& line)
 {
-    const QTemporaryDir folder;
-    newFile(folder, "plcs.toml", "[plc.press1]\nlink = 'sim:'\n[plc.press2]\nlink = 'sim:'\n");
     const QString script =
-        QStringLiteral("source %1; COMP_LINE='%2'; COMP_POINT=${#COMP_LINE}; _fxhost; "
+        QStringLiteral("printf '[plc.press%s]\\nlink = \"sim:\"\\n' 1 2 >plcs.toml; source %1; "
+                       "COMP_LINE='%2'; COMP_POINT=${#COMP_LINE}; _fxhost; "
                        "printf '%s\\n' \"${COMPREPLY[@]}\"")
             .arg(FXHOST_COMPLETION, line);
-    return QString::fromStdString(runInShell(script, folder).out).split('\n', Qt::SkipEmptyParts);
+    return QString::fromStdString(RunningShell(script).end().out).split('\n', Qt::SkipEmptyParts);
 }
 
 }  // namespace
@@ -199,18 +225,15 @@ TEST(Help, ManualKnowsNoOptionThatIsNotThere)
 
 TEST(Help, EveryCommandHasExamplesAndTheyRun)
 {
-    for (const QString& name : commandNames()) {
-        const QString help = QString::fromStdString(fxhost({name, "--help"}).out) +
-                             QString::fromStdString(fxhost({name, "upload", "--help"}).out);
-        EXPECT_FALSE(examplesIn(help).isEmpty()) << name.toStdString();
-    }
-    expectExamplesRun(examplesIn(wholeHelp()));
+    for (const QString& help : helpTexts())
+        EXPECT_FALSE(examplesIn(help).isEmpty()) << help.toStdString();
+    expectExamplesRun(helpTexts());
 }
 
 TEST(Help, ExamplesOfTheManualRun)
 {
     const QString manual = manualPage();
-    const QStringList examples = examplesIn(manual.mid(manual.indexOf(".SH EXAMPLES")));
-    EXPECT_GT(examples.size(), 5);
-    expectExamplesRun(examples);
+    const QString examples = manual.mid(manual.indexOf(".SH EXAMPLES"));
+    EXPECT_GT(examplesIn(examples).size(), 5);
+    expectExamplesRun({examples});
 }
