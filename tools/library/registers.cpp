@@ -213,6 +213,19 @@ std::optional<Alias> RegisterCatalogue::aliasIn(const RegisterRange& range) cons
     return first;
 }
 
+QString RegisterRange::readElsewhereText() const
+{
+    if (type.isBit() || type.readBase == type.writeBase)
+        return {};
+    return QStringLiteral("%1 is written at %2 on the wire, but read at %3")
+        .arg(nameOf(0), wireText(type.writeAddress(first)), wireText(type.readAddress(first)));
+}
+
+QString wireText(int address)
+{
+    return "0x" + QString::number(address, 16).toUpper().rightJustified(4, '0');
+}
+
 QString Alias::text() const
 {
     if (asked.type.readAddress(asked.first) == hit.type.readAddress(hit.first))

@@ -61,7 +61,14 @@ struct RegisterRange
     QString nameOf(int index) const;    // as asked: "D100"; "2#D100" if the station is not 1
     QString identity(int index) const;  // the same for D8000 and SD8000, whichever was asked for
     QString text() const;               // "D100" or "D100:32"
+
+    // Why a read does not show what was written: "SD8000 is written at 0x0F00 on the wire, but read
+    // at 0x0E00". Empty if it does.
+    QString readElsewhereText() const;
 };
+
+// An address on the wire: "0x0E00".
+QString wireText(int address);
 
 // Registers that a write would hit instead of others, because their addresses on the wire are the
 // same: those of the type whose addresses begin there are meant.

@@ -3,8 +3,8 @@
 //
 // Nothing is written that was not asked for: seen in the memory of the PLC itself.
 
+#include "tests/tools/fxhost/host_terminal.h"
 #include "tests/tools/support/programs.h"
-#include "tests/tools/support/terminal.h"
 
 #include <gtest/gtest.h>
 
@@ -59,6 +59,34 @@ TEST_F(SafeWriting, MemoryOfOthersIsLeftAloneWithoutForce)
     EXPECT_EQ(plc.command("peek 0x1090 2"), "1090: 00 00\n");
     EXPECT_EQ(run({"write", "D8200=99", "--force", "--no-verify", "-q"}).code, 0);
     EXPECT_EQ(plc.command("peek 0x1090 2"), "1090: 63 00\n");
+}
+
+TEST_F(SafeWriting, RegistersThatAreReadElsewhereSaySo)
+{
+    const std::string reason = "D8010 is written at 0x0F14 on the wire, but read at 0x0E14";
+    const Ended written = run({"write", "D8010=77", "-q"});
+    EXPECT_EQ(written.code, 1);
+    EXPECT_TRUE(holds(written.out, reason)) << written.out;
+    const QString file = newFile(folder, "special.csv", "D8010,78\n");
+    EXPECT_TRUE(holds(run({"restore", file, "--yes", "-q"}).err, reason));
+    EXPECT_TRUE(holds(run({"recipe", "download", file, "-q"}).err, reason));
+}
+
+TEST_F(SafeWriting, ADownloadedRecipeIsReadBack)
+{
+    // What is written to D2 shows at D0 too.
+    const RunningSimulator mirroring(
+        Road::Tcp, {"--baud", "0", "--program", "none", "--mirror", "0x1004:0x1000:2"});
+    const QStringList command = {"--link", mirroring.link(), "recipe", "download",
+                                 newFile(folder, "recipe.csv", "D0,5\nD1,6\nD2,7\n")};
+    const Ended ended = fxhost(command);
+    EXPECT_EQ(ended.code, 1);
+    EXPECT_TRUE(holds(ended.out, "  3 registers written to the PLC and read back\n")) << ended.out;
+    EXPECT_EQ(ended.err, "fxhost: written, but read back with another value: D0; does the program "
+                         "in the PLC write there?\n");
+    const Ended unverified = fxhost(command + QStringList("--no-verify"));
+    EXPECT_EQ(unverified.code, 0);
+    EXPECT_TRUE(holds(unverified.out, "  3 registers written to the PLC\n")) << unverified.out;
 }
 
 TEST_F(SafeWriting, CompareShowsWhatDiffers)

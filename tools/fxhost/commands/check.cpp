@@ -28,21 +28,16 @@ QString meaningOf(const AskedAddress& asked, const RegisterCatalogue& catalogue)
     return meaning;
 }
 
-QString hex(int address)
-{
-    return QStringLiteral("0x%1").arg(address, 4, 16, QLatin1Char('0')).toUpper().replace('X', 'x');
-}
-
 // Returns whether the address is valid.
 bool check(const QString& text, const RegisterCatalogue& catalogue, Records& records)
 {
     try {
         const AskedAddress asked = askedAddress(takeApart(text), catalogue);
         const RegisterType& type = asked.range.type;
-        const QJsonValue write = type.writable ? hex(type.writeAddress(asked.range.first))
+        const QJsonValue write = type.writable ? wireText(type.writeAddress(asked.range.first))
                                                : QJsonValue(QJsonValue::Undefined);
         records.add({text, true, meaningOf(asked, catalogue),
-                     hex(type.readAddress(asked.range.first)), write});
+                     wireText(type.readAddress(asked.range.first)), write});
         return true;
     } catch (const Failure& failure) {
         records.add({text, false, failure.text()});

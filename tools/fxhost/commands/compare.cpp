@@ -13,12 +13,8 @@ ExitCode runCompare(const CommonOptions& common, const std::string& file)
 {
     Connection connection(common);
     const QString path = QString::fromStdString(file);
-    const QVector<RegisterRun> runs =
-        readRegisterFile(path, connection.catalogue(),
-                         connection.session().settings().wordsPerFrame / 2)
-            .runs;
-    const Comparison comparison =
-        compareWithPlc(connection, runs, lateProgressOf(common.output, "compare"));
+    const Comparison comparison = compareWithPlc(connection, registersOf(path, connection).runs,
+                                                 lateProgressOf(common.output, "compare"));
     if (comparison.problem) {
         complain(path + ": not compared to the end: " + verdictText(*comparison.problem));
         return exitCodeOf(*comparison.problem);

@@ -4,6 +4,7 @@
 #include "tools/fxhost/commands/file_comparison.h"
 
 #include "tools/exchange/poller.h"
+#include "tools/library/assignments.h"
 #include "tools/library/values.h"
 
 #include <algorithm>
@@ -40,9 +41,17 @@ bool isNext(const RegisterRange& range, const RegisterRange& one)
 
 int Comparison::different() const
 {
-    return static_cast<int>(
-        std::count_if(registers.begin(), registers.end(),
-                      [](const ComparedRegister& one) { return one.differs(); }));
+    return namesOfDifferent().size();
+}
+
+QStringList Comparison::namesOfDifferent() const
+{
+    QStringList names;
+    for (const ComparedRegister& one : registers) {
+        if (one.differs())
+            names += one.one.nameOf(0);
+    }
+    return names;
 }
 
 int Comparison::refused() const
@@ -50,6 +59,11 @@ int Comparison::refused() const
     return static_cast<int>(
         std::count_if(registers.begin(), registers.end(),
                       [](const ComparedRegister& one) { return one.isRefused; }));
+}
+
+std::optional<ReplyVerdict> Comparison::firstProblem() const
+{
+    return problem || refused() == 0 ? problem : ReplyVerdict::Refused;
 }
 
 QVector<RegisterRun> Comparison::changes(int mostRegisters) const
@@ -67,6 +81,23 @@ QVector<RegisterRun> Comparison::changes(int mostRegisters) const
         runs.last().values.append(one.inFile);
     }
     return runs;
+}
+
+RegisterFile registersOf(const QString& path, const Connection& connection)
+{
+    const int wordsPerFrame = connection.session().settings().wordsPerFrame;
+    return readRegisterFile(path, connection.catalogue(), wordsPerFrame / 2);
+}
+
+RegisterFile writableRegistersOf(const QString& path, const Connection& connection, bool force)
+{
+    RegisterFile file = registersOf(path, connection);
+    checkWritable(path, file.runs);
+    for (const RegisterRun& run : file.runs) {
+        if (!force)
+            requireOwnMemory(run.range, connection.catalogue());
+    }
+    return file;
 }
 
 Comparison compareWithPlc(Connection& connection, const QVector<RegisterRun>& runs,

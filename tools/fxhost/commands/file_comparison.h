@@ -27,11 +27,19 @@ struct Comparison
     std::optional<ReplyVerdict> problem;  // why it ended early
 
     int different() const;
+    QStringList namesOfDifferent() const;
     int refused() const;
+    std::optional<ReplyVerdict> firstProblem() const;  // also of a refused register
 
     // The registers that differ, neighbours of one run of the file together.
     QVector<RegisterRun> changes(int mostRegisters) const;
 };
+
+// The registers of a file, in runs that fit a frame. Throws Failure.
+RegisterFile registersOf(const QString& path, const Connection& connection);
+
+// The same for a write: all of them writable and, without `force`, none on an address of others.
+RegisterFile writableRegistersOf(const QString& path, const Connection& connection, bool force);
 
 Comparison compareWithPlc(Connection& connection, const QVector<RegisterRun>& runs,
                           const Progress& progress);

@@ -5,15 +5,22 @@
 
 #include "tools/exchange/recipe_transfer.h"
 #include "tools/fxhost/commands/address_options.h"
+#include "tools/fxhost/commands/file_comparison.h"
 #include "tools/fxhost/commands/file_options.h"
-#include "tools/fxhost/commands/poll_result.h"
-#include "tools/fxhost/commands/progress.h"
-#include "tools/library/assignments.h"
-#include "tools/library/register_file.h"
+#include "tools/fxhost/commands/write_report.h"
+
+#include <QJsonArray>
 
 namespace fxtools {
 
 namespace {
+
+struct DownloadOptions
+{
+    std::string file;
+    bool force = false;
+    bool verify = true;
+};
 
 struct UploadOptions
 {
@@ -46,7 +53,8 @@ QString stoppedText(const RecipeOutcome& outcome, RecipeDirection direction,
 }
 
 ExitCode finish(const OutputOptions& output, RecipeDirection direction,
-                const RecipeOutcome& outcome, const QVector<RegisterRange>& entries)
+                const RecipeOutcome& outcome, const QVector<RegisterRange>& entries,
+                const std::optional<Comparison>& readBack = {})
 {
     if (!outcome.isGood()) {
         complain(stoppedText(outcome, direction, entries));
@@ -57,9 +65,15 @@ ExitCode finish(const OutputOptions& output, RecipeDirection direction,
         registers += entry.count;
     const QString what =
         direction == RecipeDirection::Download ? "written to the PLC" : "read from the PLC";
-    showResult(output, "  " + counted(registers, "register") + ' ' + what,
-               {{"entries", outcome.entries}, {"registers", registers}});
-    return ExitCode::Good;
+    QVector<QPair<QString, QJsonValue>> fields = {{"entries", outcome.entries},
+                                                  {"registers", registers}};
+    if (readBack)
+        fields.append({"different", QJsonArray::fromStringList(readBack->namesOfDifferent())});
+    showResult(output,
+               "  " + counted(registers, "register") + ' ' + what +
+                   (readBack ? " and read back" : ""),
+               fields);
+    return readBack && readBack->different() > 0 ? ExitCode::SomeFailed : ExitCode::Good;
 }
 
 int wordsPerRegister(const RegisterRange& range)
@@ -85,28 +99,31 @@ void load(const QVector<RegisterRun>& runs, std::vector<quint16>& memory)
     }
 }
 
-ExitCode runDownload(const CommonOptions& common, const std::string& file, bool force)
+ExitCode runDownload(const CommonOptions& common, const DownloadOptions& options)
 {
     demandNamedLink(common);
     Connection connection(common);
-    const QString path = QString::fromStdString(file);
     const QVector<RegisterRun> runs =
-        readRegisterFile(path, connection.catalogue(),
-                         connection.session().settings().wordsPerFrame / 2)
-            .runs;
-    checkWritable(path, runs);
+        writableRegistersOf(QString::fromStdString(options.file), connection, options.force).runs;
     QVector<RegisterRange> entries;
     for (const RegisterRun& run : runs)
         entries.append(run.range);
     needWords(entries);
-    for (const RegisterRange& entry : entries) {
-        if (!force)
-            requireOwnMemory(entry, connection.catalogue());
-    }
     load(runs, connection.session().recipeWords());
     const RecipeOutcome outcome = transferRecipe(connection.loop(), RecipeDirection::Download,
                                                  entries, progressOf(common.output, "download"));
-    return finish(common.output, RecipeDirection::Download, outcome, entries);
+    if (!outcome.isGood() || !options.verify)
+        return finish(common.output, RecipeDirection::Download, outcome, entries);
+    const Comparison readBack =
+        compareWithPlc(connection, runs, lateProgressOf(common.output, "reading back"));
+    if (const std::optional<ReplyVerdict> problem = readBack.firstProblem()) {
+        complain("written, but could not be read back: " + verdictText(*problem));
+        return exitCodeOf(*problem);
+    }
+    const ExitCode code =
+        finish(common.output, RecipeDirection::Download, outcome, entries, readBack);
+    complainOfDifferent(readBack.namesOfDifferent(), runs);
+    return code;
 }
 
 QVector<RegisterRun> runsOf(const QVector<RegisterRange>& entries,
@@ -156,16 +173,16 @@ void addRecipeCommand(CLI::App& app, const CommonOptions& common, Action& action
         app.add_subcommand("recipe", "Transfer words with the driver's recipe transfer");
     command->require_subcommand(1);
 
-    const auto file = std::make_shared<std::string>();
+    const auto written = std::make_shared<DownloadOptions>();
     CLI::App* download =
         command->add_subcommand("download", "Write the registers of a file to the PLC");
-    download->add_option("file", *file, "CSV file with a line ADDRESS,VALUE for each register")
+    download
+        ->add_option("file", written->file, "CSV file with a line ADDRESS,VALUE for each register")
         ->type_name("")
         ->required();
     addExamples(*download, {"fxhost recipe upload recipe.csv D1000:64 32CV200:4",
                             "fxhost recipe download recipe.csv"});
-    const auto force = std::make_shared<bool>(false);
-    download->add_flag("--force", *force,
+    download->add_flag("--force", written->force,
                        "Write also to registers that share their address with others");
     addVerifyOption(*download, written->verify);
     onRun(*download, action, [&common, written] { return runDownload(common, *written); });

@@ -8,15 +8,12 @@
 #include "tools/fxhost/commands/file_comparison.h"
 #include "tools/fxhost/commands/write_report.h"
 #include "tools/fxhost/views/question.h"
-#include "tools/library/assignments.h"
 
 #include <QJsonArray>
 
 namespace fxtools {
 
 namespace {
-
-constexpr int mostNames = 8;  // of registers in one message
 
 struct RestoreOptions
 {
@@ -79,22 +76,10 @@ std::optional<Stop> restoreRun(Connection& connection, const RegisterRun& run, b
     return std::nullopt;
 }
 
-void complainOfDifferent(const QStringList& different)
-{
-    if (different.isEmpty())
-        return;
-    const int unnamed = different.size() - mostNames;
-    complain(
-        "written, but read back with another value: " + different.mid(0, mostNames).join(", ") +
-        (unnamed > 0 ? QStringLiteral(" and %1 more").arg(unnamed) : QString()) +
-        "; does the program in the PLC write there?");
-}
-
-ExitCode stopped(const RegisterRun& run, const Stop& stop, const QStringList& different)
+ExitCode stopped(const RegisterRun& run, const Stop& stop)
 {
     complain(QStringLiteral("%1: %2; continue with --from %3")
                  .arg(run.range.text(), stop.text, run.range.nameOf(0)));
-    complainOfDifferent(different);
     return exitCodeOf(stop.reason);
 }
 
@@ -112,25 +97,17 @@ ExitCode finished(const CommonOptions& common, const RestoreOptions& options, in
                 {"written", registers},
                 {"skipped", skipped},
                 {"different", QJsonArray::fromStringList(different)}});
-    complainOfDifferent(different);
     return different.isEmpty() && skipped == 0 ? ExitCode::Good : ExitCode::SomeFailed;
 }
 
 // Everything that can be said before the PLC is asked.
 RegisterFile checkedFile(const RestoreOptions& options, const Connection& connection)
 {
-    const QString path = QString::fromStdString(options.file);
-    const RegisterCatalogue& catalogue = connection.catalogue();
     RegisterFile file =
-        readRegisterFile(path, catalogue, connection.session().settings().wordsPerFrame / 2);
-    checkWritable(path, file.runs);
-    for (const RegisterRun& run : file.runs) {
-        if (!options.force)
-            requireOwnMemory(run.range, catalogue);
-    }
+        writableRegistersOf(QString::fromStdString(options.file), connection, options.force);
     if (!options.from.empty())
-        file.runs =
-            runsFrom(file.runs, parseAddress(QString::fromStdString(options.from), catalogue));
+        file.runs = runsFrom(
+            file.runs, parseAddress(QString::fromStdString(options.from), connection.catalogue()));
     return file;
 }
 
@@ -145,12 +122,17 @@ ExitCode writeChanges(Connection& connection, const CommonOptions& common,
         progress(done, runs.size());
         const std::optional<Stop> stop =
             restoreRun(connection, runs[done], options.verify, different);
-        if (stop)
-            return stopped(runs[done], *stop, different);
+        if (stop) {
+            const ExitCode code = stopped(runs[done], *stop);
+            complainOfDifferent(different, runs);
+            return code;
+        }
     }
     if (!runs.isEmpty())
         progress(runs.size(), runs.size());
-    return finished(common, options, comparison.different(), skipped, different);
+    const ExitCode code = finished(common, options, comparison.different(), skipped, different);
+    complainOfDifferent(different, runs);
+    return code;
 }
 
 ExitCode runRestore(const CommonOptions& common, const RestoreOptions& options)

@@ -148,9 +148,11 @@ Result Writer::verified(const Assignment& assignment, const QVector<quint32>& wa
     const ExitCode code = outcome.isGood() ? ExitCode::SomeFailed : exitCodeOf(*outcome.problem);
     const bool isOne = range.count == assignment.registersEach;
     return {written + ", but the PLC holds " +
-                (isOne ? valuesText(assignment, held) : differencesText(range, wanted, held)),
+                (isOne ? valuesText(assignment, held) : differencesText(range, wanted, held)) +
+                (elsewhere.isEmpty() ? QString() : "; " + elsewhere),
             code};
 }
+    const QString elsewhere = range.readElsewhereText();
 
 QString Writer::valuesText(const Assignment& assignment, const QVector<quint32>& registers) const
 {

@@ -4,6 +4,7 @@
 #include "tools/fxhost/commands/write_report.h"
 
 #include "tools/exchange/blocks.h"
+#include "tools/fxhost/views/console.h"
 #include "tools/library/values.h"
 
 namespace fxtools {
@@ -26,6 +27,13 @@ QStringList joined(const QVector<RegisterRange>& ranges)
     for (const RegisterRange& range : whole)
         texts += fromToText(range);
     return texts;
+}
+
+QString firstOf(const QStringList& texts)
+{
+    const int unnamed = texts.size() - mostNamed;
+    const QString named = texts.mid(0, mostNamed).join(QStringLiteral(", "));
+    return unnamed > 0 ? QStringLiteral("%1 and %2 more").arg(named).arg(unnamed) : named;
 }
 
 }  // namespace
@@ -63,9 +71,21 @@ QString differencesText(const RegisterRange& range, const QVector<quint32>& want
             texts +=
                 range.nameOf(index) + '=' + valueText(held[index], range.type, ValueFormat::Signed);
     }
-    const int unnamed = texts.size() - mostNamed;
-    const QString named = texts.mid(0, mostNamed).join(QStringLiteral(", "));
-    return unnamed > 0 ? QStringLiteral("%1 and %2 more").arg(named).arg(unnamed) : named;
+    return firstOf(texts);
+}
+
+void complainOfDifferent(const QStringList& names, const QVector<RegisterRun>& runs)
+{
+    if (names.isEmpty())
+        return;
+    QString reason;
+    for (const RegisterRun& run : runs) {
+        if (reason.isEmpty())
+            reason = run.range.readElsewhereText();
+    }
+    if (reason.isEmpty())
+        reason = QStringLiteral("does the program in the PLC write there?");
+    complain("written, but read back with another value: " + firstOf(names) + "; " + reason);
 }
 
 }  // namespace fxtools
