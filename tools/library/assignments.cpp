@@ -69,7 +69,7 @@ QVector<quint32> Assignment::valuesOver(const QVector<quint32>& before) const
     if (!asked.bit)
         return values;
     const quint32 mask = quint32(1) << *asked.bit;
-    return {values[0] ? before[0] | mask : before[0] & ~mask};
+    return {values[0] ? before.value(0) | mask : before.value(0) & ~mask};
 }
 
 Assignment assignmentOf(const AddressParts& address, const QString& values,

@@ -23,7 +23,7 @@ struct Assignment
     QString written;          // the values as the user wrote them
     int registersEach = 1;    // of one value
 
-    // What the registers will hold that hold `before` now.
+    // What the registers will hold that hold `before` now; empty: nothing is known of them.
     QVector<quint32> valuesOver(const QVector<quint32>& before) const;
 };
 

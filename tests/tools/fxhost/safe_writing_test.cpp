@@ -89,6 +89,18 @@ TEST_F(SafeWriting, ADownloadedRecipeIsReadBack)
     EXPECT_TRUE(holds(unverified.out, "  3 registers written to the PLC\n")) << unverified.out;
 }
 
+TEST_F(SafeWriting, ProgramsGetValuesAsReadHasThem)
+{
+    const Ended ended = run({"write", "D0:2=5,-6", "D100.5=1", "D7=0x1F", "--json"});
+    for (const char* const part :
+         {R"("old":[0,0],"new":[5,-6],)", R"("old":0,"new":1,)", R"("old":0,"new":31,)"})
+        EXPECT_TRUE(holds(ended.out, part)) << ended.out;
+    const RunningSimulator silent(Road::Tcp, {"--baud", "0", "--faults", "silence=1"});
+    const Ended unread = fxhost(
+        {"--link", silent.link(), "-o", "20", "--retries", "0", "write", "D100.5=1", "--json"});
+    EXPECT_TRUE(holds(unread.out, R"("type":"D","new":1,"result")")) << unread.out;
+}
+
 TEST_F(SafeWriting, CompareShowsWhatDiffers)
 {
     const QString file = threeWords();

@@ -10,6 +10,8 @@
 #include "tools/library/assignments.h"
 #include "tools/quoted.h"
 
+#include <QJsonArray>
+
 namespace fxtools {
 
 namespace {
@@ -71,8 +73,7 @@ class Writer
 {
 public:
     Writer(Connection& connection, const WriteOptions& options, const OutputOptions& output)
-        : m_connection(connection), m_options(options),
-          m_forPeople(output.mode == OutputMode::People),
+        : m_connection(connection), m_options(options), m_mode(output.mode),
           m_records(output,
                     {{"address"}, {"type", Align::Left, true}, {"old"}, {"new"}, {"result"}})
     {}
@@ -86,12 +87,15 @@ private:
     Result resultOf(const Assignment& assignment, QVector<quint32>& before);
     Result verified(const Assignment& assignment, const QVector<quint32>& wanted,
                     const WriteOutcome& outcome);
+    QJsonArray valuesOf(const Assignment& assignment, const QVector<quint32>& registers) const;
     QString valuesText(const Assignment& assignment, const QVector<quint32>& registers) const;
+    QJsonValue shown(const Assignment& assignment, const QVector<quint32>& registers,
+                     const QString& text) const;
     void report(const Assignment& assignment, const QVector<quint32>& before, const Result& result);
 
     Connection& m_connection;
     const WriteOptions& m_options;
-    bool m_forPeople;
+    OutputMode m_mode;
     Records m_records;
     int m_good = 0;
     std::optional<ExitCode> m_firstFailure;
@@ -147,21 +151,38 @@ Result Writer::verified(const Assignment& assignment, const QVector<quint32>& wa
                     : "verified, although not acknowledged: " + verdictText(*outcome.problem)};
     const ExitCode code = outcome.isGood() ? ExitCode::SomeFailed : exitCodeOf(*outcome.problem);
     const bool isOne = range.count == assignment.registersEach;
+    const QString elsewhere = range.readElsewhereText();
     return {written + ", but the PLC holds " +
                 (isOne ? valuesText(assignment, held) : differencesText(range, wanted, held)) +
                 (elsewhere.isEmpty() ? QString() : "; " + elsewhere),
             code};
 }
-    const QString elsewhere = range.readElsewhereText();
+
+QJsonArray Writer::valuesOf(const Assignment& assignment, const QVector<quint32>& registers) const
+{
+    QJsonArray values;
+    for (int index = 0; index < registers.size(); index += assignment.registersEach)
+        values.append(valueOf(registers.mid(index, assignment.registersEach), assignment.asked,
+                              m_options.style));
+    return values;
+}
 
 QString Writer::valuesText(const Assignment& assignment, const QVector<quint32>& registers) const
 {
     QStringList texts;
-    for (int index = 0; index < registers.size(); index += assignment.registersEach) {
-        const QVector<quint32> one = registers.mid(index, assignment.registersEach);
-        texts += valueOf(one, assignment.asked, m_options.style).toVariant().toString();
-    }
+    for (const QVariant& value : valuesOf(assignment, registers).toVariantList())
+        texts += value.toString();
     return texts.join(',');
+}
+
+// For programs as `read` has it: a value, or an array of them.
+QJsonValue Writer::shown(const Assignment& assignment, const QVector<quint32>& registers,
+                         const QString& text) const
+{
+    if (m_mode != OutputMode::Json)
+        return m_mode == OutputMode::People ? clipped(text, widestValues) : text;
+    const QJsonArray values = valuesOf(assignment, registers);
+    return values.size() == 1 ? values[0] : QJsonValue(values);
 }
 
 void Writer::skip(const Assignment& assignment)
@@ -172,13 +193,11 @@ void Writer::skip(const Assignment& assignment)
 void Writer::report(const Assignment& assignment, const QVector<quint32>& before,
                     const Result& result)
 {
-    const QString old = valuesText(assignment, before);
-    const auto shown = [this](const QString& text) {
-        return m_forPeople ? clipped(text, widestValues) : text;
-    };
+    const QVector<quint32> wanted = assignment.valuesOver(before);
     m_records.add({assignment.asked.text(), assignment.asked.range.type.name,
-                   before.isEmpty() ? QJsonValue(QJsonValue::Undefined) : shown(old),
-                   shown(assignment.written), result.text});
+                   before.isEmpty() ? QJsonValue(QJsonValue::Undefined)
+                                    : shown(assignment, before, valuesText(assignment, before)),
+                   shown(assignment, wanted, assignment.written), result.text});
     if (result.code == ExitCode::Good)
         ++m_good;
     else if (!m_firstFailure || result.code == ExitCode::Interrupted)
