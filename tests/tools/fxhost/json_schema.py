@@ -4,10 +4,11 @@
 #
 # usage: json_schema.py FXHOST DRIVER SCHEMA
 # Runs every command that prints JSON and compares the output with the documented schema: the types of
-# members, their order, and that none is unknown or never printed.
+# members, their order, and that none is unknown or never printed. Every command has its entry.
 
 import json
 import os
+import re
 import subprocess
 import sys
 import tempfile
@@ -24,11 +25,15 @@ COMMANDS = [
     ("read", "read D0 --link sim:?faults=nak=1"),
     ("read", "read D20 --as float"),
     ("watch", "watch D0:2 M0 -n 2 -l 1"),
-    ("write", "write D100=5 M100=on"),
+    ("write", "write D100:2=5,-6 M100=on D102.3=1 K2M0=7"),
     ("monitor", "monitor D0:2"),
     ("stats", "stats D0:4 -n 2"),
     ("doctor", "doctor"),
     ("dump", "dump plc.csv D100:4"),
+    ("backup", "backup backup.csv"),
+    ("compare", "compare other.csv"),
+    ("compare", "compare other.csv --link sim:?faults=nak=1"),
+    ("compare", "restore other.csv --dry-run"),
     ("restore", "restore plc.csv --yes"),
     ("recipe", "recipe upload recipe.csv D100:4"),
     ("recipe", "recipe download recipe.csv"),
@@ -38,6 +43,14 @@ COMMANDS = [
     ("log", "log D0:2 M0 -n 2 -l 1"),
     ("log", "log D0 -n 1 --link sim:?faults=nak=1"),
 ]
+
+WITHOUT_JSON = {"demo", "help"}
+
+
+def commands_of(fxhost):
+    """As the help lists them."""
+    text = subprocess.run([fxhost, "--help"], stdout=subprocess.PIPE, check=True).stdout.decode()
+    return set(re.findall(r"^  ([a-z]+)  ", text[text.index("\nCommands"):], re.MULTILINE)) - WITHOUT_JSON
 
 
 class Checker:
@@ -86,8 +99,12 @@ def main(fxhost, driver, schema_file):
     with open(schema_file, encoding="utf-8") as file:
         schema = json.load(file)
     checker = Checker(schema)
+    if missing := commands_of(fxhost) - set(schema["properties"]):
+        raise SystemExit(f"no entry in the schema for: {sorted(missing)}")
     environment = dict(os.environ, FX_DRIVER=driver, FX_LINK="sim:")
     with tempfile.TemporaryDirectory() as folder:
+        with open(os.path.join(folder, "other.csv"), "w", encoding="utf-8") as other:
+            other.write("D100,7\n")
         for name, line in COMMANDS:
             ended = subprocess.run([fxhost, "--json", "--timestamps", *line.split()], cwd=folder, env=environment,
                                    stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=False,
