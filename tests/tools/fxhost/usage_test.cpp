@@ -89,6 +89,8 @@ const Mistake mistakes[] = {
     {2, "read D0 -o 1", "--timeout: '1' is not a time from 10 ms to 60 s; see fxhost read --help"},
     {2, "log D0 --deadband -1",
      "--deadband: '-1' is not a number of 0 or more; see fxhost log --help"},
+    {2, "log D0 --rotate-size ten",
+     "--rotate-size: 'ten' is not a size; use 50000, 500k, 10M or 1G; see fxhost log --help"},
     {2, "series D0 --step x",
      "--step: 'x' is not a whole number from -2 to 65536; see fxhost series --help"},
     {2, "read -r 0 -c 0",

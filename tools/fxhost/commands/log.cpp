@@ -11,6 +11,8 @@
 #include "tools/fxhost/views/log_format.h"
 #include "tools/link/interrupt.h"
 
+#include <QRegularExpression>
+
 #include <csignal>
 
 namespace fxtools {
@@ -156,6 +158,19 @@ ExitCode runLog(const CommonOptions& common, const LogOptions& options)
     return code == ExitCode::Interrupted && wasAsked ? ExitCode::Good : code;
 }
 
+// "10M" becomes "10485760". Returns what is wrong.
+std::string inBytes(std::string& text)
+{
+    static const QRegularExpression form(QStringLiteral("^(\\d{1,9})([kMG]?)$"));
+    const QRegularExpressionMatch match = form.match(QString::fromStdString(text));
+    if (!match.hasMatch())
+        return "'" + text + "' is not a size; use 50000, 500k, 10M or 1G";
+    const qint64 number = match.captured(1).toLongLong();
+    const int unit = QStringLiteral("kMG").indexOf(match.captured(2)) + 1;
+    text = std::to_string(match.captured(2).isEmpty() ? number : number << 10 * unit);
+    return {};
+}
+
 void addLogFileOptions(CLI::App& command, LogOptions& options)
 {
     command.add_option("--output", options.file, "File to write (default: -, standard output)")
@@ -166,7 +181,7 @@ void addLogFileOptions(CLI::App& command, LogOptions& options)
         .add_option("--rotate-size", options.rotation.bytes,
                     "New file before one is larger than SIZE: 500k, 10M")
         ->type_name("SIZE")
-        ->transform(CLI::AsSizeValue(false).description(""));
+        ->transform(CLI::Validator(inBytes, ""));
     command
         .add_option("--rotate-every", options.rotation.periodMs,
                     "New file at each full TIME of the clock: 1h, 1d")
