@@ -64,6 +64,12 @@ TEST_F(SafeWriting, MemoryOfOthersIsLeftAloneWithoutForce)
 TEST_F(SafeWriting, RegistersThatAreReadElsewhereSaySo)
 {
     const std::string reason = "D8010 is written at 0x0F14 on the wire, but read at 0x0E14";
+    HostTerminal terminal({"--link", plc.link(), "write", "D8010=76"}, 60, 24);
+    EXPECT_EQ(terminal.waitForEnd(), 1);
+    EXPECT_TRUE(terminal.screen().lines().contains(
+        "    D8010 is written at 0x0F14 on the wire, but read at"))
+        << "broken at a blank:\n"
+        << terminal.screen().text().toStdString();
     const Ended written = run({"write", "D8010=77", "-q"});
     EXPECT_EQ(written.code, 1);
     EXPECT_TRUE(holds(written.out, reason)) << written.out;

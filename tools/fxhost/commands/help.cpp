@@ -22,12 +22,12 @@ constexpr int textColumn = 28;
 // "  -o, --timeout MS         what it does", wrapped.
 std::string row(const QString& names, const std::string& text)
 {
-    QString title = "  " + names;
-    if (title.size() >= textColumn - 1)
-        title += '\n' + QString(textColumn, ' ');
-    const QStringList lines = wrapped(QString::fromStdString(text), helpColumns - textColumn);
-    return (title.leftJustified(textColumn) + lines.join('\n' + QString(textColumn, ' ')) + '\n')
-        .toStdString();
+    const QString title = "  " + names;
+    const bool isLong = title.size() >= textColumn - 1;
+    const QString first = isLong ? QString(textColumn, ' ') : title.leftJustified(textColumn);
+    const QString lines =
+        wrapped(first + QString::fromStdString(text), helpColumns, textColumn).join('\n');
+    return ((isLong ? title + '\n' : QString()) + lines + '\n').toStdString();
 }
 
 QString upperName(const CLI::Option* positional)

@@ -130,9 +130,9 @@ void Console::lines(const QStringList& texts)
     flush();
 }
 
-void Console::paragraph(const QString& text)
+void Console::paragraph(const QString& text, int indent)
 {
-    lines(m_isTerminal ? wrapped(text, size().columns) : QStringList(text));
+    lines(m_isTerminal ? wrapped(text, size().columns, indent) : QStringList(text));
 }
 
 void Console::heading(const QString& text)

@@ -35,7 +35,7 @@ public:
 
     void line(const QString& text = {}) { lines({text}); }
     void lines(const QStringList& texts);
-    void paragraph(const QString& text);  // wrapped on a terminal, one line elsewhere
+    void paragraph(const QString& text, int indent = 0);  // wrapped if this is a terminal
     void heading(const QString& text);
 
     QString bold(const QString& text) const { return styled(text, "1"); }

@@ -12,6 +12,8 @@ namespace fxtools {
 
 namespace {
 
+constexpr int wrappedIndent = 4;  // of a row that is wider than the terminal
+
 QString textOf(const QJsonValue& value, OutputMode mode)
 {
     if (value.isBool() && mode == OutputMode::People)
@@ -155,7 +157,7 @@ void Records::showTable() const
         table.add(row);
     const QStringList lines = table.lines();
     for (int line = m_options.quiet ? 1 : 0; line < lines.size(); ++line)
-        Console().line(lines[line]);
+        Console().paragraph(lines[line], wrappedIndent);
 }
 
 void Records::showCsvLine(const QVector<QJsonValue>& values) const

@@ -49,7 +49,7 @@ QString clipped(const QString& text, int columns)
     return kept;
 }
 
-QStringList wrapped(const QString& text, int columns)
+QStringList wrapped(const QString& text, int columns, int indent)
 {
     QStringList lines;
     for (const QString& word : text.split(' ')) {
@@ -58,7 +58,7 @@ QStringList wrapped(const QString& text, int columns)
         if (fits)
             lines.last() += ' ' + word;
         else
-            lines += word;
+            lines += QString(lines.isEmpty() ? 0 : indent, ' ') + word;
     }
     return lines;
 }

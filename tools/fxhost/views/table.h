@@ -47,8 +47,9 @@ int visibleWidth(const QString& text);
 // At most `columns` wide; a text that was cut ends with "…".
 QString clipped(const QString& text, int columns);
 
-// The text in lines of at most `columns`, broken at blanks; only a longer word stands out.
-QStringList wrapped(const QString& text, int columns);
+// The text in lines of at most `columns`, broken at blanks; only a longer word stands out. Lines
+// after the first one are indented.
+QStringList wrapped(const QString& text, int columns, int indent = 0);
 
 // "1 register", "2 registers".
 QString counted(qint64 number, const char* noun);

@@ -58,6 +58,8 @@ TEST(Wrapped, BreaksAtBlanksAndKeepsALongerWordWhole)
     EXPECT_EQ(wrapped("one two three", 6), QStringList({"one", "two", "three"}));
     EXPECT_EQ(wrapped("a serial:/dev/ttyUSB0 b", 8),
               QStringList({"a", "serial:/dev/ttyUSB0", "b"}));
+    EXPECT_EQ(wrapped("  a  table of words", 8, 4),
+              QStringList({"  a ", "    table", "    of", "    words"}));
     EXPECT_EQ(wrapped("", 8), QStringList(""));
     EXPECT_EQ(wrapped("\x1b[1mone\x1b[0m two", 7).size(), 1) << "colours take no room";
 }
