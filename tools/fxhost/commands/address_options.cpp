@@ -30,8 +30,7 @@ void addAddressLetters(CLI::App& command, AddressOptions& options)
 
 void addAddressOptions(CLI::App& command, AddressOptions& options)
 {
-    command.add_option("address", options.addresses, "Addresses, such as D100:32, D0-D9 or X17")
-        ->type_name("");
+    command.add_option("address", options.addresses, "Addresses, such as D100:32, D0-D9 or X17");
     addAddressLetters(command, options);
 }
 

@@ -66,9 +66,7 @@ void addCheckCommand(CLI::App& app, const CommonOptions& common, Action& action)
     CLI::App* command =
         app.add_subcommand("check", "Print what addresses mean and where they lie on the wire");
     const auto addresses = std::make_shared<Addresses>();
-    command->add_option("address", *addresses, "Addresses, such as D100, X17 or M8000")
-        ->type_name("")
-        ->required();
+    command->add_option("address", *addresses, "Addresses, such as D100, X17 or M8000")->required();
     addExamples(*command, {"fxhost check D100 X17 M8000 2#TV5 CV200 D0-D9"});
     onRun(*command, action, [&common, addresses] { return runCheck(common, *addresses); });
 }

@@ -35,9 +35,7 @@ void addCompareCommand(CLI::App& app, const CommonOptions& common, Action& actio
     CLI::App* command =
         app.add_subcommand("compare", "Show where the PLC differs from a file of registers");
     const auto file = std::make_shared<std::string>();
-    command->add_option("file", *file, "CSV file written by dump or backup")
-        ->type_name("")
-        ->required();
+    command->add_option("file", *file, "CSV file written by dump or backup")->required();
     addExamples(*command, {"fxhost dump plc.csv D100:512 M64:64", "fxhost compare plc.csv"});
     onRun(*command, action, [&common, file] { return runCompare(common, *file); });
 }

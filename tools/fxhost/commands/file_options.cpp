@@ -7,9 +7,7 @@ namespace fxtools {
 
 void addFileOptions(CLI::App& command, FileOptions& options)
 {
-    command.add_option("file", options.file, "File to write; - is standard output")
-        ->type_name("")
-        ->required();
+    command.add_option("file", options.file, "File to write; - is standard output")->required();
     command.add_flag("--force", options.force, "Replace an existing file");
 }
 

@@ -165,8 +165,7 @@ void addHelpCommand(CLI::App& app, const CommonOptions& /*common*/, Action& acti
 {
     CLI::App* command = app.add_subcommand("help", "Print the help of fxhost or of a command");
     const auto names = std::make_shared<std::vector<std::string>>();
-    command->add_option("command", *names, "The command, such as read or recipe upload")
-        ->type_name("");
+    command->add_option("command", *names, "The command, such as read or recipe upload");
     addExamples(*command, {"fxhost help", "fxhost help read"});
     onRun(*command, action, [&app, names] {
         printHelp(app, *names);

@@ -178,7 +178,6 @@ void addRecipeCommand(CLI::App& app, const CommonOptions& common, Action& action
         command->add_subcommand("download", "Write the registers of a file to the PLC");
     download
         ->add_option("file", written->file, "CSV file with a line ADDRESS,VALUE for each register")
-        ->type_name("")
         ->required();
     addExamples(*download, {"fxhost recipe upload recipe.csv D1000:64 32CV200:4",
                             "fxhost recipe download recipe.csv"});

@@ -139,7 +139,7 @@ void addReplayCommand(CLI::App& app, const CommonOptions& common, Action& action
     CLI::App* command =
         app.add_subcommand("replay", "Run a recording through the driver again and compare");
     const auto file = std::make_shared<std::string>();
-    command->add_option("file", *file, "File written by record")->type_name("")->required();
+    command->add_option("file", *file, "File written by record")->required();
     addExamples(*command,
                 {"fxhost record session.jsonl D0:64 X0:8 -n 20", "fxhost replay session.jsonl"});
     onRun(*command, action, [&common, file] { return runReplay(common, *file); });

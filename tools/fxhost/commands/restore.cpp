@@ -170,9 +170,7 @@ void addRestoreCommand(CLI::App& app, const CommonOptions& common, Action& actio
     CLI::App* command =
         app.add_subcommand("restore", "Write the registers of a file and read them back");
     const auto options = std::make_shared<RestoreOptions>();
-    command->add_option("file", options->file, "CSV file written by dump or backup")
-        ->type_name("")
-        ->required();
+    command->add_option("file", options->file, "CSV file written by dump or backup")->required();
     command->add_option("--from", options->from, "Start with this register of the file")
         ->type_name("ADDRESS");
     command->add_flag("--dry-run", options->dryRun, "Show what would change, and write nothing");

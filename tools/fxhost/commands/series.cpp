@@ -53,9 +53,7 @@ void addSeriesCommand(CLI::App& app, const CommonOptions& common, Action& action
     CLI::App* command =
         app.add_subcommand("series", "Print the addresses for copies of a screen object");
     const auto options = std::make_shared<SeriesOptions>();
-    command->add_option("address", options->address, "Address of the first copy")
-        ->type_name("")
-        ->required();
+    command->add_option("address", options->address, "Address of the first copy")->required();
     command->add_option("-c,--count", options->copies, "Number of copies (default: 10)")
         ->type_name("N")
         ->check(within({1, mostCopies}));

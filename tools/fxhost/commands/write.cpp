@@ -239,7 +239,6 @@ void addWriteCommand(CLI::App& app, const CommonOptions& common, Action& action)
     command
         ->add_option("assignment", options->assignments,
                      "ADDRESS=VALUE or ADDRESS:N=VALUE,VALUE...; with -r only values")
-        ->type_name("")
         ->required();
     addAddressLetters(*command, options->address);
     addFormatOption(*command, options->style);
