@@ -106,6 +106,14 @@ QString rejectionLine(const Statistics& statistics)
            (causes.isEmpty() ? QStringLiteral("none") : causes.join(QStringLiteral(", ")));
 }
 
+// "median 25 ms, 95 % in 31 ms, longest 210 ms"
+QString timesText(const Histogram& times)
+{
+    return QStringLiteral("median %1 ms, 95 % in %2 ms, longest %3 ms")
+        .arg(milliseconds(times.percentileUs(50)), milliseconds(times.percentileUs(95)),
+             milliseconds(times.largestUs()));
+}
+
 void addPercentiles(JsonFields& fields, const QString& name, const Histogram& times)
 {
     for (const int percent : {50, 95, 99})
@@ -240,11 +248,7 @@ QStringList statisticsLines(const Statistics& statistics, qint64 elapsedUs)
                  .arg(statistics.bytesThrownAway)
                  .arg(statistics.enquiriesSent)
                  .arg(statistics.enquiriesAnswered);
-    lines += QStringLiteral("  response time: p50 %1 ms, p95 %2 ms, p99 %3 ms, longest %4 ms")
-                 .arg(milliseconds(statistics.responses.percentileUs(50)),
-                      milliseconds(statistics.responses.percentileUs(95)),
-                      milliseconds(statistics.responses.percentileUs(99)),
-                      milliseconds(statistics.responses.largestUs()));
+    lines += "  response time: " + timesText(statistics.responses);
     lines += QStringLiteral("  time: %1 s; line in use: %2 %")
                  .arg(static_cast<double>(elapsedUs) / 1e6, 0, 'f', 1)
                  .arg(percentOf(statistics.busyUs, elapsedUs), 0, 'f', 0);
@@ -254,10 +258,7 @@ QStringList statisticsLines(const Statistics& statistics, qint64 elapsedUs)
 QStringList lineReportLines(const LineReport& report)
 {
     QStringList lines = statisticsLines(report.statistics, report.elapsedUs);
-    lines += QStringLiteral("  cycle time: p50 %1 ms, p95 %2 ms, longest %3 ms")
-                 .arg(milliseconds(report.cycleTimes.percentileUs(50)),
-                      milliseconds(report.cycleTimes.percentileUs(95)),
-                      milliseconds(report.cycleTimes.largestUs()));
+    lines += "  cycle time: " + timesText(report.cycleTimes);
     lines << QString() << blockLines(report.blocks) << QString();
     lines += "  response times (" + timeoutText(report.timeout) + "):";
     return lines + histogramLines(report.statistics.responses);
