@@ -55,7 +55,7 @@ QString fromToText(const RegisterRange& range)
 {
     if (range.count == 1)
         return range.nameOf(0);
-    return range.nameOf(0) + QStringLiteral(" … ") + range.nameOf(range.count - 1);
+    return range.nameOf(0) + " … " + range.nameOf(range.count - 1);
 }
 
 QVector<FRAME_PRO> planOf(DriverSession& session, const QVector<RegisterRange>& ranges)

@@ -68,7 +68,7 @@ DriverSession::~DriverSession()
 
 QString DriverSession::propertyString() const
 {
-    return QStringLiteral("%1#0#0#%2#%3")
+    return QString("%1#0#0#%2#%3")
         .arg(linkNumber)
         .arg(m_settings.failLimit)
         .arg(m_settings.wordsPerFrame);

@@ -25,7 +25,7 @@ constexpr int wordsField = 4;
 [[noreturn]] void reject(const QFile& file, int line, const QString& reason)
 {
     throw Failure(ExitCode::File,
-                  QStringLiteral("%1, line %2: %3").arg(file.fileName()).arg(line).arg(reason));
+                  QString("%1, line %2: %3").arg(file.fileName()).arg(line).arg(reason));
 }
 
 QJsonObject nextObject(QFile& file, int line)
@@ -45,17 +45,16 @@ QJsonValue member(const QFile& file, int line, const QJsonObject& object, const 
     QJsonValue value = object.value(QLatin1String(key));
     if (value.type() != type)
         reject(file, line,
-               QStringLiteral("\"%1\" is missing or has the wrong type").arg(QLatin1String(key)));
+               QString("\"%1\" is missing or has the wrong type").arg(QLatin1String(key)));
     return value;
 }
 
 QByteArray bytesIn(const QFile& file, int line, const QJsonObject& object, const char* key)
 {
-    static const QRegularExpression pairs(QStringLiteral("^([0-9a-fA-F]{2})*$"));
+    static const QRegularExpression pairs("^([0-9a-fA-F]{2})*$");
     const QString text = member(file, line, object, key, QJsonValue::String).toString();
     if (!pairs.match(text).hasMatch())
-        reject(file, line,
-               QStringLiteral("\"%1\" must be hexadecimal bytes").arg(QLatin1String(key)));
+        reject(file, line, QString("\"%1\" must be hexadecimal bytes").arg(QLatin1String(key)));
     return QByteArray::fromHex(text.toLatin1());
 }
 
@@ -66,9 +65,9 @@ void readProperty(const QFile& file, const QString& property, Recording& recordi
     recording.failLimit = fields.value(failLimitField).toInt();
     recording.wordsPerFrame = fields.value(wordsField).toInt();
     if (recording.failLimit < 1 || recording.wordsPerFrame < 1)
-        reject(file, 1,
-               QStringLiteral("\"property\" is %1; expected for example 1#0#0#3#32")
-                   .arg(quoted(property)));
+        reject(
+            file, 1,
+            QString("\"property\" is %1; expected for example 1#0#0#3#32").arg(quoted(property)));
 }
 
 QString hex(const QByteArray& bytes)
@@ -108,17 +107,16 @@ Recording readRecording(const QString& path)
     if (info.exists() && !info.isFile())
         throw Failure(ExitCode::File, path + ": not a regular file");
     if (info.size() > largestFile) {
-        throw Failure(ExitCode::File,
-                      QStringLiteral("%1: %2 MB is too large: at most %3 MB make sense")
-                          .arg(path)
-                          .arg(info.size() >> 20)
-                          .arg(largestFile >> 20));
+        throw Failure(ExitCode::File, QString("%1: %2 MB is too large: at most %3 MB make sense")
+                                          .arg(path)
+                                          .arg(info.size() >> 20)
+                                          .arg(largestFile >> 20));
     }
     if (!file.open(QIODevice::ReadOnly))
         throw Failure(ExitCode::File, path + ": " + file.errorString());
     const QJsonObject head = nextObject(file, 1);
     if (head.value("fxhost").toInt() != formatVersion)
-        reject(file, 1, QStringLiteral("not a recording made by fxhost"));
+        reject(file, 1, "not a recording made by fxhost");
     Recording recording;
     readProperty(file, head.value("property").toString(), recording);
     const QJsonArray addresses = head.value("addresses").toArray();

@@ -17,15 +17,15 @@ QString kindText(ExchangeKind kind)
 {
     switch (kind) {
     case ExchangeKind::Write:
-        return QStringLiteral("write");
+        return "write";
     case ExchangeKind::ConditionalRead:
-        return QStringLiteral("one-off read");
+        return "one-off read";
     case ExchangeKind::CyclicRead:
-        return QStringLiteral("cyclic read");
+        return "cyclic read";
     case ExchangeKind::RecipeDownload:
-        return QStringLiteral("recipe download");
+        return "recipe download";
     case ExchangeKind::RecipeUpload:
-        return QStringLiteral("recipe upload");
+        return "recipe upload";
     }
     return {};
 }

@@ -46,7 +46,7 @@ void Application::start()
     connect(&m_scanTimer, &QTimer::timeout, this,
             [this] { m_simulator->advance(m_clock.nowUs()); });
     m_scanTimer.start(std::max(shortestScanMs, m_options.settings.timing.scanMs));
-    say(QStringLiteral("ready on %1").arg(linkNames()));
+    say(QString("ready on %1").arg(linkNames()));
     if (m_options.view)
         openView();
 }
@@ -73,14 +73,13 @@ void Application::checkView() const
     if (!m_options.view)
         return;
     if (!ViewTerminal::exists())
-        throw Error(ExitCode::Usage, QStringLiteral("--view needs a terminal"));
+        throw Error(ExitCode::Usage, "--view needs a terminal");
     const bool tracesToTerminal =
         m_options.trace && m_options.tracePath.isEmpty() && isatty(STDERR_FILENO) == 1;
     if (tracesToTerminal) {
-        throw Error(
-            ExitCode::Usage,
-            QStringLiteral("--view and --trace both need the terminal; write the trace to a "
-                           "file, as in --trace FILE"));
+        throw Error(ExitCode::Usage,
+                    "--view and --trace both need the terminal; write the trace to a "
+                    "file, as in --trace FILE");
     }
 }
 
@@ -93,9 +92,8 @@ void Application::preparePlc()
         memory.setPresent(m_options.present);
     for (const AddressRange& hole : m_options.missing) {
         if (!memory.has(hole.first, hole.last - hole.first + 1))
-            throw Error(ExitCode::Usage,
-                        QStringLiteral("--holes: this PLC does not have all of that "
-                                       "memory without holes either"));
+            throw Error(ExitCode::Usage, "--holes: this PLC does not have all of that "
+                                         "memory without holes either");
     }
     memory.setMissing(m_options.missing);
     memory.setMirrors(m_options.mirrors);
@@ -105,9 +103,9 @@ void Application::preparePlc()
         memory.setImage(image);
     }
     std::unique_ptr<Program> program;
-    if (m_options.program == QLatin1String("sample"))
+    if (m_options.program == "sample")
         program = std::make_unique<SampleProgram>();
-    else if (m_options.program != QLatin1String("none"))
+    else if (m_options.program != "none")
         program = loadScript(m_options.program, memory, m_options.settings.seed);
     m_options.settings.startedAt =
         QDateTime::currentDateTime().addMSecs(-m_clock.nowUs() / usPerMs);
@@ -121,7 +119,7 @@ void Application::prepareTrace()
     if (!m_options.trace)
         return;
     if (!m_options.force && QFileInfo(m_options.tracePath).isFile())
-        throw Error(ExitCode::File, QStringLiteral("the file already exists; --force replaces it"))
+        throw Error(ExitCode::File, "the file already exists; --force replaces it")
             .at(m_options.tracePath);
     m_traceFile.setFileName(m_options.tracePath);
     const bool opened = m_options.tracePath.isEmpty()
@@ -186,7 +184,7 @@ QString Application::linkNames() const
     QStringList names;
     for (const std::unique_ptr<Link>& link : m_links)
         names.append(link->name());
-    return names.join(QStringLiteral(", "));
+    return names.join(", ");
 }
 
 void Application::openView()
@@ -198,14 +196,13 @@ void Application::openView()
 void Application::printStatistics()
 {
     if (m_options.stats && !(std::cout << m_simulator->statistics().text().constData()).flush())
-        throw Error(ExitCode::File,
-                    QStringLiteral("could not write all statistics to standard output"));
+        throw Error(ExitCode::File, "could not write all statistics to standard output");
 }
 
 void Application::endTrace()
 {
     if (!m_options.tracePath.isEmpty() && !m_traceFile.flush())
-        throw Error(ExitCode::File, QStringLiteral("%1: the trace is incomplete: %2")
+        throw Error(ExitCode::File, QString("%1: the trace is incomplete: %2")
                                         .arg(m_options.tracePath, m_traceFile.errorString()));
 }
 

@@ -109,7 +109,7 @@ public:
     {
         return text(name, type, help, [&value](const QString& text) {
             if (text.isEmpty())
-                throw Error(ExitCode::Usage, QStringLiteral("the name must not be empty"));
+                throw Error(ExitCode::Usage, "the name must not be empty");
             value = text;
         });
     }
@@ -130,9 +130,9 @@ TcpAddress parseTcp(const QString& text)
     if (address.startsWith('[') && address.endsWith(']'))
         address = address.mid(1, address.size() - 2);
     tcp.port = static_cast<quint16>(parseNumber(text.mid(colon + 1), 0, highestPort, "port"));
-    const bool isLocal = address.isEmpty() || address == QLatin1String("localhost");
+    const bool isLocal = address.isEmpty() || address == "localhost";
     if (!isLocal && !tcp.address.setAddress(address))
-        throw invalid("address", address, QStringLiteral("an IP address or localhost"));
+        throw invalid("address", address, "an IP address or localhost");
     return tcp;
 }
 
@@ -141,8 +141,7 @@ int parseBaud(const QString& text)
     bool isNumber = false;
     const int speed = text.toInt(&isNumber);
     if (!isNumber || std::find(std::begin(speeds), std::end(speeds), speed) == std::end(speeds))
-        throw invalid("speed", text,
-                      QStringLiteral("0, or a usual speed such as 9600, 19200 or 115200"));
+        throw invalid("speed", text, "0, or a usual speed such as 9600, 19200 or 115200");
     return speed;
 }
 
@@ -151,29 +150,28 @@ quint64 parseSeed(const QString& text)
     bool isNumber = false;
     const quint64 seed = text.toULongLong(&isNumber);
     if (!isNumber)
-        throw invalid("seed", text,
-                      QStringLiteral("0 to %1").arg(std::numeric_limits<quint64>::max()));
+        throw invalid("seed", text, QString("0 to %1").arg(std::numeric_limits<quint64>::max()));
     return seed;
 }
 
 EnquiryMode parseEnquiry(const QString& text)
 {
-    if (text == QLatin1String("optional"))
+    if (text == "optional")
         return EnquiryMode::Optional;
-    if (text == QLatin1String("needed"))
+    if (text == "needed")
         return EnquiryMode::Needed;
-    if (text == QLatin1String("ignored"))
+    if (text == "ignored")
         return EnquiryMode::Ignored;
-    throw invalid("word", text, QStringLiteral("optional, needed or ignored"));
+    throw invalid("word", text, "optional, needed or ignored");
 }
 
 OnError parseOnError(const QString& text)
 {
-    if (text == QLatin1String("nak"))
+    if (text == "nak")
         return OnError::Nak;
-    if (text == QLatin1String("silence"))
+    if (text == "silence")
         return OnError::Silence;
-    throw invalid("word", text, QStringLiteral("nak or silence"));
+    throw invalid("word", text, "nak or silence");
 }
 
 void addLinks(OptionGroup group, Options& options)
@@ -231,7 +229,7 @@ void addMemory(OptionGroup group, Options& options)
                [&options](const QString& text) { options.mirrors = parseMirrors(text); });
     group.name("--load", "FILE", options.loadPath, "Load the memory at power-on from Intel HEX");
     group.name("--save", "FILE", options.savePath, "Save the memory at the end as Intel HEX");
-    options.program = QStringLiteral("sample");
+    options.program = "sample";
     group.name("--program", "PROGRAM", options.program,
                "Program in the PLC: sample, none, or the file of a JSON script (default sample)");
 }
@@ -240,7 +238,7 @@ void addBench(OptionGroup group, Options& options, bool& faultHelpAsked)
 {
     group.text("--faults", "PLAN", "none", "Which faults occur and when; help lists all faults",
                [&options, &faultHelpAsked](const QString& text) {
-                   faultHelpAsked = text == QLatin1String("help");
+                   faultHelpAsked = text == "help";
                    if (!faultHelpAsked)
                        options.settings.faults = parseFaults(text);
                });
@@ -280,7 +278,7 @@ QString meantOption(const CLI::App& app)
 void checkTogether(Options& options)
 {
     if (options.settings.timing.baud == 0 && !options.serialDevice.isEmpty())
-        throw Error(ExitCode::Usage, QStringLiteral("--serial needs a speed: --baud 0 has none"));
+        throw Error(ExitCode::Usage, "--serial needs a speed: --baud 0 has none");
     const bool otherLink = options.tcp || !options.serialDevice.isEmpty();
     options.pty = options.pty || !options.linkPath.isEmpty() || !otherLink;
 }
@@ -301,7 +299,7 @@ std::optional<Options> parseOptions(int argumentCount, const char* const* argume
     addPort({app, "Programming port"}, options.settings);
     addMemory({app, "Memory"}, options);
     addBench({app, "Bench"}, options, faultHelpAsked);
-    const QString advice = QStringLiteral("%1 (see fxsim --help)");
+    const QString advice = "%1 (see fxsim --help)";
     try {
         app.parse(argumentCount, arguments);
         checkTogether(options);

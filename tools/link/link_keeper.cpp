@@ -53,15 +53,14 @@ void LinkKeeper::openFirst()
     }
     const Awaited awaited = await();
     if (awaited == Awaited::GivenUp) {
-        throw Failure(ExitCode::LinkNotOpened,
-                      QStringLiteral("%1: could not open the link within %2 s")
-                          .arg(m_link.name())
-                          .arg(*m_givenS));
+        throw Failure(
+            ExitCode::LinkNotOpened,
+            QString("%1: could not open the link within %2 s").arg(m_link.name()).arg(*m_givenS));
     }
     if (awaited == Awaited::Interrupted)
         throw Failure(ExitCode::Interrupted,
                       m_link.name() + ": interrupted before the link opened");
-    onState(QStringLiteral("the link is open"));
+    onState("the link is open");
 }
 
 bool LinkKeeper::reopen(qint64 answers)
@@ -71,12 +70,12 @@ bool LinkKeeper::reopen(qint64 answers)
         m_gone.start();
         m_pauseMs = shortestPauseMs;
     }
-    onState(QStringLiteral("the link was lost"));
+    onState("the link was lost");
     const Awaited awaited = await();
     if (awaited == Awaited::GivenUp && m_patienceS > 0)
-        onState(QStringLiteral("the link did not come back within %1 s").arg(*m_patienceS));
+        onState(QString("the link did not come back within %1 s").arg(*m_patienceS));
     else if (awaited == Awaited::Open)
-        onState(QStringLiteral("the link is back"));
+        onState("the link is back");
     return awaited == Awaited::Open;
 }
 

@@ -57,7 +57,7 @@ std::optional<int> numberIn(const LinkParts& parts, const char* name, int least,
     bool isNumber = false;
     const int number = text->toInt(&isNumber);
     if (!isNumber || number < least || number > most) {
-        reject(parts, QStringLiteral("%1 must be a number from %2 to %3")
+        reject(parts, QString("%1 must be a number from %2 to %3")
                           .arg(QLatin1String(name))
                           .arg(least)
                           .arg(most));
@@ -75,7 +75,7 @@ void applyParity(const LinkParts& parts, const QString& text, LineSettings& line
 {
     const std::optional<QSerialPort::Parity> parity = parseParity(text);
     if (!parity)
-        reject(parts, QStringLiteral("parity must be even, odd or none"));
+        reject(parts, "parity must be even, odd or none");
     line.parity = *parity;
 }
 
@@ -88,8 +88,7 @@ std::optional<LineSettings> lineIn(const LinkParts& parts)
     LineSettings line;
     line.baud = baud.value_or(line.baud);
     if (character && !parseCharacter(*character, line))
-        reject(parts,
-               QStringLiteral("line must be data bits, parity and stop bits such as 7E1 or 8N1"));
+        reject(parts, "line must be data bits, parity and stop bits such as 7E1 or 8N1");
     if (const std::optional<QString> parity = parts.value("parity"))
         applyParity(parts, *parity, line);
     return line;
@@ -104,30 +103,30 @@ PlcSettings plcIn(const LinkParts& parts)
 LinkSettings parseSerial(const LinkParts& parts, bool isPseudoTerminal)
 {
     if (parts.target.isEmpty())
-        reject(parts, QStringLiteral("the path of the port is missing"));
+        reject(parts, "the path of the port is missing");
     return SerialSettings{plcIn(parts), parts.target, isPseudoTerminal, lineIn(parts)};
 }
 
 LinkSettings parseSimulated(const LinkParts& parts)
 {
     if (!parts.target.isEmpty())
-        reject(parts, QStringLiteral("expected sim: or sim:?baud=9600&faults=silence=0.05"));
+        reject(parts, "expected sim: or sim:?baud=9600&faults=silence=0.05");
     return SimulatedSettings{plcIn(parts), baudIn(parts),
                              parts.value("faults").value_or(QString())};
 }
 
 LinkSettings parseTcp(const LinkParts& parts)
 {
-    static const QRegularExpression pattern(QStringLiteral("^(\\[[^]]+\\]|[^:]+)(?::(\\d+))?$"));
+    static const QRegularExpression pattern("^(\\[[^]]+\\]|[^:]+)(?::(\\d+))?$");
     const QRegularExpressionMatch match = pattern.match(parts.target);
     if (!match.hasMatch())
-        reject(parts, QStringLiteral("expected tcp:HOST or tcp:HOST:PORT"));
+        reject(parts, "expected tcp:HOST or tcp:HOST:PORT");
     TcpSettings settings{plcIn(parts), match.captured(1).remove('[').remove(']')};
     const QString portText = match.captured(2);
     const int port = portText.isEmpty() ? settings.port : portText.toInt();
     settings.port = static_cast<quint16>(numberIn(parts, "port", 1, 65535).value_or(port));
     if (port < 1 || port > 65535)
-        reject(parts, QStringLiteral("port must be a number from 1 to 65535"));
+        reject(parts, "port must be a number from 1 to 65535");
     return settings;
 }
 
@@ -136,7 +135,7 @@ LinkSettings parseTcp(const LinkParts& parts)
 QString withKind(const QString& text)
 {
     static const QRegularExpression hostAndPort(
-        QStringLiteral("^(localhost|[^:/?]+\\.[^:/?]+|\\[[^]]+\\]):\\d+(\\?.*)?$"));
+        "^(localhost|[^:/?]+\\.[^:/?]+|\\[[^]]+\\]):\\d+(\\?.*)?$");
     if (text.startsWith('/'))
         return "serial:" + text;
     return hostAndPort.match(text).hasMatch() ? "tcp:" + text : text;
@@ -144,23 +143,22 @@ QString withKind(const QString& text)
 
 LinkSettings parseKind(const QString& kind, const LinkParts& parts)
 {
-    if (kind == QLatin1String("sim"))
+    if (kind == "sim")
         return parseSimulated(parts);
-    if (kind == QLatin1String("serial") || kind == QLatin1String("pty"))
-        return parseSerial(parts, kind == QLatin1String("pty"));
-    if (kind == QLatin1String("tcp"))
+    if (kind == "serial" || kind == "pty")
+        return parseSerial(parts, kind == "pty");
+    if (kind == "tcp")
         return parseTcp(parts);
-    reject(parts, QStringLiteral(
-                      "expected sim:, serial:/dev/ttyUSB0?baud=9600, tcp:HOST:PORT or pty:PATH"));
+    reject(parts, "expected sim:, serial:/dev/ttyUSB0?baud=9600, tcp:HOST:PORT or pty:PATH");
 }
 
 // The settings that differ from their defaults, those of the PLC last.
 QString queryText(QStringList settings, const PlcSettings& plc)
 {
     if (plc.station != PlcSettings().station)
-        settings += QStringLiteral("station=%1").arg(plc.station);
+        settings += QString("station=%1").arg(plc.station);
     if (plc.words)
-        settings += QStringLiteral("words=%1").arg(*plc.words);
+        settings += QString("words=%1").arg(*plc.words);
     return settings.isEmpty() ? QString() : '?' + settings.join('&');
 }
 
@@ -168,7 +166,7 @@ QString textOf(const SimulatedSettings& settings)
 {
     QStringList query;
     if (settings.baud)
-        query += QStringLiteral("baud=%1").arg(*settings.baud);
+        query += QString("baud=%1").arg(*settings.baud);
     if (!settings.faults.isEmpty())
         query += "faults=" + settings.faults;
     return "sim:" + queryText(query, settings);
@@ -178,7 +176,7 @@ QString textOf(const SerialSettings& settings)
 {
     QStringList query;
     if (settings.line) {
-        query += QStringLiteral("baud=%1").arg(settings.line->baud);
+        query += QString("baud=%1").arg(settings.line->baud);
         if (characterText(*settings.line) != characterText(LineSettings()))
             query += "line=" + characterText(*settings.line);
     }
@@ -189,7 +187,7 @@ QString textOf(const SerialSettings& settings)
 QString textOf(const TcpSettings& settings)
 {
     const bool isNumeric6 = settings.host.contains(':');
-    return QStringLiteral("tcp:%1:%2")
+    return QString("tcp:%1:%2")
                .arg(isNumeric6 ? '[' + settings.host + ']' : settings.host)
                .arg(settings.port) +
            queryText({}, settings);
@@ -207,10 +205,11 @@ LinkSettings parseLink(const QString& text)
     const QStringList known = settingNames(link);
     for (const auto& item : parts.query.queryItems()) {
         if (!known.contains(item.first))
-            reject(parts, QStringLiteral("unknown setting %1; known: %2")
-                              .arg(quoted(item.first), known.join(QStringLiteral(", "))));
+            reject(
+                parts,
+                QString("unknown setting %1; known: %2").arg(quoted(item.first), known.join(", ")));
         if (parts.query.allQueryItemValues(item.first).size() > 1)
-            reject(parts, item.first + QStringLiteral(" is given twice"));
+            reject(parts, item.first + " is given twice");
     }
     return link;
 }
@@ -235,7 +234,7 @@ int checkedBaud(int baud)
     });
     throw Failure(
         ExitCode::Usage,
-        QStringLiteral("no serial port runs at %1 baud; did you mean %2?").arg(baud).arg(*nearest));
+        QString("no serial port runs at %1 baud; did you mean %2?").arg(baud).arg(*nearest));
 }
 
 QStringList settingNames(const LinkSettings& link)
@@ -252,7 +251,7 @@ QStringList settingNames(const LinkSettings& link)
 
 bool parseCharacter(const QString& text, LineSettings& line)
 {
-    static const QRegularExpression pattern(QStringLiteral("^([78])([ENO])([12])$"));
+    static const QRegularExpression pattern("^([78])([ENO])([12])$");
     const QRegularExpressionMatch match = pattern.match(text.toUpper());
     if (!match.hasMatch())
         return false;

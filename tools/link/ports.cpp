@@ -26,7 +26,7 @@ QString nameOf(const QString& process)
 {
     QFile file("/proc/" + process + "/comm");
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()).trimmed()
-                                          : QStringLiteral("a program");
+                                          : "a program";
 }
 
 }  // namespace
@@ -37,7 +37,7 @@ QString holderOf(const QString& path)
     const QString self = QString::number(QCoreApplication::applicationPid());
     for (const QString& process : QDir("/proc").entryList({"[0-9]*"}, QDir::Dirs)) {
         if (process != self && hasOpen(process, device))
-            return QStringLiteral("%1 (process %2)").arg(nameOf(process), process);
+            return QString("%1 (process %2)").arg(nameOf(process), process);
     }
     return {};
 }

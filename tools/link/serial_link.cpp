@@ -30,7 +30,7 @@ bool isOtherFile(const QString& path)
 
 bool isPseudoTerminal(const QString& path)
 {
-    return QFileInfo(path).canonicalFilePath().startsWith(QLatin1String("/dev/pts/"));
+    return QFileInfo(path).canonicalFilePath().startsWith("/dev/pts/");
 }
 
 // A path that exists is used as it is; otherwise Qt looks for the name in /dev.
@@ -46,9 +46,8 @@ QString otherPorts()
     QStringList names;
     for (const QSerialPortInfo& port : QSerialPortInfo::availablePorts())
         names += port.systemLocation();
-    return QStringLiteral("available ports: ") +
-           (names.isEmpty() ? QStringLiteral("none; is the adapter plugged in?")
-                            : names.join(QStringLiteral(", ")));
+    return "available ports: " +
+           (names.isEmpty() ? "none; is the adapter plugged in?" : names.join(", "));
 }
 
 // A pseudo-terminal always carries eight bits without parity, and refuses a request that would
@@ -88,17 +87,17 @@ QString SerialLink::reason() const
     QString said = m_port.errorString();
     const QFileInfo device(portName(m_settings.path));
     if (isOtherFile(m_settings.path))
-        return QStringLiteral("not a serial port");
+        return "not a serial port";
     if (m_port.error() == QSerialPort::DeviceNotFoundError && !m_settings.isPseudoTerminal)
         return said + "; " + otherPorts();
     if (device.exists() && !device.isWritable() &&
         device.permission(QFile::ReadGroup | QFile::WriteGroup))
-        return QStringLiteral("%1; join the group %2 with: sudo adduser \"$USER\" %2, then log out "
-                              "and in again")
+        return QString("%1; join the group %2 with: sudo adduser \"$USER\" %2, then log out "
+                       "and in again")
             .arg(said, device.group());
     const QString holder = device.exists() ? holderOf(m_settings.path) : QString();
     if (!holder.isEmpty())
-        return QStringLiteral("%1; it is in use by %2: stop that first").arg(said, holder);
+        return QString("%1; it is in use by %2: stop that first").arg(said, holder);
     return said;
 }
 

@@ -19,7 +19,7 @@ constexpr size_t mostBytesAtOnce = 4096;  // several times the longest reply
 
 QString TcpLink::name() const
 {
-    return QStringLiteral("tcp:%1:%2").arg(m_settings.host).arg(m_settings.port);
+    return QString("tcp:%1:%2").arg(m_settings.host).arg(m_settings.port);
 }
 
 void TcpLink::open()
@@ -27,7 +27,7 @@ void TcpLink::open()
     m_socket.abort();
     m_socket.connectToHost(m_settings.host, m_settings.port);
     if (!m_socket.waitForConnected(connectTimeoutMs)) {
-        throw Failure(ExitCode::LinkNotOpened, QStringLiteral("cannot connect to %1 port %2: %3")
+        throw Failure(ExitCode::LinkNotOpened, QString("cannot connect to %1 port %2: %3")
                                                    .arg(m_settings.host)
                                                    .arg(m_settings.port)
                                                    .arg(m_socket.errorString()));

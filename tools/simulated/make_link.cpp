@@ -20,7 +20,7 @@ fxsim::Settings simulatorSettings(const SimulatedSettings& simulated)
         throw Failure(ExitCode::Usage,
                       "invalid link '" + linkText(simulated) + "': " + error.text());
     }
-    settings.model = &fxsim::findModel(QStringLiteral("any"));
+    settings.model = &fxsim::findModel("any");
     settings.startedAt = QDateTime::currentDateTime();
     settings.timing.baud = simulated.baud.value_or(settings.timing.baud);
     return settings;

@@ -16,7 +16,7 @@ SimLink::SimLink(const fxsim::Settings& settings)
 
 QString SimLink::name() const
 {
-    return QStringLiteral("sim:");
+    return "sim:";
 }
 
 void SimLink::open()

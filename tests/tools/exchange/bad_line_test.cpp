@@ -21,7 +21,7 @@ constexpr qint64 second = 1000000;  // in µs
 class Scale : public Link
 {
 public:
-    QString name() const override { return QStringLiteral("scale"); }
+    QString name() const override { return "scale"; }
     void open() override {}
     bool isOpen() const override { return true; }
     bool send(const QByteArray& bytes) override
@@ -203,7 +203,7 @@ TEST_F(BadLine, WithTwoDifferentRepliesIsNeverTolerated)
 TEST_F(BadLine, WithSecondCopiesGivesNoneOfThemToTheNextRequest)
 {
     for (int delayMs = 1; delayMs < 200; delayMs += 3) {
-        start(badLine(9600, qPrintable(QStringLiteral("duplicate:%1@4-9").arg(delayMs))));
+        start(badLine(9600, qPrintable(QString("duplicate:%1@4-9").arg(delayMs))));
         for (int cycle = 0; cycle < 5; ++cycle) {
             pollCycle(*loop, blocks);
             ASSERT_EQ(wrongValues(), 0) << delayMs << " ms, cycle " << cycle;

@@ -46,9 +46,9 @@ TEST(Session, TellsOfChangesAndRecipeWords)
     Bench bench;
     QStringList told;
     bench.session.onValueChanged = [&](const QString& type, int station, int number) {
-        told += QStringLiteral("%1#%2%3").arg(station).arg(type).arg(number);
+        told += QString("%1#%2%3").arg(station).arg(type).arg(number);
     };
-    bench.session.onRecipeWord = [&](int word) { told += QStringLiteral("word %1").arg(word); };
+    bench.session.onRecipeWord = [&](int word) { told += QString("word %1").arg(word); };
     bench.session.setPlan({range("2#D7")});
     bench.session.write(range("2#D7"), {1});
     bench.session.startRecipe(RecipeDirection::Upload, {range("D30:2")});
@@ -74,7 +74,7 @@ protected:
     RecipeOutcome transfer(RecipeDirection direction)
     {
         return transferRecipe(bench.loop, direction, entries, [this](int done, int total) {
-            progress += QStringLiteral("%1/%2").arg(done).arg(total);
+            progress += QString("%1/%2").arg(done).arg(total);
         });
     }
 

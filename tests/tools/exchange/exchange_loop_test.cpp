@@ -279,7 +279,7 @@ namespace {
 class BabblingLine : public Link
 {
 public:
-    QString name() const override { return QStringLiteral("babble"); }
+    QString name() const override { return "babble"; }
     void open() override {}
     bool isOpen() const override { return true; }
     bool send(const QByteArray&) override { return true; }

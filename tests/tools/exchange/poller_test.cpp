@@ -298,7 +298,7 @@ TEST_P(PollingWithoutALink, TellsWhatWasReadBefore)
     start({"D0:8"});
     EXPECT_EQ(problemsAfterPolling(), "D5 refused");
     EXPECT_EQ(framesOfACycle(), 3);  // D0 to D3, D4, D6 and D7
-    bench.line.setFaults(qPrintable(QStringLiteral("link-drop@%1").arg(GetParam().exchange)));
+    bench.line.setFaults(qPrintable(QString("link-drop@%1").arg(GetParam().exchange)));
     EXPECT_EQ(poll(), RoundEnd::LinkLost);
     EXPECT_EQ(problems(), GetParam().problems);
 }

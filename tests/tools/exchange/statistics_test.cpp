@@ -26,7 +26,7 @@ Exchange exchangeOf(ExchangeKind kind, DriverAnswer answer, ReplyVerdict verdict
 
 std::string countsOf(const KindCounts& counts)
 {
-    return QStringLiteral("sent %1, accepted %2, repeated %3, failed %4")
+    return QString("sent %1, accepted %2, repeated %3, failed %4")
         .arg(counts.sent)
         .arg(counts.accepted)
         .arg(counts.repeated)

@@ -15,5 +15,5 @@ QString errorText(const Call& call)
     } catch (const fxsim::Error& error) {
         return error.text();
     }
-    return QStringLiteral("no error");
+    return "no error";
 }

@@ -35,7 +35,7 @@ public:
     ~FxsimProcess();
 
     // What stands after "fxsim: ready on ", or nothing if it ended before.
-    QString waitReady() { return waitLine(QStringLiteral("fxsim: ready on ")); }
+    QString waitReady() { return waitLine("fxsim: ready on "); }
 
     // The rest of the next line that starts so; lines before it are skipped.
     QString waitLine(const QString& start);

@@ -172,5 +172,5 @@ TEST(Options, MistakesAreExplained)
         EXPECT_EQ(errorText([option] {
                       parsed({option, ""});
                   }),
-                  QStringLiteral("%1: the name must not be empty (see fxsim --help)").arg(option));
+                  QString("%1: the name must not be empty (see fxsim --help)").arg(option));
 }

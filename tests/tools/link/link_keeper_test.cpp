@@ -14,12 +14,12 @@ namespace {
 class PulledCable : public Link
 {
 public:
-    QString name() const override { return QStringLiteral("cable"); }
+    QString name() const override { return "cable"; }
     void open() override
     {
         ++attempts;
         if (nowMs < pluggedInMs)
-            throw Failure(ExitCode::LinkNotOpened, QStringLiteral("pulled"));
+            throw Failure(ExitCode::LinkNotOpened, "pulled");
     }
     bool isOpen() const override { return nowMs >= pluggedInMs; }
     bool send(const QByteArray&) override { return isOpen(); }

@@ -89,7 +89,7 @@ protected:
 TEST_F(TcpLinks, CarryBytesBothWays)
 {
     open();
-    EXPECT_EQ(link.name(), QStringLiteral("tcp:127.0.0.1:%1").arg(server.serverPort()));
+    EXPECT_EQ(link.name(), QString("tcp:127.0.0.1:%1").arg(server.serverPort()));
     EXPECT_TRUE(link.send("request"));
     ASSERT_TRUE(peer->waitForReadyRead(patienceMs));
     EXPECT_EQ(peer->readAll(), "request");

@@ -20,8 +20,8 @@ constexpr int patienceMs = 30000;  // of a loaded machine, under sanitizers
 QProcessEnvironment hostEnvironment()
 {
     QProcessEnvironment all = QProcessEnvironment::systemEnvironment();
-    all.insert(QStringLiteral("FX_DRIVER"), QStringLiteral(FX_DRIVER_FILE));
-    all.insert(QStringLiteral("FX_LINK"), QStringLiteral("sim:"));
+    all.insert("FX_DRIVER", QStringLiteral(FX_DRIVER_FILE));
+    all.insert("FX_LINK", "sim:");
     return all;
 }
 
@@ -38,12 +38,14 @@ void PrintTo(const Ended& ended, std::ostream* out)
 RunningSimulator::RunningSimulator(Road road, const QStringList& options)
 {
     // A stable path: a terminal that comes back after a drop may have another number.
-    const QString terminal = m_folder.filePath(QStringLiteral("plc"));
+    const QString terminal = m_folder.filePath("plc");
     QStringList arguments = options;
     if (road == Road::Tcp)
-        arguments << QStringLiteral("--tcp") << QStringLiteral("127.0.0.1:0");
+        arguments << "--tcp"
+                  << "127.0.0.1:0";
     else
-        arguments << QStringLiteral("--pty") << QStringLiteral("--link") << terminal;
+        arguments << "--pty"
+                  << "--link" << terminal;
     m_process.start(QStringLiteral(FXSIM_FILE), arguments);
     const QString place = readyPlace();
     m_link = road == Road::Tcp ? place : "pty:" + terminal;
@@ -58,7 +60,7 @@ RunningSimulator::~RunningSimulator()
 
 QString RunningSimulator::readyPlace()
 {
-    static const QRegularExpression ready(QStringLiteral("fxsim: ready on (\\S+)"));
+    static const QRegularExpression ready("fxsim: ready on (\\S+)");
     QString said;
     while (m_process.waitForReadyRead(patienceMs)) {
         said += QString::fromUtf8(m_process.readAllStandardOutput());

@@ -39,14 +39,14 @@ void Screen::write(const QByteArray& bytes)
 // False when the rest of it has not come yet.
 bool Screen::takeSequence()
 {
-    static const QRegularExpression whole(QStringLiteral("^\x1b\\[([?0-9;]*)([A-Za-z])"));
+    static const QRegularExpression whole("^\x1b\\[([?0-9;]*)([A-Za-z])");
     const QRegularExpressionMatch match = whole.match(m_pending);
     if (match.hasMatch()) {
         m_pending.remove(0, match.capturedLength());
         obey(match.captured(2)[0], match.captured(1));
         return true;
     }
-    static const QRegularExpression begun(QStringLiteral("^\x1b(\\[[?0-9;]*)?$"));
+    static const QRegularExpression begun("^\x1b(\\[[?0-9;]*)?$");
     if (begun.match(m_pending).hasMatch())
         return false;
     m_unknown += m_pending.left(2);
@@ -57,18 +57,18 @@ bool Screen::takeSequence()
 void Screen::obey(QChar order, const QString& argument)
 {
     if (order == 'm') {
-        m_isPlain = argument == QLatin1String("0") || argument.isEmpty();
+        m_isPlain = argument == "0" || argument.isEmpty();
     } else if (order == 'A') {
         m_row = std::max(m_row - std::max(argument.toInt(), 1), 0);
     } else if (order == 'K' && argument.isEmpty()) {
         m_cells[m_row] = m_cells[m_row].left(m_column).leftJustified(m_columns);
     } else if (order == 'J' && argument.isEmpty()) {
         clearFrom(m_row, m_column);
-    } else if (order == 'J' && argument == QLatin1String("2")) {
+    } else if (order == 'J' && argument == "2") {
         clearFrom(0, 0);
     } else if (order == 'H' && argument.isEmpty()) {
         m_row = m_column = 0;
-    } else if (argument == QLatin1String("?25") && (order == 'h' || order == 'l')) {
+    } else if (argument == "?25" && (order == 'h' || order == 'l')) {
         m_cursorIsShown = order == 'h';
     } else {
         m_unknown += argument + order;

@@ -55,9 +55,9 @@ private:
 QStringList environmentWith(const QStringList& more)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.remove(QStringLiteral("NO_COLOR"));
-    environment.insert(QStringLiteral("TERM"), QStringLiteral("xterm"));
-    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
+    environment.remove("NO_COLOR");
+    environment.insert("TERM", "xterm");
+    environment.insert("LC_ALL", "C.UTF-8");
     for (const QString& entry : more)
         environment.insert(entry.section('=', 0, 0), entry.section('=', 1));
     return environment.toStringList();

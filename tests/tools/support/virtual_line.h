@@ -20,7 +20,7 @@ class VirtualLine : public fxtools::Link
 public:
     explicit VirtualLine(const fxsim::Settings& settings);
 
-    QString name() const override { return QStringLiteral("virtual"); }
+    QString name() const override { return "virtual"; }
     void open() override;
     bool isOpen() const override { return m_session.has_value(); }
     bool send(const QByteArray& bytes) override;

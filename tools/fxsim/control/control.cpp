@@ -56,14 +56,14 @@ int milliseconds(const Bench& bench, FaultKind fault)
 void requireMemory(const Bench& bench, int address, int byteCount)
 {
     if (!bench.plc.memory().has(address, byteCount))
-        refuse(QStringLiteral("this PLC does not have all of that memory"));
+        refuse("this PLC does not have all of that memory");
 }
 
 QByteArray peekDevices(const Bench& bench, const Device& first)
 {
     const PlcMemory& memory = bench.plc.memory();
-    const int count = parseNumber(bench.arguments.value(1, QStringLiteral("1")), 1, first.room(),
-                                  "number of devices");
+    const int count =
+        parseNumber(bench.arguments.value(1, "1"), 1, first.room(), "number of devices");
     QByteArray text;
     for (int index = 0; index < count; ++index) {
         const Device device = first.next(index);
@@ -82,8 +82,8 @@ QByteArray peek(const Bench& bench)
     if (place.device)
         return peekDevices(bench, *place.device);
     if (place.bit && bench.arguments.size() > 1)
-        refuse(QStringLiteral("a bit of a byte or word is shown alone"));
-    const int byteCount = parseNumber(bench.arguments.value(1, QStringLiteral("1")), 1,
+        refuse("a bit of a byte or word is shown alone");
+    const int byteCount = parseNumber(bench.arguments.value(1, "1"), 1,
                                       addressableBytes - place.address, "number of bytes");
     requireMemory(bench, place.address, byteCount);
     if (place.bit)
@@ -127,7 +127,7 @@ QByteArray poke(const Bench& bench)
     for (const QString& argument : bench.arguments.mid(1))
         values.append(parseInteger(argument, range.limits.lowest, range.limits.highest, "value"));
     if (values.size() > range.room)
-        refuse(QStringLiteral("too many values: there is room for %1").arg(range.room));
+        refuse(QString("too many values: there is room for %1").arg(range.room));
     const int bits = place.bit.value_or(0) + values.size();
     requireMemory(bench, place.address,
                   range.byteCount > 0 ? range.byteCount * values.size()
@@ -148,15 +148,15 @@ QByteArray switchInput(const Bench& bench)
 {
     const std::optional<Device> input = parseDevice(bench.arguments[0]);
     if (!input || *input->type->name != 'X')
-        throw invalid("input", bench.arguments[0], QStringLiteral("an input, as in X5"));
+        throw invalid("input", bench.arguments[0], "an input, as in X5");
     requireMemory(bench, input->address(), 1);
     const QString position = bench.arguments[1];
-    if (position == QLatin1String("auto"))
+    if (position == "auto")
         bench.plc.releaseInput(input->number);
-    else if (position == QLatin1String("on") || position == QLatin1String("off"))
-        bench.plc.switchInput(input->number, position == QLatin1String("on"));
+    else if (position == "on" || position == "off")
+        bench.plc.switchInput(input->number, position == "on");
     else
-        throw invalid("position", position, QStringLiteral("on, off or auto"));
+        throw invalid("position", position, "on, off or auto");
     return {};
 }
 
@@ -165,7 +165,7 @@ QByteArray faults(const Bench& bench)
     const QString plan = bench.arguments.value(0);
     if (plan.isEmpty())
         return faultPlanText(bench.plc.settings().faults).toUtf8() + '\n';
-    if (plan == QLatin1String("help"))
+    if (plan == "help")
         return faultHelp();
     bench.plc.setFaults(parseFaults(plan));
     return {};
@@ -258,7 +258,7 @@ const CommandRow& findCommand(const QString& name)
             return row;
         names.append(QLatin1String(row.name));
     }
-    refuse(QStringLiteral("unknown command '%1'%2; 'help' lists all commands")
+    refuse(QString("unknown command '%1'%2; 'help' lists all commands")
                .arg(quotable(name), didYouMean(name, names)));
 }
 
@@ -266,14 +266,13 @@ const CommandRow& findCommand(const QString& name)
 
 QByteArray Control::run(const QString& line)
 {
-    QStringList arguments =
-        line.split(QRegularExpression(QStringLiteral("\\s+")), Qt::SkipEmptyParts);
+    QStringList arguments = line.split(QRegularExpression("\\s+"), Qt::SkipEmptyParts);
     if (arguments.isEmpty())
         return {};
     try {
         const CommandRow& row = findCommand(arguments.takeFirst());
         if (arguments.size() < row.fewest || arguments.size() > row.most)
-            refuse(QStringLiteral("usage: %1 %2").arg(row.name, row.arguments).trimmed());
+            refuse(QString("usage: %1 %2").arg(row.name, row.arguments).trimmed());
         return row.run({m_simulator, m_actions, arguments}) + "ok\n";
     } catch (const Error& error) {
         return "error: " + error.text().toUtf8() + '\n';

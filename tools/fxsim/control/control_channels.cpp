@@ -50,7 +50,7 @@ bool isLeftBehind(const QString& path)
 
 [[noreturn]] void refusePath(const QString& path, const QString& why)
 {
-    throw Error(ExitCode::Link, QStringLiteral("control socket %1: %2").arg(path, why));
+    throw Error(ExitCode::Link, QString("control socket %1: %2").arg(path, why));
 }
 
 // The server calls all of these a name error.
@@ -59,16 +59,15 @@ void checkPath(const QString& path)
     const QFileInfo file(path);
     const QFileInfo folder(file.absolutePath());
     if (isSocket(path))
-        refusePath(path,
-                   QStringLiteral("in use by another program; end it, or choose another path"));
+        refusePath(path, "in use by another program; end it, or choose another path");
     if (file.exists())
-        refusePath(path, QStringLiteral("the file already exists"));
+        refusePath(path, "the file already exists");
     if (!folder.isDir())
-        refusePath(path, QStringLiteral("the folder %1 does not exist").arg(folder.filePath()));
+        refusePath(path, QString("the folder %1 does not exist").arg(folder.filePath()));
     if (!folder.isWritable())
-        refusePath(path, QStringLiteral("no permission to write in %1").arg(folder.filePath()));
+        refusePath(path, QString("no permission to write in %1").arg(folder.filePath()));
     if (QFile::encodeName(path).size() > longestSocketPath)
-        refusePath(path, QStringLiteral("the path is longer than %1 bytes").arg(longestSocketPath));
+        refusePath(path, QString("the path is longer than %1 bytes").arg(longestSocketPath));
 }
 
 }  // namespace
@@ -144,8 +143,8 @@ void tell(const QString& controlPath, const QString& command)
     socket.connectToServer(QFileInfo(controlPath).absoluteFilePath());
     if (!socket.waitForConnected(answerMs))
         refusePath(controlPath, socket.error() == QLocalSocket::SocketAccessError
-                                    ? QStringLiteral("no permission: only its owner may connect")
-                                    : QStringLiteral("no simulator is listening"));
+                                    ? "no permission: only its owner may connect"
+                                    : "no simulator is listening");
     const QByteArray errorMark = "error: ";
     socket.write(command.toUtf8() + '\n');
     while (socket.canReadLine() || socket.waitForReadyRead(answerMs)) {
@@ -158,7 +157,7 @@ void tell(const QString& controlPath, const QString& command)
             throw Error(ExitCode::Usage, QString::fromUtf8(line.mid(errorMark.size())).trimmed());
         std::cout << line.constData();
     }
-    refusePath(controlPath, QStringLiteral("no answer"));
+    refusePath(controlPath, "no answer");
 }
 
 }  // namespace fxsim

@@ -86,7 +86,7 @@ double parseRate(QString text)
     bool ok = false;
     const double rate = text.toDouble(&ok) / (percent ? 100 : 1);
     if (!ok || !(rate >= 0 && rate <= 1))
-        refuseFault(QStringLiteral("the rate must be 0 to 1, or 0% to 100%"));
+        refuseFault("the rate must be 0 to 1, or 0% to 100%");
     return rate;
 }
 
@@ -95,8 +95,7 @@ qint64 parseExchange(const QString& text)
     bool ok = false;
     const qint64 number = text.toLongLong(&ok);
     if (!ok || number < 1)
-        refuseFault(
-            QStringLiteral("exchanges are numbered from 1, as in @3, @7-9, @20- or @3+7-9"));
+        refuseFault("exchanges are numbered from 1, as in @3, @7-9, @20- or @3+7-9");
     return number;
 }
 
@@ -112,7 +111,7 @@ ExchangeSpan parseSpan(const QString& text)
                                                                 ? std::numeric_limits<qint64>::max()
                                                                 : parseExchange(end)};
     if (span.last < span.first)
-        refuseFault(QStringLiteral("the range of exchanges ends before it starts"));
+        refuseFault("the range of exchanges ends before it starts");
     return span;
 }
 
@@ -121,7 +120,7 @@ int parseValue(const QString& text, const FaultFacts& row)
     if (text.isEmpty())
         return row.value;
     if (row.highestValue == 0)
-        refuseFault(QStringLiteral("%1 takes no value").arg(row.name));
+        refuseFault(QString("%1 takes no value").arg(row.name));
     return parseNumber(text, row.lowestValue, row.highestValue, "value");
 }
 
@@ -135,7 +134,7 @@ int whenPosition(const QString& item)
 FaultRule parseWhen(const QString& item, int whenAt)
 {
     if (whenAt < 0)
-        refuseFault(QStringLiteral("add a rate or exchanges, as in NAME=0.05 or NAME@3"));
+        refuseFault("add a rate or exchanges, as in NAME=0.05 or NAME@3");
     FaultRule rule;
     const QString when = item.mid(whenAt + 1);
     if (item[whenAt] == '=') {
@@ -151,7 +150,7 @@ FaultRule parseWhen(const QString& item, int whenAt)
 void appendMixed(FaultPlan& plan, const FaultRule& when, const QString& value)
 {
     if (!when.spans.isEmpty())
-        refuseFault(QStringLiteral("%1 takes a rate, as in %1=0.1").arg(mixedName));
+        refuseFault(QString("%1 takes a rate, as in %1=0.1").arg(mixedName));
     const int delayMs = parseValue(value, factsOf(FaultKind::Delay));
     for (int index = firstMixed; index < faultKinds; ++index) {
         const FaultFacts& row = facts[index];
@@ -170,7 +169,7 @@ void appendItem(FaultPlan& plan, const QString& item)
     const QString value = named.section(':', 1);
     const FaultFacts* row = findFacts(name);
     if (row == nullptr && name != QLatin1String(mixedName))
-        refuseFault(QStringLiteral("unknown fault%1; 'help' in place of the plan lists all faults")
+        refuseFault(QString("unknown fault%1; 'help' in place of the plan lists all faults")
                         .arg(didYouMean(name, faultNames())));
     FaultRule rule = parseWhen(item, whenAt);
     if (row == nullptr) {
@@ -214,14 +213,14 @@ const FaultFacts& factsOf(FaultKind kind)
 FaultPlan parseFaults(const QString& text)
 {
     FaultPlan plan;
-    if (text.isEmpty() || text == QLatin1String("none"))
+    if (text.isEmpty() || text == "none")
         return plan;
     for (const QString& part : text.split(',')) {
         const QString item = part.trimmed();
         try {
             appendItem(plan, item);
         } catch (const Error& error) {
-            throw error.at(QStringLiteral("fault '%1'").arg(quotable(item)));
+            throw error.at(QString("fault '%1'").arg(quotable(item)));
         }
     }
     return plan;
@@ -232,7 +231,7 @@ QString faultPlanText(const FaultPlan& plan)
     QStringList rules;
     for (const FaultRule& rule : plan)
         rules.append(ruleText(rule));
-    return rules.isEmpty() ? QStringLiteral("none") : rules.join(',');
+    return rules.isEmpty() ? "none" : rules.join(',');
 }
 
 QByteArray faultHelp()

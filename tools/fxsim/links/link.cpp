@@ -58,7 +58,7 @@ void Link::drop(int forMs)
     const QString gone = name();
     close();
     m_failureReported = false;
-    emit message(QStringLiteral("link down: %1, back in %2 ms").arg(gone).arg(forMs));
+    emit message(QString("link down: %1, back in %2 ms").arg(gone).arg(forMs));
     m_return.start(forMs);
 }
 
@@ -67,10 +67,10 @@ void Link::reopen()
     try {
         open();
         m_down = false;
-        emit message(QStringLiteral("ready on %1").arg(name()));
+        emit message(QString("ready on %1").arg(name()));
     } catch (const Error& error) {
         if (!m_failureReported)
-            emit message(QStringLiteral("%1; retrying every second").arg(error.text()));
+            emit message(QString("%1; retrying every second").arg(error.text()));
         m_failureReported = true;
         m_return.start(reopenMs);
     }

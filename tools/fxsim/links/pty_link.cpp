@@ -150,8 +150,7 @@ void PtyLink::close()
 
 QString PtyLink::name() const
 {
-    return m_linkPath.isEmpty() ? m_device
-                                : QStringLiteral("%1 (linked as %2)").arg(m_device, m_linkPath);
+    return m_linkPath.isEmpty() ? m_device : QString("%1 (linked as %2)").arg(m_device, m_linkPath);
 }
 
 void PtyLink::openTerminal()
@@ -160,7 +159,7 @@ void PtyLink::openTerminal()
     m_master = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
     if (m_master < 0 || grantpt(m_master) != 0 || unlockpt(m_master) != 0 ||
         ptsname_r(m_master, device, sizeof device) != 0)
-        throw systemError(QStringLiteral("cannot open a pseudo-terminal"));
+        throw systemError("cannot open a pseudo-terminal");
     m_device = QString::fromLocal8Bit(device);
     m_slave = ::open(device, O_RDWR | O_NOCTTY | O_CLOEXEC);
     if (m_slave < 0 || !makeRaw(m_slave))
@@ -173,16 +172,16 @@ void PtyLink::openTerminal()
 void PtyLink::makeLink() const
 {
     const QString old = targetOf(m_linkPath);
-    if (old.startsWith(QLatin1String("/dev/pts/"))) {
+    if (old.startsWith("/dev/pts/")) {
         if (old != m_device && isServed(old))  // the same: the system gave us its number again
-            throw Error(ExitCode::Link, QStringLiteral("in use by another fxsim; end it, or choose "
-                                                       "another path"))
+            throw Error(ExitCode::Link, "in use by another fxsim; end it, or choose "
+                                        "another path")
                 .at(m_linkPath);
         QFile::remove(m_linkPath);
     }
     if (::symlink(QFile::encodeName(m_device).constData(),
                   QFile::encodeName(m_linkPath).constData()) != 0)
-        throw systemError(QStringLiteral("cannot create the symbolic link %1").arg(m_linkPath));
+        throw systemError(QString("cannot create the symbolic link %1").arg(m_linkPath));
 }
 
 void PtyLink::removeLink()

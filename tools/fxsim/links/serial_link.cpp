@@ -63,8 +63,7 @@ SerialLink::SerialLink(Simulator& simulator, const Clock& clock, const QString& 
 void SerialLink::open()
 {
     if (!m_port.open(QIODevice::ReadWrite)) {
-        const QString reason =
-            isOtherFile(m_device) ? QStringLiteral("not a serial port") : m_port.errorString();
+        const QString reason = isOtherFile(m_device) ? "not a serial port" : m_port.errorString();
         throw Error(ExitCode::Link, reason).at(m_device);
     }
     m_host = std::make_unique<HostConnection>(

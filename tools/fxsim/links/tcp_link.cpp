@@ -26,7 +26,7 @@ constexpr int receivedBytes = 4096;  // several times the longest frame
 QString addressText(const QHostAddress& address, quint16 port)
 {
     const bool v6 = address.protocol() == QAbstractSocket::IPv6Protocol;
-    return QStringLiteral("tcp:%1:%2")
+    return QString("tcp:%1:%2")
         .arg(v6 ? '[' + address.toString() + ']' : address.toString())
         .arg(port);
 }
@@ -123,8 +123,8 @@ private:
     {
         ::close(socket);
         if (!m_saidTooMany)
-            emit m_link.message(QStringLiteral("too many connections: new ones are closed at once "
-                                               "(ulimit -n)"));
+            emit m_link.message("too many connections: new ones are closed at once "
+                                "(ulimit -n)");
         m_saidTooMany = true;
     }
 
@@ -137,10 +137,9 @@ QString reasonOf(const QTcpServer& failed)
 {
     switch (failed.serverError()) {
     case QAbstractSocket::SocketAccessError:
-        return QStringLiteral("no permission; use a port from 1024 up");
+        return "no permission; use a port from 1024 up";
     case QAbstractSocket::AddressInUseError:
-        return QStringLiteral(
-            "in use by another program; choose another port, or 0 for any free one");
+        return "in use by another program; choose another port, or 0 for any free one";
     default:
         return failed.errorString();
     }

@@ -43,7 +43,7 @@ QString didYouMean(const QString& word, const QStringList& known)
             closest = candidate;
         fewest = std::min(fewest, edits);
     }
-    return closest.isEmpty() ? QString() : QStringLiteral(" (did you mean %1?)").arg(closest);
+    return closest.isEmpty() ? QString() : QString(" (did you mean %1?)").arg(closest);
 }
 
 }  // namespace fxsim

@@ -38,10 +38,10 @@ QString rangesOf(const QString& name)
     QStringList ranges;
     for (const DeviceType& type : types) {
         if (name == QLatin1String(type.name))
-            ranges.append(Device{&type, type.first}.name() + QStringLiteral(" to ") +
+            ranges.append(Device{&type, type.first}.name() + " to " +
                           Device{&type, type.last}.name());
     }
-    return ranges.join(QStringLiteral(" or "));
+    return ranges.join(" or ");
 }
 
 }  // namespace
@@ -64,7 +64,7 @@ int Device::bit() const
 
 std::optional<Device> parseDevice(const QString& text)
 {
-    static const QRegularExpression form(QStringLiteral("^(32CV|[A-Z]+)([0-9]+)$"),
+    static const QRegularExpression form("^(32CV|[A-Z]+)([0-9]+)$",
                                          QRegularExpression::CaseInsensitiveOption);
     const QRegularExpressionMatch match = form.match(text);
     if (!match.hasMatch())
@@ -72,7 +72,7 @@ std::optional<Device> parseDevice(const QString& text)
     const QString name = match.captured(1).toUpper();
     const QString ranges = rangesOf(name);
     if (ranges.isEmpty())
-        throw invalid("device", text, QStringLiteral("X, Y, M, S, T, C, D, TV, CV or 32CV"));
+        throw invalid("device", text, "X, Y, M, S, T, C, D, TV, CV or 32CV");
     for (const DeviceType& type : types) {
         bool isNumber = false;
         const int number = match.captured(2).toInt(&isNumber, type.base);
@@ -80,8 +80,8 @@ std::optional<Device> parseDevice(const QString& text)
             number <= type.last)
             return Device{&type, number};
     }
-    const bool octal = name == QLatin1String("X") || name == QLatin1String("Y");
-    throw invalid("device", text, ranges + (octal ? QStringLiteral(", in octal") : QString()));
+    const bool octal = name == "X" || name == "Y";
+    throw invalid("device", text, ranges + (octal ? ", in octal" : QString()));
 }
 
 Device device(const char* name)

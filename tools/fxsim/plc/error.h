@@ -31,7 +31,7 @@ public:
     QString text() const { return QString::fromUtf8(what()); }
 
     // The same with the place where it happened in front: "plant.json: line 3: ...".
-    Error at(const QString& place) const { return {m_code, place + QStringLiteral(": ") + text()}; }
+    Error at(const QString& place) const { return {m_code, place + ": " + text()}; }
 
 private:
     ExitCode m_code;
@@ -41,7 +41,7 @@ private:
 inline QString quotable(const QString& text)
 {
     constexpr int longest = 60;
-    QString shown = text.size() > longest ? text.left(longest - 3) + QStringLiteral("...") : text;
+    QString shown = text.size() > longest ? text.left(longest - 3) + "..." : text;
     for (QChar& character : shown) {
         if (!character.isPrint())
             character = '?';
@@ -53,7 +53,7 @@ inline QString quotable(const QString& text)
 inline Error invalid(const char* what, const QString& text, const QString& expected)
 {
     return {ExitCode::Usage,
-            QStringLiteral("invalid %1 '%2': expected %3").arg(what, quotable(text), expected)};
+            QString("invalid %1 '%2': expected %3").arg(what, quotable(text), expected)};
 }
 
 }  // namespace fxsim

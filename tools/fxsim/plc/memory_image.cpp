@@ -71,14 +71,14 @@ void placeData(HexReader& reader, int offset, const QByteArray& data)
 {
     const qint64 address = reader.base + offset;
     if (address > addressableBytes - data.size())
-        refuseImage(QStringLiteral("data beyond 64 KiB"));
+        refuseImage("data beyond 64 KiB");
     reader.image.replace(static_cast<int>(address), data.size(), data);
 }
 
 qint64 extendedAddress(const QByteArray& data)
 {
     if (data.size() != 2)
-        refuseImage(QStringLiteral("an extended address must have 2 bytes"));
+        refuseImage("an extended address must have 2 bytes");
     return wordAt(data, 0);
 }
 
@@ -102,19 +102,19 @@ void takeRecord(HexReader& reader, const QByteArray& record)
     case RecordType::LinearStart:
         return;  // where a program would begin: nothing to a memory
     }
-    refuseImage(QStringLiteral("unknown record type %1").arg(static_cast<quint8>(record[3])));
+    refuseImage(QString("unknown record type %1").arg(static_cast<quint8>(record[3])));
 }
 
 void takeLine(HexReader& reader, const QByteArray& line)
 {
     if (!line.startsWith(':') || !isHex(line.mid(1)) || line.size() % 2 == 0)
-        refuseImage(QStringLiteral("expected \":\" followed by pairs of hex digits"));
+        refuseImage("expected \":\" followed by pairs of hex digits");
     const QByteArray record = QByteArray::fromHex(line.mid(1));
     if (record.size() < recordAround ||
         record.size() != recordAround + static_cast<quint8>(record[0]))
-        refuseImage(QStringLiteral("the length of the record does not match its byte count"));
+        refuseImage("the length of the record does not match its byte count");
     if (sumOfBytes(record) != 0)
-        refuseImage(QStringLiteral("wrong checksum"));
+        refuseImage("wrong checksum");
     takeRecord(reader, record);
 }
 
@@ -145,11 +145,11 @@ void applyHex(const QByteArray& text, QByteArray& image)
         try {
             takeLine(reader, record);
         } catch (const Error& error) {
-            throw error.at(QStringLiteral("line %1").arg(number));
+            throw error.at(QString("line %1").arg(number));
         }
     }
     if (!reader.ended)
-        refuseImage(QStringLiteral("the end record (:00000001FF) is missing"));
+        refuseImage("the end record (:00000001FF) is missing");
     image = reader.image;
 }
 
@@ -169,12 +169,11 @@ QByteArray wholeFile(const QString& path)
 {
     QFile file(path);
     if (QFileInfo(path).exists() && !QFileInfo(path).isFile())
-        refuseImage(QStringLiteral("not a regular file"));
+        refuseImage("not a regular file");
     if (!file.open(QIODevice::ReadOnly))
         refuseImage(file.errorString());
     if (file.size() > largestFile)
-        refuseImage(
-            QStringLiteral("%1 MB is too large: at most 1 MB makes sense").arg(file.size() >> 20));
+        refuseImage(QString("%1 MB is too large: at most 1 MB makes sense").arg(file.size() >> 20));
     return file.readAll();
 }
 
@@ -192,16 +191,15 @@ void checkSaving(const QString& path)
     const QFileInfo file(path);
     const QFileInfo folder(file.absolutePath());
     if (file.isDir())
-        refuseImage(QStringLiteral("%1: this is a folder, not a file").arg(path));
+        refuseImage(QString("%1: this is a folder, not a file").arg(path));
     if (file.exists() && !file.isFile())
-        refuseImage(QStringLiteral("%1: not a regular file").arg(path));
+        refuseImage(QString("%1: not a regular file").arg(path));
     if (file.exists() && !file.isWritable())
-        refuseImage(QStringLiteral("%1: no permission to write this file").arg(path));
+        refuseImage(QString("%1: no permission to write this file").arg(path));
     if (!folder.isDir())
-        refuseImage(
-            QStringLiteral("%1: the folder %2 does not exist").arg(path, folder.filePath()));
+        refuseImage(QString("%1: the folder %2 does not exist").arg(path, folder.filePath()));
     if (!folder.isWritable())
-        refuseImage(QStringLiteral("%1: no permission to write in this folder").arg(path));
+        refuseImage(QString("%1: no permission to write in this folder").arg(path));
 }
 
 // Renamed over an older file when all of it is on the disk. commit() by itself does not notice that

@@ -59,7 +59,7 @@ const Model& findModel(const QString& name)
             return model;
         names.append(QLatin1String(model.name));
     }
-    throw invalid("model", name, names.join(QStringLiteral(", ")));
+    throw invalid("model", name, names.join(", "));
 }
 
 PlcMemory memoryOf(const Model& model)

@@ -18,8 +18,8 @@ AddressRange bytesOf(const QString& text)
         const int bytes = std::max(1, device->type->byteCount());
         return {device->address(), device->address() + bytes - 1};
     }
-    if (!text.startsWith(QLatin1String("0x"), Qt::CaseInsensitive))
-        throw invalid("address", text, QStringLiteral("hex, as in 0x1000, or a device, as in D0"));
+    if (!text.startsWith("0x", Qt::CaseInsensitive))
+        throw invalid("address", text, "hex, as in 0x1000, or a device, as in D0");
     const int address = parseByteAddress(text);
     return {address, address};
 }
@@ -29,7 +29,7 @@ AddressRange parseRange(const QString& text)
     const QStringList ends = text.split('-');
     const AddressRange range{bytesOf(ends.first()).first, bytesOf(ends.last()).last};
     if (ends.size() > 2 || range.last < range.first)
-        throw invalid("range", text, QStringLiteral("FIRST-LAST, as in 0x0000-0x7FFF or D0-D99"));
+        throw invalid("range", text, "FIRST-LAST, as in 0x0000-0x7FFF or D0-D99");
     return range;
 }
 
@@ -37,8 +37,7 @@ MirrorWindow parseMirror(const QString& text)
 {
     const QStringList fields = text.split(':');
     if (fields.size() != 3)
-        throw invalid("mirror", text,
-                      QStringLiteral("FROM:TO:BYTES, as in 0x0F00:0x0E00:256, or none"));
+        throw invalid("mirror", text, "FROM:TO:BYTES, as in 0x0F00:0x0E00:256, or none");
     const int from = bytesOf(fields[0]).first;
     const int to = bytesOf(fields[1]).first;
     const int room = addressableBytes - std::max(from, to);
@@ -58,14 +57,14 @@ QVector<Item> parseList(const QString& text, Item (*parse)(const QString&))
 
 qint64 parseInteger(const QString& text, qint64 lowest, qint64 highest, const char* what)
 {
-    const bool hex = text.startsWith(QLatin1String("0x"), Qt::CaseInsensitive);
+    const bool hex = text.startsWith("0x", Qt::CaseInsensitive);
     const bool signAfterPrefix = hex && text.size() > 2 && !text[2].isLetterOrNumber();
     bool isNumber = false;
     const qint64 number = hex ? text.mid(2).toLongLong(&isNumber, 16) : text.toLongLong(&isNumber);
     if (!isNumber || signAfterPrefix || number < lowest || number > highest)
         throw invalid(what, text,
                       lowest == highest ? QString::number(lowest)
-                                        : QStringLiteral("%1 to %2").arg(lowest).arg(highest));
+                                        : QString("%1 to %2").arg(lowest).arg(highest));
     return number;
 }
 
@@ -79,7 +78,7 @@ int parseByteAddress(const QString& text)
     try {
         return parseNumber(text, 0, addressableBytes - 1);
     } catch (const Error&) {
-        throw invalid("address", text, QStringLiteral("a device, as in D100, or 0x0000 to 0xFFFF"));
+        throw invalid("address", text, "a device, as in D100, or 0x0000 to 0xFFFF");
     }
 }
 
@@ -94,7 +93,7 @@ MemoryPlace parsePlace(const QString& text)
         return {parseByteAddress(text), std::nullopt, std::nullopt};
     const int bits = device ? device->type->bits : bitsPerByte;
     if (bits == 1)
-        throw invalid("address", text, device->name() + QStringLiteral(", which is a bit"));
+        throw invalid("address", text, device->name() + ", which is a bit");
     const int bit = parseNumber(text.mid(dot + 1), 0, bits - 1, "bit number");
     const int address = device ? device->address() : parseByteAddress(text.left(dot));
     return {address + bit / bitsPerByte, bit % bitsPerByte, std::nullopt};
@@ -113,7 +112,7 @@ QVector<AddressRange> parseRanges(const QString& text)
 
 QVector<MirrorWindow> parseMirrors(const QString& text)
 {
-    if (text == QLatin1String("none"))
+    if (text == "none")
         return {};
     return parseList<MirrorWindow>(text, parseMirror);
 }

@@ -50,9 +50,9 @@ public:
         const bool whole = value.isDouble() && number == std::floor(number);
         if (!whole || number < static_cast<double>(limits.lowest) ||
             number > static_cast<double>(limits.highest))
-            refuseValue(key, QStringLiteral("a whole number from %1 to %2")
-                                 .arg(limits.lowest)
-                                 .arg(limits.highest));
+            refuseValue(
+                key,
+                QString("a whole number from %1 to %2").arg(limits.lowest).arg(limits.highest));
         return static_cast<qint64>(number);
     }
 
@@ -71,8 +71,8 @@ public:
 
     MemoryPlace place(const char* key)
     {
-        const QString name = text(key, QStringLiteral("a device, as in \"D100\", or an address, as "
-                                                      "in \"0x1000\" or \"0x0100.3\""));
+        const QString name = text(key, "a device, as in \"D100\", or an address, as "
+                                       "in \"0x1000\" or \"0x0100.3\"");
         return placeNamed(name, key);
     }
 
@@ -81,15 +81,14 @@ public:
         try {
             return parsePlace(name);
         } catch (const Error& error) {
-            refuseScript(QStringLiteral("\"%1\": %2").arg(key, error.text()));
+            refuseScript(QString("\"%1\": %2").arg(key, error.text()));
         }
     }
 
     void requireMemory(int address, int byteCount, const char* key) const
     {
         if (!m_memory.has(address, std::max(1, byteCount)))
-            refuseScript(
-                QStringLiteral("\"%1\": this PLC does not have all of that memory").arg(key));
+            refuseScript(QString("\"%1\": this PLC does not have all of that memory").arg(key));
     }
 
     // What the step works on, with the bytes that it says or that the device has.
@@ -118,7 +117,7 @@ public:
         const QJsonArray items = value.isArray() ? value.toArray() : QJsonArray{value};
         for (const QJsonValue& item : items) {
             if (!item.isString())
-                refuseValue(key, QStringLiteral("a condition, as in \"D100 > 5\", or a list"));
+                refuseValue(key, "a condition, as in \"D100 > 5\", or a list");
             texts.append(item.toString());
         }
         return texts;
@@ -127,16 +126,15 @@ public:
     [[noreturn]] void refuseValue(const char* key, const QString& expected) const
     {
         const QString name = QLatin1String(key);
-        const QString is = has(key) ? QStringLiteral("is ") + quoted(m_object.value(name))
-                                    : QStringLiteral("is missing");
-        refuseScript(QStringLiteral("\"%1\" %2: expected %3").arg(name, is, expected));
+        const QString is = has(key) ? "is " + quoted(m_object.value(name)) : "is missing";
+        refuseScript(QString("\"%1\" %2: expected %3").arg(name, is, expected));
     }
 
     void refuseOtherKeys() const
     {
         for (const QString& key : m_object.keys()) {
             if (!m_read.contains(key))
-                refuseScript(QStringLiteral("\"%1\" is not expected here").arg(key));
+                refuseScript(QString("\"%1\" is not expected here").arg(key));
         }
     }
 
@@ -145,7 +143,7 @@ private:
     {
         const auto bytes = numberOr("bytes", defaultBytes, {1, 4});
         if (bytes == 3)
-            refuseValue("bytes", QStringLiteral("1, 2 or 4"));
+            refuseValue("bytes", "1, 2 or 4");
         return static_cast<int>(bytes);
     }
 
@@ -157,7 +155,7 @@ private:
 
     QJsonObject m_object;
     const PlcMemory& m_memory;
-    QStringList m_read{QStringLiteral("comment")};  // which JSON has no other place for
+    QStringList m_read{"comment"};  // which JSON has no other place for
 };
 
 void readTimes(StepReader& reader, ScriptStep& step)
@@ -170,7 +168,7 @@ void readTimes(StepReader& reader, ScriptStep& step)
         return;
     }
     if (reader.has("at") == reader.has("every"))
-        refuseScript(QStringLiteral("expected either \"at\" or \"every\""));
+        refuseScript("expected either \"at\" or \"every\"");
     if (reader.has("at")) {
         step.firstMs = reader.number("at", moment);
         return;
@@ -186,26 +184,22 @@ Condition readCondition(StepReader& reader, const QString& text)
         {"=", Is::Equal},        {"==", Is::Equal},  {"!=", Is::Unequal},       {"<", Is::Less},
         {"<=", Is::LessOrEqual}, {">", Is::Greater}, {">=", Is::GreaterOrEqual}};
     static const QRegularExpression form(
-        QStringLiteral("^\\s*(!?)\\s*([^\\s!=<>]+)\\s*(?:(==?|!=|<=?|>=?)\\s*(\\S+)\\s*)?$"));
+        "^\\s*(!?)\\s*([^\\s!=<>]+)\\s*(?:(==?|!=|<=?|>=?)\\s*(\\S+)\\s*)?$");
     const QRegularExpressionMatch match = form.match(text);
     const QString comparison = match.captured(3);
     const bool negated = !match.captured(1).isEmpty();
-    if (!match.hasMatch() || (negated && !comparison.isEmpty())) {
-        refuseScript(
-            QStringLiteral("\"if\": invalid condition '%1': expected a bit, as in \"X0\" or "
-                           "\"!X0\", or a comparison, as in \"D100 > 5\"")
-                .arg(quotable(text)));
-    }
+    if (!match.hasMatch() || (negated && !comparison.isEmpty()))
+        refuseScript(QString("\"if\": invalid condition '%1': expected a bit, as in \"X0\" or "
+                             "\"!X0\", or a comparison, as in \"D100 > 5\"")
+                         .arg(quotable(text)));
     const MemoryPlace left = reader.placeNamed(match.captured(2), "if");
     Condition condition{StepReader::cellOf(left), negated ? Is::Equal : Is::Unequal, {}, 0};
     reader.requireMemory(condition.left.address, condition.left.byteCount, "if");
     if (comparison.isEmpty()) {
-        if (!left.bit) {
-            refuseScript(
-                QStringLiteral("\"if\": what is %1 compared with? Write a comparison, as in "
-                               "\"%1 > 5\"")
-                    .arg(match.captured(2)));
-        }
+        if (!left.bit)
+            refuseScript(QString("\"if\": what is %1 compared with? Write a comparison, as in "
+                                 "\"%1 > 5\"")
+                             .arg(match.captured(2)));
         return condition;
     }
     condition.is = comparisons[comparison];
@@ -226,7 +220,7 @@ void readSet(StepReader& reader, ScriptStep& step)
 void requireWord(const StepReader& reader, const ScriptStep& step, const char* key)
 {
     if (step.cell.byteCount == 0)
-        reader.refuseValue(key, QStringLiteral("a word, as in \"D100\", and not a bit"));
+        reader.refuseValue(key, "a word, as in \"D100\", and not a bit");
 }
 
 void readAdd(StepReader& reader, ScriptStep& step)
@@ -245,8 +239,7 @@ void readToggle(StepReader& reader, ScriptStep& step)
 {
     step.cell = reader.cell("toggle");
     if (step.cell.byteCount > 0)
-        reader.refuseValue("toggle",
-                           QStringLiteral("a bit, as in \"X0\", \"D5.3\" or \"0x0080.3\""));
+        reader.refuseValue("toggle", "a bit, as in \"X0\", \"D5.3\" or \"0x0080.3\"");
 }
 
 void readCopy(StepReader& reader, ScriptStep& step)
@@ -257,7 +250,7 @@ void readCopy(StepReader& reader, ScriptStep& step)
     step.copyTo = StepReader::cellOf(to);
     const bool isBits = from.bit.has_value();
     if (isBits != to.bit.has_value() || step.cell.byteCount != step.copyTo.byteCount)
-        reader.refuseValue("to", QStringLiteral("as many bits as there are in one of \"copy\""));
+        reader.refuseValue("to", "as many bits as there are in one of \"copy\"");
     const int room = addressableBytes - std::max(from.address, to.address);
     const int unit = std::max(1, step.cell.byteCount);
     if (!from.device && !isBits)
@@ -284,7 +277,7 @@ void readRamp(StepReader& reader, ScriptStep& step)
     step.overMs = reader.number("over", {1, longestMs});
     if (!reader.has("then"))
         return;
-    const QString expected = QStringLiteral("\"hold\", \"back\" or \"repeat\"");
+    const QString expected = "\"hold\", \"back\" or \"repeat\"";
     const QString then = reader.text("then", expected);
     if (!ends.contains(then))
         reader.refuseValue("then", expected);
@@ -324,9 +317,8 @@ ScriptStep readStep(const QJsonObject& object, const PlcMemory& memory)
         row.read(reader, step);
     }
     if (actions != 1)
-        refuseScript(
-            QStringLiteral("expected exactly one of \"set\", \"add\", \"toggle\", \"copy\", "
-                           "\"ramp\" and \"random\""));
+        refuseScript("expected exactly one of \"set\", \"add\", \"toggle\", \"copy\", "
+                     "\"ramp\" and \"random\"");
     readTimes(reader, step);
     if (reader.has("if")) {
         for (const QString& text : reader.texts("if"))
@@ -365,13 +357,13 @@ QJsonArray stepsOf(const QByteArray& json)
     const QJsonDocument document = QJsonDocument::fromJson(json, &problem);
     if (problem.error != QJsonParseError::NoError) {
         const int line = 1 + json.left(problem.offset).count('\n');
-        refuseScript(QStringLiteral("line %1: %2").arg(line).arg(problem.errorString()));
+        refuseScript(QString("line %1: %2").arg(line).arg(problem.errorString()));
     }
     const QJsonObject top = document.object();
-    const int comments = top.contains(QLatin1String("comment")) ? 1 : 0;
-    if (!top[QLatin1String("steps")].isArray() || top.size() != 1 + comments)
-        refuseScript(QStringLiteral("expected { \"steps\": [ ... ] }"));
-    return top[QLatin1String("steps")].toArray();
+    const int comments = top.contains("comment") ? 1 : 0;
+    if (!top["steps"].isArray() || top.size() != 1 + comments)
+        refuseScript("expected { \"steps\": [ ... ] }");
+    return top["steps"].toArray();
 }
 
 }  // namespace
@@ -385,14 +377,13 @@ std::unique_ptr<Program> parseScript(const QByteArray& json, const PlcMemory& me
         const int number = steps.size() + 1;
         try {
             if (!value.isObject())
-                refuseScript(
-                    QStringLiteral("%1 is not a step: expected { ... }").arg(quoted(value)));
+                refuseScript(QString("%1 is not a step: expected { ... }").arg(quoted(value)));
             steps.append(readStep(value.toObject(), memory));
         } catch (const Error& error) {
-            const QString step = QStringLiteral("step %1").arg(number);
+            const QString step = QString("step %1").arg(number);
             if (!value.isObject())
                 throw error.at(step);
-            throw error.at(QStringLiteral("line %1, %2").arg(lines.value(number - 1)).arg(step));
+            throw error.at(QString("line %1, %2").arg(lines.value(number - 1)).arg(step));
         }
     }
     return std::make_unique<ScriptProgram>(steps, seed);

@@ -30,8 +30,7 @@ QString bitText(const PanelState& state, const Simulator& plc, const Device& dev
 {
     const bool byHand = *device.type->name == 'X' && plc.switches().contains(device.number);
     if (state.isUtf8)
-        return byHand ? (on ? QStringLiteral("■") : QStringLiteral("□"))
-                      : (on ? QStringLiteral("●") : QStringLiteral("○"));
+        return byHand ? (on ? "■" : "□") : (on ? "●" : "○");
     return QString(byHand ? (on ? '#' : '-') : (on ? '*' : '.'));
 }
 
@@ -48,10 +47,8 @@ QString groupText(const PanelState& state, Simulator& plc, const Device& first)
 
 QString stateText(const PanelState& state, Simulator& plc)
 {
-    const QString mode = state.isOff       ? QStringLiteral("OFF")
-                         : plc.isRunning() ? QStringLiteral("RUN")
-                                           : QStringLiteral("STOP");
-    return QStringLiteral("fxsim  %1  exchanges %2  faults %3")
+    const QString mode = state.isOff ? "OFF" : plc.isRunning() ? "RUN" : "STOP";
+    return QString("fxsim  %1  exchanges %2  faults %3")
         .arg(mode.leftJustified(4))
         .arg(plc.statistics().exchanges)
         .arg(faultPlanText(plc.settings().faults));
@@ -106,11 +103,9 @@ void addWords(Panel& panel, const PanelState& state, Simulator& plc)
 
 QString keysText(const PanelState& state)
 {
-    const QString whole = QStringLiteral("arrows choose  space switch  a automatic  s RUN/STOP  "
-                                         ": command  q quit");
-    return whole.size() <= state.columns
-               ? whole
-               : QStringLiteral("space switch  s stop  : command  q quit");
+    const QString whole = "arrows choose  space switch  a automatic  s RUN/STOP  "
+                          ": command  q quit";
+    return whole.size() <= state.columns ? whole : "space switch  s stop  : command  q quit";
 }
 
 }  // namespace

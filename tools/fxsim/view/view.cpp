@@ -242,13 +242,12 @@ void View::switchSelected()
 {
     const Device input = device("X0").next(m_state.selected);
     if (!m_plc.memory().has(input.address(), 1)) {
-        m_state.message = QStringLiteral("this PLC does not have %1").arg(input.name());
+        m_state.message = QString("this PLC does not have %1").arg(input.name());
         return;
     }
     const bool on = valueOf(m_plc.memory(), input) == 0;
     m_plc.switchInput(m_state.selected, on);
-    m_state.message = QStringLiteral("%1 switched %2")
-                          .arg(input.name(), on ? QStringLiteral("on") : QStringLiteral("off"));
+    m_state.message = QString("%1 switched %2").arg(input.name(), on ? "on" : "off");
 }
 
 }  // namespace fxsim

@@ -22,7 +22,7 @@ namespace {
 
 int openDescriptors(const FxsimProcess& process)
 {
-    const QDir folder(QStringLiteral("/proc/%1/fd").arg(process.processId()));
+    const QDir folder(QString("/proc/%1/fd").arg(process.processId()));
     return folder.entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size();
 }
 

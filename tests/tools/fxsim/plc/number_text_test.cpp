@@ -20,7 +20,7 @@ TEST(NumberText, ReadsDecimalAndHex)
     for (const char* text :
          {"", "0x", "x", "1.5", "101", "-11", "1 2", "0x-1", "0x+1", "+", "99999999999"})
         EXPECT_EQ(errorText([text] { parseNumber(text, -10, 100); }),
-                  QStringLiteral("invalid number '%1': expected -10 to 100").arg(text));
+                  QString("invalid number '%1': expected -10 to 100").arg(text));
     EXPECT_EQ(errorText([] { parseNumber("2", 1, 1, "byte"); }), "invalid byte '2': expected 1");
 }
 
@@ -29,8 +29,8 @@ TEST(NumberText, ReadsAddresses)
     EXPECT_EQ(parseByteAddress("0xFFFF"), 65535);
     for (const char* text : {"0x10000", "-1", "D"})
         EXPECT_EQ(errorText([text] { parseByteAddress(text); }),
-                  QStringLiteral("invalid address '%1': expected a device, as in D100, or 0x0000 "
-                                 "to 0xFFFF")
+                  QString("invalid address '%1': expected a device, as in D100, or 0x0000 "
+                          "to 0xFFFF")
                       .arg(text));
 }
 
@@ -80,7 +80,7 @@ TEST(NumberText, ReadsDevices)
     };
     for (const auto& row : wrong)
         EXPECT_EQ(errorText([&row] { parsePlace(row.text); }),
-                  QStringLiteral("invalid device '%1': expected %2").arg(row.text, row.expected));
+                  QString("invalid device '%1': expected %2").arg(row.text, row.expected));
 }
 
 TEST(NumberText, ReadsRanges)
