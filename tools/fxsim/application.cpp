@@ -3,7 +3,7 @@
 
 #include "tools/fxsim/application.h"
 
-#include "tools/fxsim/line/trace_text.h"
+#include "tools/fxsim/line/simulator.h"
 #include "tools/fxsim/plc/memory_image.h"
 #include "tools/fxsim/plc/sample_program.h"
 #include "tools/fxsim/plc/script_program.h"

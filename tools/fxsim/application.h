@@ -7,7 +7,7 @@
 #pragma once
 
 #include "tools/fxsim/control/control_channels.h"
-#include "tools/fxsim/line/clock.h"
+#include "tools/fxsim/line/paced_line.h"
 #include "tools/fxsim/links/link.h"
 #include "tools/fxsim/options.h"
 #include "tools/fxsim/view/view.h"

@@ -5,7 +5,6 @@
 
 #include "tools/fxsim/options.h"
 
-#include "tools/fxsim/plc/closest_word.h"
 #include "tools/fxsim/plc/number_text.h"
 
 #include <CLI/CLI.hpp>

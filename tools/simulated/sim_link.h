@@ -7,7 +7,7 @@
 #pragma once
 
 #include "tools/fxsim/control/control.h"
-#include "tools/fxsim/line/clock.h"
+#include "tools/fxsim/line/paced_line.h"
 #include "tools/fxsim/line/session.h"
 #include "tools/fxsim/plc/sample_program.h"
 #include "tools/link/link.h"

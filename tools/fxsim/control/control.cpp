@@ -3,7 +3,6 @@
 
 #include "tools/fxsim/control/control.h"
 
-#include "tools/fxsim/plc/closest_word.h"
 #include "tools/fxsim/plc/memory_image.h"
 #include "tools/fxsim/plc/number_text.h"
 

@@ -3,7 +3,7 @@
 
 #include "tools/fxsim/control/control_channels.h"
 
-#include "tools/fxsim/links/descriptors.h"
+#include "tools/fxsim/links/link.h"
 #include "tools/fxsim/plc/error.h"
 
 #include <QFileInfo>

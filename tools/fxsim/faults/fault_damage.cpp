@@ -6,7 +6,7 @@
 
 #include "tools/fxsim/faults/fault_damage.h"
 
-#include "tools/fxsim/line/characters.h"
+#include "tools/fxsim/line/frame_reader.h"
 
 #include <algorithm>
 

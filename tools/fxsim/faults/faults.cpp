@@ -5,7 +5,6 @@
 
 #include "tools/fxsim/faults/faults.h"
 
-#include "tools/fxsim/plc/closest_word.h"
 #include "tools/fxsim/plc/number_text.h"
 
 #include <QStringList>

@@ -3,8 +3,6 @@
 
 #include "tools/fxsim/line/frame_reader.h"
 
-#include "tools/fxsim/line/characters.h"
-
 namespace fxsim {
 
 QVector<LineEvent> FrameReader::receive(const QByteArray& bytes)
@@ -75,6 +73,54 @@ void FrameReader::flushJunk(QVector<LineEvent>& events)
         return;
     events.append({LineEvent::Kind::Junk, m_junk});
     m_junk.clear();
+}
+
+int hexDigitValue(char digit)
+{
+    if (digit >= '0' && digit <= '9')
+        return digit - '0';
+    if (digit >= 'A' && digit <= 'F')
+        return digit - 'A' + 10;
+    return -1;
+}
+
+int hexNumber(std::string_view digits)
+{
+    int number = 0;
+    for (const char digit : digits) {
+        const int value = hexDigitValue(digit);
+        if (value < 0)
+            return -1;
+        number = number << 4 | value;
+    }
+    return number;
+}
+
+QByteArray hexOfBytes(const QByteArray& bytes)
+{
+    return bytes.toHex().toUpper();
+}
+
+QByteArray bytesOfHex(std::string_view digits)
+{
+    return QByteArray::fromHex(
+        QByteArray::fromRawData(digits.data(), static_cast<int>(digits.size())));
+}
+
+quint8 sumOf(std::string_view fromCommandToEtx)
+{
+    quint8 sum = 0;
+    for (const char character : fromCommandToEtx)
+        sum = static_cast<quint8>(sum + static_cast<quint8>(character));
+    return sum;
+}
+
+QByteArray framed(const QByteArray& content)
+{
+    QByteArray frame = stx + content + etx;
+    const quint8 sum =
+        sumOf(std::string_view(frame.constData(), static_cast<size_t>(frame.size())).substr(1));
+    return frame += hexOfBytes(QByteArray(1, static_cast<char>(sum)));
 }
 
 }  // namespace fxsim

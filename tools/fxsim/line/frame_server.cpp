@@ -6,7 +6,7 @@
 
 #include "tools/fxsim/line/frame_server.h"
 
-#include "tools/fxsim/line/characters.h"
+#include "tools/fxsim/line/frame_reader.h"
 
 #include <algorithm>
 #include <iterator>

@@ -9,6 +9,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QElapsedTimer>
 #include <QQueue>
 
 namespace fxsim {
@@ -64,6 +65,17 @@ private:
     qint64 m_receivingUntilUs = 0;
     qint64 m_sendingUntilUs = 0;
     QQueue<Piece> m_pieces;
+};
+
+// The simulator's one clock: microseconds since it was made.
+class Clock
+{
+public:
+    Clock() { m_timer.start(); }
+    qint64 nowUs() const { return m_timer.nsecsElapsed() / 1000; }
+
+private:
+    QElapsedTimer m_timer;
 };
 
 }  // namespace fxsim

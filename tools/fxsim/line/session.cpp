@@ -3,7 +3,7 @@
 
 #include "tools/fxsim/line/session.h"
 
-#include "tools/fxsim/line/characters.h"
+#include "tools/fxsim/line/frame_reader.h"
 
 namespace fxsim {
 

@@ -20,7 +20,6 @@
 #include "tools/fxsim/line/statistics.h"
 #include "tools/fxsim/plc/model.h"
 #include "tools/fxsim/plc/plc_memory.h"
-#include "tools/fxsim/plc/program.h"
 
 #include <QByteArray>
 #include <QMap>
@@ -125,5 +124,12 @@ private:
     qint64 m_offUntilUs = 0;
     qint64 m_exchangesBeforePlan = 0;
 };
+
+// One trace line from one entry: time in seconds, client, direction, the bytes in hex, the same
+// bytes readable, and what the simulator made of them.
+QByteArray traceLine(const TraceEntry& entry);
+
+// Control characters by name, the rest as they are: "<STX>010C804<ETX>73".
+QByteArray readable(const QByteArray& bytes);
 
 }  // namespace fxsim

@@ -6,7 +6,7 @@
 
 #pragma once
 
-#include "tools/fxsim/line/clock.h"
+#include "tools/fxsim/line/paced_line.h"
 #include "tools/fxsim/line/session.h"
 
 #include <QHostAddress>
@@ -15,6 +15,8 @@
 
 #include <functional>
 #include <memory>
+
+#include <sys/resource.h>
 
 namespace fxsim {
 
@@ -83,5 +85,16 @@ std::unique_ptr<Link> makeTcpLink(Simulator& simulator, const Clock& clock,
 // characters.
 std::unique_ptr<Link> makeSerialLink(Simulator& simulator, const Clock& clock,
                                      const QString& device, int baud);
+
+// Descriptors that no client gets, so that there is always one for a file and for telling the next
+// client that there are too many: without any, a server is woken for ever by a client that it
+// cannot accept.
+inline bool isTooMany(int descriptor)
+{
+    constexpr rlim_t spare = 16;
+    rlimit limit{};
+    getrlimit(RLIMIT_NOFILE, &limit);
+    return static_cast<rlim_t>(descriptor) + spare >= limit.rlim_cur;
+}
 
 }  // namespace fxsim

@@ -1,7 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 
-#include "tools/fxsim/links/descriptors.h"
 #include "tools/fxsim/links/link.h"
 #include "tools/fxsim/plc/error.h"
 

@@ -4,8 +4,10 @@
 #include "tools/fxsim/plc/number_text.h"
 
 #include <QStringList>
+#include <QVector>
 
 #include <algorithm>
+#include <numeric>
 
 namespace fxsim {
 
@@ -51,6 +53,25 @@ QVector<Item> parseList(const QString& text, Item (*parse)(const QString&))
     for (const QString& part : text.split(','))
         items.append(parse(part.trimmed()));
     return items;
+}
+
+constexpr int mostEdits = 2;
+constexpr int longestWord = 40;
+
+// How many characters must be put in, taken out or changed.
+int editsBetween(const QString& from, const QString& to)
+{
+    QVector<int> row(to.size() + 1);
+    std::iota(row.begin(), row.end(), 0);
+    for (const QChar character : from) {
+        int diagonal = row[0]++;
+        for (int column = 1; column <= to.size(); ++column) {
+            const int changed = diagonal + (character == to[column - 1] ? 0 : 1);
+            diagonal = row[column];
+            row[column] = std::min({changed, row[column] + 1, row[column - 1] + 1});
+        }
+    }
+    return row.last();
 }
 
 }  // namespace
@@ -115,6 +136,19 @@ QVector<MirrorWindow> parseMirrors(const QString& text)
     if (text == "none")
         return {};
     return parseList<MirrorWindow>(text, parseMirror);
+}
+
+QString didYouMean(const QString& word, const QStringList& known)
+{
+    QString closest;
+    int fewest = mostEdits + 1;
+    for (const QString& candidate : known) {
+        const int edits = editsBetween(word.left(longestWord), candidate);
+        if (edits < fewest && edits < candidate.size() - 1)
+            closest = candidate;
+        fewest = std::min(fewest, edits);
+    }
+    return closest.isEmpty() ? QString() : QString(" (did you mean %1?)").arg(closest);
 }
 
 }  // namespace fxsim

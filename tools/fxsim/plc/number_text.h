@@ -11,6 +11,8 @@
 #include "tools/fxsim/plc/error.h"
 #include "tools/fxsim/plc/plc_memory.h"
 
+#include <QStringList>
+
 #include <optional>
 
 namespace fxsim {
@@ -38,5 +40,8 @@ ValueLimits limitsOf(int byteCount);  // 0: of a bit
 
 QVector<AddressRange> parseRanges(const QString& text);   // separated by commas
 QVector<MirrorWindow> parseMirrors(const QString& text);  // separated by commas, or "none"
+
+// What somebody may have meant: " (did you mean peek?)" for "pek"; empty when nothing is close.
+QString didYouMean(const QString& word, const QStringList& known);
 
 }  // namespace fxsim

@@ -65,4 +65,14 @@ private:
     QVector<MirrorWindow> m_mirrors;
 };
 
+// What runs inside the PLC and changes its memory over time. The simulator starts it at power-on
+// and advances it with each scan; the time counts from that start.
+class Program
+{
+public:
+    virtual ~Program() = default;
+    virtual void start(PlcMemory& memory) = 0;
+    virtual void advance(PlcMemory& memory, qint64 elapsedMs) = 0;
+};
+
 }  // namespace fxsim

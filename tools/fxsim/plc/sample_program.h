@@ -21,7 +21,7 @@
 
 #pragma once
 
-#include "tools/fxsim/plc/program.h"
+#include "tools/fxsim/plc/plc_memory.h"
 
 namespace fxsim {
 

@@ -23,7 +23,7 @@
 
 #include "tools/fxsim/faults/dice.h"
 #include "tools/fxsim/plc/number_text.h"
-#include "tools/fxsim/plc/program.h"
+#include "tools/fxsim/plc/plc_memory.h"
 
 #include <memory>
 

@@ -4,7 +4,7 @@
 // Trace lines as people read them.
 
 #include "tests/tools/fxsim/printing.h"
-#include "tools/fxsim/line/trace_text.h"
+#include "tools/fxsim/line/simulator.h"
 
 #include <gtest/gtest.h>
 
