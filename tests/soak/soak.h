@@ -10,8 +10,8 @@
 
 #include "memory_trend.h"
 #include "plc_map.h"
-#include "tests/tools/support/virtual_line.h"
-#include "tools/exchange/recipe_transfer.h"
+#include "soak_line.h"
+#include "tools/exchange/polling.h"
 #include "write_book.h"
 
 #include <random>

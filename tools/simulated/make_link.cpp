@@ -3,15 +3,79 @@
 
 #include "tools/simulated/make_link.h"
 
+#include "tools/fxsim/control/control.h"
+#include "tools/fxsim/line/session.h"
+#include "tools/fxsim/plc/sample_program.h"
 #include "tools/link/serial_link.h"
 #include "tools/link/tcp_link.h"
-#include "tools/simulated/sim_link.h"
+
+#include <QThread>
+
+#include <algorithm>
 
 namespace fxtools {
 
 namespace {
 
-fxsim::Settings simulatorSettings(const SimulatedSettings& simulated)
+// A simulated PLC inside this process, with the sample program running in it, so that every
+// example works without hardware. Nothing but bytes passes between it and the rest of the host.
+class SimLink : public Link, public BenchControl
+{
+public:
+    explicit SimLink(const fxsim::Settings& settings)
+        : m_plc(settings, std::make_unique<fxsim::SampleProgram>(), m_clock.nowUs()),
+          m_control(m_plc, {[] {}, [](int) {}, [this] { return m_clock.nowUs(); }})
+    {}
+
+    QString name() const override { return "sim:"; }
+    void open() override { m_session = std::make_unique<fxsim::Session>(m_plc, "inside"); }
+    bool isOpen() const override { return m_session != nullptr; }
+
+    bool send(const QByteArray& bytes) override
+    {
+        if (!isOpen())
+            return false;
+        m_plc.advance(m_clock.nowUs());
+        m_session->receive(bytes, m_clock.nowUs());
+        return true;
+    }
+
+    QByteArray receive(int timeoutMs) override
+    {
+        if (!isOpen())
+            return {};
+        waitForBytes(m_clock.nowUs() + qint64(1000) * timeoutMs);
+        m_plc.advance(m_clock.nowUs());
+        QByteArray bytes = m_session->takeDue(m_clock.nowUs());
+        if (m_session->takeLinkDrop())
+            m_session.reset();
+        return bytes;
+    }
+
+    void run(const QString& command) override
+    {
+        const QByteArray answer = m_control.run(command);
+        if (answer.startsWith("error: "))
+            throw Failure(ExitCode::LinkNotOpened, QString::fromUtf8(answer.trimmed()));
+    }
+
+private:
+    void waitForBytes(qint64 untilUs) const
+    {
+        const qint64 dueUs = m_session->nextDueUs();
+        const qint64 wakeUs = dueUs == fxsim::nothingDue ? untilUs : std::min(dueUs, untilUs);
+        const qint64 waitUs = wakeUs - m_clock.nowUs();
+        if (waitUs > 0)
+            QThread::usleep(static_cast<unsigned long>(waitUs));
+    }
+
+    fxsim::Clock m_clock;
+    fxsim::Simulator m_plc;
+    fxsim::Control m_control;
+    std::unique_ptr<fxsim::Session> m_session;
+};
+
+MadeLink makeSimulated(const SimulatedSettings& simulated)
 {
     fxsim::Settings settings;
     try {
@@ -23,31 +87,20 @@ fxsim::Settings simulatorSettings(const SimulatedSettings& simulated)
     settings.model = &fxsim::findModel("any");
     settings.startedAt = QDateTime::currentDateTime();
     settings.timing.baud = simulated.baud.value_or(settings.timing.baud);
-    return settings;
-}
-
-MadeLink make(const SimulatedSettings& settings)
-{
-    auto link = std::make_unique<SimLink>(simulatorSettings(settings));
+    auto link = std::make_unique<SimLink>(settings);
     BenchControl* const control = link.get();
     return {std::move(link), control};
-}
-
-MadeLink make(const SerialSettings& settings)
-{
-    return {std::make_unique<SerialLink>(settings), nullptr};
-}
-
-MadeLink make(const TcpSettings& settings)
-{
-    return {std::make_unique<TcpLink>(settings), nullptr};
 }
 
 }  // namespace
 
 MadeLink makeLink(const LinkSettings& settings)
 {
-    return std::visit([](const auto& kind) { return make(kind); }, settings);
+    if (const auto* serial = std::get_if<SerialSettings>(&settings))
+        return {std::make_unique<SerialLink>(*serial), nullptr};
+    if (const auto* tcp = std::get_if<TcpSettings>(&settings))
+        return {std::make_unique<TcpLink>(*tcp), nullptr};
+    return makeSimulated(std::get<SimulatedSettings>(settings));
 }
 
 }  // namespace fxtools

@@ -5,7 +5,6 @@
 
 #include "tests/tools/support/bench.h"
 #include "tools/exchange/polling.h"
-#include "tools/exchange/recipe_transfer.h"
 
 #include <gtest/gtest.h>
 

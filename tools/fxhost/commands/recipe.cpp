@@ -3,7 +3,7 @@
 //
 // fxhost recipe: transfers words between a CSV file and the PLC with the driver's recipe transfer.
 
-#include "tools/exchange/recipe_transfer.h"
+#include "tools/exchange/polling.h"
 #include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/file_comparison.h"
 #include "tools/fxhost/commands/file_options.h"

@@ -5,7 +5,7 @@
 // cache shows a written value at once, before the PLC has it, so each write is checked against what
 // is polled afterwards.
 
-#include "tools/exchange/recipe_transfer.h"
+#include "tools/exchange/polling.h"
 #include "tools/fxhost/demo/demo_bench.h"
 
 #include <algorithm>
