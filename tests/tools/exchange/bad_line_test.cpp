@@ -4,8 +4,7 @@
 // Lines that are bad rather than dead: something talks on them, the PLC is slow or gone, characters
 // stand around its replies. Each is told by its name, in bounded time.
 
-#include "tests/tools/support/bench.h"
-#include "tools/exchange/line_check.h"
+#include "tests/tools/support/virtual_line.h"
 #include "tools/exchange/polling.h"
 
 #include <gtest/gtest.h>

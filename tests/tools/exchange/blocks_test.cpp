@@ -3,7 +3,7 @@
 //
 // Blocks of the plan: what one covers, how it lies to others, and the plan block by block.
 
-#include "tests/tools/support/bench.h"
+#include "tests/tools/support/virtual_line.h"
 #include "tools/exchange/blocks.h"
 
 #include <gtest/gtest.h>

@@ -3,7 +3,7 @@
 //
 // What the host owns on behalf of the driver: values in and out, recipes, request bytes, callbacks.
 
-#include "tests/tools/support/bench.h"
+#include "tests/tools/support/virtual_line.h"
 #include "tools/exchange/polling.h"
 
 #include <gtest/gtest.h>

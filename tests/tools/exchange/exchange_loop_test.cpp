@@ -4,7 +4,7 @@
 // What the loop does with the line between two frames: when it waits for quiet, when it asks with
 // ENQ, and what it throws away so that nothing of it stands for the answer to the next frame.
 
-#include "tests/tools/support/bench.h"
+#include "tests/tools/support/virtual_line.h"
 #include "tests/tools/support/wire.h"
 
 #include <gtest/gtest.h>

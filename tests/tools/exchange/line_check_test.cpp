@@ -3,7 +3,7 @@
 //
 // Lines and PLCs as a check finds them.
 
-#include "tests/tools/support/bench.h"
+#include "tests/tools/support/virtual_line.h"
 #include "tools/exchange/line_check.h"
 
 #include <gtest/gtest.h>

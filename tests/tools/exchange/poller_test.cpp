@@ -4,7 +4,7 @@
 // Registers that the PLC refuses, or refuses later, or no more: each other one stays fresh, and
 // each that is not says so. Whoever asks in vain too often is found by the frames on the line.
 
-#include "tests/tools/support/bench.h"
+#include "tests/tools/support/virtual_line.h"
 #include "tools/exchange/poller.h"
 
 #include <gtest/gtest.h>

@@ -4,7 +4,7 @@
 // Writes of the host, judged by the PLC's own memory: until a write has ended the driver answers
 // with what was written, wherever it went.
 
-#include "tests/tools/support/bench.h"
+#include "tests/tools/support/virtual_line.h"
 #include "tools/exchange/polling.h"
 
 #include <gtest/gtest.h>

@@ -5,8 +5,7 @@
 // and with the live view.
 
 #include "tests/tools/fxsim/fxsim_process.h"
-#include "tests/tools/fxsim/printing.h"
-#include "tests/tools/fxsim/wire_frames.h"
+#include "tests/tools/fxsim/support.h"
 #include "tests/tools/support/terminal.h"
 
 #include <QRegularExpression>

@@ -5,8 +5,7 @@
 
 #include "tools/fxsim/options.h"
 
-#include "tests/tools/fxsim/error_text.h"
-#include "tests/tools/fxsim/printing.h"
+#include "tests/tools/fxsim/support.h"
 
 #include <gtest/gtest.h>
 

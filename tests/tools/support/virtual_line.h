@@ -8,6 +8,7 @@
 
 #pragma once
 
+#include "tests/tools/support/loaded_driver.h"
 #include "tools/exchange/exchange_loop.h"
 #include "tools/fxsim/line/session.h"
 
@@ -53,5 +54,35 @@ quint16 wordNaming(int byteAddress);
 
 fxsim::Settings badLine(int baud, const char* faults,
                         fxsim::EnquiryMode enquiry = fxsim::EnquiryMode::Optional);
+
+// Byte addresses on the wire.
+constexpr int addressOfD0 = 0x1000;
+constexpr int addressOfM0 = 0x0100;
+constexpr int addressOf32CV200 = 0x0C00;
+
+constexpr int addressOfD(int number)
+{
+    return addressOfD0 + 2 * number;
+}
+
+// The driver, the exchange loop and a PLC on a virtual line, put together: what a test of the
+// exchange floor stands on. What the PLC holds is looked up in its own memory.
+struct Bench
+{
+    explicit Bench(const fxsim::Settings& settings = badLine(0, ""),
+                   const fxtools::SessionSettings& sessionSettings = {})
+        : line(settings), session(driver(), sessionSettings),
+          loop(session, line, line.loopSettings())
+    {}
+
+    quint32 plcWord(int address) { return line.memory().value(address, 2); }
+    quint32 plcDoubleWord(int address) { return line.memory().value(address, 4); }
+    void setD(int number, quint32 value) { line.memory().setValue(addressOfD(number), 2, value); }
+    void refuseD(int first, int last) { line.refuse(addressOfD(first), addressOfD(last) + 1); }
+
+    VirtualLine line;
+    fxtools::DriverSession session;
+    fxtools::ExchangeLoop loop;
+};
 
 }  // namespace tool_tests

@@ -3,7 +3,7 @@
 //
 // Control commands, one line in and some out.
 
-#include "tests/tools/fxsim/printing.h"
+#include "tests/tools/fxsim/support.h"
 #include "tools/fxsim/control/control.h"
 
 #include <QTemporaryDir>

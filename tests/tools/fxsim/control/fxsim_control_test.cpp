@@ -4,8 +4,7 @@
 // Commands to the running program, by its control socket and its standard input.
 
 #include "tests/tools/fxsim/fxsim_process.h"
-#include "tests/tools/fxsim/printing.h"
-#include "tests/tools/fxsim/wire_frames.h"
+#include "tests/tools/fxsim/support.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,15 +1,194 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// Fault plans from and to text.
+// What each fault makes of a reply, and that the same seed makes the same damage.
 
-#include "tests/tools/fxsim/error_text.h"
-#include "tests/tools/fxsim/printing.h"
+#include "tests/tools/fxsim/support.h"
+#include "tools/fxsim/faults/fault_damage.h"
 #include "tools/fxsim/faults/faults.h"
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 using namespace fxsim;
+
+namespace {
+
+const QByteArray& reply = valueOfD100;
+const QByteArray& request = readD100;
+const QByteArray acknowledge = "\x06";
+
+QVector<Chunk> damagedBy(const char* plan, const QByteArray& sound, quint64 seed = 1,
+                         qint64 exchange = 1)
+{
+    Dice dice(seed, exchange);
+    const ActiveFaults faults(parseFaults(plan), exchange, dice);
+    return damaged(sound, request, faults, dice);
+}
+
+QByteArray bytesOf(const QVector<Chunk>& chunks)
+{
+    QByteArray bytes;
+    for (const Chunk& chunk : chunks)
+        bytes += chunk.bytes;
+    return bytes;
+}
+
+int differingBits(const QByteArray& left, const QByteArray& right)
+{
+    int bits = 0;
+    for (int at = 0; at < left.size(); ++at)
+        bits += static_cast<int>(qPopulationCount(static_cast<quint8>(left[at] ^ right[at])));
+    return bits;
+}
+
+}  // namespace
+
+struct DamageCase
+{
+    const char* name;
+    const char* plan;
+    QByteArray sound;
+    QByteArray damagedBytes;
+};
+
+class Damage : public testing::TestWithParam<DamageCase>
+{};
+
+TEST_P(Damage, IsWhatTheFaultSays)
+{
+    EXPECT_EQ(bytesOf(damagedBy(GetParam().plan, GetParam().sound)), GetParam().damagedBytes);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Faults, Damage,
+    testing::Values(
+        DamageCase{"None", "none", reply, reply}, DamageCase{"Silence", "silence@1", reply, ""},
+        DamageCase{"WrongSum", "wrong-sum@1", reply, frame("12345678", "A0")},
+        DamageCase{"WrongSumThatEndsInZero", "wrong-sum@1", frame("", "A0"), frame("", "A1")},
+        DamageCase{"WrongSumOnAck", "wrong-sum@1", acknowledge, acknowledge},
+        DamageCase{"Bit7", "bit7@1", reply, fromHex("82B1B233B43536B7B80341B7")},
+        DamageCase{"TruncatedTo5", "truncated:5@1", reply, valueOfD100.left(5)},
+        DamageCase{"TruncatedAck", "truncated@1", acknowledge, ""},
+        DamageCase{"LostStx", "lost-stx@1", reply, reply.mid(1)},
+        DamageCase{"LostEtx", "lost-etx@1", reply,
+                   "\x02"
+                   "12345678A7"},
+        DamageCase{"LostEtxOnAck", "lost-etx@1", acknowledge, acknowledge},
+        DamageCase{"Duplicate", "duplicate@1", reply, reply + reply},
+        DamageCase{"DuplicateAck", "duplicate@1", acknowledge, "\x06\x06"},
+        DamageCase{"Echo", "echo@1", reply, request + reply},
+        DamageCase{"DelayKeepsTheBytes", "delay@1", reply, reply},
+        DamageCase{"SlicesKeepTheBytes", "slices@1", reply, reply},
+        DamageCase{"Mixed", "lost-stx@1,lost-etx@1,echo@1", reply, request + "12345678A7"}),
+    [](const auto& row) { return std::string(row.param.name); });
+
+TEST(Faults, FlippedBitsFlipOneBitUnlessToldOtherwise)
+{
+    for (quint64 seed = 1; seed <= 200; ++seed) {
+        const QByteArray bytes = bytesOf(damagedBy("flipped-bits@1", reply, seed));
+        ASSERT_EQ(bytes.size(), reply.size());
+        EXPECT_EQ(differingBits(bytes, reply), 1) << "seed " << seed;
+    }
+}
+
+TEST(Faults, TruncatedIsAlwaysShorter)
+{
+    for (quint64 seed = 1; seed <= 200; ++seed) {
+        const QByteArray bytes = bytesOf(damagedBy("truncated@1", reply, seed));
+        EXPECT_LT(bytes.size(), reply.size()) << "seed " << seed;
+        EXPECT_TRUE(reply.startsWith(bytes));
+    }
+}
+
+TEST(Faults, JunkForgesNoControlCharacter)
+{
+    for (quint64 seed = 1; seed <= 200; ++seed) {
+        const QByteArray bytes =
+            bytesOf(damagedBy("junk-before@1,junk-after:3@1", acknowledge, seed));
+        const int at = bytes.indexOf('\x06');
+        EXPECT_GE(at, 1);
+        EXPECT_LE(at, 8);
+        EXPECT_EQ(bytes.size(), at + 1 + 3);
+        for (const char character : bytes)
+            EXPECT_TRUE(character == '\x06' || static_cast<quint8>(character) >= 0x20);
+    }
+}
+
+TEST(Faults, PausesStandWhereTheFaultPutsThem)
+{
+    const struct
+    {
+        const char* plan;
+        int replyBytes;
+        QVector<QPair<int, int>> chunks;  // pause in milliseconds, bytes
+    } rows[] = {
+        {"delay:800@1", 12, {{800, 12}}},
+        {"slices:5@1", 70, {{0, 32}, {5, 32}, {5, 6}}},
+        {"duplicate:30@1", 12, {{0, 12}, {30, 12}}},
+    };
+    for (const auto& row : rows) {
+        QVector<QPair<int, int>> chunks;
+        for (const Chunk& chunk : damagedBy(row.plan, QByteArray(row.replyBytes, 'x')))
+            chunks.append({chunk.pauseMs, chunk.bytes.size()});
+        EXPECT_EQ(chunks, row.chunks) << row.plan;
+    }
+}
+
+TEST(Faults, SameSeedSameDamage)
+{
+    const char* plan = "flipped-bits:3=0.5,truncated=0.3,junk-before=0.5,silence=0.1";
+    for (qint64 exchange = 1; exchange <= 200; ++exchange)
+        EXPECT_EQ(bytesOf(damagedBy(plan, reply, 7, exchange)),
+                  bytesOf(damagedBy(plan, reply, 7, exchange)));
+}
+
+TEST(Faults, AnotherSeedOtherDamage)
+{
+    int different = 0;
+    for (qint64 exchange = 1; exchange <= 200; ++exchange)
+        different += bytesOf(damagedBy("silence=0.5", reply, 7, exchange)) !=
+                     bytesOf(damagedBy("silence=0.5", reply, 8, exchange));
+    EXPECT_GT(different, 50);
+}
+
+// Known numbers: a change of the generator would make old runs irreproducible.
+TEST(Faults, DiceRollTheSameEverywhere)
+{
+    Dice dice(1, 1);
+    EXPECT_EQ(dice.next(), 0xBD17853175C4F325ULL);
+    EXPECT_EQ(dice.next(), 0x72C343E604CA3AF6ULL);
+}
+
+TEST(Faults, RateIsMetInTheLongRun)
+{
+    int silent = 0;
+    for (qint64 exchange = 1; exchange <= 10000; ++exchange)
+        silent += damagedBy("silence=0.05", reply, 1, exchange).isEmpty();
+    EXPECT_GT(silent, 430);
+    EXPECT_LT(silent, 570);
+}
+
+TEST(Faults, ListIsMetExactly)
+{
+    QVector<qint64> silent;
+    for (qint64 exchange = 1; exchange <= 30; ++exchange) {
+        if (damagedBy("silence@3+7-9+29-", reply, 1, exchange).isEmpty())
+            silent.append(exchange);
+    }
+    EXPECT_EQ(silent, (QVector<qint64>{3, 7, 8, 9, 29, 30}));
+}
+
+TEST(Faults, RateZeroNeverAndRateOneAlways)
+{
+    for (qint64 exchange = 1; exchange <= 1000; ++exchange) {
+        EXPECT_FALSE(damagedBy("silence=0", reply, 1, exchange).isEmpty());
+        EXPECT_TRUE(damagedBy("silence=1", reply, 1, exchange).isEmpty());
+    }
+}
+
+// Fault plans from and to text.
 
 namespace {
 

@@ -3,8 +3,7 @@
 //
 // Streams cut into frames: however the bytes arrive, the same events come out.
 
-#include "tests/tools/fxsim/printing.h"
-#include "tests/tools/fxsim/wire_frames.h"
+#include "tests/tools/fxsim/support.h"
 #include "tools/fxsim/line/frame_reader.h"
 
 #include <QByteArrayList>

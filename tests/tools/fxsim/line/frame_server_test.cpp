@@ -4,8 +4,7 @@
 // Frames as they stand on the wire, judged and carried out. Every byte here is a literal, so that
 // the test and the simulator cannot be wrong together.
 
-#include "tests/tools/fxsim/printing.h"
-#include "tests/tools/fxsim/wire_frames.h"
+#include "tests/tools/fxsim/support.h"
 #include "tools/fxsim/line/frame_server.h"
 
 #include <gtest/gtest.h>

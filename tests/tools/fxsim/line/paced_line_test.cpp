@@ -3,7 +3,7 @@
 //
 // Characters and scans as a matter of time, without a clock: the tests say what time it is.
 
-#include "tests/tools/fxsim/printing.h"
+#include "tests/tools/fxsim/support.h"
 #include "tools/fxsim/line/paced_line.h"
 
 #include <gtest/gtest.h>

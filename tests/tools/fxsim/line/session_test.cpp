@@ -4,9 +4,9 @@
 // A host's bytes in, a PLC's bytes out: session and simulator together, with the time given by the
 // tests.
 
-#include "tests/tools/fxsim/printing.h"
-#include "tests/tools/fxsim/wire_frames.h"
+#include "tests/tools/fxsim/support.h"
 #include "tools/fxsim/line/session.h"
+#include "tools/fxsim/line/simulator.h"
 #include "tools/fxsim/plc/devices.h"
 #include "tools/fxsim/plc/sample_program.h"
 
@@ -343,4 +343,26 @@ TEST(Session, NoGarbageOutlivesAnEnquiry)
         bench.plc.memory().setImage(QByteArray());
         ASSERT_EQ(bench.answer("\x05" + readD100), "\x06" + zerosOfD100) << garbage;
     }
+}
+
+// Trace lines as people read them.
+
+TEST(TraceText, ShowsHexAndReadableSideBySide)
+{
+    EXPECT_EQ(
+        traceLine({12345678, "/dev/pts/5", TraceEntry::Direction::FromHost,
+                   fromHex("02373038303503"
+                           "3037"),
+                   "force on"}),
+        "   12.345678 /dev/pts/5 > 02 37 30 38 30 35 03 30 37 | <STX>70805<ETX>07 | force on");
+    EXPECT_EQ(traceLine({5, "pty", TraceEntry::Direction::ToHost, "\x06", ""}),
+              "    0.000005 pty < 06 | <ACK>");
+    EXPECT_EQ(traceLine({1000000, "pty", TraceEntry::Direction::Note, "", "fault: silence"}),
+              "    1.000000 pty * fault: silence");
+}
+
+TEST(TraceText, NamesEveryCharacterThatCannotBeRead)
+{
+    EXPECT_EQ(readable(fromHex("0203050615")), "<STX><ETX><ENQ><ACK><NAK>");
+    EXPECT_EQ(readable(fromHex("417E207F0AFF00")), "A~ <7F><0A><FF><00>");
 }

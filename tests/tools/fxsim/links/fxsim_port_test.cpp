@@ -5,8 +5,7 @@
 // a pseudo-terminal and over TCP.
 
 #include "tests/tools/fxsim/fxsim_process.h"
-#include "tests/tools/fxsim/printing.h"
-#include "tests/tools/fxsim/wire_frames.h"
+#include "tests/tools/fxsim/support.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -3,8 +3,7 @@
 //
 // Memory images as Intel HEX.
 
-#include "tests/tools/fxsim/error_text.h"
-#include "tests/tools/fxsim/printing.h"
+#include "tests/tools/fxsim/support.h"
 #include "tools/fxsim/plc/memory_image.h"
 
 #include <QDir>

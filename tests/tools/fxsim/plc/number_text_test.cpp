@@ -3,8 +3,7 @@
 //
 // Numbers, places and ranges as people write them.
 
-#include "tests/tools/fxsim/error_text.h"
-#include "tests/tools/fxsim/printing.h"
+#include "tests/tools/fxsim/support.h"
 #include "tools/fxsim/plc/number_text.h"
 
 #include <gtest/gtest.h>

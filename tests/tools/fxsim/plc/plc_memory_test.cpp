@@ -3,7 +3,7 @@
 //
 // The flat memory: bytes, bits, what is missing and what is mirrored.
 
-#include "tests/tools/fxsim/printing.h"
+#include "tests/tools/fxsim/support.h"
 #include "tools/fxsim/plc/plc_memory.h"
 
 #include <gtest/gtest.h>

@@ -3,7 +3,7 @@
 //
 // The built-in program, at chosen moments.
 
-#include "tests/tools/fxsim/printing.h"
+#include "tests/tools/fxsim/support.h"
 #include "tools/fxsim/plc/sample_program.h"
 
 #include <gtest/gtest.h>

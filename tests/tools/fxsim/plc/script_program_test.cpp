@@ -3,8 +3,7 @@
 //
 // Scripts: what steps do and when, and what is said of a script that is wrong.
 
-#include "tests/tools/fxsim/error_text.h"
-#include "tests/tools/fxsim/printing.h"
+#include "tests/tools/fxsim/support.h"
 #include "tools/fxsim/plc/model.h"
 #include "tools/fxsim/plc/script_program.h"
 

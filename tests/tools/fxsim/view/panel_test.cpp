@@ -3,7 +3,7 @@
 //
 // The front of the PLC as text, in terminals of every size.
 
-#include "tests/tools/fxsim/printing.h"
+#include "tests/tools/fxsim/support.h"
 #include "tools/fxsim/plc/devices.h"
 #include "tools/fxsim/view/panel.h"
 
