@@ -80,7 +80,7 @@ public:
         m_app.add_flag(name, value, help)->group(m_name);
     }
 
-    CLI::Option* text(const char* name, const char* type, const char* help, const Take& take)
+    CLI::Option* text(const char* name, const char* type, const std::string& help, const Take& take)
     {
         const auto named = [name, take](const std::string& text) {
             try {
@@ -94,13 +94,14 @@ public:
             ->group(m_name);
     }
 
-    // One whose text is taken even when it is not on the command line.
-    void text(const char* name, const char* type, const char* byDefault, const char* help,
-              const Take& take)
+    // A setting that has a value also when it is not on the command line.
+    template <typename Value, typename Parse>
+    void value(const char* name, const char* type, const char* byDefault, const std::string& help,
+               Value& value, const Parse& parse)
     {
-        take(QString::fromLatin1(byDefault));
-        const std::string withDefault = std::string(help) + " (default " + byDefault + ")";
-        text(name, type, withDefault.c_str(), take);
+        value = parse(QString(byDefault));
+        text(name, type, help + " (default " + byDefault + ")",
+             [&value, parse](const QString& text) { value = parse(text); });
     }
 
     // An empty name, of a shell variable that was never set, would be as if it were not there.
@@ -153,24 +154,24 @@ quint64 parseSeed(const QString& text)
     return seed;
 }
 
-EnquiryMode parseEnquiry(const QString& text)
+template <typename Word>
+auto oneOf(std::initializer_list<std::pair<const char*, Word>> words)
 {
-    if (text == "optional")
-        return EnquiryMode::Optional;
-    if (text == "needed")
-        return EnquiryMode::Needed;
-    if (text == "ignored")
-        return EnquiryMode::Ignored;
-    throw invalid("word", text, "optional, needed or ignored");
+    return [words = QVector<std::pair<const char*, Word>>(words)](const QString& text) {
+        QStringList names;
+        for (const auto& word : words) {
+            if (text == word.first)
+                return word.second;
+            names.append(word.first);
+        }
+        const QString last = names.takeLast();
+        throw invalid("word", text, names.join(", ") + " or " + last);
+    };
 }
 
-OnError parseOnError(const QString& text)
+auto numberBetween(int lowest, int highest, const char* what)
 {
-    if (text == "nak")
-        return OnError::Nak;
-    if (text == "silence")
-        return OnError::Silence;
-    throw invalid("word", text, "nak or silence");
+    return [=](const QString& text) { return parseNumber(text, lowest, highest, what); };
 }
 
 void addLinks(OptionGroup group, Options& options)
@@ -189,43 +190,42 @@ void addLinks(OptionGroup group, Options& options)
 
 void addTiming(OptionGroup group, LineTiming& timing)
 {
-    group.text("--baud", "SPEED", "9600",
-               "Speed of the line, with 10 bits per character; 0 = no delays",
-               [&timing](const QString& text) { timing.baud = parseBaud(text); });
-    group.text("--scan-ms", "MS", "0", "Length of a PLC scan in ms; replies leave at its end",
-               [&timing](const QString& text) {
-                   timing.scanMs = parseNumber(text, 0, longestScanMs, "time in ms");
-               });
+    group.value("--baud", "SPEED", "9600",
+                "Speed of the line, with 10 bits per character; 0 = no delays", timing.baud,
+                parseBaud);
+    group.value("--scan-ms", "MS", "0", "Length of a PLC scan in ms; replies leave at its end",
+                timing.scanMs, numberBetween(0, longestScanMs, "time in ms"));
 }
 
 void addPort(OptionGroup group, Settings& settings)
 {
-    group.text("--enq", "MODE", "optional",
-               "ENQ (05h) before the frames: optional, needed or ignored",
-               [&settings](const QString& text) { settings.enquiry = parseEnquiry(text); });
-    group.text("--on-error", "ANSWER", "nak", "Answer to a bad frame: nak or silence",
-               [&settings](const QString& text) { settings.onError = parseOnError(text); });
-    group.text("--max-bytes", "BYTES", "64",
-               "Largest read and write; a frame that asks for more is a bad frame",
-               [&settings](const QString& text) {
-                   settings.maxBytes = parseNumber(text, 1, mostBytes, "number of bytes");
-               });
+    group.value("--enq", "MODE", "optional",
+                "ENQ (05h) before the frames: optional, needed or ignored", settings.enquiry,
+                oneOf<EnquiryMode>({{"optional", EnquiryMode::Optional},
+                                    {"needed", EnquiryMode::Needed},
+                                    {"ignored", EnquiryMode::Ignored}}));
+    group.value("--on-error", "ANSWER", "nak", "Answer to a bad frame: nak or silence",
+                settings.onError,
+                oneOf<OnError>({{"nak", OnError::Nak}, {"silence", OnError::Silence}}));
+    group.value("--max-bytes", "BYTES", "64",
+                "Largest read and write; a frame that asks for more is a bad frame",
+                settings.maxBytes, numberBetween(1, mostBytes, "number of bytes"));
 }
 
 void addMemory(OptionGroup group, Options& options)
 {
-    group.text("--model", "MODEL", "any",
-               "PLC: fx1s, fx1n, or any, which has every device; sets the memory and D8001",
-               [&options](const QString& text) { options.settings.model = &findModel(text); });
+    group.value("--model", "MODEL", "any",
+                "PLC: fx1s, fx1n, or any, which has every device; sets the memory and D8001",
+                options.settings.model, [](const QString& text) { return &findModel(text); });
     group.text("--memory", "RANGE,...",
                "Memory that exists, by devices or addresses, instead of the model's",
                [&options](const QString& text) { options.present = parseRanges(text); });
     group.text("--holes", "RANGE,...",
                "Memory within --memory that does not exist, as in D100-D109",
                [&options](const QString& text) { options.missing = parseRanges(text); });
-    group.text("--mirror", "FROM:TO:BYTES,...", "0x0F00:0x0E00:256",
-               "What a host writes at FROM appears at TO too; or none",
-               [&options](const QString& text) { options.mirrors = parseMirrors(text); });
+    group.value("--mirror", "FROM:TO:BYTES,...", "0x0F00:0x0E00:256",
+                "What a host writes at FROM appears at TO too; or none", options.mirrors,
+                parseMirrors);
     group.name("--load", "FILE", options.loadPath, "Load the memory at power-on from Intel HEX");
     group.name("--save", "FILE", options.savePath, "Save the memory at the end as Intel HEX");
     options.program = "sample";
@@ -235,15 +235,14 @@ void addMemory(OptionGroup group, Options& options)
 
 void addBench(OptionGroup group, Options& options, bool& faultHelpAsked)
 {
-    group.text("--faults", "PLAN", "none", "Which faults occur and when; help lists all faults",
-               [&options, &faultHelpAsked](const QString& text) {
-                   faultHelpAsked = text == "help";
-                   if (!faultHelpAsked)
-                       options.settings.faults = parseFaults(text);
-               });
-    group.text("--seed", "NUMBER", "1",
-               "Seed of the random numbers; the same seed gives the same faults",
-               [&options](const QString& text) { options.settings.seed = parseSeed(text); });
+    group.value("--faults", "PLAN", "none", "Which faults occur and when; help lists all faults",
+                options.settings.faults, [&faultHelpAsked](const QString& text) {
+                    faultHelpAsked = text == "help";
+                    return faultHelpAsked ? FaultPlan() : parseFaults(text);
+                });
+    group.value("--seed", "NUMBER", "1",
+                "Seed of the random numbers; the same seed gives the same faults",
+                options.settings.seed, parseSeed);
     group
         .text("--trace", "[FILE]", "Trace every frame to FILE (default standard error)",
               [&options](const QString& text) {

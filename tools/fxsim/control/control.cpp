@@ -27,6 +27,7 @@ struct Bench
     Simulator& plc;
     const ControlActions& actions;
     QStringList arguments;
+    QByteArray answer;  // what comes before "ok"
 };
 
 struct CommandRow
@@ -36,7 +37,7 @@ struct CommandRow
     int most;
     const char* arguments;
     const char* text;
-    QByteArray (*run)(const Bench& bench);  // what comes before "ok"; may throw an Error
+    void (*run)(Bench& bench);  // may throw an Error
 };
 
 [[noreturn]] void refuse(const QString& text)
@@ -58,23 +59,21 @@ void requireMemory(const Bench& bench, int address, int byteCount)
         refuse("this PLC does not have all of that memory");
 }
 
-QByteArray peekDevices(const Bench& bench, const Device& first)
+void peekDevices(Bench& bench, const Device& first)
 {
-    const PlcMemory& memory = bench.plc.memory();
     const int count =
         parseNumber(bench.arguments.value(1, "1"), 1, first.room(), "number of devices");
-    QByteArray text;
     for (int index = 0; index < count; ++index) {
         const Device device = first.next(index);
         requireMemory(bench, device.address(), std::max(1, device.type->byteCount()));
         if (index % devicesPerLine == 0)
-            text += (index == 0 ? "" : "\n") + device.name().toLatin1() + ':';
-        text += ' ' + QByteArray::number(valueOf(memory, device));
+            bench.answer += (index == 0 ? "" : "\n") + device.name().toLatin1() + ':';
+        bench.answer += ' ' + QByteArray::number(valueOf(bench.plc.memory(), device));
     }
-    return text + '\n';
+    bench.answer += '\n';
 }
 
-QByteArray peek(const Bench& bench)
+void peek(Bench& bench)
 {
     const PlcMemory& memory = bench.plc.memory();
     const MemoryPlace place = parsePlace(bench.arguments[0]);
@@ -85,17 +84,15 @@ QByteArray peek(const Bench& bench)
     const int byteCount = parseNumber(bench.arguments.value(1, "1"), 1,
                                       addressableBytes - place.address, "number of bytes");
     requireMemory(bench, place.address, byteCount);
-    if (place.bit)
-        return memory.bit(place.address, *place.bit) ? "1\n" : "0\n";
-    QByteArray text;
-    for (int offset = 0; offset < byteCount; offset += bytesPerLine) {
+    for (int offset = 0; offset < byteCount && !place.bit; offset += bytesPerLine) {
         const int address = place.address + offset;
-        text +=
+        bench.answer +=
             QByteArray::number(address, 16).toUpper().rightJustified(4, '0') + ": " +
             memory.read(address, std::min(bytesPerLine, byteCount - offset)).toHex(' ').toUpper() +
             '\n';
     }
-    return text;
+    if (place.bit)
+        bench.answer = memory.bit(place.address, *place.bit) ? "1\n" : "0\n";
 }
 
 // How many values there is room for from the place on, what each may be, and its bytes.
@@ -117,7 +114,7 @@ PokeRange pokeRange(const MemoryPlace& place)
     return {addressableBytes - place.address, {0, highestByte}, 1};
 }
 
-QByteArray poke(const Bench& bench)
+void poke(Bench& bench)
 {
     PlcMemory& memory = bench.plc.memory();
     const MemoryPlace place = parsePlace(bench.arguments[0]);
@@ -140,10 +137,9 @@ QByteArray poke(const Bench& bench)
             memory.setBit(place.address + bit / bitsPerByte, bit % bitsPerByte, values[index] == 1);
         }
     }
-    return {};
 }
 
-QByteArray switchInput(const Bench& bench)
+void switchInput(Bench& bench)
 {
     const std::optional<Device> input = parseDevice(bench.arguments[0]);
     if (!input || *input->type->name != 'X')
@@ -156,70 +152,27 @@ QByteArray switchInput(const Bench& bench)
         bench.plc.switchInput(input->number, position == "on");
     else
         throw invalid("position", position, "on, off or auto");
-    return {};
 }
 
-QByteArray faults(const Bench& bench)
+void faults(Bench& bench)
 {
     const QString plan = bench.arguments.value(0);
     if (plan.isEmpty())
-        return faultPlanText(bench.plc.settings().faults).toUtf8() + '\n';
-    if (plan == "help")
-        return faultHelp();
-    bench.plc.setFaults(parseFaults(plan));
-    return {};
+        bench.answer = faultPlanText(bench.plc.settings().faults).toUtf8() + '\n';
+    else if (plan == "help")
+        bench.answer = faultHelp();
+    else
+        bench.plc.setFaults(parseFaults(plan));
 }
 
-QByteArray stats(const Bench& bench)
-{
-    return bench.plc.statistics().text();
-}
-
-QByteArray powerCycle(const Bench& bench)
-{
-    bench.plc.powerCycle(milliseconds(bench, FaultKind::PowerCycle), bench.actions.nowUs());
-    return {};
-}
-
-QByteArray run(const Bench& bench)
-{
-    bench.plc.setRunning(true, bench.actions.nowUs());
-    return {};
-}
-
-QByteArray stop(const Bench& bench)
-{
-    bench.plc.setRunning(false, bench.actions.nowUs());
-    return {};
-}
-
-QByteArray dropLink(const Bench& bench)
-{
-    bench.actions.dropLinks(milliseconds(bench, FaultKind::LinkDrop));
-    return {};
-}
-
-QByteArray save(const Bench& bench)
-{
-    saveImage(bench.arguments[0], bench.plc.memory().image());
-    return {};
-}
-
-QByteArray load(const Bench& bench)
+void load(Bench& bench)
 {
     QByteArray image = bench.plc.memory().image();
     loadImage(bench.arguments[0], image);
     bench.plc.memory().setImage(image);
-    return {};
 }
 
-QByteArray help(const Bench& bench);
-
-QByteArray quit(const Bench& bench)
-{
-    bench.actions.quit();
-    return {};
-}
+void help(Bench& bench);
 
 // clang-format off
 constexpr CommandRow commands[] = {
@@ -228,25 +181,31 @@ constexpr CommandRow commands[] = {
     {"poke",        2,    mostPokes, "PLACE VALUE...",        "set devices or bytes: poke M0 1 0 1", poke},
     {"switch",      2,    2,         "INPUT on|off|auto",     "hold an input, or leave it to the program", switchInput},
     {"faults",      0,    1,         "[PLAN|none|help]",      "show, set or clear the fault plan, or list faults", faults},
-    {"stats",       0,    0,         "",                      "show the statistics", stats},
-    {"run",         0,    0,         "",                      "set the switch RUN/STOP to RUN", run},
-    {"stop",        0,    0,         "",                      "set it to STOP", stop},
-    {"power-cycle", 0,    1,         "[MS]",                  "switch the PLC off for MS and on again", powerCycle},
-    {"drop-link",   0,    1,         "[MS]",                  "close every link for MS and open it again", dropLink},
-    {"save",        1,    1,         "FILE",                  "save the memory as Intel HEX", save},
+    {"stats",       0,    0,         "",                      "show the statistics",
+     [](Bench& bench) { bench.answer = bench.plc.statistics().text(); }},
+    {"run",         0,    0,         "",                      "set the switch RUN/STOP to RUN",
+     [](Bench& bench) { bench.plc.setRunning(true, bench.actions.nowUs()); }},
+    {"stop",        0,    0,         "",                      "set it to STOP",
+     [](Bench& bench) { bench.plc.setRunning(false, bench.actions.nowUs()); }},
+    {"power-cycle", 0,    1,         "[MS]",                  "switch the PLC off for MS and on again",
+     [](Bench& bench) { bench.plc.powerCycle(milliseconds(bench, FaultKind::PowerCycle), bench.actions.nowUs()); }},
+    {"drop-link",   0,    1,         "[MS]",                  "close every link for MS and open it again",
+     [](Bench& bench) { bench.actions.dropLinks(milliseconds(bench, FaultKind::LinkDrop)); }},
+    {"save",        1,    1,         "FILE",                  "save the memory as Intel HEX",
+     [](Bench& bench) { saveImage(bench.arguments[0], bench.plc.memory().image()); }},
     {"load",        1,    1,         "FILE",                  "load Intel HEX into the memory", load},
     {"help",        0,    0,         "",                      "show this list", help},
-    {"quit",        0,    0,         "",                      "end the simulator", quit},
+    {"quit",        0,    0,         "",                      "end the simulator",
+     [](Bench& bench) { bench.actions.quit(); }},
 };
 // clang-format on
 
-QByteArray help(const Bench&)
+void help(Bench& bench)
 {
-    QByteArray text;
     for (const CommandRow& row : commands)
-        text += "  " + (QByteArray(row.name) + ' ' + row.arguments).leftJustified(helpColumn) +
-                row.text + '\n';
-    return text;
+        bench.answer += "  " +
+                        (QByteArray(row.name) + ' ' + row.arguments).leftJustified(helpColumn) +
+                        row.text + '\n';
 }
 
 const CommandRow& findCommand(const QString& name)
@@ -272,7 +231,9 @@ QByteArray Control::run(const QString& line)
         const CommandRow& row = findCommand(arguments.takeFirst());
         if (arguments.size() < row.fewest || arguments.size() > row.most)
             refuse(QString("usage: %1 %2").arg(row.name, row.arguments).trimmed());
-        return row.run({m_simulator, m_actions, arguments}) + "ok\n";
+        Bench bench{m_simulator, m_actions, arguments, {}};
+        row.run(bench);
+        return bench.answer + "ok\n";
     } catch (const Error& error) {
         return "error: " + error.text().toUtf8() + '\n';
     }
