@@ -123,29 +123,23 @@ TEST_F(Loop, AsksOnWhereEnqWasAnsweredOnce)
 // its turn: either way it is gone before the next frame.
 TEST_F(Loop, ThrowsALateAnswerAway)
 {
-    start(badLine(0, "delay:1200@1"), SessionSettings{20, 32});
-    const Exchange late = step();
-    EXPECT_EQ(late.verdict, ReplyVerdict::Late);
-    EXPECT_EQ(late.handed, "");
-    EXPECT_EQ(late.thrownAway.size(), 20);
-    EXPECT_EQ(verdictsUntil(2).join(' '), "");
-    expectRightValues();
-}
-
-TEST_F(Loop, ThrowsAnAnswerAwayThatComesAfterEnq)
-{
-    struct Row
+    const struct
     {
         const char* faults;
         fxsim::EnquiryMode mode;
+    } rows[] = {
+        // The time-out is 1 s here: ENQ goes out after 1.25 s, and is given up after 2.25 s.
+        {"delay:1200@1", fxsim::EnquiryMode::Optional},
+        {"delay:1600@1", fxsim::EnquiryMode::Optional},
+        {"delay:1600@1", fxsim::EnquiryMode::Ignored},
+        {"delay:3200@1", fxsim::EnquiryMode::Ignored},
     };
-    // The time-out is 1 s here: ENQ goes out after 1.25 s, and is given up after 2.25 s.
-    for (const Row& row : {Row{"delay:1600@1", fxsim::EnquiryMode::Optional},
-                           Row{"delay:1600@1", fxsim::EnquiryMode::Ignored},
-                           Row{"delay:3200@1", fxsim::EnquiryMode::Ignored}}) {
+    for (const auto& row : rows) {
         start(badLine(0, row.faults, row.mode), SessionSettings{20, 32});
-        EXPECT_EQ(step().verdict, ReplyVerdict::Late);
-        EXPECT_EQ(bench->loop.statistics().bytesThrownAway, 20);
+        const Exchange late = step();
+        EXPECT_EQ(late.verdict, ReplyVerdict::Late) << row.faults;
+        EXPECT_EQ(late.handed, "");
+        EXPECT_EQ(bench->loop.statistics().bytesThrownAway, 20) << row.faults;
         EXPECT_EQ(verdictsUntil(2).join(' '), "");
         expectRightValues();
     }
@@ -174,14 +168,10 @@ TEST_F(Loop, ListensForLongAfterADamagedAnswer)
 TEST_F(Loop, WaitsLongerAfterASilence)
 {
     start(badLine(0, "silence@2+3"), SessionSettings{20, 32});
-    verdictsUntil(1);
-    EXPECT_EQ(bench->loop.timeout().milliseconds(), 50);
-    step();
-    EXPECT_EQ(bench->loop.timeout().milliseconds(), 100);
-    step();
-    EXPECT_EQ(bench->loop.timeout().milliseconds(), 200);
-    verdictsUntil(1);
-    EXPECT_EQ(bench->loop.timeout().milliseconds(), 50);
+    for (const int timeoutMs : {50, 100, 200, 50}) {
+        step();
+        EXPECT_EQ(bench->loop.timeout().milliseconds(), timeoutMs);
+    }
 }
 
 TEST_F(Loop, NeedsNoWaitAfterAPlainNak)
@@ -209,21 +199,15 @@ TEST_F(Loop, DrainsTheLineAfterNakAndMoreBytes)
     EXPECT_EQ(enquiries(), 0);
 }
 
-namespace {
-
-struct Damage
-{
-    const char* faults;  // of the first exchange
-    ReplyVerdict verdict;
-    int handedBytes;  // of NAK where the answer was not as long as it should be
-    int enquiries;
-};
-
-}  // namespace
-
 TEST_F(Loop, HandsNothingOverThatIsNotAsLongAsTheAnswer)
 {
-    const Damage damages[] = {
+    const struct
+    {
+        const char* faults;  // of the first exchange
+        ReplyVerdict verdict;
+        int handedBytes;  // of NAK where the answer was not as long as it should be
+        int enquiries;
+    } rows[] = {
         {"truncated:7@1", ReplyVerdict::Incomplete, 7, 1},
         {"truncated:1@1", ReplyVerdict::Incomplete, 1, 1},
         {"junk-after:3@1", ReplyVerdict::Surrounded, 23, 0},
@@ -231,14 +215,14 @@ TEST_F(Loop, HandsNothingOverThatIsNotAsLongAsTheAnswer)
         {"echo@1", ReplyVerdict::Echo, 31, 0},
         {"silence@1", ReplyVerdict::Silence, 0, 1},
     };
-    for (const Damage& damage : damages) {
-        start(badLine(0, damage.faults), SessionSettings{20, 32});
+    for (const auto& row : rows) {
+        start(badLine(0, row.faults), SessionSettings{20, 32});
         const Exchange exchange = step();
-        EXPECT_EQ(exchange.verdict, damage.verdict) << damage.faults;
-        EXPECT_EQ(exchange.answer, DriverAnswer::Repeat) << damage.faults;
-        EXPECT_EQ(exchange.handed.size(), damage.handedBytes) << damage.faults;
-        EXPECT_EQ(enquiries(), damage.enquiries) << damage.faults;
-        EXPECT_EQ(verdictsUntil(2).join(' '), "") << damage.faults;
+        EXPECT_EQ(exchange.verdict, row.verdict) << row.faults;
+        EXPECT_EQ(exchange.answer, DriverAnswer::Repeat) << row.faults;
+        EXPECT_EQ(exchange.handed.size(), row.handedBytes) << row.faults;
+        EXPECT_EQ(enquiries(), row.enquiries) << row.faults;
+        EXPECT_EQ(verdictsUntil(2).join(' '), "") << row.faults;
         expectRightValues();
     }
 }
@@ -252,48 +236,27 @@ TEST_F(Loop, HandsADamagedAnswerOverAsItCame)
     EXPECT_EQ(damaged.answer, DriverAnswer::Repeat);
 }
 
-// A USB adapter hands an answer over in slices, with pauses shorter than those between answers.
+// A USB adapter hands an answer over in slices, with pauses shorter than those between answers, and
+// shorter than the whole time-out.
 TEST_F(Loop, WaitsBetweenSlicesOnly)
 {
-    start(badLine(0, "slices:90@1"));
-    bench->session.setPlan({range("D0:32")});
-    EXPECT_EQ(step().verdict, ReplyVerdict::Good);
-    start(badLine(0, "slices:110@1"));
-    bench->session.setPlan({range("D0:32")});
-    EXPECT_EQ(step().verdict, ReplyVerdict::Late);
-}
-
-TEST_F(Loop, WaitsBetweenSlicesNoLongerThanForAnAnswer)
-{
-    start(badLine(0, "slices:90@1"));
-    bench->session.setPlan({range("D0:32")});
-    LoopSettings settings = bench->line.loopSettings();
-    settings.timeout = TimeoutLimits::fixed(50);
-    ExchangeLoop impatient(bench->session, bench->line, settings);
-    EXPECT_EQ(impatient.step()->verdict, ReplyVerdict::Late);
-}
-
-namespace {
-
-// Something on the line sends all the time.
-class BabblingLine : public Link
-{
-public:
-    QString name() const override { return "babble"; }
-    void open() override {}
-    bool isOpen() const override { return true; }
-    bool send(const QByteArray&) override { return true; }
-    QByteArray receive(int) override { return QByteArray(100, '7'); }
-};
-
-}  // namespace
-
-TEST_F(Loop, EndsEvenWhereTheLineIsNeverQuiet)
-{
-    start(badLine(0, ""));
-    BabblingLine babble;
-    ExchangeLoop loop(bench->session, babble, bench->line.loopSettings());
-    EXPECT_EQ(loop.step()->verdict, ReplyVerdict::Babble);
+    const struct
+    {
+        const char* faults;
+        TimeoutLimits timeout;
+        ReplyVerdict verdict;
+    } rows[] = {
+        {"slices:90@1", {}, ReplyVerdict::Good},
+        {"slices:110@1", {}, ReplyVerdict::Late},
+        {"slices:90@1", TimeoutLimits::fixed(50), ReplyVerdict::Late},
+    };
+    for (const auto& row : rows) {
+        start(badLine(0, row.faults));
+        bench->session.setPlan({range("D0:32")});
+        LoopSettings settings = bench->line.loopSettings();
+        settings.timeout = row.timeout;
+        EXPECT_EQ(ExchangeLoop(bench->session, bench->line, settings).step()->verdict, row.verdict);
+    }
 }
 
 TEST_F(Loop, KeepsAFrameThatALostLinkTook)

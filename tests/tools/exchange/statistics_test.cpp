@@ -69,7 +69,7 @@ TEST(Statistics, CountVerdictsAndLostLinks)
     EXPECT_EQ(statistics.linksLost, 1);
 }
 
-TEST(Statistics, CountBytesThatWereOfNoUse)
+TEST(Statistics, CountBytesThatWereOfNoUseAndTheTimesOfGoodAnswersOnly)
 {
     Statistics statistics;
     Exchange exchange =
@@ -80,21 +80,11 @@ TEST(Statistics, CountBytesThatWereOfNoUse)
     EXPECT_EQ(statistics.bytesThrownAway, 0);
     exchange.answer = DriverAnswer::Repeat;
     exchange.thrownAway = "123";
+    exchange.responseUs = 9000;
     statistics.add(exchange);
     EXPECT_EQ(statistics.bytesSent, 22);
     EXPECT_EQ(statistics.bytesReceived, 8 + 8 + 3);
     EXPECT_EQ(statistics.bytesThrownAway, 8 + 3);
-}
-
-TEST(Statistics, KeepTheTimesOfGoodAnswersOnly)
-{
-    Statistics statistics;
-    Exchange exchange =
-        exchangeOf(ExchangeKind::CyclicRead, DriverAnswer::Accepted, ReplyVerdict::Good);
-    statistics.add(exchange);
-    exchange.answer = DriverAnswer::Failed;
-    exchange.responseUs = 9000;
-    statistics.add(exchange);
     EXPECT_EQ(statistics.responses.total(), 1);
     EXPECT_EQ(statistics.responses.largestUs(), 1000);
 }

@@ -14,20 +14,6 @@ using namespace tool_tests;
 
 namespace {
 
-// Where the registers of a type lie on the wire when they are written.
-struct WrittenType
-{
-    const char* first;
-    int address;
-    int valueBytes;
-    int registersPerFrame;
-};
-
-void PrintTo(const WrittenType& type, std::ostream* out)
-{
-    *out << type.first;
-}
-
 QVector<quint32> differentValues(int count, int valueBytes)
 {
     QVector<quint32> values;
@@ -48,41 +34,36 @@ QByteArray asBytes(const QVector<quint32>& values, int valueBytes)
     return bytes;
 }
 
-RegisterRange rangeOf(const char* first, int count)
-{
-    RegisterRange whole = range(first);
-    whole.count = count;
-    return whole;
-}
-
 }  // namespace
 
-class WordWrites : public testing::TestWithParam<WrittenType>
-{};
-
-INSTANTIATE_TEST_SUITE_P(Types, WordWrites,
-                         testing::Values(WrittenType{"D100", 0x10C8, 2, 32},
-                                         WrittenType{"TV3", 0x0806, 2, 32},
-                                         WrittenType{"CV5", 0x0A0A, 2, 32},
-                                         WrittenType{"SD8002", 0x0F04, 2, 32},
-                                         WrittenType{"32CV200", 0x0C00, 4, 16}));
-
-TEST_P(WordWrites, OfAnyNumberOfFramesChangeTheirRegistersAndNothingElse)
+TEST(WordWrites, OfAnyNumberOfFramesChangeTheirRegistersAndNothingElse)
 {
-    const WrittenType& type = GetParam();
-    const int frame = type.registersPerFrame;
-    for (const int count : {1, frame - 1, frame, frame + 1, 2 * frame + 1, 56}) {
-        Bench bench;
-        fillWithOwnAddresses(bench.line.memory());
-        const QVector<quint32> values = differentValues(count, type.valueBytes);
-        QByteArray expected = bench.line.memory().image();
-        expected.replace(type.address, count * type.valueBytes, asBytes(values, type.valueBytes));
-
-        const WriteOutcome outcome = writeRegisters(bench.loop, rangeOf(type.first, count), values);
-
-        EXPECT_TRUE(outcome.isGood()) << count;
-        EXPECT_EQ(outcome.frames, (count + frame - 1) / frame) << count;
-        EXPECT_TRUE(bench.line.memory().image() == expected) << count;
+    const struct
+    {
+        const char* first;
+        int address;  // where it is written on the wire
+        int valueBytes;
+        int perFrame;
+    } types[] = {
+        {"D100", 0x10C8, 2, 32},   {"TV3", 0x0806, 2, 32},     {"CV5", 0x0A0A, 2, 32},
+        {"SD8002", 0x0F04, 2, 32}, {"32CV200", 0x0C00, 4, 16},
+    };
+    for (const auto& type : types) {
+        const int frame = type.perFrame;
+        for (const int count : {1, frame - 1, frame, frame + 1, 2 * frame + 1, 56}) {
+            Bench bench;
+            fillWithOwnAddresses(bench.line.memory());
+            const QVector<quint32> values = differentValues(count, type.valueBytes);
+            QByteArray expected = bench.line.memory().image();
+            expected.replace(type.address, count * type.valueBytes,
+                             asBytes(values, type.valueBytes));
+            RegisterRange whole = range(type.first);
+            whole.count = count;
+            const WriteOutcome outcome = writeRegisters(bench.loop, whole, values);
+            EXPECT_TRUE(outcome.isGood()) << type.first << ' ' << count;
+            EXPECT_EQ(outcome.frames, (count + frame - 1) / frame) << type.first << ' ' << count;
+            EXPECT_TRUE(bench.line.memory().image() == expected) << type.first << ' ' << count;
+        }
     }
 }
 
@@ -118,54 +99,39 @@ std::string texts(const QVector<RegisterRange>& ranges)
     return all.join(' ').toStdString();
 }
 
-struct BrokenWrite
-{
-    const char* name;
-    const char* address;
-    const char* faults;
-    ReplyVerdict problem;
-    int frames;
-    const char* acknowledged;
-    const char* uncertain;
-};
-
-void PrintTo(const BrokenWrite& write, std::ostream* out)
-{
-    *out << write.name;
-}
-
 }  // namespace
 
-class BrokenWrites : public testing::TestWithParam<BrokenWrite>
-{};
-
-TEST_P(BrokenWrites, TellWhatArrivedAndWhatMayHave)
+TEST(BrokenWrites, TellWhatArrivedAndWhatMayHave)
 {
-    Bench bench(badLine(0, GetParam().faults), SessionSettings{1, 32});
-    const RegisterRange whole = range(GetParam().address);
-    const QVector<quint32> values = differentValues(whole.count, whole.type.valueBytes());
-    const WriteOutcome outcome = writeRegisters(bench.loop, whole, values);
-    EXPECT_EQ(outcome.problem, GetParam().problem);
-    EXPECT_EQ(outcome.frames, GetParam().frames);
-    EXPECT_EQ(texts(outcome.acknowledged), GetParam().acknowledged);
-    EXPECT_EQ(texts(outcome.uncertain), GetParam().uncertain);
+    const struct
+    {
+        const char* address;
+        const char* faults;
+        ReplyVerdict problem;
+        int frames;
+        const char* acknowledged;
+        const char* uncertain;
+    } rows[] = {
+        {"D0:96", "nak@2", ReplyVerdict::Refused, 3, "D0:32 D64:32", ""},
+        {"D0:70", "silence@3", ReplyVerdict::Silence, 3, "D0:32 D32:32", "D64:6"},
+        {"D0:96", "nak@1,silence@2", ReplyVerdict::Refused, 3, "D64:32", "D32:32"},  // the first
+        {"D0:96", "link-drop@2", ReplyVerdict::LinkLost, 3, "D0:32", "D32:32"},
+        {"32CV200:56", "silence@3", ReplyVerdict::Silence, 4, "32CV200:16 32CV216:16",
+         "32CV232:16"},
+        {"M8:3", "silence@2", ReplyVerdict::Silence, 3, "M8 M10", "M9"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.faults);
+        Bench bench(badLine(0, row.faults), SessionSettings{1, 32});
+        const RegisterRange whole = range(row.address);
+        const QVector<quint32> values = differentValues(whole.count, whole.type.valueBytes());
+        const WriteOutcome outcome = writeRegisters(bench.loop, whole, values);
+        EXPECT_EQ(outcome.problem, row.problem);
+        EXPECT_EQ(outcome.frames, row.frames);
+        EXPECT_EQ(texts(outcome.acknowledged), row.acknowledged);
+        EXPECT_EQ(texts(outcome.uncertain), row.uncertain);
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Faults, BrokenWrites,
-    testing::Values(BrokenWrite{"RefusedInTheMiddle", "D0:96", "nak@2", ReplyVerdict::Refused, 3,
-                                "D0:32 D64:32", ""},
-                    BrokenWrite{"UnansweredAtTheEnd", "D0:70", "silence@3", ReplyVerdict::Silence,
-                                3, "D0:32 D32:32", "D64:6"},
-                    BrokenWrite{"TheFirstProblemCounts", "D0:96", "nak@1,silence@2",
-                                ReplyVerdict::Refused, 3, "D64:32", "D32:32"},
-                    BrokenWrite{"LinkLost", "D0:96", "link-drop@2", ReplyVerdict::LinkLost, 3,
-                                "D0:32", "D32:32"},
-                    BrokenWrite{"CountersEndAtTheFirst", "32CV200:56", "silence@3",
-                                ReplyVerdict::Silence, 4, "32CV200:16 32CV216:16", "32CV232:16"},
-                    BrokenWrite{"Bits", "M8:3", "silence@2", ReplyVerdict::Silence, 3, "M8 M10",
-                                "M9"}),
-    [](const auto& row) { return row.param.name; });
 
 TEST(RetriedWrite, ThatIsRefusedAfterAnUnansweredAttemptMayHaveArrived)
 {
