@@ -25,6 +25,12 @@ struct ControlTest : testing::Test
         return settings;
     }
 
+    void expectAnswers(std::initializer_list<std::pair<const char*, const char*>> rows)
+    {
+        for (const auto& row : rows)
+            EXPECT_EQ(run(row.first), row.second) << row.first;
+    }
+
     Simulator plc{settings(), nullptr, 0};
     int quits = 0;
     int droppedMs = -1;
@@ -33,17 +39,11 @@ struct ControlTest : testing::Test
                      [] { return static_cast<qint64>(0); }}};
 };
 
-struct Exchange
-{
-    const char* line;
-    const char* answer;
-};
-
 }  // namespace
 
 TEST_F(ControlTest, AnswersEachCommand)
 {
-    const Exchange rows[] = {
+    expectAnswers({
         {"poke 0x1000 1 0xFF 16", "ok\n"},
         {"peek 0x1000 4", "1000: 01 FF 10 00\nok\n"},
         {"  peek   4096 ", "1000: 01\nok\n"},
@@ -75,9 +75,7 @@ TEST_F(ControlTest, AnswersEachCommand)
         {"jump", "error: unknown command 'jump'; 'help' lists all commands\n"},
         {"peek", "error: usage: peek PLACE [COUNT]\n"},
         {"quit now", "error: usage: quit\n"},
-    };
-    for (const Exchange& row : rows)
-        EXPECT_EQ(run(row.line), row.answer) << row.line;
+    });
     EXPECT_TRUE(run("faults help").contains("  wrong-sum "));
     EXPECT_TRUE(run("stats").startsWith("  clients "));
     EXPECT_TRUE(run("stats").endsWith("\nok\n"));
@@ -85,7 +83,7 @@ TEST_F(ControlTest, AnswersEachCommand)
 
 TEST_F(ControlTest, KnowsTheNamesOfDevices)
 {
-    const Exchange rows[] = {
+    expectAnswers({
         {"poke D100 -2 65535 0x10", "ok\n"},
         {"peek D100 3", "D100: -2 -1 16\nok\n"},
         {"peek 0x10C8 6", "10C8: FE FF FF FF 10 00\nok\n"},
@@ -113,19 +111,19 @@ TEST_F(ControlTest, KnowsTheNamesOfDevices)
         {"peek M8000 2", "M8000: 0 1\nok\n"},
         {"run", "ok\n"},
         {"peek M8000 2", "M8000: 1 0\nok\n"},
-    };
-    for (const Exchange& row : rows)
-        EXPECT_EQ(run(row.line), row.answer) << row.line;
+    });
 }
 
 TEST_F(ControlTest, BadPokeChangesNothing)
 {
     const QByteArray before = plc.memory().image();
-    EXPECT_EQ(run("poke 0x1000 1 2 256"), "error: invalid value '256': expected 0 to 255\n");
-    EXPECT_EQ(run("poke 0xFFFF 1 2"), "error: too many values: there is room for 1\n");
-    EXPECT_EQ(run("poke 0x0100.3 2"), "error: invalid value '2': expected 0 to 1\n");
-    EXPECT_EQ(run("poke 0x0100.3 1 1"), "error: too many values: there is room for 1\n");
-    EXPECT_EQ(run("poke X8 1"), "error: invalid device 'X8': expected X0 to X377, in octal\n");
+    expectAnswers({
+        {"poke 0x1000 1 2 256", "error: invalid value '256': expected 0 to 255\n"},
+        {"poke 0xFFFF 1 2", "error: too many values: there is room for 1\n"},
+        {"poke 0x0100.3 2", "error: invalid value '2': expected 0 to 1\n"},
+        {"poke 0x0100.3 1 1", "error: too many values: there is room for 1\n"},
+        {"poke X8 1", "error: invalid device 'X8': expected X0 to X377, in octal\n"},
+    });
     EXPECT_TRUE(plc.memory().image() == before);
 }
 
@@ -140,20 +138,16 @@ TEST_F(ControlTest, MemoryThatThePlcDoesNotHaveIsAnError)
     EXPECT_EQ(run("poke D9 1"), "ok\n");
 }
 
-TEST_F(ControlTest, CyclesThePower)
+TEST_F(ControlTest, CyclesThePowerDropsTheLinksAndQuits)
 {
     run("poke 0x1000 1");
-    EXPECT_EQ(run("power-cycle 250"), "ok\n");
+    expectAnswers({{"power-cycle 250", "ok\n"}, {"drop-link", "ok\n"}, {"quit", "ok\n"}});
     EXPECT_EQ(plc.memory().byte(0x1000), 0);
     EXPECT_TRUE(plc.isOff(249999));
     EXPECT_FALSE(plc.isOff(250000));
-}
-
-TEST_F(ControlTest, DropsTheLinks)
-{
-    EXPECT_EQ(run("drop-link"), "ok\n");
     EXPECT_EQ(droppedMs, 1000);
-    EXPECT_EQ(run("drop-link 20"), "ok\n");
+    EXPECT_EQ(quits, 1);
+    run("drop-link 20");
     EXPECT_EQ(droppedMs, 20);
 }
 
@@ -166,12 +160,6 @@ TEST_F(ControlTest, SavesAndLoads)
     run("poke 0x1000 0");
     EXPECT_EQ(run("load " + path), "ok\n");
     EXPECT_EQ(run("peek 0x1000"), "1000: 4D\nok\n");
-}
-
-TEST_F(ControlTest, Quits)
-{
-    EXPECT_EQ(run("quit"), "ok\n");
-    EXPECT_EQ(quits, 1);
 }
 
 TEST_F(ControlTest, HelpNamesEveryCommand)

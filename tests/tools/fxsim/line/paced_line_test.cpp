@@ -63,10 +63,14 @@ TEST(PacedLine, CharactersLeaveOneByOne)
 TEST(PacedLine, PiecesWaitForEachOther)
 {
     PacedLine line({10000, 0});
-    line.send("ab", "", 5000);
-    line.send("cd", "", 0);
+    line.send("ab", "first", 5000);
+    line.send("cd", "second", 0);
     EXPECT_EQ(line.queuedUntilUs(), 9000);
-    EXPECT_EQ(dueAt(line, 8000), "abc");
+    QVector<PacedLine::Sent> whole;
+    EXPECT_EQ(line.takeDue(8000, whole), "abc");
+    ASSERT_EQ(whole.size(), 1) << "the other is not yet";
+    EXPECT_EQ(whole[0].bytes, "ab");
+    EXPECT_EQ(whole[0].note, "first");
     EXPECT_EQ(dueAt(line, 9000), "d");
 }
 
@@ -76,18 +80,6 @@ TEST(PacedLine, ArrivingCharactersTakeTheirTimeToo)
     EXPECT_EQ(line.arrivalUs(11, 1000), 12000);
     EXPECT_EQ(line.arrivalUs(1, 2000), 13000) << "behind those that are still on the way";
     EXPECT_EQ(line.arrivalUs(1, 50000), 51000);
-}
-
-TEST(PacedLine, TellsWhichPiecesAreWhole)
-{
-    PacedLine line({10000, 0});
-    line.send("ab", "first", 0);
-    line.send("cd", "second", 0);
-    QVector<PacedLine::Sent> whole;
-    line.takeDue(3000, whole);
-    ASSERT_EQ(whole.size(), 1);
-    EXPECT_EQ(whole[0].bytes, "ab");
-    EXPECT_EQ(whole[0].note, "first");
 }
 
 TEST(PacedLine, ClearForgetsWhatWasQueued)

@@ -47,125 +47,72 @@ QString errorOfStep(const QByteArray& step)
 
 }  // namespace
 
-struct ScriptCase
+TEST(Script, StepsDoWhatTheySayAtEachMoment)
 {
-    const char* name;
-    const char* steps;
-    int address;
-    QVector<QPair<qint64, const char*>> moments;  // milliseconds and the bytes from `address` on
-};
-
-class ScriptSteps : public testing::TestWithParam<ScriptCase>
-{};
-
-TEST_P(ScriptSteps, DoWhatTheySayAtEachMoment)
-{
-    ScriptRun run(GetParam().steps);
-    for (const auto& moment : GetParam().moments) {
-        const QByteArray bytes = fromHex(moment.second);
-        EXPECT_EQ(run.at(moment.first).read(GetParam().address, bytes.size()), bytes)
-            << "after " << moment.first << " ms";
+    const struct
+    {
+        const char* steps;
+        int address;
+        const char* moments;  // milliseconds, and the bytes from `address` on
+    } rows[] = {
+        // clang-format off
+        {R"({"at": 1000, "set": "0x1000", "value": 4660, "bytes": 2})",
+         0x1000, "999: 0000, 1000: 3412"},
+        {R"({"at": 0, "set": "0x1000", "value": -2, "bytes": 4})",
+         0x1000, "0: FEFFFFFF"},  // at power-on
+        {R"({"every": 500, "add": "0x1002", "value": 3})",
+         0x1002, "499: 0000, 500: 0300, 2600: 0F00"},  // missed ones are made up for
+        {R"({"every": 1, "add": "0x1002", "value": 1, "from": 5, "to": 7})",
+         0x1002, "1: 0500, 3: 0700, 4: 0500"},  // starts again past its end
+        {R"({"every": 1, "add": "0x1002", "value": 255, "bytes": 1})",
+         0x1002, "2: FE00"},  // wraps in its bytes
+        {R"({"every": 1000, "after": 0, "toggle": "0x0080.3"})",
+         0x0080, "0: 08, 1000: 00, 2000: 08"},
+        {R"({"at": 0, "set": "0x0100.7", "value": 1},
+             {"at": 5, "set": "0x0100.7", "value": 0})",
+         0x0100, "0: 80, 5: 00"},
+        {R"({"at": 0, "set": "0x1000", "value": 305419896, "bytes": 4},
+             {"every": 10, "copy": "0x1000", "to": "0x1100", "bytes": 3})",
+         0x1100, "10: 78563400"},
+        {R"({"at": 0, "set": "32CV200", "value": -2}, {"at": 1, "set": "D8", "value": -1},
+             {"at": 2, "copy": "32CV200", "to": "32CV201", "count": 1})",
+         0x0C00, "1: FEFFFFFF00000000, 2: FEFFFFFFFEFFFFFF"},  // the bytes that the devices have
+        {R"({"every": 1, "add": "D0", "value": -1, "from": -2, "to": 5})",
+         0x1000, "1: FFFF, 2: FEFF, 3: FEFF"},  // below zero
+        {R"({"at": 0, "set": "D0", "value": 21}, {"at": 1, "copy": "D0.2", "to": "M6", "count": 4})",
+         0x0100, "0: 0000, 1: 4001"},
+        {R"({"at": 0, "set": "0x0100", "value": 7, "bytes": 1}, {"every": 1, "copy": "M0", "to": "M1", "count": 7})",
+         0x0100, "1: 0F, 2: 1F"},  // moved over themselves
+        {R"({"ramp": "D0", "from": 10, "to": -10, "over": 1000, "after": 50, "every": 10})",
+         0x1000, "40: 0000, 50: 0A00, 550: 0000, 1050: F6FF, 3000: F6FF"},
+        {R"({"ramp": "D0", "from": 0, "to": 100, "over": 1000, "then": "back"})",
+         0x1000, "500: 3200, 1000: 6400, 1500: 3200, 2000: 0000, 2300: 1E00"},
+        {R"({"ramp": "D0", "from": 0, "to": 100, "over": 1000, "then": "repeat"})",
+         0x1000, "900: 5A00, 1000: 0000, 1500: 3200"},
+        {R"({"at": 10, "set": "X1", "value": 1}, {"at": 20, "set": "D5", "value": -3},
+             {"every": 1, "add": "D0", "if": "X1"}, {"every": 1, "add": "D1", "if": "!X1"},
+             {"every": 1, "add": "D2", "if": ["X1", "D5 < 0"]},
+             {"every": 1, "add": "D3", "if": "D5=D4"}, {"every": 1, "add": "D6", "if": "D5 >= -3"},
+             {"every": 1, "add": "D7", "if": "D5 != 0x0"}, {"every": 1, "add": "D9", "if": "D0 > D1"},
+             {"every": 1, "add": "D10", "if": "D0 <= 2"})",
+         0x1000, "30: 150009000B0013000000FDFF1E000B0000000C000B00"},
+        {R"({"every": 10, "add": "0x1000", "value": 1},
+             {"every": 10, "copy": "0x1000", "to": "0x1100"})",
+         0x1100, "10: 0100, 35: 0300"},  // at one moment, in their order
+        {R"({"every": 1, "add": "0x1000", "value": 1, "bytes": 4})",
+         0x1000, "500000000: A0860100, 500000001: A1860100"},  // a long sleep is not made up for
+        // clang-format on
+    };
+    for (const auto& row : rows) {
+        ScriptRun run(row.steps);
+        for (const QString& moment : QString(row.moments).split(", ")) {
+            const QByteArray bytes = QByteArray::fromHex(moment.section(": ", 1).toLatin1());
+            const PlcMemory& memory = run.at(moment.section(':', 0, 0).toLongLong());
+            EXPECT_EQ(memory.read(row.address, bytes.size()), bytes)
+                << row.steps << " after " << moment.toStdString();
+        }
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Of, ScriptSteps,
-    testing::Values(
-        ScriptCase{"SetOnce",
-                   R"({"at": 1000, "set": "0x1000", "value": 4660, "bytes": 2})",
-                   0x1000,
-                   {{999, "0000"}, {1000, "3412"}}},
-        ScriptCase{"SetAtPowerOn",
-                   R"({"at": 0, "set": "0x1000", "value": -2, "bytes": 4})",
-                   0x1000,
-                   {{0, "FEFFFFFF"}}},
-        ScriptCase{"AddMakesUpForMissedOnes",
-                   R"({"every": 500, "add": "0x1002", "value": 3})",
-                   0x1002,
-                   {{499, "0000"}, {500, "0300"}, {2600, "0F00"}}},
-        ScriptCase{"SumStartsAgainPastItsEnd",
-                   R"({"every": 1, "add": "0x1002", "value": 1, "from": 5, "to": 7})",
-                   0x1002,
-                   {{1, "0500"}, {3, "0700"}, {4, "0500"}}},
-        ScriptCase{"SumWithoutEndWrapsInItsBytes",
-                   R"({"every": 1, "add": "0x1002", "value": 255, "bytes": 1})",
-                   0x1002,
-                   {{2, "FE00"}}},
-        ScriptCase{"ToggledBit",
-                   R"({"every": 1000, "after": 0, "toggle": "0x0080.3"})",
-                   0x0080,
-                   {{0, "08"}, {1000, "00"}, {2000, "08"}}},
-        ScriptCase{"SetBit",
-                   R"({"at": 0, "set": "0x0100.7", "value": 1},
-                      {"at": 5, "set": "0x0100.7", "value": 0})",
-                   0x0100,
-                   {{0, "80"}, {5, "00"}}},
-        ScriptCase{"Copy",
-                   R"({"at": 0, "set": "0x1000", "value": 305419896, "bytes": 4},
-                      {"every": 10, "copy": "0x1000", "to": "0x1100", "bytes": 3})",
-                   0x1100,
-                   {{10, "78563400"}}},
-        ScriptCase{"DevicesHaveTheirBytes",
-                   R"({"at": 0, "set": "32CV200", "value": -2}, {"at": 1, "set": "D8", "value": -1},
-                      {"at": 2, "copy": "32CV200", "to": "32CV201", "count": 1})",
-                   0x0C00,
-                   {{1, "FEFFFFFF00000000"}, {2, "FEFFFFFFFEFFFFFF"}}},
-        ScriptCase{"SignedSumGoesBelowZero",
-                   R"({"every": 1, "add": "D0", "value": -1, "from": -2, "to": 5})",
-                   0x1000,
-                   {{1, "FFFF"}, {2, "FEFF"}, {3, "FEFF"}}},
-        ScriptCase{
-            "CopiedBits",
-            R"({"at": 0, "set": "D0", "value": 21}, {"at": 1, "copy": "D0.2", "to": "M6", "count": 4})",
-            0x0100,
-            {{0, "0000"}, {1, "4001"}}},
-        ScriptCase{
-            "BitsMovedOverThemselves",
-            R"({"at": 0, "set": "0x0100", "value": 7, "bytes": 1}, {"every": 1, "copy": "M0", "to": "M1", "count": 7})",
-            0x0100,
-            {{1, "0F"}, {2, "1F"}}},
-        ScriptCase{
-            "RampHolds",
-            R"({"ramp": "D0", "from": 10, "to": -10, "over": 1000, "after": 50, "every": 10})",
-            0x1000,
-            {{40, "0000"}, {50, "0A00"}, {550, "0000"}, {1050, "F6FF"}, {3000, "F6FF"}}},
-        ScriptCase{"RampGoesBack",
-                   R"({"ramp": "D0", "from": 0, "to": 100, "over": 1000, "then": "back"})",
-                   0x1000,
-                   {{500, "3200"}, {1000, "6400"}, {1500, "3200"}, {2000, "0000"}, {2300, "1E00"}}},
-        ScriptCase{"RampRepeats",
-                   R"({"ramp": "D0", "from": 0, "to": 100, "over": 1000, "then": "repeat"})",
-                   0x1000,
-                   {{900, "5A00"}, {1000, "0000"}, {1500, "3200"}}},
-        ScriptCase{"Conditions",
-                   R"({"at": 10, "set": "X1", "value": 1}, {"at": 20, "set": "D5", "value": -3},
-                      {"every": 1, "add": "D0", "if": "X1"}, {"every": 1, "add": "D1", "if": "!X1"},
-                      {"every": 1, "add": "D2", "if": ["X1", "D5 < 0"]},
-                      {"every": 1, "add": "D3", "if": "D5=D4"}, {"every": 1, "add": "D6", "if": "D5 >= -3"},
-                      {"every": 1, "add": "D7", "if": "D5 != 0x0"}, {"every": 1, "add": "D9", "if": "D0 > D1"},
-                      {"every": 1, "add": "D10", "if": "D0 <= 2"})",
-                   0x1000,
-                   {{30, "1500"
-                         "0900"
-                         "0B00"
-                         "1300"
-                         "0000"
-                         "FDFF"
-                         "1E00"
-                         "0B00"
-                         "0000"
-                         "0C00"
-                         "0B00"}}},
-        ScriptCase{"StepsOfOneMomentInTheirOrder",
-                   R"({"every": 10, "add": "0x1000", "value": 1},
-                      {"every": 10, "copy": "0x1000", "to": "0x1100"})",
-                   0x1100,
-                   {{10, "0100"}, {35, "0300"}}},
-        ScriptCase{"LongSleepNotMadeUpForWithoutEnd",
-                   R"({"every": 1, "add": "0x1000", "value": 1, "bytes": 4})",
-                   0x1000,
-                   {{500000000, "A0860100"}, {500000001, "A1860100"}}}),
-    [](const auto& row) { return std::string(row.param.name); });
 
 TEST(Script, StepOfOneMomentIsDoneOnce)
 {
