@@ -6,9 +6,11 @@
 #include "tools/fxsim/control/control.h"
 #include "tools/fxsim/line/session.h"
 #include "tools/fxsim/plc/sample_program.h"
+#include "tools/link/link.h"
 #include "tools/link/serial_link.h"
 #include "tools/link/tcp_link.h"
 
+#include <QFileInfo>
 #include <QThread>
 
 #include <algorithm>
@@ -92,6 +94,8 @@ MadeLink makeSimulated(const SimulatedSettings& simulated)
     return {std::move(link), control};
 }
 
+constexpr int controlTimeoutMs = 5000;
+
 }  // namespace
 
 MadeLink makeLink(const LinkSettings& settings)
@@ -101,6 +105,33 @@ MadeLink makeLink(const LinkSettings& settings)
     if (const auto* tcp = std::get_if<TcpSettings>(&settings))
         return {std::make_unique<TcpLink>(*tcp), nullptr};
     return makeSimulated(std::get<SimulatedSettings>(settings));
+}
+
+SocketBenchControl::SocketBenchControl(const QString& path)
+{
+    m_socket.connectToServer(QFileInfo(path).absoluteFilePath());
+    if (!m_socket.waitForConnected(controlTimeoutMs)) {
+        throw Failure(ExitCode::LinkNotOpened, "cannot connect to the simulator's control socket " +
+                                                   path + ": " + m_socket.errorString());
+    }
+}
+
+// The simulator replies with lines; the last one is "ok" or starts with "error: ".
+void SocketBenchControl::run(const QString& command)
+{
+    m_socket.write(command.toUtf8() + '\n');
+    m_socket.flush();
+    while (m_socket.canReadLine() || m_socket.waitForReadyRead(controlTimeoutMs)) {
+        if (!m_socket.canReadLine())
+            continue;
+        const QByteArray line = m_socket.readLine().trimmed();
+        if (line == "ok")
+            return;
+        if (line.startsWith("error: "))
+            throw Failure(ExitCode::LinkNotOpened, "the simulator refused '" + command +
+                                                       "': " + QString::fromUtf8(line.mid(7)));
+    }
+    throw Failure(ExitCode::LinkNotOpened, "the simulator did not answer '" + command + "'");
 }
 
 }  // namespace fxtools

@@ -7,11 +7,36 @@
 
 #include "tools/link/link.h"
 #include "tools/link/link_settings.h"
-#include "tools/simulated/bench_control.h"
+
+#include <QLocalSocket>
+#include <QString>
 
 #include <memory>
 
 namespace fxtools {
+
+// Control of a simulated PLC beside the link: commands such as "faults silence=0.1" or
+// "poke 0x1000 12". They go to the control socket of a running simulator, or directly to the one
+// inside.
+class BenchControl
+{
+public:
+    virtual ~BenchControl() = default;
+
+    // Returns when the command has been executed; throws Failure if it was not.
+    virtual void run(const QString& command) = 0;
+};
+
+class SocketBenchControl : public BenchControl
+{
+public:
+    explicit SocketBenchControl(const QString& path);  // throws Failure
+
+    void run(const QString& command) override;
+
+private:
+    QLocalSocket m_socket;
+};
 
 struct MadeLink
 {

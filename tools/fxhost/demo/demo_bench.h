@@ -8,7 +8,7 @@
 
 #include "tools/exchange/polling.h"
 #include "tools/fxhost/views/console.h"
-#include "tools/simulated/bench_control.h"
+#include "tools/simulated/make_link.h"
 
 namespace fxtools {
 

@@ -16,8 +16,8 @@
 #pragma once
 
 #include "tools/fxsim/faults/faults.h"
+#include "tools/fxsim/line/frame_server.h"
 #include "tools/fxsim/line/paced_line.h"
-#include "tools/fxsim/line/statistics.h"
 #include "tools/fxsim/plc/model.h"
 #include "tools/fxsim/plc/plc_memory.h"
 
@@ -25,6 +25,7 @@
 #include <QMap>
 #include <QVector>
 
+#include <array>
 #include <functional>
 #include <memory>
 
@@ -69,6 +70,31 @@ struct TraceEntry
     QByteArray text;
 };
 using TraceSink = std::function<void(const TraceEntry&)>;
+
+// What the simulator has counted since it started. Sessions count; the `stats` command and --stats
+// print.
+struct Statistics
+{
+    qint64 exchanges = 0;  // frames that came whole, answered or not
+    qint64 reads = 0;
+    qint64 writes = 0;
+    qint64 forces = 0;
+    std::array<qint64, verdictKinds> verdicts{};
+    std::array<qint64, faultKinds> faults{};
+    qint64 enquiries = 0;
+    qint64 overlongFrames = 0;
+    qint64 ungreetedFrames = 0;  // left unanswered because no ENQ came first
+    qint64 junkCharacters = 0;
+    qint64 ignoredCharacters = 0;  // arrived while the PLC was off
+    qint64 charactersIn = 0;
+    qint64 charactersOut = 0;
+    qint64 charactersLost = 0;  // the host did not read them
+    qint64 clients = 0;
+    qint64 powerCycles = 0;
+
+    void countRequest(const Request& request);
+    QByteArray text() const;
+};
 
 class Simulator
 {
