@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// Rounds of the exchange loop: what each says of its exchanges; round_test.cpp sees how they end.
+// Rounds of the exchange loop: what each says of its exchanges, and how it ends, whatever else came
+// of it.
 
 #include "tests/tools/support/virtual_line.h"
 #include "tools/exchange/polling.h"
@@ -33,18 +34,8 @@ protected:
         blocks = bench.session.setPlan(ranges);
     }
 
-    void letTheLinkComeBack()
-    {
-        bench.loop.onLinkLost = [this] {
-            ++reconnects;
-            bench.line.open();
-            return true;
-        };
-    }
-
     Bench bench{badLine(0, ""), SessionSettings{2, 32}};
     int blocks = 0;
-    int reconnects = 0;
 };
 
 }  // namespace
@@ -73,7 +64,12 @@ TEST_F(RoundsOfExchanges, OfWritesEndWithTheLastOfThem)
 TEST_F(RoundsOfExchanges, GoOnWhenTheLinkComesBack)
 {
     plan({"D0:64"});
-    letTheLinkComeBack();
+    int reconnects = 0;
+    bench.loop.onLinkLost = [&] {
+        ++reconnects;
+        bench.line.open();
+        return true;
+    };
     bench.line.setFaults("link-drop@2");
     const Round round = pollCycle(bench.loop, blocks);
     EXPECT_EQ(textOf(round), "cyclic read good, cyclic read good");
@@ -94,29 +90,25 @@ TEST_F(RoundsOfExchanges, TellWhichFrameIsNeitherGoodNorGivenUp)
     EXPECT_EQ(textOf(pollCycle(bench.loop, 1)), "cyclic read good");
 }
 
-TEST_F(RoundsOfExchanges, OfAOneOffReadTakeEveryFrameOfIt)
+TEST_F(RoundsOfExchanges, OfAOneOffReadTakeEveryFrameOfItAndCountersByHalves)
 {
     plan({"D0"});
-    for (int number = 100; number < 200; ++number)
-        bench.setD(number, static_cast<quint32>(number));
-    EXPECT_EQ(readOnce(bench.loop, range("D100:100")), ReplyVerdict::Good);
-    const QVector<quint32> values = bench.session.values(range("D100:100"));
-    for (int index = 0; index < 100; ++index)
-        EXPECT_EQ(values[index], static_cast<quint32>(100 + index));
-    EXPECT_EQ(bench.loop.statistics().of(ExchangeKind::ConditionalRead).sent, 4);
-}
-
-TEST_F(RoundsOfExchanges, OfAOneOffReadTakeCountersByHalves)
-{
-    plan({"D0"});
-    QVector<quint32> written;
-    for (int index = 0; index < 56; ++index) {
-        written += 70000U + static_cast<quint32>(index);
-        bench.line.memory().setValue(addressOf32CV200 + 4 * index, 4, written.last());
+    QVector<quint32> words;
+    QVector<quint32> counters;
+    for (quint32 index = 0; index < 100; ++index) {
+        words += 100 + index;
+        bench.setD(100 + static_cast<int>(index), words.last());
     }
-    EXPECT_EQ(readOnce(bench.loop, range("32CV200:56")), ReplyVerdict::Good);
-    EXPECT_EQ(bench.session.values(range("32CV200:56")), written);
+    for (int index = 0; index < 56; ++index) {
+        counters += 70000U + static_cast<quint32>(index);
+        bench.line.memory().setValue(addressOf32CV200 + 4 * index, 4, counters.last());
+    }
+    EXPECT_EQ(readOnce(bench.loop, range("D100:100")), ReplyVerdict::Good);
+    EXPECT_EQ(bench.session.values(range("D100:100")), words);
     EXPECT_EQ(bench.loop.statistics().of(ExchangeKind::ConditionalRead).sent, 4);
+    EXPECT_EQ(readOnce(bench.loop, range("32CV200:56")), ReplyVerdict::Good);
+    EXPECT_EQ(bench.session.values(range("32CV200:56")), counters);
+    EXPECT_EQ(bench.loop.statistics().of(ExchangeKind::ConditionalRead).sent, 8);
 }
 
 TEST_F(RoundsOfExchanges, OfAOneOffReadTakeBitsByBytes)
@@ -166,8 +158,6 @@ TEST_F(RoundsOfExchanges, OfAOneOffReadDoNotMindOneThatIsInFlight)
         EXPECT_EQ(readOnce(bench.loop, range("D100")), ReplyVerdict::Good) << faults;
     }
 }
-
-// How a round of exchanges ends, whatever else came of it.
 
 namespace {
 

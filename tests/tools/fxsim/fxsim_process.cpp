@@ -100,6 +100,12 @@ FailedStart runToEnd(const QStringList& arguments, Rights rights)
     return result;
 }
 
+QByteArray failureOf(const QStringList& arguments, Rights rights)
+{
+    const FailedStart start = runToEnd(arguments, rights);
+    return QByteArray::number(start.exitCode) + ' ' + start.errors + start.output;
+}
+
 PtyEnd::PtyEnd(const QString& path)
     : m_descriptor(::open(path.toLocal8Bit().constData(), O_RDWR | O_NOCTTY | O_CLOEXEC))
 {}

@@ -68,6 +68,7 @@ struct FailedStart
     QByteArray output;
 };
 FailedStart runToEnd(const QStringList& arguments, Rights rights = Rights::Own);
+QByteArray failureOf(const QStringList& arguments, Rights rights = Rights::Own);  // "3 fxsim: ..."
 
 // The host's end of a link.
 class HostEnd

@@ -120,9 +120,7 @@ INSTANTIATE_TEST_SUITE_P(Sizes, FxsimView,
 
 TEST(FxsimTerminal, ViewNeedsOneForItself)
 {
-    const FailedStart pipe = runToEnd({"--view"});
-    EXPECT_EQ(pipe.exitCode, 2);
-    EXPECT_EQ(pipe.errors, "fxsim: --view needs a terminal\n");
+    EXPECT_EQ(failureOf({"--view"}), "2 fxsim: --view needs a terminal\n");
     Shell shell(80, 24, {"--view", "--trace"});
     EXPECT_TRUE(shell.waitForText("--view and --trace both need the terminal"));
 }

@@ -35,16 +35,11 @@ QStringList captured(const QString& text, const char* pattern)
 
 TEST(FxsimUsage, MistakeIsOneLineAndExitCode2)
 {
-    const FailedStart start = runToEnd({"--baud", "fast"});
-    EXPECT_EQ(start.exitCode, 2);
-    EXPECT_EQ(start.errors,
-              "fxsim: --baud: invalid speed 'fast': expected 0, or a usual speed such "
+    EXPECT_EQ(failureOf({"--baud", "fast"}),
+              "2 fxsim: --baud: invalid speed 'fast': expected 0, or a usual speed such "
               "as 9600, 19200 or 115200 (see fxsim --help)\n");
-    EXPECT_EQ(start.output, "");
-    const FailedStart hole = runToEnd({"--model", "fx1s", "--holes", "D300"});
-    EXPECT_EQ(hole.exitCode, 2);
-    EXPECT_EQ(hole.errors,
-              "fxsim: --holes: this PLC does not have all of that memory without holes "
+    EXPECT_EQ(failureOf({"--model", "fx1s", "--holes", "D300"}),
+              "2 fxsim: --holes: this PLC does not have all of that memory without holes "
               "either\n");
 }
 
@@ -131,11 +126,10 @@ TEST(FxsimFiles, BadFilesAreNamedBeforeAnythingStarts)
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write("{\"steps\": [{}]}");
     file.close();
-    const FailedStart script = runToEnd({"--program", path});
-    EXPECT_EQ(script.exitCode, 7);
-    EXPECT_EQ(script.errors, "fxsim: " + path.toUtf8() +
-                                 ": line 1, step 1: expected exactly one of \"set\", \"add\", "
-                                 "\"toggle\", \"copy\", \"ramp\" and \"random\"\n");
+    EXPECT_EQ(failureOf({"--program", path}),
+              "7 fxsim: " + path.toUtf8() +
+                  ": line 1, step 1: expected exactly one of \"set\", \"add\", "
+                  "\"toggle\", \"copy\", \"ramp\" and \"random\"\n");
     EXPECT_EQ(runToEnd({"--load", path}).exitCode, 7);
     EXPECT_EQ(runToEnd({"--save", folder.path()}).exitCode, 7);
     EXPECT_EQ(runToEnd({"--trace", "/nonexistent/trace"}).exitCode, 7);
@@ -148,9 +142,8 @@ TEST(FxsimFiles, SaveToAProtectedFileIsRefusedAtTheStart)
     const QString path = folder.filePath("plc.hex");
     ASSERT_TRUE(QFile(path).open(QIODevice::WriteOnly));
     QFile::setPermissions(path, QFile::ReadOwner);
-    const FailedStart start = runToEnd({"--save", path}, Rights::OrdinaryUser);
-    EXPECT_EQ(start.exitCode, 7);
-    EXPECT_EQ(start.errors, "fxsim: " + path.toUtf8() + ": no permission to write this file\n");
+    EXPECT_EQ(failureOf({"--save", path}, Rights::OrdinaryUser),
+              "7 fxsim: " + path.toUtf8() + ": no permission to write this file\n");
 }
 
 TEST(FxsimFiles, TraceReplacesAFileOnlyByForce)
@@ -158,10 +151,9 @@ TEST(FxsimFiles, TraceReplacesAFileOnlyByForce)
     const QTemporaryDir folder;
     QFile file(folder.filePath("trace"));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write("older") == 5 && file.flush());
-    const FailedStart start = runToEnd({"--trace", file.fileName()});
-    EXPECT_EQ(start.exitCode, 7);
-    EXPECT_EQ(start.errors, "fxsim: " + file.fileName().toUtf8() +
-                                ": the file already exists; --force replaces it\n");
+    EXPECT_EQ(failureOf({"--trace", file.fileName()}),
+              "7 fxsim: " + file.fileName().toUtf8() +
+                  ": the file already exists; --force replaces it\n");
     EXPECT_EQ(file.size(), 5);
     FxsimProcess process({"--trace", file.fileName(), "--force"});
     EXPECT_NE(process.waitReady(), "");

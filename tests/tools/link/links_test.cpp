@@ -3,9 +3,8 @@
 //
 // Bytes over real links: a TCP connection to this machine, and a pseudo-terminal.
 
+#include "tools/link/links.h"
 #include "tools/link/ports.h"
-#include "tools/link/serial_link.h"
-#include "tools/link/tcp_link.h"
 
 #include <QCoreApplication>
 #include <QProcess>

@@ -20,22 +20,14 @@
 
 namespace {
 
-enum class Way
-{
-    Pty,
-    Tcp,
-};
-
-void PrintTo(Way way, std::ostream* out)
-{
-    *out << (way == Way::Pty ? "pty" : "tcp");
-}
+constexpr bool overPty = false;
+constexpr bool overTcp = true;
 
 // A simulator without a program and without delays, and a host connected to it.
 struct Connected
 {
-    explicit Connected(Way chosen, const QStringList& arguments = {})
-        : way(chosen),
+    explicit Connected(bool chosen, const QStringList& arguments = {})
+        : isOverTcp(chosen),
           process(QStringList{"--baud", "0", "--program", "none"} + linkOption() + arguments)
     {
         name = process.waitReady();
@@ -44,34 +36,31 @@ struct Connected
 
     QStringList linkOption() const
     {
-        return way == Way::Pty ? QStringList{"--link", folder.filePath("plc")}
-                               : QStringList{"--tcp", "0"};
+        return isOverTcp ? QStringList{"--tcp", "0"}
+                         : QStringList{"--link", folder.filePath("plc")};
     }
 
     void connect()
     {
-        if (way == Way::Pty)
-            host = std::make_unique<PtyEnd>(folder.filePath("plc"));
-        else
+        if (isOverTcp)
             host = std::make_unique<TcpEnd>(name);
+        else
+            host = std::make_unique<PtyEnd>(folder.filePath("plc"));
     }
 
     QByteArray ask(const QByteArray& bytes, int byteCount) { return host->ask(bytes, byteCount); }
 
-    Way way;
+    bool isOverTcp;
     QTemporaryDir folder;
     FxsimProcess process;
     QString name;
     std::unique_ptr<HostEnd> host;
 };
 
-class FxsimOver : public testing::TestWithParam<Way>
+class FxsimOver : public testing::TestWithParam<bool>
 {};
 
-INSTANTIATE_TEST_SUITE_P(Links, FxsimOver, testing::Values(Way::Pty, Way::Tcp),
-                         [](const auto& row) {
-                             return std::string(row.param == Way::Pty ? "Pty" : "Tcp");
-                         });
+INSTANTIATE_TEST_SUITE_P(PtyAndTcp, FxsimOver, testing::Bool());
 
 }  // namespace
 
@@ -98,7 +87,7 @@ TEST_P(FxsimOver, LinkDropsAndComesBack)
     EXPECT_TRUE(plc.process.waitLine("fxsim: link down: ").contains("back in 50 ms"));
     const QString again = plc.process.waitReady();
     EXPECT_NE(again, "");
-    if (GetParam() == Way::Tcp) {
+    if (plc.isOverTcp) {
         EXPECT_EQ(again, plc.name) << "the same port";
     }
     plc.connect();
@@ -129,7 +118,7 @@ TEST_P(FxsimOver, PacingTakesAtLeastTheTimeOfTheCharacters)
 TEST(FxsimPort, EndsCleanlyOnEachSignal)
 {
     for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
-        Connected plc(Way::Pty, {"--stats"});
+        Connected plc(overPty, {"--stats"});
         plc.ask(readD100, 12);
         EXPECT_EQ(plc.process.signal(number), 0);
         EXPECT_TRUE(plc.process.restOfOutput().contains("  exchanges                     1\n"));
@@ -139,9 +128,8 @@ TEST(FxsimPort, EndsCleanlyOnEachSignal)
 
 TEST(FxsimPort, SettingsReachThePlc)
 {
-    Connected plc(Way::Tcp,
-                  {"--enq", "needed", "--max-bytes", "3", "--memory", "0x0000-0x1FFF", "--holes",
-                   "D104", "--mirror", "0x0100:0x0200:1", "--faults", "nak@7"});
+    Connected plc(overTcp, {"--enq", "needed", "--max-bytes", "3", "--memory", "0x0000-0x1FFF",
+                            "--holes", "D104", "--mirror", "0x0100:0x0200:1", "--faults", "nak@7"});
     plc.host->send(readD100);  // no reply before an ENQ
     EXPECT_EQ(plc.ask("\x05" + readD100, 2), "\x06\x15") << "4 bytes are too many";
     EXPECT_EQ(plc.ask(frame("010D001", "69"), 1), "\x15") << "a hole";
@@ -153,7 +141,7 @@ TEST(FxsimPort, SettingsReachThePlc)
 
 TEST(FxsimPort, SampleProgramRuns)
 {
-    Connected plc(Way::Tcp, {"--program", "sample"});
+    Connected plc(overTcp, {"--program", "sample"});
     const QByteArray readMs = frame("0101004", "59");
     const QByteArray first = plc.ask(readMs, 12);
     QByteArray next = first;
@@ -202,12 +190,9 @@ TEST(FxsimTcp, PortThatIsTakenIsToldAndNothingIsLeftBehind)
 {
     FxsimProcess process({"--tcp", "0"});
     const QString name = process.waitReady();
-    const FailedStart second = runToEnd({"--tcp", name.section(':', 2)});
-    EXPECT_EQ(second.exitCode, 3);
-    EXPECT_EQ(second.errors,
-              "fxsim: " + name.toUtf8() +
+    EXPECT_EQ(failureOf({"--tcp", name.section(':', 2)}),
+              "3 fxsim: " + name.toUtf8() +
                   ": in use by another program; choose another port, or 0 for any free one\n");
-    EXPECT_EQ(second.output, "");
 }
 
 TEST(FxsimTcp, PortThatIsNotForEveryUserIsExplained)
@@ -215,10 +200,9 @@ TEST(FxsimTcp, PortThatIsNotForEveryUserIsExplained)
     QFile firstForAll("/proc/sys/net/ipv4/ip_unprivileged_port_start");
     if (!firstForAll.open(QIODevice::ReadOnly) || firstForAll.readAll().toInt() <= 81)
         GTEST_SKIP() << "this system has no such ports";
-    const FailedStart start = runToEnd({"--tcp", "81"}, Rights::OrdinaryUser);
-    EXPECT_EQ(start.exitCode, 3);
-    EXPECT_EQ(start.errors, "fxsim: tcp:127.0.0.1:81: no permission; use a port from 1024 "
-                            "up\n");
+    EXPECT_EQ(failureOf({"--tcp", "81"}, Rights::OrdinaryUser),
+              "3 fxsim: tcp:127.0.0.1:81: no permission; use a port from 1024 "
+              "up\n");
 }
 
 TEST(FxsimTcp, HostsThatCameAndWentLeaveNothingBehind)
@@ -314,10 +298,9 @@ TEST(FxsimPty, LinkLeftBehindIsReplacedAndWhatLivesIsNot)
     FxsimProcess process({"--link", link, "--baud", "0", "--program", "none"});
     const QString device = process.waitReady().section(' ', 0, 0);
     EXPECT_EQ(QFileInfo(link).symLinkTarget(), device);
-    const FailedStart second = runToEnd({"--link", link});
-    EXPECT_EQ(second.exitCode, 3);
-    EXPECT_EQ(second.errors, "fxsim: " + link.toUtf8() +
-                                 ": in use by another fxsim; end it, or choose another path\n");
+    EXPECT_EQ(failureOf({"--link", link}),
+              "3 fxsim: " + link.toUtf8() +
+                  ": in use by another fxsim; end it, or choose another path\n");
     EXPECT_EQ(QFileInfo(link).symLinkTarget(), device) << "its link is still there";
     process.signal(SIGKILL);
     QFile::link("/dev/pts/99999", folder.filePath("other"));
@@ -326,10 +309,8 @@ TEST(FxsimPty, LinkLeftBehindIsReplacedAndWhatLivesIsNot)
             << "left behind by one that died";
     const QString file = folder.filePath("file");
     QFile(file).open(QIODevice::WriteOnly);
-    const FailedStart third = runToEnd({"--link", file});
-    EXPECT_EQ(third.exitCode, 3);
-    EXPECT_EQ(third.errors,
-              "fxsim: cannot create the symbolic link " + file.toUtf8() + ": File exists\n");
+    EXPECT_EQ(failureOf({"--link", file}),
+              "3 fxsim: cannot create the symbolic link " + file.toUtf8() + ": File exists\n");
     EXPECT_TRUE(QFileInfo(file).isFile());
 }
 
@@ -362,12 +343,9 @@ TEST(FxsimSerial, DeviceThatGoesAwayIsAwaited)
 
 TEST(FxsimSerial, MissingDeviceIsNamed)
 {
-    const FailedStart start = runToEnd({"--serial", "/dev/nonexistent"});
-    EXPECT_EQ(start.exitCode, 3);
-    EXPECT_EQ(start.errors, "fxsim: /dev/nonexistent: No such file or directory\n");
-    const FailedStart other = runToEnd({"--serial", "/dev/null"});
-    EXPECT_EQ(other.exitCode, 3);
-    EXPECT_EQ(other.errors, "fxsim: /dev/null: not a serial port\n");
+    EXPECT_EQ(failureOf({"--serial", "/dev/nonexistent"}),
+              "3 fxsim: /dev/nonexistent: No such file or directory\n");
+    EXPECT_EQ(failureOf({"--serial", "/dev/null"}), "3 fxsim: /dev/null: not a serial port\n");
 }
 
 TEST(FxsimLinks, PtyAndTcpServeOnePlc)

@@ -9,6 +9,8 @@
 #include "tools/link/link.h"
 #include "tools/link/link_settings.h"
 
+#include <QTcpSocket>
+
 namespace fxtools {
 
 class SerialLink : public Link
@@ -28,6 +30,28 @@ private:
 
     SerialSettings m_settings;
     QSerialPort m_port;
+};
+
+// A TCP connection to a serial server or a simulator. Qt connects; the bytes then bypass its socket
+// object and use the descriptor. The object's buffers and notifiers need an event loop, which this
+// program does not have, and would take as long as the rest of an exchange.
+class TcpLink : public Link
+{
+public:
+    explicit TcpLink(const TcpSettings& settings) : m_settings(settings) {}
+
+    QString name() const override;
+    void open() override;
+    bool isOpen() const override;
+    bool send(const QByteArray& bytes) override;
+    QByteArray receive(int timeoutMs) override;
+
+private:
+    int descriptor() const { return static_cast<int>(m_socket.socketDescriptor()); }
+    bool waitFor(short event, int timeoutMs) const;
+
+    TcpSettings m_settings;
+    QTcpSocket m_socket;
 };
 
 }  // namespace fxtools
