@@ -7,6 +7,7 @@
 
 #include "tools/fxsim/plc/number_text.h"
 
+#include <QRegularExpression>
 #include <QStringList>
 
 #include <limits>
@@ -89,26 +90,17 @@ double parseRate(QString text)
     return rate;
 }
 
-qint64 parseExchange(const QString& text)
-{
-    bool ok = false;
-    const qint64 number = text.toLongLong(&ok);
-    if (!ok || number < 1)
-        refuseFault("exchanges are numbered from 1, as in @3, @7-9, @20- or @3+7-9");
-    return number;
-}
-
 ExchangeSpan parseSpan(const QString& text)
 {
-    const int dash = text.indexOf('-');
-    if (dash < 0) {
-        const qint64 only = parseExchange(text);
-        return {only, only};
-    }
-    const QString end = text.mid(dash + 1);
-    const ExchangeSpan span{parseExchange(text.left(dash)), end.isEmpty()
-                                                                ? std::numeric_limits<qint64>::max()
-                                                                : parseExchange(end)};
+    static const QRegularExpression form("^([0-9]+)(-([0-9]*))?$");
+    const QRegularExpressionMatch match = form.match(text);
+    ExchangeSpan span{match.captured(1).toLongLong(), match.captured(3).toLongLong()};
+    if (match.capturedLength(2) == 0)
+        span.last = span.first;
+    else if (match.capturedLength(3) == 0)
+        span.last = std::numeric_limits<qint64>::max();
+    if (span.first < 1 || span.last < 1)
+        refuseFault("exchanges are numbered from 1, as in @3, @7-9, @20- or @3+7-9");
     if (span.last < span.first)
         refuseFault("the range of exchanges ends before it starts");
     return span;
@@ -121,28 +113,6 @@ int parseValue(const QString& text, const FaultFacts& row)
     if (row.highestValue == 0)
         refuseFault(QString("%1 takes no value").arg(row.name));
     return parseNumber(text, row.lowestValue, row.highestValue, "value");
-}
-
-// Where the part that says when begins: at "=" or "@".
-int whenPosition(const QString& item)
-{
-    const int rateAt = item.indexOf('=');
-    return rateAt >= 0 ? rateAt : item.indexOf('@');
-}
-
-FaultRule parseWhen(const QString& item, int whenAt)
-{
-    if (whenAt < 0)
-        refuseFault("add a rate or exchanges, as in NAME=0.05 or NAME@3");
-    FaultRule rule;
-    const QString when = item.mid(whenAt + 1);
-    if (item[whenAt] == '=') {
-        rule.rate = parseRate(when);
-        return rule;
-    }
-    for (const QString& span : when.split('+'))
-        rule.spans.append(parseSpan(span));
-    return rule;
 }
 
 // The rate is shared among the faults; the value is that of the delays among them.
@@ -162,21 +132,25 @@ void appendMixed(FaultPlan& plan, const FaultRule& when, const QString& value)
 
 void appendItem(FaultPlan& plan, const QString& item)
 {
-    const int whenAt = whenPosition(item);
-    const QString named = whenAt < 0 ? item : item.left(whenAt);
-    const QString name = named.section(':', 0, 0);
-    const QString value = named.section(':', 1);
+    static const QRegularExpression form("^([^:=@]*)(?::([^=@]*))?(?:=(.*)|@(.*))?$");
+    const QRegularExpressionMatch match = form.match(item);
+    const QString name = match.captured(1);
     const FaultFacts* row = findFacts(name);
-    if (row == nullptr && name != QLatin1String(mixedName))
+    if (row == nullptr && name != mixedName)
         refuseFault(QString("unknown fault%1; 'help' in place of the plan lists all faults")
                         .arg(didYouMean(name, faultNames())));
-    FaultRule rule = parseWhen(item, whenAt);
-    if (row == nullptr) {
-        appendMixed(plan, rule, value);
-        return;
-    }
+    const bool hasRate = match.capturedStart(3) >= 0;
+    const bool hasExchanges = match.capturedStart(4) >= 0;
+    if (!hasRate && !hasExchanges)
+        refuseFault("add a rate or exchanges, as in NAME=0.05 or NAME@3");
+    FaultRule rule;
+    rule.rate = hasRate ? parseRate(match.captured(3)) : 0;
+    for (const QString& span : hasExchanges ? match.captured(4).split('+') : QStringList())
+        rule.spans.append(parseSpan(span));
+    if (row == nullptr)
+        return appendMixed(plan, rule, match.captured(2));
     rule.kind = row->kind;
-    rule.value = parseValue(value, *row);
+    rule.value = parseValue(match.captured(2), *row);
     plan.append(rule);
 }
 

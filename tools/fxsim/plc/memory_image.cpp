@@ -11,10 +11,11 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSaveFile>
 
 #include <algorithm>
-#include <cctype>
+#include <numeric>
 
 namespace fxsim {
 
@@ -43,18 +44,9 @@ struct HexReader
     bool ended = false;
 };
 
-bool isHex(const QByteArray& digits)
-{
-    return std::all_of(digits.begin(), digits.end(),
-                       [](unsigned char digit) { return std::isxdigit(digit) != 0; });
-}
-
 quint8 sumOfBytes(const QByteArray& bytes)
 {
-    quint8 sum = 0;
-    for (const char byte : bytes)
-        sum = static_cast<quint8>(sum + static_cast<quint8>(byte));
-    return sum;
+    return std::accumulate(bytes.begin(), bytes.end(), quint8(0));
 }
 
 int wordAt(const QByteArray& bytes, int at)
@@ -65,14 +57,6 @@ int wordAt(const QByteArray& bytes, int at)
 [[noreturn]] void refuseImage(const QString& text)
 {
     throw Error(ExitCode::File, text);
-}
-
-void placeData(HexReader& reader, int offset, const QByteArray& data)
-{
-    const qint64 address = reader.base + offset;
-    if (address > addressableBytes - data.size())
-        refuseImage("data beyond 64 KiB");
-    reader.image.replace(static_cast<int>(address), data.size(), data);
 }
 
 qint64 extendedAddress(const QByteArray& data)
@@ -86,9 +70,13 @@ void takeRecord(HexReader& reader, const QByteArray& record)
 {
     const QByteArray data = record.mid(dataAt, static_cast<quint8>(record[0]));
     switch (static_cast<RecordType>(record[3])) {
-    case RecordType::Data:
-        placeData(reader, wordAt(record, 1), data);
+    case RecordType::Data: {
+        const qint64 address = reader.base + wordAt(record, 1);
+        if (address > addressableBytes - data.size())
+            refuseImage("data beyond 64 KiB");
+        reader.image.replace(static_cast<int>(address), data.size(), data);
         return;
+    }
     case RecordType::End:
         reader.ended = true;
         return;
@@ -107,7 +95,8 @@ void takeRecord(HexReader& reader, const QByteArray& record)
 
 void takeLine(HexReader& reader, const QByteArray& line)
 {
-    if (!line.startsWith(':') || !isHex(line.mid(1)) || line.size() % 2 == 0)
+    static const QRegularExpression form("^:([0-9A-Fa-f]{2})*$");
+    if (!form.match(line).hasMatch())
         refuseImage("expected \":\" followed by pairs of hex digits");
     const QByteArray record = QByteArray::fromHex(line.mid(1));
     if (record.size() < recordAround ||
@@ -191,15 +180,15 @@ void checkSaving(const QString& path)
     const QFileInfo file(path);
     const QFileInfo folder(file.absolutePath());
     if (file.isDir())
-        refuseImage(QString("%1: this is a folder, not a file").arg(path));
+        refuseImage(path + ": this is a folder, not a file");
     if (file.exists() && !file.isFile())
-        refuseImage(QString("%1: not a regular file").arg(path));
+        refuseImage(path + ": not a regular file");
     if (file.exists() && !file.isWritable())
-        refuseImage(QString("%1: no permission to write this file").arg(path));
+        refuseImage(path + ": no permission to write this file");
     if (!folder.isDir())
-        refuseImage(QString("%1: the folder %2 does not exist").arg(path, folder.filePath()));
+        refuseImage(path + ": the folder " + folder.filePath() + " does not exist");
     if (!folder.isWritable())
-        refuseImage(QString("%1: no permission to write in this folder").arg(path));
+        refuseImage(path + ": no permission to write in this folder");
 }
 
 // Renamed over an older file when all of it is on the disk. commit() by itself does not notice that
