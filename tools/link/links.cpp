@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 
-#include "tools/link/serial_link.h"
+#include "tools/link/links.h"
 
 #include "tools/link/ports.h"
 
@@ -19,7 +19,9 @@ namespace fxtools {
 
 namespace {
 
-constexpr int serialSendTimeoutMs = 2000;  // the longest frame takes 1.1 s at 9600 baud
+constexpr int sendTimeoutMs = 2000;  // the longest frame takes 1.1 s at 9600 baud
+constexpr int connectTimeoutMs = 5000;
+constexpr size_t mostBytesAtOnce = 4096;  // several times the longest reply
 
 // Something that can be opened, but has no line settings.
 bool isOtherFile(const QString& path)
@@ -62,10 +64,6 @@ LineSettings unwired(LineSettings settings)
     settings.parity = QSerialPort::NoParity;
     return settings;
 }
-
-constexpr int connectTimeoutMs = 5000;
-constexpr int sendTimeoutMs = 2000;       // for a peer that does not read
-constexpr size_t mostBytesAtOnce = 4096;  // several times the longest reply
 
 }  // namespace
 

@@ -1,8 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// A serial port, or a pseudo-terminal by its path: Qt SerialPort with the line settings of the FX
-// programming port by default.
+// The links to PLCs outside this process.
 
 #pragma once
 
@@ -13,6 +12,8 @@
 
 namespace fxtools {
 
+// A serial port, or a pseudo-terminal by its path: Qt SerialPort with the line settings of the FX
+// programming port by default.
 class SerialLink : public Link
 {
 public:

@@ -6,9 +6,7 @@
 #include "tools/fxsim/control/control.h"
 #include "tools/fxsim/line/session.h"
 #include "tools/fxsim/plc/sample_program.h"
-#include "tools/link/link.h"
-#include "tools/link/serial_link.h"
-#include "tools/link/tcp_link.h"
+#include "tools/link/links.h"
 
 #include <QFileInfo>
 #include <QThread>
