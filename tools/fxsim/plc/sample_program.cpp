@@ -53,7 +53,7 @@ void setTimers(PlcMemory& memory, qint64 elapsedMs)
         const int runMs = preset * tenthMs;
         const int phaseMs = static_cast<int>(elapsedMs % (runMs + timerHoldMs));
         const bool done = phaseMs >= runMs;
-        memory.setValue(timerValues + bytesPerWord * timer, wordBytes,
+        memory.setValue(timerValues + bytesPerWord * timer, bytesPerWord,
                         static_cast<quint32>(std::min(phaseMs / tenthMs, preset)));
         memory.setBit(timerContacts, timer, done);
         memory.setBit(outputs, timer, done);
@@ -85,7 +85,7 @@ void advanceCounters(PlcMemory& memory, qint64 beforeMs, qint64 elapsedMs)
 void setWords(PlcMemory& memory, qint64 elapsedMs)
 {
     const auto setWord = [&memory](int word, qint64 value) {
-        memory.setValue(words + bytesPerWord * word, wordBytes, static_cast<quint32>(value));
+        memory.setValue(words + bytesPerWord * word, bytesPerWord, static_cast<quint32>(value));
     };
     const qint64 triangle = elapsedMs / triangleStepMs % (2 * triangleTop);
     const double turn = fullTurn * static_cast<double>(elapsedMs) / sinePeriodMs;
@@ -94,9 +94,9 @@ void setWords(PlcMemory& memory, qint64 elapsedMs)
     setWord(1, triangle <= triangleTop ? triangle : 2 * triangleTop - triangle);
     setWord(2, std::lround(1000 * std::sin(turn)));
     setWord(3, elapsedMs / tenthMs % sawTop);
-    memory.setValue(words + bytesPerWord * 4, 2 * wordBytes, static_cast<quint32>(moving));
-    memory.setValue(words + bytesPerWord * 6, 2 * wordBytes, static_cast<quint32>(moving >> 32));
-    memory.setValue(words + bytesPerWord * 8, 2 * wordBytes, static_cast<quint32>(elapsedMs));
+    memory.setValue(words + bytesPerWord * 4, 2 * bytesPerWord, static_cast<quint32>(moving));
+    memory.setValue(words + bytesPerWord * 6, 2 * bytesPerWord, static_cast<quint32>(moving >> 32));
+    memory.setValue(words + bytesPerWord * 8, 2 * bytesPerWord, static_cast<quint32>(elapsedMs));
 }
 
 }  // namespace
