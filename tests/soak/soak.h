@@ -10,7 +10,7 @@
 
 #include "memory_trend.h"
 #include "plc_map.h"
-#include "soak_line.h"
+#include "tests/tools/support/virtual_line.h"
 #include "tools/exchange/polling.h"
 #include "write_book.h"
 

@@ -135,7 +135,7 @@ bool SerialLink::writeAll(const QByteArray& bytes)
     if (m_port.write(bytes) != bytes.size())
         return false;
     while (m_port.bytesToWrite() > 0) {
-        if (!m_port.waitForBytesWritten(serialSendTimeoutMs))
+        if (!m_port.waitForBytesWritten(sendTimeoutMs))
             return false;
     }
     return true;

@@ -5,6 +5,7 @@
 // stand around its replies. Each is told by its name, in bounded time.
 
 #include "tests/tools/support/virtual_line.h"
+#include "tools/exchange/line_check.h"
 #include "tools/exchange/polling.h"
 
 #include <gtest/gtest.h>
@@ -109,6 +110,14 @@ TEST_F(TalkingLine, IsNamedThoughItTalksWithoutAPause)
     scale.everyUs = 0;
     session.setPlan({range("D0")});
     EXPECT_EQ(loop.step()->verdict, ReplyVerdict::Babble);
+}
+
+TEST_F(TalkingLine, IsKnownToACheckWithinSeconds)
+{
+    const LineCheck check = greetPlc(loop, catalogue());
+    EXPECT_EQ(check.verdict, ReplyVerdict::Babble);
+    EXPECT_TRUE(check.unasked.startsWith("  12.5 kg"));
+    EXPECT_LT(scale.nowUs, 5 * second);
 }
 
 TEST_F(TalkingLine, IsNoAnswerToEnq)
