@@ -25,7 +25,7 @@ int millisecondsLeft(const QElapsedTimer& timer)
 
 FxsimProcess::FxsimProcess(const QStringList& arguments, Rights rights, int descriptors)
 {
-    QStringList command{QStringLiteral(FXSIM_PATH)};
+    QStringList command{FXSIM_FILE};
     if (rights == Rights::OrdinaryUser && ::geteuid() == 0)
         command = QStringList{"setpriv", "--bounding-set=-dac_override,-dac_read_search,"
                                          "-net_bind_service"} +
@@ -41,8 +41,9 @@ FxsimProcess::~FxsimProcess()
 {
     if (m_process.state() == QProcess::NotRunning)
         return;
-    m_process.kill();
-    m_process.waitForFinished(deadlineMs);
+    m_process.terminate();
+    if (!m_process.waitForFinished(deadlineMs))
+        m_process.kill();
 }
 
 QByteArray FxsimProcess::readLine()

@@ -16,7 +16,7 @@
 
 #include <csignal>
 
-constexpr int deadlineMs = 10000;
+constexpr int deadlineMs = 30000;  // of a loaded machine, under sanitizers
 
 // Root may write and open everything, unless it is started without that right.
 enum class Rights

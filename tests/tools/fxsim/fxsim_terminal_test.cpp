@@ -23,7 +23,8 @@ const char* const arrowRight = "\x1b[C";
 struct Shell : tool_tests::Terminal
 {
     Shell(int columns, int rows, const QStringList& options)
-        : Terminal(QStringList{JOB_SHELL_FILE, FXSIM_PATH, "--tcp", "0", "--baud", "0", "--program", "none"} +
+        : Terminal(QStringList{JOB_SHELL_FILE, FXSIM_FILE, "--tcp", "0", "--baud", "0", "--program",
+                               "none"} +
                        options,
                    columns, rows, {"LC_ALL=C.UTF-8"})
     {}

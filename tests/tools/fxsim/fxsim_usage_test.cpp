@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// What the program says of itself: its help, its version, its manual page and its completion.
+// What the program says of itself: its help, its version, its manual page and its completion; and
+// the files that it reads and writes.
 
 #include "tests/tools/fxsim/fxsim_process.h"
 #include "tests/tools/fxsim/support.h"
@@ -19,6 +20,13 @@ QString contents(const char* path)
     QFile file(path);
     EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path;
     return QString::fromUtf8(file.readAll());
+}
+
+QString newFile(const QTemporaryDir& folder, const QByteArray& content)
+{
+    QFile file(folder.filePath("file"));
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+    return file.fileName();
 }
 
 // The first groups of all matches, line by line.
@@ -83,8 +91,6 @@ TEST(FxsimUsage, ManualAndCompletionKnowEveryOptionAndFault)
             << fault.toStdString();
 }
 
-// The files that the program reads and writes: memory images and scripts.
-
 TEST(FxsimFiles, MemoryIsSavedAndLoaded)
 {
     const QTemporaryDir folder;
@@ -108,12 +114,8 @@ TEST(FxsimFiles, MemoryIsSavedAndLoaded)
 TEST(FxsimFiles, ScriptRuns)
 {
     const QTemporaryDir folder;
-    const QString path = folder.filePath("plant.json");
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(R"({"steps": [{"at": 0, "set": "0x10C8", "value": 513}]})");
-    file.close();
-    FxsimProcess process({"--program", path});
+    FxsimProcess process({"--program", newFile(folder, R"({"steps": [
+        {"at": 0, "set": "0x10C8", "value": 513}]})")});
     process.waitReady();
     EXPECT_EQ(process.command("peek 0x10C8 2"), "10C8: 01 02\nok\n");
 }
@@ -121,11 +123,7 @@ TEST(FxsimFiles, ScriptRuns)
 TEST(FxsimFiles, BadFilesAreNamedBeforeAnythingStarts)
 {
     const QTemporaryDir folder;
-    const QString path = folder.filePath("bad");
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("{\"steps\": [{}]}");
-    file.close();
+    const QString path = newFile(folder, "{\"steps\": [{}]}");
     EXPECT_EQ(failureOf({"--program", path}),
               "7 fxsim: " + path.toUtf8() +
                   ": line 1, step 1: expected exactly one of \"set\", \"add\", "

@@ -36,56 +36,25 @@ void PrintTo(const Ended& ended, std::ostream* out)
 }
 
 RunningSimulator::RunningSimulator(Road road, const QStringList& options)
+    : m_process(options + (road == Road::Tcp
+                               ? QStringList{"--tcp", "127.0.0.1:0"}
+                               : QStringList{"--pty", "--link", m_folder.filePath("plc")}))
 {
-    // A stable path: a terminal that comes back after a drop may have another number.
-    const QString terminal = m_folder.filePath("plc");
-    QStringList arguments = options;
-    if (road == Road::Tcp)
-        arguments << "--tcp"
-                  << "127.0.0.1:0";
-    else
-        arguments << "--pty"
-                  << "--link" << terminal;
-    m_process.start(QStringLiteral(FXSIM_FILE), arguments);
-    const QString place = readyPlace();
-    m_link = road == Road::Tcp ? place : "pty:" + terminal;
-}
-
-RunningSimulator::~RunningSimulator()
-{
-    m_process.terminate();
-    if (!m_process.waitForFinished(patienceMs))
-        m_process.kill();
-}
-
-QString RunningSimulator::readyPlace()
-{
-    static const QRegularExpression ready("fxsim: ready on (\\S+)");
-    QString said;
-    while (m_process.waitForReadyRead(patienceMs)) {
-        said += QString::fromUtf8(m_process.readAllStandardOutput());
-        const QRegularExpressionMatch match = ready.match(said);
-        if (match.hasMatch() && said.contains('\n'))
-            return match.captured(1);
-    }
-    throw std::runtime_error("the simulator did not come up: " +
-                             m_process.readAllStandardError().toStdString());
+    const QString place = m_process.waitReady();
+    if (place.isEmpty())
+        throw std::runtime_error("the simulator did not come up: " +
+                                 m_process.errors().toStdString());
+    m_link = road == Road::Tcp ? place : "pty:" + m_folder.filePath("plc");
 }
 
 QByteArray RunningSimulator::command(const QString& line)
 {
-    m_process.write(line.toUtf8() + '\n');
-    QByteArray answer;
-    while (m_process.canReadLine() || m_process.waitForReadyRead(patienceMs)) {
-        while (m_process.canReadLine()) {
-            const QByteArray said = m_process.readLine();
-            if (said == "ok\n")
-                return answer;
-            if (!said.startsWith("fxsim: "))  // news of a link may come between
-                answer += said;
-        }
-    }
-    throw std::runtime_error("the simulator did not carry out: " + line.toStdString());
+    static const QRegularExpression news("^fxsim: .*\n", QRegularExpression::MultilineOption);
+    QString answer = QString::fromUtf8(m_process.command(line.toUtf8())).remove(news);
+    if (!answer.endsWith("ok\n"))
+        throw std::runtime_error("the simulator did not carry out: " + line.toStdString());
+    answer.chop(3);
+    return answer.toUtf8();
 }
 
 bool holds(const std::string& text, const std::string& part)

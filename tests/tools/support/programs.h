@@ -6,7 +6,7 @@
 
 #pragma once
 
-#include "tests/tools/support/child_process.h"
+#include "tests/tools/fxsim/fxsim_process.h"
 
 #include <QString>
 #include <QStringList>
@@ -30,18 +30,13 @@ class RunningSimulator
 public:
     // Throws std::runtime_error when it does not come up.
     explicit RunningSimulator(Road road, const QStringList& options = {});
-    ~RunningSimulator();
-    RunningSimulator(const RunningSimulator&) = delete;
-    RunningSimulator& operator=(const RunningSimulator&) = delete;
 
     QString link() const { return m_link; }   // as fxhost takes it
     QByteArray command(const QString& line);  // on its standard input; what came before "ok"
 
 private:
-    QString readyPlace();
-
-    QTemporaryDir m_folder;
-    ChildProcess m_process;
+    QTemporaryDir m_folder;  // a stable path: a terminal that comes back may have another number
+    FxsimProcess m_process;
     QString m_link;
 };
 

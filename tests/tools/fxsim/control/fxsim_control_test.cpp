@@ -80,10 +80,9 @@ TEST(FxsimControl, SocketLeftBehindIsReplaced)
 {
     const QTemporaryDir folder;
     const QString path = folder.filePath("control");
-    {
-        FxsimProcess killed({"--control", path});
-        killed.waitReady();
-    }
+    FxsimProcess killed({"--control", path});
+    killed.waitReady();
+    killed.signal(SIGKILL);
     EXPECT_TRUE(QFileInfo::exists(path)) << "a killed simulator leaves its socket behind";
     FxsimProcess process({"--control", path});
     process.waitReady();
