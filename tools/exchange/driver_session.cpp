@@ -137,7 +137,7 @@ void DriverSession::write(const RegisterRange& range, const QVector<quint32>& va
                       range.type.driverCount(values.size()), bytes.data(), writeTag);
 }
 
-int DriverSession::setRecipeList(RecipeDirection direction, const QVector<RegisterRange>& entries)
+int DriverSession::startRecipe(RecipeDirection direction, const QVector<RegisterRange>& entries)
 {
     QVector<_RCP_VAR_PRO> list;
     int recipeWord = 0;
@@ -153,12 +153,7 @@ int DriverSession::setRecipeList(RecipeDirection direction, const QVector<Regist
         list.append(row);
         recipeWord += wordsOf(entry);
     }
-    return m_library.setRcpAddress(list);
-}
-
-int DriverSession::startRecipe(RecipeDirection direction, const QVector<RegisterRange>& entries)
-{
-    const int entryCount = setRecipeList(direction, entries);
+    const int entryCount = m_library.setRcpAddress(list);
     if (entryCount == 0)
         return 0;  // a request without a list would stop everything else
     const QMutexLocker lock(&m_mutex);

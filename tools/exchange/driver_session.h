@@ -72,7 +72,6 @@ public:
     ExchangeKind kindOf(const FRAME_PRO& frame);
 
 private:
-    int setRecipeList(RecipeDirection direction, const QVector<RegisterRange>& entries);
     static int forwardCallback(int linkNo, int stationNo, QString& text, int value);
     void handleCallback(int stationNo, const QString& text, int value);
 

@@ -31,18 +31,9 @@ static_assert(std::size(verdictTexts) == verdictKinds);
 
 Command commandOf(char character)
 {
-    switch (const auto command = static_cast<Command>(character)) {
-    case Command::None:
-        break;
-    case Command::Read:
-    case Command::Write:
-    case Command::ForceOn:
-    case Command::ForceOff:
-    case Command::Question4:
-    case Command::QuestionB:
-        return command;
-    }
-    return Command::None;
+    constexpr std::string_view known = "01784B";
+    return known.find(character) == std::string_view::npos ? Command::None
+                                                           : static_cast<Command>(character);
 }
 
 bool isQuestion(Command command)

@@ -14,35 +14,14 @@ namespace {
 
 QByteArray nameOf(char character)
 {
-    switch (character) {
-    case stx:
-        return "<STX>";
-    case etx:
-        return "<ETX>";
-    case enq:
-        return "<ENQ>";
-    case ack:
-        return "<ACK>";
-    case nak:
-        return "<NAK>";
-    }
+    static const QMap<char, QByteArray> names = {
+        {stx, "<STX>"}, {etx, "<ETX>"}, {enq, "<ENQ>"}, {ack, "<ACK>"}, {nak, "<NAK>"}};
     if (character >= ' ' && character <= '~')
         return QByteArray(1, character);
-    return '<' + hexOfBytes(QByteArray(1, character)) + '>';
+    return names.value(character, '<' + hexOfBytes(QByteArray(1, character)) + '>');
 }
 
-const char* arrow(TraceEntry::Direction direction)
-{
-    switch (direction) {
-    case TraceEntry::Direction::FromHost:
-        return ">";
-    case TraceEntry::Direction::ToHost:
-        return "<";
-    case TraceEntry::Direction::Note:
-        return "*";
-    }
-    return "";
-}
+constexpr char arrows[] = {'>', '<', '*'};  // from the host, to it, and a note
 
 constexpr int labelWidth = 30;
 
@@ -179,7 +158,7 @@ QByteArray traceLine(const TraceEntry& entry)
 {
     const QByteArray us = QByteArray::number(entry.atUs % usPerSecond).rightJustified(6, '0');
     QByteArray line = QByteArray::number(entry.atUs / usPerSecond).rightJustified(5) + '.' + us +
-                      ' ' + entry.client + ' ' + arrow(entry.direction);
+                      ' ' + entry.client + ' ' + arrows[static_cast<int>(entry.direction)];
     if (!entry.bytes.isEmpty())
         line += ' ' + entry.bytes.toHex(' ').toUpper() + " | " + readable(entry.bytes);
     if (!entry.text.isEmpty())
