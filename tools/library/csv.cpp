@@ -44,7 +44,22 @@ CsvRow rowOf(int number, const QString& line, QChar separator)
     return row;
 }
 
+QString quotedField(const QString& text)
+{
+    static const QRegularExpression special(QStringLiteral("[,;\t\"\r\n]|^\\s|^#|\\s$"));
+    return text.contains(special) ? '"' + QString(text).replace('"', QLatin1String("\"\"")) + '"'
+                                  : text;
+}
+
 }  // namespace
+
+QByteArray csvLine(const QStringList& fields)
+{
+    QStringList texts;
+    for (const QString& field : fields)
+        texts += quotedField(field);
+    return texts.join(',').toUtf8() + '\n';
+}
 
 CsvFile readCsv(const QString& path, const char* kind)
 {

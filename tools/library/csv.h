@@ -30,4 +30,7 @@ struct CsvFile
 // as "file of registers".
 CsvFile readCsv(const QString& path, const char* kind);
 
+// A row, with quotes round the fields that need them.
+QByteArray csvLine(const QStringList& fields);
+
 }  // namespace fxtools

@@ -5,6 +5,7 @@
 
 #include "tools/quoted.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstring>
@@ -223,6 +224,14 @@ std::optional<ValueFormat> formatNamed(const QString& name)
             return row.format;
     }
     return std::nullopt;
+}
+
+QString formatName(ValueFormat format)
+{
+    const auto* const row =
+        std::find_if(names.begin(), names.end(),
+                     [format](const FormatName& one) { return one.format == format; });
+    return QLatin1String(row->name);
 }
 
 QString formatNames()

@@ -34,6 +34,7 @@ struct ValueStyle
 
 // The format with this name on the command line.
 std::optional<ValueFormat> formatNamed(const QString& name);
+QString formatName(ValueFormat format);
 QString formatNames();  // "signed, unsigned, ... or text"
 
 // How many of the registers from the first one on make one value.

@@ -1,0 +1,418 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+
+#include "tools/tags/tag_file.h"
+
+#include "tools/quoted.h"
+
+#include <QHash>
+#include <QLocale>
+#include <QRegularExpression>
+
+#include <cmath>
+
+namespace fxtools {
+
+namespace {
+
+constexpr int mostNameCharacters = 64;
+constexpr int mostTextWords = 32;  // what one frame brings
+constexpr int longestPeriodMs = 86400000;
+
+// What a field is read with.
+struct Reading
+{
+    const RegisterCatalogue& catalogue;
+    bool hasDecimalComma;
+};
+
+QString numberText(double number)
+{
+    return QString::number(number, 'g', QLocale::FloatingPointShortest);
+}
+
+QString numberText(const std::optional<double>& number)
+{
+    return number ? numberText(*number) : QString();
+}
+
+double number(const QString& text, const Reading& reading)
+{
+    bool isNumber = false;
+    const QString point = reading.hasDecimalComma ? QString(text).replace(',', '.') : text;
+    const double number = point.toDouble(&isNumber);
+    if (!isNumber || !std::isfinite(number))
+        reject(text, QStringLiteral("is not a number; use for example 0.1"));
+    return number;
+}
+
+void takeName(Tag& tag, const QString& text, const Reading& reading)
+{
+    const QString mistake = nameMistake(text, reading.catalogue);
+    if (!mistake.isEmpty())
+        reject(text, mistake);
+    tag.name = text;
+}
+
+void takeScale(Tag& tag, const QString& text, const Reading& reading)
+{
+    tag.scale = number(text, reading);
+    if (tag.scale == 0)
+        reject(text, QStringLiteral("leaves nothing of a value; use for example 0.1"));
+}
+
+void takeDeadband(Tag& tag, const QString& text, const Reading& reading)
+{
+    tag.deadband = number(text, reading);
+    if (*tag.deadband < 0)
+        reject(text, QStringLiteral("is below 0"));
+}
+
+void takePeriod(Tag& tag, const QString& text, const Reading& /*reading*/)
+{
+    bool isNumber = false;
+    tag.periodMs = text.toInt(&isNumber);
+    if (!isNumber || *tag.periodMs < 1 || *tag.periodMs > longestPeriodMs)
+        reject(text, QStringLiteral("is not a time in ms; use 1 to %1").arg(longestPeriodMs));
+}
+
+void takeAccess(Tag& tag, const QString& text, const Reading& /*reading*/)
+{
+    const QString access = text.toLower().remove('/');
+    tag.isReadOnly = access == QLatin1String("ro") || access == QLatin1String("r");
+    if (!tag.isReadOnly && access != QLatin1String("rw"))
+        reject(text, QStringLiteral("is not an access; use ro or rw"));
+}
+
+void takeType(Tag& tag, const QString& text, const Reading& /*reading*/)
+{
+    const QStringList words = text.toLower().split(' ', Qt::SkipEmptyParts);
+    const std::optional<ValueFormat> format = formatNamed(words.value(0));
+    tag.style = {format.value_or(ValueFormat::Signed), words.value(1) == QLatin1String("swap")};
+    const bool isWide =
+        format == ValueFormat::Long || format == ValueFormat::ULong || format == ValueFormat::Float;
+    if (!format || words.size() > (isWide && tag.style.swap ? 2 : 1))
+        reject(text, "is not a type; use " + formatNames() +
+                         ", for two words with the high one first for example float swap");
+}
+
+template <std::optional<double> Tag::*member>
+void takeNumber(Tag& tag, const QString& text, const Reading& reading)
+{
+    tag.*member = number(text, reading);
+}
+
+template <std::optional<double> Tag::*member>
+QString textOfNumber(const Tag& tag)
+{
+    return numberText(tag.*member);
+}
+
+template <QString Tag::*member>
+void takeText(Tag& tag, const QString& text, const Reading& /*reading*/)
+{
+    tag.*member = text;
+}
+
+template <QString Tag::*member>
+QString textOf(const Tag& tag)
+{
+    return tag.*member;
+}
+
+struct Column
+{
+    const char* title;
+    bool needsNumber;  // means nothing for bits and texts
+    void (*take)(Tag& tag, const QString& text, const Reading& reading);
+    QString (*text)(const Tag& tag);
+};
+
+// In the order in which they are read: a type belongs to an address.
+const Column columns[] = {
+    {"name", false, takeName, textOf<&Tag::name>},
+    {"address", false,
+     [](Tag& tag, const QString& text, const Reading& reading) {
+         tag.asked = askedAddress(takeApart(text), reading.catalogue);
+     },
+     [](const Tag& tag) { return tag.asked.text(); }},
+    {"type", false, takeType, [](const Tag& tag) { return typeText(tag.style); }},
+    {"scale", true, takeScale,
+     [](const Tag& tag) { return tag.scale == 1 ? QString() : numberText(tag.scale); }},
+    {"offset", true,
+     [](Tag& tag, const QString& text, const Reading& reading) {
+         tag.offset = number(text, reading);
+     },
+     [](const Tag& tag) { return tag.offset == 0 ? QString() : numberText(tag.offset); }},
+    {"unit", false, takeText<&Tag::unit>, textOf<&Tag::unit>},
+    {"deadband", true, takeDeadband, textOfNumber<&Tag::deadband>},
+    {"period_ms", false, takePeriod,
+     [](const Tag& tag) { return tag.periodMs ? QString::number(*tag.periodMs) : QString(); }},
+    {"access", false, takeAccess,
+     [](const Tag& tag) { return tag.isReadOnly ? QStringLiteral("ro") : QString(); }},
+    {"min", true, takeNumber<&Tag::min>, textOfNumber<&Tag::min>},
+    {"max", true, takeNumber<&Tag::max>, textOfNumber<&Tag::max>},
+    {"alarm_low", true, takeNumber<&Tag::alarmLow>, textOfNumber<&Tag::alarmLow>},
+    {"alarm_high", true, takeNumber<&Tag::alarmHigh>, textOfNumber<&Tag::alarmHigh>},
+    {"link", false, takeText<&Tag::link>, textOf<&Tag::link>},
+    {"description", false, takeText<&Tag::description>, textOf<&Tag::description>},
+};
+
+QString knownTitles()
+{
+    QStringList titles;
+    for (const Column& column : columns)
+        titles += QLatin1String(column.title);
+    return titles.join(QStringLiteral(", "));
+}
+
+// Makes a value of the registers; throws Failure if the type and the address do not go together.
+void fitRegisters(Tag& tag)
+{
+    const RegisterType& type = tag.asked.range.type;
+    const bool isWord = type.width == RegisterWidth::Word && !tag.asked.bit;
+    const ValueFormat format = tag.style.format;
+    const bool isOneBit = tag.asked.bit || (type.isBit() && !tag.asked.isGroup);
+    if (isOneBit && format != ValueFormat::Signed)
+        reject(tag.asked.text(), QStringLiteral("is a bit, which has no type"));
+    const bool needsWords =
+        tag.style.swap || format == ValueFormat::Float || format == ValueFormat::Text;
+    if (needsWords && !isWord)
+        reject(tag.asked.text(),
+               "is not a 16-bit register, which type " + typeText(tag.style) + " needs");
+    widen(tag.asked, tag.style);
+    const int each = registersPerValue(tag.asked, tag.style);
+    if (tag.asked.range.count != each)
+        reject(tag.asked.text(), QStringLiteral("does not name the registers of one value: %1")
+                                     .arg(each == 1 ? "one" : QString::number(each)));
+    if (each > mostTextWords && !tag.asked.isGroup)
+        reject(tag.asked.text(), QStringLiteral("is a text of more than %1 registers, which no "
+                                                "frame brings at once")
+                                     .arg(mostTextWords));
+    if (!tag.asked.isGroup)
+        tag.asked.range.together = each;
+}
+
+// Reads the rows of a file one after the other.
+class Reader
+{
+public:
+    Reader(const CsvRow& titles, QChar separator, const RegisterCatalogue& catalogue);
+
+    void read(const CsvRow& row);
+    const TagFile& file() const { return m_file; }
+
+private:
+    void takeFields(const QStringList& fields, Tag& tag);
+    void checkFields(const CsvRow& row);
+    void checkWhole(const QStringList& fields, Tag& tag);
+    void checkOrder(const QStringList& titles, const std::optional<double>& low,
+                    const std::optional<double>& high);
+    QString field(const QStringList& fields, const char* title) const;
+    void warn(const QString& column, const QString& text);
+    void fail(const QString& column, const QString& text);
+
+    QStringList m_titles;
+    QChar m_separator;
+    const RegisterCatalogue& m_catalogue;
+    QHash<QString, int> m_lineOf;  // by the tag's name
+    int m_line;
+    TagFile m_file;
+};
+
+Reader::Reader(const CsvRow& titles, QChar separator, const RegisterCatalogue& catalogue)
+    : m_separator(separator), m_catalogue(catalogue), m_line(titles.line)
+{
+    for (const QString& title : titles.fields) {
+        const bool isKnown = std::any_of(std::begin(columns), std::end(columns), [&](auto& column) {
+            return title.compare(QLatin1String(column.title), Qt::CaseInsensitive) == 0;
+        });
+        if (isKnown && m_titles.contains(title.toLower()))
+            fail(title, QStringLiteral("stands here twice"));
+        else if (!isKnown && !title.isEmpty())
+            warn(title, "unknown column " + quoted(title) + " is ignored; known: " + knownTitles());
+        m_titles += title.toLower();
+    }
+    for (const char* const needed : {"name", "address"}) {
+        if (!m_titles.contains(QLatin1String(needed)))
+            fail({}, QStringLiteral("no column '%1'; the first row names the columns: name,address "
+                                    "and others")
+                         .arg(QLatin1String(needed)));
+    }
+}
+
+QString Reader::field(const QStringList& fields, const char* title) const
+{
+    const int column = m_titles.indexOf(QLatin1String(title));
+    return column < 0 ? QString() : fields.value(column);
+}
+
+void Reader::warn(const QString& column, const QString& text)
+{
+    m_file.remarks.append({TagRemark::Kind::Warning, m_line, column, text});
+}
+
+void Reader::fail(const QString& column, const QString& text)
+{
+    m_file.remarks.append({TagRemark::Kind::Error, m_line, column, text});
+}
+
+void Reader::read(const CsvRow& row)
+{
+    m_line = row.line;
+    const int errorsBefore = m_file.errors();
+    Tag tag;
+    tag.line = row.line;
+    checkFields(row);
+    takeFields(row.fields, tag);
+    if (!tag.name.isEmpty() && m_lineOf.contains(tag.name))
+        fail(QStringLiteral("name"),
+             QStringLiteral("%1 is already in line %2").arg(tag.name).arg(m_lineOf[tag.name]));
+    else
+        m_lineOf.insert(tag.name, row.line);
+    if (m_file.errors() == errorsBefore)
+        checkWhole(row.fields, tag);
+    if (m_file.errors() == errorsBefore)
+        m_file.tags.append(tag);
+}
+
+void Reader::checkFields(const CsvRow& row)
+{
+    for (int column = 0; column < row.fields.size(); ++column) {
+        const QString& text = row.fields[column];
+        if (text.contains(QChar::ReplacementCharacter))
+            fail(m_titles.value(column), quoted(text) + " is not UTF-8; save the file as UTF-8");
+        if (column >= m_titles.size() && !text.isEmpty())
+            fail({}, QStringLiteral("%1 is a field too many; put a text with %2 in quotes")
+                         .arg(quoted(text), QString(m_separator)));
+    }
+    if (row.isOpen)
+        fail(m_titles.value(row.fields.size() - 1),
+             quoted(row.fields.last()) + " has an opening quote, but no closing one");
+}
+
+void Reader::takeFields(const QStringList& fields, Tag& tag)
+{
+    for (const Column& column : columns) {
+        const QString text = field(fields, column.title);
+        const bool isNeeded = column.take == takeName || qstrcmp(column.title, "address") == 0;
+        if (text.isEmpty() && !isNeeded)
+            continue;
+        try {
+            column.take(tag, text, {m_catalogue, m_separator != ','});
+        } catch (const Failure& failure) {
+            fail(QLatin1String(column.title), failure.text());
+        }
+    }
+}
+
+void Reader::checkWhole(const QStringList& fields, Tag& tag)
+{
+    try {
+        fitRegisters(tag);
+    } catch (const Failure& failure) {
+        fail(QStringLiteral("address"), failure.text());
+        return;
+    }
+    for (const Column& column : columns) {
+        const QString text = field(fields, column.title);
+        if (column.needsNumber && !text.isEmpty() && !tag.isNumber())
+            fail(QLatin1String(column.title), quoted(text) + " has no meaning for a bit, a text, "
+                                                             "hex or bin; leave it empty");
+    }
+    checkOrder({"min", "max"}, tag.min, tag.max);
+    checkOrder({"alarm_low", "alarm_high"}, tag.alarmLow, tag.alarmHigh);
+    if (tag.isNumber() && !tag.isFinite())
+        fail(QStringLiteral("scale"), QStringLiteral("makes values that are too large"));
+}
+
+void Reader::checkOrder(const QStringList& titles, const std::optional<double>& low,
+                        const std::optional<double>& high)
+{
+    if (low && high && *low > *high)
+        fail(titles[0], QStringLiteral("%1 is above %2, the %3")
+                            .arg(numberText(*low), numberText(*high), titles[1]));
+}
+
+}  // namespace
+
+QString TagRemark::place() const
+{
+    const QString inFile = QStringLiteral("line %1").arg(line);
+    return column.isEmpty() ? inFile : inFile + ", column " + column;
+}
+
+int TagFile::errors() const
+{
+    return static_cast<int>(std::count_if(remarks.begin(), remarks.end(), [](const auto& remark) {
+        return remark.kind == TagRemark::Kind::Error;
+    }));
+}
+
+QString nameMistake(const QString& name, const RegisterCatalogue& catalogue)
+{
+    static const QRegularExpression letters(QStringLiteral("^[^-\\s\\p{C},;='\"*?\\[\\]#]"
+                                                           "[^\\s\\p{C},;='\"*?\\[\\]#]*$"),
+                                            QRegularExpression::UseUnicodePropertiesOption);
+    if (!letters.match(name).hasMatch())
+        return QStringLiteral("is not a name; use letters, digits, dots, - and _");
+    if (name.size() > mostNameCharacters)
+        return QStringLiteral("is longer than %1 characters").arg(mostNameCharacters);
+    return isAddress(name, catalogue) ? QStringLiteral("is an address, which no tag can be called")
+                                      : QString();
+}
+
+QString typeText(ValueStyle style)
+{
+    if (style.format == ValueFormat::Signed)
+        return {};
+    return formatName(style.format) + (style.swap ? " swap" : "");
+}
+
+TagFile readTagFile(const QString& path, const RegisterCatalogue& catalogue)
+{
+    const CsvFile csv = readCsv(path, "tag file");
+    if (csv.rows.isEmpty())
+        throw Failure(ExitCode::File, path + ": no tags in this file");
+    Reader reader(csv.rows.first(), csv.separator, catalogue);
+    const bool hasTitles = reader.file().errors() == 0;
+    for (const CsvRow& row : hasTitles ? csv.rows.mid(1) : QVector<CsvRow>())
+        reader.read(row);
+    return reader.file();
+}
+
+QVector<Tag> readTags(const QString& path, const RegisterCatalogue& catalogue)
+{
+    const TagFile file = readTagFile(path, catalogue);
+    QStringList errors;
+    for (const TagRemark& remark : file.remarks) {
+        if (remark.kind == TagRemark::Kind::Error)
+            errors += path + ", " + remark.place() + ": " + remark.text;
+    }
+    if (!errors.isEmpty())
+        throw Failure(ExitCode::File, errors.join('\n'));
+    return file.tags;
+}
+
+QByteArray tagFileText(const QVector<Tag>& tags)
+{
+    QVector<const Column*> used;
+    for (const Column& column : columns) {
+        if (std::any_of(tags.begin(), tags.end(),
+                        [&column](const Tag& tag) { return !column.text(tag).isEmpty(); }))
+            used.append(&column);
+    }
+    QStringList titles;
+    for (const Column* const column : used)
+        titles += QLatin1String(column->title);
+    QByteArray text = csvLine(titles);
+    for (const Tag& tag : tags) {
+        QStringList fields;
+        for (const Column* const column : used)
+            fields += column->text(tag);
+        text += csvLine(fields);
+    }
+    return text;
+}
+
+}  // namespace fxtools
