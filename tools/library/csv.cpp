@@ -53,12 +53,12 @@ QString quotedField(const QString& text)
 
 }  // namespace
 
-QByteArray csvLine(const QStringList& fields)
+QString csvLine(const QStringList& fields)
 {
     QStringList texts;
     for (const QString& field : fields)
         texts += quotedField(field);
-    return texts.join(',').toUtf8() + '\n';
+    return texts.join(',');
 }
 
 CsvFile readCsv(const QString& path, const char* kind)

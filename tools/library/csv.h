@@ -31,6 +31,6 @@ struct CsvFile
 CsvFile readCsv(const QString& path, const char* kind);
 
 // A row, with quotes round the fields that need them.
-QByteArray csvLine(const QStringList& fields);
+QString csvLine(const QStringList& fields);
 
 }  // namespace fxtools

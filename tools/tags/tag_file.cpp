@@ -16,6 +16,7 @@ namespace fxtools {
 namespace {
 
 constexpr int mostNameCharacters = 64;
+const QRegularExpression notInNames(QStringLiteral("[\\s\\p{C},;='\"*?\\[\\]#]+"));
 constexpr int mostTextWords = 32;  // what one frame brings
 constexpr int longestPeriodMs = 86400000;
 
@@ -180,6 +181,10 @@ void fitRegisters(Tag& tag)
     if (needsWords && !isWord)
         reject(tag.asked.text(),
                "is not a 16-bit register, which type " + typeText(tag.style) + " needs");
+    if (!isWord && format == ValueFormat::Long)
+        tag.style.format = ValueFormat::Signed;  // of all its bits anyway
+    else if (!isWord && format == ValueFormat::ULong)
+        tag.style.format = ValueFormat::Unsigned;
     widen(tag.asked, tag.style);
     const int each = registersPerValue(tag.asked, tag.style);
     if (tag.asked.range.count != each)
@@ -351,15 +356,19 @@ int TagFile::errors() const
 
 QString nameMistake(const QString& name, const RegisterCatalogue& catalogue)
 {
-    static const QRegularExpression letters(QStringLiteral("^[^-\\s\\p{C},;='\"*?\\[\\]#]"
-                                                           "[^\\s\\p{C},;='\"*?\\[\\]#]*$"),
-                                            QRegularExpression::UseUnicodePropertiesOption);
-    if (!letters.match(name).hasMatch())
+    if (name.isEmpty() || name.startsWith('-') || name.contains(notInNames))
         return QStringLiteral("is not a name; use letters, digits, dots, - and _");
     if (name.size() > mostNameCharacters)
         return QStringLiteral("is longer than %1 characters").arg(mostNameCharacters);
     return isAddress(name, catalogue) ? QStringLiteral("is an address, which no tag can be called")
                                       : QString();
+}
+
+QString asName(const QString& text)
+{
+    QString name = text.trimmed();
+    name.replace(notInNames, QStringLiteral("_"));
+    return (name.startsWith('-') ? '_' + name : name).left(mostNameCharacters);
 }
 
 QString typeText(ValueStyle style)
@@ -374,6 +383,11 @@ TagFile readTagFile(const QString& path, const RegisterCatalogue& catalogue)
     const CsvFile csv = readCsv(path, "tag file");
     if (csv.rows.isEmpty())
         throw Failure(ExitCode::File, path + ": no tags in this file");
+    return tagsIn(csv, catalogue);
+}
+
+TagFile tagsIn(const CsvFile& csv, const RegisterCatalogue& catalogue)
+{
     Reader reader(csv.rows.first(), csv.separator, catalogue);
     const bool hasTitles = reader.file().errors() == 0;
     for (const CsvRow& row : hasTitles ? csv.rows.mid(1) : QVector<CsvRow>())
@@ -405,14 +419,24 @@ QByteArray tagFileText(const QVector<Tag>& tags)
     QStringList titles;
     for (const Column* const column : used)
         titles += QLatin1String(column->title);
-    QByteArray text = csvLine(titles);
+    QString text = csvLine(titles) + '\n';
     for (const Tag& tag : tags) {
         QStringList fields;
         for (const Column* const column : used)
             fields += column->text(tag);
-        text += csvLine(fields);
+        text += csvLine(fields) + '\n';
     }
-    return text;
+    return text.toUtf8();
+}
+
+QStringList differences(const Tag& one, const Tag& other)
+{
+    QStringList titles;
+    for (const Column& column : columns) {
+        if (column.text(one) != column.text(other))
+            titles += QLatin1String(column.title);
+    }
+    return titles;
 }
 
 }  // namespace fxtools

@@ -43,6 +43,7 @@ struct TagFile
 
 // Throws Failure only if the file cannot be read at all.
 TagFile readTagFile(const QString& path, const RegisterCatalogue& catalogue);
+TagFile tagsIn(const CsvFile& csv, const RegisterCatalogue& catalogue);
 
 // Throws Failure with all errors of the file.
 QVector<Tag> readTags(const QString& path, const RegisterCatalogue& catalogue);
@@ -50,10 +51,16 @@ QVector<Tag> readTags(const QString& path, const RegisterCatalogue& catalogue);
 // Why this is not a name; empty if it is one.
 QString nameMistake(const QString& name, const RegisterCatalogue& catalogue);
 
+// A name made of a text: what a name cannot have becomes "_".
+QString asName(const QString& text);
+
 // The type as the file has it: "float", or "float swap" with the high word first.
 QString typeText(ValueStyle style);
 
 // All columns that a tag needs.
 QByteArray tagFileText(const QVector<Tag>& tags);
+
+// The titles of the columns in which two tags differ.
+QStringList differences(const Tag& one, const Tag& other);
 
 }  // namespace fxtools

@@ -4,22 +4,11 @@
 #include "tools/fxhost/views/log_format.h"
 
 #include "tools/fxhost/views/json_text.h"
+#include "tools/library/csv.h"
 
 #include <cmath>
 
 namespace fxtools {
-
-namespace {
-
-QByteArray csvLine(const QStringList& cells)
-{
-    QStringList fields;
-    for (const QString& cell : cells)
-        fields += csvField(cell);
-    return fields.join(',').toUtf8() + '\n';
-}
-
-}  // namespace
 
 bool differs(const QJsonValue& value, const QJsonValue& before, double deadband)
 {
@@ -43,7 +32,7 @@ QByteArray LogFormat::heading() const
 {
     if (m_output.mode == OutputMode::Json)
         return {};
-    return csvLine(QStringList("time") + m_names + QStringList("error"));
+    return csvLine(QStringList("time") + m_names + QStringList("error")).toUtf8() + '\n';
 }
 
 QByteArray LogFormat::line(const LogRow& row) const
@@ -53,7 +42,7 @@ QByteArray LogFormat::line(const LogRow& row) const
     QStringList cells = {isoTime(row.time)};
     for (const QJsonValue& value : row.values)
         cells += value.toVariant().toString();
-    return csvLine(cells << row.error);
+    return csvLine(cells << row.error).toUtf8() + '\n';
 }
 
 QByteArray LogFormat::jsonLine(const LogRow& row) const

@@ -4,6 +4,7 @@
 #include "tools/fxhost/views/records.h"
 
 #include "tools/fxhost/views/console.h"
+#include "tools/library/csv.h"
 
 #include <algorithm>
 #include <cmath>
@@ -38,16 +39,6 @@ void removeEmpty(QVector<Table::Column>& columns, QVector<QStringList>& rows)
 
 }  // namespace
 
-QString csvField(const QString& text)
-{
-    static const QString special = QStringLiteral(",\"\r\n");
-    for (const QChar character : text) {
-        if (special.contains(character))
-            return '"' + QString(text).replace('"', QLatin1String("\"\"")) + '"';
-    }
-    return text;
-}
-
 QString isoTime(const QDateTime& time)
 {
     const int minutes = time.offsetFromUtc() / 60;
@@ -76,8 +67,8 @@ Records::Records(const OutputOptions& options, const QVector<Table::Column>& col
         return;
     QStringList titles;
     for (const Table::Column& column : m_columns)
-        titles += csvField(column.title);
-    Console().line(titles.join(','));
+        titles += column.title;
+    Console().line(csvLine(titles));
 }
 
 void Records::add(const QVector<QJsonValue>& values)
@@ -162,10 +153,7 @@ void Records::showTable() const
 
 void Records::showCsvLine(const QVector<QJsonValue>& values) const
 {
-    QStringList fields;
-    for (const QString& text : textsOf(values))
-        fields += csvField(text);
-    Console().line(fields.join(','));
+    Console().line(csvLine(textsOf(values)));
 }
 
 void showResult(const OutputOptions& options, const QString& words,

@@ -65,9 +65,6 @@ private:
 void showResult(const OutputOptions& options, const QString& words,
                 const QVector<QPair<QString, QJsonValue>>& fields);
 
-// A cell of CSV, quoted if it must be.
-QString csvField(const QString& text);
-
 // The time as records carry it: 2026-01-31T13:05:00.123+01:00.
 QString isoTime(const QDateTime& time);
 QString timestamp();  // now

@@ -4,6 +4,7 @@
 #include "tools/fxhost/views/statistics_report.h"
 
 #include "tools/fxhost/views/records.h"
+#include "tools/library/csv.h"
 
 namespace fxtools {
 
@@ -274,7 +275,7 @@ QStringList lineReportCsv(const LineReport& report)
 {
     QStringList lines = {QStringLiteral("name,value")};
     for (const auto& field : fieldsOf(report))
-        lines += csvField(field.first) + ',' + csvField(field.second.toVariant().toString());
+        lines += csvLine({field.first, field.second.toVariant().toString()});
     return lines;
 }
 
