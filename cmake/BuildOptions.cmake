@@ -33,5 +33,8 @@ endif()
 function(fx_compile_as_one)
     if(FX_FAST_BUILD)
         set_target_properties(${ARGN} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 0)
+        foreach(target ${ARGN})  # what a source keeps to itself is not for others after all
+            target_compile_options(${target} PRIVATE -Wno-subobject-linkage)
+        endforeach()
     endif()
 endfunction()

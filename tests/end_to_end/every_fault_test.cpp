@@ -84,8 +84,7 @@ class EveryFault : public testing::TestWithParam<std::tuple<Road, Fault>>
 protected:
     EveryFault()
         : image(newFile(folder, "memory.hex", memory)),
-          plc(std::get<Road>(GetParam()),
-              {"--baud", "0", "--program", "none", "--load", image, "--seed", seed})
+          plc(std::get<Road>(GetParam()), quickPlc + QStringList{"--load", image, "--seed", seed})
     {}
 
     Ended run(const QStringList& arguments) const

@@ -87,7 +87,7 @@ protected:
 
     int noArguments = 0;
     const QCoreApplication application{noArguments, nullptr};  // that devices wait in
-    RunningSimulator plc{GetParam().road, {"--baud", "0", "--program", "none"}};
+    RunningSimulator plc{GetParam().road, quickPlc};
     std::unique_ptr<Link> link = makeLink(parseLink(plc.link())).link;
     DriverSession session{driver(), {failLimit, wordsPerFrame}};
     ExchangeLoop loop{session, *link, loopSettings()};

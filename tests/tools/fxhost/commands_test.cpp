@@ -19,7 +19,7 @@ class Commands : public testing::TestWithParam<Road>
 {
 protected:
     // A PLC whose memory only the host changes.
-    RunningSimulator plc{GetParam(), {"--baud", "0", "--program", "none"}};
+    RunningSimulator plc{GetParam(), quickPlc};
 
     Ended run(const QStringList& arguments)
     {

@@ -37,14 +37,14 @@ void PrintTo(const Meant& meant, std::ostream* out)
     *out << meant.name;
 }
 
-struct Mistake
+struct BadFile
 {
     const char* name;
     const char* content;
     const char* says;  // behind the file's name
 };
 
-void PrintTo(const Mistake& mistake, std::ostream* out)
+void PrintTo(const BadFile& mistake, std::ostream* out)
 {
     *out << mistake.name;
 }
@@ -104,7 +104,7 @@ TEST(ConfiguredPlc, OfAWrongNameIsToldWithTheNearest)
                              "/fxhost/config.toml: unknown PLC 'pres1'; did you mean 'press1'?\n");
 }
 
-class ConfigurationMistakes : public testing::TestWithParam<Mistake>
+class ConfigurationMistakes : public testing::TestWithParam<BadFile>
 {};
 
 TEST_P(ConfigurationMistakes, AreNamedWithTheirPlace)
@@ -119,25 +119,25 @@ TEST_P(ConfigurationMistakes, AreNamedWithTheirPlace)
 INSTANTIATE_TEST_SUITE_P(
     Files, ConfigurationMistakes,
     testing::Values(
-        Mistake{"Key", "[plc.a]\nlnk = 'sim:'\n",
+        BadFile{"Key", "[plc.a]\nlnk = 'sim:'\n",
                 "2, column 1: unknown key 'lnk'; did you mean 'link'?"},
-        Mistake{"Table", "[press]\nlink = 'sim:'\n",
+        BadFile{"Table", "[press]\nlink = 'sim:'\n",
                 "1, column 2: unknown key 'press'; known: default, plc"},
-        Mistake{"NoLink", "[plc.a]\nwords = 16\n",
+        BadFile{"NoLink", "[plc.a]\nwords = 16\n",
                 "1, column 1: link is missing; for example link = "
                 "\"serial:/dev/ttyUSB0?baud=9600\""},
-        Mistake{"Link", "[plc.a]\nlink = 'usb:1'\n",
+        BadFile{"Link", "[plc.a]\nlink = 'usb:1'\n",
                 "2, column 8: invalid link 'usb:1': expected sim:, serial:/dev/ttyUSB0?baud=9600, "
                 "tcp:HOST:PORT or pty:PATH"},
-        Mistake{"LinkIsNoText", "[plc.a]\nlink = 5\n",
+        BadFile{"LinkIsNoText", "[plc.a]\nlink = 5\n",
                 "2, column 8: link must be a text in quotes"},
-        Mistake{"Words", "[plc.a]\nlink = 'sim:'\nwords = 300\n",
+        BadFile{"Words", "[plc.a]\nlink = 'sim:'\nwords = 300\n",
                 "3, column 9: words must be a whole number from 2 to 253"},
-        Mistake{"Timeout", "[plc.a]\nlink = 'sim:'\ntimeout = '5m'\n",
+        BadFile{"Timeout", "[plc.a]\nlink = 'sim:'\ntimeout = '5m'\n",
                 "3, column 11: timeout must be a time from 10 ms to 60 s: 500 or \"0.5s\""},
-        Mistake{"Default", "default = 'b'\n[plc.a]\nlink = 'sim:'\n",
+        BadFile{"Default", "default = 'b'\n[plc.a]\nlink = 'sim:'\n",
                 "1, column 11: unknown PLC 'b'; known: a"},
-        Mistake{"NoTable", "plc = 5\n",
+        BadFile{"NoTable", "plc = 5\n",
                 "1, column 7: plc must be a table: [plc.press1] and its keys below"}),
     [](const auto& row) { return row.param.name; });
 

@@ -31,8 +31,7 @@ INSTANTIATE_TEST_SUITE_P(Roads, Misbehaving, testing::Values(Road::PseudoTermina
 TEST_P(Misbehaving, ABadRegisterDoesNotTakeItsNeighboursAlong)
 {
     // D5 is not there: bytes 0x100A and 0x100B.
-    const RunningSimulator plc(GetParam(),
-                               {"--baud", "0", "--program", "none", "--holes", "0x100A-0x100B"});
+    const RunningSimulator plc(GetParam(), quickPlc + QStringList{"--holes", "0x100A-0x100B"});
     const Ended ended = run(plc, {"read", "D0:8", "--csv", "-q"});
     EXPECT_EQ(ended.code, 1);
     EXPECT_EQ(ended.out, "D0,0,\nD1,0,\nD2,0,\nD3,0,\nD4,0,\nD5,,refused by the PLC (NAK)\nD6,0,\n"
@@ -80,8 +79,7 @@ TEST_P(Misbehaving, AWriteIsSettledOrReported)
          "D0,,1,\"0 of 1 frames written: no reply; D0 possibly written, nothing else\"\n"},
     };
     for (const Row& row : rows) {
-        const RunningSimulator plc(GetParam(), QStringList{"--baud", "0", "--program", "none"} +
-                                                   QString(row.plc).split(' '));
+        const RunningSimulator plc(GetParam(), quickPlc + QString(row.plc).split(' '));
         const Ended ended = run(plc, QStringList{"-o", "50", "--retries", "0", "--csv", "-q"} +
                                          QString(row.command).split(' '));
         EXPECT_EQ(ended.code, row.code) << row.plc;
@@ -91,8 +89,7 @@ TEST_P(Misbehaving, AWriteIsSettledOrReported)
 
 TEST_P(Misbehaving, WatchGoesOnWhenTheLinkIsBack)
 {
-    const RunningSimulator plc(GetParam(),
-                               {"--baud", "0", "--program", "none", "--faults", "link-drop:200@5"});
+    const RunningSimulator plc(GetParam(), quickPlc + QStringList{"--faults", "link-drop:200@5"});
     const Ended ended = run(plc, {"watch", "D0", "-n", "10", "-l", "1", "--csv", "-q"});
     EXPECT_EQ(ended.code, 0) << testing::PrintToString(ended);
     EXPECT_EQ(times(ended.err, "the link was lost"), 1) << ended.err;

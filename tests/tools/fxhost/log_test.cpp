@@ -19,8 +19,6 @@ using namespace tool_tests;
 
 namespace {
 
-const QStringList quickPlc = {"--baud", "0", "--program", "none"};
-
 // The rows of a log without their times, which must look like times.
 QStringList rowsOf(const QByteArray& log)
 {

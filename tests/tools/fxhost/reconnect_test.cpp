@@ -16,8 +16,8 @@ using namespace tool_tests;
 namespace {
 
 // The third exchange loses the link; it is back after 200 ms.
-const QStringList comesBack = {"--baud", "0", "--program", "none", "--faults", "link-drop:200@3"};
-const QStringList staysAway = {"--baud", "0", "--program", "none", "--faults", "link-drop:60000@3"};
+const QStringList comesBack = quickPlc + QStringList{"--faults", "link-drop:200@3"};
+const QStringList staysAway = quickPlc + QStringList{"--faults", "link-drop:60000@3"};
 
 // Values from 1000 on for so many registers.
 QString values(int registers)
@@ -148,13 +148,13 @@ TEST_P(LinkLost, ForGoodLetsDumpBeResumed)
 TEST_P(LinkLost, ForGoodLetsRestoreGoOnLater)
 {
     // Seven frames are read first; then each is written and read back.
-    const RunningSimulator plc(
-        GetParam(), {"--baud", "0", "--program", "none", "--faults", "link-drop:60000@10"});
+    const RunningSimulator plc(GetParam(),
+                               quickPlc + QStringList{"--faults", "link-drop:60000@10"});
     const QString file = newFile(folder, "plc.csv", registerFile(100));
     const Ended ended = run(plc, {"--reconnect-s", "0", "restore", file, "--yes", "-q"});
     EXPECT_EQ(ended.code, 3);
     EXPECT_TRUE(holds(ended.err, "continue with --from D16\n")) << ended.err;
-    const RunningSimulator back(GetParam(), {"--baud", "0", "--program", "none"});
+    const RunningSimulator back(GetParam(), quickPlc);
     EXPECT_EQ(run(back, {"restore", file, "--from", "D16", "--yes", "-q"}).code, 0);
     EXPECT_EQ(run(back, {"read", "D15", "D16", "D99", "--csv", "-q"}).out,
               "D15,0,\nD16,1016,\nD99,1099,\n");

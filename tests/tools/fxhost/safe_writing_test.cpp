@@ -15,7 +15,7 @@ namespace {
 class SafeWriting : public testing::Test
 {
 protected:
-    RunningSimulator plc{Road::Tcp, {"--baud", "0", "--program", "none"}};
+    RunningSimulator plc{Road::Tcp, quickPlc};
     QTemporaryDir folder;
 
     Ended run(const QStringList& arguments)
@@ -81,8 +81,8 @@ TEST_F(SafeWriting, RegistersThatAreReadElsewhereSaySo)
 TEST_F(SafeWriting, ADownloadedRecipeIsReadBack)
 {
     // What is written to D2 shows at D0 too.
-    const RunningSimulator mirroring(
-        Road::Tcp, {"--baud", "0", "--program", "none", "--mirror", "0x1004:0x1000:2"});
+    const RunningSimulator mirroring(Road::Tcp,
+                                     quickPlc + QStringList{"--mirror", "0x1004:0x1000:2"});
     const QStringList command = {"--link", mirroring.link(), "recipe", "download",
                                  newFile(folder, "recipe.csv", "D0,5\nD1,6\nD2,7\n")};
     const Ended ended = fxhost(command);
@@ -157,8 +157,7 @@ TEST_F(SafeWriting, RestoreAsksOnATerminal)
 
 TEST_F(SafeWriting, RestoreSkipsWhatThePlcRefusesAndWhatWasNotRead)
 {
-    const RunningSimulator refusing(
-        Road::Tcp, {"--baud", "0", "--program", "none", "--holes", "0x1002-0x1003"});
+    const RunningSimulator refusing(Road::Tcp, quickPlc + QStringList{"--holes", "0x1002-0x1003"});
     const QString file =
         newFile(folder, "read.csv", "address,value,error\nD0,5,\nD1,6,\nD2,,refused\n");
     const Ended ended = fxhost({"--link", refusing.link(), "restore", file, "--yes"});

@@ -19,8 +19,6 @@ using namespace tool_tests;
 
 namespace {
 
-const QStringList quickPlc = {"--baud", "0", "--program", "none"};
-
 int linesWith(const Screen& screen, const QString& text)
 {
     const QStringList lines = screen.lines();

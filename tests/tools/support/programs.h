@@ -25,6 +25,9 @@ enum class Road
 
 void PrintTo(Road road, std::ostream* out);
 
+// A simulated PLC that answers at once and changes nothing by itself.
+inline const QStringList quickPlc = {"--baud", "0", "--program", "none"};
+
 class RunningSimulator
 {
 public:

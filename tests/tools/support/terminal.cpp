@@ -23,7 +23,7 @@ namespace tool_tests {
 
 namespace {
 
-constexpr int patienceMs = 30000;  // of a loaded machine, under sanitizers
+constexpr int screenPatienceMs = 30000;  // of a loaded machine, under sanitizers
 
 winsize sizeOf(int columns, int rows)
 {
@@ -112,7 +112,7 @@ bool Terminal::waitFor(const std::function<bool(const Screen&)>& isSo)
     QElapsedTimer clock;
     clock.start();
     while (!isSo(m_screen)) {
-        const auto leftMs = static_cast<int>(patienceMs - clock.elapsed());
+        const auto leftMs = static_cast<int>(screenPatienceMs - clock.elapsed());
         if (leftMs <= 0 || listen(leftMs) == Heard::End)
             return false;
     }

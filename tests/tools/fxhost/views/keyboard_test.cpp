@@ -12,7 +12,7 @@ using namespace fxtools;
 namespace {
 
 // "a", "b" for characters, a name in brackets for the others.
-std::string textOf(const QByteArray& bytes)
+std::string keysIn(const QByteArray& bytes)
 {
     static const char* const names[] = {"",       "<enter>", "<escape>",  "<backspace>",
                                         "<up>",   "<down>",  "<page up>", "<page down>",
@@ -28,15 +28,15 @@ std::string textOf(const QByteArray& bytes)
 
 TEST(Keys, CharactersAreThemselves)
 {
-    EXPECT_EQ(textOf("D100=5"), "D100=5");
-    EXPECT_EQ(textOf("\r\n\x7f\b"), "<enter><enter><backspace><backspace>");
+    EXPECT_EQ(keysIn("D100=5"), "D100=5");
+    EXPECT_EQ(keysIn("\r\n\x7f\b"), "<enter><enter><backspace><backspace>");
 }
 
 TEST(Keys, OfBothKindsOfTerminalAreKnown)
 {
-    EXPECT_EQ(textOf("\x1b[A\x1b[B\x1bOA\x1bOB"), "<up><down><up><down>");
-    EXPECT_EQ(textOf("\x1b[5~\x1b[6~\x1b[H\x1b[4~"), "<page up><page down><home><end>");
-    EXPECT_EQ(textOf("\x1b"), "<escape>");
+    EXPECT_EQ(keysIn("\x1b[A\x1b[B\x1bOA\x1bOB"), "<up><down><up><down>");
+    EXPECT_EQ(keysIn("\x1b[5~\x1b[6~\x1b[H\x1b[4~"), "<page up><page down><home><end>");
+    EXPECT_EQ(keysIn("\x1b"), "<escape>");
 }
 
 // An arrow that came in two parts was taken for Escape and two characters.
@@ -50,8 +50,8 @@ TEST(Keys, MayComeInParts)
 
 TEST(Keys, UnknownOnesArePassedOver)
 {
-    EXPECT_EQ(textOf("a\x1b[15~b\x1b[1;5Dc\x01\xC3\xA4"
+    EXPECT_EQ(keysIn("a\x1b[15~b\x1b[1;5Dc\x01\xC3\xA4"
                      "d"),
               "abcd");
-    EXPECT_EQ(textOf("\x1b[1;"), "") << "and so is what was cut off";
+    EXPECT_EQ(keysIn("\x1b[1;"), "") << "and so is what was cut off";
 }

@@ -15,7 +15,6 @@ using namespace fxsim;
 namespace {
 
 const QByteArray& reply = valueOfD100;
-const QByteArray& request = readD100;
 const QByteArray acknowledge = "\x06";
 
 QVector<Chunk> damagedBy(const char* plan, const QByteArray& sound, quint64 seed = 1,
@@ -23,7 +22,7 @@ QVector<Chunk> damagedBy(const char* plan, const QByteArray& sound, quint64 seed
 {
     Dice dice(seed, exchange);
     const ActiveFaults faults(parseFaults(plan), exchange, dice);
-    return damaged(sound, request, faults, dice);
+    return damaged(sound, readD100, faults, dice);
 }
 
 QByteArray bytesOf(const QVector<Chunk>& chunks)
@@ -65,10 +64,10 @@ TEST(Faults, MakeOfAReplyWhatTheySay)
         {"lost-etx@1", acknowledge, acknowledge},
         {"duplicate@1", reply, reply + reply},
         {"duplicate@1", acknowledge, "\x06\x06"},
-        {"echo@1", reply, request + reply},
+        {"echo@1", reply, readD100 + reply},
         {"delay@1", reply, reply},
         {"slices@1", reply, reply},
-        {"lost-stx@1,lost-etx@1,echo@1", reply, request + "12345678A7"},
+        {"lost-stx@1,lost-etx@1,echo@1", reply, readD100 + "12345678A7"},
     };
     for (const auto& row : rows)
         EXPECT_EQ(bytesOf(damagedBy(row.plan, row.sound)), row.damaged) << row.plan;

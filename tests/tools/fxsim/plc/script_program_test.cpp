@@ -34,7 +34,7 @@ struct ScriptRun
     std::unique_ptr<Program> program;
 };
 
-QString errorOf(const QByteArray& json)
+QString scriptError(const QByteArray& json)
 {
     const PlcMemory small = memoryOf(findModel("fx1s"));
     return errorText([&] { parseScript(json, small, 1); });
@@ -42,7 +42,7 @@ QString errorOf(const QByteArray& json)
 
 QString errorOfStep(const QByteArray& step)
 {
-    return errorOf("{\"steps\":[{\"at\":0,\n\"set\":\"D0\",\"value\":0},\n" + step + "]}");
+    return scriptError("{\"steps\":[{\"at\":0,\n\"set\":\"D0\",\"value\":0},\n" + step + "]}");
 }
 
 }  // namespace
@@ -135,15 +135,16 @@ TEST(Script, StartsAnewWithThePower)
 
 TEST(Script, CommentsMayStandAnywhere)
 {
-    EXPECT_EQ(errorOf(R"({"comment": "a", "steps": [{"comment": "b", "at": 0, "toggle": "M0"}]})"),
-              "no error");
+    EXPECT_EQ(
+        scriptError(R"({"comment": "a", "steps": [{"comment": "b", "at": 0, "toggle": "M0"}]})"),
+        "no error");
 }
 
 TEST(Script, ErrorNamesTheLine)
 {
-    EXPECT_EQ(errorOf("{\n\"steps\": [\n{]}"), "line 3: unterminated object");
-    EXPECT_EQ(errorOf("[]"), "expected { \"steps\": [ ... ] }");
-    EXPECT_EQ(errorOf(R"({"steps": [], "stepps": []})"), "expected { \"steps\": [ ... ] }");
+    EXPECT_EQ(scriptError("{\n\"steps\": [\n{]}"), "line 3: unterminated object");
+    EXPECT_EQ(scriptError("[]"), "expected { \"steps\": [ ... ] }");
+    EXPECT_EQ(scriptError(R"({"steps": [], "stepps": []})"), "expected { \"steps\": [ ... ] }");
 }
 
 TEST(Script, RandomValuesStayInTheirRangeAndAreTheSameAgain)
