@@ -242,16 +242,14 @@ TEST(FxsimTcp, TooManyConnectionsAreClosedAndToldOnce)
 // More than the system keeps for a host is lost and counted, as on a serial line.
 TEST(FxsimTcp, HostThatTakesNothingHoldsUpNobody)
 {
-    FxsimProcess process({"--tcp", "0", "--baud", "0", "--program", "none"});
-    const QString name = process.waitReady();
-    TcpEnd deaf(name);
+    Connected plc(overTcp);
+    TcpEnd deaf(plc.name);
     deaf.takeNothing();
-    TcpEnd other(name);
     const QByteArray longestRead = frame("0100040", "58");
     for (int round = 0; round < 200; ++round) {
         deaf.send(longestRead.repeated(1000));
-        EXPECT_EQ(other.ask(readD100, 12), zerosOfD100);
-        if (process.command("stats").contains("characters lost"))
+        EXPECT_EQ(plc.ask(readD100, 12), zerosOfD100);
+        if (plc.process.command("stats").contains("characters lost"))
             return;
     }
     FAIL() << "nothing was lost";
@@ -259,11 +257,9 @@ TEST(FxsimTcp, HostThatTakesNothingHoldsUpNobody)
 
 TEST(FxsimPty, IsRawFromTheStart)
 {
-    FxsimProcess process({"--baud", "0", "--program", "none"});
-    PtyEnd host(process.waitReady());
-    ASSERT_TRUE(host.isOpen());
-    process.command("poke 0x10C8 0x0D 0x0A 0x04 0x11");
-    EXPECT_EQ(host.ask(readD100, 12), frame("0D0A0411", "AE"));
+    Connected plc(overPty);
+    plc.process.command("poke 0x10C8 0x0D 0x0A 0x04 0x11");
+    EXPECT_EQ(plc.ask(readD100, 12), frame("0D0A0411", "AE"));
 }
 
 // The second one was told that 7E1 is an invalid argument.
