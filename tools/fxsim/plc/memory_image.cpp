@@ -46,7 +46,7 @@ struct HexReader
 
 quint8 sumOfBytes(const QByteArray& bytes)
 {
-    return std::accumulate(bytes.begin(), bytes.end(), quint8(0));
+    return static_cast<quint8>(std::accumulate(bytes.begin(), bytes.end(), 0));
 }
 
 int wordAt(const QByteArray& bytes, int at)
