@@ -3,6 +3,7 @@
 //
 // Addresses as people write them: what they mean, and in one line what is wrong with others.
 
+#include "tests/tools/support/failure_of.h"
 #include "tests/tools/support/loaded_driver.h"
 #include "tools/library/addresses.h"
 
@@ -110,15 +111,9 @@ TEST(Addresses, SayTypeNumberCountAndStation)
 
 TEST(BadAddresses, AreToldWithWhatWouldBeRight)
 {
-    for (const BadAddress& address : badAddresses) {
-        try {
-            range(address.text);
-            ADD_FAILURE() << "took " << address.text;
-        } catch (const Failure& failure) {
-            EXPECT_EQ(failure.code(), ExitCode::Usage) << address.text;
-            EXPECT_EQ(failure.what(), "'" + std::string(address.text) + "' " + address.says);
-        }
-    }
+    for (const auto& [text, says] : badAddresses)
+        EXPECT_EQ(failureOf(ExitCode::Usage, [text = text] { range(text); }),
+                  "'" + std::string(text) + "' " + says);
 }
 
 TEST(Addresses, MayBeAList)
@@ -135,12 +130,8 @@ TEST(Addresses, AreOfTheLinksOwnStationOrRefused)
     const RegisterCatalogue ofStation2(driver(), 2);
     EXPECT_EQ(parseAddress("D5", ofStation2).station, 2);
     EXPECT_EQ(parseAddress("2#D5", ofStation2).station, 2);
-    try {
-        parseAddress("3#D5", ofStation2);
-        ADD_FAILURE();
-    } catch (const Failure& failure) {
-        EXPECT_EQ(failure.code(), ExitCode::Usage);
-        EXPECT_STREQ(failure.what(), "'3#D5' is out of reach: no frame carries a station, so this "
-                                     "link has station 2 only; each PLC needs its link");
-    }
+    EXPECT_EQ(
+        failureOf(ExitCode::Usage, [&] { parseAddress("3#D5", ofStation2); }),
+        "'3#D5' is out of reach: no frame carries a station, so this link has station 2 only; "
+        "each PLC needs its link");
 }

@@ -1,25 +1,30 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// Registers and their values in a file: what is read out of it, what is refused with its line, and
-// what stands in it whenever the writing ends.
+// Files that commands write and read: which names are refused, what an older file holds meanwhile,
+// tables in the forms in which spreadsheets save them, and registers with their values.
 
+#include "tests/tools/support/failure_of.h"
 #include "tests/tools/support/loaded_driver.h"
+#include "tools/library/csv.h"
 #include "tools/library/register_file.h"
 
+#include <QDir>
 #include <QTemporaryDir>
 
-#include <gtest/gtest.h>
+#include <sys/stat.h>
 
 using namespace fxtools;
 using namespace tool_tests;
 
+using Mode = OutputFile::Mode;
+
 namespace {
 
-class RegisterFiles : public testing::Test
+class OneFile : public testing::Test
 {
 protected:
-    QString fileWith(const char* content)
+    QString fileWith(const QByteArray& content)
     {
         QFile file(path);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
@@ -27,19 +32,158 @@ protected:
         return path;
     }
 
-    std::string content()
+    std::string content() const
     {
         QFile file(path);
         return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : "none";
     }
 
+    QTemporaryDir folder;
+    QString path = folder.filePath("file");
+};
+
+using OutputFiles = OneFile;
+
+// Without the name of the file.
+std::string errorOf(const QString& name, Mode mode, ExitCode code = ExitCode::File)
+{
+    const std::string error = failureOf(code, [&] { OutputFile(name, mode, catalogue()); });
+    return QString::fromStdString(error).remove(name).toStdString();
+}
+
+}  // namespace
+
+TEST_F(OutputFiles, ThatWereForgottenAreNotNamedAfterAnAddress)
+{
+    for (const char* const name : {"D100:4", "d99999", "X17", "2#M8", "32CV200", "M8000"}) {
+        for (const Mode mode : {Mode::New, Mode::Replace, Mode::Append})
+            EXPECT_EQ(errorOf(name, mode, ExitCode::Usage), "'' is an address; name a file first");
+    }
+    for (const char* const name : {"plc1", "D100.csv", "./D100"}) {
+        QDir::setCurrent(folder.path());
+        EXPECT_EQ(errorOf(name, Mode::New), "no failure") << name;
+    }
+}
+
+TEST_F(OutputFiles, AreRegularFiles)
+{
+    for (const Mode mode : {Mode::New, Mode::Replace, Mode::Append}) {
+        EXPECT_EQ(errorOf("/dev/full", mode), ": not a regular file");
+        EXPECT_EQ(errorOf("/no/place.csv", mode), ": No such file or directory");
+    }
+    ASSERT_EQ(mkfifo(path.toLocal8Bit().constData(), 0600), 0);
+    EXPECT_EQ(errorOf(path, Mode::Replace), ": not a regular file");
+    EXPECT_NE(errorOf(folder.path(), Mode::Replace), "no failure");
+}
+
+TEST_F(OutputFiles, AreReplacedOnlyIfTheUserSaysSo)
+{
+    fileWith("older");
+    EXPECT_EQ(errorOf(path, Mode::New), " exists; replace it with --force");
+    EXPECT_EQ(content(), "older");
+}
+
+TEST_F(OutputFiles, AreReplacedWhenTheyAreComplete)
+{
+    fileWith("older");
+    {
+        OutputFile file(path, Mode::Replace, catalogue());
+        file.write("half");
+        EXPECT_EQ(content(), "older");
+    }
+    EXPECT_EQ(content(), "older");
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList("file"));
+    OutputFile file(path, Mode::Replace, catalogue());
+    EXPECT_TRUE(file.isEmpty());
+    file.write("new");
+    file.commit();
+    EXPECT_EQ(content(), "new");
+}
+
+// Nothing is lost by an interruption.
+TEST_F(OutputFiles, ThatAreNewGrowWhereTheyAre)
+{
+    for (const Mode mode : {Mode::New, Mode::Replace, Mode::Append}) {
+        {
+            OutputFile file(path, mode, catalogue());
+            file.write("a line\n");
+            EXPECT_EQ(content(), "a line\n");
+        }
+        EXPECT_EQ(content(), "a line\n");
+        QFile::remove(path);
+    }
+}
+
+TEST_F(OutputFiles, ThatAreNewAndEmptyAreKeptOnlyWhenComplete)
+{
+    for (const bool isComplete : {false, true}) {
+        {
+            OutputFile file(path, Mode::New, catalogue());
+            if (isComplete)
+                file.commit();
+        }
+        EXPECT_EQ(content(), isComplete ? "" : "none");
+    }
+}
+
+TEST_F(OutputFiles, GoOnBehindTheLastWholeLine)
+{
+    for (const char* const before : {"", "one\n", "one\ntwo", "tw"}) {
+        fileWith(before);
+        OutputFile file(path, Mode::Append, catalogue());
+        file.write("end");
+        EXPECT_EQ(content(), std::string(before).find("one") == 0 ? "one\nend" : "end");
+    }
+}
+
+namespace {
+
+class Csv : public OneFile
+{
+protected:
+    // "2: a|b" for each row.
+    std::string read(const QByteArray& content)
+    {
+        QStringList rows;
+        for (const CsvRow& row : readCsv(fileWith(content), "table").rows)
+            rows += QStringLiteral("%1: %2%3")
+                        .arg(row.line)
+                        .arg(row.fields.join('|'), row.isOpen ? " open" : "");
+        return rows.join('\n').toStdString();
+    }
+};
+
+}  // namespace
+
+TEST_F(Csv, HasTheSeparatorOfItsFirstRow)
+{
+    EXPECT_EQ(read("# no; row\na,b;c\n1;2,5\n"), "2: a,b|c\n3: 1|2,5");
+    EXPECT_EQ(read("\"a;b\",c\n1;2,3\n"), "1: a;b|c\n2: 1;2|3");
+    EXPECT_EQ(read("a\tb,c\n"), "1: a|b,c");
+}
+
+TEST_F(Csv, HasQuotesWithinQuotes)
+{
+    EXPECT_EQ(read("\"say \"\"on\"\"\", \"\" ,\"\"\"\"\n"), "1: say \"on\"||\"");
+    EXPECT_EQ(read("a,\"b,c\nd,e\n"), "1: a|b,c open\n2: d|e");
+}
+
+TEST_F(Csv, IsReadWhateverTheByteOrderMark)
+{
+    EXPECT_EQ(read("\xEF\xBB\xBF\xC2\xB0\x43,b\r\n\r\nc"), "1: \xC2\xB0\x43|b\n3: c");
+    EXPECT_EQ(read(QByteArray("\xFF\xFE\xB0\0C\0\t\0b\0\n\0", 12)), "1: \xC2\xB0\x43|b");
+    EXPECT_EQ(read("\xB0\x43\n"), "1: \xEF\xBF\xBD\x43");  // not UTF-8
+}
+
+namespace {
+
+class RegisterFiles : public OneFile
+{
+protected:
     QVector<RegisterRun> runsOf(const char* text, int mostRegisters = 1000)
     {
         return readRegisterFile(fileWith(text), catalogue(), mostRegisters).runs;
     }
-
-    QTemporaryDir folder;
-    QString path = folder.filePath("registers.csv");
 };
 
 std::string textOf(const QVector<RegisterRun>& runs)
@@ -52,18 +196,6 @@ std::string textOf(const QVector<RegisterRun>& runs)
         all += run.range.text() + '=' + values.join(',');
     }
     return all.join(' ').toStdString();
-}
-
-template <typename Act>
-std::string errorOf(const Act& act)
-{
-    try {
-        act();
-    } catch (const Failure& error) {
-        EXPECT_EQ(error.code(), ExitCode::File);
-        return error.what();
-    }
-    return "no error";
 }
 
 }  // namespace
@@ -90,22 +222,22 @@ TEST_F(RegisterFiles, LeavesOutRegistersWithAnErrorInsteadOfAValue)
         fileWith("address,value,error\nD0,5,\nD1,,refused\nD2,6,\n"), catalogue(), 1000);
     EXPECT_EQ(textOf(file.runs), "D0=5 D2=6");
     EXPECT_EQ(file.withoutValue, 1);
-    EXPECT_NE(errorOf([this] { runsOf("D0,\n"); }), "no error");
+    EXPECT_NE(failureOf(ExitCode::File, [this] { runsOf("D0,\n"); }), "no failure");
 }
 
 TEST_F(RegisterFiles, IsNoDeviceAndNotHuge)
 {
-    EXPECT_EQ(errorOf([] { readRegisterFile("/dev/zero", catalogue(), 1); }),
+    EXPECT_EQ(failureOf(ExitCode::File, [] { readRegisterFile("/dev/zero", catalogue(), 1); }),
               "/dev/zero: not a regular file");
     fileWith("");
     QFile::resize(path, 5 << 20);
-    EXPECT_EQ(errorOf([this] { readRegisterFile(path, catalogue(), 1); }),
+    EXPECT_EQ(failureOf(ExitCode::File, [this] { readRegisterFile(path, catalogue(), 1); }),
               path.toStdString() + ": 5242880 bytes are too many for a file of registers");
 }
 
 TEST_F(RegisterFiles, HasItsTitleInTheFirstLineOnly)
 {
-    EXPECT_EQ(errorOf([this] { runsOf("D0,1\naddress,value\n"); }),
+    EXPECT_EQ(failureOf(ExitCode::File, [this] { runsOf("D0,1\naddress,value\n"); }),
               path.toStdString() + ", line 2: 'address' is not an address; use for example D100, "
                                    "X17, D100:32 or D0-D9");
 }
@@ -143,17 +275,18 @@ TEST_F(RegisterFiles, NamesTheLineOfAMistake)
          "ADDRESS,VALUE"},
     };
     for (const Row& row : rows)
-        EXPECT_EQ(errorOf([&] { runsOf(row.text); }), path.toStdString() + row.says);
-    EXPECT_EQ(errorOf([] { readRegisterFile("/no/file", catalogue(), 1); }),
+        EXPECT_EQ(failureOf(ExitCode::File, [&] { runsOf(row.text); }),
+                  path.toStdString() + row.says);
+    EXPECT_EQ(failureOf(ExitCode::File, [] { readRegisterFile("/no/file", catalogue(), 1); }),
               "/no/file: No such file or directory");
 }
 
 TEST_F(RegisterFiles, IsWritableWhenAllItsRegistersAre)
 {
     const auto check = [this](const char* text) {
-        return errorOf([&] { checkWritable("file", runsOf(text)); });
+        return failureOf(ExitCode::File, [&] { checkWritable("file", runsOf(text)); });
     };
-    EXPECT_EQ(check("D0,1\nM0,1\n"), "no error");
+    EXPECT_EQ(check("D0,1\nM0,1\n"), "no failure");
     EXPECT_EQ(check("X0,1\n"), "file: X0 is read-only; remove it");
     EXPECT_EQ(check("D0,1\nM0,1\nX0,1\nX1,1\nD1,1\n"), "file: X0:2 is read-only; remove it");
     EXPECT_EQ(check("address,value\n"), "file: no registers in this file");
