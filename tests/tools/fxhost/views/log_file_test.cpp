@@ -3,13 +3,12 @@
 //
 // The file of a log: what happens to one that is there already, and when a new one begins.
 
+#include "tests/tools/support/failure_of.h"
 #include "tests/tools/support/loaded_driver.h"
 #include "tools/fxhost/views/log_file.h"
 
 #include <QDir>
 #include <QTemporaryDir>
-
-#include <gtest/gtest.h>
 
 using namespace fxtools;
 using namespace tool_tests;
@@ -45,15 +44,10 @@ protected:
 
     QStringList files() { return QDir(folder.path()).entryList(QDir::Files, QDir::Name); }
 
-    QString errorOf(LogFile::Settings with)
+    QString errorOf(const LogFile::Settings& with)
     {
-        try {
-            LogFile(with, heading, catalogue());
-        } catch (const Failure& failure) {
-            EXPECT_EQ(failure.code(), ExitCode::File);
-            return failure.text().remove(folder.path() + '/');
-        }
-        return "none";
+        const auto act = [&with] { LogFile(with, heading, catalogue()); };
+        return QString::fromStdString(failureOf(ExitCode::File, act)).remove(folder.path() + '/');
     }
 
     QTemporaryDir folder;
