@@ -47,6 +47,7 @@ struct Exchange
     QString errorText;       // of the driver
     qint64 startedUs = 0;    // since the loop was made
     qint64 responseUs = 0;   // from the last byte sent to the last of the reply, late or not
+    qint64 tookUs = 0;       // from the first byte sent until the line is clear for the next frame
     bool mayBeDone = false;  // this attempt, or one before it, may have reached the PLC unanswered
 
     bool hasEnded() const { return answer == DriverAnswer::Accepted || hasFailed(); }

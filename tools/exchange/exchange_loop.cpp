@@ -67,7 +67,8 @@ std::optional<Exchange> ExchangeLoop::step()
         handOver(exchange);
     else
         m_repeating = true;  // the frame stays in flight: it is sent again when the link is back
-    m_statistics.busyUs += elapsedUs() - exchange.startedUs;
+    exchange.tookUs = elapsedUs() - exchange.startedUs;
+    m_statistics.busyUs += exchange.tookUs;
     m_statistics.add(exchange);
     if (onExchange)
         onExchange(exchange);

@@ -26,9 +26,18 @@ struct Units
     int last;
 };
 
-// The registers before the middle of a range that has more than one unit.
+// Nothing of it could be read, or would be of use, without the rest.
+bool isIndivisible(const RegisterRange& range)
+{
+    const Units units(range);
+    return units.first == units.last || range.count <= range.together;
+}
+
+// The registers before the middle of a range that is divisible.
 int halfOf(const RegisterRange& range)
 {
+    if (range.together > 1)
+        return (range.count / range.together + 1) / 2 * range.together;
     const Units units(range);
     return (units.first + units.last + 1) / 2 * units.size - range.first;
 }
@@ -36,10 +45,10 @@ int halfOf(const RegisterRange& range)
 }  // namespace
 
 Poller::Poller(ExchangeLoop& loop, const RegisterCatalogue& catalogue,
-               const QVector<RegisterRange>& ranges)
-    : m_loop(loop), m_catalogue(catalogue), m_ranges(ranges), m_planned(ranges)
+               const QVector<RegisterRange>& ranges, const Planner& planner)
+    : m_loop(loop), m_catalogue(catalogue), m_ranges(ranges), m_planned(ranges),
+      m_plan(loop, planner)
 {
-    m_loop.session().fitFrames(ranges);
     replan();
 }
 
@@ -49,7 +58,7 @@ void Poller::replan()
 {
     if (m_planned.isEmpty() && !m_pieces.isEmpty())
         m_planned.append(m_pieces.takeFirst());
-    m_blocks = m_loop.session().setPlan(m_planned);
+    m_plan.plan(m_planned);
 }
 
 RoundEnd Poller::poll()
@@ -70,7 +79,7 @@ RoundEnd Poller::poll()
 
 void Poller::pollPlan()
 {
-    const Round round = pollCycle(m_loop, m_blocks);
+    const Round round = m_plan.poll();
     m_end = round.end;
     m_unasked = round.verdict();
     QVector<RegisterRange> refused;
@@ -173,7 +182,7 @@ void Poller::readOrHalve(const RegisterRange& piece)
     }
     if (verdict == ReplyVerdict::Good || isStopped()) {
         keep(piece, verdict);
-    } else if (Units(piece).first == Units(piece).last) {
+    } else if (isIndivisible(piece)) {
         m_aside.append({piece, verdict});
         note(piece, verdict);
     } else {

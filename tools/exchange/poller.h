@@ -8,7 +8,7 @@
 
 #pragma once
 
-#include "tools/exchange/polling.h"
+#include "tools/exchange/plan_cycle.h"
 
 #include <QHash>
 
@@ -18,7 +18,7 @@ class Poller
 {
 public:
     Poller(ExchangeLoop& loop, const RegisterCatalogue& catalogue,
-           const QVector<RegisterRange>& ranges);
+           const QVector<RegisterRange>& ranges, const Planner& planner = {});
 
     // After something else has replaced the plan.
     void planEverything();
@@ -54,14 +54,14 @@ private:
     ExchangeLoop& m_loop;
     const RegisterCatalogue& m_catalogue;
     QVector<RegisterRange> m_ranges;
-    QVector<RegisterRange> m_planned;  // left to the driver's plan
-    QVector<RegisterRange> m_pieces;   // good parts of refused blocks
+    QVector<RegisterRange> m_planned;  // left to the plan
+    PlanCycle m_plan;
+    QVector<RegisterRange> m_pieces;  // good parts of refused blocks
     QVector<Aside> m_aside;
     QHash<QString, ReplyVerdict> m_problems;         // by the register's identity
     QVector<RegisterRange> m_read;                   // in this cycle, without a problem
     RoundEnd m_end = RoundEnd::Done;                 // of this cycle
     ReplyVerdict m_unasked = ReplyVerdict::Silence;  // the verdict for the rest, if it ended early
-    int m_blocks = 0;
     int m_cycle = 0;
 };
 

@@ -45,10 +45,13 @@ void Statistics::add(const Exchange& exchange)
     bytesReceived += exchange.reply.size() + exchange.thrownAway.size();
     bytesThrownAway += exchange.thrownAway.size();
     linksLost += exchange.verdict == ReplyVerdict::LinkLost;
-    if (exchange.answer == DriverAnswer::Accepted)
-        responses.add(exchange.responseUs);
-    else
+    if (exchange.answer != DriverAnswer::Accepted) {
         bytesThrownAway += exchange.reply.size();
+        return;
+    }
+    responses.add(exchange.responseUs);
+    acceptedCharacters += exchange.frame.frameLength + exchange.reply.size();
+    acceptedUs += exchange.tookUs;
 }
 
 KindCounts Statistics::total() const

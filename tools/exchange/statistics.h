@@ -65,6 +65,8 @@ struct Statistics
     qint64 reconnects = 0;
     qint64 busyUs = 0;    // from sending to the end of the reply, including resynchronisation
     Histogram responses;  // of good replies
+    qint64 acceptedCharacters = 0;  // of these exchanges, requests and replies
+    qint64 acceptedUs = 0;          // that they took
 
     void add(const Exchange& exchange);
 
