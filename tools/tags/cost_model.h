@@ -7,7 +7,7 @@
 
 #pragma once
 
-#include <QtGlobal>
+#include "tools/exchange/statistics.h"
 
 namespace fxtools {
 
@@ -41,5 +41,9 @@ constexpr double milliseconds(Cost cost, const LineCost& line)
 {
     return static_cast<double>(cost) / line.baud / 1000;
 }
+
+// The line as the accepted exchanges have shown it: the turnaround is what they took beyond their
+// characters. None so far: a usual one.
+LineCost measuredLine(const Statistics& statistics, int baud);
 
 }  // namespace fxtools

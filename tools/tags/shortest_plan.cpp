@@ -178,4 +178,17 @@ Cost costOf(const QVector<PlannedBlock>& plan, const LineCost& line)
                            });
 }
 
+Planner shortestPlanner(ExchangeLoop& loop, int baud, std::optional<qint64> turnaroundUs)
+{
+    return [&loop, baud, turnaroundUs](const QVector<RegisterRange>& due) {
+        const LineCost line =
+            turnaroundUs ? LineCost{*turnaroundUs, baud} : measuredLine(loop.statistics(), baud);
+        Blocks blocks;
+        for (const PlannedBlock& block :
+             shortestPlan(due, loop.session().settings().wordsPerFrame, line))
+            blocks.append(block.due);
+        return blocks;
+    };
+}
+
 }  // namespace fxtools

@@ -7,7 +7,7 @@
 
 #pragma once
 
-#include "tools/library/registers.h"
+#include "tools/exchange/plan_cycle.h"
 #include "tools/tags/cost_model.h"
 
 namespace fxtools {
@@ -52,5 +52,9 @@ QVector<PlannedBlock> shortestPlan(const QVector<RegisterRange>& due, int wordsP
 QVector<RegisterRange> dueWithin(const QVector<RegisterRange>& due, const RegisterRange& block);
 
 Cost costOf(const QVector<PlannedBlock>& plan, const LineCost& line);
+
+// The shortest plan for a loop's line as it is known by then: with the turnaround that is given, or
+// that the exchanges so far have shown. The loop must outlive it.
+Planner shortestPlanner(ExchangeLoop& loop, int baud, std::optional<qint64> turnaroundUs);
 
 }  // namespace fxtools

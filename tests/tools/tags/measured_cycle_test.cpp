@@ -1,0 +1,109 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// What a cycle takes on a line with the timing of a real one, against what its plan predicts. The
+// time is simulated: what the host adds to it, it adds by waiting.
+
+#include "tests/tools/support/bench.h"
+#include "tools/tags/shortest_plan.h"
+
+#include <gtest/gtest.h>
+
+using namespace fxtools;
+using namespace tool_tests;
+
+namespace {
+
+struct Line
+{
+    int baud;
+    int turnaroundMs;
+};
+
+const QVector<RegisterRange> due = {range("D0:40"),   range("D55"),   range("D80:3"),
+                                    range("D300:30"), range("M0:64"), range("32CV200:5"),
+                                    range("D900"),    range("D930")};
+
+class MeasuredCycle : public testing::TestWithParam<Line>
+{};
+
+fxsim::Settings settingsOf(const Line& line)
+{
+    return badLine(line.baud, line.turnaroundMs > 0 ? "delay:20=100%" : "");
+}
+
+}  // namespace
+
+TEST_P(MeasuredCycle, IsWithinTwoPercentOfThePredictedOne)
+{
+    const Line& line = GetParam();
+    Bench bench(settingsOf(line));
+    PlanCycle plan(bench.loop, shortestPlanner(bench.loop, line.baud, std::nullopt));
+    plan.plan(due);
+    for (int cycle = 0; cycle < 3; ++cycle)
+        ASSERT_TRUE(plan.poll().allGood());
+    const LineCost cost = {1000 * line.turnaroundMs, line.baud};
+    const double predictedMs = milliseconds(costOf(shortestPlan(due, 32, cost), cost), cost);
+    const qint64 startedUs = bench.line.nowUs();
+    ASSERT_TRUE(plan.poll().allGood());
+    const auto tookUs = static_cast<double>(bench.line.nowUs() - startedUs);
+    EXPECT_NEAR(tookUs / 1000 / predictedMs, 1, 0.02);
+}
+
+INSTANTIATE_TEST_SUITE_P(Lines, MeasuredCycle,
+                         testing::Values(Line{9600, 0}, Line{9600, 20}, Line{19200, 0},
+                                         Line{19200, 20}, Line{38400, 0}, Line{38400, 20},
+                                         Line{115200, 0}, Line{115200, 20}),
+                         [](const auto& row) {
+                             return std::to_string(row.param.baud) + "Baud" +
+                                    std::to_string(row.param.turnaroundMs) + "Ms";
+                         });
+
+TEST(MeasuredLine, IsAUsualOneBeforeTheFirstExchange)
+{
+    EXPECT_EQ(measuredLine({}, 19200).turnaroundUs, 20000);
+    EXPECT_EQ(measuredLine({}, 19200).baud, 19200);
+}
+
+// 143 characters take 148.958 ms at 9600 baud.
+TEST(MeasuredLine, TakesForTheTurnaroundWhatTheCharactersLeave)
+{
+    Statistics statistics;
+    statistics.kinds[ExchangeKind::CyclicRead].accepted = 4;
+    statistics.acceptedCharacters = 4 * 143;
+    statistics.acceptedUs = 4 * (148958 + 12345) + 3;
+    EXPECT_EQ(measuredLine(statistics, 9600).turnaroundUs, 12345);
+}
+
+// A connection over a network that says nothing of its speed.
+TEST(MeasuredLine, CountsExchangesAloneWhereCharactersCostLess)
+{
+    Statistics statistics;
+    statistics.kinds[ExchangeKind::CyclicRead].accepted = 1;
+    statistics.acceptedCharacters = 143;
+    statistics.acceptedUs = 300;
+    const LineCost line = measuredLine(statistics, 9600);
+    EXPECT_EQ(shortestPlan({range("D0"), range("D31")}, 32, line).size(), 1);
+}
+
+// Words 8 apart: cheaper apart where the PLC answers at once, together where it takes its time.
+TEST(MeasuredLine, DecidesWhatIsReadTogether)
+{
+    for (const Line& line : {Line{9600, 0}, Line{9600, 20}}) {
+        Bench bench(settingsOf(line));
+        PlanCycle plan(bench.loop, shortestPlanner(bench.loop, line.baud, std::nullopt));
+        plan.plan({range("D0"), range("D8")});
+        EXPECT_EQ(plan.blocks(), 1);
+        plan.poll();
+        plan.poll();
+        EXPECT_EQ(plan.blocks(), line.turnaroundMs > 0 ? 1 : 2);
+    }
+}
+
+TEST(MeasuredLine, GivesWayToAGivenTurnaround)
+{
+    Bench bench;
+    PlanCycle plan(bench.loop, shortestPlanner(bench.loop, 9600, 0));
+    plan.plan({range("D0"), range("D8")});
+    EXPECT_EQ(plan.blocks(), 2);
+}
