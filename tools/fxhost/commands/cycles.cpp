@@ -45,16 +45,14 @@ void addDeadbandOption(CLI::App& command, double& deadband)
             ""));
 }
 
-ExitCode pollCycles(Connection& connection, const QVector<RegisterRange>& ranges, int cycles,
+ExitCode pollCycles(Connection& connection, PlanCycle& plan, int cycles,
                     const std::function<void(qint64 cycleUs)>& onCycle)
 {
     ExchangeLoop& loop = connection.loop();
     connection.waitForLinkWithoutEnd();
-    connection.session().fitFrames(ranges);
-    const int blocks = connection.session().setPlan(ranges);
     for (int cycle = 0; (cycles == 0 || cycle < cycles); ++cycle) {
         const qint64 startedUs = loop.elapsedUs();
-        const RoundEnd end = pollCycle(loop, blocks).end;
+        const RoundEnd end = plan.poll().end;
         if (end == RoundEnd::Interrupted || end == RoundEnd::LinkLost)
             return exitCodeOf(verdictOf(end));
         if (end == RoundEnd::NoAnswer && cycles != 0)

@@ -17,10 +17,10 @@ void addCountOption(CLI::App& command, int& cycles, bool mayBeEndless);
 void addIntervalOption(CLI::App& command, int& intervalMs);  // -l,--interval
 void addDeadbandOption(CLI::App& command, double& deadband);
 
-// Makes so many cycles and calls `onCycle` after each complete one. A counted run ends early if the
-// PLC has never answered, and every run if the output can no longer be written. Returns the exit
-// code for all exchanges so far, or for a lost link or an interrupt.
-ExitCode pollCycles(Connection& connection, const QVector<RegisterRange>& ranges, int cycles,
+// Makes so many cycles of a plan and calls `onCycle` after each complete one. A counted run ends
+// early if the PLC has never answered, and every run if the output can no longer be written.
+// Returns the exit code for all exchanges so far, or for a lost link or an interrupt.
+ExitCode pollCycles(Connection& connection, PlanCycle& plan, int cycles,
                     const std::function<void(qint64 cycleUs)>& onCycle = {});
 
 // Makes a cycle every `intervalMs`, or as soon as the one before has ended. Calls `onCycle` after

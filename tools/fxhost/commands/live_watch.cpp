@@ -94,7 +94,8 @@ ExitCode LiveWatch::run(const CommonOptions& common)
     connection.waitForLinkWithoutEnd();
     m_asked = askedOf(m_options.addresses, connection.catalogue());
     needWholeValues(m_asked, m_options.style);
-    Poller poller(connection.loop(), connection.catalogue(), rangesOf(m_asked));
+    Poller poller(connection.loop(), connection.catalogue(), rangesOf(m_asked),
+                  plannerFor(connection.loop(), settings, m_options.planning));
     m_connection = &connection;
     m_poller = &poller;
     qint64 startedUs = connection.loop().elapsedUs();

@@ -8,6 +8,7 @@
 #pragma once
 
 #include "tools/fxhost/commands/address_options.h"
+#include "tools/fxhost/commands/planning.h"
 #include "tools/library/values.h"
 
 namespace fxtools {
@@ -16,6 +17,7 @@ struct WatchOptions
 {
     AddressOptions addresses;
     ValueStyle style;
+    PlanningOptions planning;
     int intervalMs = 1000;
     int cycles = 0;  // 0: until Ctrl-C
     bool once = false;

@@ -6,6 +6,7 @@
 
 #include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/cycles.h"
+#include "tools/fxhost/commands/planning.h"
 #include "tools/fxhost/commands/poll_result.h"
 #include "tools/fxhost/views/log_file.h"
 #include "tools/fxhost/views/log_format.h"
@@ -26,6 +27,7 @@ struct LogOptions
 {
     AddressOptions addresses;
     ValueStyle style;
+    PlanningOptions planning;
     int intervalMs = 1000;
     int cycles = 0;  // 0: until stopped
     qint64 durationMs = 0;
@@ -118,7 +120,8 @@ ExitCode logUntilStopped(Connection& connection, const CommonOptions& common,
 {
     QVector<AskedAddress> asked = askedOf(options.addresses, connection.catalogue());
     needWholeValues(asked, options.style);
-    Poller poller(connection.loop(), connection.catalogue(), rangesOf(asked));
+    Poller poller(connection.loop(), connection.catalogue(), rangesOf(asked),
+                  plannerFor(connection.loop(), connectionSettings(common), options.planning));
     const auto values = [&] { return polledValues(poller, asked, options.style); };
     QStringList names;
     for (const PolledValue& value : values())
@@ -197,6 +200,7 @@ void addLogCommand(CLI::App& app, const CommonOptions& common, Action& action)
     const auto options = std::make_shared<LogOptions>();
     addAddressOptions(*command, options->addresses);
     addFormatOption(*command, options->style);
+    addPlanningOptions(*command, options->planning);
     addIntervalOption(*command, options->intervalMs);
     addCountOption(*command, options->cycles, true);
     command->add_option("--duration", options->durationMs, "Stop after TIME: 90s, 10min, 8h, 1d")

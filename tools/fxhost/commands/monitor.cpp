@@ -6,6 +6,7 @@
 #include "tools/exchange/blocks.h"
 #include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/cycles.h"
+#include "tools/fxhost/commands/planning.h"
 #include "tools/fxhost/views/frame_text.h"
 #include "tools/library/values.h"
 
@@ -19,6 +20,7 @@ namespace {
 struct MonitorOptions
 {
     AddressOptions addresses;
+    PlanningOptions planning;
     int cycles = 1;
 };
 
@@ -133,8 +135,10 @@ ExitCode runMonitor(const CommonOptions& common, const MonitorOptions& options)
     Connection connection(common);
     Monitor monitor(connection, common.output);
     connection.loop().onExchange = [&monitor](const Exchange& exchange) { monitor.show(exchange); };
-    return pollCycles(connection, rangesOf(options.addresses, connection.catalogue()),
-                      options.cycles);
+    PlanCycle plan(connection.loop(),
+                   plannerFor(connection.loop(), connectionSettings(common), options.planning));
+    plan.plan(rangesOf(options.addresses, connection.catalogue()));
+    return pollCycles(connection, plan, options.cycles);
 }
 
 }  // namespace
@@ -144,6 +148,7 @@ void addMonitorCommand(CLI::App& app, const CommonOptions& common, Action& actio
     CLI::App* command = app.add_subcommand("monitor", "Print every frame and its reply");
     const auto options = std::make_shared<MonitorOptions>();
     addAddressOptions(*command, options->addresses);
+    addPlanningOptions(*command, options->planning);
     addCountOption(*command, options->cycles, true);
     addExamples(*command, {"fxhost monitor D100:2 X0", "fxhost monitor D0:32 -n 3 --timestamps"});
     onRun(*command, action, [&common, options] { return runMonitor(common, *options); });

@@ -7,7 +7,7 @@
 
 #include "tools/exchange/blocks.h"
 #include "tools/fxhost/commands/address_options.h"
-#include "tools/fxhost/commands/connection.h"
+#include "tools/fxhost/commands/planning.h"
 #include "tools/fxhost/views/plan_report.h"
 #include "tools/library/output_file.h"
 
@@ -25,17 +25,6 @@ struct PlanOptions
     std::string svg;
     bool force = false;
 };
-
-// Of the line that was named, if it has one.
-int baudOf(const LinkSettings& link)
-{
-    const auto* const serial = std::get_if<SerialSettings>(&link);
-    const auto* const simulated = std::get_if<SimulatedSettings>(&link);
-    const int baud = serial && serial->line ? serial->line->baud
-                     : simulated            ? simulated->baud.value_or(0)
-                                            : 0;
-    return baud > 0 ? baud : LineCost().baud;
-}
 
 // --baud is a speed to compute with, also for links that have none.
 LineCost lineOf(const CommonOptions& common, const ConnectionSettings& settings,
@@ -218,11 +207,7 @@ void addPlanCommand(CLI::App& app, const CommonOptions& common, Action& action)
         app.add_subcommand("plan", "Print the blocks that are polled for addresses");
     const auto options = std::make_shared<PlanOptions>();
     addAddressOptions(*command, options->addresses);
-    command
-        ->add_option("--turnaround", options->turnaroundMs,
-                     "Time from a request to its reply in ms (default: 20)")
-        ->type_name("MS")
-        ->check(CLI::Range(0.0, 60000.0).description(""));
+    addTurnaroundOption(*command, options->turnaroundMs, "20");
     command
         ->add_option("--svg", options->svg,
                      "Draw the memory that is read in FILE; - is standard output")

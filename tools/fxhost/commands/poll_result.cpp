@@ -74,6 +74,7 @@ void needWholeValues(QVector<AskedAddress>& asked, ValueStyle style)
                           address.range.text() +
                               ": each value takes two words, so the number of words must be even");
         }
+        address.range.together = registersPerValue(address, style);
     }
 }
 

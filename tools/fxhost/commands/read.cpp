@@ -4,6 +4,7 @@
 // fxhost read: reads registers once.
 
 #include "tools/fxhost/commands/address_options.h"
+#include "tools/fxhost/commands/planning.h"
 #include "tools/fxhost/commands/poll_result.h"
 #include "tools/fxhost/commands/progress.h"
 
@@ -15,6 +16,7 @@ struct ReadOptions
 {
     AddressOptions addresses;
     ValueStyle style;
+    PlanningOptions planning;
 };
 
 // A value that is not the register's own is no value.
@@ -32,7 +34,8 @@ ExitCode runRead(const CommonOptions& common, const ReadOptions& options)
     QVector<AskedAddress> asked = askedOf(options.addresses, connection.catalogue());
     needWholeValues(asked, options.style);
     tellAliases(asked, connection.catalogue());
-    Poller poller(connection.loop(), connection.catalogue(), rangesOf(asked));
+    Poller poller(connection.loop(), connection.catalogue(), rangesOf(asked),
+                  plannerFor(connection.loop(), connectionSettings(common), options.planning));
     const int frames =
         cutToFrames(rangesOf(asked), connection.session().settings().wordsPerFrame).size();
     const Progress progress = lateProgressOf(common.output, QStringLiteral("read"));
@@ -62,6 +65,7 @@ void addReadCommand(CLI::App& app, const CommonOptions& common, Action& action)
     const auto options = std::make_shared<ReadOptions>();
     addAddressOptions(*command, options->addresses);
     addFormatOption(*command, options->style);
+    addPlanningOptions(*command, options->planning);
     addExamples(*command,
                 {"fxhost read D100 X17 M8000 TV0", "fxhost read D0-D7 K4M0 --as hex --timestamps",
                  "fxhost read -t D -r 100 -c 4 --as float --json"});

@@ -32,10 +32,10 @@ ExitCode runRecord(const CommonOptions& common, const RecordOptions& options)
     QStringList addresses;
     for (const RegisterRange& range : ranges)
         addresses += range.text();
-    connection.session().fitFrames(ranges);
+    PlanCycle plan(connection.loop());  // the driver's own: replay must make the same frames
+    plan.plan(ranges);
     Recorder recorder(file, connection.session().propertyString(), addresses);
     const Progress progress = lateProgressOf(common.output, QStringLiteral("record"));
-    const qint64 blocks = connection.session().setPlan(ranges);
     qint64 reads = 0;
     int exchanges = 0;
     connection.loop().onExchange = [&](const Exchange& exchange) {
@@ -45,9 +45,9 @@ ExitCode runRecord(const CommonOptions& common, const RecordOptions& options)
         ++exchanges;
         reads += exchange.hasEnded();
         if (options.cycles > 0)
-            progress(static_cast<int>(reads / blocks), options.cycles);
+            progress(static_cast<int>(reads / plan.blocks()), options.cycles);
     };
-    const ExitCode code = pollCycles(connection, ranges, options.cycles);
+    const ExitCode code = pollCycles(connection, plan, options.cycles);
     file.commit();
     const qint64 good = connection.loop().statistics().total().accepted;
     showResult(besides(options.file, common.output),

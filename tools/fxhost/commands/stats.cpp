@@ -7,6 +7,7 @@
 #include "tools/exchange/blocks.h"
 #include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/cycles.h"
+#include "tools/fxhost/commands/planning.h"
 #include "tools/fxhost/commands/progress.h"
 #include "tools/fxhost/views/statistics_report.h"
 
@@ -19,6 +20,7 @@ namespace {
 struct StatsOptions
 {
     AddressOptions addresses;
+    PlanningOptions planning;
     int cycles = 100;
 };
 
@@ -74,20 +76,20 @@ ExitCode runStats(const CommonOptions& common, const StatsOptions& options)
     const QVector<RegisterRange> asked = rangesOf(options.addresses, connection.catalogue());
     QVector<BlockTimes> blocks;
     const Progress progress = lateProgressOf(common.output, QStringLiteral("stats"));
-    connection.session().fitFrames(asked);
-    const qint64 blocksInCycle = connection.session().setPlan(asked);
-    qint64 reads = 0;
+    PlanCycle plan(loop, plannerFor(loop, connectionSettings(common), options.planning));
+    plan.plan(asked);
     loop.onExchange = [&](const Exchange& exchange) {
         if (exchange.kind != ExchangeKind::CyclicRead)
             return;
         note(exchange, loop.elapsedUs() - exchange.startedUs,
              blockRange(connection.catalogue(), exchange.frame.variable), asked, blocks);
-        reads += exchange.hasEnded();
-        progress(static_cast<int>(reads / blocksInCycle), options.cycles);
     };
     Histogram cycleTimes;
-    const ExitCode code = pollCycles(connection, asked, options.cycles,
-                                     [&cycleTimes](qint64 cycleUs) { cycleTimes.add(cycleUs); });
+    int cycles = 0;
+    const ExitCode code = pollCycles(connection, plan, options.cycles, [&](qint64 cycleUs) {
+        cycleTimes.add(cycleUs);
+        progress(++cycles, options.cycles);
+    });
     show({blocks, loop.statistics(), cycleTimes, loop.elapsedUs(), loop.timeout()}, common.output);
     return code;
 }
@@ -100,6 +102,7 @@ void addStatsCommand(CLI::App& app, const CommonOptions& common, Action& action)
         app.add_subcommand("stats", "Measure a link: errors, response times, cycle times");
     const auto options = std::make_shared<StatsOptions>();
     addAddressOptions(*command, options->addresses);
+    addPlanningOptions(*command, options->planning);
     addCountOption(*command, options->cycles, false);
     addExamples(*command,
                 {"fxhost stats D0:64 -n 20 -b 115200", "fxhost stats D0:64 X0:16 --json"});

@@ -65,7 +65,8 @@ ExitCode runWatch(const CommonOptions& common, const WatchOptions& options)
     connection.waitForLinkWithoutEnd();
     QVector<AskedAddress> asked = askedOf(options.addresses, connection.catalogue());
     needWholeValues(asked, options.style);
-    Poller poller(connection.loop(), connection.catalogue(), rangesOf(asked));
+    Poller poller(connection.loop(), connection.catalogue(), rangesOf(asked),
+                  plannerFor(connection.loop(), connectionSettings(common), options.planning));
     Watcher watcher(options, common.output);
     const RoundEnd end =
         pollEvery(options.intervalMs, options.once ? 1 : options.cycles, connection.loop(), poller,
@@ -83,6 +84,7 @@ void addWatchCommand(CLI::App& app, const CommonOptions& common, Action& action)
     const auto options = std::make_shared<WatchOptions>();
     addAddressOptions(*command, options->addresses);
     addFormatOption(*command, options->style);
+    addPlanningOptions(*command, options->planning);
     addIntervalOption(*command, options->intervalMs);
     addCountOption(*command, options->cycles, true);
     command->add_flag("-1,--once", options->once, "Stop after one cycle");
