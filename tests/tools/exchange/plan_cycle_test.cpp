@@ -4,7 +4,7 @@
 // Blocks that a planner has cut, each merged alone when its turn comes: every one is read once a
 // cycle, in its turn, and the driver reports changes as it does in its own plan.
 
-#include "tests/tools/support/bench.h"
+#include "tests/tools/support/virtual_line.h"
 #include "tools/exchange/poller.h"
 
 #include <gtest/gtest.h>

@@ -4,7 +4,7 @@
 // What a cycle takes on a line with the timing of a real one, against what its plan predicts. The
 // time is simulated: what the host adds to it, it adds by waiting.
 
-#include "tests/tools/support/bench.h"
+#include "tests/tools/support/virtual_line.h"
 #include "tools/tags/shortest_plan.h"
 
 #include <gtest/gtest.h>
@@ -42,7 +42,7 @@ TEST_P(MeasuredCycle, IsWithinTwoPercentOfThePredictedOne)
     plan.plan(due);
     for (int cycle = 0; cycle < 3; ++cycle)
         ASSERT_TRUE(plan.poll().allGood());
-    const LineCost cost = {1000 * line.turnaroundMs, line.baud};
+    const LineCost cost = {qint64(1000) * line.turnaroundMs, line.baud};
     const double predictedMs = milliseconds(costOf(shortestPlan(due, 32, cost), cost), cost);
     const qint64 startedUs = bench.line.nowUs();
     ASSERT_TRUE(plan.poll().allGood());
@@ -71,7 +71,7 @@ TEST(MeasuredLine, TakesForTheTurnaroundWhatTheCharactersLeave)
     Statistics statistics;
     statistics.kinds[ExchangeKind::CyclicRead].accepted = 4;
     statistics.acceptedCharacters = 4 * 143;
-    statistics.acceptedUs = 4 * (148958 + 12345) + 3;
+    statistics.acceptedUs = qint64(4) * (148958 + 12345) + 3;
     EXPECT_EQ(measuredLine(statistics, 9600).turnaroundUs, 12345);
 }
 
