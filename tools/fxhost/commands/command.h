@@ -2,13 +2,15 @@
 // SPDX-License-Identifier: MIT
 //
 // What all commands of fxhost share: the options that may stand before or after them, the exit
-// codes, and how they are added to the command line. A file of this folder is one command.
+// codes, and how they are added to the command line. A file of this folder is one command,
+// or a few that do the same work.
 
 #pragma once
 
 #include "tools/failure.h"
 #include "tools/fxhost/commands/limits.h"
 #include "tools/fxhost/views/records.h"
+#include "tools/library/output_file.h"
 #include "tools/link/link_settings.h"
 
 #include <CLI/CLI.hpp>
@@ -49,6 +51,19 @@ struct CommonOptions
     OutputOptions output;
 };
 
+// The file that a command writes: its name, or `-` for standard output, and --force.
+struct FileOptions
+{
+    std::string file;
+    bool force = false;
+
+    QString name() const { return QString::fromStdString(file); }
+    OutputFile::Mode mode() const
+    {
+        return force ? OutputFile::Mode::Replace : OutputFile::Mode::New;
+    }
+};
+
 constexpr int mostCycles = 1000000000;
 
 // Runs after the whole command line has been parsed.
@@ -62,6 +77,12 @@ inline void onRun(CLI::App& command, Action& action, const Action& run)
 
 void addLinkOptions(CLI::App& app, CommonOptions& common);
 void addOutputOptions(CLI::App& app, CommonOptions& common);
+
+// Adds the file as an argument, and --force.
+void addFileOptions(CLI::App& command, FileOptions& options);
+
+// How a command prints what it prints besides the file: not at all where the file goes.
+OutputOptions besides(const FileOptions& options, const OutputOptions& output);
 
 // The PLC that is meant: --link, --plc, FX_LINK or the default of the configuration file, in this
 // order, with the settings that the file has for it. Throws Failure.

@@ -112,4 +112,20 @@ void addExamples(CLI::App& command, const std::vector<std::string>& examples)
     command.footer(text + "\nFor the link and output options see fxhost --help.");
 }
 
+void addFileOptions(CLI::App& command, FileOptions& options)
+{
+    command.add_option("file", options.file, "File to write; - is standard output")->required();
+    command.add_flag("--force", options.force, "Replace an existing file");
+}
+
+OutputOptions besides(const FileOptions& options, const OutputOptions& output)
+{
+    OutputOptions without = output;
+    if (options.file == "-") {
+        without.mode = OutputMode::People;
+        without.quiet = true;
+    }
+    return without;
+}
+
 }  // namespace fxtools

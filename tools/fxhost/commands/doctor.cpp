@@ -6,7 +6,6 @@
 // nothing does, it asks the likeliest one with patience. It measures the line that works.
 
 #include "tools/fxhost/commands/connection.h"
-#include "tools/fxhost/commands/progress.h"
 #include "tools/fxhost/views/diagnosis.h"
 
 namespace fxtools {

@@ -6,9 +6,7 @@
 // fxhost backup: the same for every register that can be written back.
 
 #include "tools/fxhost/commands/address_options.h"
-#include "tools/fxhost/commands/file_options.h"
 #include "tools/fxhost/commands/poll_result.h"
-#include "tools/fxhost/commands/progress.h"
 #include "tools/library/register_file.h"
 
 #include <QSet>

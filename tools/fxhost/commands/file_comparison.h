@@ -6,7 +6,6 @@
 #pragma once
 
 #include "tools/fxhost/commands/connection.h"
-#include "tools/fxhost/commands/progress.h"
 #include "tools/library/register_file.h"
 
 namespace fxtools {

@@ -6,7 +6,6 @@
 #include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/planning.h"
 #include "tools/fxhost/commands/poll_result.h"
-#include "tools/fxhost/commands/progress.h"
 
 namespace fxtools {
 

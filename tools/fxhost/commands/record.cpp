@@ -8,8 +8,6 @@
 #include "tools/exchange/recording.h"
 #include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/cycles.h"
-#include "tools/fxhost/commands/file_options.h"
-#include "tools/fxhost/commands/progress.h"
 #include "tools/fxhost/views/frame_text.h"
 #include "tools/library/addresses.h"
 

@@ -7,7 +7,6 @@
 
 #include "tools/fxhost/commands/file_comparison.h"
 #include "tools/fxhost/commands/write_report.h"
-#include "tools/fxhost/views/question.h"
 
 #include <QJsonArray>
 

@@ -8,7 +8,6 @@
 #include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/cycles.h"
 #include "tools/fxhost/commands/planning.h"
-#include "tools/fxhost/commands/progress.h"
 #include "tools/fxhost/views/statistics_report.h"
 
 #include <algorithm>

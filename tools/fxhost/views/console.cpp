@@ -14,6 +14,7 @@
 #include <iostream>
 
 #include <langinfo.h>
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -106,6 +107,22 @@ void endLine()
     put(afterEcho ? QStringLiteral("\n") : QStringLiteral("\r\x1b[K"));
     unfinished.bar = false;
     unfinished.echoed = afterEcho || unfinished.echoed;
+}
+
+constexpr int napMs = 20;  // how soon an interrupt is noticed, also one just before the waiting
+
+QString typedLine()
+{
+    pollfd terminal = {STDIN_FILENO, POLLIN, 0};
+    while (poll(&terminal, 1, napMs) <= 0) {
+        if (interrupted())
+            throw Failure(ExitCode::Interrupted, QStringLiteral("interrupted"));
+    }
+    QByteArray line;
+    char character = 0;
+    while (read(STDIN_FILENO, &character, 1) == 1 && character != '\n')
+        line += character;
+    return QString::fromUtf8(line).trimmed().toLower();
 }
 
 }  // namespace
@@ -211,6 +228,16 @@ void complain(const QString& text)
     if (isTerminal(STDERR_FILENO))
         Console::settle();
     std::cerr << "fxhost: " + line.toStdString() + '\n' << std::flush;  // at once, as a whole
+}
+
+bool isConfirmed(const QString& question)
+{
+    if (isatty(STDIN_FILENO) == 0)
+        throw Failure(ExitCode::Usage, question + " Standard input is not a terminal; use --yes");
+    Console::settle();
+    std::cerr << question.toStdString() << " [y/N] " << std::flush;
+    const QString answer = typedLine();
+    return answer == QLatin1String("y") || answer == QLatin1String("yes");
 }
 
 }  // namespace fxtools

@@ -66,4 +66,8 @@ private:
 // One line on standard error, below what is being drawn.
 void complain(const QString& text);
 
+// Asks on the terminal; "y" or "yes" is yes, anything else no. Throws Failure if standard input is
+// not a terminal, because then only --yes can answer, and if the user interrupts.
+bool isConfirmed(const QString& question);
+
 }  // namespace fxtools

@@ -11,6 +11,7 @@
 
 #include <QDateTime>
 
+#include <functional>
 #include <optional>
 
 namespace fxtools {
@@ -68,5 +69,18 @@ void showResult(const OutputOptions& options, const QString& words,
 // The time as records carry it: 2026-01-31T13:05:00.123+01:00.
 QString isoTime(const QDateTime& time);
 QString timestamp();  // now
+
+// The progress bar of a long transfer.
+using Progress = std::function<void(int done, int total)>;
+
+// Does nothing if the output is for programs or quiet.
+Progress progressOf(const OutputOptions& options, const QString& label);
+
+// The same for what is quick as a rule: on a terminal from the second second on, and nothing is
+// left of it at the end.
+Progress lateProgressOf(const OutputOptions& options, const QString& label);
+
+// The same with the time left, as far as the time so far tells it.
+Progress timedProgressOf(const OutputOptions& options, const QString& label);
 
 }  // namespace fxtools

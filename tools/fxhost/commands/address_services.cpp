@@ -1,0 +1,156 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// What the driver's own address services say, without a PLC.
+// fxhost types: the register types, as the driver describes them.
+// fxhost check: whether addresses are valid, what they mean and where they lie on the wire.
+// fxhost series: the addresses for copies of a panel object, as the screen editor makes them.
+
+#include "tools/fxhost/commands/connection.h"
+#include "tools/library/addresses.h"
+
+namespace fxtools {
+
+namespace {
+
+ExitCode runTypes(const CommonOptions& common)
+{
+    const AddressServices services(common);
+    Records records(common.output, {{"type"},
+                                    {"lowest", Align::Right},
+                                    {"highest", Align::Right},
+                                    {"base", Align::Right},
+                                    {"width"},
+                                    {"writable"}});
+    for (const RegisterType& type : services.catalogue.all()) {
+        records.add({type.name, type.numberText(type.lowest), type.numberText(type.highest),
+                     type.numberBase, widthText(type.width), type.writable});
+    }
+    records.finish();
+    return ExitCode::Good;
+}
+
+using Addresses = std::vector<std::string>;
+
+QString meaningOf(const AskedAddress& asked, const RegisterCatalogue& catalogue)
+{
+    const RegisterRange& range = asked.range;
+    QString meaning = QStringLiteral("%1 of station %2, %3")
+                          .arg(range.text().section('#', -1))
+                          .arg(range.station)
+                          .arg(widthText(range.type.width));
+    if (asked.bit)
+        meaning += QStringLiteral(", bit %1").arg(*asked.bit);
+    if (asked.isGroup)
+        meaning += QStringLiteral(", as one number");
+    if (const std::optional<Alias> alias = catalogue.aliasIn(range))
+        meaning += "; " + alias->text();
+    return meaning;
+}
+
+// Returns whether the address is valid.
+bool check(const QString& text, const RegisterCatalogue& catalogue, Records& records)
+{
+    try {
+        const AskedAddress asked = askedAddress(takeApart(text), catalogue);
+        const RegisterType& type = asked.range.type;
+        const QJsonValue write = type.writable ? wireText(type.writeAddress(asked.range.first))
+                                               : QJsonValue(QJsonValue::Undefined);
+        records.add({text, true, meaningOf(asked, catalogue),
+                     wireText(type.readAddress(asked.range.first)), write});
+        return true;
+    } catch (const Failure& failure) {
+        records.add({text, false, failure.text()});
+        return false;
+    }
+}
+
+ExitCode runCheck(const CommonOptions& common, const Addresses& addresses)
+{
+    const AddressServices services(common);
+    Records records(common.output,
+                    {{"address"}, {"valid"}, {"meaning"}, {"read at"}, {"write at"}});
+    bool allValid = true;
+    for (const std::string& list : addresses) {
+        for (const QString& text : QString::fromStdString(list).split(','))
+            allValid &= check(text, services.catalogue, records);
+    }
+    records.finish();
+    return allValid ? ExitCode::Good : ExitCode::SomeFailed;
+}
+
+constexpr int mostCopies = 65536;
+
+struct SeriesOptions
+{
+    std::string address;
+    int copies = 10;
+    int step = 1;
+};
+
+ExitCode runSeries(const CommonOptions& common, const SeriesOptions& options)
+{
+    if (options.step == 0)  // which the driver takes as 1
+        throw Failure(ExitCode::Usage,
+                      QStringLiteral("invalid --step %1: use 1 or more, or -2 for 32-bit values")
+                          .arg(options.step));
+    const AddressServices services(common);
+    const RegisterRange first =
+        parseAddress(QString::fromStdString(options.address), services.catalogue);
+    QVector<QString> texts;
+    QVector<int> numbers;
+    const int result = services.library.multiCopy(first.type.name, first.first, options.copies,
+                                                  options.step, texts, numbers);
+    Records records(common.output, {{"copy", Align::Right}, {"address"}});
+    for (int copy = 0; copy < numbers.size(); ++copy) {
+        RegisterRange range = first;
+        range.first = numbers[copy];
+        records.add({copy + 1, range.nameOf(0)});
+    }
+    records.finish();
+    if (result == fxSeriesFitted)
+        return ExitCode::Good;
+    complain(QStringLiteral("the series runs past %1%2; every copy beyond it gets this address")
+                 .arg(first.type.name, first.type.numberText(first.type.highest)));
+    return ExitCode::SomeFailed;
+}
+
+}  // namespace
+
+void addTypesCommand(CLI::App& app, const CommonOptions& common, Action& action)
+{
+    CLI::App* command = app.add_subcommand("types", "Print the register types");
+    addExamples(*command, {"fxhost types", "fxhost types --json"});
+    onRun(*command, action, [&common] { return runTypes(common); });
+}
+
+void addCheckCommand(CLI::App& app, const CommonOptions& common, Action& action)
+{
+    CLI::App* command =
+        app.add_subcommand("check", "Print what addresses mean and where they lie on the wire");
+    const auto addresses = std::make_shared<Addresses>();
+    command->add_option("address", *addresses, "Addresses, such as D100, X17 or M8000")->required();
+    addExamples(*command, {"fxhost check D100 X17 M8000 2#TV5 CV200 D0-D9"});
+    onRun(*command, action, [&common, addresses] { return runCheck(common, *addresses); });
+}
+
+void addSeriesCommand(CLI::App& app, const CommonOptions& common, Action& action)
+{
+    CLI::App* command =
+        app.add_subcommand("series", "Print the addresses for copies of a screen object");
+    const auto options = std::make_shared<SeriesOptions>();
+    command->add_option("address", options->address, "Address of the first copy")->required();
+    command->add_option("-c,--count", options->copies, "Number of copies (default: 10)")
+        ->type_name("N")
+        ->check(within({1, mostCopies}));
+    command
+        ->add_option(
+            "--step", options->step,
+            "Distance between copies (default: 1); -2 for 32-bit values: two words or one counter")
+        ->type_name("N")
+        ->check(within({fxStepOf32Bits, fxMaxElements}));
+    addExamples(*command, {"fxhost series Y6 -c 5", "fxhost series D100 -c 4 --step 10"});
+    onRun(*command, action, [&common, options] { return runSeries(common, *options); });
+}
+
+}  // namespace fxtools
