@@ -59,11 +59,11 @@ void takeOrder(const QVector<PlannedBlock>& other, QVector<PlannedBlock>& blocks
 }
 
 // Plans the same registers in both ways.
-class Planner
+class BothPlans
 {
 public:
-    Planner(const AddressServices& services, const QVector<RegisterRange>& asked,
-            const SessionSettings& settings)
+    BothPlans(const AddressServices& services, const QVector<RegisterRange>& asked,
+              const SessionSettings& settings)
         : m_catalogue(services.catalogue), m_asked(asked), m_words(settings.wordsPerFrame),
           m_session(services.library, {1, settings.wordsPerFrame})
     {}
@@ -184,8 +184,8 @@ ExitCode runPlan(const CommonOptions& common, const PlanOptions& options)
     CommonOptions withoutBaud = common;
     withoutBaud.link.baud = 0;
     const ConnectionSettings settings = connectionSettings(withoutBaud);
-    Planner planner(services, rangesOf(options.addresses, services.catalogue), settings.session);
-    const PlanReport report = planner.report(lineOf(common, settings, options.turnaroundMs));
+    BothPlans plans(services, rangesOf(options.addresses, services.catalogue), settings.session);
+    const PlanReport report = plans.report(lineOf(common, settings, options.turnaroundMs));
     if (!options.svg.empty()) {
         OutputFile file(QString::fromStdString(options.svg),
                         options.force ? OutputFile::Mode::Replace : OutputFile::Mode::New,
