@@ -16,7 +16,7 @@ using namespace tool_tests;
 namespace {
 
 constexpr int wordsPerBlock = 32;
-constexpr int blocks = 60;  // D0 to D1919, in frames of equal length
+constexpr int blockCount = 60;  // D0 to D1919, in frames of equal length
 
 struct LateLine
 {
@@ -39,6 +39,7 @@ const LateLine lines[] = {
     {9600, "delay:1500=0.1", asked, {}, 300000},
     {9600, "delay:300=0.1,duplicate=0.2", asked, {}, 300000},
     {9600, "delay:300=0.1", fxsim::EnquiryMode::Ignored, {}, 300000},
+    {9600, "delay:300=0.0005,duplicate:120=0.0005", asked, {}, 600000},  // on a clean line
     {19200,
      "delay:300=0.05,silence=0.02,truncated=0.02,junk-before=0.02,junk-after=0.02,"
      "slices=0.05,wrong-sum=0.02,echo=0.02,duplicate=0.05",
@@ -59,7 +60,7 @@ int wrongValues(const DriverSession& session, const RegisterRange& block)
 RegisterRange allBlocks()
 {
     RegisterRange all = range("D0");
-    all.count = blocks * wordsPerBlock;
+    all.count = blockCount * wordsPerBlock;
     return all;
 }
 
@@ -83,7 +84,7 @@ TEST_P(LateReplies, NeverStandUnderAnothersName)
     LoopSettings settings = bench.line.loopSettings();
     settings.timeout = GetParam().timeout;
     ExchangeLoop loop(bench.session, bench.line, settings);
-    ASSERT_EQ(bench.session.setPlan({allBlocks()}), blocks);
+    ASSERT_EQ(bench.session.setPlan({allBlocks()}), blockCount);
     for (int valuesRead = 0; valuesRead < GetParam().values;) {
         const std::optional<Exchange> exchange = loop.step();
         ASSERT_TRUE(exchange);
