@@ -255,41 +255,23 @@ Ended onFullDisk(int blocks, const QStringList& arguments)
 
 }  // namespace
 
-class FullDisk : public testing::TestWithParam<int>
+TEST(FullDisk, IsNamedAndLeavesTheOlderFile)
 {
-protected:
-    QTemporaryDir folder;
-};
-
-INSTANTIATE_TEST_SUITE_P(Blocks, FullDisk, testing::Values(0, 1));
-
-TEST_P(FullDisk, AnUploadKeepsTheOlderRecipe)
-{
-    const QString file = newFile(folder, "recipe.csv", "address,value\nD0,7\n");
-    const Ended ended =
-        onFullDisk(GetParam(), {"recipe", "upload", file, "D0:512", "--force", "-q"});
-    EXPECT_EQ(ended.code, 7);
-    EXPECT_EQ(ended.err, "fxhost: " + file.toStdString() + ": File too large\n");
-    EXPECT_EQ(contentOf(file), "address,value\nD0,7\n");
-    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList("recipe.csv"));
-}
-
-TEST_P(FullDisk, TheReasonIsNamed)
-{
-    for (const char* const command : {"dump", "record"}) {
-        const QString file = folder.filePath(command);
-        const Ended ended = onFullDisk(GetParam(), {command, file, "D0:512", "-q"});
-        EXPECT_EQ(ended.code, 7) << command;
-        EXPECT_EQ(ended.err, "fxhost: " + file.toStdString() + ": File too large\n") << command;
-    }
-}
-
-TEST_P(FullDisk, ReplacingKeepsTheOlderFile)
-{
-    for (const char* const command : {"dump", "record"}) {
-        const QString file = newFile(folder, command, "older");
-        EXPECT_EQ(onFullDisk(GetParam(), {command, file, "D0:512", "--force", "-q"}).code, 7);
-        EXPECT_EQ(contentOf(file), "older") << command;
+    const QTemporaryDir folder;
+    const QVector<QStringList> commands = {{"dump"}, {"record"}, {"recipe", "upload"}};
+    for (const int blocks : {0, 1}) {
+        for (const QStringList& command : commands) {
+            const QStringList rest = {"D0:512", "--force", "-q"};
+            const QString file = newFile(folder, "older", "older");
+            const Ended ended = onFullDisk(blocks, command + QStringList(file) + rest);
+            EXPECT_EQ(ended.code, 7) << command[0].toStdString();
+            EXPECT_EQ(ended.err, "fxhost: " + file.toStdString() + ": File too large\n");
+            EXPECT_EQ(contentOf(file), "older") << command[0].toStdString();
+            const QString begun = folder.filePath("new");
+            EXPECT_EQ(onFullDisk(blocks, command + QStringList(begun) + rest).code, 7);
+            EXPECT_EQ(QFile::remove(begun), blocks > 0) << "what arrived";
+            EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList("older"));
+        }
     }
 }
 
@@ -314,14 +296,6 @@ TEST(Usage, ADashIsStandardOutputAndNothingElseIsOnIt)
 {
     EXPECT_EQ(fxhost({"dump", "-", "D7000:2", "--json"}).out, "address,value\nD7000,0\nD7001,0\n");
     EXPECT_EQ(fxhost({"recipe", "upload", "-", "D7000"}).out, "address,value\nD7000,0\n");
-}
-
-TEST(Usage, ADumpOfNothingLeavesNoFile)
-{
-    const QTemporaryDir folder;
-    const QString file = folder.filePath("new.csv");
-    EXPECT_EQ(onFullDisk(0, {"dump", file, "D0:4", "-q"}).code, 7);
-    EXPECT_FALSE(QFile::exists(file));
 }
 
 TEST(Usage, WhatIsNoOrdinaryFileIsNamed)
