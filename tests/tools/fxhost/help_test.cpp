@@ -16,16 +16,21 @@ using namespace tool_tests;
 
 namespace {
 
+// What a pattern of whole lines captures, each text once.
+QStringList captured(const QString& text, const char* pattern)
+{
+    auto rows = QRegularExpression(pattern, QRegularExpression::MultilineOption).globalMatch(text);
+    QStringList all;
+    while (rows.hasNext())
+        all += rows.next().captured(1);
+    all.removeDuplicates();
+    return all;
+}
+
 QStringList commandNames()
 {
-    static const QRegularExpression row(QStringLiteral("^  ([a-z]+)  "),
-                                        QRegularExpression::MultilineOption);
     static const QString help = QString::fromStdString(fxhost({"--help"}).out);
-    auto rows = row.globalMatch(help.section("\nCommands:", 1).section("\nExamples:", 0, 0));
-    QStringList names;
-    while (rows.hasNext())
-        names += rows.next().captured(1);
-    return names;
+    return captured(help.section("\nCommands:", 1).section("\nExamples:", 0, 0), "^  ([a-z]+)  ");
 }
 
 // Of the program, and of each command with the commands within it.
@@ -50,29 +55,15 @@ QString wholeHelp()
     return helpTexts().join('\n');
 }
 
-// "-o" and "--timeout" of a line "  -o,--timeout MS    ...".
+// "-o" and "--timeout" of a line "  -o, --timeout MS    ...".
 QStringList optionsIn(const QString& help)
 {
-    static const QRegularExpression row(QStringLiteral("^  ((?:-[A-Za-z0-9], )?--[a-z-]+)"),
-                                        QRegularExpression::MultilineOption);
-    auto rows = row.globalMatch(help);
-    QStringList options;
-    while (rows.hasNext())
-        options += rows.next().captured(1).split(", ");
-    options.removeDuplicates();
-    return options;
+    return captured(help, "^  ((?:-[A-Za-z0-9], )?--[a-z-]+)").join(", ").split(", ");
 }
 
 QStringList examplesIn(const QString& text)
 {
-    static const QRegularExpression row(QStringLiteral("^ *(fxhost [a-z].*)$"),
-                                        QRegularExpression::MultilineOption);
-    auto rows = row.globalMatch(text);
-    QStringList examples;
-    while (rows.hasNext())
-        examples += rows.next().captured(1);
-    examples.removeDuplicates();
-    return examples;
+    return captured(text, "^ *(fxhost [a-z].*)$");
 }
 
 QString manualPage()
@@ -214,13 +205,9 @@ TEST(Completion, OffersValues)
 
 TEST(Help, ManualKnowsNoOptionThatIsNotThere)
 {
-    static const QRegularExpression option(QStringLiteral("(?<![a-zA-Z0-9-])--[a-z][a-z-]*"));
     const QStringList known = optionsIn(wholeHelp());
-    auto options = option.globalMatch(manualPage());
-    while (options.hasNext()) {
-        const QString named = options.next().captured();
+    for (const QString& named : captured(manualPage(), "(?<![a-zA-Z0-9-])(--[a-z][a-z-]*)"))
         EXPECT_TRUE(known.contains(named)) << named.toStdString();
-    }
 }
 
 TEST(Help, EveryCommandHasExamplesAndTheyRun)
