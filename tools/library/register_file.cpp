@@ -22,15 +22,9 @@ struct Columns
     int value = 1;
 };
 
-struct FileRegister
-{
-    RegisterRange range;
-    quint32 value = 0;
-};
-
 // Nothing for a register that has an error instead of a value.
-std::optional<FileRegister> parseRow(const CsvRow& row, const Columns& columns,
-                                     const RegisterCatalogue& catalogue)
+std::optional<RegisterRun> parseRow(const CsvRow& row, const Columns& columns,
+                                    const RegisterCatalogue& catalogue)
 {
     const QStringList& fields = row.fields;
     if (fields.size() <= columns.value)
@@ -40,23 +34,7 @@ std::optional<FileRegister> parseRow(const CsvRow& row, const Columns& columns,
         throw Failure(ExitCode::File, quoted(row.text) + ": expected one register");
     if (fields[columns.value].isEmpty() && !fields.value(columns.value + 1).isEmpty())
         return std::nullopt;
-    return FileRegister{asked.range, parseValue(fields[columns.value], asked.range, {}).first()};
-}
-
-bool continues(const RegisterRun& run, const RegisterRange& next, int mostRegisters)
-{
-    return run.range.type.name == next.type.name && run.range.station == next.station &&
-           run.range.first + run.range.count == next.first && run.range.count < mostRegisters;
-}
-
-void append(QVector<RegisterRun>& runs, const FileRegister& one, int mostRegisters)
-{
-    if (runs.isEmpty() || !continues(runs.last(), one.range, mostRegisters)) {
-        runs.append({one.range, {one.value}});
-        return;
-    }
-    ++runs.last().range.count;
-    runs.last().values.append(one.value);
+    return RegisterRun{asked.range, parseValue(fields[columns.value], asked.range, {})};
 }
 
 // Reads the rows of a file one after the other.
@@ -96,7 +74,7 @@ void Reader::read(const CsvRow& row)
 {
     if (isTitle(row))
         return;
-    const std::optional<FileRegister> one = parseRow(row, m_columns, m_catalogue);
+    const std::optional<RegisterRun> one = parseRow(row, m_columns, m_catalogue);
     if (!one) {
         ++m_file.withoutValue;
         return;
@@ -111,6 +89,17 @@ void Reader::read(const CsvRow& row)
 }
 
 }  // namespace
+
+void append(QVector<RegisterRun>& runs, const RegisterRun& next, int mostRegisters)
+{
+    if (runs.isEmpty() || runs.last().range.count + next.range.count > mostRegisters ||
+        !runs.last().range.isContinuedBy(next.range)) {
+        runs.append(next);
+        return;
+    }
+    runs.last().range.count += next.range.count;
+    runs.last().values += next.values;
+}
 
 RegisterFile readRegisterFile(const QString& path, const RegisterCatalogue& catalogue,
                               int mostRegisters)

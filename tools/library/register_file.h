@@ -19,6 +19,9 @@ struct RegisterRun
     QVector<quint32> values;
 };
 
+// Joins `next` to the last run if it continues that and both have up to `mostRegisters`.
+void append(QVector<RegisterRun>& runs, const RegisterRun& next, int mostRegisters);
+
 struct RegisterFile
 {
     QVector<RegisterRun> runs;  // in the file's order, neighbours joined

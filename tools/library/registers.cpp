@@ -73,6 +73,11 @@ RegisterType describe(const DriverLibrary& library, const QString& name)
     return type;
 }
 
+int bytesOf(RegisterWidth width)
+{
+    return 1 << static_cast<int>(width);
+}
+
 // How far apart neighbours are in the addresses for writing.
 int writeStep(const RegisterType& type)
 {
@@ -92,28 +97,14 @@ std::optional<int> numberAt(const RegisterType& type, int writeAddress)
 
 QString widthText(RegisterWidth width)
 {
-    switch (width) {
-    case RegisterWidth::Bit:
-        return QStringLiteral("bit");
-    case RegisterWidth::Word:
-        return QStringLiteral("16 bits");
-    case RegisterWidth::DoubleWord:
-        return QStringLiteral("32 bits");
-    }
-    return {};
+    return width == RegisterWidth::Bit
+               ? QStringLiteral("bit")
+               : QStringLiteral("%1 bits").arg(bitsPerByte * bytesOf(width));
 }
 
 int RegisterType::valueBytes() const
 {
-    switch (width) {
-    case RegisterWidth::Bit:
-        return 1;
-    case RegisterWidth::Word:
-        return 2;
-    case RegisterWidth::DoubleWord:
-        return 4;
-    }
-    return 0;
+    return bytesOf(width);
 }
 
 int RegisterType::driverCount(int count) const
@@ -168,6 +159,11 @@ QString RegisterRange::nameOf(int index) const
 QString RegisterRange::identity(int index) const
 {
     return QString::number(station) + '#' + type.name + type.numberText(first + index);
+}
+
+bool RegisterRange::isContinuedBy(const RegisterRange& next) const
+{
+    return identity(count) == next.identity(0);
 }
 
 QString RegisterRange::text() const

@@ -60,7 +60,8 @@ struct RegisterRange
     QVector<RegisterRange> cut(int mostRegisters) const;  // into parts; the last may be shorter
     QString nameOf(int index) const;    // as asked: "D100"; "2#D100" if the station is not 1
     QString identity(int index) const;  // the same for D8000 and SD8000, whichever was asked for
-    QString text() const;               // "D100" or "D100:32"
+    bool isContinuedBy(const RegisterRange& next) const;
+    QString text() const;  // "D100" or "D100:32"
 
     // Why a read does not show what was written: "SD8000 is written at 0x0F00 on the wire, but read
     // at 0x0E00". Empty if it does.

@@ -32,11 +32,6 @@ std::optional<ReplyVerdict> compareRun(Connection& connection, const RegisterRun
     return std::nullopt;
 }
 
-bool isNext(const RegisterRange& range, const RegisterRange& one)
-{
-    return range.identity(range.count) == one.identity(0);
-}
-
 }  // namespace
 
 int Comparison::different() const
@@ -70,15 +65,8 @@ QVector<RegisterRun> Comparison::changes(int mostRegisters) const
 {
     QVector<RegisterRun> runs;
     for (const ComparedRegister& one : registers) {
-        if (!one.differs())
-            continue;
-        if (runs.isEmpty() || runs.last().range.count == mostRegisters ||
-            !isNext(runs.last().range, one.one)) {
-            runs.append({one.one, {one.inFile}});
-            continue;
-        }
-        ++runs.last().range.count;
-        runs.last().values.append(one.inFile);
+        if (one.differs())
+            append(runs, {one.one, {one.inFile}}, mostRegisters);
     }
     return runs;
 }

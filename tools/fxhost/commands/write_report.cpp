@@ -18,7 +18,7 @@ QStringList joined(const QVector<RegisterRange>& ranges)
 {
     QVector<RegisterRange> whole;
     for (const RegisterRange& range : ranges) {
-        if (!whole.isEmpty() && whole.last().first + whole.last().count == range.first)
+        if (!whole.isEmpty() && whole.last().isContinuedBy(range))
             whole.last().count += range.count;
         else
             whole.append(range);
