@@ -89,29 +89,16 @@ void addCommands(CLI::App& app, CommonOptions& common, Action& action)
         ->type_name("FILE");
     addLinkOptions(app, common);
     addOutputOptions(app, common);
-    addReadCommand(app, common, action);
-    addWriteCommand(app, common, action);
-    addWatchCommand(app, common, action);
-    addLogCommand(app, common, action);
-    addRecipeCommand(app, common, action);
-    addDumpCommand(app, common, action);
-    addBackupCommand(app, common, action);
-    addRestoreCommand(app, common, action);
-    addCompareCommand(app, common, action);
-    addMonitorCommand(app, common, action);
-    addStatsCommand(app, common, action);
-    addRecordCommand(app, common, action);
-    addDoctorCommand(app, common, action);
-    addDemoCommand(app, common, action);
+    for (const auto add :
+         {addReadCommand, addWriteCommand, addWatchCommand, addLogCommand, addRecipeCommand,
+          addDumpCommand, addBackupCommand, addRestoreCommand, addCompareCommand, addMonitorCommand,
+          addStatsCommand, addRecordCommand, addDoctorCommand, addDemoCommand})
+        add(app, common, action);
     for (CLI::App* const command : app.get_subcommands({}))
         command->group(plcGroup);
-    addTypesCommand(app, common, action);
-    addCheckCommand(app, common, action);
-    addSeriesCommand(app, common, action);
-    addPlanCommand(app, common, action);
-    addReplayCommand(app, common, action);
-    addPortsCommand(app, common, action);
-    addHelpCommand(app, common, action);
+    for (const auto add : {addTypesCommand, addCheckCommand, addSeriesCommand, addPlanCommand,
+                           addReplayCommand, addPortsCommand, addHelpCommand})
+        add(app, common, action);
     for (CLI::App* const command : app.get_subcommands({})) {
         if (command->get_group() != plcGroup)
             command->group(offlineGroup);

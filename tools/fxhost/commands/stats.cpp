@@ -23,7 +23,7 @@ struct StatsOptions
     int cycles = 100;
 };
 
-void show(const LineReport& report, const OutputOptions& output)
+void showReport(const LineReport& report, const OutputOptions& output)
 {
     if (output.mode == OutputMode::Json)
         Console().line(lineReportJson(report, output.plc));
@@ -89,7 +89,8 @@ ExitCode runStats(const CommonOptions& common, const StatsOptions& options)
         cycleTimes.add(cycleUs);
         progress(++cycles, options.cycles);
     });
-    show({blocks, loop.statistics(), cycleTimes, loop.elapsedUs(), loop.timeout()}, common.output);
+    showReport({blocks, loop.statistics(), cycleTimes, loop.elapsedUs(), loop.timeout()},
+               common.output);
     return code;
 }
 

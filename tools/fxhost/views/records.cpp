@@ -17,7 +17,7 @@ namespace {
 
 constexpr int wrappedIndent = 4;  // of a row that is wider than the terminal
 
-QString textOf(const QJsonValue& value, OutputMode mode)
+QString shownText(const QJsonValue& value, OutputMode mode)
 {
     if (value.isBool() && mode == OutputMode::People)
         return value.toBool() ? QStringLiteral("yes") : QStringLiteral("no");
@@ -126,7 +126,7 @@ QStringList Records::textsOf(const QVector<QJsonValue>& values) const
 {
     QStringList texts;
     for (const QJsonValue& value : values)
-        texts += textOf(value, m_options.mode);
+        texts += shownText(value, m_options.mode);
     return texts;
 }
 
