@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
+// fxhost compare: shows where the PLC holds other values than a file.
 // fxhost restore: shows where the PLC differs from a file, and writes those registers, one frame at
 // a time. Stops at the first failure and says where to continue. Registers that hold another value
 // afterwards, because the PLC's program writes them, are named at the end.
@@ -13,6 +14,25 @@
 namespace fxtools {
 
 namespace {
+
+ExitCode runCompare(const CommonOptions& common, const std::string& file)
+{
+    Connection connection(common);
+    const QString path = QString::fromStdString(file);
+    const Comparison comparison = compareWithPlc(connection, registersOf(path, connection).runs,
+                                                 lateProgressOf(common.output, "compare"));
+    if (comparison.problem) {
+        complain(path + ": not compared to the end: " + verdictText(*comparison.problem));
+        return exitCodeOf(*comparison.problem);
+    }
+    const int different = comparison.different() + comparison.refused();
+    if (different > 0 || common.output.mode != OutputMode::People)
+        showDifferences(comparison, common.output);
+    else if (!common.output.quiet)
+        Console().line("  " + path + ": no difference in " +
+                       counted(comparison.registers.size(), "register"));
+    return different == 0 ? ExitCode::Good : ExitCode::SomeFailed;
+}
 
 struct RestoreOptions
 {
@@ -75,7 +95,7 @@ std::optional<Stop> restoreRun(Connection& connection, const RegisterRun& run, b
     return std::nullopt;
 }
 
-ExitCode stopped(const RegisterRun& run, const Stop& stop)
+ExitCode stoppedAt(const RegisterRun& run, const Stop& stop)
 {
     complain(QStringLiteral("%1: %2; continue with --from %3")
                  .arg(run.range.text(), stop.text, run.range.nameOf(0)));
@@ -122,7 +142,7 @@ ExitCode writeChanges(Connection& connection, const CommonOptions& common,
         const std::optional<Stop> stop =
             restoreRun(connection, runs[done], options.verify, different);
         if (stop) {
-            const ExitCode code = stopped(runs[done], *stop);
+            const ExitCode code = stoppedAt(runs[done], *stop);
             complainOfDifferent(different, runs);
             return code;
         }
@@ -163,6 +183,16 @@ ExitCode runRestore(const CommonOptions& common, const RestoreOptions& options)
 }
 
 }  // namespace
+
+void addCompareCommand(CLI::App& app, const CommonOptions& common, Action& action)
+{
+    CLI::App* command =
+        app.add_subcommand("compare", "Show where the PLC differs from a file of registers");
+    const auto file = std::make_shared<std::string>();
+    command->add_option("file", *file, "CSV file written by dump or backup")->required();
+    addExamples(*command, {"fxhost dump plc.csv D100:512 M64:64", "fxhost compare plc.csv"});
+    onRun(*command, action, [&common, file] { return runCompare(common, *file); });
+}
 
 void addRestoreCommand(CLI::App& app, const CommonOptions& common, Action& action)
 {

@@ -30,7 +30,7 @@ QString askedFor(const QVector<ScreenItem>& screen, const RegisterRange& block)
     return names.join(' ');
 }
 
-QString valuesText(const ScreenItem& item, const DriverSession& session)
+QString shownValues(const ScreenItem& item, const DriverSession& session)
 {
     const ValueFormat format = item.isSigned ? ValueFormat::Signed : ValueFormat::Unsigned;
     const QVector<quint32> values = session.values(item.range);
@@ -49,7 +49,7 @@ int drawScreen(DemoBench& bench, QStringList& last, const QString& footer)
     int changed = 0;
     QStringList texts;
     for (const ScreenItem& item : bench.screen) {
-        const QString text = valuesText(item, bench.session);
+        const QString text = shownValues(item, bench.session);
         const bool isNew = !last.isEmpty() && text != last[texts.size()];
         const QString wide = text.leftJustified(valueColumns);
         table.add({item.range.text(), isNew ? bench.console.changed(wide) : wide, item.label});

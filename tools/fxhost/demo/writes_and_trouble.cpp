@@ -7,6 +7,7 @@
 
 #include "tools/exchange/polling.h"
 #include "tools/fxhost/demo/demo_bench.h"
+#include "tools/fxhost/views/frame_text.h"
 
 #include <algorithm>
 
@@ -18,6 +19,11 @@ const QStringList recipeAddresses = {"D1000:32", "D1032:32", "D1064:32", "D1096:
                                      "D1200:20", "D1300:20", "D1400:10", "32CV210"};
 constexpr size_t recipeWordCount = 4 * 32 + 2 * 20 + 10 + 2;
 constexpr quint16 operatorValue = 4242;  // goes to D1005, the recipe's word 5
+
+constexpr int noiseMs = 6000;
+constexpr int linesShown = 12;
+const char* const noise = "silence=0.05,wrong-sum=0.08,flipped-bits=0.06,truncated=0.06,"
+                          "nak=0.06,junk-before=0.06";
 
 // Differs from the old value, so that the check cannot pass by accident.
 quint32 newValue(const RegisterRange& range, quint32 old)
@@ -74,6 +80,28 @@ std::vector<quint16> wordsInPlc(DemoBench& bench, const QVector<RegisterRange>& 
     return words;
 }
 
+// Polls with these faults. Shows rejected replies with the driver's error text: the first few, and
+// all that end an exchange. Returns their number.
+int pollWith(DemoBench& bench, const QString& faults, const Enough& enough, Round& round)
+{
+    int rejected = 0;
+    bench.loop.onExchange = [&](const Exchange& exchange) {
+        if (exchange.answer == DriverAnswer::Accepted ||
+            (++rejected > linesShown && !exchange.hasFailed()))
+            return;
+        const QString answer = answerText(exchange.answer);
+        bench.console.line(QStringLiteral("  %1 %2 %3")
+                               .arg(exchange.errorText, -18)
+                               .arg(verdictText(exchange.verdict), -38)
+                               .arg(exchange.hasFailed() ? bench.console.bad(answer) : answer));
+    };
+    bench.control->run("faults " + faults);
+    round = runUntil(bench.loop, enough);
+    bench.control->run("faults none");
+    bench.loop.onExchange = nullptr;
+    return rejected;
+}
+
 }  // namespace
 
 void showWrites(DemoBench& bench)
@@ -111,6 +139,31 @@ void showRecipe(DemoBench& bench)
     bench.confirm(
         uploaded && memory == recipe,
         QStringLiteral("%1 words read back, including the changed one").arg(wordsReported));
+}
+
+void showTrouble(DemoBench& bench)
+{
+    if (!bench.control)
+        return;
+    bench.console.heading(
+        "A bad line: station#register(count)(bytes received), and what was wrong");
+    const quint32 before = bench.valueOf("D120");
+    const qint64 endUs = bench.loop.elapsedUs() + qint64(1000) * noiseMs;
+    Round round;
+    const auto isOver = [&](const Round& soFar) {
+        return bench.loop.elapsedUs() >= endUs && !soFar.inFlight;
+    };
+    const int rejected = pollWith(bench, noise, isOver, round);
+    bench.confirm(rejected > 0, QStringLiteral("%1 replies rejected in %2 exchanges")
+                                    .arg(rejected)
+                                    .arg(round.ended.size()));
+    pollWith(
+        bench, "silence=1", [](const Round& soFar) { return !soFar.ended.isEmpty(); }, round);
+    bench.confirm(round.failed() == 1,
+                  "a silent PLC: the exchange is given up after three attempts");
+    const Round after = bench.pollOnce();
+    bench.confirm(after.allGood() && bench.valueOf("D120") == before,
+                  "the line is good again: a cycle without rejections, D120 unchanged");
 }
 
 }  // namespace fxtools
