@@ -19,7 +19,6 @@ constexpr int quietResponses = 4;
 
 constexpr int emptyLineShare = 8;
 constexpr int longestEmptyLineMs = 5;
-constexpr qint64 bytesPerStrayByte = 1000;  // at least, on a line that needs no such moment
 
 constexpr int longestTurnMs = 100;
 constexpr int longestDrainMs = 2000;        // of a line that is never quiet,
@@ -27,13 +26,6 @@ constexpr int longestSecondDrainMs = 500;   // also when it is tried again,
 constexpr int longestJunkBytes = 4096;      // and the most bytes
 constexpr int longestReplyMs = 5000;        // the longest takes 4.4 s at 300 baud
 constexpr int enquiriesBeforeGivingUp = 3;  // some PLCs do not answer ENQ
-
-// Whether replies come alone: then nothing is gained by waiting for what might follow them.
-bool isClean(const Statistics& statistics)
-{
-    return statistics.bytesReceived >=
-           bytesPerStrayByte * std::max<qint64>(statistics.bytesThrownAway, 1);
-}
 
 bool isTimeout(ReplyVerdict verdict)
 {
@@ -94,8 +86,9 @@ void ExchangeLoop::abandonRecipe(RecipeDirection direction)
 void ExchangeLoop::sendAndReceive(Exchange& exchange)
 {
     QByteArray junk;
-    const qint64 emptyUs = isClean(m_statistics) ? 0 : momentUs(m_timeout.typicalResponseUs());
-    const bool mayBeSent = drain(m_isQuiet ? static_cast<int>(emptyUs / 1000) : quietMs(), junk);
+    const int momentMs =
+        m_isQuiet ? static_cast<int>(momentUs(m_timeout.typicalResponseUs()) / 1000) : quietMs();
+    const bool mayBeSent = drain(momentMs, junk);
     throwAway(junk);
     exchange.startedUs = elapsedUs();
     if (!mayBeSent) {

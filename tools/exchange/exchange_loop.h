@@ -8,8 +8,7 @@
 // length. Four rules prevent that:
 //   1. Only a reply of exactly the expected length is handed over. For any other one the driver
 //      gets as many NAKs as bytes came, which it must reject.
-//   2. Before a frame is sent, the line must be empty, and stay so for a moment that suits its
-//      speed, unless stray bytes have been rarer than one in a thousand.
+//   2. Before a frame is sent, the line must be empty for a moment that suits its speed.
 //   3. After anything but a good reply or a single NAK the line is drained until it is quiet. After
 //      a time-out the PLC must also answer ENQ with ACK before the next frame: a PLC answers in
 //      order, so no older reply can come after that ACK. Without an ACK the host waits for another
