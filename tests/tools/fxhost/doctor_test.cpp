@@ -96,8 +96,7 @@ TEST(Doctor, AsksASilentPortOnceWithEachSettingAndOnceWithPatience)
 TEST(Doctor, SendsARequestWithEachSettingIfItIsToBeThorough)
 {
     const SilentPort silent;
-    HostTerminal terminal({"--link", silent.serialLink(), "-o", "20", "doctor", "--thorough"}, 80,
-                          24);
+    HostTerminal terminal({"--link", silent.serialLink(), "-o", "20", "doctor", "--thorough"});
     EXPECT_TRUE(terminal.waitForText("  19200 baud 7E1  no answer  no reply"));
     terminal.press(3);  // Ctrl-C
     EXPECT_EQ(terminal.waitForEnd(), 130);

@@ -11,7 +11,7 @@ namespace tool_tests {
 
 struct HostTerminal : Terminal
 {
-    HostTerminal(const QStringList& arguments, int columns, int rows,
+    HostTerminal(const QStringList& arguments, int columns = 80, int rows = 24,
                  const QStringList& environment = {})
         : Terminal(QStringList(FXHOST_FILE) + arguments, columns, rows,
                    environment + QStringList("FX_DRIVER=" FX_DRIVER_FILE))

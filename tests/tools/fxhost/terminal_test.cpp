@@ -59,7 +59,7 @@ protected:
 
 TEST_F(TerminalViews, WatchDrawsOverItsTable)
 {
-    HostTerminal terminal(linked({"watch", "D0:2", "X0:8", "-l", "20"}), 80, 24);
+    HostTerminal terminal(linked({"watch", "D0:2", "X0:8", "-l", "20"}));
     ASSERT_TRUE(terminal.waitForText("cycle 3:"));
     plc.command("poke 0x1002 0x39 0x30");
     ASSERT_TRUE(terminal.waitForText("D1    12345"));
@@ -92,7 +92,7 @@ TEST_F(TerminalViews, WatchFollowsTheSizeOfItsTerminal)
 // After Ctrl-Z and fg the table was drawn over the last lines of the shell.
 TEST_F(TerminalViews, WatchBeginsANewTableWhenItGoesOn)
 {
-    HostTerminal terminal(linked({"watch", "D0:2", "-l", "20"}), 80, 24);
+    HostTerminal terminal(linked({"watch", "D0:2", "-l", "20"}));
     ASSERT_TRUE(terminal.waitForText("cycle 3:"));
     terminal.send(SIGSTOP);
     terminal.send(SIGCONT);
@@ -105,7 +105,7 @@ TEST_F(TerminalViews, WatchBeginsANewTableWhenItGoesOn)
 TEST_F(TerminalViews, WatchShowsWhatIsRefusedWithItsReason)
 {
     const RunningSimulator holed(Road::PseudoTerminal, quickPlc + QStringList{"--holes", "0x1002"});
-    HostTerminal terminal({"--link", holed.link(), "watch", "D0:3", "-n", "3", "-l", "20"}, 80, 24);
+    HostTerminal terminal({"--link", holed.link(), "watch", "D0:3", "-n", "3", "-l", "20"});
     EXPECT_EQ(terminal.waitForEnd(), 1);
     const QStringList lines = terminal.screen().lines();
     EXPECT_TRUE(lines[0].endsWith("; 1 of 3 not read")) << lines[0].toStdString();
@@ -116,7 +116,7 @@ TEST_F(TerminalViews, WatchShowsWhatIsRefusedWithItsReason)
 
 TEST_F(TerminalViews, OneTableStaysWhileALinkIsLost)
 {
-    HostTerminal terminal(linked({"watch", "D0", "-l", "20"}), 80, 24);
+    HostTerminal terminal(linked({"watch", "D0", "-l", "20"}));
     ASSERT_TRUE(terminal.waitForText("cycle 3:"));
     plc.command("drop-link 100");
     ASSERT_TRUE(terminal.waitForText("the link was lost"));
@@ -131,8 +131,7 @@ TEST_F(TerminalViews, OneTableStaysWhileALinkIsLost)
 
 TEST_F(TerminalViews, WatchNamesWhatItShowsAsItWasAskedFor)
 {
-    HostTerminal terminal(linked({"watch", "D8000", "M8000:24", "D0.3", "K2X0", "-n", "1"}), 80,
-                          24);
+    HostTerminal terminal(linked({"watch", "D8000", "M8000:24", "D0.3", "K2X0", "-n", "1"}));
     EXPECT_EQ(terminal.waitForEnd(), 0);
     QStringList names;
     for (const QString& line : terminal.screen().lines().mid(1))
@@ -143,7 +142,7 @@ TEST_F(TerminalViews, WatchNamesWhatItShowsAsItWasAskedFor)
 // Each key does its work while the program waits for the next cycle, for a day.
 TEST_F(TerminalViews, KeysDoNotWaitForTheNextCycle)
 {
-    HostTerminal terminal(linked({"watch", "D1", "D0", "-l", "1d"}), 80, 24);
+    HostTerminal terminal(linked({"watch", "D1", "D0", "-l", "1d"}));
     ASSERT_TRUE(terminal.waitForText("cycle 1:"));
     terminal.press('s');
     ASSERT_TRUE(terminal.waitForText("sorted by address"));
@@ -158,7 +157,7 @@ TEST_F(TerminalViews, KeysDoNotWaitForTheNextCycle)
 
 TEST_F(TerminalViews, WatchWritesAfterAYes)
 {
-    HostTerminal terminal(linked({"watch", "D0", "-l", "1d"}), 80, 24);
+    HostTerminal terminal(linked({"watch", "D0", "-l", "1d"}));
     ASSERT_TRUE(terminal.waitForText("cycle 1:"));
     for (const char key : QByteArray("wD0=5\r"))
         terminal.press(key);
@@ -174,7 +173,7 @@ TEST_F(TerminalViews, WatchWritesAfterAYes)
 
 TEST_F(TerminalViews, TheTerminalGetsItsSettingsBack)
 {
-    HostTerminal terminal(linked({"watch", "D0", "-l", "20"}), 80, 24);
+    HostTerminal terminal(linked({"watch", "D0", "-l", "20"}));
     ASSERT_TRUE(terminal.waitForText("cycle 3:"));
     terminal.press('w');
     ASSERT_TRUE(terminal.waitForText("write, such as"));
@@ -185,7 +184,7 @@ TEST_F(TerminalViews, TheTerminalGetsItsSettingsBack)
 
 TEST_F(TerminalViews, AShellGetsTheTerminalWhileTheProgramIsStopped)
 {
-    HostTerminal terminal(linked({"watch", "D0", "-l", "20"}), 80, 24);
+    HostTerminal terminal(linked({"watch", "D0", "-l", "20"}));
     ASSERT_TRUE(terminal.waitForText("cycle 3:"));
     EXPECT_FALSE(terminal.echoes());
     terminal.send(SIGTSTP);
@@ -209,7 +208,7 @@ TEST_F(TerminalViews, AsciiStandsForTheRestWhereTheLocaleIsNotUtf8)
 
 TEST_F(TerminalViews, LogHasALineForEachChangeHereToo)
 {
-    HostTerminal terminal(linked({"watch", "D0", "--log", "-l", "20"}), 80, 24);
+    HostTerminal terminal(linked({"watch", "D0", "--log", "-l", "20"}));
     ASSERT_TRUE(terminal.waitForText("D0  0"));
     plc.command("poke 0x1000 5");
     ASSERT_TRUE(terminal.waitForText("D0  5"));
@@ -219,8 +218,7 @@ TEST_F(TerminalViews, LogHasALineForEachChangeHereToo)
 
 TEST_F(TerminalViews, ADeadbandPassesOverSmallChanges)
 {
-    HostTerminal terminal(linked({"watch", "D0", "D1", "--log", "--deadband", "10", "-l", "20"}),
-                          80, 24);
+    HostTerminal terminal(linked({"watch", "D0", "D1", "--log", "--deadband", "10", "-l", "20"}));
     ASSERT_TRUE(terminal.waitForText("D1  0"));
     plc.command("poke 0x1000 10");
     plc.command("poke 0x1002 11");
@@ -251,7 +249,7 @@ TEST_F(TerminalViews, ADumbTerminalGetsLines)
 TEST_F(TerminalViews, ABarGrowsInItsLine)
 {
     const QString file = folder.filePath("plc.csv");
-    HostTerminal terminal(linked({"dump", file, "D0:320"}), 80, 24);
+    HostTerminal terminal(linked({"dump", file, "D0:320"}));
     expectCleanEnd(terminal);
     EXPECT_EQ(terminal.screen().lines()[0], "  dump ████████████████████████████████ 10/10");
     EXPECT_TRUE(terminal.screen().lines()[1].endsWith(": 320 registers read"));
@@ -274,7 +272,7 @@ TEST_F(TerminalViews, ABarFitsANarrowTerminal)
 TEST_F(TerminalViews, RecipesHaveTheirBars)
 {
     const QString file = folder.filePath("recipe.csv");
-    HostTerminal upload(linked({"recipe", "upload", file, "D0:64"}), 80, 24);
+    HostTerminal upload(linked({"recipe", "upload", file, "D0:64"}));
     EXPECT_EQ(upload.waitForEnd(), 0);
     EXPECT_EQ(upload.screen().lines(), QStringList({"  upload ████████████████████████████████ 2/2",
                                                     "  64 registers read from the PLC"}));
@@ -283,8 +281,7 @@ TEST_F(TerminalViews, RecipesHaveTheirBars)
 TEST_F(TerminalViews, AnInterruptedBarLeavesItsLine)
 {
     const RunningSimulator slow(Road::PseudoTerminal, {"--baud", "9600", "--program", "none"});
-    HostTerminal terminal({"--link", slow.link(), "dump", folder.filePath("plc.csv"), "D0:8000"},
-                          80, 24);
+    HostTerminal terminal({"--link", slow.link(), "dump", folder.filePath("plc.csv"), "D0:8000"});
     ASSERT_TRUE(terminal.waitForText(" 2/250"));
     expectCleanEnd(terminal, ctrlC);
     EXPECT_EQ(linesWith(terminal.screen(), "fxhost: interrupted: "), 1);
@@ -294,10 +291,10 @@ TEST_F(TerminalViews, AnInterruptedBarLeavesItsLine)
 TEST_F(TerminalViews, ALongMeasurementShowsHowFarItIs)
 {
     const RunningSimulator slow(Road::PseudoTerminal, {"--baud", "9600", "--program", "none"});
-    HostTerminal terminal({"--link", slow.link(), "stats", "D0:320"}, 80, 24);
+    HostTerminal terminal({"--link", slow.link(), "stats", "D0:320"});
     ASSERT_TRUE(terminal.waitForText("  stats ░"));
     expectCleanEnd(terminal, ctrlC);
-    HostTerminal quick(linked({"stats", "D0", "-n", "2"}), 80, 24);
+    HostTerminal quick(linked({"stats", "D0", "-n", "2"}));
     expectCleanEnd(quick);
     EXPECT_FALSE(quick.written().contains("stats ░")) << "within a second";
 }
@@ -340,7 +337,7 @@ TEST(TerminalLines, BeginBelowWhatCtrlCShows)
 TEST(TerminalLines, OfARemarkReplaceABar)
 {
     const QTemporaryDir folder;
-    HostTerminal terminal({"--link", "sim:", "dump", folder.filePath("plc.csv"), "D0:64"}, 80, 24);
+    HostTerminal terminal({"--link", "sim:", "dump", folder.filePath("plc.csv"), "D0:64"});
     EXPECT_EQ(terminal.waitForEnd(), 0);
     EXPECT_EQ(terminal.screen().lines()[0], "fxhost: simulated PLC; --link names a real one");
     EXPECT_EQ(linesWith(terminal.screen(), "  dump "), 1);
