@@ -21,23 +21,10 @@ constexpr int doubleWordBits = 32;
 constexpr int bitsPerDigit = 4;  // of hexadecimal and BCD numbers
 constexpr int charactersPerWord = 2;
 
-struct FormatName
-{
-    ValueFormat format;
-    const char* name;
-};
-
-constexpr std::array<FormatName, 9> names = {{
-    {ValueFormat::Signed, "signed"},
-    {ValueFormat::Unsigned, "unsigned"},
-    {ValueFormat::Hex, "hex"},
-    {ValueFormat::Binary, "bin"},
-    {ValueFormat::Bcd, "bcd"},
-    {ValueFormat::Long, "long"},
-    {ValueFormat::ULong, "ulong"},
-    {ValueFormat::Float, "float"},
-    {ValueFormat::Text, "text"},
-}};
+// In the order of ValueFormat.
+constexpr std::array<const char*, 9> names = {"signed", "unsigned", "hex",   "bin", "bcd",
+                                              "long",   "ulong",    "float", "text"};
+static_assert(names.size() == static_cast<size_t>(ValueFormat::Text) + 1);
 
 float floatOf(quint32 bits)
 {
@@ -219,26 +206,19 @@ QString widerHint(const QString& text, const RegisterRange& target)
 
 std::optional<ValueFormat> formatNamed(const QString& name)
 {
-    for (const FormatName& row : names) {
-        if (name.compare(QLatin1String(row.name), Qt::CaseInsensitive) == 0)
-            return row.format;
-    }
-    return std::nullopt;
+    const auto* const found = std::find(names.begin(), names.end(), name.toLower());
+    return found == names.end() ? std::nullopt
+                                : std::optional(static_cast<ValueFormat>(found - names.begin()));
 }
 
 QString formatName(ValueFormat format)
 {
-    const auto* const row =
-        std::find_if(names.begin(), names.end(),
-                     [format](const FormatName& one) { return one.format == format; });
-    return QLatin1String(row->name);
+    return QLatin1String(names.at(static_cast<size_t>(format)));
 }
 
 QString formatNames()
 {
-    QStringList all;
-    for (const FormatName& row : names)
-        all += QLatin1String(row.name);
+    QStringList all(names.begin(), names.end());
     const QString last = all.takeLast();
     return all.join(QStringLiteral(", ")) + " or " + last;
 }
@@ -332,25 +312,22 @@ quint32 parseBit(const QString& text)
 
 quint32 parseNumber(const QString& text, int bits, ValueFormat format, const QString& hint)
 {
-    const Limits limits = limitsOf(bits, format);
     const qint64 value = parseInteger(text, format);
-    const std::optional<quint32> bcd =
-        format == ValueFormat::Bcd ? bcdOf(value, bits) : std::nullopt;
-    const bool fits = format == ValueFormat::Bcd
-                          ? bcd.has_value()
-                          : value >= limits.lowest && value <= limits.highest;
-    if (!fits && format == ValueFormat::Bcd)
+    if (format == ValueFormat::Bcd) {
+        if (const std::optional<quint32> bcd = bcdOf(value, bits))
+            return *bcd;
         rejectValue(text, QStringLiteral("does not fit in %1 BCD digits").arg(bits / bitsPerDigit) +
                               hint);
-    if (!fits) {
+    }
+    const Limits limits = limitsOf(bits, format);
+    if (value < limits.lowest || value > limits.highest) {
         rejectValue(text, QStringLiteral("does not fit in %1 bits: %2 to %3")
                                   .arg(bits)
                                   .arg(limits.lowest)
                                   .arg(limits.highest) +
                               hint);
     }
-    const quint32 mask = bits == doubleWordBits ? ~quint32(0) : (quint32(1) << bits) - 1;
-    return bcd.value_or(static_cast<quint32>(value) & mask);
+    return static_cast<quint32>(value & limits.highest);
 }
 
 QVector<quint32> parseValue(const QString& text, const RegisterRange& target, ValueStyle style)
