@@ -5,12 +5,43 @@
 
 #include "tools/fxhost/commands/connection.h"
 #include "tools/fxhost/demo/demo_bench.h"
-
-#include <memory>
+#include "tools/fxhost/views/statistics_report.h"
+#include "tools/library/addresses.h"
 
 namespace fxtools {
 
 namespace {
+
+struct ScreenRow
+{
+    const char* address;
+    const char* label;
+    bool isSigned;
+};
+
+// A screen as panel designers make them: some registers of every type, some with neighbouring
+// addresses, some far apart. The sample program of the simulated PLC works on the first numbers of
+// each type; M100, D120 and 32CV201 belong to the host.
+constexpr ScreenRow screenRows[] = {
+    {"X0:8", "inputs, toggling", false},
+    {"Y0:4", "outputs of the timers", false},
+    {"M0:8", "running light", false},
+    {"M100:4", "push buttons of the panel", false},
+    {"SM8000:4", "system flags", false},
+    {"S0:8", "steps", false},
+    {"T0:4", "timer contacts", false},
+    {"C0:2", "counter contacts", false},
+    {"D0", "seconds", false},
+    {"D1", "triangle", false},
+    {"D2", "sine", true},
+    {"D3", "sawtooth", false},
+    {"D120", "set point of the panel", false},
+    {"SD8000:2", "system registers", false},
+    {"TV0:4", "timers, tenths of a second", false},
+    {"CV0:2", "counters", false},
+    {"32CV200", "fast counter", false},
+    {"32CV201", "counter set by the panel", false},
+};
 
 constexpr int liveValuesMs = 6000;
 constexpr int simulatedBaud = 9600;
@@ -20,6 +51,25 @@ struct DemoOptions
     bool live = false;
     std::string control;
 };
+
+void showSummary(DemoBench& bench)
+{
+    bench.console.heading("Summary");
+    bench.console.lines(statisticsLines(bench.loop.statistics(), bench.loop.elapsedUs()));
+    const auto of = [](const char* text, int part, int all) {
+        return QString(text).arg(part).arg(all);
+    };
+    const QString result =
+        bench.wasCutShort()
+            ? of("Interrupted after %1 of %2 checks.", bench.judged(), bench.checks())
+        : bench.refuted > 0
+            ? of("%1 of %2 checks failed.", bench.refuted, bench.judged())
+            : QStringLiteral("All %1 checks passed: the values read back are the values written.")
+                  .arg(bench.confirmed);
+    const bool isGood = bench.refuted == 0 && !bench.wasCutShort();
+    bench.console.line();
+    bench.console.line(isGood ? bench.console.good(result) : bench.console.bad(result));
+}
 
 void showChapters(DemoBench& bench, bool live)
 {
@@ -60,6 +110,43 @@ ExitCode runDemo(const CommonOptions& common, const DemoOptions& options)
 }
 
 }  // namespace
+
+DemoBench::DemoBench(ExchangeLoop& exchangeLoop, const RegisterCatalogue& registerTypes,
+                     BenchControl* benchControl)
+    : loop(exchangeLoop), session(loop.session()), catalogue(registerTypes), control(benchControl)
+{
+    QVector<RegisterRange> ranges;
+    for (const ScreenRow& row : screenRows) {
+        ranges.append(range(row.address));
+        screen.append({ranges.last(), row.label, row.isSigned});
+    }
+    session.onValueChanged = [this](const QString&, int, int) { ++valuesChanged; };
+    blocks = session.setPlan(ranges);
+}
+
+RegisterRange DemoBench::range(const QString& address) const
+{
+    return parseAddress(address, catalogue);
+}
+
+quint32 DemoBench::valueOf(const QString& address) const
+{
+    return session.values(range(address)).value(0);
+}
+
+bool DemoBench::linkIsGood() const
+{
+    const bool wasAsked = loop.statistics().total().sent > 0;
+    return loop.link().isOpen() && (!wasAsked || loop.statistics().plcHasAnswered());
+}
+
+void DemoBench::confirm(bool isSo, const QString& what)
+{
+    if (loop.isInterrupted())
+        return;
+    ++(isSo ? confirmed : refuted);
+    console.line("  " + (isSo ? console.good("✔") : console.bad("✘")) + ' ' + what);
+}
 
 void addDemoCommand(CLI::App& app, const CommonOptions& common, Action& action)
 {

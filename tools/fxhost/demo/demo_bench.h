@@ -59,6 +59,5 @@ void showWrites(DemoBench& bench);
 void showConditionalRead(DemoBench& bench);
 void showRecipe(DemoBench& bench);
 void showTrouble(DemoBench& bench);
-void showSummary(DemoBench& bench);
 
 }  // namespace fxtools
