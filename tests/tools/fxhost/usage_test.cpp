@@ -70,6 +70,8 @@ const Mistake mistakes[] = {
      FX_QT6_DRIVER_FILE " was built with Qt 6; fxhost needs one built with Qt 5"},
     {2, "dump D100:4", "'D100:4' is an address; name a file first"},
     {7, "dump /no/such/place.csv D0", "/no/such/place.csv: No such file or directory"},
+    {7, "dump /dev/full D0", "/dev/full: not a regular file"},
+    {7, "recipe upload /dev/full D0", "/dev/full: not a regular file"},
     {7, "recipe upload /no/such/place.csv D0", "/no/such/place.csv: No such file or directory"},
     {7, "record /no/such/place.jsonl D0", "/no/such/place.jsonl: No such file or directory"},
     {7, "restore /no/such/file", "/no/such/file: No such file or directory"},
@@ -296,15 +298,6 @@ TEST(Usage, ADashIsStandardOutputAndNothingElseIsOnIt)
 {
     EXPECT_EQ(fxhost({"dump", "-", "D7000:2", "--json"}).out, "address,value\nD7000,0\nD7001,0\n");
     EXPECT_EQ(fxhost({"recipe", "upload", "-", "D7000"}).out, "address,value\nD7000,0\n");
-}
-
-TEST(Usage, WhatIsNoOrdinaryFileIsNamed)
-{
-    for (const QStringList& command : {QStringList{"dump"}, QStringList{"recipe", "upload"}}) {
-        const Ended ended = fxhost(command + QStringList{"/dev/full", "D0"});
-        EXPECT_EQ(ended.code, 7);
-        EXPECT_EQ(ended.err, "fxhost: /dev/full: not a regular file\n");
-    }
 }
 
 TEST(Usage, LettersSayAnAddress)

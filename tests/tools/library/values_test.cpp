@@ -310,6 +310,7 @@ TEST(Assignments, OfOneBitKeepTheOthers)
     };
     EXPECT_EQ(over("D100.5=1", 0x8001), 0x8021U);
     EXPECT_EQ(over("D100.15=0", 0x8001), 0x0001U);
+    EXPECT_EQ(over("D100.14=0", 0x8001), 0x8001U);
     EXPECT_EQ(over("D100=7", 0x8001), 7U);
 }
 

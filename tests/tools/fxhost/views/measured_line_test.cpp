@@ -54,14 +54,14 @@ TEST(TimeClasses, AreNoneWithoutTimes)
 TEST(LineReports, NameErrorsInPerCent)
 {
     Statistics statistics;
-    statistics.kinds[ExchangeKind::CyclicRead] = {40, 39, 1, 0};
+    statistics.kinds[ExchangeKind::CyclicRead] = {40, 38, 1, 1};
     statistics.verdicts = {
         {ReplyVerdict::Good, 37}, {ReplyVerdict::Silence, 1}, {ReplyVerdict::WrongSum, 2}};
     for (const qint64 timeUs : {500, 500, 25000})
         statistics.responses.add(timeUs);
     const QStringList lines = statisticsLines(statistics, 1000000);
     EXPECT_EQ(lines[0], "  exchanges    frames  good  retried  given up  errors");
-    EXPECT_EQ(lines[1], "  cyclic read      40    39        1         0   2.5 %");
+    EXPECT_EQ(lines[1], "  cyclic read      40    38        1         1     5 %");
     EXPECT_EQ(lines[3], "  rejected replies: no reply (1), damaged: wrong checksum (2)");
     EXPECT_EQ(lines[5], "  response time: median 0.512 ms, 95 % in 25 ms, longest 25 ms");
 }
