@@ -37,7 +37,7 @@ type,lowest,highest,base,width,writable
     {"check", R"(fxhost> check X17 2#D5:3 X18 --csv -q
 X17,true,"X17 of station 1, bit",0x0081,
 2#D5:3,true,"D5:3 of station 2, 16 bits",0x100A,0x100A
-X18,false,'X18' has an invalid number; X is octal: after X17 comes X20
+X18,false,"'X18' has an invalid number; X is octal: after X17 comes X20"
 [1]
 )"},
     {"series", R"(fxhost> series X6 -c 3 --csv -q
