@@ -10,6 +10,8 @@
 #include <QRegularExpression>
 #include <QTextStream>
 
+#include <optional>
+
 namespace fxtools {
 
 namespace {
@@ -18,11 +20,15 @@ namespace {
 constexpr qint64 mostFileBytes = 4 << 20;
 
 // Spreadsheets separate by ; where the comma is a decimal one.
-QChar separatorOf(const QString& line)
+std::optional<QChar> separatorIn(const QString& line)
 {
     static const QRegularExpression inQuotes(QStringLiteral("\"[^\"]*\""));
     const QString bare = QString(line).remove(inQuotes);
-    return bare.contains(';') ? ';' : bare.contains('\t') ? '\t' : ',';
+    for (const char separator : {';', '\t', ','}) {
+        if (bare.contains(separator))
+            return separator;
+    }
+    return std::nullopt;
 }
 
 CsvRow rowOf(int number, const QString& line, QChar separator)
@@ -78,13 +84,15 @@ CsvFile readCsv(const QString& path, const char* kind)
     QTextStream lines(&file);  // without the mark that spreadsheets put in front
     lines.setCodec("UTF-8");
     CsvFile csv;
+    std::optional<QChar> separator;
     for (int number = 1; !lines.atEnd(); ++number) {
         const QString line = lines.readLine();
         const QString text = line.trimmed();
         if (text.isEmpty() || text.startsWith('#'))
             continue;
-        if (csv.rows.isEmpty())
-            csv.separator = separatorOf(line);
+        if (!separator)
+            separator = separatorIn(line);
+        csv.separator = separator.value_or(',');
         csv.rows.append(rowOf(number, line, csv.separator));
     }
     return csv;

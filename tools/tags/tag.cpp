@@ -128,10 +128,14 @@ QString rawText(const Tag& tag, const QString& text)
 
 }  // namespace
 
+bool Tag::isOneBit() const
+{
+    return asked.bit || (asked.range.type.isBit() && !asked.isGroup);
+}
+
 bool Tag::isNumber() const
 {
-    const bool isOneBit = asked.bit || (asked.range.type.isBit() && !asked.isGroup);
-    return !isOneBit && style.format != ValueFormat::Hex && style.format != ValueFormat::Binary &&
+    return !isOneBit() && style.format != ValueFormat::Hex && style.format != ValueFormat::Binary &&
            style.format != ValueFormat::Text;
 }
 

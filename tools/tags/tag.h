@@ -32,6 +32,7 @@ struct Tag
     QString description;
     int line = 0;  // of the tag file
 
+    bool isOneBit() const;
     bool isNumber() const;  // not a bit, a text or digits
     bool isScaled() const { return scale != 1 || offset != 0; }
 

@@ -17,7 +17,8 @@ namespace {
 
 constexpr int mostNameCharacters = 64;
 const QRegularExpression notInNames(QStringLiteral("[\\s\\p{C},;='\"*?\\[\\]#]+"));
-constexpr int mostTextWords = 32;  // what one frame brings
+const QString bitType = QStringLiteral("bit");  // only says what the address says
+constexpr int mostTextWords = 32;               // what one frame brings
 constexpr int longestPeriodMs = 86400000;
 
 // What a field is read with.
@@ -27,12 +28,7 @@ struct Reading
     bool hasDecimalComma;
 };
 
-QString numberText(double number)
-{
-    return QString::number(number, 'g', QLocale::FloatingPointShortest);
-}
-
-QString numberText(const std::optional<double>& number)
+QString limitText(const std::optional<double>& number)
 {
     return number ? numberText(*number) : QString();
 }
@@ -87,6 +83,8 @@ void takeAccess(Tag& tag, const QString& text, const Reading& /*reading*/)
 
 void takeType(Tag& tag, const QString& text, const Reading& /*reading*/)
 {
+    if (text.toLower() == bitType)
+        return;
     const QStringList words = text.toLower().split(' ', Qt::SkipEmptyParts);
     const std::optional<ValueFormat> format = formatNamed(words.value(0));
     tag.style = {format.value_or(ValueFormat::Signed), words.value(1) == QLatin1String("swap")};
@@ -106,7 +104,7 @@ void takeNumber(Tag& tag, const QString& text, const Reading& reading)
 template <std::optional<double> Tag::*member>
 QString textOfNumber(const Tag& tag)
 {
-    return numberText(tag.*member);
+    return limitText(tag.*member);
 }
 
 template <QString Tag::*member>
@@ -173,8 +171,7 @@ void fitRegisters(Tag& tag)
     const RegisterType& type = tag.asked.range.type;
     const bool isWord = type.width == RegisterWidth::Word && !tag.asked.bit;
     const ValueFormat format = tag.style.format;
-    const bool isOneBit = tag.asked.bit || (type.isBit() && !tag.asked.isGroup);
-    if (isOneBit && format != ValueFormat::Signed)
+    if (tag.isOneBit() && format != ValueFormat::Signed)
         reject(tag.asked.text(), QStringLiteral("is a bit, which has no type"));
     const bool needsWords =
         tag.style.swap || format == ValueFormat::Float || format == ValueFormat::Text;
@@ -319,6 +316,8 @@ void Reader::checkWhole(const QStringList& fields, Tag& tag)
         fail(QStringLiteral("address"), failure.text());
         return;
     }
+    if (field(fields, "type").toLower() == bitType && !tag.isOneBit())
+        fail(QStringLiteral("type"), quoted(bitType) + " is not the type of " + tag.asked.text());
     for (const Column& column : columns) {
         const QString text = field(fields, column.title);
         if (column.needsNumber && !text.isEmpty() && !tag.isNumber())
@@ -340,6 +339,11 @@ void Reader::checkOrder(const QStringList& titles, const std::optional<double>& 
 }
 
 }  // namespace
+
+QString numberText(double number)
+{
+    return QString::number(number, 'g', QLocale::FloatingPointShortest);
+}
 
 QString TagRemark::place() const
 {

@@ -54,6 +54,9 @@ QString nameMistake(const QString& name, const RegisterCatalogue& catalogue);
 // A name made of a text: what a name cannot have becomes "_".
 QString asName(const QString& text);
 
+// A number as the file has it: with all its digits and no more.
+QString numberText(double number);
+
 // The type as the file has it: "float", or "float swap" with the high word first.
 QString typeText(ValueStyle style);
 

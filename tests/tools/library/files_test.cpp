@@ -155,11 +155,12 @@ protected:
 
 }  // namespace
 
-TEST_F(Csv, HasTheSeparatorOfItsFirstRow)
+TEST_F(Csv, HasTheSeparatorOfItsFirstRowThatHasOne)
 {
     EXPECT_EQ(read("# no; row\na,b;c\n1;2,5\n"), "2: a,b|c\n3: 1|2,5");
     EXPECT_EQ(read("\"a;b\",c\n1;2,3\n"), "1: a;b|c\n2: 1;2|3");
     EXPECT_EQ(read("a\tb,c\n"), "1: a|b,c");
+    EXPECT_EQ(read("title\na\tb,c\n"), "1: title\n2: a|b,c");
 }
 
 TEST_F(Csv, HasQuotesWithinQuotes)

@@ -1,0 +1,156 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// Tags from and to other programs, and what is remarked on tags that are legal. The golden files
+// beside this test have the shape in which such programs save their lists.
+
+#include "tests/tools/support/loaded_driver.h"
+#include "tools/tags/foreign_tags.h"
+#include "tools/tags/tag_check.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using namespace fxtools;
+using namespace tool_tests;
+
+namespace {
+
+QString golden(const char* name)
+{
+    return QStringLiteral(FX_GOLDEN_FILES) + '/' + name;
+}
+
+std::string contentOf(const QString& path)
+{
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    return file.readAll().toStdString();
+}
+
+std::string textOf(const QVector<TagRemark>& remarks)
+{
+    QStringList lines;
+    for (const TagRemark& remark : remarks)
+        lines += remark.place() + ": " + remark.text;
+    return lines.join('\n').toStdString();
+}
+
+std::string importOf(const QString& path)
+{
+    const TagFile file = importTags(path, std::nullopt, catalogue());
+    return tagFileText(file.tags).toStdString() + textOf(file.remarks);
+}
+
+QVector<Tag> tagsOf(const QByteArray& content)
+{
+    const QTemporaryDir folder;
+    QFile file(folder.filePath("tags.csv"));
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(content);
+    file.close();
+    return readTags(file.fileName(), catalogue());
+}
+
+}  // namespace
+
+TEST(ForeignTags, FromAScadaListAreScaledAndLimited)
+{
+    EXPECT_EQ(importOf(golden("scada.csv")),
+              "name,address,type,scale,offset,unit,period_ms,access,min,max,description\n"
+              "Boiler.Temperature,D100,,0.1,,°C,100,ro,,,\"Inlet, left\"\n"
+              "Boiler.Setpoint,D101,unsigned,0.02442002442002442,-20,°C,500,,-20,80,\n"
+              "Boiler.Backwards,D102,,-0.5,-10,,100,,-60,-10,\n"
+              "Pump_1_runs,M10,,,,,100,,,,Blank in its name\n"
+              "Pieces,CV200,,,,,1000,ro,,,\n"
+              "Flow,D20:2,float,,,l/min,100,,,,\n"
+              "Root,D103,,,,,100,,,,\n"
+              "Door,D5.10,,,,,100,ro,,,\n"
+              "line 1, column Respect Data Type: was not taken over\n"
+              "line 1, column Scaled Data Type: was not taken over\n"
+              "line 5, column name: 'Pump 1 runs' became 'Pump_1_runs'\n"
+              "line 8, column Scaling: 'Square Root' was not taken over: the raw value is shown\n"
+              "line 10: 'LBCD' is a Data Type that no tag has\n"
+              "line 11, column address: 'D9999' is out of range: D0 to D7999 or D8000 to D8255 in "
+              "decimal\n"
+              "line 12: '7' is both Raw Low and Raw High\n"
+              "line 13, column type: 'bit' is not the type of D106");
+}
+
+TEST(ForeignTags, FromCommentsHaveTheLabelOrTheCommentAsName)
+{
+    EXPECT_EQ(importOf(golden("comments.csv")),
+              "name,address,description\n"
+              "PumpRuns,M10,Pump 1 runs\n"
+              "Boiler_temperature,D100,Boiler temperature\n"
+              "Pump_1,X0,Pump 1\n"
+              "Pump_1_X1,X1,Pump 1\n"
+              "line 4, column name: 'Boiler temperature' became 'Boiler_temperature'\n"
+              "line 6, column name: 'Pump 1' became 'Pump_1'\n"
+              "line 7, column name: 'Pump 1' became 'Pump_1_X1'\n"
+              "line 8, column address: 'Z1' has an unknown register type; use one of X Y M S SM T "
+              "C D SD TV CV 32CV");
+}
+
+TEST(ForeignTags, NeedTheirTitles)
+{
+    EXPECT_THROW(importTags(golden("scada.csv"), ForeignForm::Comments, catalogue()), Failure);
+    EXPECT_THROW(importTags("/dev/null", std::nullopt, catalogue()), Failure);
+}
+
+TEST(ForeignTags, ComeBackFromAnExportExactly)
+{
+    for (const auto& [form, name] : {std::pair(ForeignForm::Scada, "scada_export.csv"),
+                                     std::pair(ForeignForm::Comments, "comments_export.csv")}) {
+        const bool isScada = form == ForeignForm::Scada;
+        const QVector<Tag> tags =
+            importTags(golden(isScada ? "scada.csv" : "comments.csv"), form, catalogue()).tags;
+        const ExportedTags exported = exportTags(tags, form, catalogue());
+        EXPECT_EQ(textOf(exported.remarks), "");
+        EXPECT_EQ(exported.text.toStdString(), contentOf(golden(name)));
+        EXPECT_EQ(tagFileText(importTags(golden(name), std::nullopt, catalogue()).tags),
+                  tagFileText(tags));
+    }
+}
+
+TEST(ForeignTags, TellWhatAnExportLoses)
+{
+    const QVector<Tag> tags = tagsOf("name,address,type,deadband,alarm_low,link\n"
+                                     "kept,D0,,,,\nbits,D1,hex,,,\nalarm,D2,,0.5,3,press1\n"
+                                     "text,D30:8,text,,,\n");
+    EXPECT_EQ(textOf(exportTags(tags, ForeignForm::Scada, catalogue()).remarks),
+              "line 3: bits is without its type\n"
+              "line 4: alarm is without its deadband, alarm_low, link");
+    EXPECT_EQ(textOf(exportTags(tags, ForeignForm::Comments, catalogue()).remarks),
+              "line 3: bits is without its type\n"
+              "line 4: alarm is without its deadband, alarm_low, link\n"
+              "line 5: text is without its address, type");
+}
+
+TEST(TagCheck, RemarksOnWhatIsHardlyMeant)
+{
+    const auto remarks = [](const char* rows) {
+        return textOf(
+            checkTags(tagsOf(QByteArray("name,address,type,scale,offset,access,max,link\n") + rows),
+                      catalogue()));
+    };
+    EXPECT_EQ(remarks("a,D1\nb,D0,long\nc,D1,,,,,,press2\nd,D3\ne,D3\n"),
+              "line 2, column address: a shares registers with b, line 3\n"
+              "line 6, column address: e shares registers with d, line 5");
+    EXPECT_EQ(remarks("a,D1\nb,D1.0\nc,D1.1\nd,K4M0\ne,M3\nf,D8000\n"), "");
+    EXPECT_EQ(remarks("a,D1.0\nb,D1.0\nc,D8000\nd,SD8000,,,,ro\n"),
+              "line 3, column address: b shares registers with a, line 2\n"
+              "line 5, column address: d shares registers with c, line 4");
+    EXPECT_EQ(remarks("a,D8200\nb,D8201,,,,ro\n"),
+              "line 2, column address: a is not written without --force: a write to D8200 changes "
+              "D72");
+    EXPECT_EQ(remarks("a,D1,,,,ro,5\n"),
+              "line 2, column max: a is read-only, so it needs no limits");
+    EXPECT_EQ(remarks("a,D1,,1e-13\nb,D2,float,0.1\nc,D4,,0.1,,ro\nd,D5,,0.1\n"),
+              "line 2, column scale: a cannot be written back exactly: values that are shown may "
+              "change when they are written\n"
+              "line 3, column scale: b cannot be written back exactly: values that are shown may "
+              "change when they are written");
+}

@@ -1,0 +1,16 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// What is legal in a tag file and still not what somebody means.
+
+#pragma once
+
+#include "tools/tags/tag_file.h"
+
+namespace fxtools {
+
+// Registers that two tags share, writes that would hit others, scaling that loses values, limits of
+// what is never written.
+QVector<TagRemark> checkTags(const QVector<Tag>& tags, const RegisterCatalogue& catalogue);
+
+}  // namespace fxtools
