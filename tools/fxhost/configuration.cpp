@@ -6,6 +6,7 @@
 #include "tools/fxhost/commands/limits.h"
 #include "tools/fxhost/suggestion.h"
 
+#include <QDir>
 #include <QFile>
 #include <QStandardPaths>
 
@@ -55,6 +56,15 @@ public:
         if (!node.is_string())
             reject(node.source(), QStringLiteral("%1 must be a text in quotes").arg(key));
         return textOf(node.as_string()->get());
+    }
+
+    // Beside the configuration, unless it has a whole path.
+    std::optional<QString> file(const toml::table& table, const char* key) const
+    {
+        const toml::node* const node = table.get(key);
+        if (!node)
+            return std::nullopt;
+        return QFileInfo(QFileInfo(m_file).dir(), text(*node, key)).filePath();
     }
 
     const toml::table& table(const toml::node& node, const QString& key) const
@@ -114,13 +124,16 @@ LinkSettings linkIn(const Reader& reader, const toml::table& table)
     }
 }
 
-ConfiguredPlc plcIn(const Reader& reader, const QString& name, const toml::table& table)
+ConfiguredPlc plcIn(const Reader& reader, const QString& name, const toml::table& table,
+                    const QString& tags)
 {
-    reader.checkKeys(table, {"link", "timeout", "retries", "reconnect-s", "station", "words"});
+    reader.checkKeys(table,
+                     {"link", "timeout", "retries", "reconnect-s", "station", "words", "tags"});
     ConfiguredPlc plc{name, linkIn(reader, table), {}, {}, {}};
     plc.timeoutMs = reader.time(table, "timeout", timeoutLimitsMs);
     plc.retries = reader.number(table, "retries", retryLimits);
     plc.reconnectS = reader.number(table, "reconnect-s", reconnectLimitsS);
+    plc.tags = reader.file(table, "tags").value_or(tags);
     PlcSettings& ofLink = plcSettings(plc.link);
     ofLink.station = reader.number(table, "station", stationLimits).value_or(ofLink.station);
     if (const std::optional<int> words = reader.number(table, "words", wordLimits))
@@ -165,12 +178,13 @@ Configuration readConfiguration(const QString& file)
 {
     const Reader reader(file);
     const toml::table root = parsed(file);
-    reader.checkKeys(root, {"default", "plc"});
+    reader.checkKeys(root, {"default", "plc", "tags"});
     Configuration configuration{file, {}, {}};
+    const QString tags = reader.file(root, "tags").value_or(QString());
     if (const toml::node* const plcs = root.get("plc")) {
         for (const auto& [key, node] : reader.table(*plcs, QStringLiteral("plc"))) {
             const QString name = textOf(key.str());
-            configuration.plcs.append(plcIn(reader, name, reader.table(node, "plc." + name)));
+            configuration.plcs.append(plcIn(reader, name, reader.table(node, "plc." + name), tags));
         }
     }
     if (const toml::node* const chosen = root.get("default")) {

@@ -4,6 +4,7 @@
 // The configuration file: PLCs with names, so that a link is written down once.
 //
 //   default = "press1"                          # without --link, --plc and FX_LINK
+//   tags = "tags.csv"                           # of all PLCs, or below of one
 //
 //   [plc.press1]
 //   link = "serial:/dev/ttyUSB0?baud=9600"
@@ -23,6 +24,7 @@ struct ConfiguredPlc
     QString name;
     LinkSettings link;
     std::optional<int> timeoutMs, retries, reconnectS;
+    QString tags = {};  // the tag file; empty: none
 };
 
 struct Configuration

@@ -91,7 +91,8 @@ TEST(ConfigurationFile, NamesThePlaceOfAMistake)
     };
     const Row rows[] = {
         {"[plc.a]\nlnk = 'sim:'\n", "2, column 1: unknown key 'lnk'; did you mean 'link'?\n"},
-        {"[press]\nlink = 'sim:'\n", "1, column 2: unknown key 'press'; known: default, plc\n"},
+        {"[press]\nlink = 'sim:'\n",
+         "1, column 2: unknown key 'press'; known: default, plc, tags\n"},
         {"[plc.a]\nwords = 16\n",
          "1, column 1: link is missing; for example link = \"serial:/dev/ttyUSB0?baud=9600\"\n"},
         {"[plc.a]\nlink = 'usb:1'\n",

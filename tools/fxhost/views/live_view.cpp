@@ -93,7 +93,8 @@ void LiveView::update(const QVector<Reading>& readings, qint64 nowMs, double dea
             cell.reading.problem = reading.problem;
             continue;
         }
-        cell.isChanged = cell.readMs >= 0 && isChange(cell.reading, reading, deadband);
+        cell.isChanged = cell.readMs >= 0 &&
+                         isChange(cell.reading, reading, reading.deadband.value_or(deadband));
         cell.reading = reading;
         cell.readMs = nowMs;
         if (cell.isChanged)

@@ -30,6 +30,7 @@ struct Reading
     QString text;                  // "12345", "○○●●○○○○"
     std::optional<double> number;  // nothing: bits and texts, which have no trend
     QString problem;               // one word for why it was not read; empty: it was
+    std::optional<double> deadband = std::nullopt;  // nothing: that of all
 };
 
 class LiveView

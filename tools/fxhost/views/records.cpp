@@ -48,6 +48,11 @@ QString isoTime(const QDateTime& time)
            QTime(0, 0).addSecs(60 * std::abs(minutes)).toString(minutes < 0 ? "-HH:mm" : "+HH:mm");
 }
 
+QJsonValue textOrNothing(const QString& text)
+{
+    return text.isEmpty() ? QJsonValue(QJsonValue::Undefined) : QJsonValue(text);
+}
+
 QString timestamp()
 {
     return isoTime(QDateTime::currentDateTime());

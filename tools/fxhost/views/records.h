@@ -62,6 +62,9 @@ private:
     QVector<QVector<QJsonValue>> m_collected;
 };
 
+// A text, or what JSON leaves out.
+QJsonValue textOrNothing(const QString& text);
+
 // What a command has done, as one record: a line of words for people.
 void showResult(const OutputOptions& options, const QString& words,
                 const QVector<QPair<QString, QJsonValue>>& fields);
