@@ -97,7 +97,7 @@ void addCommands(CLI::App& app, CommonOptions& common, Action& action)
     for (CLI::App* const command : app.get_subcommands({}))
         command->group(plcGroup);
     for (const auto add : {addTypesCommand, addCheckCommand, addSeriesCommand, addPlanCommand,
-                           addReplayCommand, addPortsCommand, addHelpCommand})
+                           addTagsCommand, addReplayCommand, addPortsCommand, addHelpCommand})
         add(app, common, action);
     for (CLI::App* const command : app.get_subcommands({})) {
         if (command->get_group() != plcGroup)

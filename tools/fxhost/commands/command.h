@@ -34,6 +34,7 @@ struct LinkOptions
     int port = 0;
 
     std::optional<LinkSettings> named;  // set by chooseLink()
+    QString configured;                 // the name of the PLC, if the configuration has it
 
     LinkSettings settings(const LinkSettings& unlessSaid) const;  // throws Failure
 };
@@ -41,6 +42,7 @@ struct LinkOptions
 struct CommonOptions
 {
     std::string library;
+    std::string tags;  // the file; empty: the configured one, if any
     LinkOptions link;
     // Not given: 0 or -1 until chooseLink() takes them from the configuration.
     int timeoutMs = 0;    // 0: adapts to the line
@@ -125,6 +127,7 @@ void addReplayCommand(CLI::App& app, const CommonOptions& common, Action& action
 void addRestoreCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addSeriesCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addStatsCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addTagsCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addTypesCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addWatchCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addWriteCommand(CLI::App& app, const CommonOptions& common, Action& action);
