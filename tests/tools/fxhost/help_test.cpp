@@ -33,6 +33,9 @@ QStringList commandNames()
     return captured(help.section("\nCommands:", 1).section("\nExamples:", 0, 0), "^  ([a-z]+)  ");
 }
 
+const QMap<QString, QStringList> innerCommands = {{"recipe", {"download", "upload"}},
+                                                  {"tags", {"check", "export", "import"}}};
+
 // Of the program, and of each command with the commands within it.
 const QStringList& helpTexts()
 {
@@ -40,10 +43,8 @@ const QStringList& helpTexts()
         QStringList texts = {QString::fromStdString(fxhost({"--help"}).out)};
         for (const QString& name : commandNames()) {
             texts += QString::fromStdString(fxhost({name, "--help"}).out);
-            if (name == QLatin1String("recipe")) {
-                for (const char* const inner : {"download", "upload"})
-                    texts.last() += QString::fromStdString(fxhost({name, inner, "--help"}).out);
-            }
+            for (const QString& inner : innerCommands.value(name))
+                texts.last() += QString::fromStdString(fxhost({name, inner, "--help"}).out);
         }
         return texts;
     }();
@@ -86,6 +87,7 @@ public:
     {
         m_shell.setProcessEnvironment(hostEnvironment());
         m_shell.setWorkingDirectory(m_folder.path());
+        QFile::copy(FX_EXAMPLES "/tags/boiler.csv", m_folder.filePath("tags.csv"));
         const QString function = QStringLiteral("fxhost() { \"%1\" \"$@\"; }\n").arg(FXHOST_FILE);
         m_shell.start("/bin/bash", {"-c", function + lines});
     }
@@ -179,6 +181,7 @@ TEST(Completion, OffersEachCommandOnce)
     EXPECT_EQ(completed("fxhost re"),
               QStringList({"read", "recipe", "record", "replay", "restore"}));
     EXPECT_EQ(completed("fxhost --link sim: recipe do"), QStringList("download"));
+    EXPECT_EQ(completed("fxhost tags ex"), QStringList("export"));
     EXPECT_EQ(completed("fxhost help wr"), QStringList("write"));
     EXPECT_EQ(completed("fxhost ").size(), commandNames().size());
     EXPECT_FALSE(completed("fxhost read ").contains("read"));
@@ -201,6 +204,8 @@ TEST(Completion, OffersValues)
     EXPECT_EQ(completed("fxhost read -P o"), QStringList("odd"));
     EXPECT_EQ(completed("fxhost --config plcs.toml --plc "), QStringList({"press1", "press2"}));
     EXPECT_EQ(completed("fxhost replay plcs"), QStringList("plcs.toml"));
+    EXPECT_EQ(completed("fxhost --tags tags.csv read boiler.t"), QStringList("boiler.temperature"));
+    EXPECT_EQ(completed("fxhost tags check tag"), QStringList("tags.csv"));
 }
 
 TEST(Help, ManualKnowsNoOptionThatIsNotThere)

@@ -24,6 +24,9 @@ COMMANDS = [
     ("read", "read D0:2 M0 32CV200"),
     ("read", "read D0 --link sim:?faults=nak=1"),
     ("read", "read D20 --as float"),
+    ("read", "read speed D0 --tags tags.csv"),
+    ("write", "write speed=5 --tags tags.csv"),
+    ("log", "log speed D0 -n 1 --tags tags.csv"),
     ("watch", "watch D0:2 M0 -n 2 -l 1"),
     ("write", "write D100:2=5,-6 M100=on D102.3=1 K2M0=7"),
     ("monitor", "monitor D0:2"),
@@ -40,6 +43,7 @@ COMMANDS = [
     ("record", "record session.jsonl D0 -n 2"),
     ("replay", "replay session.jsonl"),
     ("ports", "ports"),
+    ("tags", "tags check tags.csv"),
     ("log", "log D0:2 M0 -n 2 -l 1"),
     ("log", "log D0 -n 1 --link sim:?faults=nak=1"),
 ]
@@ -105,6 +109,8 @@ def main(fxhost, driver, schema_file):
     with tempfile.TemporaryDirectory() as folder:
         with open(os.path.join(folder, "other.csv"), "w", encoding="utf-8") as other:
             other.write("D100,7\n")
+        with open(os.path.join(folder, "tags.csv"), "w", encoding="utf-8") as tags:
+            tags.write("name,address,scale,unit\nspeed,D2,0.1,rpm\nagain,D2,,\n")
         for name, line in COMMANDS:
             ended = subprocess.run([fxhost, "--json", "--timestamps", *line.split()], cwd=folder, env=environment,
                                    stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=False,

@@ -3,12 +3,22 @@
 
 #include "tools/fxhost/commands/address_options.h"
 
+#include "tools/fxhost/suggestion.h"
+#include "tools/quoted.h"
+
+#include <fnmatch.h>
+
 namespace fxtools {
 
 namespace {
 
 const char* const letterGroup = "Address by options";
 const QString defaultType = QStringLiteral("D");
+
+bool isName(const QString& text, const AddressServices& services)
+{
+    return !services.source.file.isEmpty() && !isAddress(text, services.catalogue);
+}
 
 }  // namespace
 
@@ -30,7 +40,8 @@ void addAddressLetters(CLI::App& command, AddressOptions& options)
 
 void addAddressOptions(CLI::App& command, AddressOptions& options)
 {
-    command.add_option("address", options.addresses, "Addresses, such as D100:32, D0-D9 or X17");
+    command.add_option("address", options.addresses,
+                       "Addresses, such as D100:32, D0-D9 or X17, or names of tags");
     addAddressLetters(command, options);
 }
 
@@ -53,30 +64,87 @@ AddressParts addressOfLetters(const AddressOptions& options)
     return parts;
 }
 
-QVector<AskedAddress> askedOf(const AddressOptions& options, const RegisterCatalogue& catalogue)
+Tag untagged(const AskedAddress& asked, ValueStyle style)
 {
-    QVector<AskedAddress> asked;
-    for (const std::string& address : options.addresses)
-        asked += askedAddresses(QString::fromStdString(address), catalogue);
+    Tag tag;
+    tag.asked = asked;
+    tag.style = style;
+    RegisterRange& range = tag.asked.range;
+    widen(tag.asked, style);
+    range.together = registersPerValue(tag.asked, style);
+    if (range.count % range.together != 0)
+        throw Failure(ExitCode::Usage,
+                      range.text() +
+                          ": each value takes two words, so the number of words must be even");
+    return tag;
+}
+
+QVector<Tag> tagsNamed(const QString& name, const AddressServices& services)
+{
+    const QByteArray pattern = name.toUtf8();
+    QVector<Tag> found;
+    QStringList known;
+    for (const Tag& tag : services.tags()) {
+        const bool isHere =
+            services.source.plc.isEmpty() || tag.link.isEmpty() || tag.link == services.source.plc;
+        if (tag.name == name && !isHere)
+            throw Failure(ExitCode::Usage,
+                          name + " is a tag of another PLC; use --plc " + tag.link);
+        if (!isHere)
+            continue;
+        known += tag.name;
+        if (fnmatch(pattern.constData(), tag.name.toUtf8().constData(), 0) == 0)
+            found.append(tag);
+    }
+    if (found.isEmpty())
+        throw Failure(ExitCode::Usage, "unknown tag " + quoted(name) + didYouMean(name, known));
+    return found;
+}
+
+QVector<Tag> askedOf(const AddressOptions& options, const AddressServices& services,
+                     ValueStyle style)
+{
+    QVector<Tag> asked;
+    for (const std::string& list : options.addresses) {
+        for (const QString& text : QString::fromStdString(list).split(',')) {
+            if (isName(text, services))
+                asked += tagsNamed(text, services);
+            else
+                asked += untagged(askedAddress(takeApart(text), services.catalogue), style);
+        }
+    }
     if (options.byLetters())
-        asked.append(askedAddress(addressOfLetters(options), catalogue));
+        asked += untagged(askedAddress(addressOfLetters(options), services.catalogue), style);
     if (asked.isEmpty())
         throw Failure(ExitCode::Usage,
                       "address missing; for example D100:32, or -t D -r 100 -c 32");
     return asked;
 }
 
-QVector<RegisterRange> rangesOf(const QVector<AskedAddress>& asked)
+QVector<RegisterRange> rangesOf(const QVector<Tag>& asked)
 {
     QVector<RegisterRange> ranges;
-    for (const AskedAddress& address : asked)
-        ranges.append(address.range);
+    for (const Tag& tag : asked)
+        ranges.append(tag.asked.range);
     return ranges;
 }
 
-QVector<RegisterRange> rangesOf(const AddressOptions& options, const RegisterCatalogue& catalogue)
+QVector<RegisterRange> rangesOf(const AddressOptions& options, const AddressServices& services)
 {
-    return rangesOf(askedOf(options, catalogue));
+    return rangesOf(askedOf(options, services));
+}
+
+TagWrite parseWrite(const QString& text, const AddressServices& services, ValueStyle style)
+{
+    const QString name = text.section('=', 0, 0).trimmed();
+    if (name == text.trimmed() || !isName(name, services)) {
+        const Assignment assignment = parseAssignment(text, services.catalogue, style);
+        return {assignment, untagged(assignment.asked, style)};
+    }
+    const QVector<Tag> tags = tagsNamed(name, services);
+    if (tags.first().name != name)
+        throw Failure(ExitCode::Usage, quoted(name) + " is a pattern; write one tag at a time");
+    return {assignmentOf(tags.first(), text.section('=', 1), services.catalogue), tags.first()};
 }
 
 }  // namespace fxtools

@@ -2,11 +2,12 @@
 // SPDX-License-Identifier: MIT
 //
 // The addresses of a command: as texts such as D100:32 or D0-D9, or by the options -t D -r 100 -c
-// 32: type, first number and number of registers.
+// 32: type, first number and number of registers. With a tag file names take the place of
+// addresses.
 
 #pragma once
 
-#include "tools/fxhost/commands/command.h"
+#include "tools/fxhost/commands/connection.h"
 #include "tools/library/addresses.h"
 
 namespace fxtools {
@@ -30,11 +31,28 @@ void addAddressOptions(CLI::App& command, AddressOptions& options);
 // The address given by options; throws Failure if -r is missing.
 AddressParts addressOfLetters(const AddressOptions& options);
 
-// All that was asked for; throws Failure if there is nothing or one is out of range.
-QVector<AskedAddress> askedOf(const AddressOptions& options, const RegisterCatalogue& catalogue);
+// A tag without a name for one address, or for each of its values.
+Tag untagged(const AskedAddress& asked, ValueStyle style);
+
+// The tag of this name, or those that a shell pattern stands for. Throws Failure if there are none.
+QVector<Tag> tagsNamed(const QString& name, const AddressServices& services);
+
+// All that was asked for, by address, name or pattern. Throws Failure if there is nothing, one is
+// out of range or unknown, or a value would reach past the end of its range.
+QVector<Tag> askedOf(const AddressOptions& options, const AddressServices& services,
+                     ValueStyle style = {});
 
 // The registers of it.
-QVector<RegisterRange> rangesOf(const QVector<AskedAddress>& asked);
-QVector<RegisterRange> rangesOf(const AddressOptions& options, const RegisterCatalogue& catalogue);
+QVector<RegisterRange> rangesOf(const QVector<Tag>& asked);
+QVector<RegisterRange> rangesOf(const AddressOptions& options, const AddressServices& services);
+
+// A write, and how its values are shown.
+struct TagWrite : Assignment
+{
+    Tag tag;
+};
+
+// "D100=5", or with the name of a tag "boiler.setpoint=71.5". Throws Failure.
+TagWrite parseWrite(const QString& text, const AddressServices& services, ValueStyle style);
 
 }  // namespace fxtools

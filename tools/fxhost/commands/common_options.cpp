@@ -31,6 +31,14 @@ void addNamingOptions(CLI::App& app, LinkOptions& options)
         ->group(linkGroup);
 }
 
+void addTagsOption(CLI::App& app, CommonOptions& common)
+{
+    app.add_option("--tags", common.tags,
+                   "Tag file: names for addresses (default: that of the configuration file)")
+        ->type_name("FILE")
+        ->group(linkGroup);
+}
+
 void addLineOptions(CLI::App& app, LinkOptions& options)
 {
     app.add_option("-b,--baud", options.baud, "Baud rate of a serial port or of sim:")
@@ -83,6 +91,7 @@ void addPatienceOptions(CLI::App& app, CommonOptions& common)
 void addLinkOptions(CLI::App& app, CommonOptions& common)
 {
     addNamingOptions(app, common.link);
+    addTagsOption(app, common);
     addLineOptions(app, common.link);
     addPatienceOptions(app, common);
 }

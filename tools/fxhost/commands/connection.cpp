@@ -10,12 +10,29 @@ namespace fxtools {
 
 static_assert(mostWordsPerFrame == fxMaxWriteWords);
 
-AddressServices::AddressServices(const QString& libraryPath, std::optional<int> ownStation)
-    : library(libraryPath), catalogue(library, ownStation)
+namespace {
+
+TagSource tagSourceOf(const CommonOptions& common)
+{
+    return {QString::fromStdString(common.tags), common.link.configured};
+}
+
+}  // namespace
+
+AddressServices::AddressServices(const QString& libraryPath, const TagSource& tagSource,
+                                 std::optional<int> ownStation)
+    : library(libraryPath), catalogue(library, ownStation), source(tagSource)
 {}
 
+const QVector<Tag>& AddressServices::tags() const
+{
+    if (!m_tags)
+        m_tags = readTags(source.file, catalogue);
+    return *m_tags;
+}
+
 AddressServices::AddressServices(const CommonOptions& common)
-    : AddressServices(QString::fromStdString(common.library))
+    : AddressServices(QString::fromStdString(common.library), tagSourceOf(common))
 {}
 
 ConnectionSettings connectionSettings(const CommonOptions& common,
@@ -23,6 +40,7 @@ ConnectionSettings connectionSettings(const CommonOptions& common,
 {
     ConnectionSettings settings;
     settings.library = QString::fromStdString(common.library);
+    settings.tags = tagSourceOf(common);
     settings.link = common.link.settings(linkUnlessSaid);
     settings.station = plcSettings(settings.link).station;
     const std::optional<int> words = plcSettings(settings.link).words;
@@ -40,9 +58,9 @@ ConnectionSettings connectionSettings(const CommonOptions& common,
 }
 
 Connection::Connection(const ConnectionSettings& settings)
-    : m_services(settings.library, settings.station), m_link(makeLink(settings.link)),
-      m_keeper(*m_link.link, settings.reconnectS), m_session(library(), settings.session),
-      m_loop(m_session, *m_link.link, settings.loop)
+    : m_services(settings.library, settings.tags, settings.station),
+      m_link(makeLink(settings.link)), m_keeper(*m_link.link, settings.reconnectS),
+      m_session(library(), settings.session), m_loop(m_session, *m_link.link, settings.loop)
 {
     m_keeper.isInterrupted = settings.loop.isInterrupted;
     m_keeper.onState = settings.onLinkState;

@@ -11,26 +11,43 @@
 #include "tools/fxhost/views/console.h"
 #include "tools/link/link_keeper.h"
 #include "tools/simulated/make_link.h"
+#include "tools/tags/tag_file.h"
 
 #include <memory>
 
 namespace fxtools {
 
-// The driver without a link, for commands that only ask it about addresses.
+// Where names come from.
+struct TagSource
+{
+    QString file;  // empty: there are none
+    QString plc;   // the name of the PLC; empty: the link column is of no interest
+};
+
+// The driver without a link, for commands that only ask it about addresses, and the names of
+// addresses.
 struct AddressServices
 {
     DriverLibrary library;
     RegisterCatalogue catalogue;
+    TagSource source;
 
-    explicit AddressServices(const QString& libraryPath,
-                             std::optional<int> ownStation = std::nullopt);
+    AddressServices(const QString& libraryPath, const TagSource& tagSource,
+                    std::optional<int> ownStation = std::nullopt);
     explicit AddressServices(const CommonOptions& common);
+
+    // Read when the first name is asked for, so that a mistake in the file harms nothing else.
+    const QVector<Tag>& tags() const;
+
+private:
+    mutable std::optional<QVector<Tag>> m_tags;
 };
 
 // The settings of a connection, made from the command line once.
 struct ConnectionSettings
 {
     QString library;
+    TagSource tags;
     LinkSettings link;
     int station = 1;
     SessionSettings session;
@@ -56,6 +73,7 @@ public:
     Connection& operator=(const Connection&) = delete;
 
     const DriverLibrary& library() const { return m_services.library; }
+    const AddressServices& services() const { return m_services; }
     const RegisterCatalogue& catalogue() const { return m_services.catalogue; }
     const Link& link() const { return *m_link.link; }
     BenchControl* control() const { return m_link.control; }  // null: no simulated PLC inside

@@ -85,7 +85,8 @@ std::optional<ReplyVerdict> Dumper::dump(const RegisterRange& portion)
 void Dumper::keep(const Poller& poller, const RegisterRange& portion)
 {
     const QVector<quint32> values = poller.values(portion);
-    const QVector<PolledValue> polled = polledValues(poller, {portion, {}, false, true}, {});
+    const QVector<PolledValue> polled =
+        polledValues(poller, untagged({portion, {}, false, true}, {}));
     for (int index = 0; index < portion.count; ++index) {
         const PolledValue& one = polled[index];
         if (m_done.contains(portion.identity(index)))
@@ -153,7 +154,7 @@ ExitCode runDump(const CommonOptions& common, const DumpOptions& options)
                     connection.catalogue());
     const QVector<RegisterRange> portions =
         cutToFrames(options.isBackup ? restorableRanges(connection.catalogue())
-                                     : rangesOf(options.addresses, connection.catalogue()),
+                                     : rangesOf(options.addresses, connection.services()),
                     connection.session().settings().wordsPerFrame);
     Dumper dumper(connection, file, options.resume ? namesIn(path, connection) : QSet<QString>());
     const OutputOptions output = besides(options.file, common.output);

@@ -71,6 +71,9 @@ std::optional<ConfiguredPlc> configuredPlc(const LinkOptions& options)
 void takeConfigured(const ConfiguredPlc& plc, CommonOptions& common)
 {
     common.link.named = plc.link;
+    common.link.configured = plc.name;
+    if (common.tags.empty())
+        common.tags = plc.tags.toStdString();
     if (common.timeoutMs == 0)
         common.timeoutMs = plc.timeoutMs.value_or(0);
     if (common.retries < 0)

@@ -20,24 +20,29 @@ constexpr qint64 napMs = 20;
 constexpr qint64 redrawEveryMs = 100;
 
 // One cell for each value; bits stand together.
-QVector<Reading> readingsOf(const Poller& poller, const AskedAddress& asked, ValueStyle style)
+QVector<Reading> readingsOf(const Poller& poller, const Tag& tag)
 {
+    const AskedAddress& asked = tag.asked;
     QVector<Reading> readings;
     if (asked.range.type.isBit() && !asked.isGroup) {
         for (const RegisterRange& part : asked.range.cut(bitsInCell)) {
             std::optional<ReplyVerdict> problem;
             for (int index = 0; index < part.count && !problem; ++index)
                 problem = poller.problemOf(part, index);
-            readings.append({part.text(), bitsText(poller.values(part)), std::nullopt,
-                             problem ? verdictName(*problem) : QString()});
+            readings.append({tag.name.isEmpty() ? part.text() : tag.name,
+                             bitsText(poller.values(part)), std::nullopt,
+                             problem ? verdictName(*problem) : QString(), std::nullopt});
         }
         return readings;
     }
-    for (const PolledValue& polled : polledValues(poller, asked, style)) {
+    for (const PolledValue& polled : polledValues(poller, tag)) {
         const QJsonValue& value = polled.value;
-        readings.append({polled.name, value.toVariant().toString(),
+        const QString unit =
+            polled.unit.isEmpty() || value.isUndefined() ? QString() : ' ' + polled.unit;
+        readings.append({polled.name, value.toVariant().toString() + unit,
                          value.isDouble() ? std::optional(value.toDouble()) : std::nullopt,
-                         polled.problem ? verdictName(*polled.problem) : QString()});
+                         polled.problem ? verdictName(*polled.problem) : QString(),
+                         polled.deadband});
     }
     return readings;
 }
@@ -80,7 +85,7 @@ private:
     QString m_toWrite;
     Connection* m_connection = nullptr;  // while it runs
     Poller* m_poller = nullptr;
-    QVector<AskedAddress> m_asked;
+    QVector<Tag> m_asked;
     PollResult m_lastCycle;
     int m_cycle = 0;
 };
@@ -92,8 +97,7 @@ ExitCode LiveWatch::run(const CommonOptions& common)
     settings.onLinkState = [this](const QString& state) { showLinkState(state); };
     Connection connection(settings);
     connection.waitForLinkWithoutEnd();
-    m_asked = askedOf(m_options.addresses, connection.catalogue());
-    needWholeValues(m_asked, m_options.style);
+    m_asked = askedOf(m_options.addresses, connection.services(), m_options.style);
     Poller poller(connection.loop(), connection.catalogue(), rangesOf(m_asked),
                   plannerFor(connection.loop(), settings, m_options.planning));
     m_connection = &connection;
@@ -144,8 +148,7 @@ void LiveWatch::wait(qint64 timeMs)
 void LiveWatch::write(const QString& assignment)
 {
     try {
-        const Assignment wanted =
-            parseAssignment(assignment, m_connection->catalogue(), m_options.style);
+        const TagWrite wanted = parseWrite(assignment, m_connection->services(), m_options.style);
         const RegisterRange& range = wanted.asked.range;
         requireOwnMemory(range, m_connection->catalogue());
         if (wanted.asked.bit && readBack(m_connection->loop(), range) != ReplyVerdict::Good)
@@ -177,9 +180,9 @@ void LiveWatch::showCycle(qint64 tookUs)
 {
     QVector<Reading> readings;
     m_lastCycle = {};
-    for (const AskedAddress& asked : m_asked)
-        readings += readingsOf(*m_poller, asked, m_options.style);
-    for (const PolledValue& polled : polledValues(*m_poller, m_asked, m_options.style))
+    for (const Tag& tag : m_asked)
+        readings += readingsOf(*m_poller, tag);
+    for (const PolledValue& polled : polledValues(*m_poller, m_asked))
         m_lastCycle.count(polled);
     m_view.update(readings, m_clock.elapsed(), m_options.deadband);
     ++m_cycle;

@@ -94,19 +94,22 @@ private:
 
 void Logger::addCycle(const QVector<PolledValue>& values)
 {
-    LogRow row{QDateTime::currentDateTime(), {}, errorsOf(values)};
+    LogRow row{QDateTime::currentDateTime(), {}, errorsOf(values), {}};
+    QVector<double> deadbands;
     m_lastCycle = {};
     for (const PolledValue& value : values) {
         m_lastCycle.count(value);
         row.values.append(value.value);
+        row.raws.append(value.tag.isEmpty() ? QJsonValue(QJsonValue::Undefined) : value.raw);
+        deadbands.append(value.deadband.value_or(m_options.deadband));
     }
-    if (!m_options.onlyChanges || !m_last || differs(row, *m_last, m_options.deadband))
+    if (!m_options.onlyChanges || !m_last || differs(row, *m_last, deadbands))
         add(row);
 }
 
 void Logger::addGap(const QString& reason)
 {
-    add({QDateTime::currentDateTime(), m_gap, reason});
+    add({QDateTime::currentDateTime(), m_gap, reason, {}});
 }
 
 void Logger::add(const LogRow& row)
@@ -118,11 +121,10 @@ void Logger::add(const LogRow& row)
 ExitCode logUntilStopped(Connection& connection, const CommonOptions& common,
                          const LogOptions& options)
 {
-    QVector<AskedAddress> asked = askedOf(options.addresses, connection.catalogue());
-    needWholeValues(asked, options.style);
+    const QVector<Tag> asked = askedOf(options.addresses, connection.services(), options.style);
     Poller poller(connection.loop(), connection.catalogue(), rangesOf(asked),
                   plannerFor(connection.loop(), connectionSettings(common), options.planning));
-    const auto values = [&] { return polledValues(poller, asked, options.style); };
+    const auto values = [&] { return polledValues(poller, asked); };
     QStringList names;
     for (const PolledValue& value : values())
         names += value.name;

@@ -137,7 +137,7 @@ ExitCode runMonitor(const CommonOptions& common, const MonitorOptions& options)
     connection.loop().onExchange = [&monitor](const Exchange& exchange) { monitor.show(exchange); };
     PlanCycle plan(connection.loop(),
                    plannerFor(connection.loop(), connectionSettings(common), options.planning));
-    plan.plan(rangesOf(options.addresses, connection.catalogue()));
+    plan.plan(rangesOf(options.addresses, connection.services()));
     return pollCycles(connection, plan, options.cycles);
 }
 

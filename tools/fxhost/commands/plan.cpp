@@ -184,7 +184,7 @@ ExitCode runPlan(const CommonOptions& common, const PlanOptions& options)
     CommonOptions withoutBaud = common;
     withoutBaud.link.baud = 0;
     const ConnectionSettings settings = connectionSettings(withoutBaud);
-    BothPlans plans(services, rangesOf(options.addresses, services.catalogue), settings.session);
+    BothPlans plans(services, rangesOf(options.addresses, services), settings.session);
     const PlanReport report = plans.report(lineOf(common, settings, options.turnaroundMs));
     if (!options.svg.empty()) {
         OutputFile file(QString::fromStdString(options.svg),

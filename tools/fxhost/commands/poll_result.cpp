@@ -3,7 +3,10 @@
 
 #include "tools/fxhost/commands/poll_result.h"
 
+#include "tools/library/values.h"
 #include "tools/quoted.h"
+
+#include <algorithm>
 
 namespace fxtools {
 
@@ -13,6 +16,15 @@ QJsonValue PolledValue::error() const
 }
 
 namespace {
+
+QVector<Table::Column> columnsOfValues(bool hasTags)
+{
+    const Table::Column type = {"type", Align::Left, true};
+    const Table::Column value = {"value", Align::Right};
+    if (!hasTags)
+        return {{"address"}, type, value, {"error"}};
+    return {{"tag"}, {"address"}, type, {"raw", Align::Right, true}, value, {"unit"}, {"error"}};
+}
 
 // The name of a format becomes its number, as enumerations are read.
 std::string numberOfFormat(std::string& text)
@@ -27,31 +39,54 @@ std::string numberOfFormat(std::string& text)
 
 }  // namespace
 
-QVector<PolledValue> polledValues(const Poller& poller, const AskedAddress& asked, ValueStyle style)
+QVector<PolledValue> polledValues(const Poller& poller, const Tag& tag)
 {
+    const AskedAddress& asked = tag.asked;
     const QVector<quint32> registers = poller.values(asked.range);
-    const int step = registersPerValue(asked, style);
+    const int step = registersPerValue(asked, tag.style);
     QVector<PolledValue> values;
     for (int index = 0; index < asked.range.count; index += step) {
         PolledValue polled;
+        polled.tag = tag.name;
+        polled.address = tag.style.format == ValueFormat::Text ? asked.text() : asked.nameOf(index);
+        polled.name = tag.name.isEmpty() ? polled.address : tag.name;
         polled.type = asked.range.type.name;
-        polled.name = style.format == ValueFormat::Text ? asked.text() : asked.nameOf(index);
+        polled.unit = tag.unit;
+        polled.deadband = tag.deadband;
         for (int part = index; part < index + step && !polled.problem; ++part)
             polled.problem = poller.problemOf(asked.range, part);
-        if (!polled.problem)
-            polled.value = valueOf(registers.mid(index, step), asked, style);
+        if (!polled.problem) {
+            polled.raw = tag.rawOf(registers.mid(index, step));
+            polled.value = tag.valueOf(polled.raw);
+        }
         values.append(polled);
     }
     return values;
 }
 
-QVector<PolledValue> polledValues(const Poller& poller, const QVector<AskedAddress>& asked,
-                                  ValueStyle style)
+QVector<PolledValue> polledValues(const Poller& poller, const QVector<Tag>& asked)
 {
     QVector<PolledValue> values;
-    for (const AskedAddress& address : asked)
-        values += polledValues(poller, address, style);
+    for (const Tag& tag : asked)
+        values += polledValues(poller, tag);
     return values;
+}
+
+ValueRecords::ValueRecords(const OutputOptions& output, const QVector<Tag>& asked,
+                           Records::Shown shown)
+    : m_hasTags(std::any_of(asked.begin(), asked.end(),
+                            [](const Tag& tag) { return !tag.name.isEmpty(); })),
+      m_records(output, columnsOfValues(m_hasTags), shown)
+{}
+
+void ValueRecords::add(const PolledValue& polled)
+{
+    if (m_hasTags)
+        m_records.add({textOrNothing(polled.tag), polled.address, polled.type,
+                       polled.tag.isEmpty() ? QJsonValue(QJsonValue::Undefined) : polled.raw,
+                       polled.value, textOrNothing(polled.unit), polled.error()});
+    else
+        m_records.add({polled.address, polled.type, polled.value, polled.error()});
 }
 
 void addFormatOption(CLI::App& command, ValueStyle& style)
@@ -63,19 +98,6 @@ void addFormatOption(CLI::App& command, ValueStyle& style)
         ->type_name("FORMAT")
         ->transform(CLI::Validator(numberOfFormat, ""));
     command.add_flag("--swap", style.swap, "Values of two words: the high word comes first");
-}
-
-void needWholeValues(QVector<AskedAddress>& asked, ValueStyle style)
-{
-    for (AskedAddress& address : asked) {
-        widen(address, style);
-        if (address.range.count % registersPerValue(address, style) != 0) {
-            throw Failure(ExitCode::Usage,
-                          address.range.text() +
-                              ": each value takes two words, so the number of words must be even");
-        }
-        address.range.together = registersPerValue(address, style);
-    }
 }
 
 void PollResult::count(const PolledValue& polled)

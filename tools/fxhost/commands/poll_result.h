@@ -8,32 +8,45 @@
 
 #include "tools/exchange/poller.h"
 #include "tools/fxhost/commands/connection.h"
-#include "tools/library/addresses.h"
-#include "tools/library/values.h"
+#include "tools/fxhost/views/records.h"
+#include "tools/tags/tag.h"
 
 namespace fxtools {
 
 struct PolledValue
 {
-    QString name;
-    QString type;                              // of the register
-    QJsonValue value = QJsonValue::Undefined;  // undefined if it was not read
+    QString name;     // of the tag, or the address
+    QString tag;      // empty: asked for by its address
+    QString address;  // as it was asked for
+    QString type;     // of the register
+    QString unit;
+    std::optional<double> deadband;            // of the tag
+    QJsonValue raw = QJsonValue::Undefined;    // undefined if it was not read
+    QJsonValue value = QJsonValue::Undefined;  // scaled
     std::optional<ReplyVerdict> problem;
 
     QJsonValue error() const;  // the problem's text, or undefined
 };
 
-QVector<PolledValue> polledValues(const Poller& poller, const AskedAddress& asked,
-                                  ValueStyle style);
-QVector<PolledValue> polledValues(const Poller& poller, const QVector<AskedAddress>& asked,
-                                  ValueStyle style);
+QVector<PolledValue> polledValues(const Poller& poller, const Tag& tag);
+QVector<PolledValue> polledValues(const Poller& poller, const QVector<Tag>& asked);
+
+// Values as records: where tags were asked for also with their names, raw values and units.
+class ValueRecords
+{
+public:
+    ValueRecords(const OutputOptions& output, const QVector<Tag>& asked, Records::Shown shown);
+
+    void add(const PolledValue& polled);
+    void finish() { m_records.finish(); }
+
+private:
+    bool m_hasTags;
+    Records m_records;
+};
 
 // --as FORMAT and --swap
 void addFormatOption(CLI::App& command, ValueStyle& style);
-
-// Takes two words where one address names a value of two. Throws Failure if a value would reach
-// past the end of a range.
-void needWholeValues(QVector<AskedAddress>& asked, ValueStyle style);
 
 class PollResult
 {

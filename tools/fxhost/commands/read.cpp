@@ -19,10 +19,10 @@ struct ReadOptions
 };
 
 // A value that is not the register's own is no value.
-void tellAliases(const QVector<AskedAddress>& asked, const RegisterCatalogue& catalogue)
+void tellAliases(const QVector<Tag>& asked, const RegisterCatalogue& catalogue)
 {
-    for (const AskedAddress& address : asked) {
-        if (const std::optional<Alias> alias = catalogue.aliasIn(address.range))
+    for (const RegisterRange& range : rangesOf(asked)) {
+        if (const std::optional<Alias> alias = catalogue.aliasIn(range))
             complain(alias->text());
     }
 }
@@ -30,8 +30,7 @@ void tellAliases(const QVector<AskedAddress>& asked, const RegisterCatalogue& ca
 ExitCode runRead(const CommonOptions& common, const ReadOptions& options)
 {
     Connection connection(common);
-    QVector<AskedAddress> asked = askedOf(options.addresses, connection.catalogue());
-    needWholeValues(asked, options.style);
+    const QVector<Tag> asked = askedOf(options.addresses, connection.services(), options.style);
     tellAliases(asked, connection.catalogue());
     Poller poller(connection.loop(), connection.catalogue(), rangesOf(asked),
                   plannerFor(connection.loop(), connectionSettings(common), options.planning));
@@ -45,12 +44,11 @@ ExitCode runRead(const CommonOptions& common, const ReadOptions& options)
         complain(QStringLiteral("interrupted before everything was read"));
         return ExitCode::Interrupted;
     }
-    Records records(common.output,
-                    {{"address"}, {"type", Align::Left, true}, {"value", Align::Right}, {"error"}});
+    ValueRecords records(common.output, asked, Records::Shown::AtTheEnd);
     PollResult result;
-    for (const PolledValue& polled : polledValues(poller, asked, options.style)) {
+    for (const PolledValue& polled : polledValues(poller, asked)) {
         result.count(polled);
-        records.add({polled.name, polled.type, polled.value, polled.error()});
+        records.add(polled);
     }
     records.finish();
     return result.exitCode();

@@ -149,7 +149,7 @@ ExitCode runUpload(const CommonOptions& common, const UploadOptions& options)
     Connection connection(common);
     OutputFile file(options.file.name(), options.file.mode(), connection.catalogue());
     const QVector<RegisterRange> entries =
-        cutToFrames(rangesOf(options.addresses, connection.catalogue()),
+        cutToFrames(rangesOf(options.addresses, connection.services()),
                     connection.session().settings().wordsPerFrame);
     needWords(entries);
     const OutputOptions output = besides(options.file, common.output);

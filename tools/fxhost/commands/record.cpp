@@ -26,7 +26,7 @@ ExitCode runRecord(const CommonOptions& common, const RecordOptions& options)
 {
     Connection connection(common);
     OutputFile file(options.file.name(), options.file.mode(), connection.catalogue());
-    const QVector<RegisterRange> ranges = rangesOf(options.addresses, connection.catalogue());
+    const QVector<RegisterRange> ranges = rangesOf(options.addresses, connection.services());
     QStringList addresses;
     for (const RegisterRange& range : ranges)
         addresses += range.text();

@@ -72,7 +72,7 @@ ExitCode runStats(const CommonOptions& common, const StatsOptions& options)
 {
     Connection connection(common);
     ExchangeLoop& loop = connection.loop();
-    const QVector<RegisterRange> asked = rangesOf(options.addresses, connection.catalogue());
+    const QVector<RegisterRange> asked = rangesOf(options.addresses, connection.services());
     QVector<BlockTimes> blocks;
     const Progress progress = lateProgressOf(common.output, QStringLiteral("stats"));
     PlanCycle plan(loop, plannerFor(loop, connectionSettings(common), options.planning));

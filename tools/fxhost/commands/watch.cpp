@@ -17,10 +17,8 @@ namespace {
 class Watcher
 {
 public:
-    Watcher(const WatchOptions& options, const OutputOptions& output)
-        : m_options(options),
-          m_changes(output, {{"address"}, {"type", Align::Left, true}, {"value"}, {"error"}},
-                    Records::Shown::AtOnce)
+    Watcher(const WatchOptions& options, const OutputOptions& output, const QVector<Tag>& asked)
+        : m_options(options), m_changes(output, asked, Records::Shown::AtOnce)
     {}
 
     void show(const QVector<PolledValue>& values);
@@ -30,7 +28,7 @@ private:
     bool isNew(const PolledValue& polled) const;
 
     const WatchOptions& m_options;
-    Records m_changes;
+    ValueRecords m_changes;
     QHash<QString, PolledValue> m_shown;
     PollResult m_lastCycle;
 };
@@ -42,7 +40,7 @@ void Watcher::show(const QVector<PolledValue>& values)
         m_lastCycle.count(polled);
         if (!isNew(polled))
             continue;
-        m_changes.add({polled.name, polled.type, polled.value, polled.error()});
+        m_changes.add(polled);
         m_shown.insert(polled.name, polled);
     }
 }
@@ -52,7 +50,8 @@ bool Watcher::isNew(const PolledValue& polled) const
     const auto found = m_shown.constFind(polled.name);
     if (found == m_shown.constEnd() || found->problem != polled.problem)
         return true;
-    return !polled.problem && differs(polled.value, found->value, m_options.deadband);
+    return !polled.problem &&
+           differs(polled.value, found->value, polled.deadband.value_or(m_options.deadband));
 }
 
 ExitCode runWatch(const CommonOptions& common, const WatchOptions& options)
@@ -63,14 +62,13 @@ ExitCode runWatch(const CommonOptions& common, const WatchOptions& options)
         return runLiveWatch(common, options);
     Connection connection(common);
     connection.waitForLinkWithoutEnd();
-    QVector<AskedAddress> asked = askedOf(options.addresses, connection.catalogue());
-    needWholeValues(asked, options.style);
+    const QVector<Tag> asked = askedOf(options.addresses, connection.services(), options.style);
     Poller poller(connection.loop(), connection.catalogue(), rangesOf(asked),
                   plannerFor(connection.loop(), connectionSettings(common), options.planning));
-    Watcher watcher(options, common.output);
+    Watcher watcher(options, common.output, asked);
     const RoundEnd end =
         pollEvery(options.intervalMs, options.once ? 1 : options.cycles, connection.loop(), poller,
-                  [&] { watcher.show(polledValues(poller, asked, options.style)); });
+                  [&] { watcher.show(polledValues(poller, asked)); });
     if (end != RoundEnd::Done)
         return exitCodeOf(verdictOf(end));
     return watcher.exitCode();

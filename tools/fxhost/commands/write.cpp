@@ -28,7 +28,7 @@ struct WriteOptions
 };
 
 // Only values: the address is given by options.
-Assignment assignmentByLetters(const WriteOptions& options, const RegisterCatalogue& catalogue)
+TagWrite writeByLetters(const WriteOptions& options, const AddressServices& services)
 {
     QStringList values;
     for (const std::string& value : options.assignments) {
@@ -36,25 +36,25 @@ Assignment assignmentByLetters(const WriteOptions& options, const RegisterCatalo
         if (values.last().contains('='))
             throw Failure(ExitCode::Usage, quoted(values.last()) + ": with -r give only values");
     }
-    return assignmentOf(addressOfLetters(options.address), values.join(','), catalogue,
-                        options.style);
+    const Assignment assignment = assignmentOf(addressOfLetters(options.address), values.join(','),
+                                               services.catalogue, options.style);
+    return {assignment, untagged(assignment.asked, options.style)};
 }
 
-QVector<Assignment> assignmentsOf(const WriteOptions& options, const RegisterCatalogue& catalogue)
+QVector<TagWrite> writesOf(const WriteOptions& options, const AddressServices& services)
 {
-    QVector<Assignment> assignments;
+    QVector<TagWrite> writes;
     if (options.address.byLetters()) {
-        assignments.append(assignmentByLetters(options, catalogue));
+        writes.append(writeByLetters(options, services));
     } else {
         for (const std::string& text : options.assignments)
-            assignments.append(
-                parseAssignment(QString::fromStdString(text), catalogue, options.style));
+            writes.append(parseWrite(QString::fromStdString(text), services, options.style));
     }
-    for (const Assignment& assignment : assignments) {
+    for (const TagWrite& write : writes) {
         if (!options.force)
-            requireOwnMemory(assignment.asked.range, catalogue);
+            requireOwnMemory(write.asked.range, services.catalogue);
     }
-    return assignments;
+    return writes;
 }
 
 bool mayGoOn(ReplyVerdict problem)
@@ -69,39 +69,48 @@ struct Result
     bool mayGoOn = true;
 };
 
+QVector<Table::Column> columnsFor(bool hasTags)
+{
+    const Table::Column type = {"type", Align::Left, true};
+    if (!hasTags)
+        return {{"address"}, type, {"old"}, {"new"}, {"result"}};
+    return {{"tag"}, {"address"}, type, {"old"}, {"new"}, {"unit"}, {"result"}};
+}
+
 class Writer
 {
 public:
-    Writer(Connection& connection, const WriteOptions& options, const OutputOptions& output)
-        : m_connection(connection), m_options(options), m_mode(output.mode),
-          m_records(output,
-                    {{"address"}, {"type", Align::Left, true}, {"old"}, {"new"}, {"result"}})
+    Writer(Connection& connection, const WriteOptions& options, const OutputOptions& output,
+           bool hasTags)
+        : m_connection(connection), m_options(options), m_mode(output.mode), m_hasTags(hasTags),
+          m_records(output, columnsFor(hasTags))
     {}
 
     // Returns whether to continue with the next assignment.
-    bool write(const Assignment& assignment);
-    void skip(const Assignment& assignment);
+    bool write(const TagWrite& assignment);
+    void skip(const TagWrite& assignment);
     ExitCode finish();
 
 private:
-    Result resultOf(const Assignment& assignment, QVector<quint32>& before);
-    Result verified(const Assignment& assignment, const QVector<quint32>& wanted,
+    Result resultOf(const TagWrite& assignment, QVector<quint32>& before);
+    Result verified(const TagWrite& assignment, const QVector<quint32>& wanted,
                     const WriteOutcome& outcome);
-    QJsonArray valuesOf(const Assignment& assignment, const QVector<quint32>& registers) const;
-    QString valuesText(const Assignment& assignment, const QVector<quint32>& registers) const;
-    QJsonValue shown(const Assignment& assignment, const QVector<quint32>& registers,
+    QJsonArray valuesOf(const TagWrite& assignment, const QVector<quint32>& registers) const;
+    QString valuesText(const TagWrite& assignment, const QVector<quint32>& registers) const;
+    QJsonValue shown(const TagWrite& assignment, const QVector<quint32>& registers,
                      const QString& text) const;
-    void report(const Assignment& assignment, const QVector<quint32>& before, const Result& result);
+    void report(const TagWrite& assignment, const QVector<quint32>& before, const Result& result);
 
     Connection& m_connection;
     const WriteOptions& m_options;
     OutputMode m_mode;
+    bool m_hasTags;
     Records m_records;
     int m_good = 0;
     std::optional<ExitCode> m_firstFailure;
 };
 
-bool Writer::write(const Assignment& assignment)
+bool Writer::write(const TagWrite& assignment)
 {
     QVector<quint32> before;
     const Result result = resultOf(assignment, before);
@@ -110,7 +119,7 @@ bool Writer::write(const Assignment& assignment)
 }
 
 // A register that cannot be read may still be written; a PLC that does not answer is not asked to.
-Result Writer::resultOf(const Assignment& assignment, QVector<quint32>& before)
+Result Writer::resultOf(const TagWrite& assignment, QVector<quint32>& before)
 {
     const RegisterRange& range = assignment.asked.range;
     if (m_options.verify || assignment.asked.bit) {
@@ -132,7 +141,7 @@ Result Writer::resultOf(const Assignment& assignment, QVector<quint32>& before)
 }
 
 // What was written, as the PLC holds it now: that also settles what an unanswered write did.
-Result Writer::verified(const Assignment& assignment, const QVector<quint32>& wanted,
+Result Writer::verified(const TagWrite& assignment, const QVector<quint32>& wanted,
                         const WriteOutcome& outcome)
 {
     const RegisterRange& range = assignment.asked.range;
@@ -158,16 +167,16 @@ Result Writer::verified(const Assignment& assignment, const QVector<quint32>& wa
             code};
 }
 
-QJsonArray Writer::valuesOf(const Assignment& assignment, const QVector<quint32>& registers) const
+QJsonArray Writer::valuesOf(const TagWrite& assignment, const QVector<quint32>& registers) const
 {
     QJsonArray values;
     for (int index = 0; index < registers.size(); index += assignment.registersEach)
-        values.append(valueOf(registers.mid(index, assignment.registersEach), assignment.asked,
-                              m_options.style));
+        values.append(assignment.tag.valueOf(
+            assignment.tag.rawOf(registers.mid(index, assignment.registersEach))));
     return values;
 }
 
-QString Writer::valuesText(const Assignment& assignment, const QVector<quint32>& registers) const
+QString Writer::valuesText(const TagWrite& assignment, const QVector<quint32>& registers) const
 {
     QStringList texts;
     for (const QVariant& value : valuesOf(assignment, registers).toVariantList())
@@ -176,7 +185,7 @@ QString Writer::valuesText(const Assignment& assignment, const QVector<quint32>&
 }
 
 // For programs as `read` has it: a value, or an array of them.
-QJsonValue Writer::shown(const Assignment& assignment, const QVector<quint32>& registers,
+QJsonValue Writer::shown(const TagWrite& assignment, const QVector<quint32>& registers,
                          const QString& text) const
 {
     if (m_mode != OutputMode::Json)
@@ -185,19 +194,28 @@ QJsonValue Writer::shown(const Assignment& assignment, const QVector<quint32>& r
     return values.size() == 1 ? values[0] : QJsonValue(values);
 }
 
-void Writer::skip(const Assignment& assignment)
+void Writer::skip(const TagWrite& assignment)
 {
     report(assignment, {}, {QStringLiteral("not written"), ExitCode::SomeFailed});
 }
 
-void Writer::report(const Assignment& assignment, const QVector<quint32>& before,
+void Writer::report(const TagWrite& assignment, const QVector<quint32>& before,
                     const Result& result)
 {
     const QVector<quint32> wanted = assignment.valuesOver(before);
-    m_records.add({assignment.asked.text(), assignment.asked.range.type.name,
-                   before.isEmpty() ? QJsonValue(QJsonValue::Undefined)
-                                    : shown(assignment, before, valuesText(assignment, before)),
-                   shown(assignment, wanted, assignment.written), result.text});
+    const Tag& tag = assignment.tag;
+    const QJsonValue old = before.isEmpty()
+                               ? QJsonValue(QJsonValue::Undefined)
+                               : shown(assignment, before, valuesText(assignment, before));
+    const QJsonValue written =
+        shown(assignment, wanted,
+              tag.name.isEmpty() ? assignment.written : valuesText(assignment, wanted));
+    const QString& type = assignment.asked.range.type.name;
+    if (m_hasTags)
+        m_records.add({textOrNothing(tag.name), assignment.asked.text(), type, old, written,
+                       textOrNothing(tag.unit), result.text});
+    else
+        m_records.add({assignment.asked.text(), type, old, written, result.text});
     if (result.code == ExitCode::Good)
         ++m_good;
     else if (!m_firstFailure || result.code == ExitCode::Interrupted)
@@ -218,10 +236,13 @@ ExitCode runWrite(const CommonOptions& common, const WriteOptions& options)
     demandNamedLink(common);
     Connection connection(common);
     // All of them are checked before the first one is sent.
-    const QVector<Assignment> assignments = assignmentsOf(options, connection.catalogue());
-    Writer writer(connection, options, common.output);
+    const QVector<TagWrite> assignments = writesOf(options, connection.services());
+    const bool hasTags =
+        std::any_of(assignments.begin(), assignments.end(),
+                    [](const TagWrite& write) { return !write.tag.name.isEmpty(); });
+    Writer writer(connection, options, common.output, hasTags);
     bool goOn = true;
-    for (const Assignment& assignment : assignments) {
+    for (const TagWrite& assignment : assignments) {
         if (goOn)
             goOn = writer.write(assignment);
         else

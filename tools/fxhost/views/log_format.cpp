@@ -17,12 +17,12 @@ bool differs(const QJsonValue& value, const QJsonValue& before, double deadband)
     return value != before;
 }
 
-bool differs(const LogRow& row, const LogRow& before, double deadband)
+bool differs(const LogRow& row, const LogRow& before, const QVector<double>& deadbands)
 {
     if (row.error != before.error)
         return true;
     for (int column = 0; column < row.values.size(); ++column) {
-        if (differs(row.values[column], before.values[column], deadband))
+        if (differs(row.values[column], before.values[column], deadbands.value(column)))
             return true;
     }
     return false;
@@ -50,8 +50,15 @@ QByteArray LogFormat::jsonLine(const LogRow& row) const
     QVector<JsonMember> values;
     for (int column = 0; column < m_names.size(); ++column)
         values.append({m_names[column], jsonText(row.values[column])});
+    QVector<JsonMember> raws;
+    for (int column = 0; column < row.raws.size(); ++column) {
+        if (!row.raws[column].isUndefined())
+            raws.append({m_names[column], jsonText(row.raws[column])});
+    }
     QVector<JsonMember> members = {{"time", jsonText(isoTime(row.time))},
                                    {"values", jsonObject(values)}};
+    if (!raws.isEmpty())
+        members.append({"raw", jsonObject(raws)});
     if (!row.error.isEmpty())
         members.append({"error", jsonText(row.error)});
     return jsonObject(members + m_output.plc) + '\n';

@@ -13,13 +13,14 @@ namespace fxtools {
 struct LogRow
 {
     QDateTime time;
-    QVector<QJsonValue> values;  // undefined: not read
-    QString error;               // empty if all were read
+    QVector<QJsonValue> values;     // undefined: not read
+    QString error;                  // empty if all were read
+    QVector<QJsonValue> raws = {};  // of tags; undefined for others
 };
 
 // Whether a row has other values than the one before it, or another error. Numbers that differ by
-// `deadband` or less are the same.
-bool differs(const LogRow& row, const LogRow& before, double deadband);
+// the deadband of their column or less are the same.
+bool differs(const LogRow& row, const LogRow& before, const QVector<double>& deadbands);
 
 // The same for one value.
 bool differs(const QJsonValue& value, const QJsonValue& before, double deadband);

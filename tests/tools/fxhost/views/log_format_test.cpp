@@ -23,6 +23,11 @@ LogRow rowOf(const QVector<QJsonValue>& values, const QString& error = {})
     return {timeAt(1), values, error};
 }
 
+QVector<double> deadbands(double each)
+{
+    return {each, each, each};
+}
+
 std::string lineOf(OutputMode mode, const LogRow& row)
 {
     OutputOptions output;
@@ -68,16 +73,21 @@ TEST(LogFormat, JsonKeepsTheOrderOfTheColumns)
               R"("values":{"D0":null,"TV3":1,"X17":null},"error":"link lost",)"
               R"("link":"sim:","station":1})"
               "\n");
+    LogRow row = rowOf({0.5, 12, 1});
+    row.raws = {unread, unread, 120};
+    EXPECT_NE(lineOf(OutputMode::Json, row).find(R"("X17":1},"raw":{"X17":120},"link")"),
+              std::string::npos);
 }
 
 TEST(LogFormat, AChangeIsWhatExceedsTheDeadband)
 {
     const LogRow before = rowOf({10, "0x1F", 1});
-    EXPECT_FALSE(differs(rowOf({10, "0x1F", 1}), before, 0));
-    EXPECT_TRUE(differs(rowOf({11, "0x1F", 1}), before, 0));
-    EXPECT_FALSE(differs(rowOf({12, "0x1F", 1}), before, 2));
-    EXPECT_TRUE(differs(rowOf({7, "0x1F", 1}), before, 2));
-    EXPECT_TRUE(differs(rowOf({10, "0x20", 1}), before, 2)) << "a text has no distance";
-    EXPECT_TRUE(differs(rowOf({unread, "0x1F", 1}), before, 99));
-    EXPECT_TRUE(differs(rowOf({10, "0x1F", 1}, "link lost"), before, 99));
+    EXPECT_FALSE(differs(rowOf({10, "0x1F", 1}), before, deadbands(0)));
+    EXPECT_TRUE(differs(rowOf({11, "0x1F", 1}), before, deadbands(0)));
+    EXPECT_FALSE(differs(rowOf({12, "0x1F", 1}), before, deadbands(2)));
+    EXPECT_TRUE(differs(rowOf({7, "0x1F", 1}), before, deadbands(2)));
+    EXPECT_TRUE(differs(rowOf({10, "0x20", 1}), before, deadbands(2))) << "a text has no distance";
+    EXPECT_TRUE(differs(rowOf({unread, "0x1F", 1}), before, deadbands(99)));
+    EXPECT_TRUE(differs(rowOf({11, "0x1F", 3}), before, {0.5, 0, 5})) << "each has its own";
+    EXPECT_TRUE(differs(rowOf({10, "0x1F", 1}, "link lost"), before, deadbands(99)));
 }

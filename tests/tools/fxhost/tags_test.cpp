@@ -1,0 +1,166 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// Names in the place of addresses, over a real link: what is read, written and refused by them.
+
+#include "tests/tools/support/programs.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <gtest/gtest.h>
+
+using namespace tool_tests;
+
+namespace {
+
+const char* const tagFile = "name,address,type,scale,unit,deadband,access,min,max,link\n"
+                            "boiler.temperature,D0,,0.1,°C,0.5,ro,,,\n"
+                            "boiler.setpoint,D1,,0.1,°C,,,10,80,\n"
+                            "boiler.flow,D2,float,,l/min,,,,,\n"
+                            "pump,M10,,,,,,,,\n"
+                            "product,D10:4,text,,,,,,,\n"
+                            "other,D20,,,,,,,,press2\n";
+
+class NamedTags : public testing::Test
+{
+protected:
+    Ended run(const QStringList& arguments)
+    {
+        return fxhost(QStringList{"--link", plc.link(), "--tags", file} + arguments);
+    }
+
+    std::string errorOf(const QStringList& arguments)
+    {
+        const Ended ended = run(arguments);
+        EXPECT_EQ(ended.code, 2) << testing::PrintToString(ended);
+        return ended.err;
+    }
+
+    RunningSimulator plc{Road::PseudoTerminal, {"--baud", "0", "--program", "none"}};
+    QTemporaryDir folder;
+    const QString file = newFile(folder, "tags.csv", tagFile);
+};
+
+}  // namespace
+
+TEST_F(NamedTags, AreReadWithTheirUnits)
+{
+    plc.command("poke D0 715");
+    EXPECT_EQ(run({"read", "boiler.temperature", "D0"}).out,
+              "  tag                 address  value  unit\n"
+              "  boiler.temperature  D0        71.5  °C\n"
+              "                      D0         715\n");
+    EXPECT_EQ(run({"read", "boiler.temperature", "D0", "--csv"}).out,
+              "tag,address,value,unit,error\nboiler.temperature,D0,71.5,°C,\n,D0,715,,\n");
+    const Ended json = run({"read", "boiler.temperature", "--json"});
+    EXPECT_TRUE(holds(json.out,
+                      R"({"tag":"boiler.temperature","address":"D0","type":"D","raw":715,)"
+                      R"("value":71.5,"unit":"°C","link")"))
+        << json.out;
+}
+
+TEST_F(NamedTags, AreFoundByPatterns)
+{
+    const Ended ended = run({"read", "boiler.*,p*[pt]", "--csv", "-q"});
+    EXPECT_EQ(ended.out, "boiler.temperature,D0,0,°C,\nboiler.setpoint,D1,0,°C,\n"
+                         "boiler.flow,D2,0,l/min,\npump,M10,0,,\nproduct,D10:4,,,\n");
+    EXPECT_EQ(errorOf({"read", "boiler.setpiont"}),
+              "fxhost: unknown tag 'boiler.setpiont'; did you mean 'boiler.setpoint'?\n");
+    EXPECT_EQ(errorOf({"read", "b?iler"}), "fxhost: unknown tag 'b?iler'\n");
+    EXPECT_EQ(errorOf({"write", "boiler.*=5"}),
+              "fxhost: 'boiler.*' is a pattern; write one tag at a time\n");
+}
+
+TEST_F(NamedTags, AreWrittenScaledAndReadBack)
+{
+    const Ended ended =
+        run({"write", "boiler.setpoint=71.54", "boiler.flow=2.5", "pump=on", "product=ab,=1"});
+    EXPECT_EQ(ended.out, "  tag              address  old  new    unit   result\n"
+                         "  boiler.setpoint  D1       0    71.5   °C     verified\n"
+                         "  boiler.flow      D2:2     0    2.5    l/min  verified\n"
+                         "  pump             M10      0    1             verified\n"
+                         "  product          D10:4         ab,=1         verified\n")
+        << ended.err;
+    EXPECT_EQ(plc.command("peek D1").toStdString(), "D1: 715\n");
+    const Ended json = run({"write", "boiler.setpoint=12", "--json"});
+    EXPECT_TRUE(holds(json.out, R"({"tag":"boiler.setpoint","address":"D1","type":"D","old":71.5,)"
+                                R"("new":12,"unit":"°C","result":"verified","link")"))
+        << json.out;
+}
+
+// Nothing is sent if one of the values is wrong.
+TEST_F(NamedTags, AreNotWrittenBeyondTheirLimits)
+{
+    EXPECT_EQ(errorOf({"write", "D5=7", "boiler.setpoint=80.1"}),
+              "fxhost: 'boiler.setpoint=80.1' is above the maximum of 80 °C\n");
+    EXPECT_EQ(errorOf({"write", "D5=7", "boiler.setpoint=9.99"}),
+              "fxhost: 'boiler.setpoint=9.99' is below the minimum of 10 °C\n");
+    EXPECT_EQ(errorOf({"write", "D5=7", "boiler.temperature=50"}),
+              "fxhost: 'boiler.temperature=50' is not written: the tag is read-only\n");
+    EXPECT_EQ(plc.command("peek D5").toStdString(), "D5: 0\n");
+}
+
+TEST_F(NamedTags, AreLoggedWithTheirOwnDeadbands)
+{
+    const Ended ended = run({"log", "boiler.temperature", "D1", "-n", "1", "--json"});
+    EXPECT_TRUE(holds(ended.out, R"("values":{"boiler.temperature":0,"D1":0},)"
+                                 R"("raw":{"boiler.temperature":0},"link")"))
+        << ended.out;
+    const Ended watched = run({"watch", "boiler.temperature", "--log", "--once"});
+    EXPECT_TRUE(holds(watched.out, "boiler.temperature  D0  0  °C\n")) << watched.out;
+}
+
+TEST_F(NamedTags, HaveAllMistakesOfTheirFileTold)
+{
+    const QString wrong = newFile(folder, "wrong.csv", "name,address\na,D9999\nb b,D1\n");
+    const Ended ended = fxhost({"--tags", wrong, "read", "a"});
+    EXPECT_EQ(ended.code, 7);
+    EXPECT_TRUE(holds(ended.err, "wrong.csv, line 2, column address: 'D9999' is out of range"));
+    EXPECT_TRUE(holds(ended.err, "wrong.csv, line 3, column name: 'b b' is not a name"));
+    EXPECT_EQ(fxhost({"--tags", wrong, "read", "D0"}).code, 0) << "only names need the file";
+    EXPECT_EQ(fxhost({"--tags", "none.csv", "read", "a"}).err,
+              "fxhost: none.csv: No such file or directory\n");
+}
+
+// The link column names a PLC of the configuration.
+TEST_F(NamedTags, BelongToTheirPlc)
+{
+    const QString configuration =
+        newFile(folder, "config.toml",
+                QString("tags = 'tags.csv'\n[plc.press1]\nlink = '%1'\n[plc.press2]\nlink = '%1'\n")
+                    .arg(plc.link())
+                    .toUtf8());
+    const auto read = [&](const char* name, const char* tags) {
+        return fxhost({"--config", configuration, "--plc", name, "read", tags, "--csv", "-q"});
+    };
+    EXPECT_EQ(read("press1", "p*").out, "pump,M10,0,,\nproduct,D10:4,,,\n");
+    EXPECT_EQ(read("press2", "other").out, "other,D20,0,,\n");
+    EXPECT_EQ(read("press1", "other").err,
+              "fxhost: other is a tag of another PLC; use --plc press2\n");
+}
+
+// D3 and D4 change together a thousand times a second. A frame holds four words, so the cheapest
+// two would be D0 to D3 and D4 to D7, with halves of different values.
+TEST(TagsOfSeveralWords, AreNeverTorn)
+{
+    QTemporaryDir folder;
+    const QString program = newFile(folder, "together.json",
+                                    "{\"steps\": [{\"every\": 1, \"add\": \"D3\"},"
+                                    "{\"every\": 1, \"add\": \"D4\"}]}");
+    const QString tags =
+        newFile(folder, "tags.csv", "name,address,type\na,D0,\npair,D3,long\nd,D7,\n");
+    RunningSimulator plc(Road::PseudoTerminal, {"--baud", "115200", "--program", program});
+    const Ended ended = fxhost({"--link", plc.link(), "--words", "4", "--tags", tags, "log", "*",
+                                "--json", "-l", "0", "-n", "100"});
+    EXPECT_EQ(ended.code, 0) << ended.err;
+    int values = 0;
+    for (const QString& line : QString::fromStdString(ended.out).split('\n', Qt::SkipEmptyParts)) {
+        const QJsonObject row = QJsonDocument::fromJson(line.toUtf8()).object();
+        const qint64 pair = row["values"].toObject()["pair"].toVariant().toLongLong();
+        EXPECT_EQ(pair % 65537, 0) << pair;
+        values += pair > 0 ? 1 : 0;
+    }
+    EXPECT_GT(values, 50);
+}
