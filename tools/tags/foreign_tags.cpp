@@ -80,8 +80,8 @@ class Importer
 public:
     explicit Importer(const QStringList& titles) : m_titles(titles) {}
 
-    void addScada(const CsvRow& row);
-    void addComment(const CsvRow& row);
+    void addScada(const CsvRow& csv);
+    void addComment(const CsvRow& csv);
     TagFile finish(const CsvRow& titles, const RegisterCatalogue& catalogue);
 
 private:
@@ -324,12 +324,9 @@ ExportedTags exportTags(const QVector<Tag>& tags, ForeignForm form,
         back.insert(tag.name, tag);
     for (const Tag& tag : tags) {
         const QStringList lost = differences(tag, back.value(tag.name));
+        const QString text = tag.name + " is without its " + lost.join(QStringLiteral(", "));
         if (!lost.isEmpty())
-            exported.remarks.append(
-                {TagRemark::Kind::Warning,
-                 tag.line,
-                 {},
-                 tag.name + " is without its " + lost.join(QStringLiteral(", "))});
+            exported.remarks.append({TagRemark::Kind::Warning, tag.line, {}, text});
     }
     return exported;
 }
