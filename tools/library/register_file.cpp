@@ -67,6 +67,10 @@ bool Reader::isTitle(const CsvRow& row)
     m_columns.value = titles.indexOf(QStringLiteral("value"), m_columns.address);
     if (m_columns.value < 0)
         throw Failure(ExitCode::File, QStringLiteral("no column 'value' after 'address'"));
+    if (titles.contains(QLatin1String("tag")))
+        throw Failure(ExitCode::File,
+                      QStringLiteral("values of tags are scaled; read the registers "
+                                     "by their addresses"));
     return true;
 }
 

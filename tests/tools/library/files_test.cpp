@@ -265,6 +265,8 @@ TEST_F(RegisterFiles, NamesTheLineOfAMistake)
         {"D0.5,1\n", ", line 1: 'D0.5,1': expected one register"},
         {"D8000,1\nD0,1\n# twice\nSD8000,2\n", ", line 4: SD8000 is already in line 1"},
         {"address,error\nD0,1\n", ", line 1: no column 'value' after 'address'"},
+        {"tag,address,value\nt,D0,1\n",
+         ", line 1: values of tags are scaled; read the registers by their addresses"},
         {"D0,1\nD9999,1\n",
          ", line 2: 'D9999' is out of range: D0 to D7999 or D8000 to D8255 in decimal"},
         {"a line of more than forty characters, which is cut in the message\n",
