@@ -1,15 +1,31 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// Polling cycle after cycle, for the commands that do nothing else.
+// Polling cycle after cycle, and how what is asked for is cut into blocks: --plan and --turnaround.
 
 #pragma once
 
 #include "tools/exchange/poller.h"
 #include "tools/fxhost/commands/connection.h"
 #include "tools/link/interrupt.h"
+#include "tools/tags/shortest_plan.h"
 
 namespace fxtools {
+
+struct PlanningOptions
+{
+    bool isGiven = false;      // the driver's own plan
+    double turnaroundMs = -1;  // below 0: as measured
+};
+
+void addPlanningOptions(CLI::App& command, PlanningOptions& options);
+void addTurnaroundOption(CLI::App& command, double& turnaroundMs, const std::string& unlessGiven);
+
+// The speed of a line; the usual one where only the other end knows it.
+int baudOf(const LinkSettings& link);
+
+Planner plannerFor(ExchangeLoop& loop, const ConnectionSettings& settings,
+                   const PlanningOptions& options);
 
 // -n,--count with `cycles` as its default. At 0, if that is allowed, polling goes on until Ctrl-C.
 void addCountOption(CLI::App& command, int& cycles, bool mayBeEndless);

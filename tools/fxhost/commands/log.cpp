@@ -6,10 +6,8 @@
 
 #include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/cycles.h"
-#include "tools/fxhost/commands/planning.h"
 #include "tools/fxhost/commands/poll_result.h"
 #include "tools/fxhost/views/log_file.h"
-#include "tools/fxhost/views/log_format.h"
 #include "tools/link/interrupt.h"
 
 #include <QRegularExpression>

@@ -6,7 +6,6 @@
 #include "tools/exchange/blocks.h"
 #include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/cycles.h"
-#include "tools/fxhost/commands/planning.h"
 #include "tools/fxhost/views/frame_text.h"
 #include "tools/library/values.h"
 

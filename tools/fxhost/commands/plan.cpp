@@ -7,7 +7,7 @@
 
 #include "tools/exchange/blocks.h"
 #include "tools/fxhost/commands/address_options.h"
-#include "tools/fxhost/commands/planning.h"
+#include "tools/fxhost/commands/cycles.h"
 #include "tools/fxhost/views/plan_report.h"
 #include "tools/library/output_file.h"
 

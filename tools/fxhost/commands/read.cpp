@@ -4,7 +4,7 @@
 // fxhost read: reads registers once.
 
 #include "tools/fxhost/commands/address_options.h"
-#include "tools/fxhost/commands/planning.h"
+#include "tools/fxhost/commands/cycles.h"
 #include "tools/fxhost/commands/poll_result.h"
 
 namespace fxtools {

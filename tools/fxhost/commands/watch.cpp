@@ -3,15 +3,40 @@
 //
 // fxhost watch: values as they change: a live screen on a terminal, otherwise a line for each
 // change. Continues when a lost link is back.
+//
+// The screen is redrawn in place, also while a lost link is awaited. Everything runs in one thread:
+// keys are taken and the screen is drawn whenever the exchange loop asks whether it was
+// interrupted, at least every tenth of a second.
 
+#include "tools/exchange/blocks.h"
+#include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/cycles.h"
-#include "tools/fxhost/commands/live_watch.h"
 #include "tools/fxhost/commands/poll_result.h"
-#include "tools/fxhost/views/log_format.h"
+#include "tools/fxhost/views/live_view.h"
+#include "tools/fxhost/views/log_file.h"
+#include "tools/library/assignments.h"
+
+#include <QElapsedTimer>
 
 namespace fxtools {
 
 namespace {
+
+constexpr int bitsInCell = 16;
+constexpr qint64 napMs = 20;
+constexpr qint64 redrawEveryMs = 100;
+
+struct WatchOptions
+{
+    AddressOptions addresses;
+    ValueStyle style;
+    PlanningOptions planning;
+    int intervalMs = 1000;
+    int cycles = 0;  // 0: until Ctrl-C
+    bool once = false;
+    bool log = false;
+    double deadband = 0;
+};
 
 // Shows the values that have changed since they were last shown.
 class Watcher
@@ -54,12 +79,195 @@ bool Watcher::isNew(const PolledValue& polled) const
            differs(polled.value, found->value, polled.deadband.value_or(m_options.deadband));
 }
 
+// One cell for each value; bits stand together.
+QVector<Reading> readingsOf(const Poller& poller, const Tag& tag)
+{
+    const AskedAddress& asked = tag.asked;
+    QVector<Reading> readings;
+    if (asked.range.type.isBit() && !asked.isGroup) {
+        for (const RegisterRange& part : asked.range.cut(bitsInCell)) {
+            std::optional<ReplyVerdict> problem;
+            for (int index = 0; index < part.count && !problem; ++index)
+                problem = poller.problemOf(part, index);
+            readings.append({tag.name.isEmpty() ? part.text() : tag.name,
+                             bitsText(poller.values(part)), std::nullopt,
+                             problem ? verdictName(*problem) : QString(), std::nullopt});
+        }
+        return readings;
+    }
+    for (const PolledValue& polled : polledValues(poller, tag)) {
+        const QJsonValue& value = polled.value;
+        const QString unit =
+            polled.unit.isEmpty() || value.isUndefined() ? QString() : ' ' + polled.unit;
+        readings.append({polled.name, value.toVariant().toString() + unit,
+                         value.isDouble() ? std::optional(value.toDouble()) : std::nullopt,
+                         polled.problem ? verdictName(*polled.problem) : QString(),
+                         polled.deadband});
+    }
+    return readings;
+}
+
+QString linkLabel(const LinkSettings& link)
+{
+    const bool isSimulated = std::holds_alternative<SimulatedSettings>(link);
+    return linkText(link) + (isSimulated ? " (simulated PLC)" : "");
+}
+
+class LiveWatch
+{
+public:
+    LiveWatch(const CommonOptions& common, const WatchOptions& options)
+        : m_options(options), m_timestamps(common.output.timestamps),
+          m_view({linkLabel(common.link.settings(SimulatedSettings())), !common.output.quiet,
+                  common.link.named.has_value()})
+    {
+        m_clock.start();
+    }
+
+    ExitCode run(const CommonOptions& common);
+
+private:
+    bool tick();
+    void wait(qint64 timeMs);
+    void showLinkState(const QString& state);
+    void showCycle(qint64 tookUs);
+    void write(const QString& assignment);
+    void draw();
+
+    const WatchOptions& m_options;
+    bool m_timestamps;
+    Console m_console;
+    Keyboard m_keyboard;
+    LiveView m_view;
+    QElapsedTimer m_clock;
+    qint64 m_drawnMs = 0;
+    bool m_quits = false;
+    QString m_toWrite;
+    Connection* m_connection = nullptr;  // while it runs
+    Poller* m_poller = nullptr;
+    QVector<Tag> m_asked;
+    PollResult m_lastCycle;
+    int m_cycle = 0;
+};
+
+ExitCode LiveWatch::run(const CommonOptions& common)
+{
+    ConnectionSettings settings = connectionSettings(common);
+    settings.loop.isInterrupted = [this] { return tick(); };
+    settings.onLinkState = [this](const QString& state) { showLinkState(state); };
+    Connection connection(settings);
+    connection.waitForLinkWithoutEnd();
+    m_asked = askedOf(m_options.addresses, connection.services(), m_options.style);
+    Poller poller(connection.loop(), connection.catalogue(), rangesOf(m_asked),
+                  plannerFor(connection.loop(), settings, m_options.planning));
+    m_connection = &connection;
+    m_poller = &poller;
+    qint64 startedUs = connection.loop().elapsedUs();
+    const RoundEnd end = pollEvery(
+        m_options.intervalMs, m_options.once ? 1 : m_options.cycles, connection.loop(), poller,
+        [&] { showCycle(connection.loop().elapsedUs() - startedUs); },
+        [&](qint64 timeMs) {
+            wait(timeMs);
+            startedUs = connection.loop().elapsedUs();
+        });
+    m_view.end();
+    draw();
+    const bool isDone = end == RoundEnd::Done || (end == RoundEnd::Interrupted && m_quits);
+    return isDone ? m_lastCycle.exitCode() : exitCodeOf(verdictOf(end));
+}
+
+// Called wherever something is awaited. Returns whether to stop.
+bool LiveWatch::tick()
+{
+    bool hasKeys = false;
+    for (const Key& key : m_keyboard.pressed()) {
+        hasKeys = true;
+        const LiveView::Wish wish = m_view.press(key);
+        m_quits |= wish == LiveView::Wish::Quit;
+        if (wish == LiveView::Wish::Write)
+            m_toWrite = m_view.takeAssignment();
+    }
+    if (hasKeys || m_clock.elapsed() - m_drawnMs >= redrawEveryMs)
+        draw();
+    return m_quits || interrupted();
+}
+
+// Between two cycles nothing is in flight: the time for a write.
+void LiveWatch::wait(qint64 timeMs)
+{
+    QElapsedTimer waited;
+    waited.start();
+    while (!tick() && (waited.elapsed() < timeMs || m_view.isPaused())) {
+        if (!m_toWrite.isEmpty())
+            write(std::exchange(m_toWrite, QString()));
+        const qint64 leftMs = m_view.isPaused() ? napMs : timeMs - waited.elapsed();
+        sleepUnlessInterrupted(std::min(leftMs, napMs));
+    }
+}
+
+void LiveWatch::write(const QString& assignment)
+{
+    try {
+        const TagWrite wanted = parseWrite(assignment, m_connection->services(), m_options.style);
+        const RegisterRange& range = wanted.asked.range;
+        requireOwnMemory(range, m_connection->catalogue());
+        if (wanted.asked.bit && readBack(m_connection->loop(), range) != ReplyVerdict::Good)
+            throw Failure(ExitCode::Usage, range.text() + " could not be read");
+        const QVector<quint32> values = wanted.valuesOver(m_connection->session().values(range));
+        const WriteOutcome outcome = writeRegisters(m_connection->loop(), range, values);
+        const bool isThere = outcome.isGood() &&
+                             readBack(m_connection->loop(), range) == ReplyVerdict::Good &&
+                             m_connection->session().values(range) == values;
+        m_view.setMessage(outcome.problem ? verdictText(*outcome.problem)
+                          : isThere       ? assignment + " written and read back"
+                                          : assignment + " written, but not read back");
+    } catch (const Failure& failure) {
+        m_view.setMessage(failure.text());
+    }
+    m_poller->planEverything();
+}
+
+void LiveWatch::showLinkState(const QString& state)
+{
+    const bool isBack = m_connection && m_connection->link().isOpen();
+    if (!isBack)
+        m_view.markAllStale(verdictName(ReplyVerdict::LinkLost));
+    m_view.setState(state, isBack, m_clock.elapsed());
+    draw();
+}
+
+void LiveWatch::showCycle(qint64 tookUs)
+{
+    QVector<Reading> readings;
+    m_lastCycle = {};
+    for (const Tag& tag : m_asked)
+        readings += readingsOf(*m_poller, tag);
+    for (const PolledValue& polled : polledValues(*m_poller, m_asked))
+        m_lastCycle.count(polled);
+    m_view.update(readings, m_clock.elapsed(), m_options.deadband);
+    ++m_cycle;
+    const QString cycle = QStringLiteral("cycle %1: %2 ms%3")
+                              .arg(m_cycle)
+                              .arg(tookUs / 1000)
+                              .arg(m_timestamps ? ", " + timestamp() : QString());
+    if (m_connection->link().isOpen())
+        m_view.setState(m_lastCycle.good() > 0 ? cycle : verdictText(*m_lastCycle.firstProblem()),
+                        m_lastCycle.good() > 0, m_clock.elapsed());
+    draw();
+}
+
+void LiveWatch::draw()
+{
+    m_drawnMs = m_clock.elapsed();
+    m_console.redraw(m_view.lines(m_console, Console::size(), m_drawnMs));
+}
+
 ExitCode runWatch(const CommonOptions& common, const WatchOptions& options)
 {
     const bool isLive =
         Console().isTerminal() && !options.log && common.output.mode == OutputMode::People;
     if (isLive)
-        return runLiveWatch(common, options);
+        return LiveWatch(common, options).run(common);
     Connection connection(common);
     connection.waitForLinkWithoutEnd();
     const QVector<Tag> asked = askedOf(options.addresses, connection.services(), options.style);
