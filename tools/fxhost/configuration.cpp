@@ -4,7 +4,6 @@
 #include "tools/fxhost/configuration.h"
 
 #include "tools/fxhost/commands/limits.h"
-#include "tools/fxhost/suggestion.h"
 
 #include <QDir>
 #include <QFile>

@@ -3,7 +3,7 @@
 
 #include "tools/fxhost/commands/address_options.h"
 
-#include "tools/fxhost/suggestion.h"
+#include "tools/fxhost/commands/limits.h"
 #include "tools/quoted.h"
 
 #include <fnmatch.h>

@@ -3,6 +3,7 @@
 
 #include "tools/fxhost/commands/file_comparison.h"
 
+#include "tools/exchange/blocks.h"
 #include "tools/exchange/poller.h"
 #include "tools/library/assignments.h"
 #include "tools/library/values.h"
@@ -30,6 +31,31 @@ std::optional<ReplyVerdict> compareRun(Connection& connection, const RegisterRun
             {run.range.part(index, 1), run.values[index], held[index], problem.has_value()});
     }
     return std::nullopt;
+}
+
+constexpr int mostNamed = 8;  // registers in one message
+
+// Neighbours as one range.
+QStringList joined(const QVector<RegisterRange>& ranges)
+{
+    QVector<RegisterRange> whole;
+    for (const RegisterRange& range : ranges) {
+        if (!whole.isEmpty() && whole.last().isContinuedBy(range))
+            whole.last().count += range.count;
+        else
+            whole.append(range);
+    }
+    QStringList texts;
+    for (const RegisterRange& range : whole)
+        texts += fromToText(range);
+    return texts;
+}
+
+QString firstOf(const QStringList& texts)
+{
+    const int unnamed = texts.size() - mostNamed;
+    const QString named = texts.mid(0, mostNamed).join(QStringLiteral(", "));
+    return unnamed > 0 ? QStringLiteral("%1 and %2 more").arg(named).arg(unnamed) : named;
 }
 
 }  // namespace
@@ -116,6 +142,56 @@ void showDifferences(const Comparison& comparison, const OutputOptions& output)
             records.add({one.one.text(), value(one.inPlc), value(one.inFile), none});
     }
     records.finish();
+}
+
+QString failureText(const WriteOutcome& outcome)
+{
+    QStringList parts;
+    if (!outcome.acknowledged.isEmpty())
+        parts += joined(outcome.acknowledged).join(QStringLiteral(", ")) + " written";
+    if (!outcome.uncertain.isEmpty())
+        parts += joined(outcome.uncertain).join(QStringLiteral(", ")) + " possibly written";
+    if (!parts.isEmpty())
+        parts += QStringLiteral("nothing else");
+    const QString text = QStringLiteral("%1 of %2 frames written: %3")
+                             .arg(outcome.acknowledged.size())
+                             .arg(outcome.frames)
+                             .arg(verdictText(*outcome.problem));
+    return parts.isEmpty() ? text : text + "; " + parts.join(QStringLiteral(", "));
+}
+
+void addVerifyOption(CLI::App& command, bool& verify)
+{
+    command.add_flag_callback(
+        "--verify", [&verify] { verify = true; }, "Read the registers before and after (default)");
+    command.add_flag_callback(
+        "--no-verify", [&verify] { verify = false; }, "Write without reading");
+}
+
+QString differencesText(const RegisterRange& range, const QVector<quint32>& wanted,
+                        const QVector<quint32>& held)
+{
+    QStringList texts;
+    for (int index = 0; index < range.count; ++index) {
+        if (held[index] != wanted[index])
+            texts +=
+                range.nameOf(index) + '=' + valueText(held[index], range.type, ValueFormat::Signed);
+    }
+    return firstOf(texts);
+}
+
+void complainOfDifferent(const QStringList& names, const QVector<RegisterRun>& runs)
+{
+    if (names.isEmpty())
+        return;
+    QString reason;
+    for (const RegisterRun& run : runs) {
+        if (reason.isEmpty())
+            reason = run.range.readElsewhereText();
+    }
+    if (reason.isEmpty())
+        reason = QStringLiteral("does the program in the PLC write there?");
+    complain("written, but read back with another value: " + firstOf(names) + "; " + reason);
 }
 
 }  // namespace fxtools

@@ -4,7 +4,6 @@
 // fxhost help, the layout of every help text, and what is said of a mistake at the command line.
 
 #include "tools/fxhost/commands/command.h"
-#include "tools/fxhost/suggestion.h"
 #include "tools/quoted.h"
 
 #include <QRegularExpression>

@@ -1,11 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// How large the numbers of the options may be, on the command line and in the configuration file.
+// What may stand on the command line and in the configuration file: how large numbers may be, and
+// what somebody who mistyped a name may have meant.
 
 #pragma once
 
-#include <QtGlobal>
+#include <QStringList>
 
 #include <optional>
 #include <string>
@@ -26,5 +27,11 @@ constexpr int usualRetries = 2;
 
 // "500", "500ms", "1.5s", "10min", "8h" or "1d"; nothing if `text` is not a time.
 std::optional<qint64> parseTimeMs(const std::string& text);
+
+// "; did you mean 'read'?" for the known name that is nearest to `typed`; empty if none is near.
+QString didYouMean(const QString& typed, const QStringList& known);
+
+// "unknown command 'rea'; did you mean 'read'?", or with a list of all names if none is near.
+QString unknownName(const char* kind, const QString& typed, const QStringList& known);
 
 }  // namespace fxtools

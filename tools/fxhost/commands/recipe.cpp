@@ -6,7 +6,6 @@
 #include "tools/exchange/polling.h"
 #include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/file_comparison.h"
-#include "tools/fxhost/commands/write_report.h"
 
 #include <QJsonArray>
 

@@ -7,7 +7,6 @@
 // afterwards, because the PLC's program writes them, are named at the end.
 
 #include "tools/fxhost/commands/file_comparison.h"
-#include "tools/fxhost/commands/write_report.h"
 
 #include <QJsonArray>
 

@@ -5,8 +5,8 @@
 // value at once, so only what the PLC sends counts.
 
 #include "tools/fxhost/commands/address_options.h"
+#include "tools/fxhost/commands/file_comparison.h"
 #include "tools/fxhost/commands/poll_result.h"
-#include "tools/fxhost/commands/write_report.h"
 #include "tools/library/assignments.h"
 #include "tools/quoted.h"
 
