@@ -81,12 +81,13 @@ ValueRecords::ValueRecords(const OutputOptions& output, const QVector<Tag>& aske
 
 void ValueRecords::add(const PolledValue& polled)
 {
-    if (m_hasTags)
+    if (m_hasTags) {
         m_records.add({textOrNothing(polled.tag), polled.address, polled.type,
                        polled.tag.isEmpty() ? QJsonValue(QJsonValue::Undefined) : polled.raw,
                        polled.value, textOrNothing(polled.unit), polled.error()});
-    else
+    } else {
         m_records.add({polled.address, polled.type, polled.value, polled.error()});
+    }
 }
 
 void addFormatOption(CLI::App& command, ValueStyle& style)
