@@ -177,7 +177,7 @@ void addRecipeCommand(CLI::App& app, const CommonOptions& common, Action& action
     download
         ->add_option("file", written->file, "CSV file with a line ADDRESS,VALUE for each register")
         ->required();
-    addExamples(*download, {"fxhost recipe upload recipe.csv D1000:64 32CV200:4",
+    addExamples(*download, {"fxhost recipe upload recipe.csv D1000:64 32CV210:4",
                             "fxhost recipe download recipe.csv"});
     download->add_flag("--force", written->force,
                        "Write also to registers that share their address with others");
@@ -189,7 +189,7 @@ void addRecipeCommand(CLI::App& app, const CommonOptions& common, Action& action
         command->add_subcommand("upload", "Read registers from the PLC and save them in a file");
     addFileOptions(*upload, options->file);
     addAddressOptions(*upload, options->addresses);
-    addExamples(*upload, {"fxhost recipe upload recipe.csv D1000:64 32CV200:4"});
+    addExamples(*upload, {"fxhost recipe upload recipe.csv D1000:64 32CV210:4"});
     onRun(*upload, action, [&common, options] { return runUpload(common, *options); });
 }
 
