@@ -50,6 +50,12 @@ fxhost> series D7998 -c 3 --csv -q | grep -o .,D.*
 3,D7999
 [1]
 )"},
+    {"tags", R"(fxhost> dump plc.csv D0 -q
+fxhost> tags check plc.csv --csv -q
+1,value,warning,"unknown column 'value' is ignored; known: name, address, type, scale, offset, unit, deadband, period_ms, access, min, max, alarm_low, alarm_high, link, description"
+1,,error,"no column 'name'; the first row names the columns: name,address and others"
+[1]
+)"},
     {"plan", R"(fxhost> plan D100:10 D105:20 M8000 --csv -q
 given,SM8000 … SM8007,8,1,17,38,7,SM8001 … SM8007
 given,D100 … D124,25,50,115,140,0,

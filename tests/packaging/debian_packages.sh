@@ -88,6 +88,7 @@ reference_files() {
 ./usr/share/doc/libmitsubishi-fx1s-dev/examples/minimal_host/minimal_host.cpp
 ./usr/share/doc/libmitsubishi-fx1s-dev/examples/minimal_host/plc_exchange.h
 ./usr/share/doc/libmitsubishi-fx1s-dev/examples/recipes/recipes.cpp
+./usr/share/doc/libmitsubishi-fx1s-dev/examples/tags/boiler.csv
 END
 ! has_tools || expect_files "$tools" <<END
 ./usr/bin/fxhost
