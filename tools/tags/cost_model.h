@@ -9,6 +9,8 @@
 
 #include "tools/exchange/statistics.h"
 
+#include <optional>
+
 namespace fxtools {
 
 struct LineCost
@@ -43,7 +45,8 @@ constexpr double milliseconds(Cost cost, const LineCost& line)
 }
 
 // The line as the accepted exchanges have shown it: the turnaround is what they took beyond their
-// characters. None so far: a usual one.
-LineCost measuredLine(const Statistics& statistics, int baud);
+// characters. None so far: a usual one, unless one is given.
+LineCost measuredLine(const Statistics& statistics, int baud,
+                      std::optional<qint64> turnaroundUs = {});
 
 }  // namespace fxtools

@@ -181,8 +181,7 @@ Cost costOf(const QVector<PlannedBlock>& plan, const LineCost& line)
 Planner shortestPlanner(ExchangeLoop& loop, int baud, std::optional<qint64> turnaroundUs)
 {
     return [&loop, baud, turnaroundUs](const QVector<RegisterRange>& due) {
-        const LineCost line =
-            turnaroundUs ? LineCost{*turnaroundUs, baud} : measuredLine(loop.statistics(), baud);
+        const LineCost line = measuredLine(loop.statistics(), baud, turnaroundUs);
         Blocks blocks;
         for (const PlannedBlock& block :
              shortestPlan(due, loop.session().settings().wordsPerFrame, line))

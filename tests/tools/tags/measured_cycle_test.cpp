@@ -88,6 +88,7 @@ TEST(MeasuredLine, CountsExchangesAloneWhereCharactersCostLess)
     statistics.acceptedUs = 300;
     const LineCost line = measuredLine(statistics, 9600);
     EXPECT_EQ(shortestPlan({range("D0"), range("D31")}, 32, line).size(), 1);
+    EXPECT_EQ(exchangeCost(line, 64) / line.baud, 301);
 }
 
 // Words 8 apart: cheaper apart where the PLC answers at once, together where it takes its time.
