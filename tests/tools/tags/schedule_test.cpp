@@ -1,0 +1,167 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// Registers with periods on a line whose exchanges take what they cost, in a time that only counts.
+
+#include "tests/tools/support/loaded_driver.h"
+#include "tools/tags/schedule.h"
+
+#include <gtest/gtest.h>
+
+#include <QHash>
+
+#include <random>
+
+using namespace fxtools;
+using namespace tool_tests;
+
+namespace {
+
+constexpr LineCost slowLine = {20000, 9600};
+constexpr qint64 second = 1000000;
+constexpr qint64 longestExchangeUs = exchangeCost(slowLine, 64) / slowLine.baud;
+
+PeriodicRange every(int periodMs, const char* address)
+{
+    return {range(address), 1000 * qint64(periodMs)};
+}
+
+class Line
+{
+public:
+    explicit Line(const QVector<PeriodicRange>& wanted, const LineCost& line = slowLine)
+        : m_schedule(wanted, 32, line, 0), m_line(line)
+    {}
+
+    // Reads what is to be read; returns it.
+    std::string read()
+    {
+        m_nowUs = std::max(m_nowUs, m_schedule.nextUs());
+        QStringList texts;
+        const QVector<RegisterRange> read = m_schedule.next(m_nowUs);
+        for (const RegisterRange& part : read) {
+            texts += part.text();
+            for (int index = 0; index < part.count; ++index)
+                m_readUs[part.nameOf(index)].append(m_nowUs);
+        }
+        const int registers = read.last().first + read.last().count - read.first().first;
+        const qint64 bytes = read.first().type.isBit() ? (registers + 7) / 8
+                                                       : registers * read.first().type.valueBytes();
+        m_nowUs += exchangeCost(m_line, static_cast<int>(bytes)) / m_line.baud + m_extraUs();
+        return texts.join(' ').toStdString();
+    }
+
+    void readUntil(qint64 timeUs)
+    {
+        while (std::max(m_nowUs, m_schedule.nextUs()) < timeUs)
+            read();
+        m_nowUs = std::max(m_nowUs, timeUs);
+    }
+
+    void pause(qint64 timeUs) { m_nowUs += timeUs; }
+    void setExtra(const std::function<qint64()>& extraUs) { m_extraUs = extraUs; }
+    Schedule& schedule() { return m_schedule; }
+    qint64 nowUs() const { return m_nowUs; }
+
+    int readings(const char* name) const { return m_readUs[name].size(); }
+    qint64 longestGapUs(const char* name) const
+    {
+        qint64 gapUs = 0;
+        const QVector<qint64> timesUs = m_readUs[name];
+        for (int index = 1; index < timesUs.size(); ++index)
+            gapUs = std::max(gapUs, timesUs[index] - timesUs[index - 1]);
+        return gapUs;
+    }
+
+private:
+    Schedule m_schedule;
+    LineCost m_line;
+    qint64 m_nowUs = 0;
+    QHash<QString, QVector<qint64>> m_readUs;
+    std::function<qint64()> m_extraUs = [] { return 0; };
+};
+
+}  // namespace
+
+TEST(Schedule, KeepsEveryPeriodThatTheLineHasTimeFor)
+{
+    struct Row
+    {
+        double used;
+        int shortMs, middleMs;
+    };
+    for (const Row& row : {Row{0.30, 550, 4000}, Row{0.90, 150, 600}, Row{0.99, 130, 550}}) {
+        Line line({every(row.shortMs, "D0:10"), every(row.middleMs, "D1000:30"),
+                   every(5000, "D2000:100")});
+        EXPECT_NEAR(line.schedule().load().used, row.used, 0.01);
+        line.readUntil(100 * second);
+        EXPECT_NEAR(line.readings("D9"), 100000 / row.shortMs, 1);
+        EXPECT_NEAR(line.readings("D1029"), 100000 / row.middleMs, 1);
+        EXPECT_NEAR(line.readings("D2099"), 100000 / 5000, 1);
+        EXPECT_LE(line.longestGapUs("D9"), 2000 * row.shortMs + longestExchangeUs);
+        EXPECT_LE(line.longestGapUs("D1029"), 2000 * row.middleMs + longestExchangeUs);
+    }
+}
+
+TEST(Schedule, StretchesLongPeriodsBeforeShortOnes)
+{
+    Line line({every(5000, "D2000:100"), every(100, "D0:10"), every(200, "D1000:30")});
+    const LineLoad& load = line.schedule().load();
+    EXPECT_NEAR(load.used, 1.69, 0.01);
+    ASSERT_EQ(load.periods.size(), 3);
+    EXPECT_EQ(load.periods[0].registers.first().text().toStdString(), "D0:10");
+    EXPECT_FALSE(load.periods[0].isLate());
+    EXPECT_TRUE(load.periods[1].isLate());
+    EXPECT_TRUE(load.periods[2].isLate());
+    line.readUntil(1000 * second);
+    EXPECT_NEAR(line.readings("D9"), 10000, 2);
+    for (const PeriodLoad& period : {load.periods[1], load.periods[2]}) {
+        const double readings = 1000.0 * second / static_cast<double>(period.expectedUs);
+        const RegisterRange& registers = period.registers.first();
+        const QByteArray name = registers.nameOf(registers.count - 1).toLatin1();
+        EXPECT_NEAR(line.readings(name.data()) / readings, 1, 0.1) << name.data();
+    }
+}
+
+TEST(Schedule, LetsTheShortestPeriodTakeAllButATwentieth)
+{
+    Line line({every(10, "D0:10"), every(5000, "D1000:200")});
+    line.readUntil(100 * second);
+    const double alone = 100.0 * second * slowLine.baud / exchangeCost(slowLine, 20);
+    EXPECT_GE(line.readings("D9") / alone, 0.95);
+}
+
+TEST(Schedule, GivesWhatIsLeftInTurnToWhatHasNoPeriod)
+{
+    Line line({every(200, "D0:10"), every(0, "D1000:100"), every(0, "D3000")});
+    line.readUntil(100 * second);
+    EXPECT_NEAR(line.readings("D9"), 500, 1);
+    EXPECT_GT(line.readings("D1000"), 50);
+    EXPECT_NEAR(line.readings("D1000"), line.readings("D1099"), 2);
+    EXPECT_NEAR(line.readings("D1000"), line.readings("D3000"), 2);
+    EXPECT_LE(line.schedule().nextUs(), line.nowUs());
+}
+
+TEST(Schedule, ReadsOnTheWayWhatIsNotDueYet)
+{
+    Line line({every(100, "D0"), every(5000, "D2"), every(100, "D4"), every(5000, "D6")});
+    EXPECT_EQ(line.read(), "D0 D2 D4");
+    line.readUntil(5 * second);
+    EXPECT_EQ(line.readings("D2"), 49);
+    EXPECT_EQ(line.readings("D6"), 0);
+    line.readUntil(5 * second + 1);
+    EXPECT_EQ(line.readings("D6"), 1);
+}
+
+TEST(Schedule, BeginsAPeriodAfterEverythingWasRead)
+{
+    const Schedule schedule({every(100, "D0")}, 32, slowLine, 7 * second);
+    EXPECT_EQ(schedule.nextUs(), 7 * second + 100000);
+}
+
+TEST(Schedule, HasNothingToReadWhereNothingIsWanted)
+{
+    Schedule schedule({}, 32, slowLine, 0);
+    EXPECT_TRUE(schedule.next(second).isEmpty());
+    EXPECT_EQ(schedule.load().used, 0);
+}
