@@ -141,18 +141,20 @@ QVector<RegisterRange> Schedule::next(qint64 nowUs)
         return isInside(value.registers, block);
     };
     const QVector<RegisterRange> read = rangesOf(isRead);
+    const qint64 mayLagUs = microseconds(exchangeCost(m_line, mostBytesInBlock), m_line);
     for (Value& value : m_values) {
         if (isRead(value))
-            value.noteRead(nowUs);
+            value.noteRead(nowUs, mayLagUs);
     }
     return read;
 }
 
-// A period lasts from due to due, not from reading to reading: what was late does not add up.
-void Schedule::Value::noteRead(qint64 nowUs)
+// A period lasts from due to due, not from reading to reading: what was late does not add up. But
+// what lags behind by more than an exchange, after a pause of the line, is not made up for.
+void Schedule::Value::noteRead(qint64 nowUs, qint64 mayLagUs)
 {
     wantedAgainUs = nowUs + wantedUs;
-    dueUs = (dueUs > nowUs ? nowUs : dueUs) + expectedUs;
+    dueUs = dueUs > nowUs ? nowUs + expectedUs : std::max(dueUs + expectedUs, nowUs - mayLagUs);
 }
 
 }  // namespace fxtools

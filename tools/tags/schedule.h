@@ -51,7 +51,7 @@ private:
         qint64 wantedAgainUs = 0;  // and from then on what others leave
 
         qint64 nextUs() const { return std::min(dueUs, wantedAgainUs); }
-        void noteRead(qint64 nowUs);
+        void noteRead(qint64 nowUs, qint64 mayLagUs);
     };
     using IsChosen = std::function<bool(const Value&)>;
 

@@ -13,8 +13,6 @@ namespace fxtools {
 
 namespace {
 
-constexpr int mostBytesInBlock = 64;
-
 // Sorted; those that share a number are one where a block takes both.
 QVector<Span> disentangled(QVector<Span> values, int mostNumbers)
 {
@@ -130,6 +128,11 @@ QVector<Span> shortestCover(QVector<Span> values, const BlockCost& cost)
         end = begin;
     }
     return blocks;
+}
+
+int mostInBlock(const RegisterType& type, int wordsPerFrame)
+{
+    return mostNumbers(type, wordsPerFrame) * registersPerNumber(type);
 }
 
 int PlannedBlock::bytes() const

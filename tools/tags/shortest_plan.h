@@ -12,6 +12,8 @@
 
 namespace fxtools {
 
+constexpr int mostBytesInBlock = 64;
+
 // Neighbours, by their numbers: words, counters, or bytes of bits.
 struct Span
 {
@@ -42,6 +44,9 @@ struct PlannedBlock
     int bytes() const;
     int characters() const { return exchangeCharacters(bytes()); }
 };
+
+// In registers.
+int mostInBlock(const RegisterType& type, int wordsPerFrame);
 
 // What a frame holds: `wordsPerFrame` words, eight times as many bits, half as many counters, and
 // never more than 64 bytes.

@@ -142,6 +142,17 @@ TEST(Schedule, GivesWhatIsLeftInTurnToWhatHasNoPeriod)
     EXPECT_LE(line.schedule().nextUs(), line.nowUs());
 }
 
+TEST(Schedule, MakesUpForAnExchangeButNotForAPause)
+{
+    Line line({every(100, "D0:2"), every(5000, "D1000:64")});
+    line.readUntil(10 * second);
+    const int before = line.readings("D0");
+    EXPECT_NEAR(before, 100, 1);
+    line.pause(60 * second);
+    line.readUntil(71 * second);
+    EXPECT_LE(line.readings("D0") - before, 12);
+}
+
 TEST(Schedule, ReadsOnTheWayWhatIsNotDueYet)
 {
     Line line({every(100, "D0"), every(5000, "D2"), every(100, "D4"), every(5000, "D6")});
