@@ -69,6 +69,17 @@ void Schedule::addValues(const PeriodicRange& wanted)
     }
 }
 
+void Schedule::setUnreadable(const QVector<RegisterRange>& unreadable)
+{
+    m_unreadable = unreadable;
+    for (Value& value : m_values) {
+        value.isReadable = std::none_of(
+            unreadable.begin(), unreadable.end(),
+            [&value](const RegisterRange& range) { return overlap(value.registers, range); });
+    }
+    setLine(m_line);
+}
+
 void Schedule::setLine(const LineCost& line)
 {
     m_line = line;
@@ -78,11 +89,11 @@ void Schedule::setLine(const LineCost& line)
         const bool isKnown =
             std::any_of(wanted.begin(), wanted.end(),
                         [periodUs](const PeriodLoad& one) { return one.wantedUs == periodUs; });
-        if (isKnown)
+        if (isKnown || !value.isReadable)
             continue;
         const QVector<RegisterRange> registers =
             rangesOf([periodUs](const Value& one) { return one.wantedUs == periodUs; });
-        const Cost cost = costOf(shortestPlan(registers, m_wordsPerFrame, line), line);
+        const Cost cost = costOf(planOf(registers), line);
         wanted.append({periodUs, static_cast<double>(microseconds(cost, line)), registers});
     }
     m_load = loadOf(wanted);
@@ -99,7 +110,7 @@ QVector<RegisterRange> Schedule::rangesOf(const IsChosen& isChosen) const
 {
     QVector<RegisterRange> ranges;
     for (const Value& value : m_values) {
-        if (!isChosen(value))
+        if (!value.isReadable || !isChosen(value))
             continue;
         if (!ranges.isEmpty() && continues(ranges.last(), value.registers))
             ranges.last().count += value.registers.count;
@@ -109,11 +120,33 @@ QVector<RegisterRange> Schedule::rangesOf(const IsChosen& isChosen) const
     return ranges;
 }
 
+// The shortest plan for sorted ranges, parted where unreadable registers lie between them.
+QVector<PlannedBlock> Schedule::planOf(const QVector<RegisterRange>& due) const
+{
+    QVector<PlannedBlock> plan;
+    QVector<RegisterRange> unparted;
+    for (const RegisterRange& range : due) {
+        const bool isParted = std::any_of(
+            m_unreadable.begin(), m_unreadable.end(), [&](const RegisterRange& unreadable) {
+                return !unparted.isEmpty() && isSameKind(unreadable, range) &&
+                       unreadable.first > unparted.last().first && unreadable.first < range.first;
+            });
+        if (isParted) {
+            plan += shortestPlan(unparted, m_wordsPerFrame, m_line);
+            unparted.clear();
+        }
+        unparted.append(range);
+    }
+    return plan + shortestPlan(unparted, m_wordsPerFrame, m_line);
+}
+
 qint64 Schedule::nextUs() const
 {
     qint64 nextUs = std::numeric_limits<qint64>::max();
-    for (const Value& value : m_values)
-        nextUs = std::min(nextUs, value.nextUs());
+    for (const Value& value : m_values) {
+        if (value.isReadable)
+            nextUs = std::min(nextUs, value.nextUs());
+    }
     return nextUs;
 }
 
@@ -122,7 +155,7 @@ QVector<RegisterRange> Schedule::next(qint64 nowUs)
     if (nextUs() > nowUs)
         return {};
     const auto rank = [nowUs](const Value& value) {
-        return std::make_tuple(value.nextUs() > nowUs, value.dueUs > nowUs,
+        return std::make_tuple(!value.isReadable, value.nextUs() > nowUs, value.dueUs > nowUs,
                                value.dueUs + value.expectedUs, value.expectedUs);
     };
     const auto first = std::min_element(
@@ -130,10 +163,9 @@ QVector<RegisterRange> Schedule::next(qint64 nowUs)
         [rank](const Value& one, const Value& other) { return rank(one) < rank(other); });
     const bool isDue = first->dueUs <= nowUs;
     RegisterRange block = first->registers;
-    const QVector<RegisterRange> due = rangesOf([isDue, nowUs](const Value& value) {
-        return (isDue ? value.dueUs : value.nextUs()) <= nowUs;
-    });
-    for (const PlannedBlock& planned : shortestPlan(due, m_wordsPerFrame, m_line)) {
+    for (const PlannedBlock& planned : planOf(rangesOf([isDue, nowUs](const Value& value) {
+             return (isDue ? value.dueUs : value.nextUs()) <= nowUs;
+         }))) {
         if (isInside(first->registers, planned.registers))
             block = planned.registers;
     }

@@ -34,6 +34,7 @@ public:
              qint64 readUs);
 
     void setLine(const LineCost& line);
+    void setUnreadable(const QVector<RegisterRange>& unreadable);  // no block reads over them
     const LineLoad& load() const { return m_load; }
 
     // The registers to read at this moment, all in one block; nothing before nextUs(). They count
@@ -49,6 +50,7 @@ private:
         qint64 expectedUs = 0;
         qint64 dueUs = 0;          // from then on it has its part of the line,
         qint64 wantedAgainUs = 0;  // and from then on what others leave
+        bool isReadable = true;
 
         qint64 nextUs() const { return std::min(dueUs, wantedAgainUs); }
         void noteRead(qint64 nowUs, qint64 mayLagUs);
@@ -57,11 +59,13 @@ private:
 
     void addValues(const PeriodicRange& wanted);
     QVector<RegisterRange> rangesOf(const IsChosen& isChosen) const;
+    QVector<PlannedBlock> planOf(const QVector<RegisterRange>& due) const;
 
     int m_wordsPerFrame;
     LineCost m_line;
     LineLoad m_load;
     QVector<Value> m_values;  // by type, station and number
+    QVector<RegisterRange> m_unreadable;
 };
 
 }  // namespace fxtools

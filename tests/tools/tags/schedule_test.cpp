@@ -164,6 +164,22 @@ TEST(Schedule, ReadsOnTheWayWhatIsNotDueYet)
     EXPECT_EQ(line.readings("D6"), 1);
 }
 
+TEST(Schedule, ReadsNoBlockOverUnreadableRegisters)
+{
+    Line line({every(100, "D0:10")});
+    const double before = line.schedule().load().used;
+    line.schedule().setUnreadable({range("D4"), range("D7"), range("M5")});
+    EXPECT_GT(line.schedule().load().used, before);
+    EXPECT_EQ(line.read(), "D0:4");
+    EXPECT_EQ(line.read(), "D5:2");
+    EXPECT_EQ(line.read(), "D8:2");
+    line.schedule().setUnreadable({range("D0:10")});
+    EXPECT_TRUE(line.schedule().load().periods.isEmpty());
+    EXPECT_TRUE(line.schedule().next(5 * second).isEmpty());
+    line.schedule().setUnreadable({});
+    EXPECT_EQ(line.read(), "D4:4");
+}
+
 TEST(Schedule, BeginsAPeriodAfterEverythingWasRead)
 {
     const Schedule schedule({every(100, "D0")}, 32, slowLine, 7 * second);
