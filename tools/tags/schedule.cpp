@@ -63,7 +63,9 @@ Schedule::Schedule(const QVector<PeriodicRange>& wanted, int wordsPerFrame, cons
 
 void Schedule::addValues(const PeriodicRange& wanted)
 {
-    for (RegisterRange part : wanted.registers.cut(wanted.registers.together)) {
+    const RegisterRange& range = wanted.registers;
+    const bool fits = range.together <= mostInBlock(range.type, m_wordsPerFrame);
+    for (RegisterRange part : range.cut(fits ? range.together : 1)) {
         part.together = part.count;
         m_values.append({part, wanted.periodUs});
     }

@@ -131,6 +131,33 @@ TEST(Schedule, LetsTheShortestPeriodTakeAllButATwentieth)
     EXPECT_GE(line.readings("D9") / alone, 0.95);
 }
 
+// None waits longer than for its part of the twentieth, whatever the others want.
+TEST(Schedule, LetsNoneWaitForEver)
+{
+    std::mt19937 random(1);
+    for (int set = 0; set < 20; ++set) {
+        QVector<PeriodicRange> wanted;
+        for (int range = 0; range < 5; ++range) {
+            const int periodMs = static_cast<int>(random() % 5) * 40;  // 0: as fast as possible
+            const QString address =
+                QStringLiteral("D%1:%2").arg(1000 * range).arg(random() % 70 + 1);
+            wanted.append(every(periodMs, qPrintable(address)));
+        }
+        Line line(wanted);
+        line.readUntil(100 * second);
+        const LineLoad& load = line.schedule().load();
+        for (const PeriodLoad& period : load.periods) {
+            const Cost cost = costOf(shortestPlan(period.registers, 32, slowLine), slowLine);
+            EXPECT_LE(period.expectedUs,
+                      std::max<qint64>(period.wantedUs,
+                                       20 * load.periods.size() * cost / slowLine.baud + 20));
+            const QByteArray name = period.registers.first().nameOf(0).toLatin1();
+            EXPECT_LE(line.longestGapUs(name.data()), 2 * (period.expectedUs + longestExchangeUs))
+                << name.data();
+        }
+    }
+}
+
 TEST(Schedule, GivesWhatIsLeftInTurnToWhatHasNoPeriod)
 {
     Line line({every(200, "D0:10"), every(0, "D1000:100"), every(0, "D3000")});
@@ -140,6 +167,26 @@ TEST(Schedule, GivesWhatIsLeftInTurnToWhatHasNoPeriod)
     EXPECT_NEAR(line.readings("D1000"), line.readings("D1099"), 2);
     EXPECT_NEAR(line.readings("D1000"), line.readings("D3000"), 2);
     EXPECT_LE(line.schedule().nextUs(), line.nowUs());
+}
+
+TEST(Schedule, GivesTheTimeThatExchangesDoNotTakeToWhatWantsMore)
+{
+    Line line({every(1000, "D0:10"), every(10, "D1000:32")});
+    line.setExtra([] { return -15000; });
+    line.readUntil(100 * second);
+    const qint64 expectedUs = line.schedule().load().periods.first().expectedUs;
+    EXPECT_GT(line.readings("D1000"), 105 * second / expectedUs);
+}
+
+TEST(Schedule, KeepsPeriodsOnALineWhoseTurnaroundVaries)
+{
+    Line line({every(150, "D0:10"), every(1000, "D1000:30"), every(5000, "D2000:100")});
+    std::mt19937 random(1);
+    line.setExtra([&random] { return qint64(random() % 39) * 1000 - 19000; });
+    line.readUntil(150 * second);
+    EXPECT_NEAR(line.readings("D9"), 1000, 2);
+    EXPECT_NEAR(line.readings("D1029"), 150, 1);
+    EXPECT_NEAR(line.readings("D2099"), 30, 1);
 }
 
 TEST(Schedule, MakesUpForAnExchangeButNotForAPause)
@@ -164,6 +211,13 @@ TEST(Schedule, ReadsOnTheWayWhatIsNotDueYet)
     EXPECT_EQ(line.readings("D6"), 1);
 }
 
+TEST(Schedule, ReadsAgainAPeriodAfterWhatWasReadOnTheWay)
+{
+    Line line({every(3000, "D0"), every(5000, "D2"), every(3000, "D4")});
+    EXPECT_EQ(line.read(), "D0 D2 D4");
+    EXPECT_EQ(line.schedule().nextUs(), 6 * second);
+}
+
 TEST(Schedule, ReadsNoBlockOverUnreadableRegisters)
 {
     Line line({every(100, "D0:10")});
@@ -178,6 +232,49 @@ TEST(Schedule, ReadsNoBlockOverUnreadableRegisters)
     EXPECT_TRUE(line.schedule().next(5 * second).isEmpty());
     line.schedule().setUnreadable({});
     EXPECT_EQ(line.read(), "D4:4");
+}
+
+TEST(Schedule, TakesTheShortestOfSeveralPeriods)
+{
+    const Schedule schedule({every(0, "D0:3"), every(300, "D1"), every(200, "D1:2")}, 32, slowLine,
+                            0);
+    std::string text;
+    for (const PeriodLoad& period : schedule.load().periods)
+        text +=
+            std::to_string(period.wantedUs) + period.registers.first().text().toStdString() + ' ';
+    EXPECT_EQ(text, "200000D1:2 0D0 ");
+}
+
+TEST(Schedule, KeepsTogetherWhatIsOneValue)
+{
+    RegisterRange pairs = range("D1:40");
+    pairs.together = 2;
+    RegisterRange longText = range("D100:40");  // longer than a frame
+    longText.together = 40;
+    Line line({{pairs, second}, {range("D32"), second}, {longText, second}});
+    EXPECT_EQ(line.read(), "D1:32 D32");
+    EXPECT_EQ(line.read(), "D33:8");
+    EXPECT_EQ(line.read(), "D100:32");
+    EXPECT_EQ(line.read(), "D132:8");
+    line.readUntil(2 * second);
+    EXPECT_EQ(line.readings("D100"), 1);
+    EXPECT_EQ(line.readings("D139"), 1);
+}
+
+TEST(Schedule, ReadsBitsByTheirBytes)
+{
+    Line line({every(100, "M0:4"), every(5000, "M4:8")});
+    EXPECT_EQ(line.read(), "M0:8");
+    line.readUntil(5 * second);
+    EXPECT_EQ(line.read(), "M0:12");
+}
+
+TEST(Schedule, StretchesWhenTheLineTurnsOutSlower)
+{
+    Schedule schedule({every(100, "D0:10")}, 32, slowLine, 0);
+    EXPECT_FALSE(schedule.load().periods.first().isLate());
+    schedule.setLine({60000, 9600});
+    EXPECT_EQ(schedule.load().periods.first().expectedUs, 60000 + 57291);
 }
 
 TEST(Schedule, BeginsAPeriodAfterEverythingWasRead)
