@@ -45,9 +45,9 @@ int halfOf(const RegisterRange& range)
 }  // namespace
 
 Poller::Poller(ExchangeLoop& loop, const RegisterCatalogue& catalogue,
-               const QVector<RegisterRange>& ranges, const Planner& planner)
+               const QVector<RegisterRange>& ranges, const Planner& planner, Turns turns)
     : m_loop(loop), m_catalogue(catalogue), m_ranges(ranges), m_planned(ranges),
-      m_plan(loop, planner)
+      m_plan(loop, planner), m_turns(std::move(turns))
 {
     replan();
 }
@@ -63,12 +63,13 @@ void Poller::replan()
 
 RoundEnd Poller::poll()
 {
-    m_problems.clear();
+    const bool readsSomething = beginCycle();
     m_read.clear();
     m_end = RoundEnd::Done;
     for (const Aside& aside : m_aside)
         note(aside.range, aside.reason);
-    pollPlan();
+    if (readsSomething)
+        pollPlan();
     if (!isStopped())
         pollPieces();
     if (m_cycle % cyclesUntilAskedAgain == cyclesUntilAskedAgain - 1 && !isStopped())
@@ -77,11 +78,31 @@ RoundEnd Poller::poll()
     return m_end;
 }
 
+// A turn that has ended early goes on first.
+bool Poller::beginCycle()
+{
+    if (!m_isInTurns) {
+        m_problems.clear();
+        return true;
+    }
+    if (isStopped() && m_isTurnPlanned)
+        return true;
+    const QVector<RegisterRange> turn = m_turns.next();
+    m_isTurnPlanned = !turn.isEmpty();
+    if (m_isTurnPlanned)
+        m_plan.plan(turn);
+    return m_isTurnPlanned;
+}
+
 void Poller::pollPlan()
 {
     const Round round = m_plan.poll();
     m_end = round.end;
     m_unasked = round.verdict();
+    if (m_turns.next && !m_isInTurns && !isStopped()) {
+        m_isInTurns = true;
+        planEverything();
+    }
     QVector<RegisterRange> refused;
     for (const Exchange& exchange : round.ended) {
         if (exchange.kind == ExchangeKind::CyclicRead)
@@ -96,6 +117,8 @@ void Poller::noteBlock(const Exchange& exchange, QVector<RegisterRange>& refused
     const RegisterRange block = blockRange(m_catalogue, exchange.frame.variable);
     if (!exchange.hasFailed()) {
         m_read.append(block);
+        for (int index = 0; index < block.count; ++index)
+            m_problems.remove(block.identity(index));
         return;
     }
     note(block, exchange.verdict);
@@ -118,6 +141,8 @@ void Poller::pollPieces()
 
 void Poller::askAsideAgain()
 {
+    if (m_isInTurns && m_aside.isEmpty())
+        return;
     if (m_planned.isEmpty()) {
         m_aside.clear();  // one-off reads need a plan: put everything back into it
         planEverything();
@@ -132,7 +157,7 @@ void Poller::askAsideAgain()
         else
             m_aside.append({aside.range, isStopped() ? aside.reason : verdict});
     }
-    if (m_aside.isEmpty() && !m_pieces.isEmpty())
+    if (m_isInTurns || (m_aside.isEmpty() && !m_pieces.isEmpty()))
         planEverything();
 }
 
@@ -140,7 +165,15 @@ void Poller::planEverything()
 {
     m_planned = m_ranges;
     m_pieces.clear();
-    replan();
+    if (!m_isInTurns) {
+        replan();
+        return;
+    }
+    QVector<RegisterRange> unreadable;
+    for (const Aside& aside : qAsConst(m_aside))
+        unreadable.append(aside.range);
+    m_turns.leaveOut(unreadable);
+    m_isTurnPlanned = false;
 }
 
 // Removes the registers of a refused block from the plan, and finds out which of them can be read.
@@ -148,7 +181,10 @@ void Poller::halve(const RegisterRange& block)
 {
     for (const RegisterRange& piece : takeFromPlan(block))
         readOrHalve(piece);
-    replan();
+    if (m_isInTurns)
+        planEverything();
+    else
+        replan();
 }
 
 // A range may span several blocks; the parts outside this one stay in the plan.

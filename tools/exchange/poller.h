@@ -14,11 +14,21 @@
 
 namespace fxtools {
 
+// What is read next where not everything is read in every cycle.
+struct Turns
+{
+    // The registers of one block; empty: nothing for now.
+    std::function<QVector<RegisterRange>()> next;
+    // Tells which registers cannot be read, not even in a block with others.
+    std::function<void(const QVector<RegisterRange>&)> leaveOut;
+};
+
 class Poller
 {
 public:
+    // With turns, each cycle but the first is a turn.
     Poller(ExchangeLoop& loop, const RegisterCatalogue& catalogue,
-           const QVector<RegisterRange>& ranges, const Planner& planner = {});
+           const QVector<RegisterRange>& ranges, const Planner& planner = {}, Turns turns = {});
 
     // After something else has replaced the plan.
     void planEverything();
@@ -28,7 +38,7 @@ public:
 
     QVector<quint32> values(const RegisterRange& range) const;
 
-    // Why a register was not read in the last cycle; nothing if it was.
+    // Why a register was not read in the last cycle, or in its last turn; nothing if it was.
     std::optional<ReplyVerdict> problemOf(const RegisterRange& range, int index) const;
 
 private:
@@ -40,6 +50,7 @@ private:
 
     void replan();
     bool isStopped() const;
+    bool beginCycle();
     void pollPlan();
     void pollPieces();
     void askAsideAgain();
@@ -56,6 +67,9 @@ private:
     QVector<RegisterRange> m_ranges;
     QVector<RegisterRange> m_planned;  // left to the plan
     PlanCycle m_plan;
+    Turns m_turns;
+    bool m_isInTurns = false;  // everything was read once
+    bool m_isTurnPlanned = false;
     QVector<RegisterRange> m_pieces;  // good parts of refused blocks
     QVector<Aside> m_aside;
     QHash<QString, ReplyVerdict> m_problems;         // by the register's identity
