@@ -3,8 +3,8 @@
 //
 // A second driver, written as plainly as the rules can be put down: linear scans, if-chains, no
 // table, no look-aside, nothing shared with the library but the records that the host knows. Its
-// methods are the entry points without their prefix. The model tests and the fuzzers drive both and
-// compare.
+// methods are the entry points without their prefix, and its frame codec. The model tests and the
+// fuzzers drive both and compare.
 
 #ifndef TESTS_MODEL_MODEL_DRIVER_H
 #define TESTS_MODEL_MODEL_DRIVER_H
@@ -41,6 +41,11 @@ public:
     // Exchange
     int getSendFrame(FRAME_PRO* out);
     int dealRcvFrame(QByteArray& reply, QString& errorText);
+
+    // Frames: builders append to `frames`, `judge` goes by its first: 0 rejected, 1 data, 2 ACK.
+    void buildReadFrame(const VARIABLE& request);
+    void buildWriteFrame(const VARIABLE& request);
+    int judge(const QByteArray& reply) const;
 
     // Values and recipes
     int getData(int stationNo, QString registerType, int startIndex, int count, unsigned char* out);
@@ -107,9 +112,6 @@ private:
     bool joinsBits(const Piece& piece, long long& blockStart, long long& blockCount) const;
     bool joinsWords(const Piece& piece, long long& blockStart, long long& blockCount) const;
 
-    void buildReadFrame(const VARIABLE& request);
-    void buildWriteFrame(const VARIABLE& request);
-    int judge(const QByteArray& reply) const;
     QString errorInfo(int replyBytes) const;
 
     void chooseFrame();

@@ -143,7 +143,6 @@ void ModelDriver::buildWriteFrame(const VARIABLE& request)
     frames.push_back(frameOf(bytes, request));
 }
 
-// 0 rejected, 1 data of a read, 2 a write acknowledged.
 int ModelDriver::judge(const QByteArray& reply) const
 {
     const FRAME_PRO& open = frames.front();
