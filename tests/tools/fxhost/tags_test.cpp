@@ -117,8 +117,13 @@ TEST_F(NamedTags, HaveAllMistakesOfTheirFileTold)
     const QString wrong = newFile(folder, "wrong.csv", "name,address\na,D9999\nb b,D1\n");
     const Ended ended = fxhost({"--tags", wrong, "read", "a"});
     EXPECT_EQ(ended.code, 7);
-    EXPECT_TRUE(holds(ended.err, "wrong.csv, line 2, column address: 'D9999' is out of range"));
-    EXPECT_TRUE(holds(ended.err, "wrong.csv, line 3, column name: 'b b' is not a name"));
+    EXPECT_EQ(ended.err, "fxhost: " + wrong.toStdString() +
+                             ", line 2, column address: 'D9999' is out of range: D0 to D7999 or "
+                             "D8000 to D8255\n"
+                             "fxhost: " +
+                             wrong.toStdString() +
+                             ", line 3, column name: 'b b' is not a name; use letters, digits, "
+                             "dots, - and _\n");
     EXPECT_EQ(fxhost({"--tags", wrong, "read", "D0"}).code, 0) << "only names need the file";
     EXPECT_EQ(fxhost({"--tags", "none.csv", "read", "a"}).err,
               "fxhost: none.csv: No such file or directory\n");

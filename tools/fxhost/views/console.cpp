@@ -220,14 +220,17 @@ void Console::settle()
 
 void complain(const QString& text)
 {
-    QString line = text;  // which may quote a binary file
-    for (QChar& character : line) {
-        if (!character.isPrint())
-            character = '?';
+    QString lines;
+    for (QString line : text.split('\n')) {
+        for (QChar& character : line) {  // which may quote a binary file
+            if (!character.isPrint())
+                character = '?';
+        }
+        lines += "fxhost: " + line + '\n';
     }
     if (isTerminal(STDERR_FILENO))
         Console::settle();
-    std::cerr << "fxhost: " + line.toStdString() + '\n' << std::flush;  // at once, as a whole
+    std::cerr << lines.toStdString() << std::flush;  // at once, as a whole
 }
 
 bool isConfirmed(const QString& question)
