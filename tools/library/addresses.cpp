@@ -7,8 +7,6 @@
 
 #include <QRegularExpression>
 
-#include <limits>
-
 namespace fxtools {
 
 namespace {
@@ -21,9 +19,9 @@ int wholeNumber(const QString& address, const QString& digits, const char* what)
     bool fits = false;
     const int number = digits.toInt(&fits);
     if (!fits || number < 1)
-        reject(address, QStringLiteral("has the %1 %2; use a number from 1 to %3")
-                            .arg(QLatin1String(what), digits)
-                            .arg(std::numeric_limits<int>::max()));
+        reject(
+            address,
+            QStringLiteral("has an invalid %1 %2; use 1 or more").arg(QLatin1String(what), digits));
     return number;
 }
 
@@ -68,7 +66,7 @@ QString limitsText(const QString& name, const RegisterCatalogue& catalogue)
         if (name == QLatin1String(other.written))
             text += " or " + spanText(*catalogue.find(other.meant), name);
     }
-    return text + (catalogue.find(name)->numberBase == 8 ? " in octal" : " in decimal");
+    return text + (catalogue.find(name)->numberBase == 8 ? ", in octal" : "");
 }
 
 bool isDecimalOctal(const RegisterType& type, const QString& digits)
@@ -118,8 +116,8 @@ int stationOf(const AddressParts& parts, const RegisterCatalogue& catalogue)
 {
     const int own = catalogue.ownStation().value_or(parts.station.value_or(1));
     if (parts.station.value_or(own) != own)
-        reject(parts.written, QStringLiteral("is out of reach: no frame carries a station, so this "
-                                             "link has station %1 only; each PLC needs its link")
+        reject(parts.written, QStringLiteral("names another station than %1, the one of this link; "
+                                             "each PLC needs a link of its own")
                                   .arg(own));
     return own;
 }
@@ -138,7 +136,7 @@ int bitNumber(const AddressParts& parts)
 
 QString limitsText(const RegisterType& type)
 {
-    return spanText(type, type.name) + (type.numberBase == 8 ? " in octal" : " in decimal");
+    return spanText(type, type.name) + (type.numberBase == 8 ? ", in octal" : "");
 }
 
 QString AskedAddress::nameOf(int index) const

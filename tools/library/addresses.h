@@ -58,7 +58,7 @@ RegisterRange parseAddress(const QString& text, const RegisterCatalogue& catalog
 // Whether a text has the form of addresses of known register types, whatever their numbers.
 bool isAddress(const QString& text, const RegisterCatalogue& catalogue);
 
-// "D0 to D7999 in decimal".
+// "D0 to D7999", or "X0 to X377, in octal".
 QString limitsText(const RegisterType& type);
 
 }  // namespace fxtools

@@ -34,11 +34,11 @@ int registersEach(const AskedAddress& asked, const QStringList& values, ValueSty
     if (values.size() == 1 && named == 2 && asked.range.type.width == RegisterWidth::Word)
         return 2;
     const QString first = asked.range.nameOf(0);
-    const int needed = values.size() * each;
-    reject(whole, QStringLiteral("needs %1 register%2, but names %3; use %4:%1=%5%6")
-                      .arg(needed)
-                      .arg(QLatin1String(needed == 1 ? "" : "s"))
-                      .arg(named)
+    reject(whole, QStringLiteral("names %1, but %2 %3; use %4:%3=%5%6")
+                      .arg(named == 1 ? "1 register" : QStringLiteral("%1 registers").arg(named),
+                           values.size() == 1 ? "1 value takes"
+                                              : QStringLiteral("%1 values take").arg(values.size()))
+                      .arg(values.size() * each)
                       .arg(first, values.join(','), commaHint(first, values)));
 }
 

@@ -35,14 +35,15 @@ const Mistake mistakes[] = {
      "value '70000' does not fit in 16 bits: -32768 to 65535; for 32 bits use D20:2=70000 or "
      "D20=70000 --as long"},
     {2, "write D40=3,14",
-     "'D40=3,14' needs 2 registers, but names 1; use D40:2=3,14; a decimal number has a point: "
+     "'D40=3,14' names 1 register, but 2 values take 2; use D40:2=3,14; a decimal number has a "
+     "point: "
      "D40=3.14 --as float"},
     {2, "write D8200=99", "a write to D8200 changes D72; to write there anyway use --force"},
     {2, "write 2#D100=6",
-     "'2#D100' is out of reach: no frame carries a station, so this link has station 1 only; each "
-     "PLC needs its link"},
+     "'2#D100' names another station than 1, the one of this link; each PLC needs a link of its "
+     "own"},
     {2, "write D0", "'D0' has no value; use for example D100=5 or M0=on"},
-    {2, "write D7999:2=1,2", "'D7999:2' is out of range: D0 to D7999 or D8000 to D8255 in decimal"},
+    {2, "write D7999:2=1,2", "'D7999:2' is out of range: D0 to D7999 or D8000 to D8255"},
     {2, "read D0:3 --as float",
      "D0:3: each value takes two words, so the number of words must be even"},
     {2, "recipe upload - M0:8", "M0:8: recipes hold words, not bits"},
@@ -61,7 +62,7 @@ const Mistake mistakes[] = {
     {2, "read", "address missing; for example D100:32, or -t D -r 100 -c 32"},
     {2, "watch D0 -c 3", "-c needs -r, the number of the first register: -r 100 -c 8, or D100:8"},
     {2, "read -t X", "-t needs -r, the number of the first register: -t X -r 100"},
-    {2, "write D0:3=1", "'D0:3=1' needs 1 register, but names 3; use D0:1=1"},
+    {2, "write D0:3=1", "'D0:3=1' names 3 registers, but 1 value takes 1; use D0:1=1"},
     {2, "write -r 0 D5=1", "'D5=1': with -r give only values"},
     {7, "--library /no/such/library.so types",
      "cannot load the driver library: /no/such/library.so: No such file or directory; set its path "

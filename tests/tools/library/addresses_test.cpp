@@ -69,20 +69,20 @@ const BadAddress badAddresses[] = {
     {"D-1", noAddress},
     {"D1:", noAddress},
     {"#D1", noAddress},
-    {"0#D1", "has the station 0; use a number from 1 to 2147483647"},
-    {"D1:0", "has the count 0; use a number from 1 to 2147483647"},
-    {"D1:2147483648", "has the count 2147483648; use a number from 1 to 2147483647"},
+    {"0#D1", "has an invalid station 0; use 1 or more"},
+    {"D1:0", "has an invalid count 0; use 1 or more"},
+    {"D1:2147483648", "has an invalid count 2147483648; use 1 or more"},
     {"X18", "has an invalid number; X is octal: after X17 comes X20"},
     {"Y80", "has an invalid number; Y is octal: after Y17 comes Y20"},
-    {"M3072", "is out of range: M0 to M3071 or M8000 to M8255 in decimal"},
-    {"D7999:2", "is out of range: D0 to D7999 or D8000 to D8255 in decimal"},
-    {"D8256", "is out of range: D0 to D7999 or D8000 to D8255 in decimal"},
-    {"D99999", "is out of range: D0 to D7999 or D8000 to D8255 in decimal"},
-    {"SD8256", "is out of range: SD8000 to SD8255 in decimal"},
-    {"X400", "is out of range: X0 to X377 in octal"},
-    {"32CV256", "is out of range: 32CV200 to 32CV255 in decimal"},
-    {"32CV255:2", "is out of range: 32CV200 to 32CV255 in decimal"},
-    {"D7990-D8010", "is out of range: D0 to D7999 or D8000 to D8255 in decimal"},
+    {"M3072", "is out of range: M0 to M3071 or M8000 to M8255"},
+    {"D7999:2", "is out of range: D0 to D7999 or D8000 to D8255"},
+    {"D8256", "is out of range: D0 to D7999 or D8000 to D8255"},
+    {"D99999", "is out of range: D0 to D7999 or D8000 to D8255"},
+    {"SD8256", "is out of range: SD8000 to SD8255"},
+    {"X400", "is out of range: X0 to X377, in octal"},
+    {"32CV256", "is out of range: 32CV200 to 32CV255"},
+    {"32CV255:2", "is out of range: 32CV200 to 32CV255"},
+    {"D7990-D8010", "is out of range: D0 to D7999 or D8000 to D8255"},
     {"D9-D0", "ends before it begins"},
     {"D0-M9", "has two register types"},
     {"D0.16", "has no such bit; a word has the bits 0 to 15"},
@@ -133,8 +133,8 @@ TEST(Addresses, AreOfTheLinksOwnStationOrRefused)
     EXPECT_EQ(parseAddress("2#D5", ofStation2).station, 2);
     EXPECT_EQ(
         failureOf(ExitCode::Usage, [&] { parseAddress("3#D5", ofStation2); }),
-        "'3#D5' is out of reach: no frame carries a station, so this link has station 2 only; "
-        "each PLC needs its link");
+        "'3#D5' names another station than 2, the one of this link; each PLC needs a link of its "
+        "own");
 }
 
 TEST(Catalogue, HoldsEachTypeAsTheDriverDescribesIt)

@@ -267,8 +267,7 @@ TEST_F(RegisterFiles, NamesTheLineOfAMistake)
         {"address,error\nD0,1\n", ", line 1: no column 'value' after 'address'"},
         {"tag,address,value\nt,D0,1\n",
          ", line 1: values of tags are scaled; read the registers by their addresses"},
-        {"D0,1\nD9999,1\n",
-         ", line 2: 'D9999' is out of range: D0 to D7999 or D8000 to D8255 in decimal"},
+        {"D0,1\nD9999,1\n", ", line 2: 'D9999' is out of range: D0 to D7999 or D8000 to D8255"},
         {"a line of more than forty characters, which is cut in the message\n",
          ", line 1: 'a line of more than forty characters' is not an address; use for example "
          "D100, "

@@ -190,19 +190,20 @@ const Refused refusedWrites[] = {
     {"=5", plain, "'=5' has no value; use for example D100=5 or M0=on"},
     {"X0=1", plain, "'X0=1': X registers are read-only"},
     {"D40=3,14", plain,
-     "'D40=3,14' needs 2 registers, but names 1; use D40:2=3,14; a decimal number has a point: "
+     "'D40=3,14' names 1 register, but 2 values take 2; use D40:2=3,14; a decimal number has a "
+     "point: "
      "D40=3.14 --as float"},
-    {"D40=1,2,3", plain, "'D40=1,2,3' needs 3 registers, but names 1; use D40:3=1,2,3"},
-    {"D0:3=1", plain, "'D0:3=1' needs 1 register, but names 3; use D0:1=1"},
+    {"D40=1,2,3", plain, "'D40=1,2,3' names 1 register, but 3 values take 3; use D40:3=1,2,3"},
+    {"D0:3=1", plain, "'D0:3=1' names 3 registers, but 1 value takes 1; use D0:1=1"},
     {"D0:2=1,2", longStyle,
-     "'D0:2=1,2' needs 4 registers, but names 2; use D0:4=1,2; a decimal "
+     "'D0:2=1,2' names 2 registers, but 2 values take 4; use D0:4=1,2; a decimal "
      "number has a point: D0=1.2 --as float"},
     {"D20=70000", plain,
      "value '70000' does not fit in 16 bits: -32768 to 65535; for 32 bits use D20:2=70000 or "
      "D20=70000 --as long"},
     {"D0:3=1,2.5,3", plain,
      "value '2.5' is not a whole number; for a floating-point number in two words use --as float"},
-    {"D7999:2=1,2", plain, "'D7999:2' is out of range: D0 to D7999 or D8000 to D8255 in decimal"},
+    {"D7999:2=1,2", plain, "'D7999:2' is out of range: D0 to D7999 or D8000 to D8255"},
     {"D100.5=2", plain, "value '2' is not a bit; use 0, 1, on or off"},
     {"K1M0=16", plain, "value '16' does not fit in 4 bits: 0 to 15"},
 };
