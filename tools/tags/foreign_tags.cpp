@@ -133,7 +133,7 @@ void Importer::scale(const ForeignRow& row, Fields& fields)
     if (kind != QLatin1String("linear")) {
         if (!kind.isEmpty() && kind != QLatin1String("none"))
             remark(TagRemark::Kind::Warning, row.row.line, "Scaling",
-                   quoted(row.text("Scaling")) + " was not taken over: the raw value is shown");
+                   quoted(row.text("Scaling")) + " is not imported: the raw value is shown");
         return;
     }
     const double rawLow = row.number("Raw Low");
@@ -164,7 +164,7 @@ void Importer::addScada(const CsvRow& csv)
     });
     try {
         if (known == typeNames.end() && !type.isEmpty() && type.toLower() != "default")
-            reject(type, QStringLiteral("is a Data Type that no tag has"));
+            reject(type, QStringLiteral("is not a known Data Type"));
         Fields fields = {{"address", row.text("Address")},
                          {"type", known == typeNames.end() ? "" : known->own},
                          {"unit", row.text("Eng Units")},
@@ -203,7 +203,7 @@ TagFile Importer::finish(const CsvRow& titles, const RegisterCatalogue& catalogu
         });
         if (!isUsed && m_filled.contains(m_titles[column]))
             remark(TagRemark::Kind::Warning, titles.line, titles.fields[column],
-                   QStringLiteral("was not taken over"));
+                   QStringLiteral("is not imported"));
     }
     TagFile file = tagsIn(m_own, catalogue);
     file.remarks += m_remarks;
@@ -301,7 +301,7 @@ TagFile importTags(const QString& path, std::optional<ForeignForm> form,
                 return importTable(csv, one, catalogue);
         }
     }
-    throw Failure(ExitCode::File, path + ": no row of titles: expected Tag Name,Address,... or "
+    throw Failure(ExitCode::File, path + ": no heading row: expected Tag Name,Address,... or "
                                          "Device,Label,Comment");
 }
 
@@ -324,7 +324,7 @@ ExportedTags exportTags(const QVector<Tag>& tags, ForeignForm form,
         back.insert(tag.name, tag);
     for (const Tag& tag : tags) {
         const QStringList lost = differences(tag, back.value(tag.name));
-        const QString text = tag.name + " is without its " + lost.join(QStringLiteral(", "));
+        const QString text = tag.name + " loses its " + lost.join(QStringLiteral(", "));
         if (!lost.isEmpty())
             exported.remarks.append({TagRemark::Kind::Warning, tag.line, {}, text});
     }

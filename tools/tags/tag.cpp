@@ -114,9 +114,9 @@ QString rawText(const Tag& tag, const QString& text)
     if (!tag.isNumber() || (!isDecimal && !tag.isScaled()))
         return text;
     if (!isDecimal || !std::isfinite(value))
-        rejectValue(tag, text,
-                    text.contains(',') ? QStringLiteral("is not a number: use a decimal point")
-                                       : QStringLiteral("is not a number; use for example 71.5"));
+        throw Failure(ExitCode::Usage,
+                      tag.name + ": " + quoted(text) + " is not a number; use " +
+                          (text.contains(',') ? "a decimal point" : "for example 71.5"));
     requireWithinLimits(tag, text, value);
     const double raw = rawFor(tag, text, value);
     if (tag.style.format == ValueFormat::Float)

@@ -55,7 +55,7 @@ void takeScale(Tag& tag, const QString& text, const Reading& reading)
 {
     tag.scale = number(text, reading);
     if (tag.scale == 0)
-        reject(text, QStringLiteral("leaves nothing of a value; use for example 0.1"));
+        reject(text, QStringLiteral("makes every value the same; use for example 0.1"));
 }
 
 void takeDeadband(Tag& tag, const QString& text, const Reading& reading)
@@ -172,7 +172,7 @@ void fitRegisters(Tag& tag)
     const bool isWord = type.width == RegisterWidth::Word && !tag.asked.bit;
     const ValueFormat format = tag.style.format;
     if (tag.isOneBit() && format != ValueFormat::Signed)
-        reject(tag.asked.text(), QStringLiteral("is a bit, which has no type"));
+        reject(tag.asked.text(), QStringLiteral("is a bit; leave its type empty"));
     const bool needsWords =
         tag.style.swap || format == ValueFormat::Float || format == ValueFormat::Text;
     if (needsWords && !isWord)
@@ -185,11 +185,12 @@ void fitRegisters(Tag& tag)
     widen(tag.asked, tag.style);
     const int each = registersPerValue(tag.asked, tag.style);
     if (tag.asked.range.count != each)
-        reject(tag.asked.text(), QStringLiteral("does not name the registers of one value: %1")
-                                     .arg(each == 1 ? "one" : QString::number(each)));
+        reject(tag.asked.text(), QStringLiteral("is %1 registers, but a value of its type takes %2")
+                                     .arg(tag.asked.range.count)
+                                     .arg(each));
     if (each > mostTextWords && !tag.asked.isGroup)
-        reject(tag.asked.text(), QStringLiteral("is a text of more than %1 registers, which no "
-                                                "frame brings at once")
+        reject(tag.asked.text(), QStringLiteral("is a text of more than %1 registers, the most in "
+                                                "one frame")
                                      .arg(mostTextWords));
     if (!tag.asked.isGroup)
         tag.asked.range.together = each;
@@ -230,7 +231,7 @@ Reader::Reader(const CsvRow& titles, QChar separator, const RegisterCatalogue& c
             return title.compare(QLatin1String(column.title), Qt::CaseInsensitive) == 0;
         });
         if (isKnown && m_titles.contains(title.toLower()))
-            fail(title, QStringLiteral("stands here twice"));
+            fail(title, QStringLiteral("appears twice"));
         else if (!isKnown && !title.isEmpty())
             warn(title, "unknown column " + quoted(title) + " is ignored; known: " + knownTitles());
         m_titles += title.toLower();
@@ -285,7 +286,7 @@ void Reader::checkFields(const CsvRow& row)
         if (text.contains(QChar::ReplacementCharacter))
             fail(m_titles.value(column), quoted(text) + " is not UTF-8; save the file as UTF-8");
         if (column >= m_titles.size() && !text.isEmpty())
-            fail({}, QStringLiteral("%1 is a field too many; put a text with %2 in quotes")
+            fail({}, QStringLiteral("%1 is one field too many; put text that contains %2 in quotes")
                          .arg(quoted(text), QString(m_separator)));
     }
     if (row.isOpen)
@@ -327,15 +328,15 @@ void Reader::checkWhole(const QStringList& fields, Tag& tag)
     checkOrder({"min", "max"}, tag.min, tag.max);
     checkOrder({"alarm_low", "alarm_high"}, tag.alarmLow, tag.alarmHigh);
     if (tag.isNumber() && !tag.isFinite())
-        fail(QStringLiteral("scale"), QStringLiteral("makes values that are too large"));
+        fail(QStringLiteral("scale"), QStringLiteral("makes the values too large"));
 }
 
 void Reader::checkOrder(const QStringList& titles, const std::optional<double>& low,
                         const std::optional<double>& high)
 {
     if (low && high && *low > *high)
-        fail(titles[0], QStringLiteral("%1 is above %2, the %3")
-                            .arg(numberText(*low), numberText(*high), titles[1]));
+        fail(titles[0], QStringLiteral("%1 %2 is above %3 %4")
+                            .arg(titles[0], numberText(*low), titles[1], numberText(*high)));
 }
 
 }  // namespace
@@ -364,7 +365,7 @@ QString nameMistake(const QString& name, const RegisterCatalogue& catalogue)
         return QStringLiteral("is not a name; use letters, digits, dots, - and _");
     if (name.size() > mostNameCharacters)
         return QStringLiteral("is longer than %1 characters").arg(mostNameCharacters);
-    return isAddress(name, catalogue) ? QStringLiteral("is an address, which no tag can be called")
+    return isAddress(name, catalogue) ? QStringLiteral("is an address, so it cannot be a name")
                                       : QString();
 }
 

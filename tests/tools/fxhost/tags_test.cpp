@@ -68,7 +68,7 @@ TEST_F(NamedTags, AreFoundByPatterns)
                          "boiler.flow,D2,0,l/min,\npump,M10,0,,\nproduct,D10:4,,,\n");
     EXPECT_EQ(errorOf({"read", "boiler.setpiont"}),
               "fxhost: unknown tag 'boiler.setpiont'; did you mean 'boiler.setpoint'?\n");
-    EXPECT_EQ(errorOf({"read", "b?iler"}), "fxhost: unknown tag 'b?iler'\n");
+    EXPECT_EQ(errorOf({"read", "b?iler"}), "fxhost: no tag matches 'b?iler'\n");
     EXPECT_EQ(errorOf({"write", "boiler.*=5"}),
               "fxhost: 'boiler.*' is a pattern; write one tag at a time\n");
 }
@@ -127,6 +127,16 @@ TEST_F(NamedTags, HaveAllMistakesOfTheirFileTold)
     EXPECT_EQ(fxhost({"--tags", wrong, "read", "D0"}).code, 0) << "only names need the file";
     EXPECT_EQ(fxhost({"--tags", "none.csv", "read", "a"}).err,
               "fxhost: none.csv: No such file or directory\n");
+}
+
+TEST_F(NamedTags, AreCheckedInTheOrderOfTheirLines)
+{
+    const QString wrong = newFile(folder, "wrong.csv", "name,address\na,D1\nb,D1\nc,Q1\n");
+    const Ended ended = fxhost({"tags", "check", wrong, "--csv", "-q"});
+    EXPECT_EQ(ended.code, 1);
+    EXPECT_TRUE(holds(ended.out, "3,address,warning,\"b shares registers with a, line 2\"\n"
+                                 "4,address,error,"))
+        << ended.out;
 }
 
 // The link column names a PLC of the configuration.

@@ -68,11 +68,11 @@ TEST(ForeignTags, FromAScadaListAreScaledAndLimited)
               "Flow,D20:2,float,,,l/min,100,,,,\n"
               "Root,D103,,,,,100,,,,\n"
               "Door,D5.10,,,,,100,ro,,,\n"
-              "line 1, column Respect Data Type: was not taken over\n"
-              "line 1, column Scaled Data Type: was not taken over\n"
+              "line 1, column Respect Data Type: is not imported\n"
+              "line 1, column Scaled Data Type: is not imported\n"
               "line 5, column name: 'Pump 1 runs' became 'Pump_1_runs'\n"
-              "line 8, column Scaling: 'Square Root' was not taken over: the raw value is shown\n"
-              "line 10: 'LBCD' is a Data Type that no tag has\n"
+              "line 8, column Scaling: 'Square Root' is not imported: the raw value is shown\n"
+              "line 10: 'LBCD' is not a known Data Type\n"
               "line 11, column address: 'D9999' is out of range: D0 to D7999 or D8000 to D8255 in "
               "decimal\n"
               "line 12: '7' is both Raw Low and Raw High\n"
@@ -121,12 +121,12 @@ TEST(ForeignTags, TellWhatAnExportLoses)
                                      "kept,D0,,,,\nbits,D1,hex,,,\nalarm,D2,,0.5,3,press1\n"
                                      "text,D30:8,text,,,\n");
     EXPECT_EQ(textOf(exportTags(tags, ForeignForm::Scada, catalogue()).remarks),
-              "line 3: bits is without its type\n"
-              "line 4: alarm is without its deadband, alarm_low, link");
+              "line 3: bits loses its type\n"
+              "line 4: alarm loses its deadband, alarm_low, link");
     EXPECT_EQ(textOf(exportTags(tags, ForeignForm::Comments, catalogue()).remarks),
-              "line 3: bits is without its type\n"
-              "line 4: alarm is without its deadband, alarm_low, link\n"
-              "line 5: text is without its address, type");
+              "line 3: bits loses its type\n"
+              "line 4: alarm loses its deadband, alarm_low, link\n"
+              "line 5: text loses its address, type");
 }
 
 TEST(TagCheck, RemarksOnWhatIsHardlyMeant)

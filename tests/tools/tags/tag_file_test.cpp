@@ -131,13 +131,13 @@ TEST_F(TagFiles, HaveAllTheirMistakesToldAtOnce)
               "line 3, column name: 'a b' is not a name; use letters, digits, dots, - and _\n"
               "line 3, column address: 'D99999' is out of range: D0 to D7999 or D8000 to D8255 in "
               "decimal\n"
-              "line 3, column scale: '0' leaves nothing of a value; use for example 0.1\n"
+              "line 3, column scale: '0' makes every value the same; use for example 0.1\n"
               "line 4, column name: a is already in line 2\n"
               "line 5, column name: '' is not a name; use letters, digits, dots, - and _\n"
               "line 5, column address: '' is not an address; use for example D100, X17, D100:32 or "
               "D0-D9\n"
-              "line 6, column name: 'M5' is an address, which no tag can be called\n"
-              "line 7: 'more' is a field too many; put a text with , in quotes\n"
+              "line 6, column name: 'M5' is an address, so it cannot be a name\n"
+              "line 7: 'more' is one field too many; put text that contains , in quotes\n"
               "line 8, column address: 'D4' has an opening quote, but no closing one\n"
               "line 9, column name: '\xEF\xBF\xBD' is not UTF-8; save the file as UTF-8");
 }
@@ -159,18 +159,18 @@ TEST_F(TagFiles, NameWhatIsWrongInEachColumn)
          "type: 'signed swap' is not a type; use signed, unsigned, hex, "
          "bin, bcd, long, ulong, float or text, for two words with the "
          "high one first for example float swap"},
-        {"type", "M0,hex", "address: 'M0' is a bit, which has no type"},
-        {"type", "D0.1,long", "address: 'D0.1' is a bit, which has no type"},
+        {"type", "M0,hex", "address: 'M0' is a bit; leave its type empty"},
+        {"type", "D0.1,long", "address: 'D0.1' is a bit; leave its type empty"},
         {"type", "32CV200,float",
          "address: '32CV200' is not a 16-bit register, which type float "
          "needs"},
-        {"type", "D0:2,", "address: 'D0:2' does not name the registers of one value: one"},
-        {"type", "D0:4,long", "address: 'D0:4' does not name the registers of one value: 2"},
+        {"type", "D0:2,", "address: 'D0:2' is 2 registers, but a value of its type takes 1"},
+        {"type", "D0:4,long", "address: 'D0:4' is 4 registers, but a value of its type takes 2"},
         {"type", "D0:33,text",
-         "address: 'D0:33' is a text of more than 32 registers, which no "
-         "frame brings at once"},
+         "address: 'D0:33' is a text of more than 32 registers, the most "
+         "in one frame"},
         {"scale", "D0,inf", "scale: 'inf' is not a number; use for example 0.1"},
-        {"scale", "D0,1e306", "scale: makes values that are too large"},
+        {"scale", "D0,1e306", "scale: makes the values too large"},
         {"scale", "M0,0.1",
          "scale: '0.1' has no meaning for a bit, a text, hex or bin; leave it "
          "empty"},
@@ -178,8 +178,8 @@ TEST_F(TagFiles, NameWhatIsWrongInEachColumn)
         {"period_ms", "D0,0", "period_ms: '0' is not a time in ms; use 1 to 86400000"},
         {"period_ms", "D0,1.5", "period_ms: '1.5' is not a time in ms; use 1 to 86400000"},
         {"access", "D0,wo", "access: 'wo' is not an access; use ro or rw"},
-        {"min,max", "D0,5,4.5", "min: 5 is above 4.5, the max"},
-        {"alarm_low,alarm_high", "D0,2,1", "alarm_low: 2 is above 1, the alarm_high"},
+        {"min,max", "D0,5,4.5", "min: min 5 is above max 4.5"},
+        {"alarm_low,alarm_high", "D0,2,1", "alarm_low: alarm_low 2 is above alarm_high 1"},
     };
     for (const Row& row : rows) {
         EXPECT_EQ(remarksOf(QByteArray("name,address,") + row.columns + "\nt," + row.fields + '\n'),
@@ -199,7 +199,7 @@ TEST_F(TagFiles, NeedARowOfTitles)
               "line 1: no column 'name'; the first row names the columns: name,address and others\n"
               "line 1: no column 'address'; the first row names the columns: name,address and "
               "others");
-    EXPECT_EQ(remarksOf("name,address,name\n"), "line 1, column name: stands here twice");
+    EXPECT_EQ(remarksOf("name,address,name\n"), "line 1, column name: appears twice");
     EXPECT_THROW(read("# nothing\n"), Failure);
 }
 

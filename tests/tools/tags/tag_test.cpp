@@ -119,8 +119,8 @@ TEST(Tags, RefuseWhatTheirRegistersDoNotHold)
     EXPECT_EQ(written(tagAt("32CV200", 10), "21474836480"),
               "'t=21474836480' does not fit: -21474836480 to 21474836470");
     EXPECT_EQ(written(tagAt("D0"), "7.5"), "'t=7.5' is not a whole number");
-    EXPECT_EQ(written(tagAt("D0", 0.1), "7,5"), "'t=7,5' is not a number: use a decimal point");
-    EXPECT_EQ(written(tagAt("D0", 0.1), "nan"), "'t=nan' is not a number; use for example 71.5");
+    EXPECT_EQ(written(tagAt("D0", 0.1), "7,5"), "t: '7,5' is not a number; use a decimal point");
+    EXPECT_EQ(written(tagAt("D0", 0.1), "nan"), "t: 'nan' is not a number; use for example 71.5");
 }
 
 TEST(Tags, KeepTheirLimitsAlsoAfterRounding)

@@ -6,6 +6,8 @@
 #include "tools/fxhost/commands/limits.h"
 #include "tools/quoted.h"
 
+#include <QRegularExpression>
+
 #include <fnmatch.h>
 
 namespace fxtools {
@@ -96,6 +98,8 @@ QVector<Tag> tagsNamed(const QString& name, const AddressServices& services)
         if (fnmatch(pattern.constData(), tag.name.toUtf8().constData(), 0) == 0)
             found.append(tag);
     }
+    if (found.isEmpty() && name.contains(QRegularExpression(QStringLiteral("[*?[]"))))
+        throw Failure(ExitCode::Usage, "no tag matches " + quoted(name));
     if (found.isEmpty())
         throw Failure(ExitCode::Usage, "unknown tag " + quoted(name) + didYouMean(name, known));
     return found;

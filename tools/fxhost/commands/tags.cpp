@@ -39,7 +39,9 @@ ExitCode checkTagFile(const CommonOptions& common, const TagsOptions& options)
     const AddressServices services(common);
     const QString path = QString::fromStdString(options.from);
     const TagFile file = readTagFile(path, services.catalogue);
-    const QVector<TagRemark> remarks = file.remarks + checkTags(file.tags, services.catalogue);
+    QVector<TagRemark> remarks = file.remarks + checkTags(file.tags, services.catalogue);
+    std::stable_sort(remarks.begin(), remarks.end(),
+                     [](const auto& one, const auto& other) { return one.line < other.line; });
     const int errors = showRemarks(remarks, common.output);
     if (common.output.mode == OutputMode::People && !common.output.quiet)
         Console().line(QStringLiteral("%1: %2, %3, %4")
