@@ -99,6 +99,8 @@ void showPorts(const OutputOptions& output);
 // Accepts "1000", "1000ms", "1.5s", "10min", "8h" and "1d", and makes milliseconds of it.
 CLI::Validator timeWithin(Limits limitsMs);
 CLI::Validator within(Limits limits);
+CLI::Validator numberWithin(int least, int most);  // also a fraction
+CLI::Validator oneOf(const QStringList& words);
 
 // Examples below the help of a command; each runs as it stands.
 void addExamples(CLI::App& command, const std::vector<std::string>& examples);

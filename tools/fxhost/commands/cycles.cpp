@@ -10,6 +10,7 @@ namespace fxtools {
 namespace {
 
 constexpr int longestIntervalMs = 86400000;
+constexpr int longestTurnaroundMs = 60000;
 
 }  // namespace
 
@@ -20,7 +21,7 @@ void addPlanningOptions(CLI::App& command, PlanningOptions& options)
             "--plan", [&options](const std::string& plan) { options.isGiven = plan == "given"; },
             "shortest (default), or given: the driver's own plan")
         ->type_name("PLAN")
-        ->check(CLI::IsMember({"given", "shortest"}).description(""));
+        ->check(oneOf({"shortest", "given"}));
     addTurnaroundOption(command, options.turnaroundMs, "as measured");
 }
 
@@ -30,7 +31,7 @@ void addTurnaroundOption(CLI::App& command, double& turnaroundMs, const std::str
         .add_option("--turnaround", turnaroundMs,
                     "Time from a request to its reply in ms (default: " + unlessGiven + ")")
         ->type_name("MS")
-        ->check(CLI::Range(0.0, 60000.0).description(""));
+        ->check(numberWithin(0, longestTurnaroundMs));
 }
 
 int baudOf(const LinkSettings& link)

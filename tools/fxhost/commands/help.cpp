@@ -120,8 +120,10 @@ QString reworded(const QString& text)
     static const QRegularExpression value(QStringLiteral("^(\\S+): 1 required (\\S+) missing$"));
     if (subcommand.match(text).hasMatch())
         return QStringLiteral("command missing");
-    if (argument.match(text).hasMatch())
-        return argument.match(text).captured(1).toUpper() + " missing";
+    if (argument.match(text).hasMatch()) {
+        const QString name = argument.match(text).captured(1);
+        return (name.startsWith('-') ? name : name.toUpper()) + " missing";
+    }
     if (value.match(text).hasMatch())
         return QString(text).replace(value, QStringLiteral("\\1: \\2 missing"));
     return QString(text).replace(QLatin1String(" excludes "),

@@ -86,6 +86,26 @@ CLI::Validator within(Limits limits)
     });
 }
 
+CLI::Validator numberWithin(int least, int most)
+{
+    return checked([least, most](std::string& text) {
+        bool isNumber = false;
+        const double number = QString::fromStdString(text).toDouble(&isNumber);
+        return isNumber && number >= least && number <= most
+                   ? std::string()
+                   : isNot(text, QStringLiteral("a number from %1 to %2").arg(least).arg(most));
+    });
+}
+
+CLI::Validator oneOf(const QStringList& words)
+{
+    return checked([words](std::string& text) {
+        return words.contains(QString::fromStdString(text))
+                   ? std::string()
+                   : isNot(text, words.join(QStringLiteral(" or ")));
+    });
+}
+
 CLI::Validator timeWithin(Limits limitsMs)
 {
     return checked([limitsMs](std::string& text) {

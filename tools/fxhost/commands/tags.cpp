@@ -96,7 +96,7 @@ CLI::Option* addFormOption(CLI::App& command, const char* option, TagsOptions& o
 {
     return command.add_option(option, options.form, meaning)
         ->type_name("FORM")
-        ->check(CLI::IsMember({"scada", "comments"}).description(""));
+        ->check(oneOf({"scada", "comments"}));
 }
 
 void addOutputFile(CLI::App& command, FileOptions& options)
