@@ -73,8 +73,7 @@ TEST(ForeignTags, FromAScadaListAreScaledAndLimited)
               "line 5, column name: 'Pump 1 runs' became 'Pump_1_runs'\n"
               "line 8, column Scaling: 'Square Root' is not imported: the raw value is shown\n"
               "line 10: 'LBCD' is not a known Data Type\n"
-              "line 11, column address: 'D9999' is out of range: D0 to D7999 or D8000 to D8255 in "
-              "decimal\n"
+              "line 11, column address: 'D9999' is out of range: D0 to D7999 or D8000 to D8255\n"
               "line 12: '7' is both Raw Low and Raw High\n"
               "line 13, column type: 'bit' is not the type of D106");
 }
