@@ -120,7 +120,7 @@ TEST_F(TerminalViews, OneTableStaysWhileALinkIsLost)
     ASSERT_TRUE(terminal.waitForText("cycle 3:"));
     plc.command("drop-link 100");
     ASSERT_TRUE(terminal.waitForText("the link was lost"));
-    ASSERT_TRUE(terminal.waitForText("D0      0  link-lost")) << "old, and dimmed";
+    ASSERT_TRUE(terminal.waitForText("D0      0  link lost")) << "old, and dimmed";
     plc.command("poke 0x1000 77");
     ASSERT_TRUE(terminal.waitForText("D0     77"));
     ASSERT_TRUE(terminal.waitForText("  cycle "));
@@ -165,7 +165,7 @@ TEST_F(TerminalViews, WatchWritesAfterAYes)
     terminal.press('y');
     ASSERT_TRUE(terminal.waitForText("D0=5 written and read back"));
     EXPECT_EQ(plc.command("peek 0x1000"), "1000: 05\n");
-    for (const char key : QByteArray("wX0=1\ry"))
+    for (const char key : QByteArray("wX0=1\r"))
         terminal.press(key);
     ASSERT_TRUE(terminal.waitForText("read-only"));
     expectCleanEnd(terminal, ctrlC);

@@ -79,6 +79,13 @@ bool Watcher::isNew(const PolledValue& polled) const
            differs(polled.value, found->value, polled.deadband.value_or(m_options.deadband));
 }
 
+// What stands beside an old value: one or two words.
+QString reasonText(ReplyVerdict problem)
+{
+    return problem == ReplyVerdict::Silence ? verdictText(problem)
+                                            : verdictName(problem).replace('-', ' ');
+}
+
 // One cell for each value; bits stand together.
 QVector<Reading> readingsOf(const Poller& poller, const Tag& tag)
 {
@@ -91,7 +98,7 @@ QVector<Reading> readingsOf(const Poller& poller, const Tag& tag)
                 problem = poller.problemOf(part, index);
             readings.append({tag.name.isEmpty() ? part.text() : tag.name,
                              bitsText(poller.values(part)), std::nullopt,
-                             problem ? verdictName(*problem) : QString(), std::nullopt});
+                             problem ? reasonText(*problem) : QString(), std::nullopt});
         }
         return readings;
     }
@@ -101,7 +108,7 @@ QVector<Reading> readingsOf(const Poller& poller, const Tag& tag)
             polled.unit.isEmpty() || value.isUndefined() ? QString() : ' ' + polled.unit;
         readings.append({polled.name, value.toVariant().toString() + unit,
                          value.isDouble() ? std::optional(value.toDouble()) : std::nullopt,
-                         polled.problem ? verdictName(*polled.problem) : QString(),
+                         polled.problem ? reasonText(*polled.problem) : QString(),
                          polled.deadband});
     }
     return readings;
@@ -119,7 +126,8 @@ public:
     LiveWatch(const CommonOptions& common, const WatchOptions& options)
         : m_options(options), m_timestamps(common.output.timestamps),
           m_view({linkLabel(common.link.settings(SimulatedSettings())), !common.output.quiet,
-                  common.link.named.has_value()})
+                  common.link.named.has_value(),
+                  [this](const QString& assignment) { return mistakeIn(assignment); }})
     {
         m_clock.start();
     }
@@ -131,6 +139,7 @@ private:
     void wait(qint64 timeMs);
     void showLinkState(const QString& state);
     void showCycle(qint64 tookUs);
+    QString mistakeIn(const QString& assignment) const;
     void write(const QString& assignment);
     void draw();
 
@@ -205,12 +214,25 @@ void LiveWatch::wait(qint64 timeMs)
     }
 }
 
+QString LiveWatch::mistakeIn(const QString& assignment) const
+{
+    if (!m_connection)
+        return QStringLiteral("not connected yet");
+    try {
+        const TagWrite wanted = parseWrite(assignment, m_connection->services(), m_options.style);
+        requireOwnMemory(wanted.asked.range, m_connection->catalogue());
+        return {};
+    } catch (const Failure& failure) {
+        return failure.text();
+    }
+}
+
+// An assignment without a mistake.
 void LiveWatch::write(const QString& assignment)
 {
     try {
         const TagWrite wanted = parseWrite(assignment, m_connection->services(), m_options.style);
         const RegisterRange& range = wanted.asked.range;
-        requireOwnMemory(range, m_connection->catalogue());
         if (wanted.asked.bit && readBack(m_connection->loop(), range) != ReplyVerdict::Good)
             throw Failure(ExitCode::Usage, range.text() + " could not be read");
         const QVector<quint32> values = wanted.valuesOver(m_connection->session().values(range));
@@ -231,7 +253,7 @@ void LiveWatch::showLinkState(const QString& state)
 {
     const bool isBack = m_connection && m_connection->link().isOpen();
     if (!isBack)
-        m_view.markAllStale(verdictName(ReplyVerdict::LinkLost));
+        m_view.markAllStale(reasonText(ReplyVerdict::LinkLost));
     m_view.setState(state, isBack, m_clock.elapsed());
     draw();
 }

@@ -17,6 +17,7 @@ constexpr int trendColumns = 8;
 constexpr int ageColumns = 7;  // "!12 min"
 constexpr int indentColumns = 2;
 constexpr int keptCycles = 60;
+constexpr int shownSinceMs = 1000;  // how long the PLC has been away
 const QString gap = QStringLiteral("  ");
 
 // Numbers in a name count as such: D2 comes before D10.
@@ -198,7 +199,11 @@ LiveView::Wish LiveView::edit(const Key& key)
     } else if (key.kind == Key::Kind::Backspace) {
         m_input->chop(1);
     } else if (key.kind == Key::Kind::Enter && !m_input->trimmed().isEmpty()) {
-        m_isAsking = true;
+        if (m_settings.mistakeIn)
+            m_message = m_settings.mistakeIn(m_input->trimmed());
+        m_isAsking = m_message.isEmpty();
+        if (!m_isAsking)
+            m_input.reset();
     } else {
         m_input.reset();
     }
@@ -273,8 +278,8 @@ QString LiveView::stateLine(const Console& console, qint64 nowMs) const
 {
     QString text = m_isPaused ? "paused; " + m_state : m_state;
     const int stale = staleCells();
-    if (!m_isGood)
-        text += ", " + ageText(nowMs - m_badSinceMs);
+    if (!m_isGood && nowMs - m_badSinceMs >= shownSinceMs)
+        text += ", for " + ageText(nowMs - m_badSinceMs);
     else if (stale > 0)
         text += QStringLiteral("; %1 of %2 not read").arg(stale).arg(m_cells.size());
     return gap + console.bold(m_settings.link) + gap +
@@ -292,10 +297,19 @@ QString LiveView::question() const
     return "write " + m_input->trimmed() + now + "? y/n";
 }
 
+// With the name of a value on the screen, which may be a tag.
+QString LiveView::example() const
+{
+    const auto cell = std::find_if(m_cells.begin(), m_cells.end(),
+                                   [](const Cell& one) { return one.reading.number.has_value(); });
+    return (cell == m_cells.end() ? QStringLiteral("D100") : cell->reading.name) + "=5";
+}
+
 QString LiveView::keyLine() const
 {
     if (m_input)
-        return gap + (m_isAsking ? question() : "write, such as D100=5: " + *m_input + '_');
+        return gap +
+               (m_isAsking ? question() : "write, such as " + example() + ": " + *m_input + '_');
     if (!m_message.isEmpty())
         return gap + m_message;
     const QString keys = QStringLiteral("q quit  p pause  s sort  w write");

@@ -19,6 +19,7 @@
 
 #include <QVector>
 
+#include <functional>
 #include <optional>
 
 namespace fxtools {
@@ -49,6 +50,7 @@ public:
         QString link;
         bool hasTitles = true;  // and the keys
         bool mayWrite = true;
+        std::function<QString(const QString& assignment)> mistakeIn = {};  // empty: none
     };
 
     explicit LiveView(const Settings& settings) : m_settings(settings) {}
@@ -103,6 +105,7 @@ private:
     QString stateLine(const Console& console, qint64 nowMs) const;
     QString keyLine() const;
     QString question() const;
+    QString example() const;
     Wish command(const Key& key);
     Wish edit(const Key& key);
     void scroll(Key::Kind kind);

@@ -88,18 +88,18 @@ TEST_F(LiveScreen, KeepsAValueThatCouldNotBeReadWithItsAge)
 
 TEST_F(LiveScreen, ShowsWhatWasNeverRead)
 {
-    view.update({{"D0", {}, {}, "silence"}}, 0);
-    EXPECT_EQ(shown()[1], "  D0      -  silence   !never");
+    view.update({{"D0", {}, {}, "no reply"}}, 0);
+    EXPECT_EQ(shown()[1], "  D0      -  no reply  !never");
 }
 
 TEST_F(LiveScreen, TellsHowLongTheLinkHasBeenLost)
 {
     view.update(words(1), 0);
-    view.markAllStale("link-lost");
+    view.markAllStale("link lost");
     view.setState("the link was lost", false, 1000);
     view.setState("the link was lost", false, 4000);
-    EXPECT_EQ(shown(usual, 13000)[0], "  sim:  the link was lost, 12 s");
-    EXPECT_EQ(shown(usual, 13000)[1], "  D0    100  link-lost  !13 s");
+    EXPECT_EQ(shown(usual, 13000)[0], "  sim:  the link was lost, for 12 s");
+    EXPECT_EQ(shown(usual, 13000)[1], "  D0    100  link lost  !13 s");
     view.update(words(1), 14000);
     view.setState("cycle 2: 1 ms", true, 14000);
     EXPECT_EQ(shown(usual, 14000)[0], "  sim:  cycle 2: 1 ms");
@@ -167,7 +167,7 @@ TEST_F(LiveScreen, AsksBeforeItWrites)
     EXPECT_EQ(press("wd0=x\x7f"
                     "7"),
               LiveView::Wish::Nothing);
-    EXPECT_EQ(shown().last(), "  write, such as D100=5: d0=7_");
+    EXPECT_EQ(shown().last(), "  write, such as D0=5: d0=7_");
     EXPECT_EQ(press("\r"), LiveView::Wish::Nothing);
     EXPECT_EQ(shown().last(), "  write d0=7 (now 100)? y/n");
     EXPECT_EQ(press("y"), LiveView::Wish::Write);
@@ -184,6 +184,15 @@ TEST_F(LiveScreen, WritesNothingWithoutAYes)
     EXPECT_EQ(press("wD0=7\x1b"), LiveView::Wish::Nothing);
     EXPECT_EQ(press("q"), LiveView::Wish::Quit) << "q is a command again";
     EXPECT_EQ(view.takeAssignment(), "");
+}
+
+TEST_F(LiveScreen, AsksNothingAboutAMistake)
+{
+    view = LiveView({"sim:", true, true, [](const QString& text) { return text + " is wrong"; }});
+    EXPECT_EQ(press("wfoo\ry"), LiveView::Wish::Nothing);
+    EXPECT_EQ(shown().last(), "  q quit  p pause  s sort  w write") << "y is no answer";
+    press("wfoo\r");
+    EXPECT_EQ(shown().last(), "  foo is wrong");
 }
 
 TEST_F(LiveScreen, WritesOnlyWhereALinkWasNamed)
