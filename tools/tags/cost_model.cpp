@@ -15,18 +15,21 @@ constexpr qint64 leastOnNetworkUs = 10;
 
 }  // namespace
 
-LineCost measuredLine(const Statistics& statistics, int baud, std::optional<qint64> turnaroundUs)
+LineUse acceptedUse(const Statistics& statistics)
+{
+    return {statistics.total().accepted, statistics.acceptedCharacters, statistics.acceptedUs};
+}
+
+LineCost measuredLine(const LineUse& use, int baud, std::optional<qint64> turnaroundUs)
 {
     if (turnaroundUs)
         return {*turnaroundUs, baud};
-    const qint64 exchanges = statistics.total().accepted;
-    if (exchanges == 0)
+    if (use.exchanges == 0)
         return {LineCost().turnaroundUs, baud};
-    const qint64 charactersUs =
-        qint64(1000000) * bitsPerCharacter * statistics.acceptedCharacters / baud;
-    if (2 * statistics.acceptedUs < charactersUs)
-        return {std::max(statistics.acceptedUs / exchanges, leastOnNetworkUs), networkBaud};
-    return {std::max<qint64>(statistics.acceptedUs - charactersUs, 0) / exchanges, baud};
+    const qint64 charactersUs = qint64(1000000) * bitsPerCharacter * use.characters / baud;
+    if (2 * use.tookUs < charactersUs)
+        return {std::max(use.tookUs / use.exchanges, leastOnNetworkUs), networkBaud};
+    return {std::max<qint64>(use.tookUs - charactersUs, 0) / use.exchanges, baud};
 }
 
 }  // namespace fxtools

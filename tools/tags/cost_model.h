@@ -44,9 +44,17 @@ constexpr double milliseconds(Cost cost, const LineCost& line)
     return static_cast<double>(cost) / line.baud / 1000;
 }
 
-// The line as the accepted exchanges have shown it: the turnaround is what they took beyond their
-// characters. None so far: a usual one, unless one is given.
-LineCost measuredLine(const Statistics& statistics, int baud,
-                      std::optional<qint64> turnaroundUs = {});
+struct LineUse
+{
+    qint64 exchanges = 0;  // that were accepted
+    qint64 characters = 0;
+    qint64 tookUs = 0;
+};
+
+LineUse acceptedUse(const Statistics& statistics);
+
+// The line as exchanges have shown it: the turnaround is what they took beyond their characters. No
+// exchange so far: a usual one, unless one is given.
+LineCost measuredLine(const LineUse& use, int baud, std::optional<qint64> turnaroundUs = {});
 
 }  // namespace fxtools

@@ -37,8 +37,7 @@ bool continues(const RegisterRange& range, const RegisterRange& next)
 
 }  // namespace
 
-Schedule::Schedule(const QVector<PeriodicRange>& wanted, int wordsPerFrame, const LineCost& line,
-                   qint64 readUs)
+Schedule::Schedule(const QVector<PeriodicRange>& wanted, int wordsPerFrame, const LineCost& line)
     : m_wordsPerFrame(wordsPerFrame)
 {
     for (const PeriodicRange& range : wanted)
@@ -55,6 +54,10 @@ Schedule::Schedule(const QVector<PeriodicRange>& wanted, int wordsPerFrame, cons
         });
     m_values.erase(end, m_values.end());
     setLine(line);
+}
+
+void Schedule::begin(qint64 readUs)
+{
     for (Value& value : m_values) {
         value.dueUs = readUs + value.expectedUs;
         value.wantedAgainUs = readUs + value.wantedUs;

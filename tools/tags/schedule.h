@@ -29,10 +29,10 @@ struct PeriodicRange
 class Schedule
 {
 public:
-    // Everything was read at `readUs`. A register with several periods gets the shortest.
-    Schedule(const QVector<PeriodicRange>& wanted, int wordsPerFrame, const LineCost& line,
-             qint64 readUs);
+    // A register with several periods gets the shortest.
+    Schedule(const QVector<PeriodicRange>& wanted, int wordsPerFrame, const LineCost& line);
 
+    void begin(qint64 readUs);  // everything was read at that time
     void setLine(const LineCost& line);
     void setUnreadable(const QVector<RegisterRange>& unreadable);  // no block reads over them
     const LineLoad& load() const { return m_load; }

@@ -184,7 +184,7 @@ Cost costOf(const QVector<PlannedBlock>& plan, const LineCost& line)
 Planner shortestPlanner(ExchangeLoop& loop, int baud, std::optional<qint64> turnaroundUs)
 {
     return [&loop, baud, turnaroundUs](const QVector<RegisterRange>& due) {
-        const LineCost line = measuredLine(loop.statistics(), baud, turnaroundUs);
+        const LineCost line = measuredLine(acceptedUse(loop.statistics()), baud, turnaroundUs);
         Blocks blocks;
         for (const PlannedBlock& block :
              shortestPlan(due, loop.session().settings().wordsPerFrame, line))

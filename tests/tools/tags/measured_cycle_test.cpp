@@ -5,9 +5,7 @@
 // time is simulated: what the host adds to it, it adds by waiting.
 
 #include "tests/tools/support/virtual_line.h"
-#include "tools/exchange/blocks.h"
-#include "tools/exchange/poller.h"
-#include "tools/tags/schedule.h"
+#include "tools/tags/shortest_plan.h"
 
 #include <gtest/gtest.h>
 
@@ -74,21 +72,14 @@ TEST(MeasuredLine, IsAUsualOneBeforeTheFirstExchange)
 // 143 characters take 148.958 ms at 9600 baud.
 TEST(MeasuredLine, TakesForTheTurnaroundWhatTheCharactersLeave)
 {
-    Statistics statistics;
-    statistics.kinds[ExchangeKind::CyclicRead].accepted = 4;
-    statistics.acceptedCharacters = 4 * 143;
-    statistics.acceptedUs = qint64(4) * (148958 + 12345) + 3;
-    EXPECT_EQ(measuredLine(statistics, 9600).turnaroundUs, 12345);
+    const LineUse use = {4, 4 * 143, qint64(4) * (148958 + 12345) + 3};
+    EXPECT_EQ(measuredLine(use, 9600).turnaroundUs, 12345);
 }
 
 // A connection over a network that says nothing of its speed.
 TEST(MeasuredLine, CountsExchangesAloneWhereCharactersCostLess)
 {
-    Statistics statistics;
-    statistics.kinds[ExchangeKind::CyclicRead].accepted = 1;
-    statistics.acceptedCharacters = 143;
-    statistics.acceptedUs = 300;
-    const LineCost line = measuredLine(statistics, 9600);
+    const LineCost line = measuredLine({1, 143, 300}, 9600);
     EXPECT_EQ(shortestPlan({range("D0"), range("D31")}, 32, line).size(), 1);
     EXPECT_EQ(exchangeCost(line, 64) / line.baud, 301);
 }
@@ -113,40 +104,4 @@ TEST(MeasuredLine, GivesWayToAGivenTurnaround)
     PlanCycle plan(bench.loop, shortestPlanner(bench.loop, 9600, 0));
     plan.plan({range("D0"), range("D8")});
     EXPECT_EQ(plan.blocks(), 2);
-}
-
-// On a line that is just too slow for both: those of 5 s are read between, and take whole frames.
-TEST(MeasuredPeriods, KeepTenWordsAtTheirRateAmongTwoHundredLongOnes)
-{
-    Bench bench(settingsOf({9600, 20}));
-    const QVector<RegisterRange> ranges = {range("D100:10"), range("D0:200")};
-    std::optional<Schedule> schedule;
-    int readings = 0;
-    int longReadings = 0;
-    const Turns turns = {
-        [&] {
-            const QVector<RegisterRange> turn = schedule->next(bench.line.nowUs());
-            for (const RegisterRange& read : turn) {
-                readings += isInside(range("D100"), read);
-                longReadings += isInside(range("D199"), read);
-            }
-            return turn;
-        },
-        [&](const auto&) {
-            ASSERT_FALSE(schedule) << "nothing is unreadable";
-            schedule.emplace(QVector<PeriodicRange>{{ranges[0], 100000}, {ranges[1], 5000000}}, 32,
-                             measuredLine(bench.loop.statistics(), 9600), bench.line.nowUs());
-        }};
-    Poller poller(bench.loop, catalogue(), ranges, shortestPlanner(bench.loop, 9600, {}), turns);
-    ASSERT_EQ(poller.poll(), RoundEnd::Done);
-    const qint64 endUs = bench.line.nowUs() + 100000000;
-    while (bench.line.nowUs() < endUs) {
-        ASSERT_EQ(poller.poll(), RoundEnd::Done);
-        const qint64 idleUs = schedule->nextUs() - bench.line.nowUs();
-        bench.loop.overhear(static_cast<int>(std::max<qint64>(idleUs + 999, 0) / 1000));
-    }
-    EXPECT_NEAR(schedule->load().used, 1.02, 0.01);
-    EXPECT_GE(readings, 950);
-    EXPECT_LE(readings, 1001);
-    EXPECT_GE(longReadings, 17);
 }

@@ -30,8 +30,10 @@ class Line
 {
 public:
     explicit Line(const QVector<PeriodicRange>& wanted, const LineCost& line = slowLine)
-        : m_schedule(wanted, 32, line, 0), m_line(line)
-    {}
+        : m_schedule(wanted, 32, line), m_line(line)
+    {
+        m_schedule.begin(0);
+    }
 
     // Reads what is to be read; returns it.
     std::string read()
@@ -236,8 +238,7 @@ TEST(Schedule, ReadsNoBlockOverUnreadableRegisters)
 
 TEST(Schedule, TakesTheShortestOfSeveralPeriods)
 {
-    const Schedule schedule({every(0, "D0:3"), every(300, "D1"), every(200, "D1:2")}, 32, slowLine,
-                            0);
+    const Schedule schedule({every(0, "D0:3"), every(300, "D1"), every(200, "D1:2")}, 32, slowLine);
     std::string text;
     for (const PeriodLoad& period : schedule.load().periods)
         text +=
@@ -271,7 +272,7 @@ TEST(Schedule, ReadsBitsByTheirBytes)
 
 TEST(Schedule, StretchesWhenTheLineTurnsOutSlower)
 {
-    Schedule schedule({every(100, "D0:10")}, 32, slowLine, 0);
+    Schedule schedule({every(100, "D0:10")}, 32, slowLine);
     EXPECT_FALSE(schedule.load().periods.first().isLate());
     schedule.setLine({60000, 9600});
     EXPECT_EQ(schedule.load().periods.first().expectedUs, 60000 + 57291);
@@ -279,13 +280,14 @@ TEST(Schedule, StretchesWhenTheLineTurnsOutSlower)
 
 TEST(Schedule, BeginsAPeriodAfterEverythingWasRead)
 {
-    const Schedule schedule({every(100, "D0")}, 32, slowLine, 7 * second);
+    Schedule schedule({every(100, "D0")}, 32, slowLine);
+    schedule.begin(7 * second);
     EXPECT_EQ(schedule.nextUs(), 7 * second + 100000);
 }
 
 TEST(Schedule, HasNothingToReadWhereNothingIsWanted)
 {
-    Schedule schedule({}, 32, slowLine, 0);
+    Schedule schedule({}, 32, slowLine);
     EXPECT_TRUE(schedule.next(second).isEmpty());
     EXPECT_EQ(schedule.load().used, 0);
 }
