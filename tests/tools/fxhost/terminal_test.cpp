@@ -171,6 +171,16 @@ TEST_F(TerminalViews, WatchWritesAfterAYes)
     expectCleanEnd(terminal, ctrlC);
 }
 
+TEST_F(TerminalViews, WatchWritesAlsoWhereNoCycleWaits)
+{
+    HostTerminal terminal(linked({"watch", "D0", "-l", "0"}));
+    ASSERT_TRUE(terminal.waitForText("cycle "));
+    for (const char key : QByteArray("wD0=5\ry"))
+        terminal.press(key);
+    ASSERT_TRUE(terminal.waitForText("D0=5 written and read back"));
+    expectCleanEnd(terminal, ctrlC);
+}
+
 TEST_F(TerminalViews, TheTerminalGetsItsSettingsBack)
 {
     HostTerminal terminal(linked({"watch", "D0", "-l", "20"}));

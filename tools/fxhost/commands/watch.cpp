@@ -206,9 +206,11 @@ void LiveWatch::wait(qint64 timeMs)
 {
     QElapsedTimer waited;
     waited.start();
-    while (!tick() && (waited.elapsed() < timeMs || m_view.isPaused())) {
+    while (!tick()) {
         if (!m_toWrite.isEmpty())
             write(std::exchange(m_toWrite, QString()));
+        if (waited.elapsed() >= timeMs && !m_view.isPaused())
+            break;
         const qint64 leftMs = m_view.isPaused() ? napMs : timeMs - waited.elapsed();
         sleepUnlessInterrupted(std::min(leftMs, napMs));
     }
