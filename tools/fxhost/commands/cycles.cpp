@@ -9,7 +9,6 @@ namespace fxtools {
 
 namespace {
 
-constexpr int longestIntervalMs = 86400000;
 constexpr int longestTurnaroundMs = 60000;
 
 }  // namespace
@@ -67,15 +66,6 @@ void addCountOption(CLI::App& command, int& cycles, bool mayBeEndless)
         ->check(within({mayBeEndless ? 0 : 1, mostCycles}));
 }
 
-void addIntervalOption(CLI::App& command, int& intervalMs)
-{
-    command
-        .add_option("-l,--interval", intervalMs,
-                    "Time between cycles in ms, or 0.5s; 0 = no pause (default: 1000)")
-        ->type_name("MS")
-        ->transform(timeWithin({0, longestIntervalMs}));
-}
-
 void addDeadbandOption(CLI::App& command, double& deadband)
 {
     command.add_option("--deadband", deadband, "Ignore changes up to NUMBER")
@@ -105,27 +95,6 @@ ExitCode pollCycles(Connection& connection, PlanCycle& plan, int cycles,
             onCycle(loop.elapsedUs() - startedUs);
     }
     return exitCodeOf(loop.statistics());
-}
-
-// Cycles begin on a grid of times, so that what they cost does not add up.
-RoundEnd pollEvery(int intervalMs, int cycles, ExchangeLoop& loop, Poller& poller,
-                   const std::function<void()>& onCycle,
-                   const std::function<void(qint64 timeMs)>& wait)
-{
-    const qint64 intervalUs = qint64(1000) * intervalMs;
-    const qint64 startedUs = loop.elapsedUs();
-    for (int cycle = 1;; ++cycle) {
-        const RoundEnd end = poller.poll();
-        if (end == RoundEnd::Interrupted)
-            return end;
-        onCycle();
-        if (end == RoundEnd::LinkLost)
-            return end;
-        if (cycle == cycles)
-            return RoundEnd::Done;
-        const qint64 elapsedUs = loop.elapsedUs() - startedUs;
-        wait(intervalUs > 0 ? (intervalUs - elapsedUs % intervalUs) / 1000 : 0);
-    }
 }
 
 }  // namespace fxtools

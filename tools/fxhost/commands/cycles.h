@@ -7,7 +7,6 @@
 
 #include "tools/exchange/poller.h"
 #include "tools/fxhost/commands/connection.h"
-#include "tools/link/interrupt.h"
 #include "tools/tags/shortest_plan.h"
 
 namespace fxtools {
@@ -30,7 +29,6 @@ Planner plannerFor(ExchangeLoop& loop, const ConnectionSettings& settings,
 // -n,--count with `cycles` as its default. At 0, if that is allowed, polling goes on until Ctrl-C.
 void addCountOption(CLI::App& command, int& cycles, bool mayBeEndless);
 
-void addIntervalOption(CLI::App& command, int& intervalMs);  // -l,--interval
 void addDeadbandOption(CLI::App& command, double& deadband);
 
 // Makes so many cycles of a plan and calls `onCycle` after each complete one. A counted run ends
@@ -38,15 +36,5 @@ void addDeadbandOption(CLI::App& command, double& deadband);
 // Returns the exit code for all exchanges so far, or for a lost link or an interrupt.
 ExitCode pollCycles(Connection& connection, PlanCycle& plan, int cycles,
                     const std::function<void(qint64 cycleUs)>& onCycle = {});
-
-// Makes a cycle every `intervalMs`, or as soon as the one before has ended. Calls `onCycle` after
-// each, also if the link was lost for good, which ends it as an interrupt does. `wait` waits for
-// the next one.
-RoundEnd pollEvery(
-    int intervalMs, int cycles, ExchangeLoop& loop, Poller& poller,
-    const std::function<void()>& onCycle,
-    const std::function<void(qint64 timeMs)>& wait = [](qint64 timeMs) {
-        sleepUnlessInterrupted(timeMs);
-    });
 
 }  // namespace fxtools

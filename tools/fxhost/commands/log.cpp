@@ -5,7 +5,7 @@
 // change, in a file that is rotated or on standard output. A lost link leaves a row without values.
 
 #include "tools/fxhost/commands/address_options.h"
-#include "tools/fxhost/commands/cycles.h"
+#include "tools/fxhost/commands/periods.h"
 #include "tools/fxhost/commands/poll_result.h"
 #include "tools/fxhost/views/log_file.h"
 #include "tools/link/interrupt.h"
@@ -25,8 +25,7 @@ struct LogOptions
 {
     AddressOptions addresses;
     ValueStyle style;
-    PlanningOptions planning;
-    int intervalMs = 1000;
+    PollOptions poll;
     int cycles = 0;  // 0: until stopped
     qint64 durationMs = 0;
     bool onlyChanges = false;
@@ -120,9 +119,8 @@ ExitCode logUntilStopped(Connection& connection, const CommonOptions& common,
                          const LogOptions& options)
 {
     const QVector<Tag> asked = askedOf(options.addresses, connection.services(), options.style);
-    Poller poller(connection.loop(), connection.catalogue(), rangesOf(asked),
-                  plannerFor(connection.loop(), connectionSettings(common), options.planning));
-    const auto values = [&] { return polledValues(poller, asked); };
+    Polling polling(connection, connectionSettings(common), options.poll, asked);
+    const auto values = [&] { return polledValues(polling.poller(), asked); };
     QStringList names;
     for (const PolledValue& value : values())
         names += value.name;
@@ -132,8 +130,7 @@ ExitCode logUntilStopped(Connection& connection, const CommonOptions& common,
         logger.addGap(verdictText(ReplyVerdict::LinkLost));
         return reconnect();
     };
-    const RoundEnd end = pollEvery(options.intervalMs, options.cycles, connection.loop(), poller,
-                                   [&] { logger.addCycle(values()); });
+    const RoundEnd end = polling.run(options.cycles, [&] { logger.addCycle(values()); });
     if (options.file != standardOutput) {
         const QString path = QString::fromStdString(options.file);
         showResult(common.output, "  " + path + ": " + counted(logger.rows(), "row"),
@@ -200,8 +197,7 @@ void addLogCommand(CLI::App& app, const CommonOptions& common, Action& action)
     const auto options = std::make_shared<LogOptions>();
     addAddressOptions(*command, options->addresses);
     addFormatOption(*command, options->style);
-    addPlanningOptions(*command, options->planning);
-    addIntervalOption(*command, options->intervalMs);
+    addPollOptions(*command, options->poll);
     addCountOption(*command, options->cycles, true);
     command->add_option("--duration", options->durationMs, "Stop after TIME: 90s, 10min, 8h, 1d")
         ->type_name("TIME")

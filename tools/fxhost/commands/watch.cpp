@@ -10,7 +10,7 @@
 
 #include "tools/exchange/blocks.h"
 #include "tools/fxhost/commands/address_options.h"
-#include "tools/fxhost/commands/cycles.h"
+#include "tools/fxhost/commands/periods.h"
 #include "tools/fxhost/commands/poll_result.h"
 #include "tools/fxhost/views/live_view.h"
 #include "tools/fxhost/views/log_file.h"
@@ -30,8 +30,7 @@ struct WatchOptions
 {
     AddressOptions addresses;
     ValueStyle style;
-    PlanningOptions planning;
-    int intervalMs = 1000;
+    PollOptions poll;
     int cycles = 0;  // 0: until Ctrl-C
     bool once = false;
     bool log = false;
@@ -167,13 +166,12 @@ ExitCode LiveWatch::run(const CommonOptions& common)
     Connection connection(settings);
     connection.waitForLinkWithoutEnd();
     m_asked = askedOf(m_options.addresses, connection.services(), m_options.style);
-    Poller poller(connection.loop(), connection.catalogue(), rangesOf(m_asked),
-                  plannerFor(connection.loop(), settings, m_options.planning));
     m_connection = &connection;
-    m_poller = &poller;
+    Polling polling(connection, settings, m_options.poll, m_asked);
+    m_poller = &polling.poller();
     qint64 startedUs = connection.loop().elapsedUs();
-    const RoundEnd end = pollEvery(
-        m_options.intervalMs, m_options.once ? 1 : m_options.cycles, connection.loop(), poller,
+    const RoundEnd end = polling.run(
+        m_options.once ? 1 : m_options.cycles,
         [&] { showCycle(connection.loop().elapsedUs() - startedUs); },
         [&](qint64 timeMs) {
             wait(timeMs);
@@ -295,12 +293,10 @@ ExitCode runWatch(const CommonOptions& common, const WatchOptions& options)
     Connection connection(common);
     connection.waitForLinkWithoutEnd();
     const QVector<Tag> asked = askedOf(options.addresses, connection.services(), options.style);
-    Poller poller(connection.loop(), connection.catalogue(), rangesOf(asked),
-                  plannerFor(connection.loop(), connectionSettings(common), options.planning));
+    Polling polling(connection, connectionSettings(common), options.poll, asked);
     Watcher watcher(options, common.output, asked);
-    const RoundEnd end =
-        pollEvery(options.intervalMs, options.once ? 1 : options.cycles, connection.loop(), poller,
-                  [&] { watcher.show(polledValues(poller, asked)); });
+    const RoundEnd end = polling.run(options.once ? 1 : options.cycles,
+                                     [&] { watcher.show(polledValues(polling.poller(), asked)); });
     if (end != RoundEnd::Done)
         return exitCodeOf(verdictOf(end));
     return watcher.exitCode();
@@ -314,8 +310,7 @@ void addWatchCommand(CLI::App& app, const CommonOptions& common, Action& action)
     const auto options = std::make_shared<WatchOptions>();
     addAddressOptions(*command, options->addresses);
     addFormatOption(*command, options->style);
-    addPlanningOptions(*command, options->planning);
-    addIntervalOption(*command, options->intervalMs);
+    addPollOptions(*command, options->poll);
     addCountOption(*command, options->cycles, true);
     command->add_flag("-1,--once", options->once, "Stop after one cycle");
     command->add_flag("--log", options->log, "Print one line for each change, also on a terminal");
