@@ -24,7 +24,7 @@ struct Tag
     double offset = 0;
     QString unit;
     std::optional<double> deadband;
-    std::optional<int> periodMs;  // as wanted; nothing polls by it yet
+    std::optional<int> periodMs;  // nothing: as fast as the line allows
     bool isReadOnly = false;
     std::optional<double> min, max;  // of what may be written
     std::optional<double> alarmLow, alarmHigh;

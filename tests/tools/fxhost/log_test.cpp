@@ -54,6 +54,48 @@ TEST_F(Log, HasARowForEachCycle)
     EXPECT_EQ(rowsOf(ended.out.c_str()), QStringList({"time,D0,D1,X0,error", "0,0,0,", "0,0,0,"}));
 }
 
+// The rows do not wait for the day to end.
+TEST_F(Log, HasARowForEachOfTheShortestPeriods)
+{
+    const Ended ended = log(
+        {"D0", "D100:3", "--period", "D101=1", "X0", "-n", "3", "-l", "1d", "--period", "D0=2"});
+    EXPECT_EQ(ended.code, 0) << testing::PrintToString(ended);
+    EXPECT_EQ(rowsOf(ended.out.c_str()).size(), 1 + 3);
+}
+
+// With a turnaround of a second, one word takes 1020 ms at 9600 baud.
+TEST_F(Log, SaysWhichPeriodsTheLineCannotKeep)
+{
+    const Ended late = log(
+        {"D0:2", "D100", "--period", "D0=100ms", "--turnaround", "1000", "-n", "1", "-l", "10s"});
+    EXPECT_EQ(late.code, 0) << testing::PrintToString(late);
+    EXPECT_EQ(late.err, "fxhost: line load 1040 %: D0 every 1045 ms instead of 100 ms; "
+                        "D0:2, D100 every 81583 ms instead of 10000 ms\n");
+    const Ended kept = log({"D0", "--period", "D0=10s", "--turnaround", "1000", "-n", "1"});
+    EXPECT_EQ(kept.err, "");
+}
+
+TEST_F(Log, TakesTheLastOfSeveralPeriods)
+{
+    const Ended ended = log({"D0:9", "--period", "D0:2=2ms", "--period", "D0:9=1ms", "--turnaround",
+                             "1000", "-n", "1"});
+    EXPECT_TRUE(holds(ended.err, ": D0:9 every ")) << ended.err;
+    EXPECT_FALSE(holds(ended.err, "D0:2")) << ended.err;
+}
+
+TEST_F(Log, RefusesPeriodsThatItCannotKeepTo)
+{
+    const Ended notAsked = log({"D0", "--period", "D1=100"});
+    EXPECT_EQ(notAsked.code, 2);
+    EXPECT_EQ(notAsked.err, "fxhost: --period D1: not asked for\n");
+    EXPECT_EQ(log({"D0", "--period", "D0=soon"}).code, 2);
+    const Ended given = log({"D0", "--period", "D0=100", "--plan", "given"});
+    EXPECT_EQ(given.code, 2);
+    EXPECT_EQ(given.err,
+              "fxhost: --plan given reads everything in every cycle; values with periods "
+              "of their own need --plan shortest\n");
+}
+
 TEST_F(Log, OfChangesHasARowForEachOfThem)
 {
     RunningHost host({"--link", plc.link(), "log", "D0", "--changes", "-l", "1"});

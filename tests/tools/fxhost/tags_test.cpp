@@ -45,6 +45,19 @@ protected:
 
 }  // namespace
 
+TEST_F(NamedTags, HavePeriods)
+{
+    const QString fast =
+        newFile(folder, "fast.csv", "name,address,period_ms\nfast,D0,100\nslow,D9,\n");
+    const QStringList common = {"--link", plc.link(), "--tags", fast,           "log", "fast",
+                                "slow",   "-n",       "1",      "--turnaround", "1000"};
+    const Ended ended = fxhost(common + QStringList{"--period", "slow=10s"});
+    EXPECT_TRUE(holds(ended.err, "fast every 10")) << ended.err;
+    EXPECT_TRUE(holds(ended.err, "slow every ")) << ended.err;
+    const Ended given = fxhost(common + QStringList{"--plan", "given"});
+    EXPECT_EQ(given.code, 2) << testing::PrintToString(given);
+}
+
 TEST_F(NamedTags, AreReadWithTheirUnits)
 {
     plc.command("poke D0 715");

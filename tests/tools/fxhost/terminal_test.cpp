@@ -181,6 +181,13 @@ TEST_F(TerminalViews, WatchWritesAlsoWhereNoCycleWaits)
     expectCleanEnd(terminal, ctrlC);
 }
 
+TEST_F(TerminalViews, WatchShowsWhatTheLineCannotKeep)
+{
+    HostTerminal terminal(linked({"watch", "D0", "--period", "D0=100", "--turnaround", "1000"}));
+    ASSERT_TRUE(terminal.waitForText("line load 1020 %: D0 every "));
+    expectCleanEnd(terminal, ctrlC);
+}
+
 TEST_F(TerminalViews, TheTerminalGetsItsSettingsBack)
 {
     HostTerminal terminal(linked({"watch", "D0", "-l", "20"}));

@@ -43,15 +43,19 @@ int baudOf(const LinkSettings& link)
     return baud > 0 ? baud : LineCost().baud;
 }
 
+std::optional<qint64> turnaroundUsOf(const PlanningOptions& options)
+{
+    if (options.turnaroundMs < 0)
+        return std::nullopt;
+    return std::llround(1000 * options.turnaroundMs);
+}
+
 Planner plannerFor(ExchangeLoop& loop, const ConnectionSettings& settings,
                    const PlanningOptions& options)
 {
     if (options.isGiven)
         return {};
-    std::optional<qint64> turnaroundUs;
-    if (options.turnaroundMs >= 0)
-        turnaroundUs = std::llround(1000 * options.turnaroundMs);
-    return shortestPlanner(loop, baudOf(settings.link), turnaroundUs);
+    return shortestPlanner(loop, baudOf(settings.link), turnaroundUsOf(options));
 }
 
 void addCountOption(CLI::App& command, int& cycles, bool mayBeEndless)

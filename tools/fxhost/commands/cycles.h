@@ -23,6 +23,8 @@ void addTurnaroundOption(CLI::App& command, double& turnaroundMs, const std::str
 // The speed of a line; the usual one where only the other end knows it.
 int baudOf(const LinkSettings& link);
 
+std::optional<qint64> turnaroundUsOf(const PlanningOptions& options);
+
 Planner plannerFor(ExchangeLoop& loop, const ConnectionSettings& settings,
                    const PlanningOptions& options);
 

@@ -119,7 +119,10 @@ ExitCode logUntilStopped(Connection& connection, const CommonOptions& common,
                          const LogOptions& options)
 {
     const QVector<Tag> asked = askedOf(options.addresses, connection.services(), options.style);
-    Polling polling(connection, connectionSettings(common), options.poll, asked);
+    PollOptions poll = options.poll;
+    if (!options.onlyChanges)  // a row each time would be a flood
+        poll.intervalMs = poll.intervalMs.value_or(usualIntervalMs);
+    Polling polling(connection, connectionSettings(common), poll, asked);
     const auto values = [&] { return polledValues(polling.poller(), asked); };
     QStringList names;
     for (const PolledValue& value : values())

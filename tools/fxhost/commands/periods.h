@@ -10,6 +10,7 @@
 #include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/cycles.h"
 #include "tools/link/interrupt.h"
+#include "tools/tags/periodic_poller.h"
 
 namespace fxtools {
 
@@ -18,19 +19,26 @@ constexpr int usualIntervalMs = 1000;
 struct PollOptions
 {
     PlanningOptions planning;
-    int intervalMs = usualIntervalMs;
+    std::vector<std::string> periods;  // "D0:10=100"
+    std::optional<int> intervalMs;     // nothing: the usual one, and for tags 0
 };
 
-// --plan, --turnaround and --interval
+// --plan, --turnaround, --period and --interval
 void addPollOptions(CLI::App& command, PollOptions& options);
 
+// Polls cycle after cycle. Values with different periods are read block by block when they are due;
+// a cycle is then as long as the shortest period that the line can keep.
 class Polling
 {
 public:
-    Polling(Connection& connection, const ConnectionSettings& settings, const PollOptions& options,
-            const QVector<Tag>& asked);
+    using TellLoad = std::function<void(const QString& text)>;
 
-    Poller& poller() { return m_poller; }
+    // Throws Failure if a period is given for what was not asked for. `tellLoad` gets a line when
+    // the line is too slow for the periods, and when it is so no more.
+    Polling(Connection& connection, const ConnectionSettings& settings, const PollOptions& options,
+            const QVector<Tag>& asked, const TellLoad& tellLoad = complain);
+
+    Poller& poller() { return m_periodic ? m_periodic->poller() : *m_plain; }
 
     // Makes a cycle at each full interval, or as soon as the one before has ended. Calls `onCycle`
     // after each, also if the link was lost for good, which ends it as an interrupt does. `wait`
@@ -42,9 +50,12 @@ public:
         });
 
 private:
+    qint64 cycleUs() const;
+
     ExchangeLoop& m_loop;
-    qint64 m_intervalUs;
-    Poller m_poller;
+    qint64 m_intervalUs = 0;
+    std::optional<Poller> m_plain;
+    std::optional<PeriodicPoller> m_periodic;
 };
 
 }  // namespace fxtools

@@ -156,6 +156,7 @@ private:
     QVector<Tag> m_asked;
     PollResult m_lastCycle;
     int m_cycle = 0;
+    QString m_load;  // of the line, once it did not keep all periods
 };
 
 ExitCode LiveWatch::run(const CommonOptions& common)
@@ -167,7 +168,8 @@ ExitCode LiveWatch::run(const CommonOptions& common)
     connection.waitForLinkWithoutEnd();
     m_asked = askedOf(m_options.addresses, connection.services(), m_options.style);
     m_connection = &connection;
-    Polling polling(connection, settings, m_options.poll, m_asked);
+    Polling polling(connection, settings, m_options.poll, m_asked,
+                    [this](const QString& text) { m_load = ", " + text; });
     m_poller = &polling.poller();
     qint64 startedUs = connection.loop().elapsedUs();
     const RoundEnd end = polling.run(
@@ -271,7 +273,8 @@ void LiveWatch::showCycle(qint64 tookUs)
     const QString cycle = QStringLiteral("cycle %1: %2 ms%3")
                               .arg(m_cycle)
                               .arg(tookUs / 1000)
-                              .arg(m_timestamps ? ", " + timestamp() : QString());
+                              .arg(m_timestamps ? ", " + timestamp() : QString()) +
+                          m_load;
     if (m_connection->link().isOpen())
         m_view.setState(m_lastCycle.good() > 0 ? cycle : verdictText(*m_lastCycle.firstProblem()),
                         m_lastCycle.good() > 0, m_clock.elapsed());
