@@ -93,6 +93,10 @@ fxsim> poke 0x1000 8
 fxhost> watch D0:2 -1 --csv -q
 D0,8,
 D1,0,
+fxhost> watch D0 D100 -1 --period D100=1s -l 20s --turnaround 2000 --csv -q
+D0,8,
+D100,0,
+fxhost: line load 212 %: D100 every 2071 ms instead of 1000 ms; D0 every 80791 ms instead of 20000 ms
 )"},
     {"recipe", R"(fxsim> poke 0x1000 1 0 2 0
 fxsim> poke 0x0C00 3 0 0 1

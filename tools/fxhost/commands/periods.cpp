@@ -173,7 +173,7 @@ qint64 Polling::cycleUs() const
                                            [](const PeriodLoad& one, const PeriodLoad& other) {
                                                return one.expectedUs < other.expectedUs;
                                            });
-    return shortest == periods.end() ? 1000 * usualIntervalMs : shortest->expectedUs;
+    return shortest == periods.end() ? qint64(1000) * usualIntervalMs : shortest->expectedUs;
 }
 
 // Cycles begin on a grid of times, so that what they cost does not add up.
