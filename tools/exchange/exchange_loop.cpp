@@ -170,7 +170,8 @@ void ExchangeLoop::handOver(Exchange& exchange)
 {
     if (exchange.verdict == ReplyVerdict::Surrounded && m_settings.tolerant)
         exchange.handed = rightReplyIn(exchange.frame, exchange.reply + exchange.thrownAway);
-    else if (exchange.reply.size() == exchange.frame.replyLength && exchange.thrownAway.isEmpty())
+    else if (exchange.reply.size() == exchange.frame.replyLength && exchange.thrownAway.isEmpty() &&
+             exchange.verdict != ReplyVerdict::Interrupted)
         exchange.handed = exchange.reply;
     else
         exchange.handed = QByteArray(exchange.reply.size(), nak);

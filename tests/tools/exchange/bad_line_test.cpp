@@ -216,3 +216,18 @@ TEST_F(BadLine, WithSecondCopiesGivesNoneOfThemToTheNextRequest)
         }
     }
 }
+
+// The reply of equal length and bytes may be the one before, come twice: nobody has waited for
+// another one.
+TEST(AnInterruptedWait, HandsNoReplyOverThatIsInDoubt)
+{
+    Bench bench;
+    bench.session.setPlan({range("D0:32"), range("D32:32")});  // all of them 0
+    LoopSettings settings = bench.line.loopSettings();
+    settings.isInterrupted = [&] { return bench.line.sent().size() == 2; };
+    ExchangeLoop loop(bench.session, bench.line, settings);
+    EXPECT_EQ(loop.step()->answer, DriverAnswer::Accepted);
+    const Exchange second = *loop.step();
+    EXPECT_EQ(second.verdict, ReplyVerdict::Interrupted);
+    EXPECT_NE(second.answer, DriverAnswer::Accepted);
+}
