@@ -110,7 +110,7 @@ void ExchangeLoop::sendAndReceive(Exchange& exchange)
     else if (const std::optional<int> waitMs = isGood ? waitForAnother(exchange) : quietMs())
         settle(exchange, *waitMs);
     if (exchange.verdict == ReplyVerdict::Late)
-        exchange.responseUs = m_heardUs - sentUs;
+        exchange.responseUs = std::max(exchange.responseUs, m_heardUs - sentUs);
     const bool isTaken = exchange.verdict == ReplyVerdict::Good ||
                          (exchange.verdict == ReplyVerdict::Surrounded && m_settings.tolerant);
     if (isTaken)

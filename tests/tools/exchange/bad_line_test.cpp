@@ -231,3 +231,13 @@ TEST(AnInterruptedWait, HandsNoReplyOverThatIsInDoubt)
     EXPECT_EQ(second.verdict, ReplyVerdict::Interrupted);
     EXPECT_NE(second.answer, DriverAnswer::Accepted);
 }
+
+// At 1200 baud the first request of 139 characters alone takes longer than the first time-out.
+TEST(ALateAck, IsNoQuickOne)
+{
+    Bench bench(badLine(1200, "", fxsim::EnquiryMode::Ignored));
+    bench.session.setPlan({range("D0")});
+    bench.session.write(range("D0:32"), QVector<quint32>(32, 7));
+    EXPECT_EQ(bench.loop.step()->verdict, ReplyVerdict::Late);
+    EXPECT_GE(bench.loop.timeout().typicalResponseUs(), second);
+}
