@@ -103,7 +103,7 @@ QString SerialLink::reason() const
             .arg(said, device.group());
     const QString holder = device.exists() ? holderOf(m_settings.path) : QString();
     if (!holder.isEmpty())
-        return QString("%1; it is in use by %2: stop that first").arg(said, holder);
+        return QString("in use by %1; stop that first").arg(holder);
     return said;
 }
 

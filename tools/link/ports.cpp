@@ -35,11 +35,15 @@ QString holderOf(const QString& path)
 {
     const QString device = QFileInfo(path).canonicalFilePath();
     const QString self = QString::number(QCoreApplication::applicationPid());
+    QString holder;
     for (const QString& process : QDir("/proc").entryList({"[0-9]*"}, QDir::Dirs)) {
-        if (process != self && hasOpen(process, device))
-            return QString("%1 (process %2)").arg(nameOf(process), process);
+        if (process == self || !hasOpen(process, device))
+            continue;
+        holder = QString("%1 (process %2)").arg(nameOf(process), process);
+        if (!hasOpen(process, "/dev/ptmx"))  // not the other end of a pseudo-terminal
+            break;
     }
-    return {};
+    return holder;
 }
 
 QVector<PortInfo> serialPorts()

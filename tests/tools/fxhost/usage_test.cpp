@@ -235,11 +235,29 @@ TEST(Usage, APortInUseNamesWhoUsesIt)
     close(far);
     EXPECT_EQ(host.exitCode(), 3);
     EXPECT_EQ(host.readAllStandardError(),
-              QStringLiteral("fxhost: cannot open %1: Device or resource busy; it is in use by "
-                             "fxhost_tests (process %2): stop that first\n")
+              QStringLiteral("fxhost: cannot open %1: in use by fxhost_tests (process %2); stop "
+                             "that first\n")
                   .arg(name.data())
                   .arg(getpid())
                   .toUtf8());
+}
+
+// The simulator has the pseudo-terminal open too, but is not what to stop.
+TEST(Usage, APortInUseByAnotherHostNamesThatHost)
+{
+    const RunningSimulator plc(Road::PseudoTerminal, {"--baud", "0"});
+    QProcess first;
+    first.setProcessEnvironment(withLink(plc.link()));
+    first.start(FXHOST_FILE, {"watch", "D10", "-q"});
+    ASSERT_TRUE(first.waitForReadyRead());
+    const Ended second = fxhost({"--link", plc.link(), "read", "D0"});
+    EXPECT_EQ(second.code, 3);
+    EXPECT_TRUE(holds(second.err, QString(": in use by fxhost (process %1); stop that first\n")
+                                      .arg(first.processId())
+                                      .toStdString()))
+        << second.err;
+    first.terminate();
+    ASSERT_TRUE(first.waitForFinished());
 }
 
 namespace {
