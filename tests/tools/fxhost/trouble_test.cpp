@@ -69,19 +69,23 @@ TEST_P(Misbehaving, AWriteIsSettledOrReported)
     };
     const Row rows[] = {
         {"--faults nak=1", "write D0=1 M0=1 --no-verify", 5,
-         "D0,,1,0 of 1 frames written: refused by the PLC (NAK)\n"
-         "M0,,1,0 of 1 frames written: refused by the PLC (NAK)\n"},
+         "D0,,1,not written: refused by the PLC (NAK)\n"
+         "M0,,1,not written: refused by the PLC (NAK)\n"},
+        {"--faults nak=1", "write D0=1", 5,
+         "D0,,1,\"not written: refused by the PLC (NAK); could not be read back: refused by the "
+         "PLC "
+         "(NAK)\"\n"},
         // What is written to D2 shows at D0 too.
         {"--mirror 0x1004:0x1000:2", "write D0:3=5,6,7", 1,
          "D0:3,\"0,0,0\",\"5,6,7\",\"acknowledged, but the PLC holds D0=7\"\n"},
         {"--faults silence@2", "write D0=7", 0,
          "D0,0,7,\"verified, although not acknowledged: no reply\"\n"},
         {"--faults nak@2", "write D0=7", 5,
-         "D0,0,7,\"0 of 1 frames written: refused by the PLC (NAK), but the PLC holds 0\"\n"},
+         "D0,0,7,\"not written: refused by the PLC (NAK); the PLC holds 0\"\n"},
         {"--faults silence@1", "write D0=7", 4,
          "D0,,7,\"not written, because it could not be read before: no reply\"\n"},
         {"--faults silence=1", "write D0=1 --no-verify", 4,
-         "D0,,1,\"0 of 1 frames written: no reply; D0 possibly written, nothing else\"\n"},
+         "D0,,1,\"no reply; D0 may have been written\"\n"},
     };
     for (const Row& row : rows) {
         const RunningSimulator plc(GetParam(), quickPlc + QString(row.plc).split(' '));

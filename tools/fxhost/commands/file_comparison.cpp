@@ -146,6 +146,11 @@ void showDifferences(const Comparison& comparison, const OutputOptions& output)
 
 QString failureText(const WriteOutcome& outcome)
 {
+    const QString reason = verdictText(*outcome.problem);
+    if (outcome.frames == 1)
+        return outcome.uncertain.isEmpty()
+                   ? "not written: " + reason
+                   : reason + "; " + joined(outcome.uncertain).first() + " may have been written";
     QStringList parts;
     if (!outcome.acknowledged.isEmpty())
         parts += joined(outcome.acknowledged).join(QStringLiteral(", ")) + " written";
@@ -156,7 +161,7 @@ QString failureText(const WriteOutcome& outcome)
     const QString text = QStringLiteral("%1 of %2 frames written: %3")
                              .arg(outcome.acknowledged.size())
                              .arg(outcome.frames)
-                             .arg(verdictText(*outcome.problem));
+                             .arg(reason);
     return parts.isEmpty() ? text : text + "; " + parts.join(QStringLiteral(", "));
 }
 

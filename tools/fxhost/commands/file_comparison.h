@@ -48,7 +48,8 @@ Comparison compareWithPlc(Connection& connection, const QVector<RegisterRun>& ru
 // The registers that differ or are refused: a table, or records.
 void showDifferences(const Comparison& comparison, const OutputOptions& output);
 
-// "1 of 3 frames written: no reply; D0 … D31 written, D32 … D63 possibly written, nothing else".
+// "not written: refused by the PLC (NAK)", or of several frames "1 of 3 frames written: no reply;
+// D0 … D31 written, D32 … D63 possibly written, nothing else".
 QString failureText(const WriteOutcome& outcome);
 
 // --verify, which is the default, and --no-verify

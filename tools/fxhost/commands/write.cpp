@@ -146,12 +146,11 @@ Result Writer::verified(const TagWrite& assignment, const QVector<quint32>& want
 {
     const RegisterRange& range = assignment.asked.range;
     const ReplyVerdict verdict = readBack(m_connection.loop(), range);
-    const QString written =
-        outcome.isGood() ? QStringLiteral("acknowledged") : failureText(outcome);
+    const QString written = outcome.isGood() ? "acknowledged, but " : failureText(outcome) + "; ";
     if (verdict != ReplyVerdict::Good) {
         const ReplyVerdict problem = outcome.problem.value_or(verdict);
-        return {written + ", but could not be read back: " + verdictText(verdict),
-                exitCodeOf(problem), mayGoOn(verdict)};
+        return {written + "could not be read back: " + verdictText(verdict), exitCodeOf(problem),
+                mayGoOn(verdict)};
     }
     const QVector<quint32> held = m_connection.session().values(range);
     if (held == wanted)
@@ -161,7 +160,7 @@ Result Writer::verified(const TagWrite& assignment, const QVector<quint32>& want
     const ExitCode code = outcome.isGood() ? ExitCode::SomeFailed : exitCodeOf(*outcome.problem);
     const bool isOne = range.count == assignment.registersEach;
     const QString elsewhere = range.readElsewhereText();
-    return {written + ", but the PLC holds " +
+    return {written + "the PLC holds " +
                 (isOne ? valuesText(assignment, held) : differencesText(range, wanted, held)) +
                 (elsewhere.isEmpty() ? QString() : "; " + elsewhere),
             code};
