@@ -55,8 +55,8 @@ QString advice(ReplyVerdict verdict, const Finding& finding)
     case ReplyVerdict::Interrupted:
         return QStringLiteral("Interrupted before there was a result.");
     case ReplyVerdict::Late:
-        return QStringLiteral("The replies are right but late. Set a longer --timeout, or none: "
-                              "then it adapts.");
+        return QStringLiteral("The replies are right but late. Set a longer --timeout, or leave "
+                              "it out: then it adapts.");
     case ReplyVerdict::HighBits:
         return QStringLiteral("Received characters have bit 7 set: the data bits or the parity "
                               "of the two ends differ. FX ports use 7E1.");
@@ -64,8 +64,8 @@ QString advice(ReplyVerdict verdict, const Finding& finding)
         return QStringLiteral("The request comes back. Either the adapter echoes, or its send and "
                               "receive lines are connected.");
     case ReplyVerdict::Surrounded:
-        return QStringLiteral("Exactly one right reply stands among extra characters. Check the "
-                              "converter on this line; --tolerant takes such replies.");
+        return QStringLiteral("The right reply comes with extra characters. Check the converter "
+                              "on this line; --tolerant accepts such replies.");
     case ReplyVerdict::Babble:
         return babbleAdvice(finding.check);
     case ReplyVerdict::Incomplete:
@@ -86,10 +86,12 @@ QStringList troubles(const Finding& finding)
     if (finding.needsTolerance)
         troubles += advice(ReplyVerdict::Surrounded, finding);
     if (check.worst() != ReplyVerdict::Good) {
-        troubles += QStringLiteral("Only %1 % of %2 exchanges were good; most often: %3. %4")
-                        .arg(check.goodPercent())
-                        .arg(check.measured())
-                        .arg(verdictText(check.worst()), advice(check.worst(), finding));
+        troubles +=
+            QStringLiteral("Only %1 % of %2 exchanges were good; the most frequent error is "
+                           "'%3'. %4")
+                .arg(check.goodPercent())
+                .arg(check.measured())
+                .arg(verdictText(check.worst()), advice(check.worst(), finding));
     }
     if (blocksFail(check)) {
         troubles += QStringLiteral("Blocks of %1 bytes fail (%2): use at most %3 words in a frame.")

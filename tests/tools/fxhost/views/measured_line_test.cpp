@@ -120,7 +120,7 @@ TEST(Diagnosis, AdvisesWhereNothingIsGood)
                            Row{ReplyVerdict::HighBits, "have bit 7 set"},
                            Row{ReplyVerdict::Echo, "The request comes back"},
                            Row{ReplyVerdict::WrongSum, "Replies are damaged"},
-                           Row{ReplyVerdict::Surrounded, "--tolerant takes such replies"},
+                           Row{ReplyVerdict::Surrounded, "--tolerant accepts such replies"},
                            Row{ReplyVerdict::LinkLost, "The link was lost"}})
         EXPECT_TRUE(meaning(foundVerdict(row.verdict)).contains(row.words)) << row.words;
     Finding enquiryAlone = foundVerdict(ReplyVerdict::Silence);
