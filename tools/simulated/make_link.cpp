@@ -109,8 +109,8 @@ SocketBenchControl::SocketBenchControl(const QString& path)
 {
     m_socket.connectToServer(QFileInfo(path).absoluteFilePath());
     if (!m_socket.waitForConnected(controlTimeoutMs)) {
-        throw Failure(ExitCode::LinkNotOpened, "cannot connect to the simulator's control socket " +
-                                                   path + ": " + m_socket.errorString());
+        throw Failure(ExitCode::LinkNotOpened,
+                      "control socket " + path + ": no simulator is listening");
     }
 }
 
