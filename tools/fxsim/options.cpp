@@ -9,6 +9,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <QRegularExpression>
+
 #include <algorithm>
 #include <functional>
 #include <iostream>
@@ -165,7 +167,7 @@ auto oneOf(std::initializer_list<std::pair<const char*, Word>> words)
             names.append(word.first);
         }
         const QString last = names.takeLast();
-        throw invalid("word", text, names.join(", ") + " or " + last);
+        throw invalid("value", text, names.join(", ") + " or " + last);
     };
 }
 
@@ -263,14 +265,20 @@ void addBench(OptionGroup group, Options& options, bool& faultHelpAsked)
     group.flag("--no-commands", options.noCommands, "Read no commands from standard input");
 }
 
-// For the first word that is none of the options.
-QString meantOption(const CLI::App& app)
+// In usual words what the parser says in its own.
+QString usageMistake(const CLI::App& app, const CLI::ParseError& error)
 {
+    const std::vector<std::string> strange = app.remaining();
+    if (strange.empty())
+        return quotable(QString::fromUtf8(error.what()))
+            .replace(QRegularExpression("1 required (\\S+) missing"), "\\1 missing");
     QStringList names;
     for (const CLI::Option* option : app.get_options())
         names.append(QString::fromStdString(option->get_name()));
-    const std::vector<std::string> strange = app.remaining();
-    return strange.empty() ? QString() : didYouMean(QString::fromStdString(strange.front()), names);
+    const QString word = QString::fromStdString(strange.front());
+    return QString("%1 '%2'%3")
+        .arg(word.startsWith('-') ? "unknown option" : "unexpected argument", quotable(word),
+             didYouMean(word, names));
 }
 
 void checkTogether(Options& options)
@@ -291,7 +299,8 @@ std::optional<Options> parseOptions(int argumentCount, const char* const* argume
     app.footer(footer);
     app.formatter(std::make_shared<NarrowFormatter>());
     app.option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
-    app.set_version_flag("-V,--version", "fxsim " FXSIM_VERSION);
+    app.set_help_flag("-h,--help", "Print this help");
+    app.set_version_flag("-V,--version", "fxsim " FXSIM_VERSION, "Print the version");
     addLinks({app, "Links"}, options);
     addTiming({app, "Timing"}, options.settings.timing);
     addPort({app, "Programming port"}, options.settings);
@@ -303,8 +312,7 @@ std::optional<Options> parseOptions(int argumentCount, const char* const* argume
         checkTogether(options);
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() != 0)
-            throw Error(ExitCode::Usage,
-                        advice.arg(quotable(QString::fromUtf8(error.what())) + meantOption(app)));
+            throw Error(ExitCode::Usage, advice.arg(usageMistake(app, error)));
         app.exit(error);
         return std::nullopt;
     } catch (const Error& error) {

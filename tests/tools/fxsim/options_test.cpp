@@ -131,9 +131,9 @@ TEST(Options, MistakesAreExplained)
         {{"--seed", "18446744073709551616"},
          "--seed: invalid seed '18446744073709551616': expected 0 to 18446744073709551615"},
         {{"--scan-ms", "10001"}, "--scan-ms: invalid time in ms '10001': expected 0 to 10000"},
-        {{"--on-error", "ack"}, "--on-error: invalid word 'ack': expected nak or silence"},
-        {{"--enq", "never"}, "--enq: invalid word 'never': expected optional, needed or ignored"},
-        {{"--model", "fx0"}, "--model: invalid model 'fx0': expected any, fx1s, fx1n"},
+        {{"--on-error", "ack"}, "--on-error: invalid value 'ack': expected nak or silence"},
+        {{"--enq", "never"}, "--enq: invalid value 'never': expected optional, needed or ignored"},
+        {{"--model", "fx0"}, "--model: invalid model 'fx0': expected any, fx1s or fx1n"},
         {{"--max-bytes", "256"}, "--max-bytes: invalid number of bytes '256': expected 1 to 255"},
         {{"--max-bytes", "0"}, "--max-bytes: invalid number of bytes '0': expected 1 to 255"},
         {{"--holes", "5"},
@@ -148,9 +148,9 @@ TEST(Options, MistakesAreExplained)
          "lists all faults"},
         {{"--serial", "/dev/null", "--baud", "0"}, "--serial needs a speed: --baud 0 has none"},
         {{"--tell", "quit"}, "--tell requires --control"},
-        {{"--sirial"},
-         "The following argument was not expected: --sirial (did you mean --serial?)"},
-        {{"plc"}, "The following argument was not expected: plc"},
+        {{"--sirial"}, "unknown option '--sirial' (did you mean --serial?)"},
+        {{"plc"}, "unexpected argument 'plc'"},
+        {{"--baud"}, "--baud: SPEED missing"},
     };
     for (const auto& row : rows)
         EXPECT_EQ(errorText([&row] { parsed(row.arguments); }),
@@ -160,7 +160,7 @@ TEST(Options, MistakesAreExplained)
                   parsed({"--model", loud.constData()});
               }),
               "--model: invalid model '?[2J?" + QString(52, 'x') +
-                  "...': expected any, fx1s, fx1n (see fxsim --help)");
+                  "...': expected any, fx1s or fx1n (see fxsim --help)");
     EXPECT_FALSE(errorText([&loud] { parsed({loud.constData()}); }).contains(QChar(0x1B)));
     for (const char* option : {"--link", "--serial", "--load", "--save", "--program", "--control"})
         EXPECT_EQ(errorText([option] {

@@ -59,7 +59,8 @@ const Model& findModel(const QString& name)
             return model;
         names.append(QLatin1String(model.name));
     }
-    throw invalid("model", name, names.join(", "));
+    const QString last = names.takeLast();
+    throw invalid("model", name, names.join(", ") + " or " + last);
 }
 
 PlcMemory memoryOf(const Model& model)
