@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// The two address checks of the editor: ranges and texts of every type, asked of both checks, and
-// which reason of a refusal wins when several hold: width, sign, write access to an input, data
-// type of a counter, unknown type or unreadable text, range.
+// The two address checks of the editor: ranges and texts of every type, asked of both
+// checks, and which reason of a refusal wins when several hold: width, sign, write access to an
+// input, data type of a counter, unknown type or unreadable text, range.
 
 #include "tests/support/driver_fixture.h"
 
@@ -94,7 +94,7 @@ const Question ranges[] = {
     {"32CV", "0", 1, 2, 0},
 };
 
-const Question texts[] = {
+const Question checkedTexts[] = {
     {"X", "8", 1, 4, 0},            {"X", "18", 1, 4, 0},           {"Y", "9", 1, 4, 0},
     {"Y", "17", 1, 0, 15},          {"M", "0017", 1, 0, 17},        {"X", "0017", 1, 0, 15},
     {"D", "", 1, 4, 0},             {"D", " ", 1, 4, 0},            {"D", "abc", 1, 4, 0},
@@ -126,7 +126,7 @@ const Question hostileCounts[] = {
 // clang-format on
 
 INSTANTIATE_TEST_SUITE_P(Ranges, AddressCheck, ::testing::ValuesIn(ranges));
-INSTANTIATE_TEST_SUITE_P(Texts, AddressCheck, ::testing::ValuesIn(texts));
+INSTANTIATE_TEST_SUITE_P(Texts, AddressCheck, ::testing::ValuesIn(checkedTexts));
 INSTANTIATE_TEST_SUITE_P(Signs, AddressCheck, ::testing::ValuesIn(signs));
 INSTANTIATE_TEST_SUITE_P(HostileCounts, AddressCheck, ::testing::ValuesIn(hostileCounts));
 
@@ -138,7 +138,7 @@ TEST(CheckedCounter, BoundIsOnePastTheOtherTypesOf256)
     EXPECT_EQ((Answer{2, 256}), checkValidity("32CV", "256", 2, 1));
 }
 
-struct Row
+struct CheckRow
 {
     const char* name;
     const char* registerType;
@@ -148,16 +148,16 @@ struct Row
     Answer answer;
 };
 
-class CheckOrder : public ::testing::TestWithParam<Row>
+class CheckOrder : public ::testing::TestWithParam<CheckRow>
 {};
 
 TEST_P(CheckOrder, FirstReasonDecides)
 {
-    const Row& row = GetParam();
+    const CheckRow& row = GetParam();
     EXPECT_EQ(row.answer, checkAddr(row.registerType, row.text, row.dataType, 1, row.accessMode));
 }
 
-const Row order[] = {
+const CheckRow order[] = {
     {"BitTypeWithWordData", "M", "0", 0, 0, {1, untouched}},
     {"BitTypeWithDataTypeMinusTwo", "M", "0", -2, 0, {1, untouched}},
     {"WordTypeWithBitData", "D", "0", -1, 0, {1, untouched}},
@@ -190,7 +190,7 @@ const Row order[] = {
     {"CounterOutOfRange", "32CV", "199", 9, 0, {2, 199}},
 };
 
-INSTANTIATE_TEST_SUITE_P(Reasons, CheckOrder, ::testing::ValuesIn(order), nameOf<Row>);
+INSTANTIATE_TEST_SUITE_P(Reasons, CheckOrder, ::testing::ValuesIn(order), nameOf<CheckRow>);
 
 TEST(CheckedCounter, TakesFiveDataTypes)
 {
@@ -201,16 +201,16 @@ TEST(CheckedCounter, TakesFiveDataTypes)
             << refused;
 }
 
-class ValidityOrder : public ::testing::TestWithParam<Row>
+class ValidityOrder : public ::testing::TestWithParam<CheckRow>
 {};
 
 TEST_P(ValidityOrder, FirstReasonDecides)
 {
-    const Row& row = GetParam();
+    const CheckRow& row = GetParam();
     EXPECT_EQ(row.answer, checkValidity(row.registerType, row.text, 1, row.dataType));
 }
 
-const Row validity[] = {
+const CheckRow validity[] = {
     {"BitTypeWithWordAccess", "M", "0", 1, 0, {1, untouched}},
     {"BitTypeWithWordAccessMinusOne", "M", "0", -1, 0, {1, untouched}},
     {"WordTypeWithBitAccess", "D", "0", 0, 0, {1, untouched}},
@@ -226,7 +226,7 @@ const Row validity[] = {
     {"RangeStoresTheNumber", "X", "400", 0, 0, {2, 256}},
 };
 
-INSTANTIATE_TEST_SUITE_P(Reasons, ValidityOrder, ::testing::ValuesIn(validity), nameOf<Row>);
+INSTANTIATE_TEST_SUITE_P(Reasons, ValidityOrder, ::testing::ValuesIn(validity), nameOf<CheckRow>);
 
 TEST(AddressCheckWithoutOutput, NullNumberIsSkipped)
 {

@@ -7,7 +7,7 @@
 
 namespace {
 
-Texts plain(const QList<QString>& list)
+Texts plainTexts(const QList<QString>& list)
 {
     Texts texts;
     for (const QString& text : list)
@@ -21,7 +21,7 @@ TEST(RegisterList, OtherKindsLeaveTheListAlone)
         QList<QString> names;
         names << QString::fromLatin1("before");
         EXPECT_EQ(0, intf_getRegListByType(kind, names)) << kind;
-        EXPECT_EQ((Texts{"before"}), plain(names)) << kind;
+        EXPECT_EQ((Texts{"before"}), plainTexts(names)) << kind;
     }
 }
 
@@ -32,10 +32,10 @@ TEST(RegisterList, AppendsBitTypesAndWordTypesAndNeverClears)
         EXPECT_EQ(1, intf_getRegListByType(kind, names));
     EXPECT_EQ((Texts{"X", "Y", "M", "S", "SM", "T", "C", "X", "Y", "M", "S", "SM", "T", "C", "D",
                      "SD", "TV", "CV", "32CV"}),
-              plain(names));
+              plainTexts(names));
 }
 
-struct Row
+struct DescriptionRow
 {
     const char* name;
     const char* registerType;
@@ -43,7 +43,7 @@ struct Row
     int result;
 };
 
-class RegisterDescription : public ::testing::TestWithParam<Row>
+class RegisterDescription : public ::testing::TestWithParam<DescriptionRow>
 {};
 
 TEST_P(RegisterDescription, GivesFiveTextsOrNone)
@@ -51,11 +51,11 @@ TEST_P(RegisterDescription, GivesFiveTextsOrNone)
     QList<QString> fields;
     EXPECT_EQ(GetParam().result,
               intf_getRegDiscription(QString::fromLatin1(GetParam().registerType), fields));
-    EXPECT_EQ(GetParam().fields, plain(fields));
+    EXPECT_EQ(GetParam().fields, plainTexts(fields));
 }
 
 // Only "32CV" answers 1: the result says no more than that.
-const Row rows[] = {
+const DescriptionRow descriptions[] = {
     {"X", "X", {"ooo", "0", "377", "0", "0"}, 0},
     {"Y", "Y", {"ooo", "0", "377", "0", "1"}, 0},
     {"M", "M", {"dddd", "0", "3071", "0", "1"}, 0},
@@ -75,7 +75,8 @@ const Row rows[] = {
     {"Empty", "", {}, 0},
 };
 
-INSTANTIATE_TEST_SUITE_P(Types, RegisterDescription, ::testing::ValuesIn(rows), nameOf<Row>);
+INSTANTIATE_TEST_SUITE_P(Types, RegisterDescription, ::testing::ValuesIn(descriptions),
+                         nameOf<DescriptionRow>);
 
 TEST(RegisterDescriptionList, AppendsAndNeverClears)
 {
@@ -83,6 +84,6 @@ TEST(RegisterDescriptionList, AppendsAndNeverClears)
     intf_getRegDiscription(QString::fromLatin1("D"), fields);
     EXPECT_EQ(1, intf_getRegDiscription(QString::fromLatin1("32CV"), fields));
     EXPECT_EQ((Texts{"dddd", "0", "7999", "1", "1", "ddddd", "200", "255", "2", "1"}),
-              plain(fields));
+              plainTexts(fields));
 }
 }  // namespace

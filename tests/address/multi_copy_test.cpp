@@ -25,7 +25,7 @@ Numbers plain(const QVector<int>& list)
     return Numbers(list.begin(), list.end());
 }
 
-struct Row
+struct CopyRow
 {
     const char* name;
     const char* registerType;
@@ -37,12 +37,12 @@ struct Row
     Numbers values;
 };
 
-class MultiCopy : public ::testing::TestWithParam<Row>
+class MultiCopy : public ::testing::TestWithParam<CopyRow>
 {};
 
 TEST_P(MultiCopy, GivesSeries)
 {
-    const Row& row = GetParam();
+    const CopyRow& row = GetParam();
     QVector<QString> texts;
     QVector<int> values;
     EXPECT_EQ(row.result, intf_multiCopy(QString::fromLatin1(row.registerType), row.startIndex,
@@ -51,7 +51,7 @@ TEST_P(MultiCopy, GivesSeries)
     EXPECT_EQ(row.values, plain(values));
 }
 
-const Row examples[] = {
+const CopyRow examples[] = {
     {"ClampsAtTheEnd",
      "D",
      7996,
@@ -86,7 +86,7 @@ const Row examples[] = {
 };
 
 // From the last number one step on: the number itself, then the text of the end.
-const Row lastNumbers[] = {
+const CopyRow lastNumbers[] = {
     {"X", "X", 255, 2, -1, 2, {"377", "377"}, {255, 255}},
     {"Y", "Y", 255, 2, -1, 2, {"377", "377"}, {255, 255}},
     {"M", "M", 3071, 2, -1, 2, {"3071", "3071"}, {3071, 3071}},
@@ -101,7 +101,7 @@ const Row lastNumbers[] = {
     {"CounterEndsAt255", "32CV", 255, 2, -1, 2, {"255", "255"}, {255, 255}},
 };
 
-const Row doubleSteps[] = {
+const CopyRow doubleSteps[] = {
     {"X", "X", 0, 2, -2, 1, {"0", "1"}, {0, 1}},
     {"Y", "Y", 0, 2, -2, 1, {"0", "1"}, {0, 1}},
     {"M", "M", 0, 2, -2, 1, {"0", "1"}, {0, 1}},
@@ -116,7 +116,7 @@ const Row doubleSteps[] = {
     {"Counter", "32CV", 200, 2, -2, 1, {"200", "201"}, {200, 201}},
 };
 
-const Row hostile[] = {
+const CopyRow hostile[] = {
     {"LargestStart", "D", largest, 2, -1, 2, {"7999", "7999"}, {7999, 7999}},
     {"LargestStep", "D", 0, 4, largest, 2, {"0", "7999", "7999", "7999"}, {0, 7999, 7999, 7999}},
     {"LargestStepOctal", "Y", 1, 3, largest, 2, {"1", "377", "377"}, {1, 255, 255}},
@@ -130,10 +130,10 @@ const Row hostile[] = {
      {smallest, -1, 7999}},
 };
 
-INSTANTIATE_TEST_SUITE_P(Examples, MultiCopy, ::testing::ValuesIn(examples), nameOf<Row>);
-INSTANTIATE_TEST_SUITE_P(LastNumbers, MultiCopy, ::testing::ValuesIn(lastNumbers), nameOf<Row>);
-INSTANTIATE_TEST_SUITE_P(DoubleSteps, MultiCopy, ::testing::ValuesIn(doubleSteps), nameOf<Row>);
-INSTANTIATE_TEST_SUITE_P(Hostile, MultiCopy, ::testing::ValuesIn(hostile), nameOf<Row>);
+INSTANTIATE_TEST_SUITE_P(Examples, MultiCopy, ::testing::ValuesIn(examples), nameOf<CopyRow>);
+INSTANTIATE_TEST_SUITE_P(LastNumbers, MultiCopy, ::testing::ValuesIn(lastNumbers), nameOf<CopyRow>);
+INSTANTIATE_TEST_SUITE_P(DoubleSteps, MultiCopy, ::testing::ValuesIn(doubleSteps), nameOf<CopyRow>);
+INSTANTIATE_TEST_SUITE_P(Hostile, MultiCopy, ::testing::ValuesIn(hostile), nameOf<CopyRow>);
 
 TEST(MultiCopyVectors, AreAppendedToAndNeverCleared)
 {

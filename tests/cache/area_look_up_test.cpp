@@ -71,7 +71,7 @@ TEST_F(AreaLookUp, CopyOfTheListStaysAsItWas)
     EXPECT_EQ(0, indexOf("D", 5));
 }
 
-struct Row
+struct LookUpRow
 {
     const char* name;
     int value;
@@ -80,7 +80,7 @@ struct Row
     int result;
 };
 
-class BitValue : public ::testing::TestWithParam<Row>
+class BitValue : public ::testing::TestWithParam<LookUpRow>
 {};
 
 TEST_P(BitValue, IsSetOrCleared)
@@ -90,7 +90,7 @@ TEST_P(BitValue, IsSetOrCleared)
 
 constexpr int smallest = -2147483647 - 1;
 
-const Row bits[] = {
+const LookUpRow bits[] = {
     {"SetsBit0", 0, 0, 1, 1},
     {"SetsBit7", 0, 7, 1, 128},
     {"SetsBit30", 0, 30, 1, 1073741824},
@@ -117,5 +117,5 @@ TEST(BitOfAValue, IsSetOnlyWithin32Bits)
     EXPECT_FALSE(isBitSet(-2, 0));
 }
 
-INSTANTIATE_TEST_SUITE_P(Bits, BitValue, ::testing::ValuesIn(bits), nameOf<Row>);
+INSTANTIATE_TEST_SUITE_P(Bits, BitValue, ::testing::ValuesIn(bits), nameOf<LookUpRow>);
 }  // namespace

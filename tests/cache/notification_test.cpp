@@ -97,7 +97,7 @@ TEST_F(Notification, WholeByteReportsAtMostEightBits)
               calls);
 }
 
-struct Row
+struct NotificationRow
 {
     const char* name;
     int newBits;
@@ -105,7 +105,7 @@ struct Row
     Texts reported;
 };
 
-class WholeByte : public DriverTest, public ::testing::WithParamInterface<Row>
+class WholeByte : public DriverTest, public ::testing::WithParamInterface<NotificationRow>
 {};
 
 TEST_P(WholeByte, ReportsTheBitsThatDiffer)
@@ -118,14 +118,15 @@ TEST_P(WholeByte, ReportsTheBitsThatDiffer)
     EXPECT_EQ(GetParam().reported, calls);
 }
 
-const Row bytes[] = {
+const NotificationRow wholeBytes[] = {
     {"SameByteTwiceReportsNothing", 0x5A, 0x5A, {}},
     {"OneBitSet", 0x01, 0x00, {"1,1,M,0"}},
     {"OneBitCleared", 0x00, 0x80, {"1,1,M,7"}},
     {"TwoBitsTheOtherWayRound", 0x02, 0x04, {"1,1,M,1", "1,1,M,2"}},
 };
 
-INSTANTIATE_TEST_SUITE_P(Bytes, WholeByte, ::testing::ValuesIn(bytes), nameOf<Row>);
+INSTANTIATE_TEST_SUITE_P(Bytes, WholeByte, ::testing::ValuesIn(wholeBytes),
+                         nameOf<NotificationRow>);
 
 // Callers pass the start of an area; the bit numbers are added to whatever they pass.
 TEST_F(Notification, WholeByteAddsBitNumbersToTheAddressAsGiven)

@@ -51,7 +51,7 @@ TEST_F(WriteRequests, CacheOnlyWritesQueueNothingAndStayPending)
     EXPECT_EQ(1, area("D", 5).bufferSelect);
 }
 
-struct Row
+struct WriteRow
 {
     const char* name;
     const char* propertyString;
@@ -61,13 +61,13 @@ struct Row
     const char* queued;
 };
 
-class WordPieces : public WriteRequests, public ::testing::WithParamInterface<Row>
+class WordPieces : public WriteRequests, public ::testing::WithParamInterface<WriteRow>
 {};
 
 // Each piece carries its own bytes of the host's data, and zeros behind them.
 TEST_P(WordPieces, AreQueued)
 {
-    const Row& row = GetParam();
+    const WriteRow& row = GetParam();
     setUpDriver(row.propertyString);
     const Bytes data = counting(2 * row.wordCount);
     write(row.registerType, row.start, data, row.wordCount, 31);
@@ -81,7 +81,7 @@ TEST_P(WordPieces, AreQueued)
     EXPECT_EQ(data, carried);
 }
 
-const Row pieces[] = {
+const WriteRow pieces[] = {
     {"Of32", "1#0#0#3#32", "D", 0, 70, "1#D0/32 1#D32/32 1#D64/6"},
     {"Of64", "1#0#0#3#64", "D", 0, 70, "1#D0/64 1#D64/6"},
     {"MultipleOfTheLimit", "1#0#0#3#32", "D", 5, 64, "1#D5/32 1#D37/32"},
@@ -98,7 +98,7 @@ const Row pieces[] = {
     {"HugeLimit", "1#0#0#3#2147483647", "D", 0, 507, "1#D0/253 1#D253/253 1#D506/1"},
 };
 
-INSTANTIATE_TEST_SUITE_P(Limits, WordPieces, ::testing::ValuesIn(pieces), nameOf<Row>);
+INSTANTIATE_TEST_SUITE_P(Limits, WordPieces, ::testing::ValuesIn(pieces), nameOf<WriteRow>);
 
 TEST_F(WriteRequests, BitWithDataByteTwoIsForcedOff)
 {

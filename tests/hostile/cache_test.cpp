@@ -6,11 +6,10 @@
 
 #include "cache/data_areas.h"
 #include "cache/write_values.h"
+#include "tests/hostile/extremes.h"
 #include "tests/support/driver_fixture.h"
 
 namespace {
-constexpr int largest = 2147483647;
-constexpr int smallest = -2147483647 - 1;
 
 class HostileCache : public DriverTest
 {

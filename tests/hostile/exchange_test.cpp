@@ -4,11 +4,10 @@
 // Exchanges that no sane host or PLC brings about: lists emptied under a frame in flight, requests
 // at the ends of the numbers or without end, a reply of a megabyte.
 
+#include "tests/hostile/extremes.h"
 #include "tests/support/driver_fixture.h"
 
 namespace {
-constexpr int largest = 2147483647;
-constexpr int smallest = -2147483647 - 1;
 
 class HostileExchange : public DriverTest
 {

@@ -4,6 +4,7 @@
 // Planning with numbers that no sane host gives: limits of 0 and less or without end, lengths
 // beyond what the wire can address, starts near the largest integer, lists longer than any screen.
 
+#include "tests/hostile/extremes.h"
 #include "tests/model/driver_properties.h"
 #include "tests/plan/plan_of_ranges.h"
 
@@ -11,8 +12,6 @@
 #include <random>
 
 namespace {
-constexpr int largest = 2147483647;
-constexpr int smallest = -2147483647 - 1;
 
 class OddRanges : public PlanOfRanges
 {};

@@ -14,7 +14,7 @@ TEST_P(BitMerge, GivesPlan)
     mergeAndCompare();
 }
 
-const PlanRow rows[] = {
+const PlanRow bitRanges[] = {
     {"SingleBitReadsItsByte", 32, {{"M", 5, 1}}, "1#M0/1"},
     {"LastBitOfAByte", 32, {{"M", 15, 1}}, "1#M8/1"},
     {"EightBits", 32, {{"M", 8, 8}}, "1#M8/1"},
@@ -43,7 +43,7 @@ const PlanRow rows[] = {
     {"ClosedBlockNeverGrowsAgain", 2, {{"M", 0, 8}, {"M", 16, 8}, {"M", 8, 1}}, "1#M0/2 1#M16/1"},
 };
 
-INSTANTIATE_TEST_SUITE_P(Ranges, BitMerge, ::testing::ValuesIn(rows), nameOf<PlanRow>);
+INSTANTIATE_TEST_SUITE_P(Ranges, BitMerge, ::testing::ValuesIn(bitRanges), nameOf<PlanRow>);
 
 // The bytes of a piece are counted from its length alone.
 const PlanRow oddities[] = {

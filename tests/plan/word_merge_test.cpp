@@ -15,7 +15,7 @@ TEST_P(WordMerge, GivesPlan)
     mergeAndCompare();
 }
 
-const PlanRow rows[] = {
+const PlanRow wordRanges[] = {
     {"OneWord", 32, {{"D", 7, 1}}, "1#D7/1"},
     {"LengthOfTheLimitIsOnePiece", 32, {{"D", 0, 32}}, "1#D0/32"},
     {"OneMoreThanTheLimit", 32, {{"D", 0, 33}}, "1#D0/32 1#D32/1"},
@@ -53,5 +53,5 @@ const PlanRow rows[] = {
      "1#D0/1 1#TV1/1 1#CV0/1"},
 };
 
-INSTANTIATE_TEST_SUITE_P(Ranges, WordMerge, ::testing::ValuesIn(rows), nameOf<PlanRow>);
+INSTANTIATE_TEST_SUITE_P(Ranges, WordMerge, ::testing::ValuesIn(wordRanges), nameOf<PlanRow>);
 }  // namespace

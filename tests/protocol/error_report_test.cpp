@@ -7,7 +7,7 @@
 #include "tests/support/driver_fixture.h"
 
 namespace {
-struct Row
+struct ErrorRow
 {
     const char* name;
     int stationNo;
@@ -18,19 +18,19 @@ struct Row
     const char* text;
 };
 
-class ErrorReport : public DriverTest, public ::testing::WithParamInterface<Row>
+class ErrorReport : public DriverTest, public ::testing::WithParamInterface<ErrorRow>
 {};
 
 TEST_P(ErrorReport, NamesTheRequest)
 {
-    const Row& row = GetParam();
+    const ErrorRow& row = GetParam();
     FRAME_PRO frame;
     frame.variable = request(row.registerType, row.addressIndex, row.count, row.stationNo);
     driver.frames << frame << FRAME_PRO();
     EXPECT_EQ(row.text, plain(getErrorInfo(QByteArray(row.replyBytes, 'x'))));
 }
 
-const Row rows[] = {
+const ErrorRow errors[] = {
     {"WordsWithoutAnswer", 1, "D", 100, 2, 0, "1#D100(2)(0)"},
     {"InputsInOctal", 0, "X", 16, 3, 5, "0#X20(3)(5)"},
     {"OutputsInOctal", 1, "Y", 8, 1, 1, "1#Y10(1)(1)"},
@@ -54,7 +54,7 @@ const Row rows[] = {
     {"Zeros", 0, "D", 0, 0, 0, "0#D0(0)(0)"},
 };
 
-INSTANTIATE_TEST_SUITE_P(Requests, ErrorReport, ::testing::ValuesIn(rows), nameOf<Row>);
+INSTANTIATE_TEST_SUITE_P(Requests, ErrorReport, ::testing::ValuesIn(errors), nameOf<ErrorRow>);
 
 using ErrorReportOfAReply = DriverTest;
 

@@ -7,7 +7,7 @@
 #include "tests/support/driver_fixture.h"
 
 namespace {
-struct Row
+struct ReadRow
 {
     const char* name;
     const char* registerType;
@@ -18,12 +18,12 @@ struct Row
     int replyDataChars;
 };
 
-class ReadFrame : public DriverTest, public ::testing::WithParamInterface<Row>
+class ReadFrame : public DriverTest, public ::testing::WithParamInterface<ReadRow>
 {};
 
 TEST_P(ReadFrame, IsBuilt)
 {
-    const Row& row = GetParam();
+    const ReadRow& row = GetParam();
     VARIABLE var = request(row.registerType, row.addressIndex, row.count);
     getReadFrame(var);
     ASSERT_EQ(1, driver.frames.size());
@@ -38,7 +38,7 @@ TEST_P(ReadFrame, IsBuilt)
 constexpr int largest = 2147483647;
 constexpr int smallest = -2147483647 - 1;
 
-const Row memoryMap[] = {
+const ReadRow memoryMap[] = {
     {"FirstState", "S", 0, 1, "<STX>0000001<ETX>54", 6, 2},
     {"LastState", "S", 999, 1, "<STX>0007C01<ETX>6E", 6, 2},
     {"FirstInputs", "X", 0, 3, "<STX>0008003<ETX>5E", 10, 6},
@@ -75,7 +75,7 @@ const Row memoryMap[] = {
 };
 
 // Address and byte count keep what fits their digits; the reply is expected in full.
-const Row cutFields[] = {
+const ReadRow cutFields[] = {
     {"CountOf255Bytes", "M", 0, 255, "<STX>00100FF<ETX>80", 514, 510},
     {"CountOf256BytesKeepsItsLowByte", "M", 0, 256, "<STX>0010000<ETX>54", 516, 512},
     {"WordsOf254Bytes", "D", 0, 127, "<STX>01000FE<ETX>7F", 512, 508},
@@ -88,7 +88,7 @@ const Row cutFields[] = {
     {"BitCountZero", "M", 0, 0, "<STX>0010000<ETX>54", 4, 0},
 };
 
-const Row hostile[] = {
+const ReadRow hostile[] = {
     {"OffsetTruncatesTowardZero", "SM", 7999, 1, "<STX>001E001<ETX>6A", 6, 2},
     {"OffsetBelowTheFirst", "SM", 7992, 1, "<STX>001DF01<ETX>7F", 6, 2},
     {"NegativeInput", "X", -5, 1, "<STX>0008001<ETX>5C", 6, 2},
@@ -108,9 +108,9 @@ const Row hostile[] = {
     {"LargestCounterCount", "32CV", 200, largest, "<STX>00C00FC<ETX>8F", largest, largest},
 };
 
-INSTANTIATE_TEST_SUITE_P(MemoryMap, ReadFrame, ::testing::ValuesIn(memoryMap), nameOf<Row>);
-INSTANTIATE_TEST_SUITE_P(CutFields, ReadFrame, ::testing::ValuesIn(cutFields), nameOf<Row>);
-INSTANTIATE_TEST_SUITE_P(Hostile, ReadFrame, ::testing::ValuesIn(hostile), nameOf<Row>);
+INSTANTIATE_TEST_SUITE_P(MemoryMap, ReadFrame, ::testing::ValuesIn(memoryMap), nameOf<ReadRow>);
+INSTANTIATE_TEST_SUITE_P(CutFields, ReadFrame, ::testing::ValuesIn(cutFields), nameOf<ReadRow>);
+INSTANTIATE_TEST_SUITE_P(Hostile, ReadFrame, ::testing::ValuesIn(hostile), nameOf<ReadRow>);
 
 using ReadFrameRecord = DriverTest;
 

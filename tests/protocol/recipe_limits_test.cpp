@@ -7,7 +7,7 @@
 #include "tests/support/driver_fixture.h"
 
 namespace {
-struct Row
+struct RecipeRow
 {
     const char* name;
     const char* registerType;
@@ -17,7 +17,7 @@ struct Row
     bool goesUp;
 };
 
-class RecipeLimits : public DriverTest, public ::testing::WithParamInterface<Row>
+class RecipeLimits : public DriverTest, public ::testing::WithParamInterface<RecipeRow>
 {
 protected:
     RecipeLimits()
@@ -57,7 +57,7 @@ TEST_P(RecipeLimits, UploadIsCarriedOrEnded)
     expectCarriedOrEnded(GetParam().goesUp, fxUploadRequestByte);
 }
 
-const Row rows[] = {
+const RecipeRow recipes[] = {
     {"NoWords", "D", 0, 0, true, true},
     {"LongestDownload", "D", 253, 0, true, true},
     {"TooLongForADownload", "D", 254, 0, false, true},
@@ -78,7 +78,7 @@ const Row rows[] = {
     {"LastWordsOfTheMemory", "D", 8, 2040, true, true},
 };
 
-INSTANTIATE_TEST_SUITE_P(Entries, RecipeLimits, ::testing::ValuesIn(rows), nameOf<Row>);
+INSTANTIATE_TEST_SUITE_P(Entries, RecipeLimits, ::testing::ValuesIn(recipes), nameOf<RecipeRow>);
 
 class RecipeWithoutMemory : public DriverTest
 {

@@ -18,7 +18,7 @@ constexpr Waiting oneByte = {6, 2};
 constexpr Waiting aWrite = {1, 0};
 constexpr Waiting nothingRead = {4, 0};  // a read of count 0
 
-struct Row
+struct ReplyRow
 {
     const char* name;
     Waiting waiting;
@@ -26,7 +26,7 @@ struct Row
     int answer;
 };
 
-class ReplyCheck : public DriverTest, public ::testing::WithParamInterface<Row>
+class ReplyCheck : public DriverTest, public ::testing::WithParamInterface<ReplyRow>
 {};
 
 // The bytes lie in a block of their own size, so that a memory checker sees a read beside them.
@@ -47,7 +47,7 @@ TEST_P(ReplyCheck, IsJudged)
     EXPECT_EQ(GetParam().answer, judge(GetParam().waiting, GetParam().reply));
 }
 
-const Row reads[] = {
+const ReplyRow reads[] = {
     {"GoodData", twoWords, "<STX>12345678<ETX>A7", 1},
     {"GoodDataWithLettersInTheSum", twoWords, "<STX>1234<ETX>CD", 1},
     {"ShorterThanExpectedPasses", twoWords, "<STX>1234<ETX>CD", 1},
@@ -80,7 +80,7 @@ const Row reads[] = {
     {"FourBytesWithAWrongSum", twoWords, "<STX><ETX>02", 0},
 };
 
-const Row writes[] = {
+const ReplyRow writes[] = {
     {"Ack", aWrite, "<ACK>", 2},
     {"Nak", aWrite, "<NAK>", 0},
     {"StartByte", aWrite, "<STX>", 0},
@@ -95,7 +95,7 @@ const Row writes[] = {
 };
 
 // A reply of less than six expected bytes can only be an acknowledgement.
-const Row literalJudgements[] = {
+const ReplyRow literalJudgements[] = {
     {"ReadOfCountZeroTakesAnAck", nothingRead, "<ACK>", 2},
     {"ReadOfCountZeroRefusesItsOwnReply", nothingRead, "<STX><ETX>03", 0},
     {"ReadOfCountZeroRefusesNak", nothingRead, "<NAK>", 0},
@@ -107,9 +107,10 @@ const Row literalJudgements[] = {
     {"LargestExpectationTakesData", {2147483647, 2147483647}, "<STX>1234<ETX>CD", 1},
 };
 
-INSTANTIATE_TEST_SUITE_P(Reads, ReplyCheck, ::testing::ValuesIn(reads), nameOf<Row>);
-INSTANTIATE_TEST_SUITE_P(Writes, ReplyCheck, ::testing::ValuesIn(writes), nameOf<Row>);
-INSTANTIATE_TEST_SUITE_P(Literal, ReplyCheck, ::testing::ValuesIn(literalJudgements), nameOf<Row>);
+INSTANTIATE_TEST_SUITE_P(Reads, ReplyCheck, ::testing::ValuesIn(reads), nameOf<ReplyRow>);
+INSTANTIATE_TEST_SUITE_P(Writes, ReplyCheck, ::testing::ValuesIn(writes), nameOf<ReplyRow>);
+INSTANTIATE_TEST_SUITE_P(Literal, ReplyCheck, ::testing::ValuesIn(literalJudgements),
+                         nameOf<ReplyRow>);
 
 using ReplyCheckOfBadBuffers = DriverTest;
 

@@ -112,14 +112,14 @@ TEST_F(ReplyHandling, GoodReadCountsAsSuccessBeforeItsValuesAreReported)
     EXPECT_EQ((Bytes{0, 0}), seen);
 }
 
-struct Row
+struct HandlingRow
 {
     const char* name;
     const char* propertyString;
     std::vector<int> results;
 };
 
-class FailLimit : public DriverTest, public ::testing::WithParamInterface<Row>
+class FailLimit : public DriverTest, public ::testing::WithParamInterface<HandlingRow>
 {};
 
 TEST_P(FailLimit, CountsRejectionsInARow)
@@ -133,13 +133,13 @@ TEST_P(FailLimit, CountsRejectionsInARow)
     EXPECT_EQ(GetParam().results, results);
 }
 
-const Row limits[] = {
+const HandlingRow limits[] = {
     {"One", "1#0#0#1#32", {2}},       {"Zero", "1#0#0#0#32", {2}},
     {"Negative", "1#0#0#-5#32", {2}}, {"Smallest", "1#0#0#-2147483648#32", {2}},
     {"Two", "1#0#0#2#32", {8, 2}},    {"Five", "1#0#0#5#32", {8, 8, 8, 8, 2}},
 };
 
-INSTANTIATE_TEST_SUITE_P(Limits, FailLimit, ::testing::ValuesIn(limits), nameOf<Row>);
+INSTANTIATE_TEST_SUITE_P(Limits, FailLimit, ::testing::ValuesIn(limits), nameOf<HandlingRow>);
 
 class WriteReply : public DriverTest
 {

@@ -6,7 +6,7 @@
 #include "tests/support/driver_fixture.h"
 
 namespace {
-struct Row
+struct MarkRow
 {
     const char* name;
     const char* registerType;
@@ -15,13 +15,13 @@ struct Row
     const char* marked;
 };
 
-class StaleMarks : public DriverTest, public ::testing::WithParamInterface<Row>
+class StaleMarks : public DriverTest, public ::testing::WithParamInterface<MarkRow>
 {};
 
 TEST_P(StaleMarks, CoverTwiceTheReadOrFourTimesForCounters)
 {
     setUpDriver("1#0#0#1#32");
-    const Row& row = GetParam();
+    const MarkRow& row = GetParam();
     driver.readList << request(row.registerType, row.start, row.count);
     ASSERT_NE("", nextFrame());
     EXPECT_EQ(2, reply(""));
@@ -30,7 +30,7 @@ TEST_P(StaleMarks, CoverTwiceTheReadOrFourTimesForCounters)
         EXPECT_EQ(1, marked.flag0);
 }
 
-const Row rows[] = {
+const MarkRow marks[] = {
     {"Registers", "D", 100, 2, "1#D100 1#D101 1#D102 1#D103"},
     {"SpecialRegisters", "SD", 8000, 1, "1#SD8000 1#SD8001"},
     {"TimerValues", "TV", 0, 1, "1#TV0 1#TV1"},
@@ -49,7 +49,7 @@ const Row rows[] = {
     {"NegativeCount", "D", 0, -3, ""},
 };
 
-INSTANTIATE_TEST_SUITE_P(FailedReads, StaleMarks, ::testing::ValuesIn(rows), nameOf<Row>);
+INSTANTIATE_TEST_SUITE_P(FailedReads, StaleMarks, ::testing::ValuesIn(marks), nameOf<MarkRow>);
 
 class StaleMarksInTime : public DriverTest
 {

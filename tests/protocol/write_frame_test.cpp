@@ -8,7 +8,7 @@
 #include "tests/support/driver_fixture.h"
 
 namespace {
-struct Row
+struct WriteRow
 {
     const char* name;
     const char* registerType;
@@ -17,12 +17,12 @@ struct Row
     const char* frame;
 };
 
-class WriteFrame : public DriverTest, public ::testing::WithParamInterface<Row>
+class WriteFrame : public DriverTest, public ::testing::WithParamInterface<WriteRow>
 {};
 
 TEST_P(WriteFrame, IsBuilt)
 {
-    const Row& row = GetParam();
+    const WriteRow& row = GetParam();
     const int byteCount = static_cast<int>(row.data.size());
     VARIABLE var = request(row.registerType, row.addressIndex, byteCount / 2);
     for (int i = 0; i < byteCount; ++i)
@@ -38,7 +38,7 @@ TEST_P(WriteFrame, IsBuilt)
     EXPECT_EQ(0, built.spare);
 }
 
-const Row words[] = {
+const WriteRow words[] = {
     {"FirstRegister", "D", 0, {0x34, 0x12}, "<STX>11000023412<ETX>21"},
     {"TwoRegisters", "D", 100, {0x01, 0x02, 0x03, 0x04}, "<STX>110C80401020304<ETX>FE"},
     {"LastRegister", "D", 7999, {0xFF, 0xFF}, "<STX>14E7E02FFFF<ETX>A3"},
@@ -66,7 +66,7 @@ const Row words[] = {
     {"SmallestSpecialRegister", "SD", -2147483647 - 1, {0x01, 0x00}, "<STX>1D080020100<ETX>33"},
 };
 
-const Row bits[] = {
+const WriteRow bits[] = {
     {"FirstStateOn", "S", 0, {1}, "<STX>70000<ETX>FA"},
     {"FirstStateOff", "S", 0, {0}, "<STX>80000<ETX>FB"},
     {"LastState", "S", 999, {1}, "<STX>7E703<ETX>19"},
@@ -89,8 +89,8 @@ const Row bits[] = {
     {"SmallestSpecialRelay", "SM", -2147483647 - 1, {1}, "<STX>7C0EF<ETX>38"},
 };
 
-INSTANTIATE_TEST_SUITE_P(Words, WriteFrame, ::testing::ValuesIn(words), nameOf<Row>);
-INSTANTIATE_TEST_SUITE_P(Bits, WriteFrame, ::testing::ValuesIn(bits), nameOf<Row>);
+INSTANTIATE_TEST_SUITE_P(Words, WriteFrame, ::testing::ValuesIn(words), nameOf<WriteRow>);
+INSTANTIATE_TEST_SUITE_P(Bits, WriteFrame, ::testing::ValuesIn(bits), nameOf<WriteRow>);
 
 using WriteFrameRecord = DriverTest;
 

@@ -16,20 +16,20 @@ namespace {
 
 constexpr double mostQuietMs = 5;  // the line must be empty before a frame, or stray replies count
 
-struct Line
+struct MeasuredLine
 {
     int baud;
     int turnaroundMs;
 };
 
-const QVector<RegisterRange> due = {range("D0:40"),   range("D55"),   range("D80:3"),
-                                    range("D300:30"), range("M0:64"), range("32CV200:5"),
-                                    range("D900"),    range("D930")};
+const QVector<RegisterRange> dueRanges = {range("D0:40"),   range("D55"),   range("D80:3"),
+                                          range("D300:30"), range("M0:64"), range("32CV200:5"),
+                                          range("D900"),    range("D930")};
 
-class MeasuredCycle : public testing::TestWithParam<Line>
+class MeasuredCycle : public testing::TestWithParam<MeasuredLine>
 {};
 
-fxsim::Settings settingsOf(const Line& line)
+fxsim::Settings settingsOf(const MeasuredLine& line)
 {
     return badLine(line.baud, line.turnaroundMs > 0 ? "delay:20=100%" : "");
 }
@@ -38,14 +38,14 @@ fxsim::Settings settingsOf(const Line& line)
 
 TEST_P(MeasuredCycle, IsThePredictedOneAndAMomentOfQuietBeforeEachFrame)
 {
-    const Line& line = GetParam();
+    const MeasuredLine& line = GetParam();
     Bench bench(settingsOf(line));
     PlanCycle plan(bench.loop, shortestPlanner(bench.loop, line.baud, std::nullopt));
-    plan.plan(due);
+    plan.plan(dueRanges);
     for (int cycle = 0; cycle < 3; ++cycle)
         ASSERT_TRUE(plan.poll().allGood());
     const LineCost cost = {qint64(1000) * line.turnaroundMs, line.baud};
-    const double predictedMs = milliseconds(costOf(shortestPlan(due, 32, cost), cost), cost);
+    const double predictedMs = milliseconds(costOf(shortestPlan(dueRanges, 32, cost), cost), cost);
     const qint64 startedUs = bench.line.nowUs();
     ASSERT_TRUE(plan.poll().allGood());
     const auto tookUs = static_cast<double>(bench.line.nowUs() - startedUs);
@@ -55,9 +55,10 @@ TEST_P(MeasuredCycle, IsThePredictedOneAndAMomentOfQuietBeforeEachFrame)
 }
 
 INSTANTIATE_TEST_SUITE_P(Lines, MeasuredCycle,
-                         testing::Values(Line{9600, 0}, Line{9600, 20}, Line{19200, 0},
-                                         Line{19200, 20}, Line{38400, 0}, Line{38400, 20},
-                                         Line{115200, 0}, Line{115200, 20}),
+                         testing::Values(MeasuredLine{9600, 0}, MeasuredLine{9600, 20},
+                                         MeasuredLine{19200, 0}, MeasuredLine{19200, 20},
+                                         MeasuredLine{38400, 0}, MeasuredLine{38400, 20},
+                                         MeasuredLine{115200, 0}, MeasuredLine{115200, 20}),
                          [](const auto& row) {
                              return std::to_string(row.param.baud) + "Baud" +
                                     std::to_string(row.param.turnaroundMs) + "Ms";
@@ -87,7 +88,7 @@ TEST(MeasuredLine, CountsExchangesAloneWhereCharactersCostLess)
 // Words 8 apart: cheaper apart where the PLC answers at once, together where it takes its time.
 TEST(MeasuredLine, DecidesWhatIsReadTogether)
 {
-    for (const Line& line : {Line{9600, 0}, Line{9600, 20}}) {
+    for (const MeasuredLine& line : {MeasuredLine{9600, 0}, MeasuredLine{9600, 20}}) {
         Bench bench(settingsOf(line));
         PlanCycle plan(bench.loop, shortestPlanner(bench.loop, line.baud, std::nullopt));
         plan.plan({range("D0"), range("D8")});

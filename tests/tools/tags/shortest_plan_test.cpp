@@ -11,7 +11,7 @@ using namespace tool_tests;
 
 namespace {
 
-constexpr LineCost slowLine = {20000, 9600};
+constexpr LineCost line9600 = {20000, 9600};
 
 QVector<RegisterRange> ranges(std::initializer_list<const char*> addresses)
 {
@@ -31,7 +31,7 @@ std::string text(const QVector<PlannedBlock>& plan)
 }
 
 std::string planned(std::initializer_list<const char*> addresses, int words = 32,
-                    const LineCost& line = slowLine)
+                    const LineCost& line = line9600)
 {
     return text(shortestPlan(ranges(addresses), words, line));
 }
@@ -74,7 +74,7 @@ TEST(ShortestPlan, TakesCountersForTwoWords)
 {
     EXPECT_EQ(planned({"32CV200:5"}, 4), "32CV200:2 32CV202:2 32CV204");
     EXPECT_EQ(planned({"32CV200:2"}, 2), "32CV200 32CV201");
-    EXPECT_EQ(shortestPlan(ranges({"32CV200:5"}), 32, slowLine).first().bytes(), 20);
+    EXPECT_EQ(shortestPlan(ranges({"32CV200:5"}), 32, line9600).first().bytes(), 20);
 }
 
 TEST(ShortestPlan, ReadsWholeBytesOfBits)
@@ -82,7 +82,7 @@ TEST(ShortestPlan, ReadsWholeBytesOfBits)
     EXPECT_EQ(planned({"M5"}), "M0:8");
     EXPECT_EQ(planned({"M7:2"}), "M0:16");
     EXPECT_EQ(planned({"X17"}), "X10:8");
-    EXPECT_EQ(shortestPlan(ranges({"M7:2"}), 32, slowLine).first().characters(), 15 + 2 * 2);
+    EXPECT_EQ(shortestPlan(ranges({"M7:2"}), 32, line9600).first().characters(), 15 + 2 * 2);
 }
 
 TEST(ShortestPlan, KeepsTypesAndStationsApart)
@@ -102,13 +102,13 @@ TEST(ShortestPlan, TearsNoValueOfSeveralWords)
 {
     RegisterRange pairs = range("D1:40");
     pairs.together = 2;
-    EXPECT_EQ(text(shortestPlan({range("D0"), pairs}, 32, slowLine)), "D0:31 D31:10");
+    EXPECT_EQ(text(shortestPlan({range("D0"), pairs}, 32, line9600)), "D0:31 D31:10");
     RegisterRange texts = range("D100:60");
     texts.together = 20;
-    EXPECT_EQ(text(shortestPlan({texts}, 32, slowLine)), "D100:20 D120:20 D140:20");
+    EXPECT_EQ(text(shortestPlan({texts}, 32, line9600)), "D100:20 D120:20 D140:20");
     RegisterRange groups = range("M4:64");
     groups.together = 16;
-    EXPECT_EQ(text(shortestPlan({groups}, 4, slowLine)), "M0:24 M16:24 M32:24 M48:24");
+    EXPECT_EQ(text(shortestPlan({groups}, 4, line9600)), "M0:24 M16:24 M32:24 M48:24");
 }
 
 // Apart they would fit into two blocks that both read number 2, at two times.
@@ -131,12 +131,12 @@ TEST(ShortestPlan, CutsAValueThatNoFrameHolds)
 {
     RegisterRange longText = range("D0:40");
     longText.together = 40;
-    EXPECT_EQ(text(shortestPlan({longText}, 32, slowLine)), "D0:32 D32:8");
+    EXPECT_EQ(text(shortestPlan({longText}, 32, line9600)), "D0:32 D32:8");
 }
 
 TEST(ShortestPlan, SaysWhatIsDueInEachBlock)
 {
-    const QVector<PlannedBlock> plan = shortestPlan(ranges({"D30:4", "D0", "D5:2"}), 32, slowLine);
+    const QVector<PlannedBlock> plan = shortestPlan(ranges({"D30:4", "D0", "D5:2"}), 32, line9600);
     ASSERT_EQ(text(plan), "D0:7 D30:4");
     ASSERT_EQ(plan[0].due.size(), 2);
     EXPECT_EQ(plan[0].due[0].text(), "D0");
