@@ -4,6 +4,7 @@
 // Registers polled at their periods on a line with the timing of a real one, in simulated time.
 
 #include "tests/tools/support/virtual_line.h"
+#include "tests/tools/tags/every.h"
 #include "tools/exchange/blocks.h"
 #include "tools/tags/periodic_poller.h"
 
@@ -13,13 +14,6 @@ using namespace fxtools;
 using namespace tool_tests;
 
 namespace {
-
-constexpr qint64 second = 1000000;
-
-PeriodicRange every(int periodMs, const char* address)
-{
-    return {range(address), 1000 * qint64(periodMs)};
-}
 
 class OnALineAt9600Baud : public testing::Test
 {

@@ -3,8 +3,7 @@
 //
 // Registers with periods on a line whose exchanges take what they cost, in a time that only counts.
 
-#include "tests/tools/support/loaded_driver.h"
-#include "tools/tags/schedule.h"
+#include "tests/tools/tags/every.h"
 
 #include <gtest/gtest.h>
 
@@ -18,13 +17,7 @@ using namespace tool_tests;
 namespace {
 
 constexpr LineCost slowLine = {20000, 9600};
-constexpr qint64 second = 1000000;
 constexpr qint64 longestExchangeUs = exchangeCost(slowLine, 64) / slowLine.baud;
-
-PeriodicRange every(int periodMs, const char* address)
-{
-    return {range(address), 1000 * qint64(periodMs)};
-}
 
 class Line
 {
