@@ -155,6 +155,20 @@ void addBlocks(JsonFields& fields, const QVector<BlockTimes>& blocks)
     }
 }
 
+void addPeriods(JsonFields& fields, const QVector<PeriodTimes>& periods)
+{
+    for (int index = 0; index < periods.size(); ++index) {
+        const PeriodTimes& period = periods[index];
+        const QString prefix = QStringLiteral("periods.%1.").arg(index);
+        fields += {{prefix + "addresses", period.addresses},
+                   {prefix + "wantedMs", asMilliseconds(period.wantedUs)}};
+        if (period.meanUs > 0) {
+            fields += {{prefix + "meanMs", asMilliseconds(period.meanUs)},
+                       {prefix + "longestMs", asMilliseconds(period.longestUs)}};
+        }
+    }
+}
+
 JsonFields fieldsOf(const LineReport& report)
 {
     const Statistics& statistics = report.statistics;
@@ -162,6 +176,7 @@ JsonFields fieldsOf(const LineReport& report)
     JsonFields fields;
     addExchanges(fields, statistics);
     addBlocks(fields, report.blocks);
+    addPeriods(fields, report.periods);
     fields += {{"bytesSent", statistics.bytesSent},
                {"bytesReceived", statistics.bytesReceived},
                {"bytesThrownAway", statistics.bytesThrownAway},
@@ -209,6 +224,21 @@ QStringList blockLines(const QVector<BlockTimes>& blocks)
                            .arg(block.onlyFor, milliseconds(block.meanUs()));
     }
     return table.lines() + savings;
+}
+
+QStringList periodLines(const QVector<PeriodTimes>& periods)
+{
+    Table table({{"values"},
+                 {"wanted every, ms", Align::Right},
+                 {"mean", Align::Right},
+                 {"longest", Align::Right}});
+    for (const PeriodTimes& period : periods) {
+        QStringList row = {period.addresses};
+        for (const qint64 timeUs : {period.wantedUs, period.meanUs, period.longestUs})
+            row += timeUs > 0 ? milliseconds(timeUs) : QString();
+        table.add(row);
+    }
+    return table.lines();
 }
 
 }  // namespace
@@ -261,6 +291,8 @@ QStringList lineReportLines(const LineReport& report)
     QStringList lines = statisticsLines(report.statistics, report.elapsedUs);
     lines += "  cycle time: " + timesText(report.cycleTimes);
     lines << QString() << blockLines(report.blocks) << QString();
+    if (!report.periods.isEmpty())
+        lines << periodLines(report.periods) << QString();
     lines += "  response times (" + timeoutText(report.timeout) + "):";
     return lines + histogramLines(report.statistics.responses);
 }

@@ -30,6 +30,15 @@ struct BlockTimes
     qint64 meanUs() const { return totalUs / std::max<qint64>(frames - rejected, 1); }
 };
 
+// How often the values of one period were read.
+struct PeriodTimes
+{
+    QString addresses;
+    qint64 wantedUs = 0;  // 0: as fast as the line allows
+    qint64 meanUs = 0;    // 0: no value was read twice
+    qint64 longestUs = 0;
+};
+
 // What is known about a line after polling over it.
 struct LineReport
 {
@@ -38,6 +47,7 @@ struct LineReport
     const Histogram& cycleTimes;
     qint64 elapsedUs;
     const AdaptiveTimeout& timeout;
+    QVector<PeriodTimes> periods = {};  // empty: all is read in each cycle
 };
 
 QStringList lineReportLines(const LineReport& report);

@@ -66,6 +66,25 @@ TEST(LineReports, NameErrorsInPerCent)
     EXPECT_EQ(lines[5], "  response time: median 0.512 ms, 95 % in 25 ms, longest 25 ms");
 }
 
+TEST(LineReports, SayHowPeriodsAreKept)
+{
+    const Statistics statistics;
+    const LineReport report{
+        {}, statistics,          {},
+        0,  AdaptiveTimeout({}), {{"D0:10", 100000, 101000, 140000}, {"D100", 0, 0, 0}}};
+    const QStringList lines = lineReportLines(report);
+    const int first = lines.indexOf("  values  wanted every, ms  mean  longest");
+    ASSERT_GE(first, 0) << lines.join('\n').toStdString();
+    EXPECT_EQ(lines[first + 1], "  D0:10                100   101      140");
+    EXPECT_EQ(lines[first + 2], "  D100");
+    const QStringList csv = lineReportCsv(report);
+    for (const char* line :
+         {"periods.0.addresses,D0:10", "periods.0.wantedMs,100", "periods.0.meanMs,101",
+          "periods.0.longestMs,140", "periods.1.addresses,D100", "periods.1.wantedMs,0"})
+        EXPECT_TRUE(csv.contains(line)) << line;
+    EXPECT_EQ(csv.filter("periods.1.").size(), 2);
+}
+
 TEST(LineReports, SayWhatABlockCosts)
 {
     BlockTimes asked{"D0 … D31", 32, {}, 10, 0, 340000, 40000};
