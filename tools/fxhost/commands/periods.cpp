@@ -28,20 +28,6 @@ struct GivenPeriod
     }
 };
 
-// What is wanted, and what it is called.
-struct Wanted
-{
-    QVector<PeriodicRange> ranges;
-    QMap<qint64, QStringList> names;  // by period
-
-    void add(const RegisterRange& registers, const QString& name, qint64 periodUs)
-    {
-        ranges.append({registers, periodUs});
-        if (!names[periodUs].contains(name))
-            names[periodUs].append(name);
-    }
-};
-
 QVector<GivenPeriod> givenPeriods(const PollOptions& options, const AddressServices& services)
 {
     QVector<GivenPeriod> given;
@@ -55,10 +41,10 @@ QVector<GivenPeriod> givenPeriods(const PollOptions& options, const AddressServi
 }
 
 // The last period that is given for a value counts.
-Wanted wantedOf(const QVector<Tag>& asked, const QVector<GivenPeriod>& given,
-                std::optional<int> intervalMs)
+WantedPeriods wantedOf(const QVector<Tag>& asked, const QVector<GivenPeriod>& given,
+                       std::optional<int> intervalMs)
 {
-    Wanted wanted;
+    WantedPeriods wanted;
     for (const Tag& tag : asked) {
         const bool isTag = !tag.name.isEmpty();
         const int unlessGivenMs =
@@ -86,21 +72,14 @@ void requireAsked(const QVector<GivenPeriod>& given, const QVector<Tag>& asked)
     }
 }
 
-QString namesText(const QStringList& names)
-{
-    const QString some = names.mid(0, mostNames).join(QStringLiteral(", "));
-    const int more = names.size() - mostNames;
-    return more > 0 ? some + QStringLiteral(" and %1 more").arg(more) : some;
-}
-
 // "line load 134 %: D0:10 every 140 ms instead of 100 ms"
-QString loadText(const LineLoad& load, const QMap<qint64, QStringList>& names)
+QString loadText(const LineLoad& load, const WantedPeriods& wanted)
 {
     QStringList late;
     for (const PeriodLoad& period : load.periods) {
         if (period.isLate()) {
             late += QStringLiteral("%1 every %2 ms instead of %3 ms")
-                        .arg(namesText(names[period.wantedUs]))
+                        .arg(wanted.namesOf(period.wantedUs))
                         .arg(period.expectedUs / 1000)
                         .arg(period.wantedUs / 1000);
         }
@@ -112,9 +91,23 @@ QString loadText(const LineLoad& load, const QMap<qint64, QStringList>& names)
 
 }  // namespace
 
-void addPollOptions(CLI::App& command, PollOptions& options)
+void WantedPeriods::add(const RegisterRange& registers, const QString& name, qint64 periodUs)
 {
-    addPlanningOptions(command, options.planning);
+    ranges.append({registers, periodUs});
+    if (!names[periodUs].contains(name))
+        names[periodUs].append(name);
+}
+
+QString WantedPeriods::namesOf(qint64 periodUs) const
+{
+    const QStringList all = names.value(periodUs);
+    const QString some = all.mid(0, mostNames).join(QStringLiteral(", "));
+    const int more = all.size() - mostNames;
+    return more > 0 ? some + QStringLiteral(" and %1 more").arg(more) : some;
+}
+
+void addPeriodOption(CLI::App& command, PollOptions& options)
+{
     command
         .add_option("--period", options.periods,
                     "Read an address or tag every so many ms: D0:10=100, or D0=0.5s; 0 = as fast "
@@ -132,6 +125,12 @@ void addPollOptions(CLI::App& command, PollOptions& options)
                            : "'" + text + "' is not a period; use D0:10=100 or D0=0.5s";
             },
             ""));
+}
+
+void addPollOptions(CLI::App& command, PollOptions& options)
+{
+    addPlanningOptions(command, options.planning);
+    addPeriodOption(command, options);
     command
         .add_option("-l,--interval", options.intervalMs,
                     "Time between cycles in ms, or 0.5s; 0 = no pause (default: 1000, for tags 0)")
@@ -145,11 +144,11 @@ Polling::Polling(Connection& connection, const ConnectionSettings& settings,
 {
     const QVector<GivenPeriod> given = givenPeriods(options, connection.services());
     requireAsked(given, asked);
-    const Wanted wanted = wantedOf(asked, given, options.intervalMs);
+    m_wanted = wantedOf(asked, given, options.intervalMs);
     const bool areInTags = std::any_of(asked.begin(), asked.end(),
                                        [](const Tag& tag) { return tag.periodMs.has_value(); });
-    if (given.isEmpty() && !areInTags && wanted.names.size() == 1) {
-        m_intervalUs = wanted.names.firstKey();
+    if (given.isEmpty() && !areInTags && m_wanted.names.size() == 1) {
+        m_intervalUs = m_wanted.names.firstKey();
         m_plain.emplace(m_loop, connection.catalogue(), rangesOf(asked),
                         plannerFor(m_loop, settings, options.planning));
         return;
@@ -157,10 +156,9 @@ Polling::Polling(Connection& connection, const ConnectionSettings& settings,
     if (options.planning.isGiven)
         throw Failure(ExitCode::Usage, "--plan given reads everything in every cycle; values with "
                                        "periods of their own need --plan shortest");
-    m_periodic.emplace(m_loop, connection.catalogue(), wanted.ranges, baudOf(settings.link),
-                       turnaroundUsOf(options.planning),
-                       [names = wanted.names, tellLoad](const LineLoad& load) {
-                           tellLoad(loadText(load, names));
+    m_periodic.emplace(m_loop, connection.catalogue(), m_wanted.ranges, baudOf(settings.link),
+                       turnaroundUsOf(options.planning), [this, tellLoad](const LineLoad& load) {
+                           tellLoad(loadText(load, m_wanted));
                        });
 }
 

@@ -23,8 +23,20 @@ struct PollOptions
     std::optional<int> intervalMs;     // nothing: the usual one, and for tags 0
 };
 
+void addPeriodOption(CLI::App& command, PollOptions& options);
+
 // --plan, --turnaround, --period and --interval
 void addPollOptions(CLI::App& command, PollOptions& options);
+
+// What is wanted at each period, and what it is called.
+struct WantedPeriods
+{
+    QVector<PeriodicRange> ranges;
+    QMap<qint64, QStringList> names;  // by period
+
+    void add(const RegisterRange& registers, const QString& name, qint64 periodUs);
+    QString namesOf(qint64 periodUs) const;  // "D0, D100:4, boiler.flow and 12 more"
+};
 
 // Polls cycle after cycle. Values with different periods are read block by block when they are due;
 // a cycle is then as long as the shortest period that the line can keep.
@@ -37,7 +49,11 @@ public:
     // the line is too slow for the periods, and when it is so no more.
     Polling(Connection& connection, const ConnectionSettings& settings, const PollOptions& options,
             const QVector<Tag>& asked, const TellLoad& tellLoad = complain);
+    Polling(const Polling&) = delete;
+    Polling& operator=(const Polling&) = delete;
 
+    bool isPeriodic() const { return m_periodic.has_value(); }
+    const WantedPeriods& wanted() const { return m_wanted; }
     Poller& poller() { return m_periodic ? m_periodic->poller() : *m_plain; }
 
     // Makes a cycle at each full interval, or as soon as the one before has ended. Calls `onCycle`
@@ -53,6 +69,7 @@ private:
     qint64 cycleUs() const;
 
     ExchangeLoop& m_loop;
+    WantedPeriods m_wanted;
     qint64 m_intervalUs = 0;
     std::optional<Poller> m_plain;
     std::optional<PeriodicPoller> m_periodic;
