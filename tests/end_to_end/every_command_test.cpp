@@ -158,6 +158,11 @@ read D100,␂010C802␃71,␂1234␃CD,good,accepted
 "bytesSent": 110,
 "bytesReceived": 1320,
 "bytesThrownAway": 0,
+fxhost> stats D0 D100 -n 5 --period D100=2ms --csv | grep -o periods.*(addresses|wanted).*
+periods.0.addresses,D0
+periods.0.wantedMs,0
+periods.1.addresses,D100
+periods.1.wantedMs,2
 )"},
     {"record", R"(fxsim> poke 0x1000 0x12 0x34
 fxhost> record session.jsonl D0 -n 1

@@ -31,6 +31,7 @@ COMMANDS = [
     ("write", "write D100:2=5,-6 M100=on D102.3=1 K2M0=7"),
     ("monitor", "monitor D0:2"),
     ("stats", "stats D0:4 -n 2"),
+    ("stats", "stats D0:4 -n 5 --period D0=1"),
     ("doctor", "doctor"),
     ("dump", "dump plc.csv D100:4"),
     ("backup", "backup backup.csv"),

@@ -2,11 +2,12 @@
 // SPDX-License-Identifier: MIT
 //
 // fxhost stats: polls for a while and reports on the link: exchanges, reasons for rejection, what
-// each block costs, and a histogram of response times with the time-out that follows from them.
+// each block costs, how periods are kept, and a histogram of response times with the time-out that
+// follows from them.
 
 #include "tools/exchange/blocks.h"
 #include "tools/fxhost/commands/address_options.h"
-#include "tools/fxhost/commands/cycles.h"
+#include "tools/fxhost/commands/periods.h"
 #include "tools/fxhost/views/statistics_report.h"
 
 #include <algorithm>
@@ -18,7 +19,7 @@ namespace {
 struct StatsOptions
 {
     AddressOptions addresses;
-    PlanningOptions planning;
+    PollOptions poll;
     int cycles = 100;
 };
 
@@ -67,28 +68,115 @@ void note(const Exchange& exchange, qint64 tookUs, const RegisterRange& block,
     one->longestUs = std::max(one->longestUs, tookUs);
 }
 
+// When each value was read.
+class PeriodMeter
+{
+public:
+    explicit PeriodMeter(const WantedPeriods& wanted)
+        : m_wanted(wanted), m_readings(wanted.ranges.size())
+    {}
+
+    void note(const RegisterRange& block, qint64 nowUs);
+    QVector<PeriodTimes> times() const;
+
+private:
+    struct Readings
+    {
+        int number = 0;
+        qint64 firstUs = 0;
+        qint64 lastUs = 0;
+        qint64 longestUs = 0;
+    };
+
+    const WantedPeriods& m_wanted;
+    QVector<Readings> m_readings;
+};
+
+void PeriodMeter::note(const RegisterRange& block, qint64 nowUs)
+{
+    for (int index = 0; index < m_readings.size(); ++index) {
+        if (!isInside(m_wanted.ranges[index].registers, block))
+            continue;
+        Readings& readings = m_readings[index];
+        if (readings.number++ == 0)
+            readings.firstUs = nowUs;
+        else
+            readings.longestUs = std::max(readings.longestUs, nowUs - readings.lastUs);
+        readings.lastUs = nowUs;
+    }
+}
+
+QVector<PeriodTimes> PeriodMeter::times() const
+{
+    QVector<PeriodTimes> times;
+    for (auto period = m_wanted.names.keyBegin(); period != m_wanted.names.keyEnd(); ++period) {
+        PeriodTimes one = {m_wanted.namesOf(*period), *period};
+        qint64 readUs = 0;
+        qint64 periods = 0;
+        for (int index = 0; index < m_readings.size(); ++index) {
+            const Readings& readings = m_readings[index];
+            if (m_wanted.ranges[index].periodUs != *period || readings.number < 2)
+                continue;
+            readUs += readings.lastUs - readings.firstUs;
+            periods += readings.number - 1;
+            one.longestUs = std::max(one.longestUs, readings.longestUs);
+        }
+        one.meanUs = readUs / std::max<qint64>(periods, 1);
+        times.append(one);
+    }
+    return times;
+}
+
+// As pollCycles() does. A cycle takes from its end to that of the next one.
+ExitCode pollAtPeriods(Connection& connection, Polling& polling, int cycles,
+                       const std::function<void(qint64 cycleUs)>& onCycle)
+{
+    ExchangeLoop& loop = connection.loop();
+    connection.waitForLinkWithoutEnd();
+    qint64 beganUs = loop.elapsedUs();
+    const RoundEnd end = polling.run(cycles, [&] {
+        const qint64 endedUs = loop.elapsedUs();
+        onCycle(endedUs - std::exchange(beganUs, endedUs));
+    });
+    return end == RoundEnd::Done ? exitCodeOf(loop.statistics()) : exitCodeOf(verdictOf(end));
+}
+
 ExitCode runStats(const CommonOptions& common, const StatsOptions& options)
 {
     Connection connection(common);
     ExchangeLoop& loop = connection.loop();
-    const QVector<RegisterRange> asked = rangesOf(options.addresses, connection.services());
+    const QVector<Tag> asked = askedOf(options.addresses, connection.services());
+    const ConnectionSettings settings = connectionSettings(common);
+    Polling polling(connection, settings, options.poll, asked);
+    const QVector<RegisterRange> inCycles =
+        polling.isPeriodic() ? QVector<RegisterRange>() : rangesOf(asked);
     QVector<BlockTimes> blocks;
-    const Progress progress = lateProgressOf(common.output, QStringLiteral("stats"));
-    PlanCycle plan(loop, plannerFor(loop, connectionSettings(common), options.planning));
-    plan.plan(asked);
+    PeriodMeter meter(polling.wanted());
+    Histogram cycleTimes;
+    int cycles = 0;
     loop.onExchange = [&](const Exchange& exchange) {
         if (exchange.kind != ExchangeKind::CyclicRead)
             return;
-        note(exchange, loop.elapsedUs() - exchange.startedUs,
-             blockRange(connection.catalogue(), exchange.frame.variable), asked, blocks);
+        const RegisterRange block = blockRange(connection.catalogue(), exchange.frame.variable);
+        note(exchange, loop.elapsedUs() - exchange.startedUs, block, inCycles, blocks);
+        if (cycles > 0 && exchange.answer == DriverAnswer::Accepted)
+            meter.note(block, loop.elapsedUs());
     };
-    Histogram cycleTimes;
-    int cycles = 0;
-    const ExitCode code = pollCycles(connection, plan, options.cycles, [&](qint64 cycleUs) {
+    const Progress progress = lateProgressOf(common.output, QStringLiteral("stats"));
+    const auto onCycle = [&](qint64 cycleUs) {
         cycleTimes.add(cycleUs);
         progress(++cycles, options.cycles);
-    });
-    showReport({blocks, loop.statistics(), cycleTimes, loop.elapsedUs(), loop.timeout()},
+    };
+    ExitCode code = ExitCode::Good;
+    if (polling.isPeriodic()) {
+        code = pollAtPeriods(connection, polling, options.cycles, onCycle);
+    } else {
+        PlanCycle plan(loop, plannerFor(loop, settings, options.poll.planning));
+        plan.plan(inCycles);
+        code = pollCycles(connection, plan, options.cycles, onCycle);
+    }
+    showReport({blocks, loop.statistics(), cycleTimes, loop.elapsedUs(), loop.timeout(),
+                polling.isPeriodic() ? meter.times() : QVector<PeriodTimes>()},
                common.output);
     return code;
 }
@@ -101,10 +189,12 @@ void addStatsCommand(CLI::App& app, const CommonOptions& common, Action& action)
         app.add_subcommand("stats", "Measure a link: errors, response times, cycle times");
     const auto options = std::make_shared<StatsOptions>();
     addAddressOptions(*command, options->addresses);
-    addPlanningOptions(*command, options->planning);
+    addPlanningOptions(*command, options->poll.planning);
+    addPeriodOption(*command, options->poll);
+    options->poll.intervalMs = 0;
     addCountOption(*command, options->cycles, false);
-    addExamples(*command,
-                {"fxhost stats D0:64 -n 20 -b 115200", "fxhost stats D0:64 X0:16 --json"});
+    addExamples(*command, {"fxhost stats D0:64 -n 20 -b 115200", "fxhost stats D0:64 X0:16 --json",
+                           "fxhost stats D0:10 D100:64 --period D0:10=50 -n 20"});
     onRun(*command, action, [&common, options] { return runStats(common, *options); });
 }
 
