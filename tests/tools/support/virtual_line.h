@@ -26,6 +26,7 @@ public:
     bool isOpen() const override { return m_session.has_value(); }
     bool send(const QByteArray& bytes) override;
     QByteArray receive(int timeoutMs) override;
+    void rest(qint64 timeUs) { m_nowUs += timeUs; }  // what comes meanwhile waits for the host
 
     fxsim::PlcMemory& memory() { return m_plc.memory(); }
     fxsim::Simulator& plc() { return m_plc; }
