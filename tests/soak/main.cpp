@@ -1,10 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// soak: drives the loaded library over a bad line for as many exchanges as asked, and says how it
-// went. Exit code 0: every accepted value was right, every write ended, memory did not grow; 1: not
-// so; 2: a mistake in the command line; 3: the library could not be loaded.
+// soak: drives the loaded library through one world after the other, each made from a seed, and
+// says how it went. Exit code 0: every accepted value was right, every write ended, memory did not
+// grow; 1: not so; 2: a mistake in the command line; 3: the library could not be loaded.
 
+#include "memory_trend.h"
 #include "soak.h"
 
 #include <QCommandLineParser>
@@ -14,54 +15,92 @@
 
 namespace {
 
-constexpr int samplesOfMemory = 200;
-constexpr int samplesToSettle = 20;  // the cache is complete and every code path was taken
+constexpr int seedsToSettle = 10;  // every code path was taken
 constexpr int linesOfProgress = 10;
 constexpr double mostGrowthBytes = 1024 * 1024;
 constexpr double usPerHour = 3600e6;
 
 struct Options
 {
-    qint64 exchanges;
-    unsigned int seed;
-    QString faults;
+    unsigned int firstSeed = 1;
+    int seeds = 1;
+    qint64 exchanges = 0;  // of each seed
+    bool isTraced = false;
+    std::optional<fxsim::FaultPlan> faults;
 };
 
-void printProgress(const fxsoak::SoakCounts& counts)
+struct Result
 {
-    std::printf("%10lld exchanges, %11lld values right, %7lld writes confirmed, %5lld failed, "
-                "%6lld recipes, RSS %lld KB\n",
-                counts.ended, counts.valuesRight, counts.writesConfirmed, counts.writesFailed,
-                counts.recipesDone, fxsoak::residentBytes() / 1024);
+    fxsoak::SoakCounts counts;
+    fxsoak::MemoryTrend trend;
+    bool isGood = true;
+};
+
+void printNote(qint64 atUs, const QString& text)
+{
+    std::printf("%14.6f  %s\n", static_cast<double>(atUs) / 1e6, qPrintable(text));
+}
+
+void soakSeed(unsigned int seed, const Options& options, Result& result)
+{
+    fxsoak::World world = fxsoak::worldOf(seed);
+    world.plc.faults = options.faults.value_or(world.plc.faults);
+    if (options.isTraced)
+        std::printf("%s\n", qPrintable(world.text()));
+    fxsoak::Soak soak(world, seed, options.isTraced ? &printNote : fxsoak::Note());
+    soak.run(options.exchanges);
+    result.counts.add(soak.counts());
+    for (const QString& finding : soak.findings())
+        std::printf("WRONG  seed %u, %s\n", seed, qPrintable(finding));
+    if (!soak.findings().isEmpty() && !options.isTraced)
+        std::printf("       see it happen with --seed %u; %s\n", seed, qPrintable(world.text()));
+    if (options.isTraced)
+        std::printf("digest %016llx\n", soak.digest());
+    result.isGood &= soak.findings().isEmpty();
+}
+
+void printProgress(int seeds, const fxsoak::SoakCounts& counts)
+{
+    std::printf("%6d seeds, %9lld exchanges, %10lld values right, %7lld writes confirmed, %6lld "
+                "failed, %8.1f hours, RSS %lld KB\n",
+                seeds, counts.ended, counts.valuesRight, counts.writesConfirmed,
+                counts.writesFailed, static_cast<double>(counts.simulatedUs) / usPerHour,
+                fxsoak::residentBytes() / 1024);
     std::fflush(stdout);
 }
 
-// The trend of memory from the moment on at which everything has been used once.
-fxsoak::MemoryTrend soakAll(fxsoak::Soak& soak, qint64 exchanges)
+Result soakAll(const Options& options)
 {
-    fxsoak::MemoryTrend trend;
-    for (int sample = 1; sample <= samplesOfMemory && soak.findings().isEmpty(); ++sample) {
-        soak.run(exchanges * sample / samplesOfMemory);
-        if (sample > samplesToSettle)
-            trend.add(soak.counts().ended, fxsoak::residentBytes());
-        if (sample % (samplesOfMemory / linesOfProgress) == 0)
-            printProgress(soak.counts());
+    Result result;
+    for (int number = 1; number <= options.seeds; ++number) {
+        soakSeed(options.firstSeed + static_cast<unsigned int>(number) - 1, options, result);
+        if (number > seedsToSettle)
+            result.trend.add(result.counts.ended, fxsoak::residentBytes());
+        if (!options.isTraced && number * linesOfProgress % options.seeds < linesOfProgress)
+            printProgress(number, result.counts);
     }
-    soak.finish();
-    return trend;
+    return result;
 }
 
-void printLine(fxsoak::Soak& soak)
+void printCounts(const fxsoak::SoakCounts& counts)
 {
-    const fxtools::KindCounts frames = soak.line().total();
-    std::printf("line: %lld frames, %lld repeats, %lld exchanges failed, %lld links lost, %lld "
-                "power cycles, %.1f simulated hours\n",
-                frames.sent, frames.repeated, frames.failed, soak.line().linksLost,
-                soak.plc().powerCycles, static_cast<double>(soak.simulatedUs()) / usPerHour);
+    std::printf("writes: %lld confirmed, %lld failed, %lld replaced by later ones, %lld times "
+                "carried out and said to be uncertain, none open\n",
+                counts.writesConfirmed, counts.writesFailed, counts.writesReplaced,
+                counts.writesUncertain);
+    std::printf("recipes: %lld done, %lld failed; %lld plans; %lld callbacks\n", counts.recipesDone,
+                counts.recipesFailed, counts.plans, counts.changes);
+    std::printf("line: %lld frames, %lld exchanges failed, %lld links lost, %lld cut in the middle "
+                "of a call to send, %lld in one to receive\n",
+                counts.framesSent, counts.failed, counts.linksLost, counts.cutsWhileSending,
+                counts.cutsWhileReceiving);
+    std::printf("others: %lld times the host was interrupted and started again, %lld power cycles "
+                "and %lld stops of the PLC\n",
+                counts.restarts, counts.powerCycles, counts.stops);
     std::printf("faults:");
     for (int kind = 0; kind < fxsim::faultKinds; ++kind)
         std::printf(" %s %lld", fxsim::factsOf(static_cast<fxsim::FaultKind>(kind)).name,
-                    soak.plc().faults[static_cast<size_t>(kind)]);
+                    counts.faults[static_cast<size_t>(kind)]);
     std::printf("\n");
 }
 
@@ -75,49 +114,49 @@ bool memoryIsLevel(const fxsoak::MemoryTrend& trend)
     return true;
 }
 
-int run(const Options& options, const fxsim::FaultPlan& faults)
+int run(const Options& options)
 {
-    const fxtools::DriverLibrary library(FX_DRIVER_FILE);
-    fxsoak::Soak soak(library, {options.exchanges, options.seed, faults});
-    const fxsoak::MemoryTrend trend = soakAll(soak, options.exchanges);
-    const fxsoak::SoakCounts& counts = soak.counts();
-    std::printf("writes: %lld confirmed, %lld reported failed, %lld replaced by later ones, none "
-                "open; recipes: %lld done, %lld failed; %lld callbacks\n",
-                counts.writesConfirmed, counts.writesFailed, soak.writesReplaced(),
-                counts.recipesDone, counts.recipesFailed, counts.changes);
-    printLine(soak);
-    const bool level = memoryIsLevel(trend);
-    for (const QString& finding : soak.findings())
-        std::printf("WRONG  %s\n", qPrintable(finding));
+    const Result result = soakAll(options);
+    const fxsoak::SoakCounts& counts = result.counts;
+    printCounts(counts);
+    const bool level = options.isTraced || memoryIsLevel(result.trend);  // a trace repeats itself
     if (!level)
         std::printf("WRONG  memory grows\n");
-    const bool good = soak.findings().isEmpty() && level;
-    std::printf("%s: seed %u, %lld exchanges, %lld values right, %lld covered by a waiting write, "
-                "%lld replies with bits flipped and a sum to match left out\n",
-                good ? "good" : "NOT GOOD", options.seed, counts.ended, counts.valuesRight,
-                counts.valuesWaiting, counts.sumsForged);
+    const bool good = result.isGood && level;
+    std::printf("%s: %d seeds from %u on, %.1f simulated hours, %lld exchanges, %lld values right, "
+                "%lld covered by a waiting write, %lld replies with bits flipped and a sum to "
+                "match left out\n",
+                good ? "good" : "NOT GOOD", options.seeds, options.firstSeed,
+                static_cast<double>(counts.simulatedUs) / usPerHour, counts.ended,
+                counts.valuesRight, counts.valuesWaiting, counts.sumsForged);
     return good ? 0 : 1;
 }
 
 Options parse(const QCoreApplication& application)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QStringLiteral("Soaks the driver in exchanges over a bad line, on simulated time."));
+    parser.setApplicationDescription(QStringLiteral(
+        "Soaks the driver among troubles of line, PLC and host, on simulated time."));
     parser.addHelpOption();
-    parser.addOptions(
-        {{"exchanges", "how many (default: a million, half a minute)", "N", "1000000"},
-         {"seed", "of everything that is drawn (default: 1)", "N", "1"},
-         {"faults", "as fxsim takes them (default: some of each)", "LIST",
-          "mixed:900=0.25,power-cycle:300=0.0005,link-drop:300=0.0005"}});
+    parser.addOptions({{"seeds", "how many worlds (default: 1000, half a minute)", "N", "1000"},
+                       {"first", "the seed of the first one (default: 1)", "N", "1"},
+                       {"exchanges", "of each world, among troubles (default: 1000)", "N", "1000"},
+                       {"seed", "this world alone, and everything that happens in it", "N"},
+                       {"faults", "as fxsim takes them (default: drawn for each world)", "LIST"}});
     parser.process(application);
     bool isCount = false;
     bool isSeed = false;
-    const Options options{parser.value("exchanges").toLongLong(&isCount),
-                          parser.value("seed").toUInt(&isSeed), parser.value("faults")};
-    if (!isCount || options.exchanges < 1 || !isSeed || !parser.positionalArguments().isEmpty())
-        throw fxsim::Error(fxsim::ExitCode::Usage,
-                           QStringLiteral("--exchanges and --seed take a number"));
+    bool isNumber = false;
+    Options options;
+    options.isTraced = parser.isSet("seed");
+    options.seeds = options.isTraced ? 1 : parser.value("seeds").toInt(&isCount);
+    options.firstSeed = parser.value(options.isTraced ? "seed" : "first").toUInt(&isSeed);
+    options.exchanges = parser.value("exchanges").toLongLong(&isNumber);
+    if (parser.isSet("faults"))
+        options.faults = fxsim::parseFaults(parser.value("faults"));
+    if (!(isCount || options.isTraced) || options.seeds < 1 || !isSeed || !isNumber ||
+        options.exchanges < 1 || !parser.positionalArguments().isEmpty())
+        throw fxsim::Error(fxsim::ExitCode::Usage, QStringLiteral("every option takes a number"));
     return options;
 }
 
@@ -127,8 +166,7 @@ int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
     try {
-        const Options options = parse(application);
-        return run(options, fxsim::parseFaults(options.faults));
+        return run(parse(application));
     } catch (const fxsim::Error& error) {
         std::fprintf(stderr, "soak: %s\n", error.what());
         return 2;

@@ -53,7 +53,7 @@ TEST(MemoryTrend, ThisProcessHoldsSomething)
 
 TEST(WriteBook, WordsAreCutByTheFrame)
 {
-    WriteBook book;
+    WriteBook book(32);
     book.add(words(10, 40), QVector<quint32>(40, 7));
     ASSERT_EQ(book.size(), 2U);
     EXPECT_EQ(book.next().first, 10);
@@ -65,7 +65,7 @@ TEST(WriteBook, WordsAreCutByTheFrame)
 
 TEST(WriteBook, ALaterWriteTakesThePlaceOfAllButTheNextOne)
 {
-    WriteBook book;
+    WriteBook book(32);
     book.add(words(10, 1), {1});
     book.add(words(10, 1), {2});
     book.add(words(20, 1), {3});
@@ -80,7 +80,7 @@ TEST(WriteBook, ALaterWriteTakesThePlaceOfAllButTheNextOne)
 
 TEST(WriteBook, AWaitingBitCoversItsByte)
 {
-    WriteBook book;
+    WriteBook book(32);
     book.add(bits(9, 1), {1});
     EXPECT_FALSE(book.mayCover(bits(0, 1).type, 7));
     EXPECT_TRUE(book.mayCover(bits(0, 1).type, 8));

@@ -9,8 +9,6 @@ namespace fxsoak {
 
 namespace {
 
-constexpr int wordsPerFrame = 32;
-
 // clang-format off
 const std::array<PlcRun, plcRunCount> runs = {{
     // type    first  count  bits  read    write   origin  writable
@@ -30,11 +28,6 @@ const std::array<PlcRun, plcRunCount> runs = {{
 // clang-format on
 
 }  // namespace
-
-int PlcRun::mostInFrame() const
-{
-    return isBit() ? bitsPerByte * wordsPerFrame : wordsPerFrame * bitsPerWord / bits;
-}
 
 const std::array<PlcRun, plcRunCount>& plcRuns()
 {

@@ -30,7 +30,6 @@ struct PlcRun
     bool writable;
 
     bool isBit() const { return bits == 1; }
-    int mostInFrame() const;
 };
 
 constexpr int plcRunCount = 12;

@@ -1,29 +1,20 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// A host that polls, writes, queues one-off reads and moves recipes without end over a line on
-// which everything goes wrong now and then, while the PLC's own program changes its memory. After
-// each exchange what the driver says is compared with what the PLC holds and with the book of
-// writes.
+// One seed: a host that polls, writes, queues one-off reads and moves recipes while line, PLC and
+// user interfere, all of it on simulated time and in an order that the seed alone decides. After
+// each exchange what the driver says is compared with what the PLC held when a frame of it came
+// there, and with the book of writes. At the end all troubles stop, and what waits must end.
 
 #pragma once
 
-#include "memory_trend.h"
 #include "plc_map.h"
-#include "tests/tools/support/virtual_line.h"
+#include "shaken_line.h"
 #include "tools/exchange/polling.h"
+#include "world.h"
 #include "write_book.h"
 
-#include <random>
-
 namespace fxsoak {
-
-struct SoakSettings
-{
-    qint64 exchanges = 0;
-    unsigned int seed = 1;
-    fxsim::FaultPlan faults;
-};
 
 struct SoakCounts
 {
@@ -34,28 +25,47 @@ struct SoakCounts
     qint64 sumsForged = 0;     // replies that came with such a sum, and were not judged
     qint64 writesConfirmed = 0;
     qint64 writesFailed = 0;
+    qint64 writesUncertain = 0;  // that reached the PLC, and were said to be uncertain
+    qint64 writesReplaced = 0;
     qint64 recipesDone = 0;
     qint64 recipesFailed = 0;
     qint64 changes = 0;  // callbacks
+    qint64 framesSent = 0;
+    qint64 linksLost = 0;
+    qint64 cutsWhileSending = 0;
+    qint64 cutsWhileReceiving = 0;
+    qint64 powerCycles = 0;
+    qint64 stops = 0;
+    qint64 restarts = 0;  // of the host, after an interrupt
+    qint64 plans = 0;
+    qint64 simulatedUs = 0;
+    std::array<qint64, fxsim::faultKinds> faults = {};
+
+    void add(const SoakCounts& more);
 };
+
+struct HeldValue
+{
+    QString type;
+    int number = 0;
+    quint32 value = 0;
+};
+
+using Note = std::function<void(qint64 atUs, const QString& text)>;
 
 class Soak
 {
 public:
-    Soak(const fxtools::DriverLibrary& library, const SoakSettings& settings);
+    // With `note` everything that happens is told.
+    Soak(const World& world, unsigned int seed, const Note& note = nullptr);
 
-    // Until so many exchanges have ended in all, or something is wrong.
+    // So many exchanges among troubles, unless something is wrong earlier, and then until all that
+    // waits has ended.
     void run(qint64 exchanges);
 
-    // No more new writes: until the last one and the last recipe have ended.
-    void finish();
-
-    const SoakCounts& counts() const { return m_counts; }
+    SoakCounts counts();
     const QVector<QString>& findings() const { return m_findings; }
-    const fxtools::Statistics& line() const { return m_loop.statistics(); }
-    const fxsim::Statistics& plc() { return m_line.plc().statistics(); }
-    qint64 writesReplaced() const { return m_book.replaced(); }
-    qint64 simulatedUs() const { return m_line.nowUs(); }
+    quint64 digest() const { return m_digest; }  // of all that the host has met
 
 private:
     struct RunningRecipe
@@ -66,39 +76,60 @@ private:
         size_t nextWord = 0;  // in the recipe memory
     };
 
+    // What happens
+    void startHost();
+    void restartHost();
+    void reconnect();
+    void goOn();
     void act();
+    void planAnew();
     void changePlc();
     void write();
+    void queueRead();
     void startRecipe();
-    void exchange();
+    void calmDown();
+    bool waitsForNothing() const { return m_book.isEmpty() && !m_recipe; }
+    std::optional<fxtools::Exchange> exchange();
 
+    // What must hold
     void check(const fxtools::Exchange& exchange);
     void checkRead(const fxtools::Exchange& exchange);
     void checkWrite(const fxtools::Exchange& exchange);
-    void checkConfirmed(const QString& typeName, int number, quint32 value);
+    void checkConfirmed(const BookedWrite& write);
     void checkRecipe(const fxtools::Exchange& exchange);
     void checkRecipeWords(const fxtools::RegisterRange& entry, Side side);
     void checkCache(const fxtools::RegisterRange& range);
+    void checkUncertainty(const fxtools::Exchange& exchange);
     void expect(bool good, const QString& finding);
+    void expectHeld(const QVector<HeldValue>& values, Side side, const QString& what);
 
-    bool chance(double probability);
-    int below(int limit);
+    bool happens(double probability) { return chance(m_random, probability); }
     quint32 someBits(int bits);
-    fxtools::RegisterRange someRange(const PlcRun& run);
+    const PlcRun& someRun();
     const PlcRun& someWritableRun(bool wordsOnly);
+    fxtools::RegisterRange someRange(const PlcRun& run);
     QVector<quint32> someValues(const fxtools::RegisterRange& range);
+    void note(const QString& text) const;
 
-    fxtools::RegisterCatalogue m_catalogue;
-    tool_tests::VirtualLine m_line;
-    fxtools::DriverSession m_session;
-    fxtools::ExchangeLoop m_loop;
-    std::mt19937 m_random;
+    World m_world;
+    Random m_random;
+    Note m_note;
+    ShakenLine m_line;
+    std::optional<fxtools::DriverLibrary> m_library;  // loaded by each host anew
+    std::optional<fxtools::RegisterCatalogue> m_catalogue;
+    std::optional<fxtools::DriverSession> m_session;
+    std::optional<fxtools::ExchangeLoop> m_loop;
     WriteBook m_book;
+    int m_blocks = 0;  // of the plan
+    int m_readsQueued = 0;
+    bool m_isStorm = true;
     bool m_isWriting = false;
+    bool m_isInterrupted = false;
     bool m_sumIsForged = false;  // a spoilt sum can be the right one of the flipped bits
     std::optional<RunningRecipe> m_recipe;
     SoakCounts m_counts;
     QVector<QString> m_findings;
+    quint64 m_digest = 0;
 };
 
 }  // namespace fxsoak

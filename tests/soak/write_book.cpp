@@ -22,7 +22,7 @@ void WriteBook::add(const fxtools::RegisterRange& range, const QVector<quint32>&
 {
     for (int i = 0; i < values.size(); ++i)
         m_lastWritten[{range.type.name, range.first + i}] = values[i];
-    const int mostRegisters = range.type.isBit() ? 1 : range.type.mostInFrame(32);
+    const int mostRegisters = range.type.isBit() ? 1 : range.type.mostInFrame(m_wordsPerFrame);
     for (int done = 0; done < values.size(); done += mostRegisters) {
         const QVector<quint32> piece = values.mid(done, mostRegisters);
         queue({range.type.name, range.first + done, range.type.driverCount(piece.size()), piece});

@@ -25,6 +25,8 @@ struct BookedWrite
 class WriteBook
 {
 public:
+    explicit WriteBook(int wordsPerFrame) : m_wordsPerFrame(wordsPerFrame) {}
+
     void add(const fxtools::RegisterRange& range, const QVector<quint32>& values);
 
     bool isEmpty() const { return m_writes.empty(); }
@@ -43,6 +45,7 @@ public:
 private:
     void queue(const BookedWrite& write);
 
+    int m_wordsPerFrame;
     std::vector<BookedWrite> m_writes;
     std::map<std::pair<QString, int>, quint32> m_lastWritten;
     qint64 m_replaced = 0;
