@@ -3,7 +3,7 @@
 //
 /// @file
 /// What a screen editor asks about addresses and register types. These functions need no connection
-/// and leave the one there is alone. A host includes intf.h, which includes this.
+/// and do not affect an existing one. A host includes intf.h, which includes this.
 
 #ifndef DRIVER_ADDRESS_SERVICES_H
 #define DRIVER_ADDRESS_SERVICES_H
@@ -98,7 +98,7 @@ constexpr int fxMaxCopies = 1000000;  ///< most copies in one call
 enum FxSeriesStep
 {
     fxPlainStep = -1,    ///< 1
-    fxStepOf32Bits = -2  ///< 2 for word types, else 1
+    fxStepOf32Bits = -2  ///< for 32-bit values: 2 for 16-bit types, 1 for all others
 };
 
 /// The result for a series of addresses.
@@ -106,10 +106,10 @@ enum FxSeriesResult
 {
     fxSeriesUnknownType = 0,  ///< nothing appended
     fxSeriesFitted = 1,       ///< every number fits
-    fxSeriesClamped = 2       ///< at least one is too high and becomes the type's last number
+    fxSeriesClamped = 2       ///< at least one was too high and became the type's last number
 };
 
-/// Makes the addresses for copies of an object. Numbers below the type's first are not noticed.
+/// Makes the addresses for copies of an object. Does not check for numbers below the type's first.
 /// @param registerType    exact text, such as "X" or "32CV"
 /// @param startIndex      number of the first copy
 /// @param copies          how many, at most #fxMaxCopies; below 1 nothing is appended
