@@ -40,11 +40,11 @@ X17,true,"X17 of station 1, bit",0x0081,
 X18,false,"'X18' has an invalid number; X is octal: after X17 comes X20"
 [1]
 )"},
-    {"series", R"(fxhost> series X6 -c 3 --csv -q
+    {"series", R"(fxhost> series X6 -n 3 --csv -q
 1,X6
 2,X7
 3,X10
-fxhost> series D7998 -c 3 --csv -q | grep -o .,D.*
+fxhost> series D7998 -n 3 --csv -q | grep -o .,D.*
 1,D7998
 2,D7999
 3,D7999

@@ -19,7 +19,7 @@ import jsonschema
 COMMANDS = [
     ("types", "types"),
     ("check", "check D100 X18 D8200"),
-    ("series", "series D100 -c 3"),
+    ("series", "series D100 -n 3"),
     ("plan", "plan D0:4 D8 M0"),
     ("read", "read D0:2 M0 32CV200"),
     ("read", "read D0 --link sim:?faults=nak=1"),

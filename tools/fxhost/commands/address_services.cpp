@@ -140,7 +140,7 @@ void addSeriesCommand(CLI::App& app, const CommonOptions& common, Action& action
         app.add_subcommand("series", "Print the addresses for copies of a screen object");
     const auto options = std::make_shared<SeriesOptions>();
     command->add_option("address", options->address, "Address of the first copy")->required();
-    command->add_option("-c,--count", options->copies, "Number of copies (default: 10)")
+    command->add_option("-n,--count", options->copies, "Number of copies (default: 10)")
         ->type_name("N")
         ->check(within({1, mostCopies}));
     command
@@ -149,7 +149,7 @@ void addSeriesCommand(CLI::App& app, const CommonOptions& common, Action& action
             "Distance between copies (default: 1); -2 for 32-bit values: two words or one counter")
         ->type_name("N")
         ->check(within({fxStepOf32Bits, fxMaxElements}));
-    addExamples(*command, {"fxhost series Y6 -c 5", "fxhost series D100 -c 4 --step 10"});
+    addExamples(*command, {"fxhost series Y6 -n 5", "fxhost series D100 -n 4 --step 10"});
     onRun(*command, action, [&common, options] { return runSeries(common, *options); });
 }
 
