@@ -356,6 +356,7 @@ TEST(TerminalLines, OfARemarkReplaceABar)
     const QTemporaryDir folder;
     HostTerminal terminal({"--link", "sim:", "dump", folder.filePath("plc.csv"), "D0:64"});
     EXPECT_EQ(terminal.waitForEnd(), 0);
-    EXPECT_EQ(terminal.screen().lines()[0], "fxhost: simulated PLC; --link names a real one");
+    EXPECT_EQ(terminal.screen().lines()[0],
+              "fxhost: this is a simulated PLC; name a real one with --link");
     EXPECT_EQ(linesWith(terminal.screen(), "  dump "), 1);
 }

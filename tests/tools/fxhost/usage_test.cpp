@@ -174,7 +174,7 @@ TEST(UnnamedLink, IsRefusedByWhatChangesOrJudgesAPlc)
 
 TEST(UnnamedLink, ASimulatedPlcSaysSoOnce)
 {
-    const char* const remark = "fxhost: simulated PLC; --link names a real one\n";
+    const char* const remark = "fxhost: this is a simulated PLC; name a real one with --link\n";
     EXPECT_EQ(fxhost({"watch", "D0", "-n", "2", "-l", "1"}, withLink({})).err, remark);
     EXPECT_EQ(fxhost({"read", "D0", "-q"}, withLink({})).err, "");
     const RunningSimulator plc(Road::Tcp);

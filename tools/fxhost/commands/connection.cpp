@@ -81,7 +81,9 @@ Connection::Connection(const ConnectionSettings& settings)
 Connection::Connection(const CommonOptions& common) : Connection(connectionSettings(common))
 {
     if (m_link.control && !common.output.quiet)
-        m_loop.onFirstFrame = [] { complain("simulated PLC; --link names a real one"); };
+        m_loop.onFirstFrame = [] {
+            complain("this is a simulated PLC; name a real one with --link");
+        };
 }
 
 bool Connection::reconnect()
