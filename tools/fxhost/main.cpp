@@ -28,7 +28,7 @@ const char* const footer = R"(Examples:
 
 Exit status:
   0 success                          4 no reply
-  1 some values or checks failed     5 refused by the PLC (NAK)
+  1 some failed, or values differ    5 refused by the PLC (NAK)
   2 mistake at the command line      6 damaged replies
   3 link not opened or lost          7 error with a file, library or output
   130 interrupted
@@ -102,6 +102,8 @@ void addCommands(CLI::App& app, CommonOptions& common, Action& action)
     for (CLI::App* const command : app.get_subcommands({})) {
         if (command->get_group() != plcGroup)
             command->group(offlineGroup);
+        for (CLI::App* const inner : command->get_subcommands({}))
+            inner->group(plcGroup);
     }
 }
 

@@ -165,12 +165,12 @@ QString failureText(const WriteOutcome& outcome)
     return parts.isEmpty() ? text : text + "; " + parts.join(QStringLiteral(", "));
 }
 
-void addVerifyOption(CLI::App& command, bool& verify)
+void addVerifyOption(CLI::App& command, bool& verify, const std::string& meaning)
 {
     command.add_flag_callback(
-        "--verify", [&verify] { verify = true; }, "Read the registers before and after (default)");
+        "--verify", [&verify] { verify = true; }, meaning + " (default)");
     command.add_flag_callback(
-        "--no-verify", [&verify] { verify = false; }, "Write without reading");
+        "--no-verify", [&verify] { verify = false; }, "Leave this reading out");
 }
 
 QString differencesText(const RegisterRange& range, const QVector<quint32>& wanted,

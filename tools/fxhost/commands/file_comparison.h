@@ -53,7 +53,7 @@ void showDifferences(const Comparison& comparison, const OutputOptions& output);
 QString failureText(const WriteOutcome& outcome);
 
 // --verify, which is the default, and --no-verify
-void addVerifyOption(CLI::App& command, bool& verify);
+void addVerifyOption(CLI::App& command, bool& verify, const std::string& meaning);
 
 // "D219=0, D220=0 and 3 more": the registers that hold another value than wanted.
 QString differencesText(const RegisterRange& range, const QVector<quint32>& wanted,

@@ -203,8 +203,7 @@ ExitCode runPlan(const CommonOptions& common, const PlanOptions& options)
 
 void addPlanCommand(CLI::App& app, const CommonOptions& common, Action& action)
 {
-    CLI::App* command =
-        app.add_subcommand("plan", "Print the blocks that are polled for addresses");
+    CLI::App* command = app.add_subcommand("plan", "Compare polling plans for addresses");
     const auto options = std::make_shared<PlanOptions>();
     addAddressOptions(*command, options->addresses);
     addTurnaroundOption(*command, options->turnaroundMs, "20");

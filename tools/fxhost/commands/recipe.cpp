@@ -181,7 +181,7 @@ void addRecipeCommand(CLI::App& app, const CommonOptions& common, Action& action
                             "fxhost recipe download recipe.csv"});
     download->add_flag("--force", written->force,
                        "Write also to registers that share their address with others");
-    addVerifyOption(*download, written->verify);
+    addVerifyOption(*download, written->verify, "Read back what was written");
     onRun(*download, action, [&common, written] { return runDownload(common, *written); });
 
     const auto options = std::make_shared<UploadOptions>();

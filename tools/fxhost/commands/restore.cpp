@@ -205,7 +205,7 @@ void addRestoreCommand(CLI::App& app, const CommonOptions& common, Action& actio
     command->add_flag("-y,--yes", options->yes, "Do not ask before writing");
     command->add_flag("--force", options->force,
                       "Write also to registers that share their address with others");
-    addVerifyOption(*command, options->verify);
+    addVerifyOption(*command, options->verify, "Read back what was written");
     addExamples(*command,
                 {"fxhost dump plc.csv D100:512 M64:64", "fxhost restore plc.csv --dry-run",
                  "fxhost restore plc.csv --yes --from D132"});

@@ -110,7 +110,7 @@ void addOutputFile(CLI::App& command, FileOptions& options)
 
 void addTagsCommand(CLI::App& app, const CommonOptions& common, Action& action)
 {
-    CLI::App* const command = app.add_subcommand("tags", "Check and convert files of tags");
+    CLI::App* const command = app.add_subcommand("tags", "Check and convert tag files");
     command->require_subcommand(1);
     const auto options = std::make_shared<TagsOptions>();
     const auto add = [&](const char* name, const char* meaning, auto run) {
@@ -119,19 +119,20 @@ void addTagsCommand(CLI::App& app, const CommonOptions& common, Action& action)
         onRun(*sub, action, [&common, options, run] { return run(common, *options); });
         return sub;
     };
-    addExamples(*add("check", "Find mistakes in a tag file", checkTagFile),
+    addExamples(*add("check", "Find all mistakes in a tag file", checkTagFile),
                 {"fxhost tags check tags.csv"});
     CLI::App* const import =
-        add("import", "Make a tag file of another program's list", importTagFile);
+        add("import", "Make a tag file from another program's list", importTagFile);
     addFormOption(*import, "--from", *options,
-                  "scada, a server's tag list, or comments, a program's device comments (default: "
-                  "by the titles of the file)");
+                  "scada (the tag list of a server) or comments (the device comments of a PLC "
+                  "program); default: as the heading row says");
     addOutputFile(*import, options->to);
     addExamples(*import, {"fxhost tags import scada.csv --output imported.csv"});
     CLI::App* const exported =
-        add("export", "Make another program's list of a tag file", exportTagFile);
+        add("export", "Make another program's list from a tag file", exportTagFile);
     addFormOption(*exported, "--to", *options,
-                  "scada, a server's tag list, or comments, a program's device comments")
+                  "scada (the tag list of a server) or comments (the device comments of a PLC "
+                  "program)")
         ->required();
     addOutputFile(*exported, options->to);
     addExamples(*exported, {"fxhost tags export tags.csv --to scada --output scada.csv"});

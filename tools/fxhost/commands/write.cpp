@@ -262,7 +262,7 @@ void addWriteCommand(CLI::App& app, const CommonOptions& common, Action& action)
         ->required();
     addAddressLetters(*command, options->address);
     addFormatOption(*command, options->style);
-    addVerifyOption(*command, options->verify);
+    addVerifyOption(*command, options->verify, "Read the registers before and after");
     command->add_flag("--force", options->force,
                       "Write to registers that share their address with others");
     addExamples(*command,

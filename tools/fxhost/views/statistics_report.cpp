@@ -19,7 +19,8 @@ double asMilliseconds(qint64 timeUs)
 
 QString milliseconds(qint64 timeUs)
 {
-    return QString::number(asMilliseconds(timeUs), 'f', timeUs < 1000 ? 3 : timeUs < 10000 ? 2 : 0);
+    const bool isFine = timeUs > 0 && timeUs < 10000;
+    return QString::number(asMilliseconds(timeUs), 'f', !isFine ? 0 : timeUs < 1000 ? 3 : 2);
 }
 
 QStringList histogramLines(const Histogram& times)
