@@ -4,6 +4,7 @@
 // Lines that are bad rather than dead: something talks on them, the PLC is slow or gone, characters
 // stand around its replies. Each is told by its name, in bounded time.
 
+#include "tests/support/times_shorter.h"
 #include "tests/tools/support/virtual_line.h"
 #include "tools/exchange/line_check.h"
 #include "tools/exchange/polling.h"
@@ -206,7 +207,7 @@ TEST_F(BadLine, WithTwoDifferentRepliesIsNeverTolerated)
 // The second copy may come when the next request is on its way, or has been answered.
 TEST_F(BadLine, WithSecondCopiesGivesNoneOfThemToTheNextRequest)
 {
-    for (int delayMs = 1; delayMs < 200; delayMs += 3) {
+    for (int delayMs = 1; delayMs < 200; delayMs += 3 * timesShorter) {
         for (const char* const which : {"4-9", "60-65"}) {  // from the beginning, or after a while
             start(badLine(9600, qPrintable(QString("duplicate:%1@%2").arg(delayMs).arg(which))));
             for (int cycle = 0; cycle < 30; ++cycle) {

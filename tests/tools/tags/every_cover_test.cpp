@@ -5,6 +5,7 @@
 // knows nothing of runs: its row for a set of places is the least, over all blocks that cover the
 // lowest of them, of the block's cost and the row for the places that the block leaves.
 
+#include "tests/support/times_shorter.h"
 #include "tools/tags/shortest_plan.h"
 
 #include <gtest/gtest.h>
@@ -19,7 +20,7 @@ namespace {
 
 using Places = std::uint32_t;  // a bit each
 
-constexpr int placeCount = FX_PLACES;
+constexpr int placeCount = timesShorter > 1 ? 16 : 22;
 constexpr int mostInSet = 12;
 constexpr Places setCount = Places(1) << placeCount;
 

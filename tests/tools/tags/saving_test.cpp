@@ -4,6 +4,7 @@
 // The shortest plan beside the driver's own one, for sets of registers as they occur and as they
 // come: never above it, and by how much it is below.
 
+#include "tests/support/times_shorter.h"
 #include "tests/tools/support/loaded_driver.h"
 #include "tools/exchange/blocks.h"
 #include "tools/tags/shortest_plan.h"
@@ -164,7 +165,7 @@ std::set<int> sixAreas(RandomSets& random, int width, int wordsInEach)
 
 TEST(Saving, IsNeverNegativeAndNoBlockMissesOrExceedsAnything)
 {
-    for (unsigned seed = 0; seed < 150 && !HasFailure(); ++seed) {
+    for (unsigned seed = 0; seed < 150 / timesShorter && !HasFailure(); ++seed) {
         SCOPED_TRACE(seed);
         RandomSets random(seed);
         const int words = seed % 3 == 0 ? 2 + random.below(31) : 32;

@@ -3,6 +3,7 @@
 //
 // Tag files: what is read out of them, every mistake with its place, and files of nonsense.
 
+#include "tests/support/times_shorter.h"
 #include "tests/tools/support/loaded_driver.h"
 #include "tools/tags/tag_file.h"
 
@@ -220,7 +221,7 @@ TEST_F(TagFiles, AreUsedOnlyWithoutAMistake)
 // Each tag that is read has a name and a line, each remark a place within the file.
 TEST_F(TagFiles, OfNonsenseAreReadToTheEnd)
 {
-    constexpr int files = 2000;
+    constexpr int files = 2000 / timesShorter;
     Dice dice;
     for (int number = 0; number < files; ++number) {
         QByteArray content = everyColumn;
