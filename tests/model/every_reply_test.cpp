@@ -5,6 +5,7 @@
 // accepted, and as which values, is what the model says.
 
 #include "protocol/frame_codec.h"
+#include "tests/model/host_side.h"
 #include "tests/model/library_driver.h"
 #include "tests/model/state_difference.h"
 
@@ -63,6 +64,11 @@ QByteArray framed(const QByteArray& characters)
     return reply + hexDigit(sum >> 4) + hexDigit(sum);
 }
 
+std::string textOf(const QByteArray& reply)
+{
+    return hexOf(reply.constData(), static_cast<std::size_t>(reply.size()));
+}
+
 QByteArray someCharacters(int length)
 {
     QByteArray characters;
@@ -101,8 +107,7 @@ protected:
     bool isAccepted(const QByteArray& reply) const
     {
         const int right = model.judge(reply);
-        EXPECT_EQ(static_cast<int>(judgeReply(reply, driver.frames.at(0))), right)
-            << reply.toHex().toStdString();
+        EXPECT_EQ(static_cast<int>(judgeReply(reply, driver.frames.at(0))), right) << textOf(reply);
         return right != 0;
     }
 
@@ -123,8 +128,8 @@ protected:
     // Hands the reply to both: the same answer and the same values in the cache.
     void expectSameEffect(const QByteArray& reply)
     {
-        ASSERT_EQ(answerOf(library, reply), answerOf(model, reply)) << reply.toHex().toStdString();
-        ASSERT_EQ(stateDifference(model, true), "") << reply.toHex().toStdString();
+        ASSERT_EQ(answerOf(library, reply), answerOf(model, reply)) << textOf(reply);
+        ASSERT_EQ(stateDifference(model, true), "") << textOf(reply);
         send();
     }
 
@@ -178,7 +183,7 @@ TEST_P(EveryReply, OfTwoBytesIsRejected)
 TEST_P(EveryReply, HasOneRightSum)
 {
     QByteArray reply = framed(someCharacters(dataChars()));
-    const int sumAt = reply.size() - 2;
+    const auto sumAt = reply.size() - 2;
     int accepted = 0;
     for (int value = 0; value < byteValues * byteValues; ++value) {
         reply[sumAt] = static_cast<char>(value >> 8);
