@@ -87,7 +87,7 @@ TEST_F(Log, RefusesPeriodsThatItCannotKeepTo)
 {
     const Ended notAsked = log({"D0", "--period", "D1=100"});
     EXPECT_EQ(notAsked.code, 2);
-    EXPECT_EQ(notAsked.err, "fxhost: --period D1: not asked for\n");
+    EXPECT_EQ(notAsked.err, "fxhost: --period D1: not among the addresses\n");
     EXPECT_EQ(log({"D0", "--period", "D0=soon"}).code, 2);
     const Ended given = log({"D0", "--period", "D0=100", "--plan", "given"});
     EXPECT_EQ(given.code, 2);

@@ -68,7 +68,7 @@ void requireAsked(const QVector<GivenPeriod>& given, const QVector<Tag>& asked)
     for (const GivenPeriod& period : given) {
         if (std::none_of(asked.begin(), asked.end(),
                          [&period](const Tag& tag) { return period.isOf(tag.asked.range); }))
-            throw Failure(ExitCode::Usage, "--period " + period.name + ": not asked for");
+            throw Failure(ExitCode::Usage, "--period " + period.name + ": not among the addresses");
     }
 }
 
@@ -110,8 +110,8 @@ void addPeriodOption(CLI::App& command, PollOptions& options)
 {
     command
         .add_option("--period", options.periods,
-                    "Read an address or tag every so many ms: D0:10=100, or D0=0.5s; 0 = as fast "
-                    "as the line allows")
+                    "Period of an address or tag in ms, or with a unit: D0:10=100, D0=0.5s; 0 = as "
+                    "fast as the line allows")
         ->type_name("ADDRESS=MS")
         ->allow_extra_args(false)
         ->check(CLI::Validator(

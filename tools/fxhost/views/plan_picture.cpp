@@ -203,7 +203,7 @@ QStringList planPicture(const PlanReport& report)
         lines += "  " + QString().leftJustified(nameColumns) +
                  report.shortest.name.leftJustified(nameColumns) + shortest;
     }
-    lines += QStringLiteral("  █▆ asked for, block by block; ░ read with it; ▁ not read");
+    lines += QStringLiteral("  █ and ▆ asked for, in alternate blocks; ░ read with them; ▁ not read");
     return lines;
 }
 
