@@ -102,7 +102,7 @@ public:
                Value& value, const Parse& parse)
     {
         value = parse(QString(byDefault));
-        text(name, type, help + " (default " + byDefault + ")",
+        text(name, type, help + " (default: " + byDefault + ")",
              [&value, parse](const QString& text) { value = parse(text); });
     }
 
@@ -183,7 +183,7 @@ void addLinks(OptionGroup group, Options& options)
                "A pseudo-terminal with a symbolic link to it at PATH");
     group
         .text("--tcp", "[ADDRESS:]PORT",
-              "A TCP server (default 127.0.0.1:8888); port 0 takes any free port",
+              "A TCP server (default: 127.0.0.1:8888); port 0 takes any free port",
               [&options](const QString& text) { options.tcp = parseTcp(text); })
         ->expected(0, 1);
     group.name("--serial", "DEVICE", options.serialDevice,
@@ -232,7 +232,7 @@ void addMemory(OptionGroup group, Options& options)
     group.name("--save", "FILE", options.savePath, "Save the memory at the end as Intel HEX");
     options.program = "sample";
     group.name("--program", "PROGRAM", options.program,
-               "Program in the PLC: sample, none, or the file of a JSON script (default sample)");
+               "Program in the PLC: sample, none, or the file of a JSON script (default: sample)");
 }
 
 void addBench(OptionGroup group, Options& options, bool& faultHelpAsked)
@@ -246,7 +246,7 @@ void addBench(OptionGroup group, Options& options, bool& faultHelpAsked)
                 "Seed of the random numbers; the same seed gives the same faults",
                 options.settings.seed, parseSeed);
     group
-        .text("--trace", "[FILE]", "Trace every frame to FILE (default standard error)",
+        .text("--trace", "[FILE]", "Trace every frame to FILE (default: standard error)",
               [&options](const QString& text) {
                   options.trace = true;
                   options.tracePath = text;
