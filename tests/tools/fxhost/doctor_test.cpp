@@ -123,7 +123,7 @@ TEST(Doctor, ShowsEachSettingAsItTriesIt)
     EXPECT_EQ(terminal.waitForEnd(), 0);
     const QStringList lines = terminal.screen().lines();
     EXPECT_EQ(lines.mid(1, 4),
-              QStringList({"  setting         enquiry   request",
+              QStringList({"  setting         ENQ       request",
                            "  9600 baud 7E1   answered  bit 7 set: check data bits and parity",
                            "  19200 baud 7E1  answered  bit 7 set: check data bits and parity",
                            "  38400 baud 7E1  answered  good"}));

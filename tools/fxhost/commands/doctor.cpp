@@ -191,7 +191,7 @@ void Doctor::examineEverySetting(const SerialSettings& port)
 // On a terminal the table grows while people wait: a silent line takes time.
 void Doctor::drawTable()
 {
-    Table table({{"setting"}, {"enquiry"}, {"request"}});
+    Table table({{"setting"}, {"ENQ"}, {"request"}});
     for (const Finding& finding : m_findings)
         table.add({finding.setting, enquiryText(finding), requestText(finding)});
     m_console.redraw(table.lines().mid(m_output.quiet ? 1 : 0));
