@@ -249,8 +249,9 @@ bool ExchangeLoop::resynchronise()
 
 bool ExchangeLoop::ask(QByteArray& junk)
 {
+    // A silent PLC may have been off, and may answer no frame before an ENQ.
     const bool worthAsking =
-        m_enquiryWasAnswered || m_enquiriesUnanswered < enquiriesBeforeGivingUp;
+        m_enquiryWasAnswered || hasGoneSilent() || m_enquiriesUnanswered < enquiriesBeforeGivingUp;
     const bool answered = worthAsking && enquire(junk);
     // Where ENQ is not answered, or not in order, only waiting clears the line.
     drain(m_timeout.milliseconds(), junk);

@@ -158,9 +158,9 @@ TEST_F(BadLine, IsLeftWhenThePlcAnswersNoMore)
     EXPECT_EQ(bench->line.sent().size() - before, 1 + 3 * 2) << "three frames and three ENQ";
     // And then at the first silence.
     EXPECT_EQ(pollCycle(*loop, blocks).end, RoundEnd::NoAnswer);
-    EXPECT_EQ(bench->line.sent().size() - before, 1 + 3 * 2 + 1);
-    EXPECT_EQ(readOnce(*loop, range("D100:96")), ReplyVerdict::Silence);
     EXPECT_EQ(bench->line.sent().size() - before, 1 + 3 * 2 + 2);
+    EXPECT_EQ(readOnce(*loop, range("D100:96")), ReplyVerdict::Silence);
+    EXPECT_EQ(bench->line.sent().size() - before, 1 + 3 * 2 + 4);
 }
 
 TEST_F(BadLine, WithASlowPlcWorksAfterOneLateReply)
@@ -241,4 +241,15 @@ TEST(ALateAck, IsNoQuickOne)
     bench.session.write(range("D0:32"), QVector<quint32>(32, 7));
     EXPECT_EQ(bench.loop.step()->verdict, ReplyVerdict::Late);
     EXPECT_GE(bench.loop.timeout().typicalResponseUs(), second);
+}
+
+TEST(APlcThatNeedsEnq, IsFoundWhenItIsSwitchedOnLongAfterTheHost)
+{
+    Bench bench(badLine(9600, "", fxsim::EnquiryMode::Needed));
+    bench.session.setPlan({range("D0")});
+    bench.line.plc().powerCycle(60000, bench.line.nowUs());
+    while (bench.line.nowUs() < 60 * second)
+        EXPECT_EQ(bench.loop.step()->verdict, ReplyVerdict::Silence);
+    bench.loop.step();
+    EXPECT_EQ(bench.loop.step()->verdict, ReplyVerdict::Good);
 }

@@ -100,10 +100,10 @@ TEST_F(Loop, AsksWithEnqAfterEverySilence)
         EXPECT_FALSE(sent[index] == sent[index - 1]) << index;
 }
 
-TEST_F(Loop, GivesEnqUpWhereItWasNeverAnswered)
+TEST_F(Loop, GivesEnqUpWhereFramesAreAnsweredAndItIsNot)
 {
-    start(badLine(0, "silence@1-2+4-7", fxsim::EnquiryMode::Ignored), SessionSettings{20, 32});
-    verdictsUntil(2);
+    start(badLine(0, "silence@1-2+4-6+8", fxsim::EnquiryMode::Ignored), SessionSettings{20, 32});
+    verdictsUntil(3);
     EXPECT_EQ(enquiries(), 3);
     EXPECT_EQ(bench->loop.statistics().enquiriesAnswered, 0);
 }
