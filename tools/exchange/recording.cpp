@@ -34,7 +34,8 @@ QJsonObject nextObject(QFile& file, int line)
     const QJsonDocument document = QJsonDocument::fromJson(file.readLine(longestLine), &error);
     if (!document.isObject())
         reject(file, line,
-               "not a JSON object: " + (document.isNull() ? error.errorString() : "an array"));
+               QString(line == 1 ? "not a recording made by fxhost" : "not a JSON object") + ": " +
+                   (document.isNull() ? error.errorString() : "an array"));
     return document.object();
 }
 

@@ -97,8 +97,8 @@ TEST_F(Recordings, NameTheLineOfAMistake)
         std::string content;
         std::string says;
     } rows[] = {
-        {"D0,1\n", ", line 1: not a JSON object: illegal value"},
-        {"[1]\n", ", line 1: not a JSON object: an array"},
+        {"D0,1\n", ", line 1: not a recording made by fxhost: illegal value"},
+        {"[1]\n", ", line 1: not a recording made by fxhost: an array"},
         {"{}\n", ", line 1: not a recording made by fxhost"},
         {R"({"fxhost":2,"property":"1#0#0#3#32"})", ", line 1: not a recording made by fxhost"},
         {R"({"fxhost":1,"property":"1#0#0#3"})",

@@ -137,7 +137,7 @@ TEST_F(Log, GoesIntoAFile)
 {
     const Ended ended = log({"D0", "-n", "2", "-l", "1", "--output", file});
     EXPECT_EQ(ended.code, 0);
-    EXPECT_EQ(ended.out, "  " + file.toStdString() + ": 2 rows\n");
+    EXPECT_EQ(ended.out, "  " + file.toStdString() + ": 2 rows written\n");
     EXPECT_EQ(rowsOf(contentOf(file)), QStringList({"time,D0,error", "0,", "0,"}));
     EXPECT_EQ(log({"D0", "-n", "1", "--output", file}).code, 7) << "it is there already";
     EXPECT_EQ(log({"D0", "-n", "1", "--output", file, "--append"}).code, 0);

@@ -136,7 +136,7 @@ ExitCode logUntilStopped(Connection& connection, const CommonOptions& common,
     const RoundEnd end = polling.run(options.cycles, [&] { logger.addCycle(values()); });
     if (options.file != standardOutput) {
         const QString path = QString::fromStdString(options.file);
-        showResult(common.output, "  " + path + ": " + counted(logger.rows(), "row"),
+        showResult(common.output, "  " + path + ": " + counted(logger.rows(), "row") + " written",
                    {{"file", path}, {"rows", logger.rows()}});
     }
     return end == RoundEnd::Done ? logger.exitCode() : exitCodeOf(verdictOf(end));
