@@ -106,6 +106,22 @@ TEST_F(OnALineAt9600Baud, NeedsNoExchangeToKnowAGivenTurnaround)
     EXPECT_NEAR(told[0].used, 5.9, 0.1);
 }
 
+TEST_F(OnALineAt9600Baud, NeedsNoExchangeOnALineThatIsKnown)
+{
+    start({every(100, "D0")});
+    start({every(100, "D0")});
+    EXPECT_EQ(asked.size(), 1);
+}
+
+// One exchange says little of a line.
+TEST_F(OnALineAt9600Baud, MeasuresAgainByTheWholeFirstCycle)
+{
+    start({every(100, "D0")});
+    bench.line.setFaults("delay:200=100%");
+    poller->poll();
+    EXPECT_EQ(told.size(), 1);
+}
+
 // Once for each, however long it lasts.
 TEST_F(OnALineAt9600Baud, TellsWhenPeriodsBeginToBeLateAndWhenAllAreKeptAgain)
 {

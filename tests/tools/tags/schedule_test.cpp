@@ -230,6 +230,13 @@ TEST(Schedule, ReadsNoBlockOverUnreadableRegisters)
     EXPECT_EQ(line.read(), "D4:4");
 }
 
+TEST(Schedule, ReadsPastWhatIsUnreadableElsewhere)
+{
+    Line line({every(100, "D1"), every(100, "D3"), every(100, "D5")});
+    line.schedule().setUnreadable({range("D0"), range("D6"), range("M2")});
+    EXPECT_EQ(line.read(), "D1 D3 D5");
+}
+
 TEST(Schedule, TakesTheShortestOfSeveralPeriods)
 {
     const Schedule schedule({every(0, "D0:3"), every(300, "D1"), every(200, "D1:2")}, 32, slowLine);
@@ -270,6 +277,16 @@ TEST(Schedule, StretchesWhenTheLineTurnsOutSlower)
     EXPECT_FALSE(schedule.load().periods.first().isLate());
     schedule.setLine({60000, 9600});
     EXPECT_EQ(schedule.load().periods.first().expectedUs, 60000 + 57291);
+}
+
+// Over 17 words: more than an exchange costs with 20 ms, less than with 60 ms.
+TEST(Schedule, PlansForTheLineAsItTurnsOut)
+{
+    for (const int turnaroundMs : {20, 60}) {
+        Line line({every(100, "D0"), every(100, "D18")});
+        line.schedule().setLine({1000 * turnaroundMs, 9600});
+        EXPECT_EQ(line.read(), turnaroundMs == 20 ? "D0" : "D0 D18");
+    }
 }
 
 TEST(Schedule, BeginsAPeriodAfterEverythingWasRead)
