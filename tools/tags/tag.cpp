@@ -160,6 +160,15 @@ bool Tag::isFinite() const
 }
 
 // The errors of both products and of the decimals together stay below half a raw value.
+QString Tag::alarmOf(const QJsonValue& value) const
+{
+    if (!value.isDouble())
+        return {};
+    if (alarmLow && value.toDouble() < *alarmLow)
+        return QStringLiteral("low");
+    return alarmHigh && value.toDouble() > *alarmHigh ? QStringLiteral("high") : QString();
+}
+
 bool Tag::isExact() const
 {
     if (!isScaled() || style.format == ValueFormat::Float)

@@ -38,6 +38,7 @@ struct Tag
 
     QJsonValue rawOf(const QVector<quint32>& registers) const;
     QJsonValue valueOf(const QJsonValue& raw) const;
+    QString alarmOf(const QJsonValue& value) const;  // "low", "high" or none
 
     // Whether every value, as it is shown, is written as the raw value that it was made of.
     bool isExact() const;

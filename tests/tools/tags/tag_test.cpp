@@ -140,6 +140,19 @@ TEST(Tags, KeepTheirLimitsAlsoAfterRounding)
     EXPECT_EQ(written(tag, "1"), "'t=1' is not written: the tag is read-only");
 }
 
+TEST(Tags, HaveAnAlarmBeyondTheirLimits)
+{
+    Tag tag;
+    EXPECT_EQ(tag.alarmOf(-99), "");
+    tag.alarmLow = -5;
+    tag.alarmHigh = 5;
+    EXPECT_EQ(tag.alarmOf(-5.1), "low");
+    EXPECT_EQ(tag.alarmOf(-5), "");
+    EXPECT_EQ(tag.alarmOf(5), "");
+    EXPECT_EQ(tag.alarmOf(5.1), "high");
+    EXPECT_EQ(tag.alarmOf("0x1F"), "");
+}
+
 TEST(Tags, MayBeTextsAndBits)
 {
     EXPECT_EQ(written(tagAt("D0:2", 1, 0, ValueFormat::Text), "a,1"), "11361 49");
