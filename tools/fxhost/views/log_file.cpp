@@ -31,6 +31,17 @@ QString nameAfterRotation(const QString& name, const QDateTime& lastLine)
     return rotated;
 }
 
+// "boiler.flow low; boiler.temperature high"
+QString alarmsOf(const LogRow& row, const QStringList& names)
+{
+    QStringList alarms;
+    for (int column = 0; column < row.alarms.size(); ++column) {
+        if (!row.alarms[column].isEmpty())
+            alarms += names[column] + ' ' + row.alarms[column];
+    }
+    return alarms.join(QStringLiteral("; "));
+}
+
 }  // namespace
 
 bool differs(const QJsonValue& value, const QJsonValue& before, double deadband)
@@ -42,7 +53,7 @@ bool differs(const QJsonValue& value, const QJsonValue& before, double deadband)
 
 bool differs(const LogRow& row, const LogRow& before, const QVector<double>& deadbands)
 {
-    if (row.error != before.error)
+    if (row.error != before.error || row.alarms != before.alarms)
         return true;
     for (int column = 0; column < row.values.size(); ++column) {
         if (differs(row.values[column], before.values[column], deadbands.value(column)))
@@ -55,7 +66,8 @@ QByteArray LogFormat::heading() const
 {
     if (m_output.mode == OutputMode::Json)
         return {};
-    return csvLine(QStringList("time") + m_names + QStringList("error")).toUtf8() + '\n';
+    const QStringList last = m_hasAlarms ? QStringList{"alarms", "error"} : QStringList("error");
+    return csvLine(QStringList("time") + m_names + last).toUtf8() + '\n';
 }
 
 QByteArray LogFormat::line(const LogRow& row) const
@@ -65,6 +77,8 @@ QByteArray LogFormat::line(const LogRow& row) const
     QStringList cells = {isoTime(row.time)};
     for (const QJsonValue& value : row.values)
         cells += value.toVariant().toString();
+    if (m_hasAlarms)
+        cells += alarmsOf(row, m_names);
     return csvLine(cells << row.error).toUtf8() + '\n';
 }
 
@@ -78,10 +92,17 @@ QByteArray LogFormat::jsonLine(const LogRow& row) const
         if (!row.raws[column].isUndefined())
             raws.append({m_names[column], jsonText(row.raws[column])});
     }
+    QVector<JsonMember> alarms;
+    for (int column = 0; column < row.alarms.size(); ++column) {
+        if (!row.alarms[column].isEmpty())
+            alarms.append({m_names[column], jsonText(row.alarms[column])});
+    }
     QVector<JsonMember> members = {{"time", jsonText(isoTime(row.time))},
                                    {"values", jsonObject(values)}};
     if (!raws.isEmpty())
         members.append({"raw", jsonObject(raws)});
+    if (!alarms.isEmpty())
+        members.append({"alarms", jsonObject(alarms)});
     if (!row.error.isEmpty())
         members.append({"error", jsonText(row.error)});
     return jsonObject(members + m_output.plc) + '\n';

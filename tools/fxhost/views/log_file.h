@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The rows of a log. In CSV it is wide: a row for each time, a column for each register, and at the
-// end the reason for empty cells. In JSON each line is an object.
+// end alarms of tags and the reason for empty cells. In JSON each line is an object.
 //
 // The file of a log. Each line is on the disk before the next one comes, so that a power cut costs
 // one at most. A file that has become too large or too old is renamed after its last line and a new
@@ -21,10 +21,11 @@ struct LogRow
     QVector<QJsonValue> values;     // undefined: not read
     QString error;                  // empty if all were read
     QVector<QJsonValue> raws = {};  // of tags; undefined for others
+    QStringList alarms = {};        // "low", "high" or none
 };
 
-// Whether a row has other values than the one before it, or another error. Numbers that differ by
-// the deadband of their column or less are the same.
+// Whether a row has other values than the one before it, other alarms or another error. Numbers
+// that differ by the deadband of their column or less are the same.
 bool differs(const LogRow& row, const LogRow& before, const QVector<double>& deadbands);
 
 // The same for one value.
@@ -33,8 +34,8 @@ bool differs(const QJsonValue& value, const QJsonValue& before, double deadband)
 class LogFormat
 {
 public:
-    LogFormat(const OutputOptions& output, const QStringList& names)
-        : m_output(output), m_names(names)
+    LogFormat(const OutputOptions& output, const QStringList& names, bool hasAlarms = false)
+        : m_output(output), m_names(names), m_hasAlarms(hasAlarms)
     {}
 
     QByteArray heading() const;  // "time,D0,D1,error"; none in JSON
@@ -45,6 +46,7 @@ private:
 
     OutputOptions m_output;
     QStringList m_names;
+    bool m_hasAlarms;  // a column for them
 };
 
 struct Rotation

@@ -224,6 +224,19 @@ TEST(LogFormat, JsonKeepsTheOrderOfTheColumns)
               std::string::npos);
 }
 
+TEST(LogFormat, AlarmsHaveAColumnBeforeErrors)
+{
+    LogRow row = rowOf({0.5, 12, 1});
+    row.alarms = QStringList{"", "low", "high"};
+    const LogFormat format({}, {"D0", "TV3", "X17"}, true);
+    EXPECT_EQ(format.heading(), "time,D0,TV3,X17,alarms,error\n");
+    EXPECT_EQ(format.line(row), "2026-01-31T13:05:00.007+01:00,0.5,12,1,\"TV3 low; X17 high\",\n");
+    EXPECT_NE(lineOf(OutputMode::Json, row)
+                  .find(R"("X17":1},"alarms":{"TV3":"low","X17":"high"},"link")"),
+              std::string::npos);
+    EXPECT_TRUE(differs(row, rowOf({0.5, 12, 1}), deadbands(99)));
+}
+
 TEST(LogFormat, AChangeIsWhatExceedsTheDeadband)
 {
     const LogRow before = rowOf({10, "0x1F", 1});
