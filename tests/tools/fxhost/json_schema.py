@@ -111,7 +111,7 @@ def main(fxhost, driver, schema_file):
         with open(os.path.join(folder, "other.csv"), "w", encoding="utf-8") as other:
             other.write("D100,7\n")
         with open(os.path.join(folder, "tags.csv"), "w", encoding="utf-8") as tags:
-            tags.write("name,address,scale,unit\nspeed,D2,0.1,rpm\nagain,D2,,\n")
+            tags.write("name,address,scale,unit,alarm_low\nspeed,D2,0.1,rpm,9999\nagain,D2,,,\n")
         for name, line in COMMANDS:
             ended = subprocess.run([fxhost, "--json", "--timestamps", *line.split()], cwd=folder, env=environment,
                                    stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=False,

@@ -66,7 +66,7 @@ TEST_F(NamedTags, AreReadWithTheirUnits)
               "  boiler.temperature  D0        71.5  °C\n"
               "                      D0         715\n");
     EXPECT_EQ(run({"read", "boiler.temperature", "D0", "--csv"}).out,
-              "tag,address,value,unit,error\nboiler.temperature,D0,71.5,°C,\n,D0,715,,\n");
+              "tag,address,value,unit,alarm,error\nboiler.temperature,D0,71.5,°C,,\n,D0,715,,,\n");
     const Ended json = run({"read", "boiler.temperature", "--json"});
     EXPECT_TRUE(holds(json.out,
                       R"({"tag":"boiler.temperature","address":"D0","type":"D","raw":715,)"
@@ -77,8 +77,8 @@ TEST_F(NamedTags, AreReadWithTheirUnits)
 TEST_F(NamedTags, AreFoundByPatterns)
 {
     const Ended ended = run({"read", "boiler.*,p*[pt]", "--csv", "-q"});
-    EXPECT_EQ(ended.out, "boiler.temperature,D0,0,°C,\nboiler.setpoint,D1,0,°C,\n"
-                         "boiler.flow,D2,0,l/min,\npump,M10,0,,\nproduct,D10:4,,,\n");
+    EXPECT_EQ(ended.out, "boiler.temperature,D0,0,°C,,\nboiler.setpoint,D1,0,°C,,\n"
+                         "boiler.flow,D2,0,l/min,,\npump,M10,0,,,\nproduct,D10:4,,,,\n");
     EXPECT_EQ(errorOf({"read", "boiler.setpiont"}),
               "fxhost: unknown tag 'boiler.setpiont'; did you mean 'boiler.setpoint'?\n");
     EXPECT_EQ(errorOf({"read", "b?iler"}), "fxhost: no tag matches 'b?iler'\n");
@@ -125,6 +125,48 @@ TEST_F(NamedTags, AreLoggedWithTheirOwnDeadbands)
     EXPECT_TRUE(holds(watched.out, "boiler.temperature  D0  0  °C\n")) << watched.out;
 }
 
+TEST_F(NamedTags, ShowTheirAlarms)
+{
+    const QString alarms = newFile(folder, "alarms.csv",
+                                   "name,address,scale,unit,deadband,alarm_low,alarm_high\n"
+                                   "water,D0,0.1,°C,50,10,90\nair,D1,0.1,°C,,10,90\n");
+    const QStringList common = {"--link", plc.link(), "--tags", alarms};
+    plc.command("poke D0 901 99");
+    EXPECT_EQ(fxhost(common + QStringList{"read", "*"}).out,
+              "  tag    address  value  unit  alarm\n"
+              "  water  D0        90.1  °C    high\n"
+              "  air    D1         9.9  °C    low\n");
+    EXPECT_TRUE(holds(fxhost(common + QStringList{"read", "air", "--json"}).out,
+                      R"("unit":"°C","alarm":"low","link")"));
+    const QStringList log = common + QStringList{"log", "air", "water", "-n", "1"};
+    EXPECT_TRUE(holds(fxhost(log).out, "9.9,90.1,\"air low; water high\",\n"));
+    EXPECT_TRUE(holds(fxhost(log + QStringList{"--json"}).out,
+                      R"("alarms":{"air":"low","water":"high"},"link")"));
+    plc.command("poke D0 900 100");
+    EXPECT_TRUE(holds(fxhost(log).out, "time,air,water,alarms,error\n"));
+    EXPECT_TRUE(holds(fxhost(log).out, ",10,90,,\n"));
+}
+
+// Within their deadband.
+TEST_F(NamedTags, ShowWhenAnAlarmBeginsAndEnds)
+{
+    const QString alarms =
+        newFile(folder, "alarms.csv", "name,address,deadband,alarm_high\nwater,D0,50,90\n");
+    for (const QStringList& command : {QStringList{"watch", "--log"}, {"log", "--changes"}}) {
+        plc.command("poke D0 90");
+        RunningHost host(QStringList{"--link", plc.link(), "--tags", alarms, "--csv", "-q"} +
+                         command + QStringList{"water"});
+        ASSERT_TRUE(host.hasPrinted());
+        plc.command("poke D0 91");
+        ASSERT_TRUE(host.hasPrinted());
+        plc.command("poke D0 89");
+        ASSERT_TRUE(host.hasPrinted());
+        plc.command("poke D0 88");
+        host.send(SIGTERM);
+        EXPECT_EQ(QString::fromStdString(host.end().out).count("\n"), 3 + command.contains("log"));
+    }
+}
+
 TEST_F(NamedTags, HaveAllMistakesOfTheirFileTold)
 {
     const QString wrong = newFile(folder, "wrong.csv", "name,address\na,D9999\nb b,D1\n");
@@ -163,8 +205,8 @@ TEST_F(NamedTags, BelongToTheirPlc)
     const auto read = [&](const char* name, const char* tags) {
         return fxhost({"--config", configuration, "--plc", name, "read", tags, "--csv", "-q"});
     };
-    EXPECT_EQ(read("press1", "p*").out, "pump,M10,0,,\nproduct,D10:4,,,\n");
-    EXPECT_EQ(read("press2", "other").out, "other,D20,0,,\n");
+    EXPECT_EQ(read("press1", "p*").out, "pump,M10,0,,,\nproduct,D10:4,,,,\n");
+    EXPECT_EQ(read("press2", "other").out, "other,D20,0,,,\n");
     EXPECT_EQ(read("press1", "other").err,
               "fxhost: other is a tag of another PLC; use --plc press2\n");
 }

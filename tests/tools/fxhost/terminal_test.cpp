@@ -188,6 +188,17 @@ TEST_F(TerminalViews, WatchShowsWhatTheLineCannotKeep)
     expectCleanEnd(terminal, ctrlC);
 }
 
+TEST_F(TerminalViews, WatchMarksAlarms)
+{
+    const QString alarms =
+        newFile(folder, "alarms.csv", "name,address,unit,alarm_high\nwater,D0,bar,90\n");
+    plc.command("poke D0 91");
+    HostTerminal terminal(linked({"--tags", alarms, "watch", "water", "-l", "20"}));
+    ASSERT_TRUE(terminal.waitForText("water  91 bar high"));
+    EXPECT_TRUE(terminal.written().contains("\x1b[1;31m91 bar high\x1b[0m"));
+    expectCleanEnd(terminal, ctrlC);
+}
+
 TEST_F(TerminalViews, TheTerminalGetsItsSettingsBack)
 {
     HostTerminal terminal(linked({"watch", "D0", "-l", "20"}));

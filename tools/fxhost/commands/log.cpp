@@ -67,8 +67,8 @@ class Logger
 {
 public:
     Logger(const Connection& connection, const LogOptions& options, const OutputOptions& output,
-           const QStringList& names)
-        : m_options(options), m_format(output, names),
+           const QStringList& names, bool hasAlarms)
+        : m_options(options), m_format(output, names, hasAlarms),
           m_gap(names.size(), QJsonValue(QJsonValue::Undefined)),
           m_file(fileSettings(options), m_format.heading(), connection.catalogue())
     {}
@@ -97,6 +97,7 @@ void Logger::addCycle(const QVector<PolledValue>& values)
     for (const PolledValue& value : values) {
         m_lastCycle.count(value);
         row.values.append(value.value);
+        row.alarms.append(value.alarm);
         row.raws.append(value.tag.isEmpty() ? QJsonValue(QJsonValue::Undefined) : value.raw);
         deadbands.append(value.deadband.value_or(m_options.deadband));
     }
@@ -127,7 +128,9 @@ ExitCode logUntilStopped(Connection& connection, const CommonOptions& common,
     QStringList names;
     for (const PolledValue& value : values())
         names += value.name;
-    Logger logger(connection, options, common.output, names);
+    const bool hasAlarms = std::any_of(
+        asked.begin(), asked.end(), [](const Tag& tag) { return tag.alarmLow || tag.alarmHigh; });
+    Logger logger(connection, options, common.output, names, hasAlarms);
     const auto reconnect = connection.loop().onLinkLost;
     connection.loop().onLinkLost = [&] {
         logger.addGap(verdictText(ReplyVerdict::LinkLost));

@@ -23,7 +23,8 @@ QVector<Table::Column> columnsOfValues(bool hasTags)
     const Table::Column value = {"value", Align::Right};
     if (!hasTags)
         return {{"address"}, type, value, {"error"}};
-    return {{"tag"}, {"address"}, type, {"raw", Align::Right, true}, value, {"unit"}, {"error"}};
+    return {{"tag"}, {"address"}, type,      {"raw", Align::Right, true},
+            value,   {"unit"},    {"alarm"}, {"error"}};
 }
 
 // The name of a format becomes its number, as enumerations are read.
@@ -58,6 +59,7 @@ QVector<PolledValue> polledValues(const Poller& poller, const Tag& tag)
         if (!polled.problem) {
             polled.raw = tag.rawOf(registers.mid(index, step));
             polled.value = tag.valueOf(polled.raw);
+            polled.alarm = tag.alarmOf(polled.value);
         }
         values.append(polled);
     }
@@ -84,7 +86,8 @@ void ValueRecords::add(const PolledValue& polled)
     if (m_hasTags) {
         m_records.add({textOrNothing(polled.tag), polled.address, polled.type,
                        polled.tag.isEmpty() ? QJsonValue(QJsonValue::Undefined) : polled.raw,
-                       polled.value, textOrNothing(polled.unit), polled.error()});
+                       polled.value, textOrNothing(polled.unit), textOrNothing(polled.alarm),
+                       polled.error()});
     } else {
         m_records.add({polled.address, polled.type, polled.value, polled.error()});
     }

@@ -23,6 +23,7 @@ struct PolledValue
     std::optional<double> deadband;            // of the tag
     QJsonValue raw = QJsonValue::Undefined;    // undefined if it was not read
     QJsonValue value = QJsonValue::Undefined;  // scaled
+    QString alarm;                             // "low", "high" or none
     std::optional<ReplyVerdict> problem;
 
     QJsonValue error() const;  // the problem's text, or undefined

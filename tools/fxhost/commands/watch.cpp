@@ -75,7 +75,8 @@ bool Watcher::isNew(const PolledValue& polled) const
     if (found == m_shown.constEnd() || found->problem != polled.problem)
         return true;
     return !polled.problem &&
-           differs(polled.value, found->value, polled.deadband.value_or(m_options.deadband));
+           (polled.alarm != found->alarm ||
+            differs(polled.value, found->value, polled.deadband.value_or(m_options.deadband)));
 }
 
 // What stands beside an old value: one or two words.
@@ -103,12 +104,14 @@ QVector<Reading> readingsOf(const Poller& poller, const Tag& tag)
     }
     for (const PolledValue& polled : polledValues(poller, tag)) {
         const QJsonValue& value = polled.value;
-        const QString unit =
-            polled.unit.isEmpty() || value.isUndefined() ? QString() : ' ' + polled.unit;
-        readings.append({polled.name, value.toVariant().toString() + unit,
+        QStringList words = {value.toVariant().toString()};
+        if (!polled.problem)
+            words << polled.unit << polled.alarm;
+        words.removeAll(QString());
+        readings.append({polled.name, words.join(' '),
                          value.isDouble() ? std::optional(value.toDouble()) : std::nullopt,
-                         polled.problem ? reasonText(*polled.problem) : QString(),
-                         polled.deadband});
+                         polled.problem ? reasonText(*polled.problem) : QString(), polled.deadband,
+                         !polled.alarm.isEmpty()});
     }
     return readings;
 }

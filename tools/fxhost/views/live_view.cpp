@@ -270,8 +270,11 @@ QString LiveView::cellText(const Console& console, const Cell& cell, const Layou
     if (isStale)
         return console.dim(gap + name + gap + middle + padding + gap +
                            age.leftJustified(ageColumns));
-    return gap + name + gap + (cell.isChanged ? console.changed(value) : value) +
-           middle.mid(value.size()) + padding + gap + console.dim(age.leftJustified(ageColumns));
+    const QString shown = reading.isAlarm  ? console.bad(value)
+                          : cell.isChanged ? console.changed(value)
+                                           : value;
+    return gap + name + gap + shown + middle.mid(value.size()) + padding + gap +
+           console.dim(age.leftJustified(ageColumns));
 }
 
 QString LiveView::stateLine(const Console& console, qint64 nowMs) const

@@ -32,6 +32,7 @@ struct Reading
     std::optional<double> number;  // nothing: bits and texts, which have no trend
     QString problem;               // one word for why it was not read; empty: it was
     std::optional<double> deadband = std::nullopt;  // nothing: that of all
+    bool isAlarm = false;                           // the text says which
 };
 
 class LiveView
