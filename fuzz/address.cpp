@@ -90,6 +90,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t byteCount)
         number = world.anyInt();
     while (!choices.exhausted() && asked.text.size() < 20)
         asked.text += QChar(choices.oneIn(8) ? choices.below(65536) : choices.below(128));
+    if (SideBySide::show)
+        SideBySide::show("\"" + (asked.type + "\" \"" + asked.text).toStdString() + "\"");
     check(pair, asked);
     copy(pair, asked.type, asked.numbers[0], asked.numbers[1] % 40, asked.numbers[2]);
     return 0;

@@ -2,11 +2,14 @@
 // SPDX-License-Identifier: MIT
 //
 // Runs a fuzz target over the files of a directory, so that every test run, with any compiler,
-// repeats what the fuzzer found worth keeping. Usage: fuzz_replay_<target> FILE-OR-DIRECTORY...
+// repeats what the fuzzer found worth keeping. Usage:
+//   fuzz_replay_<target> [--show] FILE-OR-DIRECTORY...
+// With --show it prints what the library answers to each call that an input makes.
 
 #include "fuzz/support/fuzz_target.h"
 
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -43,7 +46,14 @@ int replayAll(const fs::path& place)
 int main(int argumentCount, char** arguments)
 {
     int files = 0;
-    for (int i = 1; i < argumentCount; ++i)
+    int first = 1;
+    if (argumentCount > 1 && std::strcmp(arguments[1], "--show") == 0) {
+        SideBySide::show = [](const std::string& line) {
+            std::fprintf(stderr, "  %s\n", line.c_str());
+        };
+        ++first;
+    }
+    for (int i = first; i < argumentCount; ++i)
         files += replayAll(arguments[i]);
     std::printf("%d inputs replayed\n", files);
     return files > 0 ? 0 : 1;

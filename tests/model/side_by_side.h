@@ -28,6 +28,8 @@ public:
     {
         library.run(call, callsInside);
         model.run(call, callsInside);
+        for (const std::string& line : show ? library.record : Record())
+            show(line);
         return difference();
     }
 
@@ -48,6 +50,9 @@ public:
 
     HostSide<LibraryDriver> library;
     HostSide<ModelDriver> model;
+
+    // Set to see what the library answers, line by line.
+    static inline std::function<void(const std::string&)> show;
 
 private:
     std::string difference() const;
