@@ -1,0 +1,38 @@
+#!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+# SPDX-License-Identifier: MIT
+#
+# Builds the fuzz targets for a service that runs them, with its compiler and its engine, and puts
+# into OUT what it needs: targets, committed inputs as archives, dictionaries, and the shared
+# libraries that they load. Takes all from the environment and nothing from the network:
+#   CC CXX CFLAGS CXXFLAGS   compilers, and flags that instrument (clang, clang++, -fsanitize=...)
+#   LIB_FUZZING_ENGINE       what to link (-fsanitize=fuzzer)
+#   OUT WORK                 folders (build/fuzz-out, build/fuzz-work)
+# scripts/fuzz does all of it on one machine.
+
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+export CC=${CC:-clang} CXX=${CXX:-clang++}
+instrument="-O1 -g -fsanitize=address,undefined,fuzzer-no-link -fno-sanitize-recover=all"
+out=$(realpath -m "${OUT:-build/fuzz-out}")
+work=$(realpath -m "${WORK:-build/fuzz-work}")
+mkdir -p "$out/lib" "$work"
+
+CFLAGS=${CFLAGS-$instrument} CXXFLAGS=${CXXFLAGS-$instrument} \
+    cmake -S . -B "$work" -G Ninja -DCMAKE_BUILD_TYPE=None -DFX_BUILD_FUZZERS=ON \
+    -DFX_FUZZING_ENGINE="${LIB_FUZZING_ENGINE:--fsanitize=fuzzer}" -DFX_BUILD_TOOLS=OFF \
+    -DCMAKE_BUILD_RPATH="\$ORIGIN/lib" -DCMAKE_BUILD_RPATH_USE_ORIGIN=ON
+
+targets="reply property address merge session"
+for target in $targets; do
+    cmake --build "$work" --target "fuzz_$target"
+    cp "$work/bin/fuzz_$target" "$out"
+    rm -f "$out/fuzz_${target}_seed_corpus.zip"
+    (cd "fuzz/corpus/$target" && python3 -m zipfile -c "$out/fuzz_${target}_seed_corpus.zip" ./*)
+    [ ! -e "fuzz/$target.dict" ] || cp "fuzz/$target.dict" "$out/fuzz_$target.dict"
+done
+
+# Qt and what it loads; the C and C++ libraries are there wherever targets run.
+ldd "$out/fuzz_reply" | awk '$2 == "=>" && $3 ~ /lib(Qt|icu|pcre|double|zstd|glib)/ { print $3 }' |
+    xargs -r cp -L -t "$out/lib"
