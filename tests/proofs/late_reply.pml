@@ -13,6 +13,12 @@
 
 #define nobody 2
 
+#ifdef RESTLESS  /* for traces, in which something always goes wrong */
+#define inVain 3
+#else
+#define inVain 1
+#endif
+
 mtype = { nothing, data, refusal, damaged, cut, acknowledge };
 
 /* whose reply it is, its value, whether it is a second copy */
@@ -20,9 +26,9 @@ chan line = [6] of { mtype, byte, bit, bit };
 
 bool answersEnq;  /* this PLC */
 bool calm;        /* from now on nothing goes wrong */
-bool taken, clean, atOnce, noise, heard, early, bad, answered, everAnswered;
+bool taken, clean, atOnce, noise, heard, isSilent, early, bad, answered, everAnswered;
 mtype kind, first;
-byte wanted, lastWanted = nobody, name, tookName, length, unanswered;
+byte wanted, lastWanted = nobody, name, tookName, length, unanswered, silences;
 bit value, copy, tookValue, lastValue;
 
 #ifndef DROP
@@ -88,6 +94,7 @@ inline listen(wait)
     :: !calm && !noise -> noise = true; kind = damaged; name = nobody; value = 0; copy = 0
     :: mayPass(wait) -> kind = nothing; name = nobody; value = 0; copy = 0
     fi;
+    isSilent = isSilent && kind == nothing;
     printf("> %e %e %d\n", wait, kind, value)
 }
 
@@ -143,12 +150,15 @@ inline enquire()
     do
     :: listen(enquiry);
        if
-       :: kind == nothing -> unanswered = (everAnswered -> 0 : unanswered + 1); break
+       :: kind == nothing -> unanswered = (everAnswered || unanswered == inVain -> unanswered : unanswered + 1); break
        :: isAck -> answered = true; everAnswered = true; unanswered = 0; break
        :: else
        fi
     od
 }
+
+/* Some PLCs never answer ENQ; one that is silent may have been off. */
+#define worthAsking (everAnswered || silences == inVain || unanswered < inVain)
 
 inline settleTimeout()
 {
@@ -157,7 +167,7 @@ inline settleTimeout()
     :: else
     fi;
     if
-    :: holds(enquired) && (everAnswered || unanswered < 3) -> enquire()
+    :: holds(enquired) && worthAsking -> enquire()
     :: else
     fi;
     if
@@ -239,6 +249,7 @@ inline judge()
 inline forget()  /* what the next exchange does not depend on */
 {
     taken = false; noise = false; heard = false; early = false; answered = false; clean = false;
+    isSilent = false;
     bad = false; kind = nothing; first = nothing; length = 0;
     name = nobody; tookName = nobody; value = 0; tookValue = 0; copy = 0
 }
@@ -263,10 +274,12 @@ active proctype host()
        :: else
        fi;
        heard = false;
+       isSilent = true;
        printf("> send %d\n", wanted);
        answerRequest();
        receive();
        judge();
+       silences = (!isSilent -> 0 : (silences < inVain -> silences + 1 : inVain));
 #ifndef RESTLESS
        if
        :: calm = true
