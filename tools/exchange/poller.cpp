@@ -141,8 +141,6 @@ void Poller::pollPieces()
 
 void Poller::askAsideAgain()
 {
-    if (m_isInTurns && m_aside.isEmpty())
-        return;
     if (m_planned.isEmpty()) {
         m_aside.clear();  // one-off reads need a plan: put everything back into it
         planEverything();

@@ -123,6 +123,20 @@ TEST_F(InTurns, GoesOnWithATurnThatEndedEarly)
     EXPECT_EQ(poller->poll(), RoundEnd::Done);
     EXPECT_EQ(asked(), "100002 100002");
     EXPECT_FALSE(poller->problemOf(range("D100"), 0));
+    poller->poll();
+    EXPECT_EQ(asked(), "10C802");
+}
+
+TEST_F(InTurns, ReadsEverythingAgainIfThatEndedEarly)
+{
+    start();
+    bench.line.setFaults("link-drop@1");
+    next = {range("D0")};
+    EXPECT_EQ(poller->poll(), RoundEnd::LinkLost);
+    bench.line.open();
+    asked();
+    EXPECT_EQ(poller->poll(), RoundEnd::Done);
+    EXPECT_EQ(asked(), "100008 10C808");
 }
 
 TEST_F(InTurns, TakesTheNextTurnAfterAnotherPlan)
@@ -135,4 +149,18 @@ TEST_F(InTurns, TakesTheNextTurnAfterAnotherPlan)
     poller->poll();
     poller->poll();
     EXPECT_EQ(asked(), "100002 10C802");
+}
+
+TEST_F(InTurns, DoesNotGoOnWithATurnAfterAnotherPlan)
+{
+    start().poll();
+    bench.line.setFaults("link-drop@1");
+    next = {range("D0"), range("D100")};
+    EXPECT_EQ(poller->poll(), RoundEnd::LinkLost);
+    bench.line.open();
+    writeRegisters(bench.loop, range("D9"), {1});
+    poller->planEverything();
+    asked();
+    poller->poll();
+    EXPECT_EQ(asked(), "10C802");
 }

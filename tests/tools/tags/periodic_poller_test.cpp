@@ -21,7 +21,8 @@ protected:
     OnALineAt9600Baud()
     {
         bench.loop.onExchange = [this](const Exchange& exchange) {
-            asked.append(blockRange(catalogue(), exchange.frame.variable));
+            if (exchange.hasEnded())
+                asked.append(blockRange(catalogue(), exchange.frame.variable));
         };
     }
 
@@ -141,6 +142,17 @@ TEST_F(OnALineAt9600Baud, TellsWhenPeriodsBeginToBeLateAndWhenAllAreKeptAgain)
     pollFor(60 * second);
     ASSERT_EQ(told.size(), 3);
     EXPECT_FALSE(told[2].periods[1].isLate());
+}
+
+TEST_F(OnALineAt9600Baud, GoesOnWithItsPeriodsWhereARegisterIsRefused)
+{
+    start({every(100, "D0:2"), every(10000, "D100")});
+    pollFor(9 * second);
+    bench.refuseD(1, 1);
+    asked.clear();
+    pollFor(2 * second);
+    EXPECT_EQ(readings("D100"), 1);
+    EXPECT_LE(readings("D1"), 4) << "as a whole, alone, and now and then";
 }
 
 // A PLC that is silent to every tenth request costs a time-out each time.
