@@ -205,6 +205,8 @@ TEST(Completion, OffersValues)
     EXPECT_EQ(completed("fxhost --config plcs.toml --plc "), QStringList({"press1", "press2"}));
     EXPECT_EQ(completed("fxhost replay plcs"), QStringList("plcs.toml"));
     EXPECT_EQ(completed("fxhost --tags tags.csv read boiler.t"), QStringList("boiler.temperature"));
+    EXPECT_EQ(completed("fxhost --tags tags.csv watch D0 --period boiler.t"),
+              QStringList("boiler.temperature"));
     EXPECT_EQ(completed("fxhost tags check tag"), QStringList("tags.csv"));
 }
 
