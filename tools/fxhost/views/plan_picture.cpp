@@ -203,7 +203,8 @@ QStringList planPicture(const PlanReport& report)
         lines += "  " + QString().leftJustified(nameColumns) +
                  report.shortest.name.leftJustified(nameColumns) + shortest;
     }
-    lines += QStringLiteral("  █ and ▆ asked for, in alternate blocks; ░ read with them; ▁ not read");
+    lines +=
+        QStringLiteral("  █ and ▆ asked for, in alternate blocks; ░ read with them; ▁ not read");
     return lines;
 }
 
