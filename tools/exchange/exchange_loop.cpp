@@ -3,29 +3,12 @@
 
 #include "tools/exchange/exchange_loop.h"
 
-#include <QElapsedTimer>
-
 #include <algorithm>
 #include <utility>
 
 namespace fxtools {
 
 namespace {
-
-// A line is quiet when nothing has come for four usual response times, within these limits.
-constexpr int shortestQuietMs = 5;
-constexpr int longestQuietMs = 250;
-constexpr int quietResponses = 4;
-
-constexpr int emptyLineShare = 8;
-constexpr int longestEmptyLineMs = 5;
-
-constexpr int longestTurnMs = 100;
-constexpr int longestDrainMs = 2000;        // of a line that is never quiet,
-constexpr int longestSecondDrainMs = 500;   // also when it is tried again,
-constexpr int longestJunkBytes = 4096;      // and the most bytes
-constexpr int longestReplyMs = 5000;        // the longest takes 4.4 s at 300 baud
-constexpr int enquiriesBeforeGivingUp = 3;  // some PLCs do not answer ENQ
 
 bool isTimeout(ReplyVerdict verdict)
 {
@@ -35,16 +18,8 @@ bool isTimeout(ReplyVerdict verdict)
 }  // namespace
 
 ExchangeLoop::ExchangeLoop(DriverSession& session, Link& link, const LoopSettings& settings)
-    : m_session(session), m_link(link), m_settings(settings), m_timeout(settings.timeout)
-{
-    if (!m_settings.isInterrupted)
-        m_settings.isInterrupted = [] { return false; };
-    if (m_settings.clockUs)
-        return;
-    QElapsedTimer clock;
-    clock.start();
-    m_settings.clockUs = [clock] { return clock.nsecsElapsed() / 1000; };
-}
+    : m_session(session), m_line(link, settings, m_statistics), m_isTolerant(settings.tolerant)
+{}
 
 std::optional<Exchange> ExchangeLoop::step()
 {
@@ -57,7 +32,9 @@ std::optional<Exchange> ExchangeLoop::step()
         m_kind = m_session.kindOf(exchange.frame);
     exchange.kind = m_kind;
     const qint64 enquiriesAnswered = m_statistics.enquiriesAnswered;
-    sendAndReceive(exchange);
+    send(exchange);
+    if (exchange.wasSent)
+        receive(exchange);
     noteSilence(exchange, m_statistics.enquiriesAnswered > enquiriesAnswered);
     const bool isAnswered =
         exchange.verdict == ReplyVerdict::Good || exchange.verdict == ReplyVerdict::Refused;
@@ -83,64 +60,99 @@ void ExchangeLoop::abandonRecipe(RecipeDirection direction)
     }
 }
 
-void ExchangeLoop::sendAndReceive(Exchange& exchange)
+void ExchangeLoop::send(Exchange& exchange)
 {
+    const QByteArray request = requestBytes(exchange.frame);
+    const bool repeatsRead = exchange.frame.isRead != 0 && request == m_lastRequest;
+    const bool mustOutwait = m_line.owesAcks() && !repeatsRead;
     QByteArray junk;
-    const int momentMs =
-        m_isQuiet ? static_cast<int>(momentUs(m_timeout.typicalResponseUs()) / 1000) : quietMs();
-    const bool mayBeSent = drain(momentMs, junk);
+    const int waitMs = repeatsRead ? 0 : std::exchange(m_waitBeforeOtherMs, 0);
+    bool mayBeSent = waitMs > 0 ? m_line.drain(waitMs, junk) : m_line.drainBeforeFrame(junk);
+    if (mayBeSent && mustOutwait) {
+        m_line.outwaitAcks(junk);
+        mayBeSent = m_line.drain(m_line.quietMs(), junk);
+    }
     throwAway(junk);
     exchange.startedUs = elapsedUs();
     if (!mayBeSent) {
         exchange.verdict = isInterrupted() ? ReplyVerdict::Interrupted : ReplyVerdict::Babble;
         return;
     }
-    exchange.wasSent = m_link.send(requestBytes(exchange.frame));
-    if (!exchange.wasSent) {
+    m_lastRequest = request;
+    exchange.wasSent = m_line.send(request);
+    if (!exchange.wasSent)
         exchange.verdict = ReplyVerdict::LinkLost;
-        return;
-    }
+}
+
+void ExchangeLoop::receive(Exchange& exchange)
+{
     const qint64 sentUs = elapsedUs();
-    exchange.reply = receive(exchange.frame.replyLength);
+    exchange.reply = m_line.receive(exchange.frame.replyLength);
     exchange.responseUs = elapsedUs() - sentUs;
     exchange.verdict = judgeReply(exchange.frame, exchange.reply);
     const bool isGood = exchange.verdict == ReplyVerdict::Good;
+    const bool isAnswer = isGood || exchange.verdict == ReplyVerdict::Refused;
+    const qint64 beganAfterUs = m_line.beganUs() - sentUs;
+    const bool isStray = isAnswer && m_line.isTooSoon(beganAfterUs);
     if (isTimeout(exchange.verdict) && isInterrupted())
         exchange.verdict = ReplyVerdict::Interrupted;  // before the time-out was over
-    else if (const std::optional<int> waitMs = isGood ? waitForAnother(exchange) : quietMs())
+    else if (isStray)
+        discardStray(exchange);
+    else if (isGood && m_line.owesAcks())
+        confirm(exchange);
+    else if (const std::optional<int> waitMs = waitAfter(exchange))
         settle(exchange, *waitMs);
     if (exchange.verdict == ReplyVerdict::Late)
-        exchange.responseUs = std::max(exchange.responseUs, m_heardUs - sentUs);
+        exchange.responseUs = std::max(exchange.responseUs, m_line.heardUs() - sentUs);
+    if (exchange.verdict == ReplyVerdict::Good && exchange.frame.isRead != 0)
+        m_line.noteBeginning(beganAfterUs);
     const bool isTaken = exchange.verdict == ReplyVerdict::Good ||
-                         (exchange.verdict == ReplyVerdict::Surrounded && m_settings.tolerant);
-    if (isTaken)
-        m_lastGood = exchange;
+                         (exchange.verdict == ReplyVerdict::Surrounded && m_isTolerant);
+    if (isTaken || exchange.verdict == ReplyVerdict::Refused)
+        m_lastAnswer = exchange;
     if (isTaken || exchange.verdict == ReplyVerdict::Late)
-        m_timeout.answered(exchange.responseUs);
-    else if (!m_link.isOpen())  // sending ENQ may be the first to show it
+        m_line.timeout().answered(exchange.responseUs);
+    else if (!m_line.isOpen())  // sending ENQ may be the first to show it
         exchange.verdict = ReplyVerdict::LinkLost;
 }
 
 // Prepares the line for the next frame, and judges again with all that came.
 void ExchangeLoop::settle(Exchange& exchange, int forQuietMs)
 {
-    const bool isRefused = exchange.verdict == ReplyVerdict::Refused && exchange.reply.size() == 1;
-    if (isRefused || !m_link.isOpen())
+    if (!m_line.isOpen())
         return;
-    if (!drain(forQuietMs, exchange.thrownAway)) {
+    if (!m_line.drain(forQuietMs, exchange.thrownAway)) {
         exchange.verdict = isInterrupted() ? ReplyVerdict::Interrupted : ReplyVerdict::Babble;
         return;
     }
     const bool wasTimeout = isTimeout(exchange.verdict);
     if (wasTimeout) {
-        m_timeout.timedOut();
-        ask(exchange.thrownAway);
+        m_line.timeout().timedOut();
+        m_line.ask(exchange.thrownAway, hasGoneSilent());
     }
     exchange.verdict = judgeReply(exchange.frame, exchange.reply + exchange.thrownAway);
     const bool isRight =
         exchange.verdict == ReplyVerdict::Good || exchange.verdict == ReplyVerdict::Surrounded;
     if (wasTimeout && isRight)
         exchange.verdict = ReplyVerdict::Late;
+}
+
+// The PLC's own reply is still to come, or lost.
+void ExchangeLoop::discardStray(Exchange& exchange)
+{
+    std::swap(exchange.thrownAway, exchange.reply);
+    exchange.verdict = ReplyVerdict::Late;
+    m_line.noteStray();
+    m_line.drain(m_line.quietMs(), exchange.thrownAway);
+    m_line.ask(exchange.thrownAway, hasGoneSilent());
+}
+
+// The reply may be the one to an earlier copy of the same request. Then another follows, and the
+// ACK of an ENQ after it.
+void ExchangeLoop::confirm(Exchange& exchange)
+{
+    m_line.askAndOutwait(exchange.thrownAway);
+    exchange.verdict = judgeReply(exchange.frame, exchange.reply + exchange.thrownAway);
 }
 
 void ExchangeLoop::noteSilence(const Exchange& exchange, bool enquiryAnswered)
@@ -154,21 +166,33 @@ void ExchangeLoop::noteSilence(const Exchange& exchange, bool enquiryAnswered)
     m_unansweredInARow = isSilent && !enquiryAnswered ? m_unansweredInARow + 1 : 0;
 }
 
-// The reply before, once more: it may be a second copy of it. Then the PLC's own reply follows, at
-// the time that it usually takes or right behind the copy.
-std::optional<int> ExchangeLoop::waitForAnother(const Exchange& exchange) const
+// How long to listen for more, if at all. The answer before, once more, may be its second copy:
+// then the PLC's own answer follows, at the time that it usually takes or right behind the copy. To
+// the same read it may as well be right, so there the wait comes before the next other request.
+std::optional<int> ExchangeLoop::waitAfter(const Exchange& exchange)
 {
-    if (exchange.reply != m_lastGood.reply ||
-        requestBytes(exchange.frame) == requestBytes(m_lastGood.frame))
+    const bool isGood = exchange.verdict == ReplyVerdict::Good;
+    const bool isPlainNak = exchange.verdict == ReplyVerdict::Refused && exchange.reply.size() == 1;
+    if (!isGood && !isPlainNak)
+        return m_line.quietMs();
+    if (exchange.reply != m_lastAnswer.reply)
         return std::nullopt;
-    const qint64 momentAfterUs = momentUs(m_lastGood.responseUs);
-    const bool isEarly = exchange.responseUs < m_lastGood.responseUs - momentAfterUs;
-    return static_cast<int>((isEarly ? m_lastGood.responseUs : momentAfterUs) / 1000);
+    const qint64 momentAfterUs = PlcLine::momentUs(m_lastAnswer.responseUs);
+    const bool isEarly = exchange.responseUs < m_lastAnswer.responseUs - momentAfterUs;
+    const int momentMs = static_cast<int>(momentAfterUs / 1000) + 1;
+    if (isGood && exchange.frame.isRead != 0 &&
+        requestBytes(exchange.frame) == requestBytes(m_lastAnswer.frame)) {
+        const auto usualMs = static_cast<int>(m_lastAnswer.responseUs / 1000);
+        m_waitBeforeOtherMs =
+            std::max(m_waitBeforeOtherMs, isEarly ? usualMs + momentMs : momentMs);
+        return std::nullopt;
+    }
+    return isEarly ? m_line.quietMs() : momentMs;
 }
 
 void ExchangeLoop::handOver(Exchange& exchange)
 {
-    if (exchange.verdict == ReplyVerdict::Surrounded && m_settings.tolerant)
+    if (exchange.verdict == ReplyVerdict::Surrounded && m_isTolerant)
         exchange.handed = rightReplyIn(exchange.frame, exchange.reply + exchange.thrownAway);
     else if (exchange.reply.size() == exchange.frame.replyLength && exchange.thrownAway.isEmpty() &&
              exchange.verdict != ReplyVerdict::Interrupted)
@@ -180,61 +204,9 @@ void ExchangeLoop::handOver(Exchange& exchange)
     m_repeating = exchange.answer == DriverAnswer::Repeat;
 }
 
-// Ends early at a NAK, with which no good reply begins, and when a reply breaks off.
-QByteArray ExchangeLoop::receive(int byteCount)
-{
-    QByteArray reply = listen(m_timeout.milliseconds());
-    const qint64 endUs = elapsedUs() + 1000LL * longestReplyMs;
-    bool goesOn = !reply.isEmpty();
-    while (goesOn && reply.size() < byteCount && reply.front() != nak && !isInterrupted()) {
-        const QByteArray more = listen(betweenBytesMs());
-        reply += more;
-        goesOn = !more.isEmpty() && elapsedUs() < endUs;
-    }
-    return reply;
-}
-
-int ExchangeLoop::betweenBytesMs() const
-{
-    return std::min(m_settings.betweenBytesMs, m_timeout.milliseconds());
-}
-
-// In short turns, so that an interrupt does not have to wait for a long time-out.
-QByteArray ExchangeLoop::listen(int timeoutMs)
-{
-    QByteArray bytes = m_link.receive(std::min(timeoutMs, longestTurnMs));
-    for (int leftMs = timeoutMs - longestTurnMs;
-         bytes.isEmpty() && leftMs > 0 && m_link.isOpen() && !isInterrupted();
-         leftMs -= longestTurnMs)
-        bytes = m_link.receive(std::min(leftMs, longestTurnMs));
-    if (!bytes.isEmpty() && bytes != QByteArray(1, ack))
-        m_heardUs = elapsedUs();
-    return bytes;
-}
-
-// Whether the line is quiet at last. What comes is followed for two seconds.
-bool ExchangeLoop::drain(int forQuietMs, QByteArray& junk)
-{
-    const int longestMs = m_isQuiet ? longestDrainMs : longestSecondDrainMs;
-    const int mostBytes = junk.size() + longestJunkBytes;
-    QByteArray more = listen(forQuietMs);
-    const qint64 endUs = elapsedUs() + 1000 * qint64(longestMs);
-    while (!more.isEmpty() && elapsedUs() < endUs && junk.size() < mostBytes && !isInterrupted()) {
-        junk += more;
-        more = listen(std::min(forQuietMs, quietMs()));
-    }
-    junk += more;
-    m_isQuiet = more.isEmpty() && !isInterrupted();
-    return m_isQuiet;
-}
-
 QByteArray ExchangeLoop::overhear(int timeMs)
 {
-    QByteArray heard;
-    const qint64 endUs = elapsedUs() + 1000 * qint64(timeMs);
-    for (qint64 nowUs = elapsedUs(); nowUs < endUs && !isInterrupted() && m_link.isOpen();
-         nowUs = elapsedUs())
-        heard += listen(static_cast<int>((endUs - nowUs + 999) / 1000)).left(longestJunkBytes);
+    const QByteArray heard = m_line.overhear(timeMs);
     throwAway(heard);
     return heard;
 }
@@ -242,44 +214,8 @@ QByteArray ExchangeLoop::overhear(int timeMs)
 bool ExchangeLoop::resynchronise()
 {
     QByteArray junk;
-    const bool answered = ask(junk);
+    const bool answered = m_line.ask(junk, hasGoneSilent());
     throwAway(junk);
-    return answered;
-}
-
-bool ExchangeLoop::ask(QByteArray& junk)
-{
-    // A silent PLC may have been off, and may answer no frame before an ENQ.
-    const bool worthAsking =
-        m_enquiryWasAnswered || hasGoneSilent() || m_enquiriesUnanswered < enquiriesBeforeGivingUp;
-    const bool answered = worthAsking && enquire(junk);
-    // Where ENQ is not answered, or not in order, only waiting clears the line.
-    drain(m_timeout.milliseconds(), junk);
-    return answered;
-}
-
-// A late reply may come first; a data frame contains no ACK.
-bool ExchangeLoop::enquire(QByteArray& junk)
-{
-    ++m_statistics.enquiriesSent;
-    if (!m_link.send(QByteArray(1, enq)))
-        return false;
-    QByteArray late;
-    const qint64 endUs =
-        elapsedUs() + 1000 * qint64(std::max(longestDrainMs, m_timeout.milliseconds()));
-    QByteArray more = listen(m_timeout.milliseconds());
-    while (!more.isEmpty() && !more.contains(ack) && elapsedUs() < endUs && !isInterrupted()) {
-        late += more;
-        more = listen(m_timeout.milliseconds());
-    }
-    m_isQuiet = more.isEmpty() || more.contains(ack);
-    late += more;
-    const int acknowledged = late.lastIndexOf(ack);
-    const bool answered = acknowledged >= 0;
-    junk += answered ? late.remove(acknowledged, 1) : late;
-    m_statistics.enquiriesAnswered += answered;
-    m_enquiriesUnanswered += !answered;
-    m_enquiryWasAnswered |= answered;
     return answered;
 }
 
@@ -287,22 +223,6 @@ void ExchangeLoop::throwAway(const QByteArray& bytes)
 {
     m_statistics.bytesReceived += bytes.size();
     m_statistics.bytesThrownAway += bytes.size();
-}
-
-// How long the line must be empty before a frame: a second copy of a reply usually follows within a
-// small part of a response time.
-qint64 ExchangeLoop::momentUs(qint64 responseUs) const
-{
-    return std::min<qint64>(responseUs / emptyLineShare, 1000LL * longestEmptyLineMs);
-}
-
-int ExchangeLoop::quietMs() const
-{
-    const qint64 typicalUs = m_timeout.typicalResponseUs();
-    if (typicalUs == 0)
-        return longestQuietMs;
-    const qint64 wantedMs = typicalUs / 1000 * quietResponses;
-    return static_cast<int>(std::clamp<qint64>(wantedMs, shortestQuietMs, longestQuietMs));
 }
 
 }  // namespace fxtools

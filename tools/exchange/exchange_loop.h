@@ -8,33 +8,34 @@
 // length. Four rules prevent that:
 //   1. Only a reply of exactly the expected length is handed over. For any other one the driver
 //      gets as many NAKs as bytes came, which it must reject.
-//   2. Before a frame is sent, the line must be empty for a moment that suits its speed.
+//   2. Before a frame is sent, the line must be empty. A reply that begins sooner than half the
+//      quickest time of late is a stray one and does not count: the PLC has not read the request
+//      yet. Where that time is shorter than a moment that suits the line, the line must be empty
+//      for the rest of the moment.
 //   3. After anything but a good reply or a single NAK the line is drained until it is quiet. After
-//      a time-out the PLC must also answer ENQ with ACK before the next frame: a PLC answers in
-//      order, so no older reply can come after that ACK. Without an ACK the host waits for another
-//      time-out.
-//   4. A reply that repeats the one before may be its second copy: it counts only if none follows.
+//      a time-out the PLC must also answer ENQ with ACK: a PLC answers in order, so no older reply
+//      can come after that ACK. Until it has come, only the same read is sent again, and its reply
+//      counts only if the ACK of another ENQ follows. After five seconds the ACK is taken for lost.
+//      For a PLC that never answers ENQ, the host waits for another time-out instead.
+//   4. A reply or NAK that repeats the one before may be its second copy: it counts only if none
+//      follows. Where the same read is sent again and again, the line must be quiet before the
+//      first other request instead.
 // A line that is not quiet within two seconds gets no frame.
 
 #pragma once
 
-#include "tools/exchange/adaptive_timeout.h"
 #include "tools/exchange/driver_session.h"
+#include "tools/exchange/plc_line.h"
 #include "tools/exchange/statistics.h"
-#include "tools/link/link.h"
 
 #include <functional>
 #include <optional>
 
 namespace fxtools {
 
-struct LoopSettings
+struct LoopSettings : TimingSettings
 {
-    TimeoutLimits timeout;
-    int betweenBytesMs = 100;         // a USB adapter delivers bytes in slices with pauses
-    bool tolerant = false;            // takes a right reply among extra characters
-    std::function<qint64()> clockUs;  // empty: the real time; a simulated link may bring its own
-    std::function<bool()> isInterrupted;  // whether the user has interrupted; empty: never
+    bool tolerant = false;  // takes a right reply among extra characters
 };
 
 class ExchangeLoop
@@ -70,45 +71,37 @@ public:
     bool hasGoneSilent() const { return m_unansweredInARow >= unansweredUntilSilent; }
 
     DriverSession& session() { return m_session; }
-    const Link& link() const { return m_link; }
+    const Link& link() const { return m_line.link(); }
     const Statistics& statistics() const { return m_statistics; }
     Statistics& statistics() { return m_statistics; }
-    const AdaptiveTimeout& timeout() const { return m_timeout; }
-    qint64 elapsedUs() const { return m_settings.clockUs(); }
-    bool isInterrupted() const { return m_settings.isInterrupted(); }
+    const AdaptiveTimeout& timeout() const { return m_line.timeout(); }
+    qint64 elapsedUs() const { return m_line.elapsedUs(); }
+    bool isInterrupted() const { return m_line.isInterrupted(); }
 
 private:
     static constexpr int unansweredUntilSilent = 3;
 
-    void sendAndReceive(Exchange& exchange);
-    void handOver(Exchange& exchange);
+    void send(Exchange& exchange);
+    void receive(Exchange& exchange);
     void settle(Exchange& exchange, int forQuietMs);
+    void discardStray(Exchange& exchange);
+    void confirm(Exchange& exchange);
     void noteSilence(const Exchange& exchange, bool enquiryAnswered);
-    std::optional<int> waitForAnother(const Exchange& exchange) const;
-    QByteArray receive(int byteCount);
-    QByteArray listen(int timeoutMs);
-    bool drain(int quietMs, QByteArray& junk);
-    bool ask(QByteArray& junk);
-    bool enquire(QByteArray& junk);
+    std::optional<int> waitAfter(const Exchange& exchange);
+    void handOver(Exchange& exchange);
     void throwAway(const QByteArray& bytes);
-    qint64 momentUs(qint64 responseUs) const;
-    int quietMs() const;
-    int betweenBytesMs() const;
 
     DriverSession& m_session;
-    Link& m_link;
-    LoopSettings m_settings;
-    AdaptiveTimeout m_timeout;
     Statistics m_statistics;
-    bool m_isQuiet = true;  // as far as is known
-    qint64 m_heardUs = 0;   // when the last bytes came, apart from an ACK
-    Exchange m_lastGood;
+    PlcLine m_line;
+    bool m_isTolerant;
+    QByteArray m_lastRequest;
+    Exchange m_lastAnswer;        // good or refused
+    int m_waitBeforeOtherMs = 0;  // for a copy of an answer to the last request
     int m_unansweredInARow = 0;
     bool m_repeating = false;  // the driver will give the same frame again
     bool m_mayBeDone = false;  // of the frame that is repeated
     ExchangeKind m_kind = ExchangeKind::CyclicRead;
-    int m_enquiriesUnanswered = 0;
-    bool m_enquiryWasAnswered = false;
 };
 
 }  // namespace fxtools

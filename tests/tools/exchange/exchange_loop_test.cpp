@@ -25,6 +25,15 @@ protected:
         bench->session.setPlan({range("D0:4"), range("D100:4")});
     }
 
+    // A line of 9600 baud on which so many exchanges were good that it is known how soon replies
+    // begin; the faults come from then on.
+    void startKnownLine(const char* faults)
+    {
+        start(badLine(9600, ""), SessionSettings{20, 32});
+        verdictsUntil(16);
+        bench->line.setFaults(faults);
+    }
+
     Exchange step() { return bench->loop.step().value(); }
 
     // Steps until `goodOnes` answers were accepted; what was wrong with the others, in their order.
@@ -87,6 +96,13 @@ TEST_F(Loop, SendsAFrameAndHandsItsAnswerOver)
     EXPECT_EQ(calls, 2);
 }
 
+TEST_F(Loop, NeedsNoMomentOfQuietWhenItIsKnownHowSoonRepliesBegin)
+{
+    startKnownLine("");
+    const qint64 endedUs = bench->line.nowUs();
+    EXPECT_EQ(step().startedUs, endedUs);
+}
+
 TEST_F(Loop, AsksWithEnqAfterEverySilence)
 {
     start(badLine(0, "silence@2+4-8"), SessionSettings{20, 32});
@@ -145,14 +161,177 @@ TEST_F(Loop, ThrowsALateAnswerAway)
     }
 }
 
-// Right behind a good answer, within the moment that the line must be quiet before a frame.
+// The first one comes before the PLC can have read the second request. Then there is a moment of
+// quiet before each of the next 256 frames, in which the others come.
 TEST_F(Loop, ThrowsADuplicateAwayThatComesLate)
 {
-    start(badLine(9600, "duplicate:2@1-"), SessionSettings{20, 32});
-    EXPECT_EQ(verdictsUntil(20).join(' '), "");
+    startKnownLine("duplicate:2@1-");
+    EXPECT_EQ(verdictsUntil(257).join(' '), "late");
+    EXPECT_EQ(enquiries(), 1);
+    EXPECT_EQ(verdictsUntil(2).join(' '), "late");
     expectRightValues();
-    EXPECT_EQ(bench->loop.statistics().bytesThrownAway, 19 * 20);
-    EXPECT_EQ(bench->loop.statistics().bytesReceived, (20 + 19) * 20);
+}
+
+// No value may come from a reply that is too quick, even where none follows it.
+TEST_F(Loop, DoesNotTakeAStrayReplyForTheOneThatIsLost)
+{
+    startKnownLine("duplicate:2@1,silence@2");
+    EXPECT_EQ(verdictsUntil(2).join(' '), "late");
+    expectRightValues();
+}
+
+TEST_F(Loop, DoesNotTakeAStrayNakForARefusal)
+{
+    startKnownLine("nak@1,duplicate:2@1");
+    EXPECT_EQ(step().verdict, ReplyVerdict::Refused);
+    EXPECT_EQ(step().verdict, ReplyVerdict::Late);
+}
+
+// The second attempt at a write gets the second copy of the NAK first, then its own ACK.
+TEST_F(Loop, DoesNotTakeASecondNakForTheAnswerToTheRepeatedWrite)
+{
+    start(badLine(9600, "nak@2,duplicate:7@2"), SessionSettings{20, 32});
+    verdictsUntil(1);
+    bench->session.write(range("D9"), {1});
+    EXPECT_EQ(step().verdict, ReplyVerdict::Refused);
+    const Exchange repeated = step();
+    EXPECT_EQ(repeated.kind, ExchangeKind::Write);
+    EXPECT_EQ(repeated.answer, DriverAnswer::Repeat);
+    EXPECT_EQ(repeated.thrownAway, wire("␆"));
+    EXPECT_EQ(step().verdict, ReplyVerdict::Good);
+}
+
+// A second copy may be taken for the answer to the same read sent again: it has a right value. That
+// read's own answer, with another value, is not for the next block.
+TEST_F(Loop, WaitsForTheAnswerToARepeatedReadBeforeAnother)
+{
+    for (int copyMs = 1; copyMs < 8; ++copyMs) {
+        const QString faults = QString("duplicate:%1@2,delay:15@3").arg(copyMs);
+        start(badLine(9600, qPrintable(faults)), SessionSettings{20, 32});
+        bench->session.setPlan({range("D0:4")});
+        verdictsUntil(2);
+        bench->setD(0, 4711);
+        verdictsUntil(1);
+        bench->session.setPlan({range("D100:4")});
+        verdictsUntil(1);
+        EXPECT_EQ(bench->session.values(range("D100"))[0], wordNaming(addressOfD(100))) << copyMs;
+    }
+}
+
+// A copy after 15 ms, where replies begin after 40 ms. Before, they began after 4 ms.
+TEST_F(Loop, LearnsThatTheLinkHasBecomeSlower)
+{
+    start(badLine(0, "delay:4@1-40,delay:40@41-,duplicate:15@400"), SessionSettings{20, 32});
+    EXPECT_EQ(verdictsUntil(401).join(' '), "late");
+    expectRightValues();
+}
+
+TEST_F(Loop, TakesQuickRepliesAgainAfterOneOfALinkThatHasBecomeQuicker)
+{
+    start(badLine(0, "delay:30@1-20"), SessionSettings{20, 32});
+    EXPECT_EQ(verdictsUntil(40).join(' '), "late");
+    expectRightValues();
+}
+
+// The ACKs of two ENQs come behind an answer that is 3.5 s late. They must not be taken for the
+// answer to a write, which the PLC refuses.
+TEST_F(Loop, SendsNoWriteUntilEveryEnqIsAcknowledged)
+{
+    start(badLine(0, "delay:3500@3"), SessionSettings{20, 32});
+    bench->refuseD(500, 500);
+    verdictsUntil(2);
+    EXPECT_EQ(step().verdict, ReplyVerdict::Silence);
+    bench->session.write(range("D500"), {77});
+    Exchange exchange = step();
+    while (exchange.kind != ExchangeKind::Write)
+        exchange = step();
+    EXPECT_EQ(exchange.verdict, ReplyVerdict::Refused);
+    EXPECT_EQ(bench->loop.statistics().enquiriesAnswered, 0) << "in time";
+    expectRightValues();
+}
+
+// The first attempt gets no answer, and behind it come a second ACK for the write before and the
+// ACK for ENQ: neither is the answer to the second attempt.
+TEST_F(Loop, RepeatsNoWriteUntilEveryEnqIsAcknowledged)
+{
+    start(badLine(0, "duplicate:1500@2,silence@3"), SessionSettings{20, 32});
+    bench->refuseD(500, 500);
+    verdictsUntil(1);
+    for (const char* const address : {"D100", "D500"})
+        bench->session.write(range(address), {wordNaming(addressOfD(100))});
+    EXPECT_EQ(step().verdict, ReplyVerdict::Good);
+    EXPECT_EQ(step().verdict, ReplyVerdict::Silence);
+    EXPECT_EQ(step().verdict, ReplyVerdict::Refused);
+}
+
+// A repeated read may be answered by the late reply to its first copy. Then its own is still to
+// come.
+TEST_F(Loop, GivesTheSecondAnswerToARepeatedReadToNoOther)
+{
+    for (int firstMs = 100; firstMs < 4500; firstMs += 100) {
+        for (int secondMs = 100; secondMs < 4500; secondMs += 300) {
+            const QString faults = QString("delay:%1@3,delay:%2@4").arg(firstMs).arg(secondMs);
+            start(badLine(9600, qPrintable(faults)), SessionSettings{20, 32});
+            EXPECT_TRUE(bench->loop.resynchronise());
+            verdictsUntil(2);
+            step();
+            bench->setD(0, 4711);
+            for (int read = 0; read < 6; ++read) {
+                verdictsUntil(1);
+                ASSERT_EQ(bench->session.values(range("D100"))[0], wordNaming(addressOfD(100)))
+                    << faults.toStdString();
+            }
+            EXPECT_EQ(bench->session.values(range("D0"))[0], 4711U);
+        }
+    }
+}
+
+TEST_F(Loop, TakesAnAckForLostAfterFiveSeconds)
+{
+    start(badLine(0, "power-cycle:3000@3"), SessionSettings{1, 32});
+    EXPECT_TRUE(bench->loop.resynchronise());
+    verdictsUntil(2);
+    EXPECT_EQ(step().verdict, ReplyVerdict::Silence);
+    qint64 askedUs = bench->line.nowUs();
+    const Exchange next = step();
+    EXPECT_GT(next.startedUs - askedUs, 2500000);
+    EXPECT_LT(next.startedUs - askedUs, 5000000);
+    EXPECT_EQ(next.verdict, ReplyVerdict::Good);
+    // The next one is not waited for, though one is still missing.
+    bench->line.setFaults("silence@1");
+    EXPECT_EQ(step().verdict, ReplyVerdict::Silence);
+    askedUs = bench->line.nowUs();
+    EXPECT_LT(step().startedUs - askedUs, 1000000);
+}
+
+TEST_F(Loop, DoesNotWaitSoLongForAPlcThatNeverAnswersEnq)
+{
+    start(badLine(0, "silence@2-5", fxsim::EnquiryMode::Ignored), SessionSettings{1, 32});
+    verdictsUntil(1);
+    for (int silence = 0; silence < 3; ++silence)
+        step();
+    const qint64 beforeUs = bench->line.nowUs();
+    step();
+    EXPECT_LT(bench->line.nowUs() - beforeUs, 5000000);
+}
+
+TEST_F(Loop, EndsTheWaitForAnAckAtAnInterrupt)
+{
+    start(badLine(0, "power-cycle:600000@1"), SessionSettings{1, 32});
+    bench->session.setPlan({range("D0:4"), range("D100:4"), range("D200:4")});
+    qint64 interruptedUs = 3600000000;
+    LoopSettings settings = bench->line.loopSettings();
+    settings.isInterrupted = [&] { return bench->line.nowUs() >= interruptedUs; };
+    ExchangeLoop loop(bench->session, bench->line, settings);
+    EXPECT_EQ(loop.step()->verdict, ReplyVerdict::Silence);
+    interruptedUs = bench->line.nowUs() + 500000;
+    const Exchange interrupted = loop.step().value();
+    EXPECT_EQ(interrupted.verdict, ReplyVerdict::Interrupted);
+    EXPECT_FALSE(interrupted.wasSent);
+    const qint64 endedUs = bench->line.nowUs();
+    EXPECT_LE(endedUs, interruptedUs + 100000);
+    interruptedUs = 3600000000;
+    EXPECT_GT(loop.step()->startedUs - endedUs, 1000000) << "it is still owed";
 }
 
 // Four usual response times of 32 ms.
@@ -176,15 +355,14 @@ TEST_F(Loop, WaitsLongerAfterASilence)
 
 TEST_F(Loop, NeedsNoWaitAfterAPlainNak)
 {
-    start(badLine(9600, "nak@2"), SessionSettings{20, 32});
-    verdictsUntil(1);
+    startKnownLine("nak@1");
     const qint64 beforeUs = bench->line.nowUs();
     const Exchange refused = step();
     EXPECT_EQ(refused.verdict, ReplyVerdict::Refused);
     EXPECT_EQ(refused.handed, wire("␕"));
     EXPECT_EQ(enquiries(), 0);
-    // The moment of quiet before it, eleven characters there and one back.
-    EXPECT_EQ(bench->line.nowUs() - beforeUs, 4000 + (11 + 1) * 1041);
+    EXPECT_EQ(bench->line.nowUs() - beforeUs,
+              (11 + 1) * 1041);  // eleven characters there, one back
 }
 
 TEST_F(Loop, DrainsTheLineAfterNakAndMoreBytes)

@@ -101,6 +101,35 @@ TEST_P(LateReplies, NeverStandUnderAnothersName)
 
 INSTANTIATE_TEST_SUITE_P(Lines, LateReplies, testing::ValuesIn(lines));
 
+// Late replies and second copies come before, with and behind every step that the host takes after
+// a time-out, in whatever order.
+TEST(LateReplies, NeverStandUnderAnothersNameWhateverTheDelay)
+{
+    struct Row
+    {
+        const char* faults;
+        int longestMs;  // a second copy delays what follows it
+    };
+    constexpr int reads = 500;
+    for (const Row& row : {Row{"delay:%1=0.1", 5000}, Row{"duplicate:%1=0.1", 1500}}) {
+        for (int delayMs = 30, number = 0; delayMs < row.longestMs; delayMs += 70, ++number) {
+            const QString faults = QString(row.faults).arg(delayMs);
+            Bench bench(badLine(number % 2 == 0 ? 9600 : 38400, qPrintable(faults)));
+            fillWithOwnAddresses(bench.line.memory());
+            bench.session.setPlan({allBlocks()});
+            for (int accepted = 0; accepted < reads;) {
+                const std::optional<Exchange> exchange = bench.loop.step();
+                ASSERT_TRUE(exchange);
+                if (exchange->answer != DriverAnswer::Accepted)
+                    continue;
+                ++accepted;
+                ASSERT_EQ(wrongValues(bench.session, blockOf(*exchange)), 0)
+                    << faults.toStdString() << ", read " << accepted;
+            }
+        }
+    }
+}
+
 // The same line under a host that hands over whatever comes next: the pattern does show it.
 TEST(LateReplies, WouldShowInAHostThatDoesNotCare)
 {
