@@ -17,9 +17,14 @@ Value oneOf(Random& random, const Value (&values)[count])
     return values[static_cast<std::size_t>(below(random, int(count)))];
 }
 
-// Below three time-outs: what the host waits for a reply, for an ACK and for a quiet line.
+constexpr int slowestBaud = 1200;  // where the PLC answers ENQ
+
+// Below the five seconds that the host waits for an ACK. Where none comes, below three time-outs:
+// what it waits for a reply, for the ACK and for a quiet line.
 int mostDelayMs(const fxsim::Settings& plc)
 {
+    if (plc.enquiry != fxsim::EnquiryMode::Ignored)
+        return 4000;
     const bool isQuick = plc.timing.baud == 0 || plc.timing.baud > 19200;
     return isQuick ? 100 : 500;
 }
@@ -68,10 +73,12 @@ World worldOf(unsigned int seed)
     Random random(seed);
     World world;
     world.plc.seed = seed;
-    world.plc.timing.baud = oneOf(random, {4800, 9600, 9600, 19200, 115200, 0});
+    world.plc.timing.baud = oneOf(random, {slowestBaud, 4800, 9600, 19200, 115200, 0});
     world.plc.timing.scanMs = oneOf(random, {0, 1, 10, 50});
     world.plc.enquiry = oneOf(random, {fxsim::EnquiryMode::Optional, fxsim::EnquiryMode::Needed,
                                        fxsim::EnquiryMode::Optional, fxsim::EnquiryMode::Ignored});
+    if (world.plc.enquiry == fxsim::EnquiryMode::Ignored && world.plc.timing.baud == slowestBaud)
+        world.plc.timing.baud = 4800;
     world.plc.onError = oneOf(random, {fxsim::OnError::Nak, fxsim::OnError::Silence});
     world.plc.faults = someFaults(world.plc, random);
     world.session.failLimit = 1 + below(random, 4);

@@ -79,6 +79,7 @@ void ExchangeLoop::send(Exchange& exchange)
         return;
     }
     m_lastRequest = request;
+    m_repeatsWhileOwed = repeatsRead && m_line.owesAcks();
     exchange.wasSent = m_line.send(request);
     if (!exchange.wasSent)
         exchange.verdict = ReplyVerdict::LinkLost;
@@ -90,15 +91,14 @@ void ExchangeLoop::receive(Exchange& exchange)
     exchange.reply = m_line.receive(exchange.frame.replyLength);
     exchange.responseUs = elapsedUs() - sentUs;
     exchange.verdict = judgeReply(exchange.frame, exchange.reply);
-    const bool isGood = exchange.verdict == ReplyVerdict::Good;
-    const bool isAnswer = isGood || exchange.verdict == ReplyVerdict::Refused;
     const qint64 beganAfterUs = m_line.beganUs() - sentUs;
-    const bool isStray = isAnswer && m_line.isTooSoon(beganAfterUs);
+    const bool isStray = exchange.verdict != ReplyVerdict::Silence &&
+                         exchange.verdict != ReplyVerdict::Echo && m_line.isTooSoon(beganAfterUs);
     if (isTimeout(exchange.verdict) && isInterrupted())
         exchange.verdict = ReplyVerdict::Interrupted;  // before the time-out was over
     else if (isStray)
         discardStray(exchange);
-    else if (isGood && m_line.owesAcks())
+    else if (m_repeatsWhileOwed && !isTimeout(exchange.verdict))
         confirm(exchange);
     else if (const std::optional<int> waitMs = waitAfter(exchange))
         settle(exchange, *waitMs);
@@ -140,15 +140,19 @@ void ExchangeLoop::settle(Exchange& exchange, int forQuietMs)
 // The PLC's own reply is still to come, or lost.
 void ExchangeLoop::discardStray(Exchange& exchange)
 {
-    std::swap(exchange.thrownAway, exchange.reply);
-    exchange.verdict = ReplyVerdict::Late;
+    if (exchange.verdict == ReplyVerdict::Good || exchange.verdict == ReplyVerdict::Refused) {
+        std::swap(exchange.thrownAway, exchange.reply);
+        exchange.verdict = ReplyVerdict::Late;
+    }
     m_line.noteStray();
-    m_line.drain(m_line.quietMs(), exchange.thrownAway);
-    m_line.ask(exchange.thrownAway, hasGoneSilent());
+    if (m_line.drain(m_line.quietMs(), exchange.thrownAway))
+        m_line.ask(exchange.thrownAway, hasGoneSilent());
+    else
+        exchange.verdict = isInterrupted() ? ReplyVerdict::Interrupted : ReplyVerdict::Babble;
 }
 
-// The reply may be the one to an earlier copy of the same request. Then another follows, and the
-// ACK of an ENQ after it.
+// The reply may be the one to an earlier copy of the same request. Then another follows; the ACK of
+// a new ENQ is the end of them.
 void ExchangeLoop::confirm(Exchange& exchange)
 {
     m_line.askAndOutwait(exchange.thrownAway);
@@ -206,7 +210,7 @@ void ExchangeLoop::handOver(Exchange& exchange)
 
 QByteArray ExchangeLoop::overhear(int timeMs)
 {
-    const QByteArray heard = m_line.overhear(timeMs);
+    QByteArray heard = m_line.overhear(timeMs);
     throwAway(heard);
     return heard;
 }

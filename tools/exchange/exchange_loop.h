@@ -96,8 +96,9 @@ private:
     PlcLine m_line;
     bool m_isTolerant;
     QByteArray m_lastRequest;
-    Exchange m_lastAnswer;        // good or refused
-    int m_waitBeforeOtherMs = 0;  // for a copy of an answer to the last request
+    bool m_repeatsWhileOwed = false;  // the last request is a read sent again before an owed ACK
+    Exchange m_lastAnswer;            // good or refused
+    int m_waitBeforeOtherMs = 0;      // for a copy of an answer to the last request
     int m_unansweredInARow = 0;
     bool m_repeating = false;  // the driver will give the same frame again
     bool m_mayBeDone = false;  // of the frame that is repeated

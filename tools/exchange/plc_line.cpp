@@ -26,8 +26,8 @@ constexpr int longestTurnMs = 100;
 constexpr int longestDrainMs = 2000;        // of a line that is never quiet,
 constexpr int longestSecondDrainMs = 500;   // also when it is tried again,
 constexpr int longestJunkBytes = 4096;      // and the most bytes
-constexpr int longestReplyMs = 5000;        // the longest takes 4.4 s at 300 baud
 constexpr int enquiriesBeforeGivingUp = 3;  // some PLCs do not answer ENQ
+constexpr int longestReplyMs = 5000;        // the longest takes 4.4 s at 300 baud
 
 }  // namespace
 
@@ -131,7 +131,7 @@ bool PlcLine::ask(QByteArray& junk, bool plcIsSilent)
 
 bool PlcLine::isWorthAsking() const
 {
-    return m_enquiryWasAnswered || m_enquiriesUnanswered < enquiriesBeforeGivingUp;
+    return m_enquiryWasAnswered || m_enquiriesIgnored < enquiriesBeforeGivingUp;
 }
 
 void PlcLine::askAndOutwait(QByteArray& junk)
@@ -149,7 +149,6 @@ bool PlcLine::enquire(int timeoutMs, QByteArray& junk)
         return false;
     const bool answered = awaitAcks(timeoutMs, junk);
     m_statistics.enquiriesAnswered += answered;
-    m_enquiriesUnanswered += !answered;
     return answered;
 }
 
@@ -175,8 +174,10 @@ void PlcLine::outwaitAcks(QByteArray& junk)
     const qint64 leftMs = longestReplyMs - (elapsedUs() - m_enquiredUs) / 1000;
     if (m_acksOwed > 0)
         awaitAcks(static_cast<int>(std::max<qint64>(leftMs, 0)), junk);
-    if (!isInterrupted())
-        m_acksOwed = 0;
+    if (isInterrupted())
+        return;
+    m_enquiriesIgnored += m_acksOwed > 0;
+    m_acksOwed = 0;
 }
 
 void PlcLine::noteBeginning(qint64 afterUs)

@@ -50,8 +50,9 @@ public:
     QByteArray overhear(int timeMs);
 
     // Sends ENQ and appends what comes before the ACK, and within another time-out. Returns
-    // whether the ACK came. A PLC that has left the first three unanswered gets no more, unless it
-    // is silent to everything: it may have been off, and may answer no frame before an ENQ.
+    // whether the ACK came. A PLC that has ignored ENQ three times and never answered gets no more,
+    // unless it is silent to everything: it may have been off, and may answer no frame before an
+    // ENQ.
     bool ask(QByteArray& junk, bool plcIsSilent);
 
     // The same, but gives the ACK as much time as any reply of the PLC may take.
@@ -98,9 +99,9 @@ private:
     qint64 m_heardUs = 0;
     std::optional<qint64> m_soonestUs;  // from a request to the first bytes of its reply
     int m_readsSinceStray = readsUntilForgotten - readsUntilKnown;
-    int m_acksOwed = 0;       // for the ENQs so far
-    qint64 m_enquiredUs = 0;  // when the last of them was sent
-    int m_enquiriesUnanswered = 0;
+    int m_acksOwed = 0;          // for the ENQs so far
+    qint64 m_enquiredUs = 0;     // when the last of them was sent
+    int m_enquiriesIgnored = 0;  // for as long as a reply may take
     bool m_enquiryWasAnswered = false;
 };
 
