@@ -20,7 +20,7 @@ namespace {
 
 using Places = std::uint32_t;  // a bit each
 
-constexpr int placeCount = timesShorter > 1 ? 16 : 22;
+constexpr int placeCount = timesShorter > 1 ? 16 : 24;
 constexpr int mostInSet = 12;
 constexpr Places setCount = Places(1) << placeCount;
 
