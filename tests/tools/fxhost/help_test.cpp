@@ -167,7 +167,8 @@ namespace {
 QStringList completed(const QString& line)
 {
     const QString script =
-        QStringLiteral("printf '[plc.press%s]\\nlink = \"sim:\"\\n' 1 2 >plcs.toml; source %1; "
+        QStringLiteral("printf 'tags = \"tags.csv\"\\n' >plcs.toml; "
+                       "printf '[plc.press%s]\\nlink = \"sim:\"\\n' 1 2 >>plcs.toml; source %1; "
                        "COMP_LINE='%2'; COMP_POINT=${#COMP_LINE}; _fxhost; "
                        "printf '%s\\n' \"${COMPREPLY[@]}\"")
             .arg(FXHOST_COMPLETION, line);
@@ -206,6 +207,8 @@ TEST(Completion, OffersValues)
     EXPECT_EQ(completed("fxhost replay plcs"), QStringList("plcs.toml"));
     EXPECT_EQ(completed("fxhost --tags tags.csv read boiler.t"), QStringList("boiler.temperature"));
     EXPECT_EQ(completed("fxhost --tags tags.csv watch D0 --period boiler.t"),
+              QStringList("boiler.temperature"));
+    EXPECT_EQ(completed("fxhost --config plcs.toml check boiler.t"),
               QStringList("boiler.temperature"));
     EXPECT_EQ(completed("fxhost tags check tag"), QStringList("tags.csv"));
 }

@@ -74,6 +74,19 @@ TEST_F(NamedTags, AreReadWithTheirUnits)
         << json.out;
 }
 
+TEST_F(NamedTags, AreCheckedAndBeginSeries)
+{
+    EXPECT_EQ(run({"check", "boiler.flow", "p*", "--csv", "-q"}).out,
+              "boiler.flow,true,\"D2:2 of station 1, 16 bits\",0x1004,0x1004\n"
+              "pump,true,\"M10 of station 1, bit\",0x0101,0x080A\n"
+              "product,true,\"D10:4 of station 1, 16 bits\",0x1014,0x1014\n");
+    const Ended unknown = run({"check", "pumpe", "--csv", "-q"});
+    EXPECT_EQ(unknown.out, "pumpe,false,\"unknown tag 'pumpe'; did you mean 'pump'?\"\n");
+    EXPECT_EQ(unknown.code, 1);
+    EXPECT_EQ(run({"series", "pump", "-n", "2", "--csv", "-q"}).out, "1,M10\n2,M11\n");
+    EXPECT_EQ(errorOf({"series", "p*"}), "fxhost: 'p*' means 2 tags; a series begins with one\n");
+}
+
 TEST_F(NamedTags, AreFoundByPatterns)
 {
     const Ended ended = run({"read", "boiler.*,p*[pt]", "--csv", "-q"});

@@ -17,11 +17,6 @@ namespace {
 const char* const letterGroup = "Address by options";
 const QString defaultType = QStringLiteral("D");
 
-bool isName(const QString& text, const AddressServices& services)
-{
-    return !services.source.file.isEmpty() && !isAddress(text, services.catalogue);
-}
-
 }  // namespace
 
 void addAddressLetters(CLI::App& command, AddressOptions& options)
@@ -81,6 +76,11 @@ Tag untagged(const AskedAddress& asked, ValueStyle style)
     return tag;
 }
 
+bool isTagName(const QString& text, const AddressServices& services)
+{
+    return !services.source.file.isEmpty() && !isAddress(text, services.catalogue);
+}
+
 QVector<Tag> tagsNamed(const QString& name, const AddressServices& services)
 {
     const QByteArray pattern = name.toUtf8();
@@ -111,7 +111,7 @@ QVector<Tag> askedOf(const AddressOptions& options, const AddressServices& servi
     QVector<Tag> asked;
     for (const std::string& list : options.addresses) {
         for (const QString& text : QString::fromStdString(list).split(',')) {
-            if (isName(text, services))
+            if (isTagName(text, services))
                 asked += tagsNamed(text, services);
             else
                 asked += untagged(askedAddress(takeApart(text), services.catalogue), style);
@@ -141,7 +141,7 @@ QVector<RegisterRange> rangesOf(const AddressOptions& options, const AddressServ
 TagWrite parseWrite(const QString& text, const AddressServices& services, ValueStyle style)
 {
     const QString name = text.section('=', 0, 0).trimmed();
-    if (name == text.trimmed() || !isName(name, services)) {
+    if (name == text.trimmed() || !isTagName(name, services)) {
         const Assignment assignment = parseAssignment(text, services.catalogue, style);
         return {assignment, untagged(assignment.asked, style)};
     }

@@ -34,6 +34,9 @@ AddressParts addressOfLetters(const AddressOptions& options);
 // A tag without a name for one address, or for each of its values.
 Tag untagged(const AskedAddress& asked, ValueStyle style);
 
+// Whether this means tags: there is a tag file, and it is no address.
+bool isTagName(const QString& text, const AddressServices& services);
+
 // The tag of this name, or those that a shell pattern stands for. Throws Failure if there are none.
 QVector<Tag> tagsNamed(const QString& name, const AddressServices& services);
 

@@ -6,8 +6,8 @@
 // fxhost check: whether addresses are valid, what they mean and where they lie on the wire.
 // fxhost series: the addresses for copies of a panel object, as the screen editor makes them.
 
-#include "tools/fxhost/commands/connection.h"
-#include "tools/library/addresses.h"
+#include "tools/fxhost/commands/address_options.h"
+#include "tools/quoted.h"
 
 namespace fxtools {
 
@@ -48,16 +48,27 @@ QString meaningOf(const AskedAddress& asked, const RegisterCatalogue& catalogue)
     return meaning;
 }
 
-// Returns whether the address is valid.
-bool check(const QString& text, const RegisterCatalogue& catalogue, Records& records)
+void add(const QString& text, const AskedAddress& asked, const RegisterCatalogue& catalogue,
+         Records& records)
+{
+    const RegisterType& type = asked.range.type;
+    const QJsonValue write = type.writable ? wireText(type.writeAddress(asked.range.first))
+                                           : QJsonValue(QJsonValue::Undefined);
+    records.add({text, true, meaningOf(asked, catalogue),
+                 wireText(type.readAddress(asked.range.first)), write});
+}
+
+// Returns whether it is a valid address, or a tag.
+bool check(const QString& text, const AddressServices& services, Records& records)
 {
     try {
-        const AskedAddress asked = askedAddress(takeApart(text), catalogue);
-        const RegisterType& type = asked.range.type;
-        const QJsonValue write = type.writable ? wireText(type.writeAddress(asked.range.first))
-                                               : QJsonValue(QJsonValue::Undefined);
-        records.add({text, true, meaningOf(asked, catalogue),
-                     wireText(type.readAddress(asked.range.first)), write});
+        if (!isTagName(text, services)) {
+            add(text, askedAddress(takeApart(text), services.catalogue), services.catalogue,
+                records);
+            return true;
+        }
+        for (const Tag& tag : tagsNamed(text, services))
+            add(tag.name, tag.asked, services.catalogue, records);
         return true;
     } catch (const Failure& failure) {
         records.add({text, false, failure.text()});
@@ -73,7 +84,7 @@ ExitCode runCheck(const CommonOptions& common, const Addresses& addresses)
     bool allValid = true;
     for (const std::string& list : addresses) {
         for (const QString& text : QString::fromStdString(list).split(','))
-            allValid &= check(text, services.catalogue, records);
+            allValid &= check(text, services, records);
     }
     records.finish();
     return allValid ? ExitCode::Good : ExitCode::SomeFailed;
@@ -88,6 +99,18 @@ struct SeriesOptions
     int step = 1;
 };
 
+RegisterRange firstOf(const QString& text, const AddressServices& services)
+{
+    if (!isTagName(text, services))
+        return parseAddress(text, services.catalogue);
+    const QVector<Tag> tags = tagsNamed(text, services);
+    if (tags.size() > 1)
+        throw Failure(ExitCode::Usage, QStringLiteral("%1 means %2 tags; a series begins with one")
+                                           .arg(quoted(text))
+                                           .arg(tags.size()));
+    return tags.first().asked.range;
+}
+
 ExitCode runSeries(const CommonOptions& common, const SeriesOptions& options)
 {
     if (options.step == 0)  // which the driver takes as 1
@@ -95,8 +118,7 @@ ExitCode runSeries(const CommonOptions& common, const SeriesOptions& options)
                       QStringLiteral("invalid --step %1: use 1 or more, or -2 for 32-bit values")
                           .arg(options.step));
     const AddressServices services(common);
-    const RegisterRange first =
-        parseAddress(QString::fromStdString(options.address), services.catalogue);
+    const RegisterRange first = firstOf(QString::fromStdString(options.address), services);
     QVector<QString> texts;
     QVector<int> numbers;
     const int result = services.library.multiCopy(first.type.name, first.first, options.copies,
@@ -129,7 +151,10 @@ void addCheckCommand(CLI::App& app, const CommonOptions& common, Action& action)
     CLI::App* command =
         app.add_subcommand("check", "Print what addresses mean and where they lie on the wire");
     const auto addresses = std::make_shared<Addresses>();
-    command->add_option("address", *addresses, "Addresses, such as D100, X17 or M8000")->required();
+    command
+        ->add_option("address", *addresses,
+                     "Addresses, such as D100, X17 or M8000, or names of tags")
+        ->required();
     addExamples(*command, {"fxhost check D100 X17 M8000 2#TV5 CV200 D0-D9"});
     onRun(*command, action, [&common, addresses] { return runCheck(common, *addresses); });
 }
@@ -139,7 +164,8 @@ void addSeriesCommand(CLI::App& app, const CommonOptions& common, Action& action
     CLI::App* command =
         app.add_subcommand("series", "Print the addresses for copies of a screen object");
     const auto options = std::make_shared<SeriesOptions>();
-    command->add_option("address", options->address, "Address of the first copy")->required();
+    command->add_option("address", options->address, "Address of the first copy, or name of a tag")
+        ->required();
     command->add_option("-n,--count", options->copies, "Number of copies (default: 10)")
         ->type_name("N")
         ->check(within({1, mostCopies}));
