@@ -13,23 +13,27 @@
 
 #define nobody 2
 
-#ifdef RESTLESS  /* for traces, in which something always goes wrong */
+#ifndef LINE
+#define LINE 6  /* replies on it at most */
+#endif
+
+#ifdef RESTLESS  /* for traces: something always goes wrong */
+#define mostOwed 200
 #define inVain 3
 #else
+#ifndef mostOwed
+#define mostOwed 1
+#endif
 #define inVain 1
 #endif
 
 mtype = { nothing, data, refusal, damaged, cut, acknowledge };
 
 /* whose reply it is, its value, whether it is a second copy */
-chan line = [6] of { mtype, byte, bit, bit };
+chan line = [LINE] of { mtype, byte, bit, bit };
 
-bool answersEnq;  /* this PLC */
-bool calm;        /* from now on nothing goes wrong */
-bool taken, clean, atOnce, noise, heard, isSilent, early, bad, answered, everAnswered;
-mtype kind, first;
-byte wanted, lastWanted = nobody, name, tookName, length, unanswered, silences;
-bit value, copy, tookValue, lastValue;
+bool calm;  /* from now on nothing goes wrong */
+bool taken;
 
 #ifndef DROP
 #define DROP 0
@@ -43,6 +47,8 @@ bit value, copy, tookValue, lastValue;
 #define strayIsQuick 8     /* behind noise or a late copy, the PLC's own reply is not slow */
 #define slowHasEnd 16      /* where ENQ gets no ACK, a reply comes within two time-outs */
 
+#define ackOnce 65536 /* the ACK to ENQ has no second copy */
+
 /* Rules: */
 #define momentBefore 32    /* an early reply, or what comes in the moment before, does not count */
 #define waitForAnother 64  /* a reply that repeats the one before counts only if none follows */
@@ -54,9 +60,12 @@ bit value, copy, tookValue, lastValue;
 #define cleared 4096       /* and another time-out is waited */
 #define inFull 8192        /* also when something comes in it */
 #define earlyAsks 16384    /* an early reply is settled as a time-out is */
+#define acksAwaited 32768  /* while an ACK is owed only the same read goes out, and is confirmed */
+#define alsoBad 262144     /* also a NAK or a bad reply; and ENQ is sent anew for it */
+#define owedBefore 131072  /* also when it comes in the moment before a frame */
 
 /* The waits of the host, and when they may pass. */
-mtype = { moment, reply, with, rest, another, quiet, lateQuiet, enquiry, clearing };
+mtype = { moment, reply, with, rest, another, quiet, lateQuiet, enquiry, clearing, longEnquiry, outwait };
 
 #define isEmpty (len(line) == 0)
 #define noCopyDue (!holds(copyInTime) || !line?[_, _, _, 1])
@@ -68,20 +77,27 @@ mtype = { moment, reply, with, rest, another, quiet, lateQuiet, enquiry, clearin
 #define isGood isAck
 #define isSame true
 #define isClear isEmpty
+#define isRead false
 #else
 #define whole 20
 #define isAck (kind == acknowledge)
 #define isGood (kind == data)
 #define isSame (tookValue == lastValue)
 #define isClear (orderClears || isEmpty)
+#define isRead true
 #endif
+
+#define isRepeated (isRead && wanted == lastSent)
 
 #define mayPass(wait) (!(calm && !isEmpty) && ( \
     wait == moment || wait == rest || \
-    wait == another && (isEmpty || line?[_, _, _, 1] || !holds(strayIsQuick)) || \
-    wait == quiet && (isEmpty || !holds(strayIsQuick)) && noCopyDue || \
-    wait == clearing && (isClear || !holds(slowHasEnd) || heard && !holds(inFull)) && noCopyDue || \
-    (wait == reply || wait == lateQuiet || wait == enquiry) && noCopyDue))
+    wait == another && (unsure || !line??[_, _, _, 0] || !holds(strayIsQuick)) || \
+    wait == quiet && (isEmpty || unsure || !holds(strayIsQuick)) && noCopyDue || \
+    wait == clearing && (isClear || owed > 0 && holds(acksAwaited) || !holds(slowHasEnd)) && \
+        noCopyDue || \
+    (wait == longEnquiry || wait == outwait) && (isEmpty || !holds(slowHasEnd)) && noCopyDue || \
+    wait == enquiry && owed <= mostOwed && noCopyDue || \
+    (wait == reply || wait == lateQuiet) && noCopyDue))
 
 inline listen(wait)
 {
@@ -95,7 +111,12 @@ inline listen(wait)
     :: mayPass(wait) -> kind = nothing; name = nobody; value = 0; copy = 0
     fi;
     isSilent = isSilent && kind == nothing;
-    printf("> %e %e %d\n", wait, kind, value)
+    front = (front == nothing && !(isAck && (wait == enquiry || wait == outwait)) -> kind : front);
+    printf("> %e %e %d\n", wait, kind, value);
+    if
+    :: isAck && owed > 0 -> owed--; everAnswered = true
+    :: else
+    fi
 }
 
 /* The PLC, and what the line does to its replies. */
@@ -104,7 +125,7 @@ inline put(what, whose)
 {
     if
     :: line!what, whose, value, 0
-    :: !calm -> line!what, whose, value, 0; line!what, whose, value, 1
+    :: !calm && len(line) < LINE - 1 && (what != acknowledge || !holds(ackOnce)) -> line!what, whose, value, 0; line!what, whose, value, 1
     fi
 }
 
@@ -124,62 +145,109 @@ inline answerEnquiry()
 {
     value = 0;
     if
-    :: answersEnq -> put(acknowledge, nobody)
+    :: answersEnq -> copy = !isEmpty; line!acknowledge, nobody, 0, copy
     :: !answersEnq || !calm
     fi
 }
 
 /* The host. */
 
-inline drain(wait)
+inline drain(wait, goOn)  /* until the line is quiet */
 {
     heard = false;
+    listen(wait);
     do
-    :: listen(wait);
-       if
-       :: kind != nothing -> heard = true
-       :: else -> break
-       fi
+    :: kind != nothing -> heard = true; listen(goOn)
+    :: else -> break
     od
 }
 
-inline enquire()
+inline awaitAcks(wait)
 {
-    printf("> enquire\n");
-    answerEnquiry();
+    answered = false;
     do
-    :: listen(enquiry);
+    :: listen(wait);
        if
-       :: kind == nothing -> unanswered = (everAnswered || unanswered == inVain -> unanswered : unanswered + 1); break
-       :: isAck -> answered = true; everAnswered = true; unanswered = 0; break
+       :: kind == nothing -> break
+       :: isAck -> answered = true
+       :: else -> heard = true
+       fi;
+       if
+       :: owed == 0 -> break
        :: else
        fi
     od
 }
 
+inline enquire(wait)
+{
+    printf("> enquire\n");
+    answerEnquiry();
+    owed++;
+    awaitAcks(wait);
+    if
+    :: !answered && !everAnswered && unanswered < inVain -> unanswered++
+    :: else
+    fi
+}
+
+inline outwaitAcks()
+{
+    if
+    :: owed > 0 -> awaitAcks(outwait)
+    :: else
+    fi;
+    owed = 0
+}
+
 /* Some PLCs never answer ENQ; one that is silent may have been off. */
-#define worthAsking (everAnswered || silences == inVain || unanswered < inVain)
+#define worthAsking (everAnswered || unanswered < inVain)
 
 inline settleTimeout()
 {
     if
-    :: holds(drained) -> drain(lateQuiet)
+    :: holds(drained) -> drain(lateQuiet, lateQuiet)
     :: else
     fi;
     if
-    :: holds(enquired) && worthAsking -> enquire()
+    :: holds(enquired) && (worthAsking || silences == inVain) -> enquire(enquiry)
     :: else
     fi;
     if
-    :: holds(cleared) -> drain(clearing)
+    :: !worthAsking -> owed = 0
     :: else
+    fi;
+    if
+    :: holds(cleared) -> drain(clearing, (holds(inFull) -> clearing : lateQuiet))
+    :: else
+    fi
+}
+
+inline take()
+{
+    printf("> take %d\n", tookValue);
+    assert(tookName == wanted);
+    lastKind = data;
+    lastWanted = wanted;
+    lastValue = tookValue;
+    taken = true
+}
+
+inline confirm()
+{
+    heard = bad;
+    enquire(longEnquiry);
+    outwaitAcks();
+    if
+    :: heard
+    :: else -> take()
     fi
 }
 
 inline settleBad()
 {
     if
-    :: holds(drained) -> drain(quiet)
+    :: holds(drained) -> drain(quiet, quiet)
     :: else
     fi
 }
@@ -213,33 +281,40 @@ inline receive()
     od
 }
 
-inline take()
-{
-    printf("> take %d\n", tookValue);
-    assert(tookName == wanted);
-    lastWanted = wanted;
-    lastValue = tookValue;
-    taken = true;
-    clean = true
-}
+#define isStray (early && holds(earlyAsks) && (!bad || first == refusal))
+#define mustConfirm ((holds(alsoBad) && unsure || !holds(alsoBad) && owed > 0) && holds(acksAwaited))
 
 inline judge()
 {
     if
-    :: first == nothing || length < whole && first != refusal -> settleTimeout()
-    :: first != nothing && early && holds(earlyAsks) -> settleTimeout()
-    :: first == refusal && holds(alsoNak) -> settleBad()
-    :: first == refusal && !holds(alsoNak) -> clean = true
+    :: first == nothing || length < whole && first != refusal ->
+       settleTimeout();
+       if
+       :: front == refusal -> lastKind = nothing; lastWanted = wanted  /* an answer without bytes */
+       :: else
+       fi
+    :: first != nothing && isStray -> strayed = true; settleTimeout()
+    :: (first == refusal || length >= whole && bad) && !isStray && unsure && holds(alsoBad) -> confirm()
+    :: first == refusal && !isStray && !(unsure && holds(alsoBad)) ->
+       if
+       :: lastKind == refusal && holds(alsoNak) -> drain(another, quiet)
+       :: else
+       fi;
+       lastKind = refusal;
+       lastWanted = wanted
     :: else ->
        if
        :: bad -> settleBad()
-       :: !bad && (early || lastWanted != nobody && isSame &&
-                   (lastWanted != wanted || holds(alsoSame))) && holds(waitForAnother) ->
-          drain(another);
+       :: !bad && mustConfirm -> confirm()
+       :: !bad && !mustConfirm && lastKind == data && isSame && holds(waitForAnother) ->
           if
-          :: heard && holds(alsoOther) -> settleBad()
-          :: heard && !holds(alsoOther)
-          :: else -> take()
+          :: isRead && lastWanted == wanted -> waitsForOther = holds(alsoSame); take()
+          :: else ->
+             drain(another, (holds(alsoOther) -> quiet : another));
+             if
+             :: heard
+             :: else -> take()
+             fi
           fi
        :: else -> take()
        fi
@@ -248,33 +323,59 @@ inline judge()
 
 inline forget()  /* what the next exchange does not depend on */
 {
-    taken = false; noise = false; heard = false; early = false; answered = false; clean = false;
-    isSilent = false;
+    taken = false; owes = false; atOnce = false; noise = false; heard = false; early = false; answered = false;
+    isSilent = false; front = nothing;
     bad = false; kind = nothing; first = nothing; length = 0;
     name = nobody; tookName = nobody; value = 0; tookValue = 0; copy = 0
 }
 
 active proctype host()
 {
+    bool answersEnq;  /* this PLC */
+    bool unsure, owes, strayed, waitsForOther, atOnce, noise, heard, isSilent, early, bad, answered, everAnswered;
+    mtype kind, first, front, lastKind = nothing;
+    byte frames, wanted, lastWanted = nobody, name, tookName, length, unanswered, silences, owed, lastSent = nobody;
+    bit value, copy, tookValue, lastValue;
+
     if
     :: answersEnq = true
     :: answersEnq = false
     fi;
     do
-    :: if
+#ifdef FRAMES  /* a search that ends after so many */
+    :: frames == FRAMES -> break
+    :: frames < FRAMES ->
+       frames++;
+#else
+    ::
+#endif
+       if
        :: wanted = 0
        :: wanted = 1
        fi;
-#ifdef AT_ONCE
-       atOnce = clean;
-#endif
        forget();
+#ifndef RESTLESS
        if
-       :: !atOnce && holds(momentBefore) -> drain(moment)
+       :: !calm -> strayed = false
+       :: true
+       fi;
+#endif
+       atOnce = !strayed;
+       owes = owed > 0;
+       if
+       :: waitsForOther && !isRepeated -> waitsForOther = false; drain(another, quiet)
+       :: holds(momentBefore) && !(waitsForOther && !isRepeated) -> drain(moment, lateQuiet)
+       :: else
+       fi;
+       if
+       :: (owes && holds(owedBefore) || owed > 0) && holds(acksAwaited) && !isRepeated -> outwaitAcks(); drain(lateQuiet, lateQuiet)
        :: else
        fi;
        heard = false;
        isSilent = true;
+       front = nothing;
+       unsure = owed > 0;
+       lastSent = wanted;
        printf("> send %d\n", wanted);
        answerRequest();
        receive();
