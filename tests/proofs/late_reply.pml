@@ -24,7 +24,9 @@
 #ifndef mostOwed
 #define mostOwed 1
 #endif
+#ifndef inVain
 #define inVain 1
+#endif
 #endif
 
 mtype = { nothing, data, refusal, damaged, cut, acknowledge };
