@@ -186,17 +186,17 @@ inline enquire(wait)
     printf("> enquire\n");
     answerEnquiry();
     owed++;
-    awaitAcks(wait);
-    if
-    :: !answered && !everAnswered && unanswered < inVain -> unanswered++
-    :: else
-    fi
+    awaitAcks(wait)
 }
 
 inline outwaitAcks()
 {
     if
     :: owed > 0 -> awaitAcks(outwait)
+    :: else
+    fi;
+    if
+    :: owed > 0 && unanswered < inVain -> unanswered++
     :: else
     fi;
     owed = 0
@@ -283,20 +283,25 @@ inline receive()
     od
 }
 
-#define isStray (early && holds(earlyAsks) && (!bad || first == refusal))
+#define isStray (early && holds(earlyAsks))
 #define mustConfirm ((holds(alsoBad) && unsure || !holds(alsoBad) && owed > 0) && holds(acksAwaited))
 
 inline judge()
 {
     if
-    :: first == nothing || length < whole && first != refusal ->
+    :: first == nothing || length < whole && first != refusal && !isStray ->
        settleTimeout();
        if
        :: front == refusal -> lastKind = nothing; lastWanted = wanted  /* an answer without bytes */
        :: else
        fi
     :: first != nothing && isStray -> strayed = true; settleTimeout()
-    :: (first == refusal || length >= whole && bad) && !isStray && unsure && holds(alsoBad) -> confirm()
+    :: (first == refusal || length >= whole && bad) && !isStray && unsure && holds(alsoBad) ->
+       confirm();
+       if
+       :: first == refusal -> lastKind = refusal; lastWanted = wanted
+       :: else
+       fi
     :: first == refusal && !isStray && !(unsure && holds(alsoBad)) ->
        if
        :: lastKind == refusal && holds(alsoNak) -> drain(another, quiet)
