@@ -78,10 +78,11 @@ void ExchangeLoop::send(Exchange& exchange)
         exchange.verdict = isInterrupted() ? ReplyVerdict::Interrupted : ReplyVerdict::Babble;
         return;
     }
-    m_lastRequest = request;
     m_repeatsWhileOwed = repeatsRead && m_line.owesAcks();
     exchange.wasSent = m_line.send(request);
-    if (!exchange.wasSent)
+    if (exchange.wasSent)
+        m_lastRequest = request;
+    else
         exchange.verdict = ReplyVerdict::LinkLost;
 }
 

@@ -13,10 +13,12 @@ namespace fxtools {
 
 namespace {
 
-// A line is quiet when nothing has come for four usual response times, within these limits.
+// A line is quiet when nothing has come for four usual response times, within these limits, and for
+// two at least.
 constexpr int shortestQuietMs = 5;
 constexpr int longestQuietMs = 250;
 constexpr int quietResponses = 4;
+constexpr int leastQuietResponses = 2;
 
 constexpr int momentShare = 8;
 constexpr int longestMomentMs = 5;
@@ -211,8 +213,10 @@ int PlcLine::quietMs() const
     const qint64 typicalUs = m_timeout.typicalResponseUs();
     if (typicalUs == 0)
         return longestQuietMs;
-    const qint64 wantedMs = typicalUs / 1000 * quietResponses;
-    return static_cast<int>(std::clamp<qint64>(wantedMs, shortestQuietMs, longestQuietMs));
+    const qint64 responseMs = typicalUs / 1000;
+    const qint64 longestMs = std::max<qint64>(longestQuietMs, leastQuietResponses * responseMs);
+    const qint64 wantedMs = quietResponses * responseMs;
+    return static_cast<int>(std::clamp<qint64>(wantedMs, shortestQuietMs, longestMs));
 }
 
 }  // namespace fxtools
