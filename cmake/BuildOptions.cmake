@@ -13,7 +13,8 @@ if(FX_WARNINGS_AS_ERRORS)
 endif()
 
 add_library(fx_hardening INTERFACE)
-target_compile_options(fx_hardening INTERFACE -fstack-protector-strong)
+target_compile_options(fx_hardening INTERFACE -fstack-protector-strong -Wformat
+    -Werror=format-security)
 target_link_options(fx_hardening INTERFACE -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
 if(NOT FX_SANITIZE)
     # A sanitizer brings checks of its own, and symbols that only the program defines.
