@@ -89,6 +89,16 @@ TEST(ReadBack, IsThePlcsValueAndNotTheWrittenOne)
     EXPECT_EQ(bench.session.values(range("X0")), QVector<quint32>({0}));
 }
 
+// The PLC answers again while the driver would still repeat the write.
+TEST(ReadBack, IsNoRepetitionOfAWriteThatGotNoAnswer)
+{
+    Bench bench(badLine(0, "silence@1-3", fxsim::EnquiryMode::Ignored), SessionSettings{10, 32});
+    const WriteOutcome outcome = writeRegisters(bench.loop, range("D0"), {77});
+    ASSERT_EQ(outcome.problem, ReplyVerdict::Silence);
+    EXPECT_EQ(readBack(bench.loop, range("D0")), ReplyVerdict::Good);
+    EXPECT_EQ(bench.loop.statistics().of(ExchangeKind::Write).sent, 3);
+}
+
 namespace {
 
 std::string texts(const QVector<RegisterRange>& ranges)
