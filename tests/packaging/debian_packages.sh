@@ -118,6 +118,13 @@ for package in "${made[@]}"; do
     expect_field "$package" Maintainer "$FX_MAINTAINER"
 done
 
+if [ -e "$FX_BUILD/build.ninja" ]; then
+    "$FX_SOURCE/packaging/bill-of-materials" "$FX_BUILD" "${made[@]}" >"$work/bill.json" ||
+        fail "no bill of materials"
+    python3 "$FX_SOURCE/tests/packaging/bill_of_materials.py" "$work/bill.json" "${made[@]}" ||
+        fail "the bill of materials"
+fi
+
 if command -v lintian >/dev/null; then
     allowed=()
     # Only a tree that was configured for /usr has the folder of the architecture.
