@@ -4,7 +4,8 @@
 #
 # Makes the Debian packages, looks into them, installs them into an empty root beside the machine's,
 # runs what they bring, and removes them again. lintian must have nothing to say. A build without
-# the tools makes two of the three packages.
+# the tools makes two of the three packages. Packed again elsewhere, they are the same to the byte;
+# scripts/package --reproducible also compiles again for that.
 
 source "$(dirname "$0")/support.sh"
 
@@ -13,8 +14,13 @@ if ! command -v dpkg-deb >/dev/null || ! command -v dpkg-shlibdeps >/dev/null; t
     exit 77
 fi
 
-quietly "$FX_CPACK" --config "$FX_BUILD/CPackConfig.cmake" -G DEB -B "$work/packages"
 packages=$work/packages
+export SOURCE_DATE_EPOCH=1700000000
+quietly "$FX_CPACK" --config "$FX_BUILD/CPackConfig.cmake" -G DEB -B "$packages"
+quietly env TZ=Asia/Tokyo LC_ALL=C "$FX_CPACK" --config "$FX_BUILD/CPackConfig.cmake" -G DEB -B "$work/again"
+for package in "$packages"/*.deb; do
+    cmp "$package" "$work/again/${package##*/}" || fail "another package each time"
+done
 architecture=$(dpkg --print-architecture)
 runtime=$packages/libmitsubishi-fx1s0_${FX_VERSION}_$architecture.deb
 dev=$packages/libmitsubishi-fx1s-dev_${FX_VERSION}_$architecture.deb
@@ -145,6 +151,11 @@ as_root=()
 # What the packages depend on is the machine's: the new root has nothing.
 dpkg_there=("${as_root[@]}" dpkg --root="$root" --force-depends --log=/dev/null)
 quietly "${dpkg_there[@]}" --install "${made[@]}"
+
+if [ "$FX_BUILD_TYPE" = release ]; then  # else assertions tell their place
+    found=$(grep -rlF -- "$FX_SOURCE" "$root/usr" || true)
+    [ -z "$found" ] || fail "'$FX_SOURCE' stands in the installed $found"
+fi
 
 export PKG_CONFIG_PATH=$root/usr/$FX_LIBDIR/pkgconfig
 # shellcheck disable=SC2046  # flags are words
