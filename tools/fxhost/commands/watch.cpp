@@ -311,7 +311,7 @@ void addWatchCommand(CLI::App& app, const CommonOptions& common, Action& action)
     addAddressOptions(*command, options->addresses);
     addFormatOption(*command, options->style);
     addPollOptions(*command, options->poll);
-    addCountOption(*command, options->cycles, true);
+    addCountOption(*command, options->cycles);
     command->add_flag("-1,--once", options->once, "Stop after one cycle");
     command->add_flag("--log", options->log, "Print one line for each change, also on a terminal");
     addDeadbandOption(*command, options->deadband);
