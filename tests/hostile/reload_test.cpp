@@ -7,6 +7,7 @@
 
 #include "tests/support/loaded_library.h"
 #include "tests/support/record_text.h"
+#include "tests/support/times_shorter.h"
 
 #include <QMutex>
 
@@ -20,8 +21,8 @@
 
 namespace {
 
-constexpr int loads = 1000;
 constexpr int loadsToSettle = 100;
+constexpr int loads = loadsToSettle + 900 / timesShorter;
 constexpr std::size_t smallestBlock = 4 * sizeof(void*);  // of the heap
 
 // A process' pages would count an emulator's as well. Checkers have a heap of their own, which

@@ -13,7 +13,7 @@ namespace tool_tests {
 
 namespace {
 
-constexpr int patienceMs = 30000;  // of a loaded machine, under sanitizers
+constexpr int patienceMs = 120000;  // of a loaded machine, under sanitizers, in an emulator
 
 }  // namespace
 
