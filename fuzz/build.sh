@@ -24,7 +24,7 @@ CFLAGS=${CFLAGS-$instrument} CXXFLAGS=${CXXFLAGS-$instrument} \
     -DFX_FUZZING_ENGINE="${LIB_FUZZING_ENGINE:--fsanitize=fuzzer}" -DFX_FAST_BUILD=ON \
     -DCMAKE_BUILD_RPATH="\$ORIGIN/lib" -DCMAKE_BUILD_RPATH_USE_ORIGIN=ON
 
-targets="reply property address merge session line files texts"
+targets="reply property address merge session exchange line files texts"
 for target in $targets; do
     cmake --build "$work" --target "fuzz_$target"
     cp "$work/bin/fuzz_$target" "$out"
