@@ -40,7 +40,8 @@ void readTagsTwice(const QVector<Tag>& tags)
 {
     if (tags.isEmpty())
         return;
-    const TagFile again = readTagFile(fileOf(tagFileText(tags)), catalogue());
+    const TagFile again =
+        readAgain([&] { return readTagFile(fileOf(tagFileText(tags)), catalogue()); });
     require(again.errors() == 0 && again.tags.size() == tags.size(), "tags are lost in their file");
     for (int i = 0; i < tags.size(); ++i)
         require(differences(tags[i], again.tags[i]).join(',').toStdString());
@@ -63,7 +64,7 @@ void readImage(const QByteArray& content)
     fxsim::applyHex(content, image);
     require(image.size() == fxsim::addressableBytes, "an image of another size");
     QByteArray again(fxsim::addressableBytes, '\0');
-    fxsim::applyHex(fxsim::hexText(image), again);
+    readAgain([&] { fxsim::applyHex(fxsim::hexText(image), again); });
     require(again == image, "an image changes when it is saved");
 }
 

@@ -26,15 +26,46 @@ QByteArray framed(const QByteArray& content)
     return stx + content + etx + QByteArray::number(0x100 + sum % 0x100, 16).right(2).toUpper();
 }
 
-// One piece of what a host sends: a frame, or anything.
-QByteArray piece(Choices& choices)
+QByteArray digits(Choices& choices, int count)
+{
+    QByteArray text;
+    for (; count > 0; --count)
+        text += "0123456789ABCDEF"[choices.below(16)];
+    return text;
+}
+
+// A request as a host sends it: of any address, of a few bytes.
+QByteArray request(Choices& choices)
+{
+    const char command = choices.oneOf({'0', '1', '7', '8', '4', 'B'});
+    if (command > '1')
+        return command + digits(choices, choices.oneOf({4, 0}));
+    const int byteCount = choices.below(5);
+    return command + digits(choices, 4) + '0' + QByteArray::number(byteCount) +
+           digits(choices, command == '1' ? 2 * byteCount : 0);
+}
+
+QByteArray anything(Choices& choices)
 {
     QByteArray bytes;
-    const bool isFrame = choices.oneIn(2);
     for (int left = choices.below(24); left > 0; --left)
-        bytes += isFrame && !choices.oneIn(16) ? "0123456789ABCDEF"[choices.below(16)]
-                                               : static_cast<char>(choices.below(256));
-    return isFrame ? framed(bytes) : bytes;
+        bytes += static_cast<char>(choices.below(256));
+    return bytes;
+}
+
+// One piece of what a host sends.
+QByteArray piece(Choices& choices)
+{
+    switch (choices.below(4)) {
+    case 0:
+        return anything(choices);
+    case 1:
+        return framed(anything(choices));
+    case 2:
+        return QByteArray(1, '\x05');  // ENQ
+    default:
+        return framed(request(choices));
+    }
 }
 
 void judge(QByteArray replies)

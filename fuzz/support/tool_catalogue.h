@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// The register types as the tools know them, from the library beside or above the target's folder.
+// For targets that run what reads texts and files: the register types as the tools know them, from
+// the library beside or above the target's folder, and reading what was written.
 
 #ifndef FUZZ_SUPPORT_TOOL_CATALOGUE_H
 #define FUZZ_SUPPORT_TOOL_CATALOGUE_H
@@ -10,6 +11,8 @@
 #include "tools/library/registers.h"
 
 #include <QCoreApplication>
+
+#include <exception>
 
 inline const fxtools::RegisterCatalogue& catalogue()
 {
@@ -23,6 +26,18 @@ inline const fxtools::RegisterCatalogue& catalogue()
         return instance;
     } catch (const fxtools::Failure& failure) {
         require(failure.what());
+        std::abort();
+    }
+}
+
+// What was written by the program itself must be readable.
+template <typename Read>
+auto readAgain(const Read& read)
+{
+    try {
+        return read();
+    } catch (const std::exception& error) {
+        require("cannot be read again: " + std::string(error.what()));
         std::abort();
     }
 }
