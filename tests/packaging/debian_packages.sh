@@ -108,6 +108,7 @@ END
 ./usr/share/doc/fx-tools/docs/doctor.svg
 ./usr/share/doc/fx-tools/docs/plan.svg
 ./usr/share/doc/fx-tools/docs/polling.md
+./usr/share/doc/fx-tools/docs/serve.md
 ./usr/share/doc/fx-tools/docs/simulator.svg
 ./usr/share/doc/fx-tools/docs/tags.md
 ./usr/share/doc/fx-tools/docs/watch.svg
