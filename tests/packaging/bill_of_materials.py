@@ -20,10 +20,10 @@ BESIDE = {"http://cyclonedx.org/schema/spdx.schema.json": {"enum": ["MIT"]},
           "http://cyclonedx.org/schema/jsf-0.82.schema.json": False}
 
 
-def names_of_dependencies(package):
+def libraries_needed(package):
     text = subprocess.run(["dpkg-deb", "-f", package, "Depends"], check=True, text=True,
                           stdout=subprocess.PIPE).stdout
-    return {re.match(r"[\w.+-]+", part.strip())[0] for part in text.split(",")}
+    return set(re.findall(r"(?:^|, )(lib[\w.+-]+)", text))
 
 
 bill = json.loads(pathlib.Path(sys.argv[1]).read_text(encoding="utf-8"))
@@ -51,6 +51,7 @@ for package in sys.argv[2:]:
     files = components[name].get("components", [])
     assert bool(files) == (not name.endswith("-dev")), files
     if files:
-        assert used(files, "linked") == names_of_dependencies(package) - ours, used(files, "linked")
+        assert used(files, "linked") == libraries_needed(package) - ours, used(files, "linked")
         assert any(dev.startswith("qt") for dev in used(files, "compiled in")), name
-    assert ("libcli11-dev" in used(files, "compiled in")) == (name == "fx-tools"), name
+    if name == "fx-tools":
+        assert "libcli11-dev" in used(files, "compiled in"), name  # headers alone
