@@ -48,11 +48,15 @@ struct RawLimits
     double highest;
 };
 
-RawLimits rawLimits(const Tag& tag)
+int bitsOf(const Tag& tag)
 {
     const RegisterRange& range = tag.asked.range;
-    const int bits =
-        tag.asked.isGroup ? range.count : bitsPerByte * range.type.valueBytes() * range.count;
+    return tag.asked.isGroup ? range.count : bitsPerByte * range.type.valueBytes() * range.count;
+}
+
+RawLimits rawLimits(const Tag& tag)
+{
+    const int bits = bitsOf(tag);
     const ValueFormat format = tag.style.format;
     if (format == ValueFormat::Float)
         return {-double(std::numeric_limits<float>::max()), std::numeric_limits<float>::max()};
@@ -82,12 +86,38 @@ QString withUnit(const Tag& tag, double value)
     throw Failure(ExitCode::Usage, quoted(tag.name + '=' + value) + ' ' + reason);
 }
 
+// The value is what the text says, or what it is rounded to.
 void requireWithinLimits(const Tag& tag, const QString& text, double value)
 {
+    bool isDecimal = false;
+    const bool isRounded = text.toDouble(&isDecimal) != value && isDecimal;
+    const QString is =
+        isRounded ? "becomes " + withUnit(tag, value) + ", which is " : QStringLiteral("is ");
     if (tag.min && value < *tag.min)
-        rejectValue(tag, text, "is below the minimum of " + withUnit(tag, *tag.min));
+        rejectValue(tag, text, is + "below the minimum of " + withUnit(tag, *tag.min));
     if (tag.max && value > *tag.max)
-        rejectValue(tag, text, "is above the maximum of " + withUnit(tag, *tag.max));
+        rejectValue(tag, text, is + "above the maximum of " + withUnit(tag, *tag.max));
+}
+
+// Of what the registers of a tag do not hold.
+QString mistakeOf(const Tag& tag)
+{
+    const RegisterRange& range = tag.asked.range;
+    if (tag.isOneBit())
+        return QStringLiteral("is not a bit; use 0, 1, on or off");
+    if (tag.style.format == ValueFormat::Text)
+        return QStringLiteral("does not fit: up to %1 characters, each of one byte")
+            .arg(range.type.valueBytes() * range.count);
+    if (tag.style.format == ValueFormat::Float)
+        return QStringLiteral("is not a number; use for example 71.5");
+    const RawLimits limits = rawLimits(tag);
+    const bool isNumber = tag.isNumber();
+    const auto digits = [&](double raw) {
+        return isNumber ? QString::number(raw, 'f', 0)
+                        : numberValue(static_cast<quint32>(raw), bitsOf(tag), tag.style.format)
+                              .toString();
+    };
+    return "is not a number from " + digits(limits.lowest) + " to " + digits(limits.highest);
 }
 
 double rawFor(const Tag& tag, const QString& text, double value)
@@ -124,6 +154,17 @@ QString rawText(const Tag& tag, const QString& text)
     if (raw != std::floor(raw))
         rejectValue(tag, text, QStringLiteral("is not a whole number"));
     return QString::number(raw, 'f', 0);
+}
+
+// What goes round the tag, such as another width, is no advice for it.
+Assignment assignmentOfRaw(const Tag& tag, const QString& text, const QString& raw,
+                           const RegisterCatalogue& catalogue)
+{
+    try {
+        return assignmentOf(takeApart(tag.asked.text()), raw, catalogue, tag.style);
+    } catch (const Failure&) {
+        rejectValue(tag, text, mistakeOf(tag));
+    }
 }
 
 }  // namespace
@@ -185,8 +226,10 @@ Assignment assignmentOf(const Tag& tag, const QString& value, const RegisterCata
     const QString text = tag.style.format == ValueFormat::Text ? value : value.trimmed();
     if (tag.isReadOnly())
         rejectValue(tag, text, QStringLiteral("is not written: the tag is read-only"));
-    Assignment assignment =
-        assignmentOf(takeApart(tag.asked.text()), rawText(tag, text), catalogue, tag.style);
+    const RegisterType& type = tag.asked.range.type;
+    if (!type.writable)
+        rejectValue(tag, text, "is not written: " + type.name + " registers are read-only");
+    Assignment assignment = assignmentOfRaw(tag, text, rawText(tag, text), catalogue);
     const QJsonValue written = tag.valueOf(tag.rawOf(assignment.valuesOver({0})));
     if (tag.isNumber() && written.isDouble())
         requireWithinLimits(tag, text, written.toDouble());

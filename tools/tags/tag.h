@@ -6,7 +6,7 @@
 //
 //   value = raw * scale + offset          raw = (value - offset) / scale
 //
-// A value to write is rounded to the nearest raw value, halves away from zero. A plain address is a
+// What is written is the nearest raw value, halves of it away from zero. A plain address is a
 // tag without a name.
 
 #pragma once

@@ -131,10 +131,21 @@ TEST(Tags, KeepTheirLimitsAlsoAfterRounding)
     tag.max = 71.56;
     tag.unit = QStringLiteral("°C");
     EXPECT_EQ(written(tag, "71.54"), "715");
-    EXPECT_EQ(written(tag, "71.56"), "'t=71.56' is above the maximum of 71.56 °C");
+    EXPECT_EQ(written(tag, "71.56"),
+              "'t=71.56' becomes 71.6 °C, which is above the maximum of 71.56 °C");
     EXPECT_EQ(written(tag, "72"), "'t=72' is above the maximum of 71.56 °C");
     EXPECT_EQ(written(tag, "-5.01"), "'t=-5.01' is below the minimum of -5 °C");
+    tag.unit.clear();
+    tag.min = 11;
+    tag.max = 100;
+    tag.scale = 7;
+    tag.offset = 3;
+    EXPECT_EQ(written(tag, "98"), "'t=98' becomes 101, which is above the maximum of 100");
+    EXPECT_EQ(written(tag, "11"), "'t=11' becomes 10, which is below the minimum of 11");
+    tag.max = 71.56;
+    tag.unit = QStringLiteral("°C");
     tag.scale = 1;
+    tag.offset = 0;
     EXPECT_EQ(written(tag, "0x100"), "'t=0x100' is above the maximum of 71.56 °C");
     tag.access = TagAccess::ReadOnly;
     EXPECT_EQ(written(tag, "1"), "'t=1' is not written: the tag is read-only");
@@ -158,9 +169,28 @@ TEST(Tags, MayBeTextsAndBits)
     EXPECT_EQ(written(tagAt("D0:2", 1, 0, ValueFormat::Text), "a,1"), "11361 49");
     EXPECT_EQ(shown(tagAt("D0:2", 1, 0, ValueFormat::Text), {11361, 49}), "a,1");
     EXPECT_EQ(written(tagAt("D0.5"), "on"), "1");
-    EXPECT_EQ(written(tagAt("M0"), "2"), "value '2' is not a bit; use 0, 1, on or off");
+    EXPECT_EQ(written(tagAt("M0"), "2"), "'t=2' is not a bit; use 0, 1, on or off");
     EXPECT_EQ(written(tagAt("D0", 1, 0, ValueFormat::Hex), "1F"), "31");
-    EXPECT_EQ(written(tagAt("X0"), "1"), "'X0=1': X registers are read-only");
+    EXPECT_EQ(written(tagAt("X0"), "1"), "'t=1' is not written: X registers are read-only");
+}
+
+// Advice such as "use D0:2" would write the neighbour of the tag.
+TEST(Tags, SayWhatTheirOwnRegistersHold)
+{
+    EXPECT_EQ(written(tagAt("D0", 1, 0, ValueFormat::Hex), "70000"),
+              "'t=70000' is not a number from 0x0000 to 0xFFFF");
+    EXPECT_EQ(written(tagAt("D0", 1, 0, ValueFormat::Hex), "7.5"),
+              "'t=7.5' is not a number from 0x0000 to 0xFFFF");
+    EXPECT_EQ(written(tagAt("K1M0", 1, 0, ValueFormat::Binary), "10000"),
+              "'t=10000' is not a number from 0b0000 to 0b1111");
+    EXPECT_EQ(written(tagAt("D0"), "0x1FFFF"), "'t=0x1FFFF' is not a number from -32768 to 32767");
+    EXPECT_EQ(written(tagAt("D0", 1, 0, ValueFormat::Bcd), "1,2"),
+              "'t=1,2' is not a number from 0 to 9999");
+    EXPECT_EQ(written(tagAt("D0:2", 1, 0, ValueFormat::Float), "x"),
+              "'t=x' is not a number; use for example 71.5");
+    EXPECT_EQ(written(tagAt("D0:2", 1, 0, ValueFormat::Text), "abcde"),
+              "'t=abcde' does not fit: up to 4 characters, each of one byte");
+    EXPECT_EQ(written(tagAt("D0.5"), "x"), "'t=x' is not a bit; use 0, 1, on or off");
 }
 
 TEST(ShortestDecimal, IsWithinTheTolerance)
