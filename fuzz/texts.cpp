@@ -7,12 +7,13 @@
 //  - what is asked for or assigned lies in the range of its type; each register has a value.
 
 #include "fuzz/support/tool_catalogue.h"
+#include "tools/fxhost/serving/serve_protocol.h"
 #include "tools/fxsim/control/control.h"
 #include "tools/fxsim/faults/faults.h"
 #include "tools/fxsim/plc/error.h"
 #include "tools/fxsim/plc/number_text.h"
 #include "tools/library/assignments.h"
-#include "tools/link/link_settings.h"
+#include "tools/tags/tag_file.h"
 
 using namespace fxtools;
 
@@ -83,6 +84,35 @@ void command(const QString& text)
             "an answer that is neither good nor an error");
 }
 
+const QVector<Tag>& tags()
+{
+    static const TagFile file = tagsIn({{{1, {}, {"name", "address", "type", "scale"}},
+                                         {2, {}, {"word", "D0", "", "0.1"}},
+                                         {3, {}, {"bit", "M0", "", ""}},
+                                         {4, {}, {"float", "D2", "float", ""}},
+                                         {5, {}, {"text", "D10:4", "text", ""}}}},
+                                       catalogue());
+    require(file.errors() == 0 && file.tags.size() == 4, "not the tags that were meant");
+    return file.tags;
+}
+
+void readOrder(const QString& text)
+{
+    const ServeOrder order = parseOrder(text.toUtf8());
+    if (order.kind != ServeOrder::Kind::Write)
+        return;
+    for (const Tag& tag : tags()) {
+        try {
+            const Assignment write = assignmentOf(tag, writtenText(tag, order.value), catalogue());
+            requireInRange(write.asked.range);
+            require(write.values.size() == write.asked.range.count,
+                    "not a value for each register");
+        } catch (const Failure& failure) {
+            require(!failure.text().isEmpty(), "an error without a text");
+        }
+    }
+}
+
 void readAs(int kind, const QString& text)
 {
     switch (kind) {
@@ -101,6 +131,9 @@ void readAs(int kind, const QString& text)
     case 4:
         command(text);
         break;
+    case 5:
+        readOrder(text);
+        break;
     default:
         fxsim::parseRanges(text);
         fxsim::parseMirrors(text);
@@ -115,7 +148,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t byteCount)
         return 0;
     std::string answer = "read";
     try {
-        readAs(bytes[0] % 6, QString::fromUtf8(reinterpret_cast<const char*>(bytes) + 1,
+        readAs(bytes[0] % 7, QString::fromUtf8(reinterpret_cast<const char*>(bytes) + 1,
                                                static_cast<int>(byteCount) - 1));
     } catch (const Failure& failure) {
         answer = failure.what();
