@@ -213,6 +213,29 @@ TEST(LinkKeepers, NoticeWithinAboutASecondThatALinkIsBack)
     }
 }
 
+TEST(LinkKeepers, BeginWithShortPausesAgainOnceThePlcHasAnswered)
+{
+    PulledCable cable;
+    LinkKeeper keeper(cable, std::nullopt);
+    keeper.waitWithoutEnd();
+    keeper.onState = [](const QString&) {};
+    QVector<qint64> pausesMs;
+    keeper.sleeps = [&](qint64 timeMs) {
+        pausesMs += timeMs;
+        cable.nowMs += timeMs;
+        return true;
+    };
+    const auto firstPauseMs = [&](qint64 awayMs, qint64 answers) {
+        pausesMs.clear();
+        cable.pluggedInMs = cable.nowMs + awayMs;
+        keeper.reopen(answers);
+        return pausesMs.first();
+    };
+    EXPECT_LT(firstPauseMs(60000, 7), 150);
+    EXPECT_GE(firstPauseMs(1, 7), 350);
+    EXPECT_LT(firstPauseMs(1, 8), 150);
+}
+
 TEST(LinkKeepers, GiveUpAtAnInterrupt)
 {
     PulledCable cable;

@@ -138,6 +138,15 @@ TEST(Session, PowerCycleForgetsTheMemoryAndIsSilentForItsTime)
     EXPECT_EQ(bench.plc.statistics().ignoredCharacters, readD100.size());
 }
 
+TEST(Session, PowerCycleForgetsTheFrameThatHadBegun)
+{
+    Bench bench;
+    EXPECT_EQ(bench.answer(readD100.left(4)), "");
+    bench.plc.powerCycle(0, bench.nowUs);
+    EXPECT_EQ(bench.answer(readD100.mid(4)), "");
+    EXPECT_EQ(bench.answer(readD100), zerosOfD100);
+}
+
 TEST(Session, PowerCycleRestoresTheImageAndStartsTheProgramAnew)
 {
     Bench bench({}, std::make_unique<SampleProgram>());
@@ -192,6 +201,18 @@ TEST(Session, SpecialRegistersShowARunningPlc)
     EXPECT_EQ(bench.answer(frame("00E1A0E", "8F")), frame("00003B0017001F000C0063000500", "98"))
         << "31 December 1999, 23:59:00, a Friday";
     EXPECT_EQ(bench.answer(readWords), frame("C80062660800", "7A")) << "200, 26210, 8";
+}
+
+TEST(Session, ClockRelaysBeginWithThePower)
+{
+    Settings settings;
+    settings.model = &findModel("fx1s");
+    Bench bench(settings);
+    bench.plc.powerCycle(300, 7000 * msUs);
+    bench.plc.refresh(7799 * msUs);
+    EXPECT_FALSE(bench.plc.memory().bit(0x01E1, 5)) << "M8013, a second";
+    bench.plc.refresh(7800 * msUs);
+    EXPECT_TRUE(bench.plc.memory().bit(0x01E1, 5));
 }
 
 TEST(Session, SwitchRunStopTurnsM8000AndEndsTheProgram)
