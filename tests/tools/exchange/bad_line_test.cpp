@@ -113,6 +113,17 @@ TEST_F(TalkingLine, IsNamedThoughItTalksWithoutAPause)
     EXPECT_EQ(loop.step()->verdict, ReplyVerdict::Babble);
 }
 
+TEST_F(TalkingLine, IsToldOnceWithWhatWasHeard)
+{
+    QByteArrayList told;
+    loop.onBabble = [&told](const QByteArray& heard) { told += heard; };
+    session.setPlan({range("D0")});
+    for (int step = 0; step < 3; ++step)
+        EXPECT_EQ(loop.step()->verdict, ReplyVerdict::Babble);
+    ASSERT_EQ(told.size(), 1);
+    EXPECT_TRUE(told[0].contains("  12.5 kg"));
+}
+
 TEST_F(TalkingLine, IsKnownToACheckWithinSeconds)
 {
     const LineCheck check = greetPlc(loop, catalogue());

@@ -23,13 +23,14 @@ protected:
     {
         bench.emplace(settings, SessionSettings{1, 32});
         bench->line.memory().setValue(addressOfD8001, 2, 26134);
-        bench->line.memory().setByte(addressOfM8000, 0x21);
+        bench->line.memory().setByte(addressOfM8000, relays);
         LineCheck check = greetPlc(bench->loop, catalogue());
         measureLine(bench->loop, catalogue(), check, [](int, int) {});
         return check;
     }
 
     std::optional<Bench> bench;
+    quint8 relays = 0x21;  // M8000 to M8007
 };
 
 }  // namespace
@@ -52,6 +53,16 @@ TEST_F(CheckedLine, ThatIsGoodHasItsFigures)
     EXPECT_TRUE(found.plc->isRunning);
     EXPECT_FALSE(found.plc->hasError);
     EXPECT_TRUE(found.plc->hasLowBattery);
+}
+
+TEST_F(CheckedLine, ShowsThatThePlcHasStoppedWithAnError)
+{
+    relays = 0x10;
+    const std::optional<PlcState> plc = check(badLine(9600, "")).plc;
+    ASSERT_TRUE(plc);
+    EXPECT_FALSE(plc->isRunning);
+    EXPECT_TRUE(plc->hasError);
+    EXPECT_FALSE(plc->hasLowBattery);
 }
 
 TEST_F(CheckedLine, FindsTheLargestBlockThatWorks)

@@ -121,6 +121,20 @@ TEST(PlanCycle, GoesOnWithTheBlockInFlight)
     EXPECT_EQ(framesFrom(0, bench.line.sent()), "100004 100804 100804 010001 100004");
 }
 
+TEST(PlanCycle, BeginsANewPlanWithItsFirstBlock)
+{
+    Bench bench(badLine(0, "link-drop@2"));
+    PlanCycle plan(bench.loop, apart);
+    plan.plan(threeRanges);
+    plan.poll();
+    bench.line.open();
+    bench.loop.step();  // the frame in flight
+    plan.plan(threeRanges);
+    bench.line.forgetSent();
+    EXPECT_TRUE(plan.poll().allGood());
+    EXPECT_EQ(framesFrom(0, bench.line.sent()), "100004 100804 010001");
+}
+
 TEST(PlanCycle, AsksThePlannerAgainWhenItKnowsTheLine)
 {
     Bench bench;

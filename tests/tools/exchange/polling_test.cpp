@@ -148,14 +148,17 @@ TEST_F(RoundsOfExchanges, OfAOneOffReadDoNotMindTheirNeighbours)
 TEST_F(RoundsOfExchanges, OfAOneOffReadDoNotMindOneThatIsInFlight)
 {
     for (const char* const faults : {"wrong-sum@1", "wrong-sum@1-2"}) {
-        plan({"D0"});
-        bench.session.queueRead(range("D600"));
-        bench.refuseD(100, 100);
-        bench.line.setFaults(faults);
-        bench.loop.step();
-        EXPECT_EQ(readOnce(bench.loop, range("D100")), ReplyVerdict::Refused) << faults;
-        bench.line.refuseNothing();
-        EXPECT_EQ(readOnce(bench.loop, range("D100")), ReplyVerdict::Good) << faults;
+        for (const char* const other : {"D600", "TV100"}) {
+            plan({"D0"});
+            bench.session.queueRead(range(other));
+            bench.refuseD(100, 100);
+            bench.line.setFaults(faults);
+            bench.loop.step();
+            EXPECT_EQ(readOnce(bench.loop, range("D100")), ReplyVerdict::Refused)
+                << faults << other;
+            bench.line.refuseNothing();
+            EXPECT_EQ(readOnce(bench.loop, range("D100")), ReplyVerdict::Good) << faults << other;
+        }
     }
 }
 

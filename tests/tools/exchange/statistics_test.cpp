@@ -21,6 +21,7 @@ Exchange exchangeOf(ExchangeKind kind, DriverAnswer answer, ReplyVerdict verdict
     exchange.wasSent = true;
     exchange.reply = "12345678";
     exchange.responseUs = 1000;
+    exchange.tookUs = 1500;
     return exchange;
 }
 
@@ -87,6 +88,7 @@ TEST(Statistics, CountBytesThatWereOfNoUseAndTheTimesOfGoodAnswersOnly)
     EXPECT_EQ(statistics.bytesThrownAway, 8 + 3);
     EXPECT_EQ(statistics.responses.total(), 1);
     EXPECT_EQ(statistics.responses.largestUs(), 1000);
+    EXPECT_EQ(statistics.acceptedUs, 1500);
 }
 
 TEST(Kinds, HaveTheirNames)
