@@ -139,6 +139,8 @@ TEST(TagCheck, RemarksOnWhatIsHardlyMeant)
               "line 2, column address: a shares registers with b, line 3\n"
               "line 6, column address: e shares registers with d, line 5");
     EXPECT_EQ(remarks("a,D1\nb,D1.0\nc,D1.1\nd,K4M0\ne,M3\nf,D8000\n"), "");
+    EXPECT_EQ(remarks("a,D0,long\nb,D1.0\n"),
+              "line 3, column address: b shares registers with a, line 2");
     EXPECT_EQ(remarks("a,D1.0\nb,D1.0\nc,D8000\nd,SD8000,,,,ro\n"),
               "line 3, column address: b shares registers with a, line 2\n"
               "line 5, column address: d shares registers with c, line 4");

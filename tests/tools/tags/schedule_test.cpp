@@ -196,6 +196,15 @@ TEST(Schedule, MakesUpForAnExchangeButNotForAPause)
     EXPECT_LE(line.readings("D0") - before, 12);
 }
 
+TEST(Schedule, WaitsForItsPeriodAgainAfterAPause)
+{
+    Line line({every(1000, "D0")});
+    line.pause(10 * second);
+    line.read();
+    line.read();  // makes up for one
+    EXPECT_GT(line.schedule().nextUs(), line.nowUs());
+}
+
 TEST(Schedule, ReadsOnTheWayWhatIsNotDueYet)
 {
     Line line({every(100, "D0"), every(5000, "D2"), every(100, "D4"), every(5000, "D6")});
@@ -245,6 +254,13 @@ TEST(Schedule, TakesTheShortestOfSeveralPeriods)
         text +=
             std::to_string(period.wantedUs) + period.registers.first().text().toStdString() + ' ';
     EXPECT_EQ(text, "200000D1:2 0D0 ");
+}
+
+TEST(Schedule, ReadsTheSameRegistersOfEachStation)
+{
+    Line line({every(100, "D0"), every(100, "2#D0"), every(100, "D1")});
+    EXPECT_EQ(line.read(), "D0:2");
+    EXPECT_EQ(line.read(), "2#D0");
 }
 
 TEST(Schedule, KeepsTogetherWhatIsOneValue)
