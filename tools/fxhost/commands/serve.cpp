@@ -133,7 +133,8 @@ Server::Server(const CommonOptions& common, const ServeOptions& options)
       m_tags(m_asked, m_settings.session.wordsPerFrame, {})
 {
     m_clock.start();
-    std::signal(SIGPIPE, SIG_IGN);  // a supervisor that is gone is noticed by the write
+    // A supervisor that is gone is noticed when something is written.
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     m_settings.loop.isInterrupted = [this] { return tick(); };
     m_settings.onLinkState = [this](const QString& text) { noteLinkState(text); };
 }
@@ -295,11 +296,11 @@ void Server::noteExchange(const Exchange& exchange)
     const RegisterRange block = requestRange(m_connection->catalogue(), exchange.frame);
     if (exchange.hasFailed())
         m_tags.noteFailure(block);
-    else if (exchange.answer == DriverAnswer::Accepted)
-        m_tags.noteRead(
-            block,
-            [this](const RegisterRange& range) { return m_connection->session().values(range); },
-            now());
+    if (exchange.answer != DriverAnswer::Accepted)
+        return;
+    m_tags.noteRead(
+        block, [this](const RegisterRange& range) { return m_connection->session().values(range); },
+        now());
 }
 
 void Server::noteLinkState(const QString& text)
