@@ -210,7 +210,22 @@ TEST(Completion, OffersValues)
               QStringList("boiler.temperature"));
     EXPECT_EQ(completed("fxhost --config plcs.toml check boiler.t"),
               QStringList("boiler.temperature"));
+    EXPECT_EQ(completed("fxhost tags import --from s"), QStringList("scada"));
     EXPECT_EQ(completed("fxhost tags check tag"), QStringList("tags.csv"));
+}
+
+// What a shell would run in a name is not offered, and not run on the way.
+TEST(Completion, RunsNothingThatStandsInAFile)
+{
+    const QTemporaryDir folder;
+    const QString command = "$(touch " + folder.filePath("ran") + ')';
+    const QString file =
+        newFile(folder, "evil.csv", ("name,address\nrm" + command + ",D1\npump,M1\n").toUtf8());
+    EXPECT_EQ(completed("fxhost --tags " + file + " read "), QStringList("pump"));
+    const QString plcs =
+        newFile(folder, "evil.toml", ("[plc." + command + "]\n[plc.press]\n").toUtf8());
+    EXPECT_EQ(completed("fxhost --config " + plcs + " --plc "), QStringList("press"));
+    EXPECT_FALSE(QFile::exists(folder.filePath("ran")));
 }
 
 TEST(Help, ManualKnowsNoOptionThatIsNotThere)
