@@ -298,6 +298,10 @@ bool Poller::isStopped() const
 
 void Poller::note(const RegisterRange& range, ReplyVerdict verdict)
 {
+    if (range.together > 1) {
+        m_problems.insert(range.text(), verdict);  // a part of it may be good
+        return;
+    }
     for (int index = 0; index < range.count; ++index)
         m_problems.insert(range.identity(index), verdict);
     for (const RegisterRange& value : qAsConst(m_wide)) {

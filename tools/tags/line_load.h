@@ -19,7 +19,8 @@ struct PeriodLoad
     QVector<RegisterRange> registers = {};
     qint64 expectedUs = 0;  // the period that the line can keep
 
-    bool isLate() const { return wantedUs > 0 && expectedUs > wantedUs; }
+    // By more than a hundredth.
+    bool isLate() const { return wantedUs > 0 && expectedUs - wantedUs > wantedUs / 100; }
 };
 
 struct LineLoad

@@ -29,6 +29,13 @@ bool isSameKind(const RegisterRange& one, const RegisterRange& other)
     return one.type.name == other.type.name && one.station == other.station;
 }
 
+// From the first register of one to the last of the other.
+RegisterRange fromTo(const RegisterRange& one, const RegisterRange& other)
+{
+    const int end = std::max(one.first + one.count, other.first + other.count);
+    return one.part(0, end - one.first);
+}
+
 bool continues(const RegisterRange& range, const RegisterRange& next)
 {
     return isSameKind(next, range) && next.first == range.first + range.count &&
@@ -74,13 +81,16 @@ void Schedule::addValues(const PeriodicRange& wanted)
     }
 }
 
+// A value that cannot be read as a whole leaves those that are parts of it.
 void Schedule::setUnreadable(const QVector<RegisterRange>& unreadable)
 {
     m_unreadable = unreadable;
     for (Value& value : m_values) {
         value.isReadable = std::none_of(
-            unreadable.begin(), unreadable.end(),
-            [&value](const RegisterRange& range) { return overlap(value.registers, range); });
+            unreadable.begin(), unreadable.end(), [&value](const RegisterRange& range) {
+                return range.together > 1 ? isInside(range, value.registers)
+                                          : overlap(range, value.registers);
+            });
     }
     setLine(m_line);
 }
@@ -125,17 +135,19 @@ QVector<RegisterRange> Schedule::rangesOf(const IsChosen& isChosen) const
     return ranges;
 }
 
-// The shortest plan for sorted ranges, parted where unreadable registers lie between them.
+// The shortest plan for sorted ranges, parted where a block over two of them would touch unreadable
+// registers. These may be a value of which a part alone can be read.
 QVector<PlannedBlock> Schedule::planOf(const QVector<RegisterRange>& due) const
 {
     QVector<PlannedBlock> plan;
     QVector<RegisterRange> unparted;
     for (const RegisterRange& range : due) {
-        const bool isParted = std::any_of(
-            m_unreadable.begin(), m_unreadable.end(), [&](const RegisterRange& unreadable) {
-                return !unparted.isEmpty() && isSameKind(unreadable, range) &&
-                       unreadable.first > unparted.last().first && unreadable.first < range.first;
-            });
+        const bool isParted =
+            !unparted.isEmpty() && isSameKind(unparted.last(), range) &&
+            std::any_of(m_unreadable.begin(), m_unreadable.end(),
+                        [joint = fromTo(unparted.last(), range)](const RegisterRange& unreadable) {
+                            return overlap(unreadable, joint);
+                        });
         if (isParted) {
             plan += shortestPlan(unparted, m_wordsPerFrame, m_line);
             unparted.clear();

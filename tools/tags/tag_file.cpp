@@ -207,8 +207,7 @@ void fitRegisters(Tag& tag)
         reject(tag.asked.text(), QStringLiteral("is a text of more than %1 registers, the most in "
                                                 "one frame")
                                      .arg(mostTextWords));
-    if (!tag.asked.isGroup)
-        tag.asked.range.together = each;
+    tag.asked.range.together = each;
 }
 
 // Reads the rows of a file one after the other.

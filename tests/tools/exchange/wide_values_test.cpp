@@ -125,6 +125,21 @@ TEST_F(WideValues, KeepTheirProblemUntilAllIsReadAgain)
     EXPECT_TRUE(isWhole(poller, pair));
 }
 
+// The PLC refuses the text, but not the word with which it begins.
+TEST_F(WideValues, ThatAreRefusedLeaveTheirPartsReadable)
+{
+    bench.refuseD(3, 3);
+    const RegisterRange text = wide("D0:4", 4);
+    Poller poller(bench.loop, catalogue(), {range("D0"), text, range("D4")});
+    for (int cycle = 0; cycle < 3; ++cycle) {
+        poller.poll();
+        EXPECT_FALSE(poller.problemOf(range("D0"), 0)) << "in cycle " << cycle;
+        EXPECT_FALSE(poller.problemOf(range("D4"), 0)) << "in cycle " << cycle;
+        EXPECT_EQ(poller.problemOf(text, 0), ReplyVerdict::Refused) << "in cycle " << cycle;
+        EXPECT_GE(poller.values(range("D0"))[0] + 10, poller.values(range("D4"))[0]);
+    }
+}
+
 TEST_F(WideValues, TooLongForOneReplyAreAnError)
 {
     const auto mistakeIn = [this](const RegisterRange& value) {

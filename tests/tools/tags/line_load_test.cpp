@@ -50,10 +50,20 @@ TEST_P(LoadOfALine, IsShared)
     std::vector<qint64> expectedUs;
     for (const PeriodLoad& period : load.periods) {
         expectedUs.push_back(period.expectedUs);
-        EXPECT_EQ(period.isLate(), period.wantedUs > 0 && period.expectedUs > period.wantedUs);
+        EXPECT_GE(period.expectedUs, period.wantedUs);
     }
     EXPECT_EQ(expectedUs, GetParam().expectedUs);
 }
 
 INSTANTIATE_TEST_SUITE_P(Of, LoadOfALine, testing::ValuesIn(rows),
                          [](const auto& row) { return std::string(row.param.name); });
+
+TEST(PeriodLoad, IsLateByMoreThanAHundredth)
+{
+    const auto isLate = [](qint64 wantedUs, qint64 expectedUs) {
+        return PeriodLoad{wantedUs, 0, {}, expectedUs}.isLate();
+    };
+    EXPECT_FALSE(isLate(20000, 20200));
+    EXPECT_TRUE(isLate(20000, 20201));
+    EXPECT_FALSE(isLate(0, 20201));
+}

@@ -239,6 +239,18 @@ TEST(Schedule, ReadsNoBlockOverUnreadableRegisters)
     EXPECT_EQ(line.read(), "D4:4");
 }
 
+TEST(Schedule, ReadsAPartOfAnUnreadableValueByItself)
+{
+    PeriodicRange text = every(100, "D0:4");
+    text.registers.together = 4;
+    Line line({every(100, "D0"), text, every(100, "D4")});
+    EXPECT_EQ(line.read(), "D0 D0:4 D4");
+    line.schedule().setUnreadable({text.registers});
+    EXPECT_EQ(line.read(), "D0");
+    EXPECT_EQ(line.read(), "D4");
+    EXPECT_EQ(line.read(), "D0");
+}
+
 TEST(Schedule, ReadsPastWhatIsUnreadableElsewhere)
 {
     Line line({every(100, "D1"), every(100, "D3"), every(100, "D5")});
