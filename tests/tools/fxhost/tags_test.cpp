@@ -136,6 +136,8 @@ TEST_F(NamedTags, AreNotWrittenBeyondTheirLimits)
               "fxhost: 'boiler.setpoint=9.99' is below the minimum of 10 °C\n");
     EXPECT_EQ(errorOf({"write", "D5=7", "boiler.temperature=50"}),
               "fxhost: 'boiler.temperature=50' is not written: the tag is read-only\n");
+    EXPECT_EQ(errorOf({"write", "D5=7", "other=5"}),
+              "fxhost: other is a tag of the PLC press2; use --plc press2 to write it\n");
     EXPECT_EQ(plc.command("peek D5").toStdString(), "D5: 0\n");
 }
 

@@ -160,7 +160,11 @@ TagWrite parseWrite(const QString& text, const AddressServices& services, ValueS
     const QVector<Tag> tags = tagsNamed(name, services);
     if (tags.first().name != name)
         throw Failure(ExitCode::Usage, quoted(name) + " is a pattern; write one tag at a time");
-    return {assignmentOf(tags.first(), text.section('=', 1), services.catalogue), tags.first()};
+    const Tag& tag = tags.first();
+    if (!tag.link.isEmpty() && services.source.plc.isEmpty())
+        throw Failure(ExitCode::Usage, name + " is a tag of the PLC " + tag.link + "; use --plc " +
+                                           tag.link + " to write it");
+    return {assignmentOf(tag, text.section('=', 1), services.catalogue), tag};
 }
 
 }  // namespace fxtools

@@ -18,6 +18,8 @@ namespace fxtools {
 
 namespace {
 
+constexpr int mostSavings = 500;
+
 struct PlanOptions
 {
     AddressOptions addresses;
@@ -107,12 +109,15 @@ private:
         return milliseconds(costOf(shortestPlan(due, m_words, line), line), line);
     }
 
-    // The largest ones first; none where only one address was asked for.
+    // The largest ones first; none where only one address was asked for, or too many, because each
+    // takes a plan of its own.
     QVector<PlanSaving> savings(const LineCost& line) const
     {
         const double all = cycleMs(m_asked, line);
         QVector<PlanSaving> savings;
-        for (int index = 0; m_asked.size() > 1 && index < m_asked.size(); ++index) {
+        if (m_asked.size() < 2 || m_asked.size() > mostSavings)
+            return savings;
+        for (int index = 0; index < m_asked.size(); ++index) {
             QVector<RegisterRange> others = m_asked;
             others.removeAt(index);
             savings.append({m_asked[index].text(), all - cycleMs(others, line)});

@@ -88,9 +88,12 @@ QString summary(const PlanReport& report)
     const QString blocks = counted(report.shortest.blocks.size(), "block");
     if (report.areAlike())
         return "  The driver's own plan is the shortest one: " + blocks + '.';
-    return QStringLiteral("  The driver's own plan has %1, the shortest %2: %3 % less time.")
+    const bool isLonger = shortest > given;
+    return QStringLiteral("  The driver's own plan has %1, the shortest %2: %3 % %4.")
         .arg(counted(report.given.blocks.size(), "block"), blocks,
-             QString::number(std::round(100 * (1 - shortest / given))));
+             QString::number(std::round(100 * std::abs(1 - shortest / given))),
+             QLatin1String(isLonger ? "more time, because it reads at most 64 bytes at once"
+                                    : "less time"));
 }
 
 }  // namespace
