@@ -16,7 +16,9 @@ namespace fxtools {
 namespace {
 
 constexpr int mostNameCharacters = 64;
-const QRegularExpression notInNames(QStringLiteral("[\\s\\p{C},;='\"*?\\[\\]#]+"));
+// Nothing that separates names, makes them patterns, or means something to a shell.
+const QRegularExpression notInNames(QStringLiteral("[\\s\\p{C},;='\"*?\\[\\]#$`()&|<>\\\\!{}~]+"));
+const QRegularExpression controls(QStringLiteral("[\\p{Cc}\\p{Cf}]"));
 const QString bitType = QStringLiteral("bit");  // only says what the address says
 constexpr int mostTextWords = 32;               // what one frame brings
 constexpr int longestPeriodMs = 86400000;
@@ -210,6 +212,12 @@ void fitRegisters(Tag& tag)
     tag.asked.range.together = each;
 }
 
+// Without what would control the screen.
+QString shownTitle(const QString& title)
+{
+    return title.contains(controls) ? quoted(title) : title;
+}
+
 // Reads the rows of a file one after the other.
 class Reader
 {
@@ -247,7 +255,8 @@ Reader::Reader(const CsvRow& titles, QChar separator, const RegisterCatalogue& c
         if (isKnown && m_titles.contains(title.toLower()))
             fail(title, QStringLiteral("appears twice"));
         else if (!isKnown && !title.isEmpty())
-            warn(title, "unknown column " + quoted(title) + " is ignored; known: " + knownTitles());
+            warn(shownTitle(title),
+                 "unknown column " + quoted(title) + " is ignored; known: " + knownTitles());
         m_titles += title.toLower();
     }
     for (const char* const needed : {"name", "address"}) {
@@ -298,13 +307,16 @@ void Reader::checkFields(const CsvRow& row)
     for (int column = 0; column < row.fields.size(); ++column) {
         const QString& text = row.fields[column];
         if (text.contains(QChar::ReplacementCharacter))
-            fail(m_titles.value(column), quoted(text) + " is not UTF-8; save the file as UTF-8");
+            fail(shownTitle(m_titles.value(column)),
+                 quoted(text) + " is not UTF-8; save the file as UTF-8");
+        else if (text.contains(controls))
+            fail(shownTitle(m_titles.value(column)), quoted(text) + " has a control character");
         if (column >= m_titles.size() && !text.isEmpty())
             fail({}, QStringLiteral("%1 is one field too many; put text that contains %2 in quotes")
                          .arg(quoted(text), QString(m_separator)));
     }
     if (row.isOpen)
-        fail(m_titles.value(row.fields.size() - 1),
+        fail(shownTitle(m_titles.value(row.fields.size() - 1)),
              quoted(row.fields.last()) + " has an opening quote, but no closing one");
 }
 

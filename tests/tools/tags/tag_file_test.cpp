@@ -189,6 +189,38 @@ TEST_F(TagFiles, NameWhatIsWrongInEachColumn)
     }
 }
 
+// A name is typed in a shell, and shown on a screen.
+TEST_F(TagFiles, NameTagsWithHarmlessCharactersOnly)
+{
+    const QByteArray harmless = "%+-./0123456789:@ABCDEFGHIJKLMNOPQRSTUVWXYZ^_"
+                                "abcdefghijklmnopqrstuvwxyz";
+    for (int code = 0; code < 0x80; ++code) {
+        const QChar character(code);
+        const bool isHarmless = harmless.contains(static_cast<char>(code));
+        const QString mistake = nameMistake(QString("a%1b").arg(character), catalogue());
+        EXPECT_EQ(mistake.isEmpty(), isHarmless) << code;
+        EXPECT_EQ(asName(QString("a%1b").arg(character)) == QString("a%1b").arg(character),
+                  isHarmless)
+            << code;
+    }
+    EXPECT_FALSE(nameMistake("-a", catalogue()).isEmpty());
+    EXPECT_FALSE(nameMistake(QString("a\u202Eb"), catalogue()).isEmpty());
+}
+
+TEST_F(TagFiles, HoldNothingThatControlsTheScreen)
+{
+    EXPECT_EQ(
+        remarksOf("name,address,unit,description,\x1b[2J\na,D0,\x1b[1m,\xE2\x80\xAEtxt\n"
+                  "b,D1,,tab\there,\x7f\n"),
+        "line 1, column '?[2J': unknown column '?[2J' is ignored; known: name, address, type, "
+        "scale, offset, unit, deadband, period_ms, access, min, max, alarm_low, alarm_high, "
+        "link, description\n"
+        "line 2, column unit: '?[1m' has a control character\n"
+        "line 2, column description: '?txt' has a control character\n"
+        "line 3, column description: 'tab?here' has a control character\n"
+        "line 3, column '?[2j': '?' has a control character");
+}
+
 TEST_F(TagFiles, NeedARowOfTitles)
 {
     EXPECT_EQ(remarksOf("boiler,D100\n"),
