@@ -182,33 +182,42 @@ QString knownTitles()
     return titles.join(QStringLiteral(", "));
 }
 
-// Makes a value of the registers; throws Failure if the type and the address do not go together.
-void fitRegisters(Tag& tag)
+// Makes a value of the registers; throws Failure if the type and the address, as the file has it,
+// do not go together.
+void fitRegisters(Tag& tag, const QString& address)
 {
     const RegisterType& type = tag.asked.range.type;
     const bool isWord = type.width == RegisterWidth::Word && !tag.asked.bit;
     const ValueFormat format = tag.style.format;
     if (tag.isOneBit() && format != ValueFormat::Signed)
-        reject(tag.asked.text(), QStringLiteral("is a bit; leave its type empty"));
+        reject(address, QStringLiteral("is a bit; leave its type empty"));
     const bool needsWords =
         tag.style.swap || format == ValueFormat::Float || format == ValueFormat::Text;
     if (needsWords && !isWord)
-        reject(tag.asked.text(),
-               "is not a 16-bit register, which type " + typeText(tag.style) + " needs");
+        reject(address, "is not a 16-bit register, which type " + typeText(tag.style) + " needs");
     if (!isWord && format == ValueFormat::Long)
         tag.style.format = ValueFormat::Signed;  // of all its bits anyway
     else if (!isWord && format == ValueFormat::ULong)
         tag.style.format = ValueFormat::Unsigned;
     widen(tag.asked, tag.style);
     const int each = registersPerValue(tag.asked, tag.style);
-    if (tag.asked.range.count != each)
-        reject(tag.asked.text(), QStringLiteral("is %1 registers, but a value of its type takes %2")
-                                     .arg(tag.asked.range.count)
-                                     .arg(each));
+    const int named = tag.asked.range.count;
+    if (named != each && !tag.asked.isCounted)
+        reject(
+            address,
+            QStringLiteral("has no register after it, but a value of its type takes %1").arg(each));
+    if (named < each)
+        reject(address,
+               QStringLiteral("names %1 of the %2 registers that a value of its type takes")
+                   .arg(named)
+                   .arg(each));
+    if (named > each)
+        reject(address, QStringLiteral("names %1 registers, but a value of its type takes %2")
+                            .arg(named)
+                            .arg(each));
     if (each > mostTextWords && !tag.asked.isGroup)
-        reject(tag.asked.text(), QStringLiteral("is a text of more than %1 registers, the most in "
-                                                "one frame")
-                                     .arg(mostTextWords));
+        reject(address, QStringLiteral("is a text of more than %1 registers, the most in one frame")
+                            .arg(mostTextWords));
     tag.asked.range.together = each;
 }
 
@@ -293,7 +302,10 @@ void Reader::read(const CsvRow& row)
     takeFields(row.fields, tag);
     if (!tag.name.isEmpty() && m_lineOf.contains(tag.name))
         fail(QStringLiteral("name"),
-             QStringLiteral("%1 is already in line %2").arg(tag.name).arg(m_lineOf[tag.name]));
+             QStringLiteral("%1 is already in line %2; list a tag of several PLCs once, without "
+                            "a link")
+                 .arg(tag.name)
+                 .arg(m_lineOf[tag.name]));
     else
         m_lineOf.insert(tag.name, row.line);
     if (m_file.errors() == errorsBefore)
@@ -317,7 +329,8 @@ void Reader::checkFields(const CsvRow& row)
     }
     if (row.isOpen)
         fail(shownTitle(m_titles.value(row.fields.size() - 1)),
-             quoted(row.fields.last()) + " has an opening quote, but no closing one");
+             quoted(row.fields.last()) +
+                 " has an opening quote, but no closing one in its line; write it in one line");
 }
 
 void Reader::takeFields(const QStringList& fields, Tag& tag)
@@ -338,7 +351,7 @@ void Reader::takeFields(const QStringList& fields, Tag& tag)
 void Reader::checkWhole(const QStringList& fields, Tag& tag)
 {
     try {
-        fitRegisters(tag);
+        fitRegisters(tag, field(fields, "address"));
     } catch (const Failure& failure) {
         fail(QStringLiteral("address"), failure.text());
         return;
@@ -363,6 +376,17 @@ void Reader::checkOrder(const QStringList& titles, const std::optional<double>& 
     if (low && high && *low > *high)
         fail(titles[0], QStringLiteral("%1 %2 is above %3 %4")
                             .arg(titles[0], numberText(*low), titles[1], numberText(*high)));
+}
+
+// A text in quotes that goes on in the next lines is one mistake, not one in each of them.
+int rowAfter(const CsvFile& csv, int row)
+{
+    const QRegularExpression ownQuote("(^|" + QString(csv.separator) + ")\\s*\"[^\"]*$");
+    for (int last = row + 1; csv.rows[row].isOpen && last < csv.rows.size(); ++last) {
+        if (csv.rows[last].isOpen)
+            return csv.rows[last].text.contains(ownQuote) ? row + 1 : last + 1;
+    }
+    return row + 1;
 }
 
 }  // namespace
@@ -421,8 +445,8 @@ TagFile tagsIn(const CsvFile& csv, const RegisterCatalogue& catalogue)
 {
     Reader reader(csv.rows.first(), csv.separator, catalogue);
     const bool hasTitles = reader.file().errors() == 0;
-    for (const CsvRow& row : hasTitles ? csv.rows.mid(1) : QVector<CsvRow>())
-        reader.read(row);
+    for (int row = 1; hasTitles && row < csv.rows.size(); row = rowAfter(csv, row))
+        reader.read(csv.rows[row]);
     return reader.file();
 }
 

@@ -118,30 +118,33 @@ TEST_F(TagFiles, NeedTwoColumnsInAnyOrder)
 
 TEST_F(TagFiles, HaveAllTheirMistakesToldAtOnce)
 {
-    EXPECT_EQ(remarksOf("name,address,colour,scale\n"
-                        "a,D0,red,x\n"
-                        "a b,D99999,,0\n"
-                        "a,D1\n"
-                        ",,,\n"
-                        "M5,D2\n"
-                        "c,D3,,1,more\n"
-                        "d,\"D4\n"
-                        "\xB0,D5\n"),
-              "line 1, column colour: unknown column 'colour' is ignored; known: name, address, "
-              "type, scale, offset, unit, deadband, period_ms, access, min, max, alarm_low, "
-              "alarm_high, link, description\n"
-              "line 2, column scale: 'x' is not a number; use for example 0.1\n"
-              "line 3, column name: 'a b' is not a name; use letters, digits, dots, - and _\n"
-              "line 3, column address: 'D99999' is out of range: D0 to D7999 or D8000 to D8255\n"
-              "line 3, column scale: '0' makes every value the same; use for example 0.1\n"
-              "line 4, column name: a is already in line 2\n"
-              "line 5, column name: '' is not a name; use letters, digits, dots, - and _\n"
-              "line 5, column address: '' is not an address; use for example D100, X17, D100:32 or "
-              "D0-D9\n"
-              "line 6, column name: 'M5' is an address, so it cannot be a name\n"
-              "line 7: 'more' is one field too many; put text that contains , in quotes\n"
-              "line 8, column address: 'D4' has an opening quote, but no closing one\n"
-              "line 9, column name: '\xEF\xBF\xBD' is not UTF-8; save the file as UTF-8");
+    EXPECT_EQ(
+        remarksOf("name,address,colour,scale\n"
+                  "a,D0,red,x\n"
+                  "a b,D99999,,0\n"
+                  "a,D1\n"
+                  ",,,\n"
+                  "M5,D2\n"
+                  "c,D3,,1,more\n"
+                  "d,\"D4\n"
+                  "\xB0,D5\n"),
+        "line 1, column colour: unknown column 'colour' is ignored; known: name, address, "
+        "type, scale, offset, unit, deadband, period_ms, access, min, max, alarm_low, "
+        "alarm_high, link, description\n"
+        "line 2, column scale: 'x' is not a number; use for example 0.1\n"
+        "line 3, column name: 'a b' is not a name; use letters, digits, dots, - and _\n"
+        "line 3, column address: 'D99999' is out of range: D0 to D7999 or D8000 to D8255\n"
+        "line 3, column scale: '0' makes every value the same; use for example 0.1\n"
+        "line 4, column name: a is already in line 2; list a tag of several PLCs once, without "
+        "a link\n"
+        "line 5, column name: '' is not a name; use letters, digits, dots, - and _\n"
+        "line 5, column address: '' is not an address; use for example D100, X17, D100:32 or "
+        "D0-D9\n"
+        "line 6, column name: 'M5' is an address, so it cannot be a name\n"
+        "line 7: 'more' is one field too many; put text that contains , in quotes\n"
+        "line 8, column address: 'D4' has an opening quote, but no closing one in its line; "
+        "write it in one line\n"
+        "line 9, column name: '\xEF\xBF\xBD' is not UTF-8; save the file as UTF-8");
 }
 
 TEST_F(TagFiles, NameWhatIsWrongInEachColumn)
@@ -166,8 +169,15 @@ TEST_F(TagFiles, NameWhatIsWrongInEachColumn)
         {"type", "32CV200,float",
          "address: '32CV200' is not a 16-bit register, which type float "
          "needs"},
-        {"type", "D0:2,", "address: 'D0:2' is 2 registers, but a value of its type takes 1"},
-        {"type", "D0:4,long", "address: 'D0:4' is 4 registers, but a value of its type takes 2"},
+        {"type", "D0:2,", "address: 'D0:2' names 2 registers, but a value of its type takes 1"},
+        {"type", "d16-D17,",
+         "address: 'd16-D17' names 2 registers, but a value of its type takes 1"},
+        {"type", "D0:1,long",
+         "address: 'D0:1' names 1 of the 2 registers that a value of its type takes"},
+        {"type", "D7999,long",
+         "address: 'D7999' has no register after it, but a value of its type takes 2"},
+        {"type", "D8255,float",
+         "address: 'D8255' has no register after it, but a value of its type takes 2"},
         {"type", "D0:33,text",
          "address: 'D0:33' is a text of more than 32 registers, the most "
          "in one frame"},
@@ -187,6 +197,19 @@ TEST_F(TagFiles, NameWhatIsWrongInEachColumn)
         EXPECT_EQ(remarksOf(QByteArray("name,address,") + row.columns + "\nt," + row.fields + '\n'),
                   std::string("line 2, column ") + row.says);
     }
+}
+
+TEST_F(TagFiles, HaveOneMistakeForATextOverSeveralLines)
+{
+    const std::string mistake =
+        " has an opening quote, but no closing one in its line; write it in one line";
+    EXPECT_EQ(remarksOf("name,address,description\na,D0,\"left\nmiddle\nright\"\nb,x\n"),
+              "line 2, column description: 'left'" + mistake +
+                  "\nline 5, column address: 'x' is not an address; use for example D100, X17, "
+                  "D100:32 or D0-D9");
+    EXPECT_EQ(remarksOf("name,address,description\na,D0,\"left\nb,D1,\"right\nc,D2\n"),
+              "line 2, column description: 'left'" + mistake +
+                  "\nline 3, column description: 'right'" + mistake);
 }
 
 // A name is typed in a shell, and shown on a screen.
