@@ -42,19 +42,13 @@ int decimalsOf(const Tag& tag)
                       mostDecimals);
 }
 
-struct RawLimits
-{
-    double lowest;
-    double highest;
-};
-
 int bitsOf(const Tag& tag)
 {
     const RegisterRange& range = tag.asked.range;
     return tag.asked.isGroup ? range.count : bitsPerByte * range.type.valueBytes() * range.count;
 }
 
-RawLimits rawLimits(const Tag& tag)
+ValueSpan rawLimits(const Tag& tag)
 {
     const int bits = bitsOf(tag);
     const ValueFormat format = tag.style.format;
@@ -65,14 +59,13 @@ RawLimits rawLimits(const Tag& tag)
     const bool isSigned = (format == ValueFormat::Signed || format == ValueFormat::Long) &&
                           (bits == 16 || bits == 32);
     const double values = std::exp2(bits);
-    return isSigned ? RawLimits{-values / 2, values / 2 - 1} : RawLimits{0, values - 1};
+    return isSigned ? ValueSpan{-values / 2, values / 2 - 1} : ValueSpan{0, values - 1};
 }
 
 double largestValue(const Tag& tag)
 {
-    const RawLimits raw = rawLimits(tag);
-    return std::max(std::abs(raw.lowest * tag.scale + tag.offset),
-                    std::abs(raw.highest * tag.scale + tag.offset));
+    const ValueSpan span = tag.span();
+    return std::max(std::abs(span.lowest), std::abs(span.highest));
 }
 
 QString withUnit(const Tag& tag, double value)
@@ -110,7 +103,7 @@ QString mistakeOf(const Tag& tag)
             .arg(range.type.valueBytes() * range.count);
     if (tag.style.format == ValueFormat::Float)
         return QStringLiteral("is not a number; use for example 71.5");
-    const RawLimits limits = rawLimits(tag);
+    const ValueSpan limits = rawLimits(tag);
     const bool isNumber = tag.isNumber();
     const auto digits = [&](double raw) {
         return isNumber ? QString::number(raw, 'f', 0)
@@ -125,13 +118,12 @@ double rawFor(const Tag& tag, const QString& text, double value)
     double raw = tag.isScaled() ? (value - tag.offset) / tag.scale : value;
     if (tag.isScaled() && tag.style.format != ValueFormat::Float)
         raw = std::round(roundedTo(raw, digitsOfRaw));
-    const RawLimits limits = rawLimits(tag);
+    const ValueSpan limits = rawLimits(tag);
     if (raw < limits.lowest || raw > limits.highest) {
-        const auto ends = std::minmax(
-            {limits.lowest * tag.scale + tag.offset, limits.highest * tag.scale + tag.offset});
+        const ValueSpan span = tag.span();
         rejectValue(tag, text,
-                    "does not fit: " + withUnit(tag, ends.first) + " to " +
-                        withUnit(tag, ends.second));
+                    "does not fit: " + withUnit(tag, span.lowest) + " to " +
+                        withUnit(tag, span.highest));
     }
     return raw;
 }
@@ -198,6 +190,26 @@ QJsonValue Tag::valueOf(const QJsonValue& raw) const
 bool Tag::isFinite() const
 {
     return std::isfinite(largestValue(*this));
+}
+
+ValueSpan Tag::span() const
+{
+    const ValueSpan raw = rawLimits(*this);
+    const auto ends = std::minmax({raw.lowest * scale + offset, raw.highest * scale + offset});
+    return {roundedTo(ends.first, digitsOfRaw), roundedTo(ends.second, digitsOfRaw)};
+}
+
+// Only floating-point numbers have values between those of whole raw values.
+bool Tag::hasWritable() const
+{
+    const ValueSpan all = span();
+    const double low = std::max(min.value_or(all.lowest), all.lowest);
+    const double high = std::min(max.value_or(all.highest), all.highest);
+    if (low > high || style.format == ValueFormat::Float)
+        return low <= high;
+    const auto raw = std::minmax({(low - offset) / scale, (high - offset) / scale});
+    return std::ceil(roundedTo(raw.first, digitsOfRaw)) <=
+           std::floor(roundedTo(raw.second, digitsOfRaw));
 }
 
 // The errors of both products and of the decimals together stay below half a raw value.

@@ -22,6 +22,12 @@ enum class TagAccess
     ReadWrite,
 };
 
+struct ValueSpan
+{
+    double lowest;
+    double highest;
+};
+
 struct Tag
 {
     QString name;
@@ -50,7 +56,9 @@ struct Tag
 
     // Whether every value, as it is shown, is written as the raw value that it was made of.
     bool isExact() const;
-    bool isFinite() const;  // every value
+    bool isFinite() const;     // every value
+    ValueSpan span() const;    // of all values that the registers hold
+    bool hasWritable() const;  // whether any value is within the limits
 };
 
 // What to write for a value as people write it. Throws Failure if the tag may not be written, or

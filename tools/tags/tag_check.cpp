@@ -17,6 +17,8 @@ public:
     explicit Checker(const RegisterCatalogue& catalogue) : m_catalogue(catalogue) {}
 
     void checkAlone(const Tag& tag);
+    void checkLimits(const Tag& tag, bool isWritten);
+    void checkSpan(const Tag& tag, const char* column, const std::optional<double>& limit);
     void checkOverlaps(QVector<Tag> tags);
     QVector<TagRemark> remarks();
 
@@ -39,10 +41,34 @@ void Checker::checkAlone(const Tag& tag)
         warn(tag, "address", "is not written without --force: " + alias->text());
     if (!isWritten && (tag.min || tag.max))
         warn(tag, tag.min ? "min" : "max", QStringLiteral("is read-only, so it needs no limits"));
+    if (tag.isNumber())
+        checkLimits(tag, isWritten);
     if (isWritten && tag.isNumber() && !tag.isExact())
         warn(tag, "scale",
              QStringLiteral("cannot be written back exactly: values that are shown "
                             "may change when they are written"));
+}
+
+void Checker::checkLimits(const Tag& tag, bool isWritten)
+{
+    if (isWritten && tag.hasWritable()) {
+        checkSpan(tag, "min", tag.min);
+        checkSpan(tag, "max", tag.max);
+    } else if (isWritten) {
+        warn(tag, tag.min ? "min" : "max",
+             QStringLiteral("has no value between its limits, so nothing can be written"));
+    }
+    checkSpan(tag, "alarm_low", tag.alarmLow);
+    checkSpan(tag, "alarm_high", tag.alarmHigh);
+}
+
+void Checker::checkSpan(const Tag& tag, const char* column, const std::optional<double>& limit)
+{
+    const ValueSpan span = tag.span();
+    if (limit && (*limit < span.lowest || *limit > span.highest))
+        warn(tag, column,
+             QStringLiteral("has a limit of %1, but its values go from %2 to %3")
+                 .arg(numberText(*limit), numberText(span.lowest), numberText(span.highest)));
 }
 
 // Bits and the word that they are in are often both tags, as are relays and their group.

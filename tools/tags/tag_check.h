@@ -10,7 +10,7 @@
 namespace fxtools {
 
 // Registers that two tags share, writes that would hit others, scaling that loses values, limits of
-// what is never written.
+// what is never written or that no value has.
 QVector<TagRemark> checkTags(const QVector<Tag>& tags, const RegisterCatalogue& catalogue);
 
 }  // namespace fxtools

@@ -54,6 +54,13 @@ QVector<Tag> tagsOf(const QByteArray& content)
     return readTags(file.fileName(), catalogue());
 }
 
+std::string remarksOn(const char* rows)
+{
+    return textOf(checkTags(
+        tagsOf(QByteArray("name,address,type,scale,min,max,alarm_low,alarm_high\n") + rows),
+        catalogue()));
+}
+
 }  // namespace
 
 TEST(ForeignTags, FromAScadaListAreScaledAndLimited)
@@ -154,4 +161,25 @@ TEST(TagCheck, RemarksOnWhatIsHardlyMeant)
               "change when they are written\n"
               "line 3, column scale: b cannot be written back exactly: values that are shown may "
               "change when they are written");
+}
+
+TEST(TagCheck, RemarksOnLimitsThatNoValueHas)
+{
+    EXPECT_EQ(
+        remarksOn("a,D0,unsigned,,-5,-1,,\nb,D1,,,0.5,0.6,,\nc,D2,,7,8,13,,\nd,D3,,,,-40000,,\n"),
+        "line 2, column min: a has no value between its limits, so nothing can be written\n"
+        "line 3, column min: b has no value between its limits, so nothing can be written\n"
+        "line 4, column min: c has no value between its limits, so nothing can be written\n"
+        "line 5, column max: d has no value between its limits, so nothing can be written");
+    EXPECT_EQ(
+        remarksOn("a,D0,unsigned,,-5,70000,,\nb,D1,bcd,0.1,,,-0.1,1000\n"),
+        "line 2, column min: a has a limit of -5, but its values go from 0 to 65535\n"
+        "line 2, column max: a has a limit of 70000, but its values go from 0 to 65535\n"
+        "line 3, column alarm_low: b has a limit of -0.1, but its values go from 0 to 999.9\n"
+        "line 3, column alarm_high: b has a limit of 1000, but its values go from 0 to 999.9");
+    EXPECT_EQ(
+        remarksOn("a,D0,,,-32768,32767,-32768,32767\nb,D1,,0.1,0.3,0.3,,\nc,D2,,-0.1,0.7,0.7,,\n"
+                  "d,D3,,3,-6,-6,,\n"),
+        "");
+    EXPECT_EQ(remarksOn("a,D0:2,float,,0.5,0.5,,\n"), "");
 }
