@@ -58,6 +58,21 @@ QString fromToText(const RegisterRange& range)
     return range.nameOf(0) + " … " + range.nameOf(range.count - 1);
 }
 
+void requireOneReply(const RegisterRange& value, int wordsPerFrame)
+{
+    const int size = value.type.isBit() ? bitsPerByte : 1;  // what can be read alone
+    const int read = ((value.first + value.count - 1) / size - value.first / size + 1) * size;
+    const int most =
+        value.type.mostInFrame(std::min(wordsPerFrame, SessionSettings().wordsPerFrame));
+    if (read > most) {
+        throw Failure(ExitCode::Usage,
+                      QStringLiteral("%1 is one value, and one reply brings at most %2 of its "
+                                     "registers; read it in parts")
+                          .arg(value.text())
+                          .arg(most));
+    }
+}
+
 QVector<FRAME_PRO> planOf(DriverSession& session, const QVector<RegisterRange>& ranges)
 {
     session.fitFrames(ranges);

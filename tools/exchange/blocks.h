@@ -24,6 +24,9 @@ bool isInside(const RegisterRange& inner, const RegisterRange& outer);
 bool overlap(const RegisterRange& one, const RegisterRange& other);
 QString fromToText(const RegisterRange& range);  // "D100 … D131"
 
+// Throws Failure if one reply cannot bring all registers of a value.
+void requireOneReply(const RegisterRange& value, int wordsPerFrame);
+
 // The plan for `ranges`, block by block, without a link: every frame is taken from the driver and
 // fails at once. Replaces the session's plan by an empty one.
 QVector<FRAME_PRO> planOf(DriverSession& session, const QVector<RegisterRange>& ranges);

@@ -26,20 +26,6 @@ struct Units
     int last;
 };
 
-void requireOneReply(const RegisterRange& value, int wordsPerFrame)
-{
-    const Units units(value);
-    const int most =
-        value.type.mostInFrame(std::min(wordsPerFrame, SessionSettings().wordsPerFrame));
-    if ((units.last - units.first + 1) * units.size > most) {
-        throw Failure(ExitCode::Usage,
-                      QStringLiteral("%1 is one value, and one reply brings at most %2 of its "
-                                     "registers; read it in parts")
-                          .arg(value.text())
-                          .arg(most));
-    }
-}
-
 // Nothing of it could be read, or would be of use, without the rest.
 bool isIndivisible(const RegisterRange& range)
 {

@@ -46,7 +46,7 @@ constexpr double milliseconds(Cost cost, const LineCost& line)
 
 struct LineUse
 {
-    qint64 exchanges = 0;  // that were accepted
+    qint64 exchanges = 0;
     qint64 characters = 0;
     qint64 tookUs = 0;
 };

@@ -12,6 +12,16 @@ namespace {
 constexpr int exchangesUntilMeasured = 100;
 constexpr double clearlyKept = 0.95;  // of the line
 
+// Of all that was answered: a refusal takes a request and NAK.
+LineUse answeredUse(const Statistics& statistics)
+{
+    LineUse use = acceptedUse(statistics);
+    const qint64 refused = statistics.of(ReplyVerdict::Refused);
+    use.exchanges += refused;
+    use.characters += refused * (requestCharacters + 1);
+    return use;
+}
+
 QVector<RegisterRange> registersOf(const QVector<PeriodicRange>& wanted)
 {
     QVector<RegisterRange> registers;
@@ -31,7 +41,7 @@ PeriodicPoller::PeriodicPoller(ExchangeLoop& loop, const RegisterCatalogue& cata
                {[this] { return m_schedule.next(m_loop.elapsedUs()); },
                 [this](const QVector<RegisterRange>& unreadable) { leaveOut(unreadable); }})
 {
-    m_measured = acceptedUse(loop.statistics());
+    m_measured = answeredUse(loop.statistics());
     m_measured.tookUs = 0;
     this->tellLoad();
 }
@@ -53,7 +63,7 @@ RoundEnd PeriodicPoller::poll()
     const RoundEnd end = m_poller.poll();
     if (end == RoundEnd::Done && m_loop.statistics().linksLost == linksLost)
         m_polledUs += m_loop.elapsedUs() - startedUs;
-    const qint64 exchanges = m_loop.statistics().total().accepted - m_measured.exchanges;
+    const qint64 exchanges = answeredUse(m_loop.statistics()).exchanges - m_measured.exchanges;
     if (wasBegun ? exchanges >= exchangesUntilMeasured : m_isBegun)
         measure();
     return end;
@@ -69,7 +79,7 @@ void PeriodicPoller::leaveOut(const QVector<RegisterRange>& unreadable)
 
 void PeriodicPoller::measure()
 {
-    LineUse use = acceptedUse(m_loop.statistics());
+    LineUse use = answeredUse(m_loop.statistics());
     use.tookUs = m_polledUs;
     const LineUse recent = {use.exchanges - m_measured.exchanges,
                             use.characters - m_measured.characters, use.tookUs - m_measured.tookUs};

@@ -87,6 +87,14 @@ TEST_F(NamedTags, AreCheckedAndBeginSeries)
     EXPECT_EQ(errorOf({"series", "p*"}), "fxhost: 'p*' means 2 tags; give one of them\n");
 }
 
+TEST_F(NamedTags, AreNotPlannedWhereNoReplyHoldsThem)
+{
+    EXPECT_EQ(
+        errorOf({"plan", "product", "--words", "3"}),
+        "fxhost: D10:4 is one value, and one reply brings at most 3 of its registers; read it "
+        "in parts\n");
+}
+
 TEST_F(NamedTags, SayWhereRestoreGoesOn)
 {
     const QString registers = folder.filePath("plc.csv");

@@ -153,6 +153,17 @@ TEST_F(OnALineAt9600Baud, CountsWhatFaultsCost)
     EXPECT_TRUE(told[0].periods[0].isLate());
 }
 
+// Refusals are exchanges too.
+TEST_F(OnALineAt9600Baud, DoesNotTakeTheSearchForRefusedRegistersForASlowLine)
+{
+    bench.refuseD(90, 109);
+    start({every(500, "D80:40")});
+    poller->poll();
+    EXPECT_NEAR(poller->load().used, 0.4, 0.1);
+    pollFor(60 * second);
+    EXPECT_TRUE(told.isEmpty());
+}
+
 // It would seem slow for its next hundred exchanges.
 TEST_F(OnALineAt9600Baud, DoesNotCountTheTimeInWhichNothingAnswers)
 {

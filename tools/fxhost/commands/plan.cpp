@@ -68,7 +68,12 @@ public:
               const SessionSettings& settings)
         : m_catalogue(services.catalogue), m_asked(asked), m_words(settings.wordsPerFrame),
           m_session(services.library, {1, settings.wordsPerFrame})
-    {}
+    {
+        for (const RegisterRange& range : asked) {
+            if (range.together > 1)
+                requireOneReply(range, m_words);
+        }
+    }
 
     PlanReport report(const LineCost& line)
     {
