@@ -75,10 +75,38 @@ struct ForeignRow
     }
 };
 
+struct Heading
+{
+    const char* own;
+    const char* scada;
+    const char* comments;
+};
+
+// Where what a column of a tag file holds comes from.
+constexpr std::array<Heading, 10> headings = {{{"name", "Tag Name", "Label"},
+                                               {"address", "Address", "Device"},
+                                               {"type", "Data Type", ""},
+                                               {"scale", "Scaling", ""},
+                                               {"offset", "Scaling", ""},
+                                               {"unit", "Eng Units", ""},
+                                               {"period_ms", "Scan Rate", ""},
+                                               {"access", "Client Access", ""},
+                                               {"min", "Scaling", ""},
+                                               {"description", "Description", "Comment"}}};
+
+QString headingOf(const QString& own, ForeignForm form)
+{
+    for (const Heading& heading : headings) {
+        if (own == QLatin1String(heading.own))
+            return QLatin1String(form == ForeignForm::Scada ? heading.scada : heading.comments);
+    }
+    return own == QLatin1String("max") ? QStringLiteral("Scaling") : own;
+}
+
 class Importer
 {
 public:
-    explicit Importer(const QStringList& titles) : m_titles(titles) {}
+    Importer(const QStringList& titles, ForeignForm form) : m_titles(titles), m_form(form) {}
 
     void addScada(const CsvRow& csv);
     void addComment(const CsvRow& csv);
@@ -88,6 +116,7 @@ private:
     using Fields = QHash<QString, QString>;  // by the titles of a tag file
 
     void scale(const ForeignRow& row, Fields& fields);
+    QString periodOf(const ForeignRow& row);
     QString freeName(const QString& text, const QString& device, int line);
     void add(const CsvRow& row, const Fields& fields);
     void remark(TagRemark::Kind kind, int line, const QString& column, const QString& text)
@@ -96,6 +125,7 @@ private:
     }
 
     QStringList m_titles;  // in lower case
+    ForeignForm m_form;
     QSet<QString> m_used;
     QSet<QString> m_names;
     QSet<QString> m_filled;
@@ -110,7 +140,8 @@ QString Importer::freeName(const QString& text, const QString& device, int line)
         name += '_' + device;
     m_names.insert(name);
     if (name != text)
-        remark(TagRemark::Kind::Warning, line, "name", quoted(text) + " became " + quoted(name));
+        remark(TagRemark::Kind::Warning, line, headingOf("name", m_form),
+               quoted(text) + " became " + quoted(name));
     return name;
 }
 
@@ -142,17 +173,30 @@ void Importer::scale(const ForeignRow& row, Fields& fields)
     const double high = row.number("Scaled High");
     if (rawLow == rawHigh)
         reject(row.text("Raw High"), QStringLiteral("is both Raw Low and Raw High"));
-    const double tolerance =
-        4 * std::numeric_limits<double>::epsilon() * std::max(std::abs(low), std::abs(high));
+    const double slope = (high - low) / (rawHigh - rawLow);
+    const double largest = std::max(
+        {std::abs(low), std::abs(high), std::abs(slope * rawLow), std::abs(slope * rawHigh)});
+    const double tolerance = 4 * std::numeric_limits<double>::epsilon() * largest;
     const double sign = row.isYes("Negate Value") ? -1 : 1;
-    const double scale =
-        shortestDecimal((high - low) / (rawHigh - rawLow), tolerance / std::abs(rawHigh - rawLow));
+    const double scale = shortestDecimal(slope, tolerance / std::abs(rawHigh - rawLow));
     fields["scale"] = numberText(sign * scale);
     fields["offset"] = numberText(sign * shortestDecimal(low - rawLow * scale, tolerance));
+    const bool rises = sign * low < sign * high;
     if (row.isYes("Clamp Low"))
-        fields[sign > 0 ? "min" : "max"] = numberText(sign * low);
+        fields[rises ? "min" : "max"] = numberText(sign * low);
     if (row.isYes("Clamp High"))
-        fields[sign > 0 ? "max" : "min"] = numberText(sign * high);
+        fields[rises ? "max" : "min"] = numberText(sign * high);
+}
+
+// Some lists have 0 where the program decides.
+QString Importer::periodOf(const ForeignRow& row)
+{
+    const QString period = row.text("Scan Rate");
+    if (period.isEmpty() || isPeriod(period))
+        return period;
+    remark(TagRemark::Kind::Warning, row.row.line, "Scan Rate",
+           quoted(period) + " is not imported: it is not a time in ms");
+    return {};
 }
 
 // R/W is what every tag of such a list has unless someone changed it: nobody has allowed anything.
@@ -174,7 +218,7 @@ void Importer::addScada(const CsvRow& csv)
             reject(type, QStringLiteral("is not a known Data Type"));
         Fields fields = {
             {"address", row.text("Address")}, {"type", known == typeNames.end() ? "" : known->own},
-            {"unit", row.text("Eng Units")},  {"period_ms", row.text("Scan Rate")},
+            {"unit", row.text("Eng Units")},  {"period_ms", periodOf(row)},
             {"access", accessOf(row)},        {"description", row.text("Description")}};
         if (row.isYes("Negate Value") && row.text("Scaling").toLower() != "linear")
             fields["scale"] = "-1";
@@ -211,6 +255,8 @@ TagFile Importer::finish(const CsvRow& titles, const RegisterCatalogue& catalogu
                    QStringLiteral("is not imported"));
     }
     TagFile file = tagsIn(m_own, catalogue);
+    for (TagRemark& remark : file.remarks)
+        remark.column = headingOf(remark.column, m_form);
     file.remarks += m_remarks;
     std::stable_sort(file.remarks.begin(), file.remarks.end(),
                      [](const auto& one, const auto& other) { return one.line < other.line; });
@@ -229,7 +275,7 @@ TagFile importTable(const CsvFile& csv, ForeignForm form, const RegisterCatalogu
     QStringList titles;
     for (const QString& title : csv.rows.first().fields)
         titles += title.toLower();
-    Importer importer(titles);
+    Importer importer(titles, form);
     for (const CsvRow& row : csv.rows.mid(1)) {
         if (form == ForeignForm::Scada)
             importer.addScada(row);
@@ -258,9 +304,14 @@ QString foreignType(const Tag& tag)
 
 QStringList scadaFields(const Tag& tag)
 {
-    const bool isLinear = tag.isScaled() || tag.min || tag.max;
-    const double rawLow = tag.min ? (*tag.min - tag.offset) / tag.scale : 0;
-    const double rawHigh = tag.max ? (*tag.max - tag.offset) / tag.scale : rawLow + rawSpan;
+    const bool isPoint = tag.min && tag.max && *tag.min == *tag.max;  // which no line has
+    const bool hasMin = tag.min && !isPoint;
+    const bool hasMax = tag.max && !isPoint;
+    const bool isLinear = tag.isScaled() || hasMin || hasMax;
+    const double span = tag.scale < 0 && (hasMin || hasMax) ? -rawSpan : rawSpan;
+    const auto rawOf = [&tag](double value) { return (value - tag.offset) / tag.scale; };
+    const double rawLow = hasMin ? rawOf(*tag.min) : hasMax ? rawOf(*tag.max) - span : 0;
+    const double rawHigh = hasMax ? rawOf(*tag.max) : rawLow + span;
     const auto ifLinear = [isLinear](double number) {
         return isLinear ? numberText(number) : QString();
     };
@@ -273,14 +324,38 @@ QStringList scadaFields(const Tag& tag)
             isLinear ? "Linear" : "None",
             ifLinear(rawLow),
             ifLinear(rawHigh),
-            ifLinear(tag.min.value_or(rawLow * tag.scale + tag.offset)),
-            ifLinear(tag.max.value_or(rawHigh * tag.scale + tag.offset)),
+            ifLinear(hasMin ? *tag.min : rawLow * tag.scale + tag.offset),
+            ifLinear(hasMax ? *tag.max : rawHigh * tag.scale + tag.offset),
             isLinear ? "Double" : "",
-            isLinear ? QString::number(tag.min ? 1 : 0) : QString(),
-            isLinear ? QString::number(tag.max ? 1 : 0) : QString(),
+            isLinear ? QString::number(hasMin ? 1 : 0) : QString(),
+            isLinear ? QString::number(hasMax ? 1 : 0) : QString(),
             tag.unit,
             tag.description,
             isLinear ? "0" : ""};
+}
+
+// In the words of what goes wrong, where that is more than a value that is missing.
+QStringList lossesOf(const Tag& tag, const Tag& back)
+{
+    QStringList texts;
+    QStringList missing;
+    for (const TagDifference& difference : differences(tag, back)) {
+        if (difference.title == "type" && tag.style.swap && !difference.other.isEmpty())
+            texts += ": the list cannot say 'swap', so its two words are read in the wrong order";
+        else if (difference.title == "address" && !difference.other.isEmpty())
+            texts += QStringLiteral(": the list names only %1 of %2")
+                         .arg(difference.other, difference.one);
+        else if (!difference.one.isEmpty() && !difference.other.isEmpty())
+            texts += QStringLiteral(" changes its %1 from %2 to %3")
+                         .arg(difference.title, difference.one, difference.other);
+        else if (difference.one.isEmpty())
+            texts += QStringLiteral(" gets %1 %2").arg(difference.title, difference.other);
+        else
+            missing += difference.title;
+    }
+    if (!missing.isEmpty())
+        texts += " loses its " + missing.join(QStringLiteral(", "));
+    return texts;
 }
 
 }  // namespace
@@ -328,10 +403,8 @@ ExportedTags exportTags(const QVector<Tag>& tags, ForeignForm form,
     for (const Tag& tag : importTable(csv, form, catalogue).tags)
         back.insert(tag.name, tag);
     for (const Tag& tag : tags) {
-        const QStringList lost = differences(tag, back.value(tag.name));
-        const QString text = tag.name + " loses its " + lost.join(QStringLiteral(", "));
-        if (!lost.isEmpty())
-            exported.remarks.append({TagRemark::Kind::Warning, tag.line, {}, text});
+        for (const QString& text : lossesOf(tag, back.value(tag.name)))
+            exported.remarks.append({TagRemark::Kind::Warning, tag.line, {}, tag.name + text});
     }
     return exported;
 }

@@ -20,6 +20,7 @@ constexpr int mostDecimals = 12;
 constexpr int digitsOfFloat = 7;
 constexpr int digitsOfRaw = 12;  // of a quotient: enough for 32 bits and the halves between
 constexpr int digitsOfDouble = 17;
+constexpr int mostWrittenDigits = 14;  // by people; more digits are those of a quotient
 
 double roundedTo(double number, int digits)
 {
@@ -251,7 +252,9 @@ Assignment assignmentOf(const Tag& tag, const QString& value, const RegisterCata
 
 double shortestDecimal(double number, double tolerance)
 {
-    for (int digits = 1; digits < digitsOfDouble; ++digits) {
+    if (std::abs(number) <= tolerance)
+        return 0;
+    for (int digits = 1; digits <= mostWrittenDigits; ++digits) {
         const double shorter = roundedTo(number, digits);
         if (std::abs(shorter - number) <= tolerance)
             return shorter;

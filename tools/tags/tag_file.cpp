@@ -69,10 +69,9 @@ void takeDeadband(Tag& tag, const QString& text, const Reading& reading)
 
 void takePeriod(Tag& tag, const QString& text, const Reading& /*reading*/)
 {
-    bool isNumber = false;
-    tag.periodMs = text.toInt(&isNumber);
-    if (!isNumber || *tag.periodMs < 1 || *tag.periodMs > longestPeriodMs)
+    if (!isPeriod(text))
         reject(text, QStringLiteral("is not a time in ms; use 1 to %1").arg(longestPeriodMs));
+    tag.periodMs = text.toInt();
 }
 
 void takeAccess(Tag& tag, const QString& text, const Reading& /*reading*/)
@@ -484,14 +483,21 @@ QByteArray tagFileText(const QVector<Tag>& tags)
     return text.toUtf8();
 }
 
-QStringList differences(const Tag& one, const Tag& other)
+QVector<TagDifference> differences(const Tag& one, const Tag& other)
 {
-    QStringList titles;
+    QVector<TagDifference> found;
     for (const Column& column : columns) {
         if (column.text(one) != column.text(other))
-            titles += QLatin1String(column.title);
+            found.append({QLatin1String(column.title), column.text(one), column.text(other)});
     }
-    return titles;
+    return found;
+}
+
+bool isPeriod(const QString& text)
+{
+    bool isNumber = false;
+    const int periodMs = text.toInt(&isNumber);
+    return isNumber && periodMs >= 1 && periodMs <= longestPeriodMs;
 }
 
 }  // namespace fxtools

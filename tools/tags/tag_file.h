@@ -63,7 +63,16 @@ QString typeText(ValueStyle style);
 // All columns that a tag needs.
 QByteArray tagFileText(const QVector<Tag>& tags);
 
-// The titles of the columns in which two tags differ.
-QStringList differences(const Tag& one, const Tag& other);
+// A column in which two tags differ.
+struct TagDifference
+{
+    QString title;
+    QString one;
+    QString other;
+};
+QVector<TagDifference> differences(const Tag& one, const Tag& other);
+
+// Whether a number of milliseconds can be a period.
+bool isPeriod(const QString& text);
 
 }  // namespace fxtools

@@ -13,6 +13,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <random>
+
 using namespace fxtools;
 using namespace tool_tests;
 
@@ -75,14 +78,18 @@ TEST(ForeignTags, FromAScadaListAreScaledAndLimited)
               "Flow,D20:2,float,,,l/min,100,,,,\n"
               "Root,D103,,,,,100,,,,\n"
               "Door,D5.10,,,,,100,ro,,,\n"
+              "Reversed,D107,,-0.1,100,,,,0,100,\n"
+              "Falling,D108,,-0.1,100,,,,,100,\n"
               "line 1, column Respect Data Type: is not imported\n"
               "line 1, column Scaled Data Type: is not imported\n"
-              "line 5, column name: 'Pump 1 runs' became 'Pump_1_runs'\n"
+              "line 5, column Tag Name: 'Pump 1 runs' became 'Pump_1_runs'\n"
               "line 8, column Scaling: 'Square Root' is not imported: the raw value is shown\n"
               "line 10: 'LBCD' is not a known Data Type\n"
-              "line 11, column address: 'D9999' is out of range: D0 to D7999 or D8000 to D8255\n"
+              "line 11, column Address: 'D9999' is out of range: D0 to D7999 or D8000 to D8255\n"
               "line 12: '7' is both Raw Low and Raw High\n"
-              "line 13, column type: 'bit' is not the type of D106");
+              "line 13, column Scan Rate: '0' is not imported: it is not a time in ms\n"
+              "line 14, column Scan Rate: '1.5' is not imported: it is not a time in ms\n"
+              "line 15, column Data Type: 'bit' is not the type of D106");
 }
 
 TEST(ForeignTags, FromCommentsHaveTheLabelOrTheCommentAsName)
@@ -93,10 +100,10 @@ TEST(ForeignTags, FromCommentsHaveTheLabelOrTheCommentAsName)
               "Boiler_temperature,D100,Boiler temperature\n"
               "Pump_1,X0,Pump 1\n"
               "Pump_1_X1,X1,Pump 1\n"
-              "line 4, column name: 'Boiler temperature' became 'Boiler_temperature'\n"
-              "line 6, column name: 'Pump 1' became 'Pump_1'\n"
-              "line 7, column name: 'Pump 1' became 'Pump_1_X1'\n"
-              "line 8, column address: 'Z1' has an unknown register type; use one of X Y M S SM T "
+              "line 4, column Label: 'Boiler temperature' became 'Boiler_temperature'\n"
+              "line 6, column Label: 'Pump 1' became 'Pump_1'\n"
+              "line 7, column Label: 'Pump 1' became 'Pump_1_X1'\n"
+              "line 8, column Device: 'Z1' has an unknown register type; use one of X Y M S SM T "
               "C D SD TV CV 32CV");
 }
 
@@ -125,14 +132,82 @@ TEST(ForeignTags, TellWhatAnExportLoses)
 {
     const QVector<Tag> tags = tagsOf("name,address,type,deadband,alarm_low,link\n"
                                      "kept,D0,,,,\nbits,D1,hex,,,\nalarm,D2,,0.5,3,press1\n"
-                                     "text,D30:8,text,,,\n");
+                                     "text,D30:8,text,,,\nwide,D206,float swap,,,\n");
     EXPECT_EQ(textOf(exportTags(tags, ForeignForm::Scada, catalogue()).remarks),
-              "line 3: bits loses its type\n"
-              "line 4: alarm loses its deadband, alarm_low, link");
+              "line 3: bits changes its type from hex to unsigned\n"
+              "line 4: alarm loses its deadband, alarm_low, link\n"
+              "line 6: wide: the list cannot say 'swap', so its two words are read in the wrong "
+              "order");
     EXPECT_EQ(textOf(exportTags(tags, ForeignForm::Comments, catalogue()).remarks),
               "line 3: bits loses its type\n"
               "line 4: alarm loses its deadband, alarm_low, link\n"
-              "line 5: text loses its address, type");
+              "line 5: text: the list names only D30 of D30:8\n"
+              "line 5: text loses its type\n"
+              "line 6: wide: the list names only D206 of D206:2\n"
+              "line 6: wide loses its type");
+}
+
+namespace {
+
+// A decimal number of up to six digits.
+QByteArray someNumber(std::mt19937& random)
+{
+    const double digits = static_cast<double>(random() % 1999999) - 999999;
+    return numberText(digits / std::pow(10, random() % 7)).toLatin1();
+}
+
+QByteArray someTag(std::mt19937& random)
+{
+    const char* const types[] = {"", "unsigned", "long", "ulong", "float", "bcd"};
+    QByteArray scale = someNumber(random);
+    if (scale == "0")
+        scale = "1";
+    const QByteArray one = someNumber(random);
+    const QByteArray other = someNumber(random);
+    const bool isUp = one.toDouble() < other.toDouble();
+    const auto sometimes = [&random](const QByteArray& text) {
+        return random() % 3 == 0 ? QByteArray() : text;
+    };
+    const QByteArrayList fields = {"t",
+                                   "D0",
+                                   types[random() % std::size(types)],
+                                   sometimes(scale),
+                                   sometimes(someNumber(random)),
+                                   sometimes(isUp ? one : other),
+                                   sometimes(isUp ? other : one)};
+    return "name,address,type,scale,offset,min,max\n" + fields.join(',') + '\n';
+}
+
+}  // namespace
+
+// Limits are at raw values that no list can say exactly. Six digits are found again all the same;
+// what comes back otherwise is told.
+TEST(ForeignTags, ComeBackFromAnExportOrAreNamed)
+{
+    std::mt19937 random;
+    int named = 0;
+    for (int number = 0; number < 300; ++number) {
+        const QByteArray content = someTag(random);
+        const QVector<Tag> tags = tagsOf(content);
+        const ExportedTags exported = exportTags(tags, ForeignForm::Scada, catalogue());
+        const QTemporaryDir folder;
+        QFile file(folder.filePath("list.csv"));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(exported.text);
+        file.close();
+        const TagFile back = importTags(file.fileName(), ForeignForm::Scada, catalogue());
+        EXPECT_EQ(tagFileText(back.tags) == tagFileText(tags), exported.remarks.isEmpty())
+            << content.toStdString() << textOf(exported.remarks) << textOf(back.remarks);
+        named += exported.remarks.size();
+    }
+    EXPECT_EQ(named, 0);
+    const QVector<Tag> tags = tagsOf("name,address,scale,offset,min,max\na,D0,0.333,,5,\n"
+                                     "b,D1,3,123456.789,-5,7.7\n"
+                                     "c,D2,0.123456789012345,123456.789,-5,7.7\nd,D3,,,5,5\n");
+    EXPECT_EQ(textOf(exportTags(tags, ForeignForm::Scada, catalogue()).remarks),
+              "line 4: c changes its scale from 0.123456789012345 to 0.123456789012\n"
+              "line 4: c changes its offset from 123456.789 to 123456.78899965498\n"
+              "line 5: d loses its min, max");
 }
 
 TEST(TagCheck, RemarksOnWhatIsHardlyMeant)

@@ -197,4 +197,5 @@ TEST(ShortestDecimal, IsWithinTheTolerance)
 {
     EXPECT_EQ(shortestDecimal(100.1 - 100, 1e-13), 0.1);
     EXPECT_EQ(shortestDecimal(100.0 / 4095, 0), 100.0 / 4095);
+    EXPECT_EQ(shortestDecimal(-4e-16, 4e-15), 0);
 }
