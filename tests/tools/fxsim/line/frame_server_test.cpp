@@ -122,6 +122,7 @@ TEST(FrameServer, TellsBadFramesApart)
         {"read past the end", frame("0FFFF02", "AD"), Verdict::NoMemory},
         {"write touches ahole", frame("11013020000", "1B"), Verdict::NoMemory},
         {"force in ahole", frame("7800A", "13"), Verdict::NoMemory},
+        {"force before ahole", frame("77F0A", "28"), Verdict::Good},
         {"nothing at all", "", Verdict::Malformed},
         {"less than a sum", fromHex("020330"), Verdict::Malformed},
     };

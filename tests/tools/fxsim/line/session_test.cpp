@@ -61,6 +61,7 @@ TEST(Session, BadFrameGetsNakOrSilence)
     settings.onError = OnError::Silence;
     Bench silent(settings);
     EXPECT_EQ(silent.answer(damagedRead), "");
+    EXPECT_EQ(silent.answer('\x02' + QByteArray(5000, '0')), "");
     EXPECT_EQ(silent.answer(readD100), zerosOfD100);
 }
 
@@ -68,6 +69,7 @@ TEST(Session, FrameWithoutEndIsRefusedOnce)
 {
     Bench bench;
     EXPECT_EQ(bench.answer('\x02' + QByteArray(5000, '0')), "\x15");
+    EXPECT_TRUE(bench.plc.statistics().text().contains("overlong frames"));
     EXPECT_EQ(bench.answer(readD100), zerosOfD100);
 }
 
@@ -224,9 +226,11 @@ TEST(Session, SwitchRunStopTurnsM8000AndEndsTheProgram)
     bench.plc.advance(7000 * msUs);
     EXPECT_EQ(wordAt(0x1000), 7U);
     bench.plc.memory().setByte(0x00A1, 0xFF);
+    bench.plc.memory().setByte(0x00BF, 0xFF);
     bench.plc.setRunning(false, 7000 * msUs);
     EXPECT_EQ(bench.plc.memory().byte(0x01E0), 0x0A) << "M8001 and M8003";
     EXPECT_EQ(bench.plc.memory().value(0x00A0, 4), 0U) << "outputs are off";
+    EXPECT_EQ(bench.plc.memory().byte(0x00BF), 0U) << "to the last";
     bench.plc.advance(9000 * msUs);
     EXPECT_EQ(wordAt(0x1000), 7U);
     bench.plc.powerCycle(0, 9000 * msUs);

@@ -60,6 +60,7 @@ TEST(SampleProgram, HoldsWhatItPromisesAtEachMoment)
         {100000, 0x01C0, "03", "counter contacts"},
         {5000, 0x1000, "0500F401E8033200", "seconds, triangle, sine, sawtooth"},
         {5000, 0x1008, "0000000200000000", "bit 25 of 64"},
+        {7000, 0x1008, "0000000008000000", "bit 35 of 64"},
         {5000, 0x1010, "88130000", "milliseconds"},
         {15000, 0x1002, "F40118FC", "triangle and sine on their way down"},
     };

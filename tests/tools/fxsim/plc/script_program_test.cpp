@@ -121,6 +121,12 @@ TEST(Script, StepOfOneMomentIsDoneOnce)
     EXPECT_EQ(run.at(5000).byte(0x1000), 0);
 }
 
+TEST(Script, StepOfTheFirstMomentIsDoneAtTheStart)
+{
+    ScriptRun run(R"({"at": 0, "set": "0x1000", "value": 1})");
+    EXPECT_EQ(run.memory.byte(0x1000), 1);
+}
+
 TEST(Script, StartsAnewWithThePower)
 {
     ScriptRun run(R"({"at": 10, "set": "0x1000", "value": 1})");
