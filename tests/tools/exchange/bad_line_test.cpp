@@ -111,6 +111,7 @@ TEST_F(TalkingLine, IsNamedThoughItTalksWithoutAPause)
     scale.everyUs = 0;
     session.setPlan({range("D0")});
     EXPECT_EQ(loop.step()->verdict, ReplyVerdict::Babble);
+    EXPECT_GT(loop.statistics().bytesThrownAway, 0);
 }
 
 TEST_F(TalkingLine, IsToldOnceWithWhatWasHeard)
@@ -136,6 +137,7 @@ TEST_F(TalkingLine, IsNoAnswerToEnq)
 {
     EXPECT_FALSE(loop.resynchronise());
     EXPECT_LT(scale.nowUs, 3 * second);
+    EXPECT_GT(loop.statistics().bytesThrownAway, 0);
 }
 
 TEST_F(TalkingLine, CanBeOverheard)

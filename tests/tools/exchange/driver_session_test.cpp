@@ -94,7 +94,9 @@ protected:
 TEST_F(Recipes, GoDownEntryAfterEntry)
 {
     std::copy(values.begin(), values.end(), bench.session.recipeWords().begin());
-    EXPECT_TRUE(transfer(RecipeDirection::Download).isGood());
+    const RecipeOutcome outcome = transfer(RecipeDirection::Download);
+    EXPECT_TRUE(outcome.isGood());
+    EXPECT_FALSE(outcome.isUncertain);
     EXPECT_EQ(bench.plcWord(addressOfD(100)), 11U);
     EXPECT_EQ(bench.plcWord(addressOfD(101)), 12U);
     EXPECT_EQ(bench.plcDoubleWord(0x0C04), 0x22221111U);
@@ -124,6 +126,7 @@ TEST_F(Recipes, EndAtTheFirstEntryThatFails)
     EXPECT_EQ(outcome.entries, 3);
     EXPECT_EQ(outcome.transferred, 1);
     EXPECT_EQ(outcome.problem, ReplyVerdict::Refused);
+    EXPECT_FALSE(outcome.isUncertain) << "a refusal changes nothing";
     EXPECT_EQ(progress.join(' '), "0/3 1/3 1/3");
 }
 
@@ -136,6 +139,7 @@ TEST_F(Recipes, StartAtTheirFirstEntryAfterOneThatALostLinkBrokeOff)
     const RecipeOutcome outcome = transfer(RecipeDirection::Upload);
     EXPECT_EQ(outcome.transferred, 2);
     EXPECT_EQ(outcome.problem, ReplyVerdict::LinkLost);
+    EXPECT_TRUE(outcome.isUncertain);
     EXPECT_FALSE(bench.session.recipeRuns(RecipeDirection::Upload));
     bench.line.open();
     bench.session.setPlan({range("D0")});

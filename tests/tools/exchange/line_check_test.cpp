@@ -128,6 +128,7 @@ TEST_F(CheckedLine, OfASilentPlcEndsSoon)
     EXPECT_EQ(found.verdict, ReplyVerdict::Good);
     EXPECT_EQ(found.goodPercent(), 0);
     EXPECT_LE(found.measured(), 4);
+    EXPECT_EQ(LineCheck().words(), 0) << "where not even a word could be read";
     EXPECT_TRUE(found.wentSilent);
     EXPECT_LT(bench->line.nowUs(), 30 * 1000000);
 }

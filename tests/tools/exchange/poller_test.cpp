@@ -125,6 +125,17 @@ TEST_F(Polling, KeepsTheRegistersBesideARefusedBlockInThePlan)
     }
 }
 
+TEST_F(Polling, SeeksAHoleAmongTheWantedRegistersOnly)
+{
+    bench.refuseD(40, 40);
+    start({"D0:50"});
+    poll();
+    for (const QByteArray& frame : bench.line.sent()) {
+        const int address = frame.mid(2, 4).toInt(nullptr, 16);
+        EXPECT_LE(address + frame.mid(6, 2).toInt(nullptr, 16), addressOfD(50)) << frame.data();
+    }
+}
+
 TEST_F(Polling, NamesEveryRefusedRegisterAndNoOther)
 {
     const auto words = [](int first, int last) {
