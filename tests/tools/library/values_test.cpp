@@ -106,6 +106,8 @@ const Unfit unfitValues[] = {
     {"D0:2", plain, "-2147483649", "does not fit in 32 bits: -2147483648 to 4294967295"},
     {"32CV200", plain, "4294967296", "does not fit in 32 bits: -2147483648 to 4294967295"},
     {"D0", binary, "102", noNumber},
+    {"D0", bcd, "12345",
+     "does not fit in 4 BCD digits; for 32 bits use D0:2=12345 or D0=12345 --as long"},
     {"D0:2", bcd, "123456789", "does not fit in 8 BCD digits"},
     {"D0:2", floatStyle, "1e99", "is not a floating-point number, or is out of its range"},
     {"32CV200", floatStyle, "1", "is a floating-point number, which needs 16-bit registers"},
@@ -188,6 +190,7 @@ struct Refused
 const Refused refusedWrites[] = {
     {"D0", plain, "'D0' has no value; use for example D100=5 or M0=on"},
     {"=5", plain, "'=5' has no value; use for example D100=5 or M0=on"},
+    {"D0=", plain, "'D0=' has no value; use for example D100=5 or M0=on"},
     {"X0=1", plain, "'X0=1': X registers are read-only"},
     {"D40=3,14", plain,
      "'D40=3,14' names 1 register, but 2 values take 2; use D40:2=3,14; a decimal number has a "

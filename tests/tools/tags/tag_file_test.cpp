@@ -183,6 +183,7 @@ TEST_F(TagFiles, NameWhatIsWrongInEachColumn)
          "in one frame"},
         {"scale", "D0,inf", "scale: 'inf' is not a number; use for example 0.1"},
         {"scale", "D0,1e306", "scale: makes the values too large"},
+        {"max", "M0,1", "max: '1' has no meaning for a bit, a text, hex or bin; leave it empty"},
         {"scale", "M0,0.1",
          "scale: '0.1' has no meaning for a bit, a text, hex or bin; leave it "
          "empty"},

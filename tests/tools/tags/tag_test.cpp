@@ -135,6 +135,9 @@ TEST(Tags, KeepTheirLimitsAlsoAfterRounding)
               "'t=71.56' becomes 71.6 °C, which is above the maximum of 71.56 °C");
     EXPECT_EQ(written(tag, "72"), "'t=72' is above the maximum of 71.56 °C");
     EXPECT_EQ(written(tag, "-5.01"), "'t=-5.01' is below the minimum of -5 °C");
+    EXPECT_EQ(written(tag, "-5"), "65486");
+    tag.max = 71.5;
+    EXPECT_EQ(written(tag, "71.5"), "715");
     tag.unit.clear();
     tag.min = 11;
     tag.max = 100;
