@@ -168,7 +168,7 @@ namespace {
 ExchangeLoop interruptedAfter(int frames, Bench& bench)
 {
     LoopSettings settings = bench.line.loopSettings();
-    settings.isInterrupted = [&bench, frames] { return bench.line.sent().size() >= frames; };
+    settings.isInterrupted = [&bench, frames] { return bench.line.framesSent().size() >= frames; };
     return ExchangeLoop(bench.session, bench.line, settings);
 }
 
@@ -223,7 +223,7 @@ TEST(Rounds, AnInterruptEndsThemBeforeTheNextFrame)
     const Round round = pollCycle(loop, bench.session.setPlan({range("D0:96")}));
     EXPECT_EQ(round.end, RoundEnd::Interrupted);
     EXPECT_EQ(round.ended.size(), 1);
-    EXPECT_EQ(bench.line.sent().size(), 1);
+    EXPECT_EQ(bench.line.framesSent().size(), 1);
     EXPECT_FALSE(round.allGood());
 }
 
@@ -235,7 +235,7 @@ TEST(Rounds, AnInterruptedExchangeIsNoSilence)
     EXPECT_EQ(round.end, RoundEnd::Interrupted);
     ASSERT_TRUE(round.inFlight.has_value());
     EXPECT_EQ(round.inFlight->verdict, ReplyVerdict::Interrupted);
-    EXPECT_EQ(bench.line.sent().size(), 1);  // no ENQ behind it
+    EXPECT_EQ(bench.line.sent().last().size(), 11);  // no ENQ behind it
 }
 
 TEST(Rounds, AnInterruptedWriteTellsWhatArrived)

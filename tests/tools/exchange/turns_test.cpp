@@ -28,8 +28,8 @@ protected:
     std::string asked()
     {
         QByteArrayList frames;
-        for (const QByteArray& frame : bench.line.sent())
-            frames += frame.size() > 1 ? frame.mid(2, 6) : QByteArray("ENQ");
+        for (const QByteArray& frame : bench.line.framesSent())
+            frames += frame.mid(2, 6);
         bench.line.forgetSent();
         return frames.join(' ').toStdString();
     }

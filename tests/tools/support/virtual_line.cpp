@@ -48,6 +48,13 @@ QByteArray VirtualLine::receive(int timeoutMs)
     return m_session->takeDue(m_nowUs);
 }
 
+QByteArrayList VirtualLine::framesSent() const
+{
+    QByteArrayList frames = m_sent;
+    frames.removeAll(QByteArray(1, fxtools::enq));
+    return frames;
+}
+
 void VirtualLine::setFaults(const char* faults)
 {
     m_plc.setFaults(fxsim::parseFaults(QString::fromLatin1(faults)));

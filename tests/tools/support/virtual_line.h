@@ -32,6 +32,7 @@ public:
     fxsim::Simulator& plc() { return m_plc; }
     qint64 nowUs() const { return m_nowUs; }
     const QByteArrayList& sent() const { return m_sent; }  // by the host, a call each
+    QByteArrayList framesSent() const;                     // without ENQ
     void forgetSent() { m_sent.clear(); }
 
     void setFaults(const char* faults);              // its exchanges count from 1 again
