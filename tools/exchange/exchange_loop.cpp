@@ -43,13 +43,21 @@ std::optional<Exchange> ExchangeLoop::step()
     if (exchange.verdict != ReplyVerdict::LinkLost)
         handOver(exchange);
     else
-        m_repeating = true;  // the frame stays in flight: it is sent again when the link is back
+        noteLoss();
     exchange.tookUs = elapsedUs() - exchange.startedUs;
     m_statistics.busyUs += exchange.tookUs;
     m_statistics.add(exchange);
     if (onExchange)
         onExchange(exchange);
     return exchange;
+}
+
+// The frame stays in flight: it is sent again when the link is back.
+void ExchangeLoop::noteLoss()
+{
+    m_repeating = true;
+    m_isUnsure = true;
+    m_line.forgetAcks();
 }
 
 void ExchangeLoop::abandonRecipe(RecipeDirection direction)
@@ -68,7 +76,11 @@ void ExchangeLoop::forgetEverything()
 
 void ExchangeLoop::send(Exchange& exchange)
 {
+    if (m_isUnsure)
+        greet();
     const QByteArray request = requestBytes(exchange.frame);
+    if (m_lastRequest.isEmpty() && exchange.frame.isRead == 0)
+        m_waitBeforeOtherMs = m_line.quietMs();
     const bool repeatsRead = exchange.frame.isRead != 0 && request == m_lastRequest;
     const bool mustOutwait = m_line.owesAcks() && !repeatsRead;
     QByteArray junk;
@@ -115,8 +127,11 @@ void ExchangeLoop::receive(Exchange& exchange)
         m_line.noteBeginning(beganAfterUs);
     const bool isTaken = exchange.verdict == ReplyVerdict::Good ||
                          (exchange.verdict == ReplyVerdict::Surrounded && m_isTolerant);
-    if (isTaken || exchange.verdict == ReplyVerdict::Refused)
+    const bool isRefused = exchange.verdict == ReplyVerdict::Refused;
+    if (isTaken || isRefused)
         m_lastAnswer = exchange;
+    if (isTaken || (isRefused && exchange.thrownAway.isEmpty()))
+        m_isUnsure = false;
     if (isTaken || exchange.verdict == ReplyVerdict::Late)
         m_line.timeout().answered(exchange.responseUs);
     else if (!m_line.isOpen())  // sending ENQ may be the first to show it
@@ -184,7 +199,7 @@ std::optional<int> ExchangeLoop::waitAfter(const Exchange& exchange)
 {
     const bool isGood = exchange.verdict == ReplyVerdict::Good;
     const bool isPlainNak = exchange.verdict == ReplyVerdict::Refused && exchange.reply.size() == 1;
-    if (!isGood && !isPlainNak)
+    if ((!isGood && !isPlainNak) || m_isUnsure)
         return m_line.quietMs();
     if (exchange.reply != m_lastAnswer.reply)
         return std::nullopt;
@@ -222,12 +237,13 @@ QByteArray ExchangeLoop::overhear(int timeMs)
     return heard;
 }
 
-bool ExchangeLoop::resynchronise()
+bool ExchangeLoop::greet()
 {
     QByteArray junk;
-    const bool answered = m_line.ask(junk, hasGoneSilent());
+    m_isUnsure = !m_line.greet(junk);
     throwAway(junk);
-    return answered;
+    m_lastRequest.clear();
+    return !m_isUnsure;
 }
 
 void ExchangeLoop::throwAway(const QByteArray& bytes)

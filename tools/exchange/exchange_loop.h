@@ -5,7 +5,7 @@
 // One call of step() sends one frame and receives one reply.
 //
 // A reply carries no address, so a late one looks like the reply to the next request of the same
-// length. Four rules prevent that:
+// length. Five rules prevent that:
 //   1. Only a reply of exactly the expected length is handed over. For any other one the driver
 //      gets as many NAKs as bytes came, which it must reject.
 //   2. Before a frame is sent, the line must be empty. A reply that begins sooner than half the
@@ -20,6 +20,11 @@
 //   4. A reply or NAK that repeats the one before may be its second copy: it counts only if none
 //      follows. Where the same read is sent again and again, the line must be quiet before the
 //      first other request instead.
+//   5. A line that was opened anew may owe replies to an earlier host, or to this one. Before the
+//      first frame the PLC must acknowledge two ENQs in a row with nothing else between, since one
+//      ACK may be an earlier one; if that frame is a write, the line must also be quiet. Where no
+//      ACK comes, the first reply counts only if nothing follows, and until one counts each frame
+//      is the first.
 // A line that is not quiet within two seconds gets no frame.
 
 #pragma once
@@ -64,8 +69,9 @@ public:
     // Empties the plan, the queues and the cache. A frame in flight is not sent again.
     void forgetEverything();
 
-    // Sends ENQ and discards what comes before the ACK. Returns whether the ACK came.
-    bool resynchronise();
+    // Discards what the PLC still owes to an earlier host. Returns whether it answers ENQ. Where it
+    // does not, the next frame does this again.
+    bool greet();
 
     // What the line sends within this time without being asked.
     QByteArray overhear(int timeMs);
@@ -89,6 +95,7 @@ private:
     void settle(Exchange& exchange, int forQuietMs);
     void discardStray(Exchange& exchange);
     void confirm(Exchange& exchange);
+    void noteLoss();
     void noteSilence(const Exchange& exchange, bool enquiryAnswered);
     std::optional<int> waitAfter(const Exchange& exchange);
     void handOver(Exchange& exchange);
@@ -98,7 +105,8 @@ private:
     Statistics m_statistics;
     PlcLine m_line;
     bool m_isTolerant;
-    QByteArray m_lastRequest;
+    bool m_isUnsure = true;           // replies to earlier hosts may come
+    QByteArray m_lastRequest;         // since the greeting
     bool m_repeatsWhileOwed = false;  // the last request is a read sent again before an owed ACK
     Exchange m_lastAnswer;            // good or refused
     int m_waitBeforeOtherMs = 0;      // for a copy of an answer to the last request

@@ -113,15 +113,15 @@ ReplyVerdict LineCheck::worst() const
 
 bool isAnyoneThere(ExchangeLoop& loop)
 {
-    return loop.resynchronise() || loop.statistics().bytesReceived > 0;
+    return loop.greet() || loop.statistics().bytesReceived > 0;
 }
 
 LineCheck greetPlc(ExchangeLoop& loop, const RegisterCatalogue& catalogue)
 {
     LineCheck check;
     check.unasked = loop.overhear(listenMs);
-    check.answersEnquiry = loop.resynchronise();
     check.verdict = readBlock(loop, registers(catalogue, statusRegisters), false);
+    check.answersEnquiry = loop.statistics().enquiriesAnswered > 0;
     if (check.verdict == ReplyVerdict::Refused)
         check.verdict = readBlock(loop, registers(catalogue, dataRegister));
     check.timeoutMs = loop.timeout().milliseconds();

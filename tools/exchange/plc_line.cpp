@@ -8,6 +8,7 @@
 #include <QElapsedTimer>
 
 #include <algorithm>
+#include <utility>
 
 namespace fxtools {
 
@@ -28,6 +29,8 @@ constexpr int longestTurnMs = 100;
 constexpr int longestDrainMs = 2000;        // of a line that is never quiet,
 constexpr int longestSecondDrainMs = 500;   // also when it is tried again,
 constexpr int longestJunkBytes = 4096;      // and the most bytes
+constexpr int acksToGreet = 2;              // the first may be an earlier one
+constexpr int mostGreetings = 10;           // until then
 constexpr int enquiriesBeforeGivingUp = 3;  // some PLCs do not answer ENQ
 constexpr int longestReplyMs = 5000;        // the longest takes 4.4 s at 300 baud
 
@@ -91,7 +94,7 @@ bool PlcLine::drain(int forQuietMs, QByteArray& junk)
 {
     const int longestMs = m_isQuiet ? longestDrainMs : longestSecondDrainMs;
     const int mostBytes = junk.size() + longestJunkBytes;
-    QByteArray more = listen(forQuietMs);
+    QByteArray more = isInterrupted() ? QByteArray() : listen(forQuietMs);
     const qint64 endUs = elapsedUs() + 1000 * qint64(longestMs);
     while (!more.isEmpty() && elapsedUs() < endUs && junk.size() < mostBytes && !isInterrupted()) {
         junk += more;
@@ -118,6 +121,29 @@ QByteArray PlcLine::overhear(int timeMs)
          nowUs = elapsedUs())
         heard += listen(static_cast<int>((endUs - nowUs + 999) / 1000)).left(longestJunkBytes);
     return heard;
+}
+
+bool PlcLine::greet(QByteArray& junk)
+{
+    if (!m_isQuiet && !drain(quietMs(), junk))
+        return false;
+    m_acksOwed += std::exchange(m_greetingsOwed, 0);
+    for (int sent = 0, alone = 0; sent < mostGreetings; ++sent) {
+        const int before = junk.size();
+        if (!enquire(m_timeout.milliseconds(), junk))
+            break;
+        alone = junk.size() == before ? alone + 1 : 0;
+        if (alone == acksToGreet)
+            return true;
+    }
+    m_greetingsOwed = std::exchange(m_acksOwed, 0);
+    return false;
+}
+
+void PlcLine::forgetAcks()
+{
+    m_acksOwed = 0;
+    m_greetingsOwed = 0;
 }
 
 bool PlcLine::ask(QByteArray& junk, bool plcIsSilent)
@@ -160,7 +186,8 @@ bool PlcLine::awaitAcks(int timeoutMs, QByteArray& junk)
     QByteArray late;
     const qint64 endUs = elapsedUs() + 1000 * qint64(std::max(longestDrainMs, timeoutMs));
     QByteArray more = listen(timeoutMs);
-    while (!more.isEmpty() && m_acksOwed > 0 && elapsedUs() < endUs && !isInterrupted()) {
+    while (!more.isEmpty() && m_acksOwed > 0 && elapsedUs() < endUs &&
+           late.size() < longestJunkBytes && !isInterrupted()) {
         late += more;
         more = listen(timeoutMs);
     }

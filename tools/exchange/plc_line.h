@@ -49,6 +49,11 @@ public:
     // Everything that comes within this time.
     QByteArray overhear(int timeMs);
 
+    // Sends ENQ until two ACKs in a row have come alone, and appends what comes before. Returns
+    // false if no ACK comes within the time-out: then frames need not wait for it.
+    bool greet(QByteArray& junk);
+    void forgetAcks();  // of a link that was lost
+
     // Sends ENQ and appends what comes before the ACK, and within another time-out. Returns
     // whether the ACK came. A PLC that has ignored ENQ three times and never answered gets no more,
     // unless it is silent to everything: it may have been off, and may answer no frame before an
@@ -99,7 +104,8 @@ private:
     qint64 m_heardUs = 0;
     std::optional<qint64> m_soonestUs;  // from a request to the first bytes of its reply
     int m_readsSinceStray = readsUntilForgotten - readsUntilKnown;
-    int m_acksOwed = 0;          // for the ENQs so far
+    int m_acksOwed = 0;          // for the ENQs so far,
+    int m_greetingsOwed = 0;     // but for greetings that got none
     qint64 m_enquiredUs = 0;     // when the last of them was sent
     int m_enquiriesIgnored = 0;  // for as long as a reply may take
     bool m_enquiryWasAnswered = false;

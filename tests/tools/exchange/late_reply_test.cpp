@@ -7,6 +7,7 @@
 
 #include "tests/support/times_shorter.h"
 #include "tests/tools/support/virtual_line.h"
+#include "tests/tools/support/wire.h"
 #include "tools/exchange/polling.h"
 
 #include <gtest/gtest.h>
@@ -129,6 +130,74 @@ TEST(LateReplies, NeverStandUnderAnothersNameWhateverTheDelay)
         }
     }
 }
+
+// A host that is started again, whatever the one before has sent last and whenever that was: R a
+// read, W a write, E an ENQ.
+class StartedAgain : public testing::TestWithParam<const char*>
+{
+protected:
+    // The bench of the second host, which starts `afterMs` later.
+    Bench& start(fxsim::Settings settings, int delayMs, int afterMs)
+    {
+        settings.faults = fxsim::parseFaults(QString("delay:%1@1").arg(delayMs));
+        bench.emplace(settings, SessionSettings{20, 32});
+        fillWithOwnAddresses(bench->line.memory());
+        for (const char what : QByteArray(GetParam()))
+            bench->line.send(wire(what == 'R'   ? "␂0100008␃5C"
+                                  : what == 'W' ? "␂11000021234␃4E"
+                                                : "␅"));
+        bench->line.rest(1000 * afterMs);
+        return *bench;
+    }
+
+    // Each reply to a read is `longestMs` late at most.
+    void expectRightRead(const fxsim::Settings& settings, int longestMs)
+    {
+        for (int delayMs = 0; delayMs <= longestMs; delayMs += 190 * timesShorter) {
+            for (const int afterMs : {0, 3, 30, 60, 300}) {
+                Bench& host = start(settings, delayMs, afterMs);
+                host.session.setPlan({range("D100:4")});
+                while (host.loop.step()->answer != DriverAnswer::Accepted) {
+                }
+                EXPECT_EQ(wrongValues(host.session, range("D100:4")), 0)
+                    << delayMs << " ms, " << afterMs;
+            }
+        }
+    }
+
+    std::optional<Bench> bench;
+};
+
+TEST_P(StartedAgain, TheHostReadsNoReplyToTheOneBefore)
+{
+    for (const int baud : {0, 1200, 9600})
+        expectRightRead(badLine(baud, ""), 4000);
+}
+
+TEST_P(StartedAgain, TheHostReadsNoReplyToTheOneBeforeWhereEnqIsIgnored)
+{
+    if (QByteArray(GetParam()).contains("W"))
+        GTEST_SKIP() << "only ENQ tells an ACK from a reply";
+    expectRightRead(badLine(9600, "", fxsim::EnquiryMode::Ignored), 1900);
+}
+
+// The first write is refused, and that is what the host hears.
+TEST_P(StartedAgain, TheHostHasNoWriteConfirmedByAnAckToTheOneBefore)
+{
+    for (int delayMs = 0; delayMs <= 4000; delayMs += 190 * timesShorter) {
+        for (const int afterMs : {0, 3, 30, 60, 300}) {
+            Bench& host = start(badLine(9600, ""), delayMs, afterMs);
+            host.refuseD(500, 500);
+            host.session.setPlan({range("D0")});
+            host.session.write(range("D500"), {77});
+            EXPECT_NE(host.loop.step()->answer, DriverAnswer::Accepted)
+                << delayMs << " ms, " << afterMs;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Pasts, StartedAgain,
+                         testing::Values("R", "W", "E", "ER", "EE", "WE", "RERER", "ERERE"));
 
 // The same line under a host that hands over whatever comes next: the pattern does show it.
 TEST(LateReplies, WouldShowInAHostThatDoesNotCare)

@@ -90,7 +90,6 @@ bool Connection::reconnect()
 {
     if (!m_keeper.reopen(m_loop.statistics().total().accepted))
         return false;
-    m_loop.resynchronise();
     ++m_loop.statistics().reconnects;
     return true;
 }

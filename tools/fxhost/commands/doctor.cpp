@@ -13,7 +13,7 @@ namespace fxtools {
 namespace {
 
 // A silent port costs two of the first for each setting and six of the last: eight seconds.
-constexpr int enquiryMs = 150;
+constexpr int enquiryMs = 300;
 constexpr int requestMs = 300;
 constexpr int patientMs = 700;
 constexpr int thoroughMs = 3000;
