@@ -10,7 +10,7 @@ namespace fxsoak {
 namespace {
 
 constexpr std::size_t mostBookedWrites = 200;  // below the driver's 513, which drops the last
-constexpr int startedAgainMs = 6000;           // a PLC that is late has answered the host before
+constexpr int startedAgainMs = 1000;           // at most
 
 // How often the host does something between two exchanges, and the PLC's program within them.
 constexpr double plcChanges = 0.1;
@@ -80,7 +80,7 @@ void Soak::restartHost()
     m_readsQueued = 0;
     m_line.forgetAttempts();
     m_isInterrupted = false;
-    m_line.close((startedAgainMs + below(m_random, 1000)) * fxsim::usPerMs);
+    m_line.close(below(m_random, 2) * below(m_random, startedAgainMs) * fxsim::usPerMs);
     m_line.open();
     startHost();
 }
@@ -90,7 +90,6 @@ void Soak::reconnect()
     while (!m_line.isOpen() && !m_isInterrupted) {
         m_line.open();
         note(QStringLiteral("the link is open again"));
-        m_loop->resynchronise();
     }
 }
 

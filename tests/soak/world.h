@@ -3,8 +3,7 @@
 //
 // The world of one seed: what PLC, line and host are like, and what goes wrong how often. Worlds
 // keep to what the exchange loop assumes of them: a PLC answers in order and once and is not later
-// than five seconds, or three time-outs if it ignores ENQ, and a host that is started again finds
-// no reply of the one before under way.
+// than five seconds, or three time-outs if it ignores ENQ.
 
 #pragma once
 
