@@ -19,8 +19,14 @@
 
 #ifdef RESTLESS  /* for traces: something always goes wrong */
 #define mostOwed 200
+#define mostEnded 2
+#define seldom 5  /* a host ends at every 32nd wait */
 #define inVain 3
 #else
+#define seldom 0
+#ifndef mostEnded
+#define mostEnded 0
+#endif
 #ifndef mostOwed
 #define mostOwed 1
 #endif
@@ -35,6 +41,7 @@ mtype = { nothing, data, refusal, damaged, cut, acknowledge };
 chan line = [LINE] of { mtype, byte, bit, bit };
 
 bool calm;  /* from now on nothing goes wrong */
+byte ended;  /* hosts, since the line was empty */
 bool taken;
 
 #ifndef DROP
@@ -49,7 +56,8 @@ bool taken;
 #define strayIsQuick 8     /* behind noise or a late copy, the PLC's own reply is not slow */
 #define slowHasEnd 16      /* where ENQ gets no ACK, a reply comes within two time-outs */
 
-#define ackOnce 65536 /* the ACK to ENQ has no second copy */
+#define ackOnce 65536      /* the ACK to ENQ has no second copy */
+#define seldomEnded 524288 /* while replies are under way at most two hosts are started again */
 
 /* Rules: */
 #define momentBefore 32    /* an early reply, or what comes in the moment before, does not count */
@@ -65,6 +73,12 @@ bool taken;
 #define acksAwaited 32768  /* while an ACK is owed only the same read goes out, and is confirmed */
 #define alsoBad 262144     /* also a NAK or a bad reply; and ENQ is sent anew for it */
 #define owedBefore 131072  /* also when it comes in the moment before a frame */
+#define greeted 1048576    /* before its first frame the host sends ENQ, */
+#define twice 2097152      /* until two ACKs in a row have come, */
+#define alone 4194304      /* and nothing else between; */
+#define quietWrite 8388608 /* a first write waits for quiet; */
+#define loneReply 16777216 /* where no ACK came, the first reply counts only if nothing follows, */
+#define again 33554432     /* and each frame is the first until one counts */
 
 /* The waits of the host, and when they may pass. */
 mtype = { moment, reply, with, rest, another, quiet, lateQuiet, enquiry, clearing, longEnquiry, outwait };
@@ -89,6 +103,7 @@ mtype = { moment, reply, with, rest, another, quiet, lateQuiet, enquiry, clearin
 #define isRead true
 #endif
 
+#define isFirstWrite (!isRead && lastSent == nobody && holds(quietWrite))
 #define isRepeated (isRead && wanted == lastSent)
 
 #define mayPass(wait) (!(calm && !isEmpty) && ( \
@@ -98,11 +113,25 @@ mtype = { moment, reply, with, rest, another, quiet, lateQuiet, enquiry, clearin
     wait == clearing && (isClear || owed > 0 && holds(acksAwaited) || !holds(slowHasEnd)) && \
         noCopyDue || \
     (wait == longEnquiry || wait == outwait) && (isEmpty || !holds(slowHasEnd)) && noCopyDue || \
-    wait == enquiry && owed <= mostOwed && noCopyDue || \
+    wait == enquiry && (calm || owed <= mostOwed) && noCopyDue || \
     (wait == reply || wait == lateQuiet) && noCopyDue))
 
 inline listen(wait)
 {
+    ended = (isEmpty -> 0 : ended);
+#ifdef RESTLESS
+    dice = 0;
+    do
+    :: dice < 5 -> dice++
+    :: break
+    od;
+#endif
+    if
+    :: true
+    :: !calm && wait != with && dice == seldom && (!holds(seldomEnded) || ended < mostEnded) ->
+       ended++;
+       goto anew
+    fi;
     if
     :: !isEmpty ->
        do
@@ -189,6 +218,28 @@ inline enquire(wait)
     awaitAcks(wait)
 }
 
+inline greet()
+{
+    acks = 0;
+    lonely = false;
+    owed = owed + held;
+    held = 0;
+    do
+    :: heard = false;
+       enquire(enquiry);
+       if
+       :: !answered -> lonely = true; held = owed; owed = 0; break
+       :: answered && heard && holds(alone) -> acks = 0
+       :: else -> acks++
+       fi;
+       if
+       :: acks == (holds(twice) -> 2 : 1) -> break
+       :: else
+       fi
+    od;
+    lastSent = nobody
+}
+
 inline outwaitAcks()
 {
     if
@@ -232,6 +283,7 @@ inline take()
     lastKind = data;
     lastWanted = wanted;
     lastValue = tookValue;
+    lonely = false;
     taken = true
 }
 
@@ -283,6 +335,7 @@ inline receive()
     od
 }
 
+#define isLonely (lonely && holds(loneReply))
 #define isStray (early && holds(earlyAsks))
 #define mustConfirm ((holds(alsoBad) && unsure || !holds(alsoBad) && owed > 0) && holds(acksAwaited))
 
@@ -304,7 +357,8 @@ inline judge()
        fi
     :: first == refusal && !isStray && !(unsure && holds(alsoBad)) ->
        if
-       :: lastKind == refusal && holds(alsoNak) -> drain(another, quiet)
+       :: isLonely -> drain(quiet, quiet); lonely = heard
+       :: !isLonely && lastKind == refusal && holds(alsoNak) -> drain(another, quiet)
        :: else
        fi;
        lastKind = refusal;
@@ -313,7 +367,13 @@ inline judge()
        if
        :: bad -> settleBad()
        :: !bad && mustConfirm -> confirm()
-       :: !bad && !mustConfirm && lastKind == data && isSame && holds(waitForAnother) ->
+       :: !bad && !mustConfirm && isLonely ->
+          drain(quiet, quiet);
+          if
+          :: heard
+          :: else -> take()
+          fi
+       :: !bad && !mustConfirm && !isLonely && lastKind == data && isSame && holds(waitForAnother) ->
           if
           :: isRead && lastWanted == wanted -> waitsForOther = holds(alsoSame); take()
           :: else ->
@@ -339,20 +399,28 @@ inline forget()  /* what the next exchange does not depend on */
 active proctype host()
 {
     bool answersEnq;  /* this PLC */
-    bool unsure, owes, strayed, waitsForOther, atOnce, noise, heard, isSilent, early, bad, answered, everAnswered;
+    bool met = true, lonely, unsure, owes, strayed, waitsForOther, atOnce, noise, heard, isSilent, early, bad, answered, everAnswered;
     mtype kind, first, front, lastKind = nothing;
-    byte frames, wanted, lastWanted = nobody, name, tookName, length, unanswered, silences, owed, lastSent = nobody;
+    byte dice, frames, acks, wanted, lastWanted = nobody, name, tookName, length, unanswered, silences, owed, held, lastSent = nobody;
     bit value, copy, tookValue, lastValue;
 
     if
     :: answersEnq = true
     :: answersEnq = false
     fi;
+    goto running;
+
+anew:  /* a host that knows nothing of the one before */
+    printf("> restart\n");
+    met = false; lonely = false; unsure = false; strayed = true; waitsForOther = false;
+    everAnswered = false; unanswered = 0; silences = 0; owed = 0; held = 0;
+    lastKind = nothing; lastWanted = nobody; lastValue = 0; lastSent = nobody;
+
+running:
     do
 #ifdef FRAMES  /* a search that ends after so many */
     :: frames == FRAMES -> break
     :: frames < FRAMES ->
-       frames++;
 #else
     ::
 #endif
@@ -360,18 +428,26 @@ active proctype host()
        :: wanted = 0
        :: wanted = 1
        fi;
+       printf("> want %d\n", wanted);
        forget();
+       if
+       :: (!met || lonely && holds(again)) && holds(greeted) -> greet()
+       :: else
+       fi;
+       met = true;
+       heard = false; answered = false; acks = 0;
 #ifndef RESTLESS
        if
-       :: !calm -> strayed = false
+       :: !calm && !lonely -> strayed = false
        :: true
        fi;
 #endif
        atOnce = !strayed;
        owes = owed > 0;
        if
-       :: waitsForOther && !isRepeated -> waitsForOther = false; drain(another, quiet)
-       :: holds(momentBefore) && !(waitsForOther && !isRepeated) -> drain(moment, lateQuiet)
+       :: isFirstWrite -> waitsForOther = false; drain(quiet, quiet)
+       :: !isFirstWrite && waitsForOther && !isRepeated -> waitsForOther = false; drain(another, quiet)
+       :: !isFirstWrite && holds(momentBefore) && !(waitsForOther && !isRepeated) -> drain(moment, lateQuiet)
        :: else
        fi;
        if
@@ -384,6 +460,9 @@ active proctype host()
        unsure = owed > 0;
        lastSent = wanted;
        printf("> send %d\n", wanted);
+#ifdef FRAMES
+       frames++;
+#endif
        answerRequest();
        receive();
        judge();

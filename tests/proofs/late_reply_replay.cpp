@@ -15,6 +15,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <deque>
+#include <functional>
 #include <optional>
 #include <utility>
 
@@ -28,6 +29,7 @@ constexpr int usualMs = usualUs / 1000;
 constexpr int turnMs = 100;  // of a longer wait
 constexpr int timeoutMs = turnMs;
 constexpr int longestReplyMs = 5000;
+constexpr int longestQuietMs = 250;  // while the usual time is not known
 constexpr int blockWords = 4;
 constexpr int readsBefore = 20;  // from which the loop knows the usual time
 
@@ -47,11 +49,11 @@ struct WaitFacts
 };
 
 constexpr WaitFacts waits[] = {
-    {"moment", 0, usualMs / 8},          {"reply", timeoutMs, timeoutMs},
-    {"rest", timeoutMs, timeoutMs},      {"another", 1, usualMs * 4},
-    {"quiet", usualMs * 2, usualMs * 4}, {"lateQuiet", usualMs * 2, usualMs * 4},
-    {"enquiry", timeoutMs, timeoutMs},   {"clearing", usualMs * 2, timeoutMs},
-    {"longEnquiry", 1, turnMs},          {"outwait", 1, turnMs},
+    {"moment", 0, usualMs / 8},        {"reply", timeoutMs, timeoutMs},
+    {"rest", timeoutMs, timeoutMs},    {"another", 1, turnMs},
+    {"quiet", usualMs / 4, turnMs},    {"lateQuiet", usualMs / 4, turnMs},
+    {"enquiry", timeoutMs, timeoutMs}, {"clearing", usualMs * 2, timeoutMs},
+    {"longEnquiry", 1, turnMs},        {"outwait", 1, turnMs},
 };
 
 [[noreturn]] void fail(const Event& event, const QString& found)
@@ -105,14 +107,11 @@ public:
     Event next() const { return isOver() ? Event{0, {"its end"}} : m_events.front(); }
     bool nextIs(const char* word) const { return next().word(0) == word; }
 
-    // Which register the next frame reads; nothing if there is none.
-    std::optional<int> nextRead() const
+    // Which register the host reads next; nothing if it does not.
+    std::optional<int> takeRead()
     {
-        for (const Event& event : m_events) {
-            if (event.word(0) == "send")
-                return event.word(1).toInt();
-        }
-        return std::nullopt;
+        const Event event = next();
+        return take("want") ? std::optional(event.word(1).toInt()) : std::nullopt;
     }
 
     bool take(const char* word)
@@ -127,6 +126,10 @@ private:
     std::deque<Event> m_events;
 };
 
+// The host ends in the middle of what it does, and is started again.
+struct Restart
+{};
+
 class ReplayedLine : public Link
 {
 public:
@@ -137,14 +140,16 @@ public:
     bool isOpen() const override { return true; }
     qint64 nowUs() const { return m_nowUs; }
 
+    std::function<bool()> usualIsKnown;
+
     void start() { m_isStarted = true; }
 
     bool send(const QByteArray& bytes) override
     {
-        if (!m_isStarted)
-            m_firstReply = dataFrame(m_firstValue++);
-        m_hasEnded = m_hasEnded || m_trace.isOver();
         const bool isEnquiry = bytes == QByteArray(1, enq);
+        if (!m_isStarted)
+            m_firstReply = isEnquiry ? QByteArray() : dataFrame(m_firstValue++);
+        m_hasEnded = m_hasEnded || m_trace.isOver();
         const char* act = isEnquiry ? "enquire" : "send";
         if (isEnquiry)
             m_enquiredUs = m_nowUs;
@@ -162,6 +167,10 @@ public:
         m_hasEnded = m_hasEnded || m_trace.isOver();
         if (m_hasEnded)
             return {};
+        if (m_trace.take("restart")) {
+            m_leftMs = 0;
+            throw Restart();
+        }
         const Event event = m_trace.next();
         if (mustGoOn(event, forMs))
             return {};
@@ -179,11 +188,16 @@ private:
     // Whether this is only a turn of a wait that passes.
     bool mustGoOn(const Event& event, int forMs)
     {
+        const bool goesOn = std::exchange(m_isClearing, event.word(0) == "clearing");
         const bool isLong = event.word(0) == "longEnquiry" || event.word(0) == "outwait";
-        if (!isLong || event.word(1) != "nothing")
+        const bool isQuiet = event.word(0) == "quiet" || event.word(0) == "lateQuiet" ||
+                             (goesOn && m_isClearing) ||
+                             (event.word(0) == "another" && (forMs == turnMs || m_leftMs > 0));
+        if (!(isLong || (isQuiet && !usualIsKnown())) || event.word(1) != "nothing")
             return false;
         if (m_leftMs == 0)
-            m_leftMs = longestReplyMs - static_cast<int>(m_nowUs - m_enquiredUs) / 1000;
+            m_leftMs = isLong ? longestReplyMs - static_cast<int>(m_nowUs - m_enquiredUs) / 1000
+                              : longestQuietMs;
         if (forMs != std::min(m_leftMs, turnMs))
             fail(event, QString("waits for %1 ms").arg(forMs));
         m_leftMs -= forMs;
@@ -207,11 +221,51 @@ private:
     qint64 m_nowUs = 0;
     qint64 m_enquiredUs = 0;
     int m_leftMs = 0;  // of a long wait
+    bool m_isClearing = false;
     bool m_isLater = false;
     bool m_isStarted = false;
     bool m_hasEnded = false;
     int m_firstValue = 0x100;
     QByteArray m_firstReply;
+};
+
+class Host
+{
+public:
+    explicit Host(ReplayedLine& line) : m_line(line)
+    {
+        m_settings.timeout = TimeoutLimits::fixed(timeoutMs);
+        m_settings.clockUs = [&line] { return line.nowUs(); };
+        line.usualIsKnown = [this] { return m_loop->timeout().typicalResponseUs() > 0; };
+        start();
+    }
+
+    // Nothing if the host was started again.
+    std::optional<Exchange> step()
+    {
+        try {
+            return m_loop->step();
+        } catch (const Restart&) {
+            start();
+            return std::nullopt;
+        }
+    }
+
+    std::optional<DriverSession> session;
+
+private:
+    void start()
+    {
+        m_loop.reset();
+        session.reset();
+        session.emplace(driver(),
+                        SessionSettings{1, 32});  // the model chooses what comes after a rejection
+        m_loop.emplace(*session, m_line, m_settings);
+    }
+
+    ReplayedLine& m_line;
+    LoopSettings m_settings;
+    std::optional<ExchangeLoop> m_loop;
 };
 
 }  // namespace
@@ -221,29 +275,27 @@ int main()
     QTextStream text(stdin);
     Trace trace(text);
     ReplayedLine line(trace);
-    DriverSession session(driver(), {1, 32});  // the model chooses what comes after a rejection
-    LoopSettings settings;
-    settings.timeout = TimeoutLimits::fixed(timeoutMs);
-    settings.clockUs = [&line] { return line.nowUs(); };
-    ExchangeLoop loop(session, line, settings);
-    session.setPlan({range("D200:4")});
+    Host host(line);
+    host.session->setPlan({range("D200:4")});
     for (int read = 0; read < readsBefore; ++read)
-        loop.step();
+        host.step();
     line.start();
 
     int exchanges = 0;
     int taken = 0;
-    for (; const std::optional<int> read = trace.nextRead(); ++exchanges) {
-        session.setPlan({range(*read == 0 ? "D0:4" : "D100:4")});
-        const Exchange exchange = loop.step().value();
+    for (; const std::optional<int> read = trace.takeRead(); ++exchanges) {
+        host.session->setPlan({range(*read == 0 ? "D0:4" : "D100:4")});
+        const std::optional<Exchange> exchange = host.step();
         if (line.hasEnded() || trace.isOver())
             break;
+        if (!exchange)
+            continue;
         const Event event = trace.next();
-        const bool isTaken = exchange.answer == DriverAnswer::Accepted;
+        const bool isTaken = exchange->answer == DriverAnswer::Accepted;
         if (trace.take("take") != isTaken)
-            fail(event, isTaken ? "takes the reply" : "rejects: " + verdictName(exchange.verdict));
-        if (isTaken && exchange.handed != dataFrame(event.word(1).toInt()))
-            fail(event, "takes " + QString::fromLatin1(exchange.handed));
+            fail(event, isTaken ? "takes the reply" : "rejects: " + verdictName(exchange->verdict));
+        if (isTaken && exchange->handed != dataFrame(event.word(1).toInt()))
+            fail(event, "takes " + QString::fromLatin1(exchange->handed));
         taken += isTaken;
     }
     std::printf("%d exchanges, %d values taken\n", exchanges, taken);
