@@ -15,6 +15,13 @@ bool isTimeout(ReplyVerdict verdict)
     return verdict == ReplyVerdict::Silence || verdict == ReplyVerdict::Incomplete;
 }
 
+// Where more came than a NAK, the NAK may be another's.
+bool isSure(const Exchange& exchange)
+{
+    return exchange.verdict == ReplyVerdict::Good ||
+           (exchange.verdict == ReplyVerdict::Refused && exchange.thrownAway.isEmpty());
+}
+
 }  // namespace
 
 ExchangeLoop::ExchangeLoop(DriverSession& session, Link& link, const LoopSettings& settings)
@@ -36,9 +43,7 @@ std::optional<Exchange> ExchangeLoop::step()
     if (exchange.wasSent)
         receive(exchange);
     noteSilence(exchange, m_statistics.enquiriesAnswered > enquiriesAnswered);
-    const bool isAnswered =
-        exchange.verdict == ReplyVerdict::Good || exchange.verdict == ReplyVerdict::Refused;
-    m_mayBeDone = (exchange.wasSent && !isAnswered) || (m_repeating && m_mayBeDone);
+    m_mayBeDone = (exchange.wasSent && !isSure(exchange)) || (m_repeating && m_mayBeDone);
     exchange.mayBeDone = m_mayBeDone;
     if (exchange.verdict != ReplyVerdict::LinkLost)
         handOver(exchange);
@@ -127,10 +132,9 @@ void ExchangeLoop::receive(Exchange& exchange)
         m_line.noteBeginning(beganAfterUs);
     const bool isTaken = exchange.verdict == ReplyVerdict::Good ||
                          (exchange.verdict == ReplyVerdict::Surrounded && m_isTolerant);
-    const bool isRefused = exchange.verdict == ReplyVerdict::Refused;
-    if (isTaken || isRefused)
+    if (isTaken || exchange.verdict == ReplyVerdict::Refused)
         m_lastAnswer = exchange;
-    if (isTaken || (isRefused && exchange.thrownAway.isEmpty()))
+    if (isTaken || isSure(exchange))
         m_isUnsure = false;
     if (isTaken || exchange.verdict == ReplyVerdict::Late)
         m_line.timeout().answered(exchange.responseUs);

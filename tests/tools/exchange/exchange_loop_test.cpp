@@ -205,6 +205,7 @@ TEST_F(Loop, DoesNotTakeASecondNakForTheAnswerToTheRepeatedWrite)
     EXPECT_EQ(repeated.kind, ExchangeKind::Write);
     EXPECT_EQ(repeated.answer, DriverAnswer::Repeat);
     EXPECT_EQ(repeated.thrownAway, wire("␆"));
+    EXPECT_TRUE(repeated.mayBeDone);
     EXPECT_EQ(step().verdict, ReplyVerdict::Good);
 }
 
