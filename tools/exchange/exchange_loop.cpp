@@ -95,9 +95,11 @@ void ExchangeLoop::send(Exchange& exchange)
         m_line.outwaitAcks(junk);
         mayBeSent = m_line.drain(m_line.quietMs(), junk);
     }
-    throwAway(junk);
     exchange.startedUs = elapsedUs();
-    if (!mayBeSent) {
+    if (mayBeSent) {
+        throwAway(junk);
+    } else {
+        exchange.thrownAway = junk;
         exchange.verdict = isInterrupted() ? ReplyVerdict::Interrupted : ReplyVerdict::Babble;
         return;
     }

@@ -132,7 +132,7 @@ TEST(PlanCycle, BeginsANewPlanWithItsFirstBlock)
     plan.plan(threeRanges);
     bench.line.forgetSent();
     EXPECT_TRUE(plan.poll().allGood());
-    EXPECT_EQ(framesFrom(0, bench.line.sent()), "100004 100804 010001");
+    EXPECT_EQ(framesFrom(0, bench.line.framesSent()), "100004 100804 010001");
 }
 
 TEST(PlanCycle, AsksThePlannerAgainWhenItKnowsTheLine)
