@@ -83,7 +83,7 @@ struct Heading
 };
 
 // Where what a column of a tag file holds comes from.
-constexpr std::array<Heading, 10> headings = {{{"name", "Tag Name", "Label"},
+constexpr std::array<Heading, 11> headings = {{{"name", "Tag Name", "Label"},
                                                {"address", "Address", "Device"},
                                                {"type", "Data Type", ""},
                                                {"scale", "Scaling", ""},
@@ -92,6 +92,7 @@ constexpr std::array<Heading, 10> headings = {{{"name", "Tag Name", "Label"},
                                                {"period_ms", "Scan Rate", ""},
                                                {"access", "Client Access", ""},
                                                {"min", "Scaling", ""},
+                                               {"max", "Scaling", ""},
                                                {"description", "Description", "Comment"}}};
 
 QString headingOf(const QString& own, ForeignForm form)
@@ -100,7 +101,7 @@ QString headingOf(const QString& own, ForeignForm form)
         if (own == QLatin1String(heading.own))
             return QLatin1String(form == ForeignForm::Scada ? heading.scada : heading.comments);
     }
-    return own == QLatin1String("max") ? QStringLiteral("Scaling") : own;
+    return own;
 }
 
 class Importer
@@ -191,7 +192,7 @@ void Importer::scale(const ForeignRow& row, Fields& fields)
 // Some lists have 0 where the program decides.
 QString Importer::periodOf(const ForeignRow& row)
 {
-    const QString period = row.text("Scan Rate");
+    QString period = row.text("Scan Rate");
     if (period.isEmpty() || isPeriod(period))
         return period;
     remark(TagRemark::Kind::Warning, row.row.line, "Scan Rate",
@@ -251,7 +252,7 @@ TagFile Importer::finish(const CsvRow& titles, const RegisterCatalogue& catalogu
             return title.toLower() == m_titles[column];
         });
         if (!isUsed && m_filled.contains(m_titles[column]))
-            remark(TagRemark::Kind::Warning, titles.line, titles.fields[column],
+            remark(TagRemark::Kind::Warning, titles.line, shownTitle(titles.fields[column]),
                    QStringLiteral("is not imported"));
     }
     TagFile file = tagsIn(m_own, catalogue);

@@ -205,11 +205,12 @@ void fitRegisters(Tag& tag, const QString& address)
         reject(
             address,
             QStringLiteral("has no register after it, but a value of its type takes %1").arg(each));
-    if (named < each)
+    if (named < each) {
         reject(address,
                QStringLiteral("names %1 of the %2 registers that a value of its type takes")
                    .arg(named)
                    .arg(each));
+    }
     if (named > each)
         reject(address, QStringLiteral("names %1 registers, but a value of its type takes %2")
                             .arg(named)
@@ -218,12 +219,6 @@ void fitRegisters(Tag& tag, const QString& address)
         reject(address, QStringLiteral("is a text of more than %1 registers, the most in one frame")
                             .arg(mostTextWords));
     tag.asked.range.together = each;
-}
-
-// Without what would control the screen.
-QString shownTitle(const QString& title)
-{
-    return title.contains(controls) ? quoted(title) : title;
 }
 
 // Reads the rows of a file one after the other.
@@ -299,14 +294,15 @@ void Reader::read(const CsvRow& row)
     tag.line = row.line;
     checkFields(row);
     takeFields(row.fields, tag);
-    if (!tag.name.isEmpty() && m_lineOf.contains(tag.name))
+    if (!tag.name.isEmpty() && m_lineOf.contains(tag.name)) {
         fail(QStringLiteral("name"),
              QStringLiteral("%1 is already in line %2; list a tag of several PLCs once, without "
                             "a link")
                  .arg(tag.name)
                  .arg(m_lineOf[tag.name]));
-    else
+    } else {
         m_lineOf.insert(tag.name, row.line);
+    }
     if (m_file.errors() == errorsBefore)
         checkWhole(row.fields, tag);
     if (m_file.errors() == errorsBefore)
@@ -393,6 +389,11 @@ int rowAfter(const CsvFile& csv, int row)
 QString numberText(double number)
 {
     return QString::number(number, 'g', QLocale::FloatingPointShortest);
+}
+
+QString shownTitle(const QString& title)
+{
+    return title.contains(controls) ? quoted(title) : title;
 }
 
 QString TagRemark::place() const

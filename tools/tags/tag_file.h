@@ -33,6 +33,9 @@ struct TagRemark
     QString place() const;  // "line 3, column scale"
 };
 
+// The title of a column without what would control the screen.
+QString shownTitle(const QString& title);
+
 struct TagFile
 {
     QVector<Tag> tags;  // those without an error

@@ -107,6 +107,17 @@ TEST(ForeignTags, FromCommentsHaveTheLabelOrTheCommentAsName)
               "C D SD TV CV 32CV");
 }
 
+TEST(ForeignTags, ControlNoScreenWithTheirTitles)
+{
+    const QTemporaryDir folder;
+    QFile file(folder.filePath("list.csv"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("Device,Label,\x1b[2J\nD0,a,x\n");
+    file.close();
+    EXPECT_EQ(importOf(file.fileName()),
+              "name,address\na,D0\nline 1, column '?[2J': is not imported");
+}
+
 TEST(ForeignTags, NeedTheirTitles)
 {
     EXPECT_THROW(importTags(golden("scada.csv"), ForeignForm::Comments, catalogue()), Failure);
