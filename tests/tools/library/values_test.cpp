@@ -64,6 +64,7 @@ const Written writtenValues[] = {
     {"D0:2", floatStyle, "3.14", {0xF5C3, 0x4048}},
     {"D0:2", {ValueFormat::Float, true}, "3.14", {0x4048, 0xF5C3}},
     {"D0:3", textStyle, "Abc", {0x6241, 0x63, 0}},
+    {"D0", textStyle, "Ab", {0x6241}},
     {"32CV200", plain, "-1", {0xFFFFFFFF}},
     {"32CV200", plain, "65536", {65536}},
     {"32CV200", plain, "4294967295", {0xFFFFFFFF}},

@@ -215,6 +215,7 @@ TEST(Session, ClockRelaysBeginWithThePower)
     EXPECT_FALSE(bench.plc.memory().bit(0x01E1, 5)) << "M8013, a second";
     bench.plc.refresh(7800 * msUs);
     EXPECT_TRUE(bench.plc.memory().bit(0x01E1, 5));
+    EXPECT_EQ(bench.plc.memory().value(0x0E1A, 2), 0U) << "D8013: its clock was not set";
 }
 
 TEST(Session, SwitchRunStopTurnsM8000AndEndsTheProgram)
