@@ -43,8 +43,10 @@ void readTagsTwice(const QVector<Tag>& tags)
     const TagFile again =
         readAgain([&] { return readTagFile(fileOf(tagFileText(tags)), catalogue()); });
     require(again.errors() == 0 && again.tags.size() == tags.size(), "tags are lost in their file");
-    for (int i = 0; i < tags.size(); ++i)
-        require(differences(tags[i], again.tags[i]).join(',').toStdString());
+    for (int i = 0; i < tags.size(); ++i) {
+        for (const TagDifference& difference : differences(tags[i], again.tags[i]))
+            require(difference.title.toStdString() + " changes in a tag's file");
+    }
 }
 
 void readRegisters(const QString& path)
