@@ -8,6 +8,7 @@
 #include "tests/model/host_side.h"
 #include "tests/model/library_driver.h"
 #include "tests/model/state_difference.h"
+#include "tests/support/times_shorter.h"
 
 #include <gtest/gtest.h>
 
@@ -15,12 +16,8 @@
 
 namespace {
 
-// Under a sanitizer one in 17 characters goes through the whole driver.
-#ifdef __SANITIZE_ADDRESS__
-constexpr int characterStep = 17;
-#else
-constexpr int characterStep = 1;
-#endif
+// Under a sanitizer or an emulator one in 17 characters goes through the whole driver.
+constexpr int characterStep = timesShorter > 1 ? 17 : 1;
 
 constexpr int byteValues = 256;
 constexpr int frameEnds = 4;  // STX, ETX, sum
