@@ -52,7 +52,7 @@ TEST(LinkSettings, HaveATextThatMeansTheSameLink)
         {"/dev/ttyUSB0", "serial:/dev/ttyUSB0"},
         {"/dev/a:b?baud=19200", "serial:/dev/a:b?baud=19200"},
         {"tcp:plc", "tcp:plc:8888"},
-        {"tcp:plc:1", "tcp:plc:1"},
+        {"tcp:plc?port=1", "tcp:plc:1"},
         {"tcp:plc:502?station=2", "tcp:plc:502?station=2"},
         {"tcp:plc:502?port=503", "tcp:plc:503"},
         {"tcp:[::1]:502", "tcp:[::1]:502"},
