@@ -168,6 +168,11 @@ void Importer::scale(const ForeignRow& row, Fields& fields)
                    quoted(row.text("Scaling")) + " is not imported: the raw value is shown");
         return;
     }
+    if (fields["type"] == "bit" || fields["type"] == "text") {
+        remark(TagRemark::Kind::Warning, row.row.line, "Scaling",
+               QStringLiteral("is not imported: it has no meaning for a bit or a text"));
+        return;
+    }
     const double rawLow = row.number("Raw Low");
     const double rawHigh = row.number("Raw High");
     const double low = row.number("Scaled Low");
@@ -346,11 +351,10 @@ QStringList lossesOf(const Tag& tag, const Tag& back)
         else if (difference.title == "address" && !difference.other.isEmpty())
             texts += QStringLiteral(": the list names only %1 of %2")
                          .arg(difference.other, difference.one);
-        else if (!difference.one.isEmpty() && !difference.other.isEmpty())
+        else if (!difference.other.isEmpty())
             texts += QStringLiteral(" changes its %1 from %2 to %3")
-                         .arg(difference.title, difference.one, difference.other);
-        else if (difference.one.isEmpty())
-            texts += QStringLiteral(" gets %1 %2").arg(difference.title, difference.other);
+                         .arg(difference.title, difference.one.isEmpty() ? "none" : difference.one,
+                              difference.other);
         else
             missing += difference.title;
     }

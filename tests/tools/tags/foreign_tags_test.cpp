@@ -80,6 +80,7 @@ TEST(ForeignTags, FromAScadaListAreScaledAndLimited)
               "Door,D5.10,,,,,100,ro,,,\n"
               "Reversed,D107,,-0.1,100,,,,0,100,\n"
               "Falling,D108,,-0.1,100,,,,,100,\n"
+              "Runs,M11,,,,,,,,,\n"
               "line 1, column Respect Data Type: is not imported\n"
               "line 1, column Scaled Data Type: is not imported\n"
               "line 5, column Tag Name: 'Pump 1 runs' became 'Pump_1_runs'\n"
@@ -89,7 +90,8 @@ TEST(ForeignTags, FromAScadaListAreScaledAndLimited)
               "line 12: '7' is both Raw Low and Raw High\n"
               "line 13, column Scan Rate: '0' is not imported: it is not a time in ms\n"
               "line 14, column Scan Rate: '1.5' is not imported: it is not a time in ms\n"
-              "line 15, column Data Type: 'bit' is not the type of D106");
+              "line 15, column Scaling: is not imported: it has no meaning for a bit or a text\n"
+              "line 16, column Data Type: 'bit' is not the type of D106");
 }
 
 TEST(ForeignTags, FromCommentsHaveTheLabelOrTheCommentAsName)
