@@ -11,6 +11,9 @@
 #include <QRegularExpression>
 #include <QStandardPaths>
 
+// A wrong file gets its message in every build: toml++ 3.3 asserts that no table's name begins with
+// ",".
+#define TOML_ASSERT(expr) static_assert(true)
 #include <toml++/toml.h>
 
 #include <algorithm>
