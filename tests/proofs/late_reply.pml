@@ -13,16 +13,14 @@
 
 #define nobody 2
 
-#ifndef LINE
-#define LINE 6  /* replies on it at most */
-#endif
-
 #ifdef RESTLESS  /* for traces: something always goes wrong */
+#define LINE 30  /* replies on it at most */
 #define mostOwed 200
 #define mostEnded 2
 #define seldom 5  /* a host ends at every 32nd wait */
 #define inVain 3
 #else
+#define LINE 6
 #define seldom 0
 #ifndef mostEnded
 #define mostEnded 0
