@@ -24,7 +24,7 @@ qint64 residentBytes()
 
 bool memoryIsWatched()
 {
-#ifdef __SANITIZE_ADDRESS__
+#if defined(__SANITIZE_ADDRESS__) || defined(FX_EMULATED)
     return true;
 #else
     const char* const preloaded = std::getenv("LD_PRELOAD");

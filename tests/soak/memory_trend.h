@@ -13,7 +13,8 @@ namespace fxsoak {
 
 qint64 residentBytes();
 
-// Whether a checker keeps freed memory by design, so that growth says nothing.
+// Whether a checker keeps freed memory by design, or an emulator adds its own, so that growth says
+// nothing.
 bool memoryIsWatched();
 
 class MemoryTrend
