@@ -36,6 +36,7 @@ ALLOWED = {
     "tools/fxhost": [*COMMON, "driver/intf.h", "tools/link/*", "tools/simulated/*",
                      "tools/library/*", "tools/exchange/*", "tools/tags/*", "tools/fxhost/*",
                      *SIMULATED_PLC],
+    "tools/fxgate": [*COMMON, "tools/link/*", "tools/library/*", "tools/tags/*", "tools/fxgate/*"],
     "tools/fxsim": ["tools/fxsim/*"],
 }
 
