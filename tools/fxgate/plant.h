@@ -28,7 +28,7 @@ struct Sample
     QJsonValue value;  // null: never read
     Quality quality = Quality::Bad;
     QString reason;     // why it is not good
-    qint64 timeMs = 0;  // when the reply came that it was taken from
+    qint64 timeMs = 0;  // when the reply came that it was taken from, or the quality changed
 };
 
 enum class ValueKind

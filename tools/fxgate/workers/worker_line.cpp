@@ -22,11 +22,6 @@ constexpr int protocol = 1;
 constexpr int mostTags = 20000;
 constexpr double largestWhole = 9007199254740992;  // 2^53: up to here a double holds every integer
 
-[[noreturn]] void refuse(const QString& text)
-{
-    throw fxtools::Failure(fxtools::ExitCode::Damaged, text);
-}
-
 QString refusal(const char* name, const char* wanted)
 {
     return QStringLiteral("%1 is not %2").arg(QLatin1String(name), QLatin1String(wanted));
@@ -37,7 +32,7 @@ QString textIn(const QJsonObject& object, const char* name)
 {
     const QJsonValue value = object[QLatin1String(name)];
     if (!value.isUndefined() && !value.isString())
-        refuse(refusal(name, "a text"));
+        refuseLine(refusal(name, "a text"));
     return value.toString();
 }
 
@@ -45,7 +40,7 @@ double numberIn(const QJsonObject& object, const char* name, double unlessSaid)
 {
     const QJsonValue value = object[QLatin1String(name)];
     if (!value.isUndefined() && !value.isDouble())
-        refuse(refusal(name, "a number"));
+        refuseLine(refusal(name, "a number"));
     return value.toDouble(unlessSaid);
 }
 
@@ -53,7 +48,7 @@ qint64 whole(const QJsonValue& value, const char* name)
 {
     const double number = value.toDouble(-1);
     if (!(number >= 0 && number <= largestWhole) || number != std::floor(number))
-        refuse(refusal(name, "a whole number"));
+        refuseLine(refusal(name, "a whole number"));
     return static_cast<qint64>(number);
 }
 
@@ -61,7 +56,7 @@ QJsonObject objectIn(const QJsonObject& object, const char* name)
 {
     const QJsonValue value = object[QLatin1String(name)];
     if (!value.isUndefined() && !value.isObject())
-        refuse(refusal(name, "an object"));
+        refuseLine(refusal(name, "an object"));
     return value.toObject();
 }
 
@@ -69,7 +64,7 @@ QJsonArray listIn(const QJsonObject& object, const char* name)
 {
     const QJsonValue value = object[QLatin1String(name)];
     if (!value.isUndefined() && !value.isArray())
-        refuse(refusal(name, "a list"));
+        refuseLine(refusal(name, "a list"));
     return value.toArray();
 }
 
@@ -83,7 +78,7 @@ Choice choiceIn(const QJsonObject& object, const char* name, const QMap<QString,
 {
     const auto found = choices.find(textIn(object, name));
     if (found == choices.end())
-        refuse(refusal(name, qPrintable(QStringList(choices.keys()).join(" or "))));
+        refuseLine(refusal(name, qPrintable(QStringList(choices.keys()).join(" or "))));
     return *found;
 }
 
@@ -93,7 +88,7 @@ ServedTag tagIn(const QJsonObject& object)
     ServedTag tag;
     tag.name = textIn(object, "name");
     if (tag.name.isEmpty() || tag.name.contains(unfit))
-        refuse(fxtools::quoted(tag.name) + " cannot be the name of a tag");
+        refuseLine(fxtools::quoted(tag.name) + " cannot be the name of a tag");
     tag.address = textIn(object, "address");
     tag.kind = choiceIn<ValueKind>(object, "kind",
                                    {{"bit", ValueKind::Bit},
@@ -114,18 +109,18 @@ ServedTag tagIn(const QJsonObject& object)
 HelloLine helloIn(const QJsonObject& object)
 {
     if (object["protocol"] != protocol)
-        refuse(QStringLiteral("it does not speak protocol %1; fxhost and fxgate must be of one "
-                              "version")
-                   .arg(protocol));
+        refuseLine(QStringLiteral("it does not speak protocol %1; fxhost and fxgate must be of one "
+                                  "version")
+                       .arg(protocol));
     HelloLine hello{textIn(object, "version"), {}};
     QSet<QString> names;
     const QJsonArray tags = listIn(object, "tags");
     if (tags.size() > mostTags)
-        refuse(QStringLiteral("more than %1 tags").arg(mostTags));
+        refuseLine(QStringLiteral("more than %1 tags").arg(mostTags));
     for (const QJsonValue& tag : tags) {
         hello.tags.append(tagIn(tag.toObject()));
         if (names.contains(hello.tags.last().name))
-            refuse("two tags have the name " + fxtools::quoted(hello.tags.last().name));
+            refuseLine("two tags have the name " + fxtools::quoted(hello.tags.last().name));
         names.insert(hello.tags.last().name);
     }
     return hello;
@@ -155,7 +150,8 @@ ValuesLine valuesIn(const QJsonObject& object)
     const QJsonObject good = objectIn(object, "good");
     for (auto tag = good.begin(); tag != good.end(); ++tag) {
         if (!isScalar(tag.value()))
-            refuse("the value of " + fxtools::quoted(tag.key()) + " is not a bit, number or text");
+            refuseLine("the value of " + fxtools::quoted(tag.key()) +
+                       " is not a bit, number or text");
         values.good.insert(tag.key(), tag.value());
     }
     values.stale = reasonsIn(object, "stale");
@@ -205,11 +201,16 @@ QByteArray line(const char* name, const QJsonObject& members)
 
 }  // namespace
 
+void refuseLine(const QString& reason)
+{
+    throw fxtools::Failure(fxtools::ExitCode::Damaged, reason);
+}
+
 WorkerLine parseWorkerLine(const QByteArray& line)
 {
     const QJsonDocument document = QJsonDocument::fromJson(line);
     if (!document.isObject())
-        refuse(fxtools::quoted(QString::fromUtf8(line)) + " is not a JSON object");
+        refuseLine(fxtools::quoted(QString::fromUtf8(line)) + " is not a JSON object");
     const QJsonObject object = document.object();
     const QString event = textIn(object, "event");
     if (event == QLatin1String("values"))
@@ -224,7 +225,7 @@ WorkerLine parseWorkerLine(const QByteArray& line)
         return helloIn(object);
     if (event == QLatin1String("mistake"))
         return MistakeLine{textIn(object, "text")};
-    refuse("unknown event " + fxtools::quoted(event));
+    refuseLine("unknown event " + fxtools::quoted(event));
 }
 
 QByteArray writeLine(const QString& id, const QString& tag, const QJsonValue& value)

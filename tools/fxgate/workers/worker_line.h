@@ -64,6 +64,9 @@ using WorkerLine =
 // Throws Failure if it is none.
 WorkerLine parseWorkerLine(const QByteArray& line);
 
+// Throws this Failure: the worker that said it is ended.
+[[noreturn]] void refuseLine(const QString& reason);
+
 QByteArray writeLine(const QString& id, const QString& tag, const QJsonValue& value);
 QByteArray refreshLine();
 QByteArray stopLine();
