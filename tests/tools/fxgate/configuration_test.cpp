@@ -3,49 +3,32 @@
 //
 // fxgate.toml: what is read out of it, and every mistake of a file at once, with its place.
 
+#include "tests/tools/fxgate/gate_support.h"
 #include "tests/tools/support/failure_of.h"
 #include "tools/fxgate/configuration.h"
 
-#include <QDir>
 #include <QFile>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
 using namespace fxgate;
+using namespace gate_tests;
 
 namespace {
 
-// A folder with a configuration and the files that it names.
-class Folder
+ConfigurationFile readIn(const Folder& folder, const QByteArray& toml)
 {
-public:
-    QString write(const QString& name, const QByteArray& content) const
-    {
-        QFile file(m_folder.filePath(name));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(content);
-        file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-        return file.fileName();
-    }
+    return readConfigurationFile(folder.write("fxgate.toml", toml));
+}
 
-    ConfigurationFile read(const QByteArray& toml) const
-    {
-        return readConfigurationFile(write("fxgate.toml", toml));
-    }
-
-    // All mistakes as the user sees them, without the file's name.
-    std::string mistakes(const QByteArray& toml) const
-    {
-        QString text;
-        for (const Mistake& mistake : read(toml).mistakes)
-            text += mistake.in("f") + '\n';
-        return text.remove(m_folder.path() + '/').toStdString();
-    }
-
-private:
-    QTemporaryDir m_folder;
-};
+// All mistakes as the user sees them, without the folder.
+std::string mistakesIn(const Folder& folder, const QByteArray& toml)
+{
+    QString text;
+    for (const Mistake& mistake : readIn(folder, toml).mistakes)
+        text += mistake.in("f") + '\n';
+    return text.remove(folder.path(QString()) + '/').toStdString();
+}
 
 bool holds(const std::string& text, const std::string& part)
 {
@@ -70,7 +53,7 @@ TEST(GateConfiguration, IsReadWhole)
     folder.write("secret", "hidden");
     folder.write("press1.csv", "name,address\n");
     folder.write("ca.pem", "");
-    const ConfigurationFile file = folder.read(R"(
+    const ConfigurationFile file = readIn(folder, R"(
 [gateway]
 name = "cabinet1"
 store = "/var/store.db"
@@ -143,7 +126,7 @@ TEST(GateConfiguration, AllowsNoWritesUnlessItSaysSo)
 {
     const Folder folder;
     folder.write("press1.csv", "name,address\n");
-    const ConfigurationFile file = folder.read(least);
+    const ConfigurationFile file = readIn(folder, least);
     EXPECT_TRUE(file.mistakes.isEmpty());
     EXPECT_FALSE(file.configuration.writes.isAllowed);
     EXPECT_FALSE(file.configuration.links["press1"].isWritable);
@@ -154,7 +137,7 @@ TEST(GateConfiguration, TellsAllMistakesAtOnce)
 {
     const Folder folder;
     folder.write("press1.csv", "name,address\n");
-    EXPECT_EQ(folder.mistakes(R"([gatway]
+    EXPECT_EQ(mistakesIn(folder, R"([gatway]
 [gateway]
 name = "cabinet/1"
 store-limit = "100"
@@ -211,7 +194,7 @@ f, line 28, column 1: unknown key 'tag'; did you mean 'tags'?
 
 TEST(GateConfiguration, TellsWhatIsMissing)
 {
-    EXPECT_EQ(Folder().mistakes(""),
+    EXPECT_EQ(mistakesIn(Folder(), ""),
               "f: name is missing below [gateway]; for example name = \"cabinet1\"\n"
               "f: url is missing below [broker]; for example url = "
               "\"mqtts://broker.example:8883\"\n"
@@ -221,10 +204,10 @@ TEST(GateConfiguration, TellsWhatIsMissing)
 
 TEST(GateConfiguration, TellsWhereItIsNoToml)
 {
-    EXPECT_EQ(Folder().mistakes("[gateway]\nname = cabinet1\n").substr(0, 21),
+    EXPECT_EQ(mistakesIn(Folder(), "[gateway]\nname = cabinet1\n").substr(0, 21),
               "f, line 2, column 8: ");
     EXPECT_TRUE(
-        holds(Folder().mistakes("gateway = 5\n"),
+        holds(mistakesIn(Folder(), "gateway = 5\n"),
               "f, line 1, column 11: gateway must be a table: [gateway] and its keys below\n"));
 }
 
@@ -261,7 +244,7 @@ TEST(GateConfiguration, EncryptsUnlessTheBrokerIsOnThisMachine)
     folder.write("press1.csv", "name,address\n");
     for (const auto& [url, says] : rows) {
         const QByteArray toml = QByteArray(least).replace("mqtt://localhost", url);
-        EXPECT_EQ(folder.mistakes(toml), QString(says).replace("%1", url).toStdString()) << url;
+        EXPECT_EQ(mistakesIn(folder, toml), QString(says).replace("%1", url).toStdString()) << url;
     }
 }
 
@@ -272,9 +255,9 @@ TEST(GateConfiguration, RefusesASecretThatOthersMayRead)
     const QString secret = folder.write("secret", "hidden");
     const QByteArray toml =
         QByteArray(least).replace("[plain]", "user = \"me\"\npassword-file = \"secret\"\n[plain]");
-    EXPECT_EQ(folder.mistakes(toml), "");
+    EXPECT_EQ(mistakesIn(folder, toml), "");
     QFile::setPermissions(secret, QFile::permissions(secret) | QFileDevice::ReadOther);
-    EXPECT_EQ(folder.mistakes(toml),
+    EXPECT_EQ(mistakesIn(folder, toml),
               "f, line 6, column 17: secret: others can read or write it; run chmod o-rw on it\n");
 }
 
@@ -286,13 +269,13 @@ TEST(GateConfiguration, DiffersWhereAFileItNamesDoes)
     folder.write("press1.csv", "name,address\n");
     const QByteArray toml =
         QByteArray(least).replace("[plain]", "user = \"me\"\npassword-file = \"secret\"\n[plain]");
-    const Configuration first = folder.read(toml).configuration;
-    EXPECT_EQ(folder.read(toml).configuration.broker, first.broker);
-    EXPECT_EQ(folder.read(toml).configuration.links["press1"], first.links["press1"]);
+    const Configuration first = readIn(folder, toml).configuration;
+    EXPECT_EQ(readIn(folder, toml).configuration.broker, first.broker);
+    EXPECT_EQ(readIn(folder, toml).configuration.links["press1"], first.links["press1"]);
     folder.write("secret", "two");
-    EXPECT_FALSE(folder.read(toml).configuration.broker == first.broker);
+    EXPECT_FALSE(readIn(folder, toml).configuration.broker == first.broker);
     folder.write("press1.csv", "name,address\nflow,D0\n");
-    EXPECT_FALSE(folder.read(toml).configuration.links["press1"] == first.links["press1"]);
+    EXPECT_FALSE(readIn(folder, toml).configuration.links["press1"] == first.links["press1"]);
 }
 
 TEST(GateConfiguration, ThatIsMissingIsNamed)
