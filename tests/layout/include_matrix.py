@@ -17,7 +17,8 @@ SIMULATED_PLC = ["tools/fxsim/plc/*", "tools/fxsim/line/*", "tools/fxsim/faults/
                  "tools/fxsim/control/control.h"]
 
 # What every tool but the simulator may include.
-COMMON = ["tools/failure.h", "tools/quoted.h", "tools/table.h", "tools/words.h"]
+COMMON = ["tools/command_help.h", "tools/failure.h", "tools/quoted.h", "tools/table.h",
+          "tools/words.h"]
 
 # What the sources of each folder may include of the project.
 ALLOWED = {
