@@ -17,6 +17,7 @@ namespace fxgate {
 
 namespace {
 
+constexpr int killedMs = 1000;  // a process is gone by then, unless its disk or port holds it
 constexpr qint64 longestTickMs = 1000;  // after longer the gateway itself was stopped
 
 const QString silence = QStringLiteral("the worker does not answer");
@@ -65,7 +66,7 @@ LinkSupervisor::~LinkSupervisor()
         return;
     m_process->disconnect(this);
     m_process->kill();
-    m_process->waitForFinished(1000);
+    m_process->waitForFinished(killedMs);
 }
 
 void LinkSupervisor::start()
@@ -235,16 +236,19 @@ void LinkSupervisor::stop()
         m_process->closeWriteChannel();
 }
 
-void LinkSupervisor::kill()
+void LinkSupervisor::endBy(const QDeadlineTimer& deadline)
 {
-    if (m_process)
+    if (m_process && !m_process->waitForFinished(static_cast<int>(deadline.remainingTime())) &&
+        m_process) {
         m_process->kill();
+        m_process->waitForFinished(killedMs);
+    }
 }
 
 void LinkSupervisor::end(const QString& reason)
 {
     m_whyEnded = reason;
-    kill();
+    m_process->kill();
 }
 
 QString LinkSupervisor::howItEnded() const

@@ -13,6 +13,7 @@
 #include "tools/fxgate/workers/line_feed.h"
 #include "tools/fxgate/workers/restart_pause.h"
 
+#include <QDeadlineTimer>
 #include <QProcess>
 
 #include <functional>
@@ -54,10 +55,11 @@ public:
     void send(const QByteArray& line);
     void tellAllAgain();
 
-    void stop();  // asks the worker to end, for good
-    void kill();
+    void stop();                                 // asks the worker to end, for good
+    void endBy(const QDeadlineTimer& deadline);  // waits for that; then it is killed
     bool hasEnded() const { return !m_process; }
 
+    const QString& name() const { return m_name; }
     const ServedLink& link() const { return m_link; }
     const LinkReport& report() const { return m_report; }
 

@@ -26,6 +26,8 @@ QString auditTime(qint64 utcMs)
     return QDateTime::fromMSecsSinceEpoch(utcMs, Qt::UTC).toString(Qt::ISODateWithMs);
 }
 
+}  // namespace
+
 const char* outcomeName(Outcome outcome)
 {
     switch (outcome) {
@@ -40,6 +42,8 @@ const char* outcomeName(Outcome outcome)
     }
     return "unknown";
 }
+
+namespace {
 
 QJsonObject auditLine(const char* event, const WriteRequest& request, Moment now)
 {
@@ -192,6 +196,12 @@ void Writes::sendNext(const QString& link, Moment now)
     }
 }
 
+void Writes::answer(const Pending& write, const WriteResult& result)
+{
+    ++m_counts[result.outcome];
+    write.answer(result);
+}
+
 void Writes::finishFirst(Queue& queue, WriteResult result, Moment now)
 {
     const Pending write = queue.writes.front();
@@ -199,7 +209,7 @@ void Writes::finishFirst(Queue& queue, WriteResult result, Moment now)
     queue.isSent = false;
     result.timeMs = now.utcMs;
     m_audit.append(auditLine(write.request, result, now));
-    write.answer(result);
+    answer(write, result);
 }
 
 void Writes::written(const QString& link, const WrittenLine& line, Moment now)
@@ -273,7 +283,7 @@ void Writes::refuse(const Pending& write, const QString& reason, Moment now)
     result.timeMs = now.utcMs;
     if (++m_refusals <= mostRefusalsPerMinute)
         m_audit.append(auditLine(write.request, result, now));
-    write.answer(result);
+    answer(write, result);
 }
 
 }  // namespace fxgate

@@ -19,6 +19,8 @@
 
 namespace fxgate {
 
+const char* outcomeName(WriteResult::Outcome outcome);  // "done"
+
 class Writes
 {
 public:
@@ -43,6 +45,9 @@ public:
 
     bool isIdle() const;  // nothing was sent and not answered
 
+    using Counts = std::map<WriteResult::Outcome, qint64>;
+    const Counts& counts() const { return m_counts; }  // of answers
+
 private:
     struct Pending
     {
@@ -65,6 +70,7 @@ private:
     bool isOverRate(Queue& queue, Moment now) const;
     void sendNext(const QString& link, Moment now);
     void finishFirst(Queue& queue, WriteResult result, Moment now);
+    void answer(const Pending& write, const WriteResult& result);
     void refuse(const Pending& write, const QString& reason, Moment now);
 
     const Plant& m_plant;
@@ -73,6 +79,7 @@ private:
     WriteSettings m_settings;
     QMap<QString, ServedLink> m_links;
     std::map<QString, Queue> m_queues;  // by link
+    Counts m_counts;
     quint64 m_sent = 0;
     bool m_isStopping = false;
     qint64 m_minuteBeganMs = 0;
