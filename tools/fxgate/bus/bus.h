@@ -16,10 +16,12 @@ struct BusStatus
     bool isConnected = false;  // and the form has told what it must tell first
     qint64 sinceMs = 0;
     QString lastError;
-    QString storeProblem;  // empty: what has to be stored is
-    qint64 waiting = 0;    // changes that are to be sent
-    qint64 dropped = 0;    // changes, in this run
-    qint64 sent = 0;       // messages, in this run
+    QString storeProblem;    // empty: what has to be stored is
+    int attempts = 0;        // to connect, in this run
+    qint64 unconfirmed = 0;  // changes that were sent
+    qint64 waiting = 0;      // changes that are to be sent
+    qint64 dropped = 0;      // changes, in this run
+    qint64 sent = 0;         // messages, in this run
     qint64 received = 0;
 };
 

@@ -7,26 +7,13 @@
 #pragma once
 
 #include "tools/fxgate/bus/broker_connection.h"
+#include "tools/fxgate/bus/bus.h"
 #include "tools/fxgate/bus/form.h"
 #include "tools/fxgate/store/outbox.h"
 
 #include <QElapsedTimer>
 
 namespace fxgate {
-
-struct BusStatus
-{
-    bool isConnected = false;  // and the form has told what it must tell first
-    qint64 sinceMs = 0;
-    QString lastError;
-    QString storeProblem;    // empty: what has to be stored is
-    int attempts = 0;        // to connect, in this run
-    qint64 unconfirmed = 0;  // changes that were sent
-    qint64 waiting = 0;      // changes that are to be sent
-    qint64 dropped = 0;      // changes, in this run
-    qint64 sent = 0;         // messages, in this run
-    qint64 received = 0;
-};
 
 class BusClient : public QObject
 {
