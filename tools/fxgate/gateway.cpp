@@ -89,9 +89,7 @@ void Gateway::linkChanged(const QString& link)
 void Gateway::addBus(FormKind kind)
 {
     std::shared_ptr<Bus> bus = m_makeBus(kind, m_configuration, m_plant);
-    bus->onState = [this, kind](const QString& line) {
-        m_log(QLatin1String(nameOf(kind)) + ": " + line);
-    };
+    bus->onState = m_log;
     const std::weak_ptr<Bus> asker = bus;  // gone after a reload, perhaps
     bus->onWrite = [this, asker](const WriteRequest& request) {
         const auto answer = [asker, request](const WriteResult& result) {

@@ -9,7 +9,6 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QLocalSocket>
-#include <QStandardPaths>
 
 namespace fxgate {
 
@@ -17,6 +16,8 @@ namespace {
 
 constexpr int longestRequest = 64;  // in bytes
 constexpr int replyMs = 10000;      // a reload waits for workers
+
+const QString socketOfService = QStringLiteral("/run/fxgate/control");
 
 [[noreturn]] void fail(const QString& text)
 {
@@ -60,14 +61,15 @@ void ControlSocket::serve(QLocalSocket* client)
 QString usualSocket()
 {
     const QString ofService = qEnvironmentVariable("RUNTIME_DIRECTORY");
-    return ofService.isEmpty() ? QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation) +
-                                     "/fxgate/control"
-                               : ofService + "/control";
+    const QString ofUser = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    if (!ofService.isEmpty())
+        return ofService + "/control";
+    return ofUser.isEmpty() ? socketOfService : ofUser + "/fxgate/control";
 }
 
 QStringList socketPlaces()
 {
-    return {usualSocket(), QStringLiteral("/run/fxgate/control")};
+    return {usualSocket(), socketOfService};
 }
 
 QJsonObject ask(const QString& path, const QByteArray& request)
@@ -75,11 +77,13 @@ QJsonObject ask(const QString& path, const QByteArray& request)
     QLocalSocket socket;
     socket.connectToServer(path);
     if (!socket.waitForConnected(replyMs))
-        fail("no gateway answers at " + path + ": " + socket.errorString());
+        fail(socket.error() == QLocalSocket::SocketAccessError
+                 ? path + ": only the gateway's user and root may ask it"
+                 : "no gateway answers at " + path);
     socket.write(request + '\n');
     while (!socket.canReadLine()) {
         if (!socket.waitForReadyRead(replyMs))
-            fail("the gateway at " + path + " did not reply: " + socket.errorString());
+            fail("the gateway at " + path + " did not reply");
     }
     return QJsonDocument::fromJson(socket.readLine()).object();
 }

@@ -236,8 +236,7 @@ TEST(ControlSocket, ReplacesWhatAKilledGatewayLeft)
     gone.waitForFinished(-1);
     ASSERT_TRUE(QFile::exists(path));
     EXPECT_EQ(tool_tests::failureOf(fxtools::ExitCode::File, [&] { ask(path, "status"); }),
-              "no gateway answers at " + path.toStdString() +
-                  ": QLocalSocket::connectToServer: Connection refused");
+              "no gateway answers at " + path.toStdString());
     const ControlSocket socket(path, [](const QByteArray&) { return QJsonObject(); });
 }
 
