@@ -189,6 +189,9 @@ void readLinks(Section section, Configuration& configuration)
         Section inner = section.inner(name);
         if (!isName(name))
             inner.rejectAll(nameMistake(name));
+        if (name == QLatin1String("state"))
+            inner.rejectAll(QStringLiteral("no link can be named state: the topic of the gateway's "
+                                           "state has this name"));
         configuration.links.insert(name, linkIn(inner, port));
         if (!port.isEmpty() && users.contains(port))
             inner.reject("link", "link " + users[port] + " uses this port already");

@@ -211,6 +211,15 @@ TEST(GateConfiguration, TellsWhereItIsNoToml)
               "f, line 1, column 11: gateway must be a table: [gateway] and its keys below\n"));
 }
 
+TEST(GateConfiguration, KeepsTheTopicOfTheGatewaysStateFree)
+{
+    const Folder folder;
+    folder.write("press1.csv", "name,address\n");
+    EXPECT_EQ(mistakesIn(folder, QByteArray(least).replace("[link.press1]", "[link.state]")),
+              "f, line 6, column 1: no link can be named state: the topic of the gateway's state "
+              "has this name\n");
+}
+
 TEST(GateConfiguration, EncryptsUnlessTheBrokerIsOnThisMachine)
 {
     struct Row

@@ -3,7 +3,7 @@
 
 #include "tools/fxgate/bus/sparkplug_payload.h"
 
-#include "sparkplug.pb.h"
+#include <sparkplug.pb.h>
 
 #include <cmath>
 
