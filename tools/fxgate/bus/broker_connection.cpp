@@ -35,7 +35,7 @@ QByteArray firstLine(const QString& path, bool& isRead)
 {
     QFile file(path);
     isRead = file.open(QIODevice::ReadOnly);
-    return file.readLine().trimmed();
+    return isRead ? file.readLine().trimmed() : QByteArray();
 }
 
 // A key file with a pass phrase is refused: nobody is there to be asked.
@@ -151,7 +151,7 @@ struct BrokerConnection::Callbacks
 
     static void log(mosquitto* /*client*/, void* object, int level, const char* text)
     {
-        if (level == MOSQ_LOG_ERR)
+        if (level == MOSQ_LOG_ERR && connectionOf(object).m_error.isEmpty())
             connectionOf(object).m_error = QString::fromUtf8(text);
     }
 };
@@ -261,7 +261,7 @@ void BrokerConnection::read()
 {
     for (int packet = 0; packet < packetsAtOnce; ++packet) {
         errno = 0;
-        if (m_hasEnded || !isGood(mosquitto_loop_read(m_client, 1)))
+        if (m_hasEnded || !isGood(mosquitto_loop_read(m_client, 1)) || isRefused())
             return;
         if (errno == EAGAIN || errno == EWOULDBLOCK) {
             watchSocket();
@@ -270,6 +270,16 @@ void BrokerConnection::read()
     }
     watchSocket();
     QTimer::singleShot(0, this, [this] { read(); });
+}
+
+// An encrypted connection that was refused is tried for ever by the MQTT library.
+bool BrokerConnection::isRefused()
+{
+    pollfd socket = {mosquitto_socket(m_client), 0, 0};
+    const bool isRefused = !m_wasConnectSent && poll(&socket, 1, 0) > 0;
+    if (isRefused)
+        end(QStringLiteral("no connection"));
+    return isRefused;
 }
 
 void BrokerConnection::write()

@@ -58,13 +58,14 @@ private:
     void write();
     void watchSocket();
     bool isGood(int result);
+    bool isRefused();
     void stopWatching();
 
     BrokerSettings m_settings;
     mosquitto* m_client;
     std::unique_ptr<QSocketNotifier> m_readable, m_writable;
     QTimer m_everySecond;
-    QString m_error;  // the last one that the MQTT library told
+    QString m_error;  // the first one that the MQTT library told
     bool m_isConnected = false;
     bool m_wasConnectSent = false;
     bool m_hasEnded = false;

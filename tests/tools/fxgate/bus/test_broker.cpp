@@ -37,8 +37,9 @@ Broker::Broker(const QByteArray& lines) : m_lines(lines)
 
 void Broker::start()
 {
-    const QString file = m_folder.write("mosquitto.conf", "listener " + QByteArray::number(m_port) +
-                                                              " 127.0.0.1\n" + m_lines);
+    const QString file =
+        m_folder.write("mosquitto.conf", "user root\nlistener " + QByteArray::number(m_port) +
+                                             " 127.0.0.1\n" + m_lines);
     m_process = std::make_unique<ChildProcess>();
     m_process->setStandardErrorFile("/dev/null");
     m_process->start("mosquitto", {"-c", file}, QIODevice::ReadOnly);
