@@ -158,21 +158,21 @@ Messages PlainForm::connected(qint64 nowMs)
 {
     Messages messages = {state(QStringLiteral("online"), nowMs)};
     const QStringList links = m_retained.keys() + m_plant.keys();
-    for (const QString& link : QSet<QString>(links.begin(), links.end()))
+    for (const QString& link : QSet<QString>(links.begin(), links.end())) {
         messages += linkChanged(link, nowMs);
+        const LinkView view = m_plant.value(link);
+        QVector<Change> changes;
+        for (const ServedTag& tag : view.tags)
+            if (view.samples.contains(tag.name))
+                changes.append({link, tag.name, view.samples.value(tag.name)});
+        messages += values(changes, nowMs);
+    }
     return messages;
 }
 
 Messages PlainForm::linkChanged(const QString& link, qint64 nowMs)
 {
-    Messages messages = {linkState(link, nowMs)};
-    messages += outdated(link, nowMs);
-    const LinkView view = m_plant.value(link);
-    QVector<Change> changes;
-    for (const ServedTag& tag : view.tags)
-        if (view.samples.contains(tag.name))
-            changes.append({link, tag.name, view.samples.value(tag.name)});
-    return messages + values(changes, nowMs);
+    return Messages{linkState(link, nowMs)} + outdated(link, nowMs);
 }
 
 Messages PlainForm::dropped(qint64 changes, qint64 nowMs)
