@@ -16,6 +16,7 @@ namespace {
 
 constexpr int mostWriteBytes = 4096;  // a text register holds less
 constexpr int mostIdCharacters = 128;
+const QString stateTopic = QStringLiteral("state");  // of a link, where a tag of this name would be
 
 QString timeText(qint64 timeMs)
 {
@@ -181,15 +182,17 @@ Messages PlainForm::dropped(qint64 changes, qint64 nowMs)
     return {state(QStringLiteral("online"), nowMs)};
 }
 
-Form::Sending PlainForm::sending(const QString& link, const QString& /*tag*/) const
+Form::Sending PlainForm::sending(const QString& link, const QString& tag) const
 {
-    return m_plant.contains(link) ? Sending::Now : Sending::Never;
+    return m_plant.contains(link) && tag != stateTopic ? Sending::Now : Sending::Never;
 }
 
 Messages PlainForm::values(const QVector<Change>& changes, qint64 /*nowMs*/)
 {
     Messages messages;
     for (const Change& change : changes) {
+        if (change.tag == stateTopic)
+            continue;
         m_retained[change.link].insert(change.tag);
         messages.append({m_root + change.link + '/' + change.tag,
                          compact(sampleObject(change.sample)), 1, true});

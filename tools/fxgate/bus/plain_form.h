@@ -11,7 +11,7 @@
 //   <link>/<tag>/set          received  {"v":12.5,"id":..,"t":..}, or the value alone
 //   <link>/<tag>/set/reply              {"id":..,"outcome":..,"old":..,"new":..,"reason":..,"t":..}
 //
-// Times are ISO 8601 in UTC with milliseconds. No tag can be named "state".
+// Times are ISO 8601 in UTC with milliseconds. A tag named "state" is left out.
 
 #pragma once
 

@@ -137,6 +137,12 @@ TEST_F(PlainFormTest, SendsWhatIsConfigured)
     EXPECT_EQ(m_form.sending("press2", "flow"), Form::Sending::Never);
 }
 
+TEST_F(PlainFormTest, TagCannotTakeTheTopicOfItsLinksState)
+{
+    EXPECT_EQ(m_form.sending("press1", "state"), Form::Sending::Never);
+    EXPECT_TRUE(m_form.values({change("state", 1, noon)}, noon).isEmpty());
+}
+
 TEST_F(PlainFormTest, WriteIsAValueOrAnObject)
 {
     EXPECT_EQ(m_form.subscriptions(), QStringList("fx/cabinet1/+/+/set"));
