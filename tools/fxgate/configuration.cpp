@@ -118,6 +118,10 @@ SparkplugSettings sparkplugIn(Section section, const QString& gateway)
                                      section.name("primary-host")};
     if (settings.group.isEmpty())
         section.missing("group", "group = \"plant\"");
+    if (settings.group == QLatin1String("STATE"))
+        section.reject("group",
+                       QStringLiteral("no group can be named STATE: hosts tell their state "
+                                      "there"));
     return settings;
 }
 

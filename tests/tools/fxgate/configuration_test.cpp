@@ -220,6 +220,21 @@ TEST(GateConfiguration, KeepsTheTopicOfTheGatewaysStateFree)
               "has this name\n");
 }
 
+TEST(GateConfiguration, RefusesNamesThatSparkplugTopicsCannotHave)
+{
+    const Folder folder;
+    folder.write("press1.csv", "name,address\n");
+    const auto refused = [&folder](const char* lines) {
+        return mistakesIn(folder, QByteArray(least).replace("[plain]\n", lines));
+    };
+    EXPECT_EQ(refused("[sparkplug]\ngroup = \"plant\"\n"), "");
+    EXPECT_TRUE(holds(refused("[sparkplug]\ngroup = \"a/b\"\n"), "invalid name 'a/b'"));
+    EXPECT_TRUE(holds(refused("[sparkplug]\ngroup = \"STATE\"\n"), "no group can be named STATE"));
+    EXPECT_TRUE(holds(refused("[sparkplug]\ngroup = \"a\"\nnode = \"b#\"\n"), "invalid name 'b#'"));
+    EXPECT_TRUE(holds(mistakesIn(folder, QByteArray(least).replace("press1]", "\"press+\"]")),
+                      "invalid name 'press+'"));
+}
+
 TEST(GateConfiguration, EncryptsUnlessTheBrokerIsOnThisMachine)
 {
     struct Row
