@@ -22,6 +22,7 @@ namespace {
 using fxtools::quoted;
 
 constexpr int mostLinks = 1000;
+constexpr qint64 dayMs = 86400000;
 
 // Of the file that this key names; a file that cannot be read is a mistake.
 void addDigest(Section& section, const char* key, const QString& path, QCryptographicHash& digest)
@@ -35,7 +36,7 @@ void addDigest(Section& section, const char* key, const QString& path, QCryptogr
 
 QString secretFile(Section& section, const char* key)
 {
-    const QString path = section.file(key);
+    QString path = section.file(key);
     const QFileDevice::Permissions others = QFileDevice::ReadOther | QFileDevice::WriteOther;
     if (!path.isEmpty() && (QFile::permissions(path) & others))
         section.reject(key, path + ": others can read or write it; run chmod o-rw on it");
@@ -100,22 +101,22 @@ void readGateway(Section section, Configuration& configuration)
     gateway.name = section.name("name");
     if (gateway.name.isEmpty())
         section.missing("name", "name = \"cabinet1\"");
-    gateway.refreshMs = section.timeMs("refresh", {60000, 7 * 86400000}, gateway.refreshMs);
+    gateway.refreshMs = section.timeMs("refresh", {60000, 7 * dayMs}, gateway.refreshMs);
     gateway.audit = section.file("audit", gateway.audit);
     gateway.metrics = section.file("metrics");
     gateway.fxhost = section.file("fxhost");
     StoreSettings& store = configuration.store;
     store.file = section.file("store", store.file);
     store.limitBytes = section.bytes("store-limit", {1 << 20, qint64(1) << 40}, store.limitBytes);
-    store.ageMs = section.timeMs("store-age", {60000, 366 * qint64(86400000)}, store.ageMs);
+    store.ageMs = section.timeMs("store-age", {60000, 366 * dayMs}, store.ageMs);
     store.rowsPerSecond = section.number("history-per-second", {1, 100000}, store.rowsPerSecond);
 }
 
 SparkplugSettings sparkplugIn(Section section, const QString& gateway)
 {
     section.allowOnly({"group", "node", "primary-host"});
-    const SparkplugSettings settings{section.name("group"), section.name("node", gateway),
-                                     section.name("primary-host")};
+    SparkplugSettings settings{section.name("group"), section.name("node", gateway),
+                               section.name("primary-host")};
     if (settings.group.isEmpty())
         section.missing("group", "group = \"plant\"");
     if (settings.group == QLatin1String("STATE"))
@@ -165,12 +166,12 @@ ServedLink linkIn(Section section, QString& port)
     served.link = section.text("link");
     if (served.link.isEmpty())
         section.missing("link", "link = \"serial:/dev/ttyUSB0?baud=9600\"");
-    else
-        try {
+    try {
+        if (!served.link.isEmpty())
             port = portOf(fxtools::parseLink(served.link));
-        } catch (const fxtools::Failure& failure) {
-            section.reject("link", failure.text());
-        }
+    } catch (const fxtools::Failure& failure) {
+        section.reject("link", failure.text());
+    }
     served.tags = section.file("tags");
     if (served.tags.isEmpty())
         section.missing("tags", "tags = \"press1.csv\"");

@@ -60,14 +60,14 @@ struct GatewaySettings
     QString audit = QStringLiteral("/var/lib/fxgate/audit.jsonl");
     QString metrics;  // empty: none
     QString fxhost;   // empty: beside fxgate
-    qint64 refreshMs = 3600 * 1000;
+    qint64 refreshMs = 3600000;
 };
 
 struct StoreSettings
 {
     QString file = QStringLiteral("/var/lib/fxgate/store.db");
     qint64 limitBytes = 100 << 20;
-    qint64 ageMs = 7 * qint64(24 * 3600 * 1000);
+    qint64 ageMs = 7 * qint64(86400000);
     int rowsPerSecond = 500;
 
     bool operator==(const StoreSettings& other) const;

@@ -139,7 +139,7 @@ QString Section::text(const char* key, const QString& unlessSaid)
     const toml::node* const found = node(key);
     if (!found)
         return unlessSaid;
-    const QString text = found->is_string() ? textOf(found->as_string()->get()) : QString();
+    QString text = found->is_string() ? textOf(found->as_string()->get()) : QString();
     if (text.isEmpty() || text.contains(QChar(0))) {
         reject(key, QStringLiteral("%1 must be a text in quotes").arg(QLatin1String(key)));
         return unlessSaid;
@@ -149,7 +149,7 @@ QString Section::text(const char* key, const QString& unlessSaid)
 
 QString Section::name(const char* key, const QString& unlessSaid)
 {
-    const QString name = text(key, unlessSaid);
+    QString name = text(key, unlessSaid);
     if (!name.isEmpty() && !isName(name))
         reject(key, nameMistake(name));
     return name;
@@ -163,7 +163,7 @@ QString Section::file(const char* key, const QString& unlessSaid)
 
 QString Section::oneOf(const char* key, const QStringList& words)
 {
-    const QString word = text(key, words.first());
+    QString word = text(key, words.first());
     if (words.contains(word))
         return word;
     reject(key, QStringLiteral("%1 must be \"%2\"")

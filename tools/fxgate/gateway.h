@@ -59,7 +59,7 @@ private:
     void endLinks(const QVector<LinkSupervisor*>& links) const;
     QStringList changeLinks(const Configuration& old);
     void addBus(FormKind kind);
-    bool isBusKept(FormKind kind, const Configuration& old) const;
+    bool isBusKept(FormKind kind, const Configuration& next) const;
     QStringList endBuses(const Configuration& next);
     QStringList startBuses();
     void linkChanged(const QString& link);

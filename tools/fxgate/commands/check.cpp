@@ -7,6 +7,7 @@
 #include "tools/table.h"
 #include "tools/tags/tag_check.h"
 
+#include <QFile>
 #include <QMap>
 
 #include <algorithm>

@@ -35,7 +35,7 @@ Moment momentNow()
 // The signals that run() handles, as a file that becomes readable.
 int openSignals()
 {
-    std::signal(SIGPIPE, SIG_IGN);
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     sigset_t handled;
     sigemptyset(&handled);
     for (const int number : {SIGTERM, SIGINT, SIGHUP})
@@ -87,7 +87,7 @@ private:
     {
         notifyReloading();
         const QString oldMetrics = m_gateway.configuration().gateway.metrics;
-        const Gateway::Reload reload = m_gateway.reload();
+        Gateway::Reload reload = m_gateway.reload();
         if (m_gateway.configuration().gateway.metrics != oldMetrics)
             QFile::remove(oldMetrics);
         writeMetrics();

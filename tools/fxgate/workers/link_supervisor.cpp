@@ -34,7 +34,7 @@ protected:
         sigset_t none;
         sigemptyset(&none);
         sigprocmask(SIG_SETMASK, &none, nullptr);
-        std::signal(SIGPIPE, SIG_DFL);
+        static_cast<void>(std::signal(SIGPIPE, SIG_DFL));
     }
 };
 

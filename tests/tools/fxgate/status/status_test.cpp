@@ -4,6 +4,7 @@
 // What the gateway shows of itself: the table, the metrics, and who may ask for them.
 
 #include "tests/tools/fxgate/gate_support.h"
+#include "tests/tools/support/child_process.h"
 #include "tests/tools/support/failure_of.h"
 #include "tools/fxgate/status/control_socket.h"
 #include "tools/fxgate/status/notify.h"
@@ -12,7 +13,6 @@
 #include <QFile>
 #include <QJsonArray>
 #include <QLocalSocket>
-#include <QProcess>
 #include <QRegularExpression>
 #include <QSet>
 
@@ -160,7 +160,7 @@ TEST(Metrics, EscapeWhatALabelCannotHold)
 // Where Debian's package is installed; it is large, so no other test needs it.
 TEST(Metrics, AreAcceptedByPromtool)
 {
-    QProcess promtool;
+    ChildProcess promtool;
     promtool.start("promtool", {"check", "metrics"});
     if (!promtool.waitForStarted())
         GTEST_SKIP() << "promtool is not installed";
@@ -228,7 +228,7 @@ TEST(ControlSocket, ReplacesWhatAKilledGatewayLeft)
 {
     const Folder folder;
     const QString path = folder.path("control");
-    QProcess gone;
+    ChildProcess gone;
     gone.start("python3", {"-c",
                            "import socket,sys\n"
                            "socket.socket(socket.AF_UNIX).bind(sys.argv[1])",
