@@ -5,6 +5,7 @@
 
 #include "tools/failure.h"
 #include "tools/quoted.h"
+#include "tools/toml_text.h"
 #include "tools/words.h"
 
 #include <QDir>
@@ -228,9 +229,13 @@ qint64 Section::bytes(const char* key, Range range, qint64 unlessSaid)
 
 ConfigurationReader::ConfigurationReader(const QString& path) : m_path(path)
 {
-    const std::string content = contentOf(path).toStdString();
+    const QString content = contentOf(path);
+    if (const auto letter = fxtools::letterOutsideTexts(content)) {
+        note(letter->line, letter->column, quoted(letter->character) + " must stand in quotes");
+        return;
+    }
     try {
-        m_root = std::make_unique<toml::table>(toml::parse(content));
+        m_root = std::make_unique<toml::table>(toml::parse(content.toStdString()));
     } catch (const toml::parse_error& error) {
         const toml::source_position at = error.source().begin;
         note(static_cast<int>(at.line), static_cast<int>(at.column), textOf(error.description()));

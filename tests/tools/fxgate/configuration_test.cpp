@@ -211,6 +211,13 @@ TEST(GateConfiguration, TellsWhereItIsNoToml)
               "f, line 1, column 11: gateway must be a table: [gateway] and its keys below\n"));
 }
 
+// Found by fuzzing: the parser is undefined there.
+TEST(GateConfiguration, IsAsciiOutsideOfTextsAndComments)
+{
+    EXPECT_EQ(mistakesIn(Folder(), "# '\u00B0\n[gateway]\nname = \"\u00B0\\\"'\"\u00FC\n"),
+              "f, line 3, column 14: '\u00FC' must stand in quotes\n");
+}
+
 TEST(GateConfiguration, KeepsTheTopicOfTheGatewaysStateFree)
 {
     const Folder folder;
