@@ -114,9 +114,9 @@ void readGateway(Section section, Configuration& configuration)
 
 SparkplugSettings sparkplugIn(Section section, const QString& gateway)
 {
-    section.allowOnly({"group", "node", "primary-host"});
+    section.allowOnly({"group", "node", "primary-host", "datatypes-always"});
     SparkplugSettings settings{section.name("group"), section.name("node", gateway),
-                               section.name("primary-host")};
+                               section.name("primary-host"), section.flag("datatypes-always")};
     if (settings.group.isEmpty())
         section.missing("group", "group = \"plant\"");
     if (settings.group == QLatin1String("STATE"))
@@ -228,8 +228,8 @@ bool BrokerSettings::operator==(const BrokerSettings& other) const
 
 bool SparkplugSettings::operator==(const SparkplugSettings& other) const
 {
-    return std::tie(group, node, primaryHost) ==
-           std::tie(other.group, other.node, other.primaryHost);
+    return std::tie(group, node, primaryHost, hasDatatypesAlways) ==
+           std::tie(other.group, other.node, other.primaryHost, other.hasDatatypesAlways);
 }
 
 bool ServedLink::operator==(const ServedLink& other) const

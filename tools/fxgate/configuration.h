@@ -31,6 +31,7 @@
 //   group = "plant"
 //   node = "cabinet1"                           # default: the gateway's name
 //   primary-host = "scada"                      # default: none
+//   datatypes-always = true                     # for readers that need them; default: in births
 //
 //   [writes]
 //   allowed = true                              # default: false
@@ -97,7 +98,8 @@ struct SparkplugSettings
 {
     QString group;
     QString node;
-    QString primaryHost;  // empty: none
+    QString primaryHost;              // empty: none
+    bool hasDatatypesAlways = false;  // or in births only
 
     bool operator==(const SparkplugSettings& other) const;
 };

@@ -75,6 +75,7 @@ prefix = "plant/fx"
 [sparkplug]
 group = "plant"
 primary-host = "scada"
+datatypes-always = true
 [writes]
 allowed = true
 oldest = "5s"
@@ -111,6 +112,7 @@ tags = "press1.csv"
     EXPECT_EQ(read.sparkplug->group, "plant");
     EXPECT_EQ(read.sparkplug->node, "cabinet1");
     EXPECT_EQ(read.sparkplug->primaryHost, "scada");
+    EXPECT_TRUE(read.sparkplug->hasDatatypesAlways);
     EXPECT_TRUE(read.writes.isAllowed);
     EXPECT_EQ(read.writes.oldestMs, 5000);
     EXPECT_EQ(read.writes.perMinute, 6);

@@ -261,6 +261,7 @@ Messages SparkplugForm::dropped(qint64 changes, qint64 nowMs)
     Metric metric;
     metric.name = QStringLiteral("Dropped");
     metric.datatype = Datatype::Int64;
+    metric.tellsDatatype = m_settings.hasDatatypesAlways;
     metric.timeMs = nowMs;
     metric.value = changes;
     return {numbered(topic(QStringLiteral("NDATA")), {metric}, nowMs)};
@@ -280,8 +281,10 @@ Form::Sending SparkplugForm::sending(const QString& link, const QString& tag) co
     return isServed ? Sending::Later : Sending::Never;
 }
 
-Messages SparkplugForm::data(const QString& link, const QVector<Metric>& metrics, qint64 nowMs)
+Messages SparkplugForm::data(const QString& link, QVector<Metric> metrics, qint64 nowMs)
 {
+    for (Metric& metric : metrics)
+        metric.tellsDatatype = m_settings.hasDatatypesAlways;
     Messages messages;
     for (int first = 0; first < metrics.size(); first += mostMetricsInMessage)
         messages.append(numbered(topic(QStringLiteral("DDATA"), link),

@@ -59,7 +59,7 @@ private:
     Message deviceBirth(const QString& link, qint64 nowMs);
     Message deviceDeath(const QString& link, qint64 nowMs);
     Messages births(qint64 nowMs);
-    Messages data(const QString& link, const QVector<Metric>& metrics, qint64 nowMs);
+    Messages data(const QString& link, QVector<Metric> metrics, qint64 nowMs);
     quint64 aliasOf(const QString& link, const QString& tag);
     bool isUnchanged(const QString& link) const;
     Received hostState(const QByteArray& payload, qint64 nowMs);

@@ -350,6 +350,19 @@ TEST_F(SparkplugData, GoesByAliasWithoutNameAndDatatype)
     EXPECT_FALSE(payload.metrics[0].isHistorical);
 }
 
+TEST_F(SparkplugData, HasDatatypesForReadersThatNeedThem)
+{
+    SparkplugForm form({"plant", "cabinet1", {}, true}, m_plant);
+    form.will(now);
+    form.connected(now);
+    const Messages data = form.values({change("flow", 13.5, now)}, now) +
+                          form.history({{1, change("count", 3, now), false}}, now) +
+                          form.dropped(1, now);
+    ASSERT_EQ(data.size(), 3);
+    for (const Message& message : data)
+        EXPECT_TRUE(payloadOf(message).metrics.first().tellsDatatype);
+}
+
 TEST_F(SparkplugData, OfADeviceHasItsTopic)
 {
     births();
