@@ -22,6 +22,12 @@ struct StoredChange
     bool mayBeRepeated = false;  // it was sent before, but perhaps did not arrive
 };
 
+// But for the reason, which not every form tells.
+inline bool isSame(const Sample& one, const Sample& other)
+{
+    return one.timeMs == other.timeMs && one.quality == other.quality && one.value == other.value;
+}
+
 // What a received message asks for.
 struct Received
 {

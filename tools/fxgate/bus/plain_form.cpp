@@ -147,9 +147,12 @@ Messages PlainForm::outdated(const QString& link, qint64 nowMs)
     const bool isStarting = m_plant.contains(link) && view.tags.isEmpty();
     const Sample starting = {{}, Quality::Bad, QStringLiteral("the link is starting"), nowMs};
     Messages messages;
-    for (const QString& tag : m_retained.value(link) - configured)
-        messages.append({m_root + link + '/' + tag,
-                         isStarting ? compact(sampleObject(starting)) : QByteArray(), 1, true});
+    for (const QString& tag : m_retained.value(link) - configured) {
+        const QString topic = m_root + link + '/' + tag;
+        const QByteArray payload = isStarting ? compact(sampleObject(starting)) : QByteArray();
+        messages.append({topic, payload, 1, true});
+        m_told.remove(topic);
+    }
     if (!isStarting)
         m_retained[link].intersect(configured);
     return messages;
@@ -191,11 +194,14 @@ Messages PlainForm::values(const QVector<Change>& changes, qint64 /*nowMs*/)
 {
     Messages messages;
     for (const Change& change : changes) {
-        if (change.tag == stateTopic)
+        const QString topic = m_root + change.link + '/' + change.tag;
+        const Sample told = m_told.value(topic);
+        if (change.tag == stateTopic || (m_told.contains(topic) && isSame(told, change.sample) &&
+                                         told.reason == change.sample.reason))
             continue;
+        m_told.insert(topic, change.sample);
         m_retained[change.link].insert(change.tag);
-        messages.append({m_root + change.link + '/' + change.tag,
-                         compact(sampleObject(change.sample)), 1, true});
+        messages.append({topic, compact(sampleObject(change.sample)), 1, true});
     }
     return messages;
 }

@@ -35,7 +35,7 @@ public:
     bool wantsWillAfterLeaving() const override { return false; }
     QStringList subscriptions() const override;
     Messages connected(qint64 nowMs) override;
-    void disconnected() override {}
+    void disconnected() override { m_told.clear(); }
     Messages leaving(qint64 nowMs) override;
     Messages linkChanged(const QString& link, qint64 nowMs) override;
     Messages dropped(qint64 changes, qint64 nowMs) override;
@@ -55,6 +55,7 @@ private:
     QString m_root;  // with its "/"
     const Plant& m_plant;
     qint64 m_dropped = 0;
+    QHash<QString, Sample> m_told;            // in this connection, by topic
     QMap<QString, QSet<QString>> m_retained;  // by link: the tags of which the broker has a value
 };
 

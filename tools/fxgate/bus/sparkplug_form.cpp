@@ -48,11 +48,6 @@ bool isFor(ValueKind kind, const QJsonValue& value)
     return value.isString();
 }
 
-bool isSame(const Sample& one, const Sample& other)
-{
-    return one.timeMs == other.timeMs && one.quality == other.quality && one.value == other.value;
-}
-
 bool isSameTag(const ServedTag& one, const ServedTag& other)
 {
     return one.kind == other.kind && one.unit == other.unit && one.isWritable == other.isWritable;

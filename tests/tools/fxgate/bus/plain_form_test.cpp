@@ -76,6 +76,19 @@ fx/cabinet1/press1/pump r {"q":"bad","t":"2026-11-22T12:00:00.000Z","v":null,"wh
 }
 
 // Its values are told as changes, once.
+TEST_F(PlainFormTest, ValueIsToldOnceInAConnection)
+{
+    const Change one = change("flow", 12.5, noon - 3);
+    EXPECT_EQ(m_form.connected(noon).size(), 6);
+    EXPECT_TRUE(m_form.values({one}, noon).isEmpty());
+    EXPECT_EQ(m_form.linkChanged("press1", noon).size(), 1);  // its state
+    EXPECT_EQ(m_form.values({change("flow", 12.5, noon)}, noon).size(), 1);
+    EXPECT_EQ(m_form.values({change("flow", 12.5, noon, Quality::Stale, "a")}, noon).size(), 1);
+    EXPECT_EQ(m_form.values({change("flow", 12.5, noon, Quality::Stale, "b")}, noon).size(), 1);
+    m_form.disconnected();
+    EXPECT_EQ(m_form.connected(noon).size(), 6);
+}
+
 TEST_F(PlainFormTest, LinkThatGoesDownSaysWhy)
 {
     m_plant["press1"].isUp = false;
