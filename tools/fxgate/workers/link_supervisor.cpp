@@ -38,9 +38,9 @@ protected:
     }
 };
 
-QStringList argumentsOf(const ServedLink& link)
+QStringList argumentsOf(const QString& name, const ServedLink& link)
 {
-    QStringList arguments{"serve", "--link", link.link, "--tags", link.tags};
+    QStringList arguments{"serve", "--link", link.link, "--tags", link.tags, "--tags-of", name};
     if (link.timeoutMs)
         arguments += {"--timeout", QString::number(*link.timeoutMs)};
     if (link.retries)
@@ -96,7 +96,7 @@ void LinkSupervisor::startWorker()
         if (error == QProcess::FailedToStart)
             workerEnded("cannot start " + m_fxhost + ": " + m_process->errorString());
     });
-    m_process->start(m_fxhost, argumentsOf(m_link));
+    m_process->start(m_fxhost, argumentsOf(m_name, m_link));
     m_report.workerPid = m_process ? m_process->processId() : 0;
 }
 
