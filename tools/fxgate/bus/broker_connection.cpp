@@ -101,23 +101,25 @@ struct BrokerConnection::Callbacks
     {
         BrokerConnection& connection = connectionOf(object);
         connection.m_wasConnectSent = true;
-        if (result != 0)
-            connection.m_error = "the broker refused the connection: " +
-                                 QString::fromUtf8(connection.m_settings.isVersion5
-                                                       ? mosquitto_reason_string(result)
-                                                       : mosquitto_connack_string(result));
-        else
+        if (result == 0) {
             connection.onConnected();
+            return;
+        }
+        connection.m_error =
+            "the broker refused the connection: " +
+            QString::fromUtf8(connection.m_settings.isVersion5 ? mosquitto_reason_string(result)
+                                                               : mosquitto_connack_string(result));
     }
 
     static void disconnected(mosquitto* /*client*/, void* object, int result,
                              const mosquitto_property* /*properties*/)
     {
+        BrokerConnection& connection = connectionOf(object);
+        if (result == 0)
+            connection.end(QStringLiteral("disconnected as wanted"));
         if (result >= 0x80)  // a reason of the broker
-            connectionOf(object).m_error = "the broker ended the connection: " +
-                                           QString::fromUtf8(mosquitto_reason_string(result));
-        else if (result == 0)
-            connectionOf(object).end(QStringLiteral("disconnected as wanted"));
+            connection.m_error = "the broker ended the connection: " +
+                                 QString::fromUtf8(mosquitto_reason_string(result));
     }
 
     static void subscribed(mosquitto* /*client*/, void* object, int number, int count,
