@@ -228,7 +228,7 @@ void BusClient::sendBarrier()
 void BusClient::drain()
 {
     const int most = m_store.settings().rowsPerSecond;
-    const bool isFull = m_outbox.unconfirmed() > 2 * most;
+    const bool isFull = m_outbox.rowsUnderWay() > 2 * most;
     QStringList waiting;  // links
     for (auto link = m_plant.begin(); link != m_plant.end(); ++link)
         if (!m_form.isAnnounced(link.key()))

@@ -40,6 +40,7 @@ public:
     void acknowledged(int message);
     void connectionEnded();
 
+    int rowsUnderWay() const { return m_underWay.size(); }
     int unconfirmed() const;                     // changes
     qint64 oldestBarrierMs(qint64 nowMs) const;  // when it was sent; now if none is open
 

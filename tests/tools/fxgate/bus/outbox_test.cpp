@@ -153,6 +153,8 @@ TEST_F(OutboxTest, RewindDoesNotSendAgainWhatIsUnderWay)
     m_outbox.keep(numbered(0));
     m_outbox.keep(numbered(1, "press2"));
     EXPECT_EQ(work(100, {"press2"}), "0");
+    sent(2, 5);
+    EXPECT_EQ(m_outbox.rowsUnderWay(), 1);
     EXPECT_EQ(work(100, {}), "");
     m_outbox.rewind();
     EXPECT_EQ(work(100, {}), "1");
