@@ -4,9 +4,7 @@
 // What the driver costs a host: one exchange, reads and writes of values, and the plan, at cache
 // sizes from a hundred areas to a hundred thousand. Calls go through the shared object.
 
-#include "driver/intf.h"
-
-#include <QMutex>
+#include "bench/connection.h"
 
 #include <benchmark/benchmark.h>
 
@@ -17,25 +15,9 @@
 
 namespace {
 
-constexpr int station = 1;
+using namespace fxbench;
+
 constexpr int exchangeWords = 32;
-constexpr int firstFilled = 1000;  // the first "D" word of the cache's filling
-
-int ignoreChange(int, int, QString&, int)
-{
-    return 0;
-}
-
-// A monitored range of "D" words.
-KEY_ADDRESS wordKey(int stationNo, int startIndex, int length)
-{
-    KEY_ADDRESS key;
-    key.stationNo = stationNo;
-    key.registerType = "D";
-    key.startIndex = startIndex;
-    key.length = length;
-    return key;
-}
 
 // `wordCount` monitored words in ranges of a thousand.
 QList<KEY_ADDRESS> wordRange(int wordCount)
@@ -46,56 +28,6 @@ QList<KEY_ADDRESS> wordRange(int wordCount)
         keys.append(wordKey(station, start, qMin(rangeWords, wordCount - start)));
     return keys;
 }
-
-// Values of `wordCount` words: their number, or with every `changedEach`-th one `variant` off.
-QByteArray wordPattern(int wordCount, int variant, int changedEach)
-{
-    QByteArray values;
-    for (int i = 0; i < wordCount; ++i) {
-        const int value = i + (i % changedEach == 0 ? variant : 0);
-        values.append(static_cast<char>(value & 0xFF));
-        values.append(static_cast<char>((value >> 8) & 0xFF));
-    }
-    return values;
-}
-
-// The reply that carries those value bytes.
-QByteArray readReply(const QByteArray& values)
-{
-    QByteArray summed = values.toHex().toUpper() + '\x03';
-    unsigned int sum = 0;
-    for (const char character : summed)
-        sum += static_cast<unsigned char>(character);
-    return '\x02' + summed + QByteArray(1, static_cast<char>(sum)).toHex().toUpper();
-}
-
-// A driver that is set up, with the host's side of the connection.
-class Connection
-{
-public:
-    explicit Connection(int areaCount = 0) : m_memory(fxHostMemoryBytes, 0), m_recipeWords(512, 0)
-    {
-        int status = 0;
-        intf_setAddrValueChangeCallBack(ignoreChange);
-        intf_initProperty(m_memory.data(), 0, m_recipeWords.data(), &status, "1#0#0#3#32",
-                          &m_mutex);
-        fillCache(areaCount);
-    }
-
-private:
-    // Areas of "D" words above the block that is polled.
-    void fillCache(int areaCount)
-    {
-        std::vector<unsigned char> values(2 * static_cast<std::size_t>(fxMaxElements));
-        for (int done = 0; done < areaCount; done += fxMaxElements)
-            intf_getData(station, "D", firstFilled + done, qMin(fxMaxElements, areaCount - done),
-                         values.data());
-    }
-
-    std::vector<unsigned char> m_memory;
-    std::vector<unsigned short> m_recipeWords;
-    QMutex m_mutex;
-};
 
 int sizeOf(const benchmark::State& state)
 {

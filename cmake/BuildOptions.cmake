@@ -13,10 +13,11 @@ if(FX_WARNINGS_AS_ERRORS)
 endif()
 
 add_library(fx_hardening INTERFACE)
-target_compile_options(fx_hardening INTERFACE -fstack-protector-strong)
+target_compile_options(fx_hardening INTERFACE -fstack-protector-strong -Wformat
+    -Werror=format-security -Werror=date-time)  # a date would make each build another one
 target_link_options(fx_hardening INTERFACE -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
-if(NOT FX_SANITIZE)
-    # A sanitizer brings checks of its own, and symbols that only the program defines.
+if(NOT FX_SANITIZE AND NOT FX_BUILD_FUZZERS)
+    # A sanitizer brings checks of its own, and like a fuzzer symbols that only the program defines.
     target_compile_options(fx_hardening INTERFACE
         $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
     target_link_options(fx_hardening INTERFACE -Wl,-z,defs)

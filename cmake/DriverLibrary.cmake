@@ -58,7 +58,7 @@ else()
 endif()
 
 add_library(mitsubishi_fx1s SHARED)
-target_link_libraries(mitsubishi_fx1s PRIVATE fx_driver_objects fx_hardening)
+target_link_libraries(mitsubishi_fx1s PRIVATE fx_driver_objects fx_warnings fx_hardening)
 target_link_libraries(mitsubishi_fx1s INTERFACE ${FX_QT_CORE})
 target_compile_features(mitsubishi_fx1s INTERFACE cxx_std_17)
 target_include_directories(mitsubishi_fx1s INTERFACE

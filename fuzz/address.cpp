@@ -7,7 +7,7 @@
 //  - a series has a text and a number for each copy, never past the type's last number, rising,
 //    and each text that was not clamped checks as its number.
 
-#include "fuzz/support/fuzz_target.h"
+#include "fuzz/support/driver_pair.h"
 
 #include <algorithm>
 
@@ -90,8 +90,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t byteCount)
         number = world.anyInt();
     while (!choices.exhausted() && asked.text.size() < 20)
         asked.text += QChar(choices.oneIn(8) ? choices.below(65536) : choices.below(128));
-    if (SideBySide::show)
-        SideBySide::show("\"" + (asked.type + "\" \"" + asked.text).toStdString() + "\"");
+    if (showAnswer)
+        showAnswer("\"" + (asked.type + "\" \"" + asked.text).toStdString() + "\"");
     check(pair, asked);
     copy(pair, asked.type, asked.numbers[0], asked.numbers[1] % 40, asked.numbers[2]);
     return 0;

@@ -21,10 +21,10 @@ mkdir -p "$out/lib" "$work"
 
 CFLAGS=${CFLAGS-$instrument} CXXFLAGS=${CXXFLAGS-$instrument} \
     cmake -S . -B "$work" -G Ninja -DCMAKE_BUILD_TYPE=None -DFX_BUILD_FUZZERS=ON \
-    -DFX_FUZZING_ENGINE="${LIB_FUZZING_ENGINE:--fsanitize=fuzzer}" -DFX_BUILD_TOOLS=OFF \
+    -DFX_FUZZING_ENGINE="${LIB_FUZZING_ENGINE:--fsanitize=fuzzer}" -DFX_FAST_BUILD=ON \
     -DCMAKE_BUILD_RPATH="\$ORIGIN/lib" -DCMAKE_BUILD_RPATH_USE_ORIGIN=ON
 
-targets="reply property address merge session"
+targets="reply property address merge session exchange line files texts"
 for target in $targets; do
     cmake --build "$work" --target "fuzz_$target"
     cp "$work/bin/fuzz_$target" "$out"
@@ -33,6 +33,10 @@ for target in $targets; do
     [ ! -e "fuzz/$target.dict" ] || cp "fuzz/$target.dict" "$out/fuzz_$target.dict"
 done
 
+# The tools' targets load the library from their own folder.
+cmake --build "$work" --target mitsubishi_fx1s
+cp "$work/libmitsubishi_fx1s.so.0" "$out"
+
 # Qt and what it loads; the C and C++ libraries are there wherever targets run.
-ldd "$out/fuzz_reply" | awk '$2 == "=>" && $3 ~ /lib(Qt|icu|pcre|double|zstd|glib)/ { print $3 }' |
+ldd "$out/fuzz_files" | awk '$2 == "=>" && $3 ~ /lib(Qt|icu|pcre|double|zstd|glib)/ { print $3 }' |
     xargs -r cp -L -t "$out/lib"

@@ -8,7 +8,7 @@
 //    pieces ask for;
 //  - one whole rotation hands out each request once, well formed.
 
-#include "fuzz/support/fuzz_target.h"
+#include "fuzz/support/driver_pair.h"
 
 #include "driver/intf.h"
 #include "driver/mitsubishi_fx1s.h"

@@ -6,7 +6,7 @@
 //  - the limits follow frameWordLimit, without overflow;
 //  - fewer than five fields change no number; the model reads the same numbers.
 
-#include "fuzz/support/fuzz_target.h"
+#include "fuzz/support/driver_pair.h"
 
 #include "driver/mitsubishi_fx1s.h"
 

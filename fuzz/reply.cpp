@@ -8,7 +8,7 @@
 //  - areas are created for the request's station and type only;
 //  - state is sound, callbacks are explained, and the model agrees, values included.
 
-#include "fuzz/support/fuzz_target.h"
+#include "fuzz/support/driver_pair.h"
 
 #include "driver/intf.h"
 #include "driver/mitsubishi_fx1s.h"

@@ -6,7 +6,7 @@
 //  - state is sound: queues within 513, at most one frame in flight and well formed, no twins;
 //  - the model answers the same and holds the same state.
 
-#include "fuzz/support/fuzz_target.h"
+#include "fuzz/support/driver_pair.h"
 
 #include "tests/model/session.h"
 

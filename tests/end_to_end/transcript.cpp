@@ -64,8 +64,10 @@ std::string TerminalSession::answerTo(const QString& typed)
 std::string TerminalSession::runHost(const QString& arguments) const
 {
     const QStringList pipe = arguments.split(QStringLiteral(" | grep -o "));
-    const tool_tests::Ended ended = tool_tests::fxhost(QStringList{"--link", m_plc.link()} +
-                                                       QProcess::splitCommand(pipe.first()));
+    const QStringList command = pipe.first().split(QStringLiteral(" <<< "));
+    const tool_tests::Ended ended = tool_tests::fxhost(
+        QStringList{"--link", m_plc.link()} + QProcess::splitCommand(command.first()),
+        tool_tests::hostEnvironment(), command.mid(1).join(QString()).toUtf8());
     std::string printed = ended.out + ended.err;
     if (pipe.size() > 1)
         printed = partsOf(printed, pipe.last());

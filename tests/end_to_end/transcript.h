@@ -3,8 +3,9 @@
 //
 // A terminal session as a test: a transcript holds the lines that were typed and all that the
 // programs printed; playing it again must give the same text. Three prompts are known:
-//   fxhost> ARGUMENTS [| grep -o PATTERN]   a run against the simulated PLC, all of its output or
-//                                           each part that matches; "[CODE]" follows unless it is 0
+//   fxhost> ARGUMENTS [<<< LINE] [| grep -o PATTERN]
+//                     a run against the simulated PLC, with the line on its standard input; all of
+//                     its output or each part that matches; "[CODE]" follows unless it is 0
 //   fxsim> COMMAND                          a command to that PLC
 //   cat> FILE                               a file in the folder that the programs work in
 

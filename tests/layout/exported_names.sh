@@ -5,7 +5,7 @@
 # Checks that a shared object exports the entry points that the public headers declare, and
 # `driver`, and nothing else. Prints the names that are missing (<) and those too many (>).
 #
-#   exported_names.sh LIBRARY HEADER...
+#   exported_names.sh LIBRARY HEADER...      with NM for what is built for another processor
 
 set -euo pipefail
 
@@ -14,7 +14,7 @@ shift
 entry_points=18
 
 declared=$(grep -hE '^FX_ENTRY_POINT ' "$@" | grep -oE '\bintf_[A-Za-z]+' | LC_ALL=C sort)
-exported=$(nm -D --defined-only "$library" | awk '{ print $NF }' | LC_ALL=C sort)
+exported=$("${NM:-nm}" -D --defined-only "$library" | awk '{ print $NF }' | LC_ALL=C sort)
 
 if [ "$(wc -l <<<"$declared")" -ne "$entry_points" ]; then
     echo "found $(wc -l <<<"$declared") entry points instead of $entry_points"

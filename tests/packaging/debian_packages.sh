@@ -4,7 +4,8 @@
 #
 # Makes the Debian packages, looks into them, installs them into an empty root beside the machine's,
 # runs what they bring, and removes them again. lintian must have nothing to say. A build without
-# the tools makes two of the four packages, and one without the gateway three.
+# the tools makes two of the four packages, and one without the gateway three. Packed again elsewhere,
+# they are the same to the byte; scripts/package --reproducible also compiles again for that.
 
 source "$(dirname "$0")/support.sh"
 
@@ -13,8 +14,13 @@ if ! command -v dpkg-deb >/dev/null || ! command -v dpkg-shlibdeps >/dev/null; t
     exit 77
 fi
 
-quietly "$FX_CPACK" --config "$FX_BUILD/CPackConfig.cmake" -G DEB -B "$work/packages"
 packages=$work/packages
+export SOURCE_DATE_EPOCH=1700000000
+quietly "$FX_CPACK" --config "$FX_BUILD/CPackConfig.cmake" -G DEB -B "$packages"
+quietly env TZ=Asia/Tokyo LC_ALL=C "$FX_CPACK" --config "$FX_BUILD/CPackConfig.cmake" -G DEB -B "$work/again"
+for package in "$packages"/*.deb; do
+    cmp "$package" "$work/again/${package##*/}" || fail "another package each time"
+done
 architecture=$(dpkg --print-architecture)
 runtime=$packages/libmitsubishi-fx1s0_${FX_VERSION}_$architecture.deb
 dev=$packages/libmitsubishi-fx1s-dev_${FX_VERSION}_$architecture.deb
@@ -104,6 +110,7 @@ END
 ./usr/share/doc/fx-tools/docs/doctor.svg
 ./usr/share/doc/fx-tools/docs/plan.svg
 ./usr/share/doc/fx-tools/docs/polling.md
+./usr/share/doc/fx-tools/docs/serve.md
 ./usr/share/doc/fx-tools/docs/simulator.svg
 ./usr/share/doc/fx-tools/docs/tags.md
 ./usr/share/doc/fx-tools/docs/watch.svg
@@ -133,6 +140,13 @@ for package in "${made[@]}"; do
     expect_field "$package" Maintainer "$FX_MAINTAINER"
 done
 
+if [ -e "$FX_BUILD/build.ninja" ]; then
+    "$FX_SOURCE/packaging/bill-of-materials" "$FX_BUILD" "${made[@]}" >"$work/bill.json" ||
+        fail "no bill of materials"
+    python3 "$FX_SOURCE/tests/packaging/bill_of_materials.py" "$work/bill.json" "${made[@]}" ||
+        fail "the bill of materials"
+fi
+
 if command -v lintian >/dev/null; then
     allowed=()
     # Only a tree that was configured for /usr has the folder of the architecture.
@@ -153,6 +167,11 @@ as_root=()
 # What the packages depend on is the machine's: the new root has nothing.
 dpkg_there=("${as_root[@]}" dpkg --root="$root" --force-depends --log=/dev/null)
 quietly "${dpkg_there[@]}" --install "${made[@]}"
+
+if [ "$FX_BUILD_TYPE" = release ]; then  # else assertions tell their place
+    found=$(grep -rlF -- "$FX_SOURCE" "$root/usr" || true)
+    [ -z "$found" ] || fail "'$FX_SOURCE' stands in the installed $found"
+fi
 
 export PKG_CONFIG_PATH=$root/usr/$FX_LIBDIR/pkgconfig
 # shellcheck disable=SC2046  # flags are words

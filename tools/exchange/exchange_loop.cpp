@@ -60,6 +60,12 @@ void ExchangeLoop::abandonRecipe(RecipeDirection direction)
     }
 }
 
+void ExchangeLoop::forgetEverything()
+{
+    m_session.forgetValues();
+    m_repeating = false;
+}
+
 void ExchangeLoop::send(Exchange& exchange)
 {
     const QByteArray request = requestBytes(exchange.frame);

@@ -61,6 +61,9 @@ public:
     // Ends a recipe transfer without another frame: the next one starts at its first entry.
     void abandonRecipe(RecipeDirection direction);
 
+    // Empties the plan, the queues and the cache. A frame in flight is not sent again.
+    void forgetEverything();
+
     // Sends ENQ and discards what comes before the ACK. Returns whether the ACK came.
     bool resynchronise();
 

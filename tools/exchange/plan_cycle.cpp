@@ -36,7 +36,7 @@ int PlanCycle::blocks() const
     return m_merges.size() > 1 ? m_merges.size() : m_blocksOfMerge;
 }
 
-Round PlanCycle::poll()
+Round PlanCycle::poll(const std::function<void(const Round&)>& onMerge)
 {
     const bool isPlannedAgain = m_cycle == 1 || m_cycle % cyclesUntilPlannedAgain == 0;
     if (m_planner && m_cycle > 0 && isPlannedAgain && !m_isBegun)
@@ -45,6 +45,8 @@ Round PlanCycle::poll()
     Round cycle;
     for (int merge = 0; merge < m_merges.size(); ++merge) {
         const Round round = pollCycle(m_loop, m_blocksOfMerge);
+        if (onMerge)
+            onMerge(round);
         cycle.ended += round.ended;
         cycle.inFlight = round.inFlight;
         cycle.end = round.end;

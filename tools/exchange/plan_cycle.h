@@ -23,9 +23,10 @@ public:
     void plan(const QVector<RegisterRange>& due);
     int blocks() const;
 
-    // Reads each block once. After a cycle that ended early, it goes on with the block that was in
-    // flight. A planner is asked again now and then: it learns how fast the line is.
-    Round poll();
+    // Reads each block once, and calls `onMerge` with the exchanges of each merge before the next
+    // one is read. After a cycle that ended early, it goes on with the block that was in flight. A
+    // planner is asked again now and then: it learns how fast the line is.
+    Round poll(const std::function<void(const Round&)>& onMerge = {});
 
 private:
     void start(const Blocks& blocks);

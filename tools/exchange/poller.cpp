@@ -26,6 +26,20 @@ struct Units
     int last;
 };
 
+void requireOneReply(const RegisterRange& value, int wordsPerFrame)
+{
+    const Units units(value);
+    const int most =
+        value.type.mostInFrame(std::min(wordsPerFrame, SessionSettings().wordsPerFrame));
+    if ((units.last - units.first + 1) * units.size > most) {
+        throw Failure(ExitCode::Usage,
+                      QStringLiteral("%1 is one value, and one reply brings at most %2 of its "
+                                     "registers; read it in parts")
+                          .arg(value.text())
+                          .arg(most));
+    }
+}
+
 // Nothing of it could be read, or would be of use, without the rest.
 bool isIndivisible(const RegisterRange& range)
 {
@@ -46,10 +60,19 @@ int halfOf(const RegisterRange& range)
 
 Poller::Poller(ExchangeLoop& loop, const RegisterCatalogue& catalogue,
                const QVector<RegisterRange>& ranges, const Planner& planner, Turns turns)
-    : m_loop(loop), m_catalogue(catalogue), m_ranges(ranges), m_planned(ranges),
-      m_plan(loop, planner), m_turns(std::move(turns))
+    : m_loop(loop), m_catalogue(catalogue), m_plan(loop, planner), m_turns(std::move(turns))
 {
+    for (const RegisterRange& range : ranges) {
+        if (range.together > 1)
+            m_wide += range.cut(range.together);
+        else
+            m_ranges.append(range);
+    }
+    m_ranges += m_wide;
+    m_planned = m_ranges;
     replan();
+    for (const RegisterRange& value : qAsConst(m_wide))
+        requireOneReply(value, loop.session().settings().wordsPerFrame);
 }
 
 // One-off reads are sent only between the reads of the plan. If the plan becomes empty, a piece
@@ -96,17 +119,18 @@ bool Poller::beginCycle()
 
 void Poller::pollPlan()
 {
-    const Round round = m_plan.poll();
+    QVector<RegisterRange> refused;
+    const Round round = m_plan.poll([&](const Round& merge) {
+        for (const Exchange& exchange : merge.ended) {
+            if (exchange.kind == ExchangeKind::CyclicRead)
+                noteBlock(exchange, refused);
+        }
+    });
     m_end = round.end;
     m_unasked = round.verdict();
     if (m_turns.next && !m_isInTurns && !isStopped()) {
         m_isInTurns = true;
         planEverything();
-    }
-    QVector<RegisterRange> refused;
-    for (const Exchange& exchange : round.ended) {
-        if (exchange.kind == ExchangeKind::CyclicRead)
-            noteBlock(exchange, refused);
     }
     for (const RegisterRange& block : refused)
         halve(block);
@@ -116,14 +140,26 @@ void Poller::noteBlock(const Exchange& exchange, QVector<RegisterRange>& refused
 {
     const RegisterRange block = blockRange(m_catalogue, exchange.frame.variable);
     if (!exchange.hasFailed()) {
-        m_read.append(block);
-        for (int index = 0; index < block.count; ++index)
-            m_problems.remove(block.identity(index));
+        noteRead(block);
         return;
     }
     note(block, exchange.verdict);
     if (exchange.verdict == ReplyVerdict::Refused)
         refused.append(block);
+}
+
+// What one reply has brought.
+void Poller::noteRead(const RegisterRange& registers)
+{
+    m_read.append(registers);
+    for (int index = 0; index < registers.count; ++index)
+        m_problems.remove(registers.identity(index));
+    for (const RegisterRange& value : qAsConst(m_wide)) {
+        if (!isInside(value, registers))
+            continue;
+        m_problems.remove(value.text());
+        m_wholeOnes.insert(value.text(), m_loop.session().values(value));
+    }
 }
 
 void Poller::pollPieces()
@@ -137,6 +173,13 @@ void Poller::pollPieces()
         else
             keep(piece, verdict);
     }
+}
+
+bool Poller::wasReadAtOnce(const RegisterRange& registers) const
+{
+    return std::any_of(m_read.begin(), m_read.end(), [&registers](const RegisterRange& block) {
+        return isInside(registers, block);
+    });
 }
 
 void Poller::askAsideAgain()
@@ -210,10 +253,6 @@ QVector<RegisterRange> Poller::takeFromPlan(const RegisterRange& block)
 void Poller::readOrHalve(const RegisterRange& piece)
 {
     const ReplyVerdict verdict = readPiece(piece);
-    if (verdict == ReplyVerdict::Good) {
-        for (int index = 0; index < piece.count; ++index)
-            m_problems.remove(piece.identity(index));
-    }
     if (verdict == ReplyVerdict::Good || isStopped()) {
         keep(piece, verdict);
     } else if (isIndivisible(piece)) {
@@ -230,7 +269,7 @@ void Poller::keep(const RegisterRange& piece, ReplyVerdict verdict)
 {
     m_pieces.append(piece);
     if (verdict == ReplyVerdict::Good)
-        m_read.append(piece);
+        noteRead(piece);
     else
         note(piece, verdict);
 }
@@ -261,25 +300,32 @@ void Poller::note(const RegisterRange& range, ReplyVerdict verdict)
 {
     for (int index = 0; index < range.count; ++index)
         m_problems.insert(range.identity(index), verdict);
+    for (const RegisterRange& value : qAsConst(m_wide)) {
+        if (overlap(value, range))
+            m_problems.insert(value.text(), verdict);
+    }
 }
 
 QVector<quint32> Poller::values(const RegisterRange& range) const
 {
-    return m_loop.session().values(range);
+    if (range.together == 1)
+        return m_loop.session().values(range);
+    QVector<quint32> values;
+    for (const RegisterRange& value : range.cut(range.together))
+        values += m_wholeOnes.value(value.text(), QVector<quint32>(value.count));
+    return values;
 }
 
 std::optional<ReplyVerdict> Poller::problemOf(const RegisterRange& range, int index) const
 {
-    const auto found = m_problems.constFind(range.identity(index));
+    const int wide = range.together;
+    const RegisterRange value = range.part(index - index % wide, wide);
+    const auto found = m_problems.constFind(wide > 1 ? value.text() : value.identity(0));
     if (found != m_problems.constEnd())
         return *found;
     if (m_end == RoundEnd::Done)
         return std::nullopt;
-    const RegisterRange one = range.part(index, 1);
-    const bool wasRead =
-        std::any_of(m_read.begin(), m_read.end(),
-                    [&one](const RegisterRange& block) { return isInside(one, block); });
-    return wasRead ? std::nullopt : std::optional(m_unasked);
+    return wasReadAtOnce(value) ? std::nullopt : std::optional(m_unasked);
 }
 
 }  // namespace fxtools

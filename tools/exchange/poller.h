@@ -5,6 +5,9 @@
 // that refuses one register of a block refuses them all; so a refused block is halved, with
 // one-off reads, until the bad registers stand alone. They are set aside with the reason and
 // retried now and then; the good parts of the block are read as separate pieces.
+//
+// A value over several registers is planned as one, so that no block divides it, and stays as the
+// last reply had it that brought all of it: it is never half old and half new.
 
 #pragma once
 
@@ -26,7 +29,8 @@ struct Turns
 class Poller
 {
 public:
-    // With turns, each cycle but the first is a turn.
+    // With turns, each cycle but the first is a turn. Throws Failure if a value is too long for one
+    // reply.
     Poller(ExchangeLoop& loop, const RegisterCatalogue& catalogue,
            const QVector<RegisterRange>& ranges, const Planner& planner = {}, Turns turns = {});
 
@@ -60,21 +64,25 @@ private:
     void keep(const RegisterRange& piece, ReplyVerdict verdict);
     void note(const RegisterRange& range, ReplyVerdict verdict);
     void noteBlock(const Exchange& exchange, QVector<RegisterRange>& refused);
+    void noteRead(const RegisterRange& registers);
+    bool wasReadAtOnce(const RegisterRange& registers) const;
     ReplyVerdict readPiece(const RegisterRange& piece);
 
     ExchangeLoop& m_loop;
     const RegisterCatalogue& m_catalogue;
     QVector<RegisterRange> m_ranges;
-    QVector<RegisterRange> m_planned;  // left to the plan
+    QVector<RegisterRange> m_wide;                 // the values over several registers
+    QHash<QString, QVector<quint32>> m_wholeOnes;  // what they are, by their texts
+    QVector<RegisterRange> m_planned;              // left to the plan
     PlanCycle m_plan;
     Turns m_turns;
     bool m_isInTurns = false;  // everything was read once
     bool m_isTurnPlanned = false;
     QVector<RegisterRange> m_pieces;  // good parts of refused blocks
     QVector<Aside> m_aside;
-    QHash<QString, ReplyVerdict> m_problems;         // by the register's identity
-    QVector<RegisterRange> m_read;                   // in this cycle, without a problem
-    RoundEnd m_end = RoundEnd::Done;                 // of this cycle
+    QHash<QString, ReplyVerdict> m_problems;  // by the register's identity, or wide value's text
+    QVector<RegisterRange> m_read;            // in this cycle, without a problem
+    RoundEnd m_end = RoundEnd::Done;          // of this cycle
     ReplyVerdict m_unasked = ReplyVerdict::Silence;  // the verdict for the rest, if it ended early
     int m_cycle = 0;
 };

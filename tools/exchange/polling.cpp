@@ -197,7 +197,7 @@ ReplyVerdict readOnce(ExchangeLoop& loop, const RegisterRange& range)
 
 ReplyVerdict readBack(ExchangeLoop& loop, const RegisterRange& range)
 {
-    loop.session().forgetValues();
+    loop.forgetEverything();
     loop.session().setPlan({range.part(0, 1)});
     return readOnce(loop, range);
 }

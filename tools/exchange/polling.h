@@ -50,7 +50,7 @@ Round flushWrites(ExchangeLoop& loop, int writes);
 ReplyVerdict readOnce(ExchangeLoop& loop, const RegisterRange& range);
 
 // The same for what was written: empties the cache first, so that all values come from the PLC.
-// Replaces the plan by the range's first register; nothing may be queued or in flight.
+// Replaces the plan by the range's first register; what is queued or in flight is dropped.
 ReplyVerdict readBack(ExchangeLoop& loop, const RegisterRange& range);
 
 // The result of a write, frame by frame: one frame for each bit, or as many as the words need.

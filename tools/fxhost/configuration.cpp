@@ -4,9 +4,11 @@
 #include "tools/fxhost/configuration.h"
 
 #include "tools/fxhost/commands/limits.h"
+#include "tools/quoted.h"
 
 #include <QDir>
 #include <QFile>
+#include <QRegularExpression>
 #include <QStandardPaths>
 
 #include <toml++/toml.h>
@@ -140,6 +142,28 @@ ConfiguredPlc plcIn(const Reader& reader, const QString& name, const toml::table
     return plc;
 }
 
+// Outside of texts and comments TOML is ASCII. For some other characters there toml++ 3.3 runs into
+// what its compiler may take for impossible.
+void requireAsciiOutsideTexts(const QByteArray& content, const Reader& reader)
+{
+    static const QRegularExpression form(
+        QStringLiteral(R"form("{3}(?:[^"\\]|\\.|"(?!""))*+"{3}|'{3}(?:[^']|'(?!''))*+'{3}|)form"
+                       R"form("(?:[^"\\\n]|\\.)*+"|'[^'\n]*+'|#[^\n]*+|([^\x00-\x7F]))form"),
+        QRegularExpression::DotMatchesEverythingOption);
+    const QString text = QString::fromUtf8(content);
+    QRegularExpressionMatchIterator found = form.globalMatch(text);
+    while (found.hasNext()) {
+        const QRegularExpressionMatch match = found.next();
+        if (match.capturedLength(1) <= 0)
+            continue;
+        const QStringList lines = text.left(match.capturedStart()).split('\n');
+        toml::source_region at;
+        at.begin = {static_cast<toml::source_index>(lines.size()),
+                    static_cast<toml::source_index>(lines.last().size() + 1)};
+        reader.reject(at, quoted(match.captured()) + " must stand in quotes");
+    }
+}
+
 toml::table parsed(const QString& path)
 {
     QFile file(path);
@@ -148,11 +172,13 @@ toml::table parsed(const QString& path)
     const QByteArray content = file.read(largestFile + 1);
     if (content.size() > largestFile)
         throw Failure(ExitCode::File, path + ": larger than 1 MiB; not a configuration file");
+    const Reader reader(path);
+    requireAsciiOutsideTexts(content, reader);
     try {
         return toml::parse(
             std::string_view(content.constData(), static_cast<size_t>(content.size())));
     } catch (const toml::parse_error& error) {
-        Reader(path).reject(error.source(), textOf(error.description()));
+        reader.reject(error.source(), textOf(error.description()));
     }
 }
 

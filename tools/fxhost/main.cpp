@@ -90,9 +90,9 @@ void addCommands(CLI::App& app, CommonOptions& common, Action& action)
     addLinkOptions(app, common);
     addOutputOptions(app, common);
     for (const auto add :
-         {addReadCommand, addWriteCommand, addWatchCommand, addLogCommand, addRecipeCommand,
-          addDumpCommand, addBackupCommand, addRestoreCommand, addCompareCommand, addMonitorCommand,
-          addStatsCommand, addRecordCommand, addDoctorCommand, addDemoCommand})
+         {addReadCommand, addWriteCommand, addWatchCommand, addLogCommand, addServeCommand,
+          addRecipeCommand, addDumpCommand, addBackupCommand, addRestoreCommand, addCompareCommand,
+          addMonitorCommand, addStatsCommand, addRecordCommand, addDoctorCommand, addDemoCommand})
         add(app, common, action);
     for (CLI::App* const command : app.get_subcommands({}))
         command->group(plcGroup);

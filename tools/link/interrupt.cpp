@@ -80,8 +80,8 @@ int interruptSignal()
 void interruptAfter(qint64 timeMs)
 {
     itimerval timer = {};
-    timer.it_value.tv_sec = timeMs / 1000;
-    timer.it_value.tv_usec = timeMs % 1000 * 1000;
+    timer.it_value.tv_sec = static_cast<time_t>(timeMs / 1000);
+    timer.it_value.tv_usec = static_cast<suseconds_t>(timeMs % 1000 * 1000);
     setitimer(ITIMER_REAL, &timer, nullptr);
 }
 

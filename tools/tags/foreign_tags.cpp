@@ -155,6 +155,13 @@ void Importer::scale(const ForeignRow& row, Fields& fields)
         fields[sign > 0 ? "max" : "min"] = numberText(sign * high);
 }
 
+// R/W is what every tag of such a list has unless someone changed it: nobody has allowed anything.
+QString accessOf(const ForeignRow& row)
+{
+    const QString access = row.text("Client Access");
+    return access.toUpper() == QLatin1String("R/W") ? QString() : access;
+}
+
 void Importer::addScada(const CsvRow& csv)
 {
     const ForeignRow row{m_titles, csv, m_used};
@@ -165,12 +172,10 @@ void Importer::addScada(const CsvRow& csv)
     try {
         if (known == typeNames.end() && !type.isEmpty() && type.toLower() != "default")
             reject(type, QStringLiteral("is not a known Data Type"));
-        Fields fields = {{"address", row.text("Address")},
-                         {"type", known == typeNames.end() ? "" : known->own},
-                         {"unit", row.text("Eng Units")},
-                         {"period_ms", row.text("Scan Rate")},
-                         {"access", row.text("Client Access")},
-                         {"description", row.text("Description")}};
+        Fields fields = {
+            {"address", row.text("Address")}, {"type", known == typeNames.end() ? "" : known->own},
+            {"unit", row.text("Eng Units")},  {"period_ms", row.text("Scan Rate")},
+            {"access", accessOf(row)},        {"description", row.text("Description")}};
         if (row.isYes("Negate Value") && row.text("Scaling").toLower() != "linear")
             fields["scale"] = "-1";
         scale(row, fields);
@@ -263,7 +268,7 @@ QStringList scadaFields(const Tag& tag)
             tag.style.format == ValueFormat::Text ? tag.asked.text() : tag.asked.nameOf(0),
             foreignType(tag),
             "1",
-            tag.isReadOnly ? "RO" : "R/W",
+            tag.isReadOnly() ? "RO" : "R/W",
             tag.periodMs ? QString::number(*tag.periodMs) : QString(),
             isLinear ? "Linear" : "None",
             ifLinear(rawLow),

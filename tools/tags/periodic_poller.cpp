@@ -49,8 +49,10 @@ RoundEnd PeriodicPoller::poll()
 {
     const qint64 startedUs = m_loop.elapsedUs();
     const bool wasBegun = m_isBegun;
+    const qint64 linksLost = m_loop.statistics().linksLost;
     const RoundEnd end = m_poller.poll();
-    m_polledUs += m_loop.elapsedUs() - startedUs;
+    if (end == RoundEnd::Done && m_loop.statistics().linksLost == linksLost)
+        m_polledUs += m_loop.elapsedUs() - startedUs;
     const qint64 exchanges = m_loop.statistics().total().accepted - m_measured.exchanges;
     if (wasBegun ? exchanges >= exchangesUntilMeasured : m_isBegun)
         measure();

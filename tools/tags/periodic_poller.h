@@ -4,7 +4,7 @@
 // A poller of registers with periods of their own, on a line that is measured while it is used.
 // Before everything is read for the first time, one exchange shows how fast the line is. After a
 // hundred exchanges it is measured again, by the whole time that these took: what the quiet before
-// a frame and faults cost counts with them.
+// a frame and faults cost counts with them, but not the time in which nothing answered.
 
 #pragma once
 

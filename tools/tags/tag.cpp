@@ -183,7 +183,7 @@ bool Tag::isExact() const
 Assignment assignmentOf(const Tag& tag, const QString& value, const RegisterCatalogue& catalogue)
 {
     const QString text = tag.style.format == ValueFormat::Text ? value : value.trimmed();
-    if (tag.isReadOnly)
+    if (tag.isReadOnly())
         rejectValue(tag, text, QStringLiteral("is not written: the tag is read-only"));
     Assignment assignment =
         assignmentOf(takeApart(tag.asked.text()), rawText(tag, text), catalogue, tag.style);

@@ -15,6 +15,13 @@
 
 namespace fxtools {
 
+enum class TagAccess
+{
+    NotSaid,  // may be written
+    ReadOnly,
+    ReadWrite,
+};
+
 struct Tag
 {
     QString name;
@@ -25,13 +32,14 @@ struct Tag
     QString unit;
     std::optional<double> deadband;
     std::optional<int> periodMs;  // nothing: as fast as the line allows
-    bool isReadOnly = false;
+    TagAccess access = TagAccess::NotSaid;
     std::optional<double> min, max;  // of what may be written
     std::optional<double> alarmLow, alarmHigh;
     QString link;  // the name of a configured PLC
     QString description;
     int line = 0;  // of the tag file
 
+    bool isReadOnly() const { return access == TagAccess::ReadOnly; }
     bool isOneBit() const;
     bool isNumber() const;  // not a bit, a text or digits
     bool isScaled() const { return scale != 1 || offset != 0; }

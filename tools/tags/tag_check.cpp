@@ -33,7 +33,7 @@ private:
 
 void Checker::checkAlone(const Tag& tag)
 {
-    const bool isWritten = !tag.isReadOnly && tag.asked.range.type.writable;
+    const bool isWritten = !tag.isReadOnly() && tag.asked.range.type.writable;
     const std::optional<Alias> alias = m_catalogue.aliasIn(tag.asked.range);
     if (alias && isWritten)
         warn(tag, "address", "is not written without --force: " + alias->text());

@@ -76,9 +76,25 @@ void takePeriod(Tag& tag, const QString& text, const Reading& /*reading*/)
 void takeAccess(Tag& tag, const QString& text, const Reading& /*reading*/)
 {
     const QString access = text.toLower().remove('/');
-    tag.isReadOnly = access == QLatin1String("ro") || access == QLatin1String("r");
-    if (!tag.isReadOnly && access != QLatin1String("rw"))
+    if (access == QLatin1String("ro") || access == QLatin1String("r"))
+        tag.access = TagAccess::ReadOnly;
+    else if (access == QLatin1String("rw"))
+        tag.access = TagAccess::ReadWrite;
+    else
         reject(text, QStringLiteral("is not an access; use ro or rw"));
+}
+
+QString accessText(const Tag& tag)
+{
+    switch (tag.access) {
+    case TagAccess::NotSaid:
+        return {};
+    case TagAccess::ReadOnly:
+        return QStringLiteral("ro");
+    case TagAccess::ReadWrite:
+        return QStringLiteral("rw");
+    }
+    return {};
 }
 
 void takeType(Tag& tag, const QString& text, const Reading& /*reading*/)
@@ -147,8 +163,7 @@ const Column columns[] = {
     {"deadband", true, takeDeadband, textOfNumber<&Tag::deadband>},
     {"period_ms", false, takePeriod,
      [](const Tag& tag) { return tag.periodMs ? QString::number(*tag.periodMs) : QString(); }},
-    {"access", false, takeAccess,
-     [](const Tag& tag) { return tag.isReadOnly ? QStringLiteral("ro") : QString(); }},
+    {"access", false, takeAccess, accessText},
     {"min", true, takeNumber<&Tag::min>, textOfNumber<&Tag::min>},
     {"max", true, takeNumber<&Tag::max>, textOfNumber<&Tag::max>},
     {"alarm_low", true, takeNumber<&Tag::alarmLow>, textOfNumber<&Tag::alarmLow>},

@@ -14,15 +14,6 @@ using namespace tool_tests;
 
 namespace {
 
-// A block for each range.
-Blocks apart(const QVector<RegisterRange>& due)
-{
-    Blocks blocks;
-    for (const RegisterRange& range : due)
-        blocks.append({range});
-    return blocks;
-}
-
 const QVector<RegisterRange> threeRanges = {range("D0:2"), range("D4:2"), range("M0:8")};
 
 // The registers of the read frames on the line, from one of them on.

@@ -5,7 +5,7 @@
 // with what was written, wherever it went.
 
 #include "tests/tools/support/virtual_line.h"
-#include "tools/exchange/polling.h"
+#include "tools/exchange/checked_write.h"
 
 #include <gtest/gtest.h>
 
@@ -89,6 +89,16 @@ TEST(ReadBack, IsThePlcsValueAndNotTheWrittenOne)
     EXPECT_EQ(bench.session.values(range("X0")), QVector<quint32>({0}));
 }
 
+// The PLC answers again while the driver would still repeat the write.
+TEST(ReadBack, IsNoRepetitionOfAWriteThatGotNoAnswer)
+{
+    Bench bench(badLine(0, "silence@1-3", fxsim::EnquiryMode::Ignored), SessionSettings{10, 32});
+    const WriteOutcome outcome = writeRegisters(bench.loop, range("D0"), {77});
+    ASSERT_EQ(outcome.problem, ReplyVerdict::Silence);
+    EXPECT_EQ(readBack(bench.loop, range("D0")), ReplyVerdict::Good);
+    EXPECT_EQ(bench.loop.statistics().of(ExchangeKind::Write).sent, 3);
+}
+
 namespace {
 
 std::string texts(const QVector<RegisterRange>& ranges)
@@ -140,4 +150,24 @@ TEST(RetriedWrite, ThatIsRefusedAfterAnUnansweredAttemptMayHaveArrived)
     EXPECT_EQ(outcome.problem, ReplyVerdict::Refused);
     EXPECT_EQ(texts(outcome.uncertain), "D0");
     EXPECT_EQ(bench.plcWord(addressOfD0), 77U);
+}
+
+// Its value would be too old by then.
+TEST(CheckedWrite, ThatLosesTheLinkIsNotSentWhenItIsBack)
+{
+    for (const char* const faults : {"link-drop@1", "link-drop@2"}) {
+        Bench bench(badLine(0, faults));
+        const Assignment assignment =
+            parseAssignment("D0:64=" + QString("7,").repeated(63) + "7", catalogue(), ValueStyle());
+        const CheckedWrite write = writeAndReadBack(bench.loop, assignment, Check::OnlyAsNeeded);
+        ASSERT_TRUE(write.outcome);
+        EXPECT_EQ(write.outcome->problem, ReplyVerdict::LinkLost);
+        EXPECT_FALSE(write.isThere());
+        const qint64 sent = bench.loop.statistics().of(ExchangeKind::Write).sent;
+        bench.line.open();
+        bench.session.setPlan({range("D0")});
+        EXPECT_EQ(pollCycle(bench.loop, 1).end, RoundEnd::Done);
+        EXPECT_EQ(bench.loop.statistics().of(ExchangeKind::Write).sent, sent) << faults;
+        EXPECT_EQ(bench.plcWord(addressOfD(63)), 0U) << faults;
+    }
 }

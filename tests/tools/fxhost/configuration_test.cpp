@@ -106,6 +106,9 @@ TEST(ConfigurationFile, NamesThePlaceOfAMistake)
         {"default = 'b'\n[plc.a]\nlink = 'sim:'\n", "1, column 11: unknown PLC 'b'; known: a\n"},
         {"plc = 5\n", "1, column 7: plc must be a table: [plc.press1] and its keys below\n"},
         {"[plc.a]\nlink = sim:\n", "2, column 8: "},  // and what the parser says
+        // Found by fuzzing: the parser is undefined there.
+        {"# '\u00B0\n[plc.a]\nlink = \"\u00B0\\\"'\"\u00FC\n",
+         "3, column 14: '\u00FC' must stand in quotes\n"},
     };
     const QTemporaryDir folder;
     for (const auto& [content, says] : rows) {

@@ -67,7 +67,7 @@ TEST(Doctor, SaysWhatIsTheMatter)
 
 TEST(Doctor, NamesWhatTalksByItself)
 {
-    QProcess scale;
+    ChildProcess scale;
     scale.start("python3", {"-c", scaleServer});
     ASSERT_TRUE(scale.waitForReadyRead());
     const QString port = scale.readAll().trimmed();

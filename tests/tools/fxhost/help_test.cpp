@@ -106,7 +106,7 @@ public:
 
 private:
     QTemporaryDir m_folder;
-    QProcess m_shell;
+    ChildProcess m_shell;
 };
 
 // Those of one text one after the other, the texts side by side.

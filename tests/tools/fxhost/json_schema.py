@@ -80,7 +80,10 @@ class Checker:
     def check(self, value, schema, where):
         while "$ref" in schema:
             schema = self.definitions[schema["$ref"].rsplit("/", 1)[1]]
-        if isinstance(value, list):
+        if "oneOf" in schema:  # told apart by the first member
+            self.check(value, next(one for one in schema["oneOf"]
+                                   if one["properties"]["event"]["const"] == value["event"]), where)
+        elif isinstance(value, list):
             for item in value:
                 self.check(item, schema["items"], where)
         elif isinstance(value, dict) and "properties" in schema:
@@ -100,6 +103,25 @@ def documents(text):
     return [json.loads(line) for line in text.splitlines()]
 
 
+def served(fxhost, folder, environment):
+    """What serve prints for a supervisor: of a PLC that is slow at first, of one that refuses, of one that is off."""
+    lines = []
+    for faults, timeout, wanted in (("delay:1500@1", "5s", {"stale", "good", "alive", "written"}),
+                                    ("nak=1", "5s", {"bad", "alive"}), ("silence=1", "50", {"down"})):
+        with subprocess.Popen([fxhost, "serve", "--link", f"sim:?faults={faults}", "--timeout", timeout, "--tags",
+                               "served.csv"], cwd=folder, env=environment, stdin=subprocess.PIPE,
+                              stdout=subprocess.PIPE, text=True) as process:
+            process.stdin.write('{"write":{"id":"1","tag":"speed","value":5}}\nwrong\n')
+            process.stdin.flush()
+            for line in process.stdout:
+                lines.append(json.loads(line))
+                wanted -= {*lines[-1], lines[-1]["event"], lines[-1].get("link")}
+                if not wanted:
+                    break
+            process.stdin.close()
+    return lines
+
+
 def main(fxhost, driver, schema_file):
     with open(schema_file, encoding="utf-8") as file:
         schema = json.load(file)
@@ -112,6 +134,14 @@ def main(fxhost, driver, schema_file):
             other.write("D100,7\n")
         with open(os.path.join(folder, "tags.csv"), "w", encoding="utf-8") as tags:
             tags.write("name,address,scale,unit,alarm_low\nspeed,D2,0.1,rpm,9999\nagain,D2,,,\n")
+        with open(os.path.join(folder, "served.csv"), "w", encoding="utf-8") as tags:
+            tags.write("name,address,unit,deadband,period_ms,access,min,max,description\n"
+                       "speed,D20,rpm,1,500,rw,0,9,Of the drum\n")
+        entry = schema["properties"]["serve"]
+        checker.never_printed.discard((id(schema["properties"]), "serve"))
+        for document in served(fxhost, folder, environment):
+            jsonschema.validate(document, {**entry, "$defs": schema["$defs"]})
+            checker.check(document, entry, "serve")
         for name, line in COMMANDS:
             ended = subprocess.run([fxhost, "--json", "--timestamps", *line.split()], cwd=folder, env=environment,
                                    stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=False,

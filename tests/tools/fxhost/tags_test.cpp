@@ -84,7 +84,18 @@ TEST_F(NamedTags, AreCheckedAndBeginSeries)
     EXPECT_EQ(unknown.out, "pumpe,false,\"unknown tag 'pumpe'; did you mean 'pump'?\"\n");
     EXPECT_EQ(unknown.code, 1);
     EXPECT_EQ(run({"series", "pump", "-n", "2", "--csv", "-q"}).out, "1,M10\n2,M11\n");
-    EXPECT_EQ(errorOf({"series", "p*"}), "fxhost: 'p*' means 2 tags; a series begins with one\n");
+    EXPECT_EQ(errorOf({"series", "p*"}), "fxhost: 'p*' means 2 tags; give one of them\n");
+}
+
+TEST_F(NamedTags, SayWhereRestoreGoesOn)
+{
+    const QString registers = folder.filePath("plc.csv");
+    ASSERT_EQ(run({"dump", registers, "D0:4", "M10"}).code, 0);
+    ASSERT_EQ(run({"write", "D1=200", "D2=7", "pump=on"}).code, 0);
+    EXPECT_EQ(run({"restore", registers, "--from", "boiler.flow", "--yes", "-q"}).code, 0);
+    EXPECT_EQ(run({"read", "D1", "D2", "M10", "--csv", "-q"}).out, "D1,200,\nD2,0,\nM10,0,\n");
+    EXPECT_EQ(errorOf({"restore", registers, "--from", "b*", "--yes"}),
+              "fxhost: 'b*' means 3 tags; give one of them\n");
 }
 
 TEST_F(NamedTags, AreFoundByPatterns)

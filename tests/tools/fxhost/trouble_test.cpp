@@ -151,6 +151,18 @@ TEST_P(UnplannedEnd, TwoSignalsAtOnceAreOneInterrupt)
     EXPECT_EQ(watch.end().code, 130);
 }
 
+TEST_P(UnplannedEnd, StatsWithoutEndReportWhenTheyAreInterrupted)
+{
+    const std::string untouched = plc.command("stats").toStdString();
+    RunningHost stats({"--link", plc.link(), "stats", "D0", "-n", "0", "--csv"});
+    while (plc.command("stats").toStdString() == untouched)
+        QThread::msleep(1);
+    stats.send(SIGINT);
+    const Ended ended = stats.end();
+    EXPECT_EQ(ended.code, 130);
+    EXPECT_TRUE(holds(ended.out, "\nexchanges.cyclicRead.good,")) << ended.out;
+}
+
 TEST_P(UnplannedEnd, AnInterruptedWriteTellsWhatArrived)
 {
     QStringList values;

@@ -186,7 +186,7 @@ TEST(UnnamedLink, ASimulatedPlcSaysSoOnce)
 TEST(Usage, FullOutputIsNoSuccess)
 {
     for (const char* const command : {"types", "watch D0 -l 0", "monitor D0 -n 0", "stats D0"}) {
-        QProcess shell;
+        ChildProcess shell;
         shell.start("/bin/sh", {"-c", QStringLiteral("FX_DRIVER=%1 %2 -q %3 > /dev/full")
                                           .arg(FX_DRIVER_FILE, FXHOST_FILE, command)});
         ASSERT_TRUE(shell.waitForFinished()) << command;
@@ -227,7 +227,7 @@ TEST(Usage, APortInUseNamesWhoUsesIt)
     ASSERT_EQ(ioctl(near, TIOCEXCL), 0);
     const QStringList asUser =
         geteuid() == 0 ? QStringList{"setpriv", "--bounding-set=-sys_admin"} : QStringList{"env"};
-    QProcess host;
+    ChildProcess host;
     host.setProcessEnvironment(withLink(QString("serial:") + name.data()));
     host.start(asUser[0], asUser.mid(1) + QStringList{FXHOST_FILE, "read", "D0", "-q"});
     ASSERT_TRUE(host.waitForFinished());
@@ -246,7 +246,7 @@ TEST(Usage, APortInUseNamesWhoUsesIt)
 TEST(Usage, APortInUseByAnotherHostNamesThatHost)
 {
     const RunningSimulator plc(Road::PseudoTerminal, {"--baud", "0"});
-    QProcess first;
+    ChildProcess first;
     first.setProcessEnvironment(withLink(plc.link()));
     first.start(FXHOST_FILE, {"watch", "D10", "-q"});
     ASSERT_TRUE(first.waitForReadyRead());
@@ -268,7 +268,7 @@ Ended onFullDisk(int blocks, const QStringList& arguments)
     const QString limited =
         QStringLiteral("trap '' XFSZ; ulimit -f %1; FX_LINK=sim: FX_DRIVER=%2 exec \"$@\"")
             .arg(QString::number(blocks), FX_DRIVER_FILE);
-    QProcess shell;
+    ChildProcess shell;
     shell.start("/bin/sh", QStringList{"-c", limited, "sh", FXHOST_FILE} + arguments);
     Ended ended;
     if (shell.waitForFinished())

@@ -3,12 +3,12 @@
 //
 // Bytes over real links: a TCP connection to this machine, and a pseudo-terminal.
 
+#include "tests/tools/support/child_process.h"
 #include "tools/link/link_keeper.h"
 #include "tools/link/links.h"
 #include "tools/link/ports.h"
 
 #include <QCoreApplication>
-#include <QProcess>
 #include <QTcpServer>
 
 #include <gtest/gtest.h>
@@ -159,7 +159,7 @@ TEST_F(Terminals, NameWhyTheyDoNotOpen)
 TEST_F(Terminals, NameWhoElseUsesThem)
 {
     EXPECT_EQ(holderOf(settings.path), "") << "this process does not count";
-    QProcess other;
+    ChildProcess other;
     other.setStandardInputFile(settings.path);
     other.start("sleep", {"60"});
     ASSERT_TRUE(other.waitForStarted(patienceMs));

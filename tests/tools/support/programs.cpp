@@ -13,7 +13,7 @@ namespace tool_tests {
 
 namespace {
 
-constexpr int patienceMs = 30000;  // of a loaded machine, under sanitizers
+constexpr int patienceMs = 120000;  // of a loaded machine, under sanitizers, in an emulator
 
 }  // namespace
 
@@ -70,11 +70,14 @@ int times(const std::string& text, const std::string& part)
     return found;
 }
 
-Ended fxhost(const QStringList& arguments, const QProcessEnvironment& environment)
+Ended fxhost(const QStringList& arguments, const QProcessEnvironment& environment,
+             const QByteArray& input)
 {
     ChildProcess process;
     process.setProcessEnvironment(environment);
     process.start(QStringLiteral(FXHOST_FILE), arguments);
+    process.write(input);
+    process.closeWriteChannel();
     Ended ended;
     if (!process.waitForFinished(patienceMs))
         process.kill();

@@ -59,7 +59,8 @@ int times(const std::string& text, const std::string& part);  // how often it ho
 QProcessEnvironment hostEnvironment();
 
 Ended fxhost(const QStringList& arguments,
-             const QProcessEnvironment& environment = hostEnvironment());
+             const QProcessEnvironment& environment = hostEnvironment(),
+             const QByteArray& input = {});
 
 // fxhost in the middle of its work.
 class RunningHost

@@ -91,4 +91,12 @@ fxsim::Settings badLine(int baud, const char* faults, fxsim::EnquiryMode enquiry
     return settings;
 }
 
+fxtools::Blocks apart(const QVector<fxtools::RegisterRange>& due)
+{
+    fxtools::Blocks blocks;
+    for (const fxtools::RegisterRange& one : due)
+        blocks.append({one});
+    return blocks;
+}
+
 }  // namespace tool_tests

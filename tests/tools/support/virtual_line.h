@@ -9,7 +9,7 @@
 #pragma once
 
 #include "tests/tools/support/loaded_driver.h"
-#include "tools/exchange/exchange_loop.h"
+#include "tools/exchange/plan_cycle.h"
 #include "tools/fxsim/line/session.h"
 
 #include <QByteArrayList>
@@ -55,6 +55,9 @@ quint16 wordNaming(int byteAddress);
 
 fxsim::Settings badLine(int baud, const char* faults,
                         fxsim::EnquiryMode enquiry = fxsim::EnquiryMode::Optional);
+
+// A planner: a block for each range.
+fxtools::Blocks apart(const QVector<fxtools::RegisterRange>& due);
 
 // Byte addresses on the wire.
 constexpr int addressOfD0 = 0x1000;

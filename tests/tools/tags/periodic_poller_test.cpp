@@ -152,3 +152,18 @@ TEST_F(OnALineAt9600Baud, CountsWhatFaultsCost)
     ASSERT_GE(told.size(), 1);
     EXPECT_TRUE(told[0].periods[0].isLate());
 }
+
+// It would seem slow for its next hundred exchanges.
+TEST_F(OnALineAt9600Baud, DoesNotCountTheTimeInWhichNothingAnswers)
+{
+    start({every(100, "D0")});
+    pollFor(second);
+    bench.line.setFaults("power-cycle:600000@1,delay:20=100%");
+    const qint64 silentSinceUs = bench.line.nowUs();
+    while (bench.line.nowUs() < silentSinceUs + 610 * second) {
+        poller->poll();
+        bench.loop.overhear(100);
+    }
+    pollFor(15 * second);
+    EXPECT_LT(poller->load().used, 1) << "as if the line could not keep the period";
+}

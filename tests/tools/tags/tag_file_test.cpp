@@ -23,7 +23,7 @@ const char* const everyColumn =
     "name,address,type,scale,offset,unit,deadband,period_ms,access,min,max,alarm_low,alarm_high,"
     "link,description\n"
     "boiler.temperature,D100,,0.1,,°C,0.5,500,ro,,,5,95,press1,\"Inlet, left\"\n"
-    "boiler.setpoint,D101,unsigned,0.1,-10,°C,,,,10,80,,,press1,\n"
+    "boiler.setpoint,D101,unsigned,0.1,-10,°C,,,rw,10,80,,,press1,\n"
     "counter,D20:2,ulong,,,,,,,,,,,,\n"
     "flow,D22:2,float swap,,,l/min,,,,,,,,,\n"
     "product,D30:8,text,,,,,,,,,,,,\"Says \"\"name\"\"\"\n"
@@ -99,7 +99,9 @@ TEST_F(TagFiles, AreWrittenAsTheyWereRead)
     EXPECT_EQ(setpoint.offset, -10);
     EXPECT_EQ(setpoint.max, 80);
     EXPECT_EQ(file.tags[0].periodMs, 500);
-    EXPECT_TRUE(file.tags[0].isReadOnly);
+    EXPECT_EQ(file.tags[0].access, TagAccess::ReadOnly);
+    EXPECT_EQ(setpoint.access, TagAccess::ReadWrite);
+    EXPECT_EQ(file.tags[2].access, TagAccess::NotSaid);
     EXPECT_EQ(file.tags[3].asked.range.together, 2);
 }
 

@@ -136,7 +136,7 @@ TEST(Tags, KeepTheirLimitsAlsoAfterRounding)
     EXPECT_EQ(written(tag, "-5.01"), "'t=-5.01' is below the minimum of -5 °C");
     tag.scale = 1;
     EXPECT_EQ(written(tag, "0x100"), "'t=0x100' is above the maximum of 71.56 °C");
-    tag.isReadOnly = true;
+    tag.access = TagAccess::ReadOnly;
     EXPECT_EQ(written(tag, "1"), "'t=1' is not written: the tag is read-only");
 }
 

@@ -138,6 +138,18 @@ QVector<RegisterRange> rangesOf(const AddressOptions& options, const AddressServ
     return rangesOf(askedOf(options, services));
 }
 
+RegisterRange addressIn(const QString& text, const AddressServices& services)
+{
+    if (!isTagName(text, services))
+        return parseAddress(text, services.catalogue);
+    const QVector<Tag> tags = tagsNamed(text, services);
+    if (tags.size() > 1)
+        throw Failure(ExitCode::Usage, QStringLiteral("%1 means %2 tags; give one of them")
+                                           .arg(quoted(text))
+                                           .arg(tags.size()));
+    return tags.first().asked.range;
+}
+
 TagWrite parseWrite(const QString& text, const AddressServices& services, ValueStyle style)
 {
     const QString name = text.section('=', 0, 0).trimmed();

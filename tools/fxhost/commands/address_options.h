@@ -49,6 +49,9 @@ QVector<Tag> askedOf(const AddressOptions& options, const AddressServices& servi
 QVector<RegisterRange> rangesOf(const QVector<Tag>& asked);
 QVector<RegisterRange> rangesOf(const AddressOptions& options, const AddressServices& services);
 
+// One address, or the registers of one tag. Throws Failure.
+RegisterRange addressIn(const QString& text, const AddressServices& services);
+
 // A write, and how its values are shown.
 struct TagWrite : Assignment
 {

@@ -99,18 +99,6 @@ struct SeriesOptions
     int step = 1;
 };
 
-RegisterRange firstOf(const QString& text, const AddressServices& services)
-{
-    if (!isTagName(text, services))
-        return parseAddress(text, services.catalogue);
-    const QVector<Tag> tags = tagsNamed(text, services);
-    if (tags.size() > 1)
-        throw Failure(ExitCode::Usage, QStringLiteral("%1 means %2 tags; a series begins with one")
-                                           .arg(quoted(text))
-                                           .arg(tags.size()));
-    return tags.first().asked.range;
-}
-
 ExitCode runSeries(const CommonOptions& common, const SeriesOptions& options)
 {
     if (options.step == 0)  // which the driver takes as 1
@@ -118,7 +106,7 @@ ExitCode runSeries(const CommonOptions& common, const SeriesOptions& options)
                       QStringLiteral("invalid --step %1: use 1 or more, or -2 for 32-bit values")
                           .arg(options.step));
     const AddressServices services(common);
-    const RegisterRange first = firstOf(QString::fromStdString(options.address), services);
+    const RegisterRange first = addressIn(QString::fromStdString(options.address), services);
     QVector<QString> texts;
     QVector<int> numbers;
     const int result = services.library.multiCopy(first.type.name, first.first, options.copies,

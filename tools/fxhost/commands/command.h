@@ -120,6 +120,7 @@ void addRecipeCommand(CLI::App& app, const CommonOptions& common, Action& action
 void addRecordCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addReplayCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addRestoreCommand(CLI::App& app, const CommonOptions& common, Action& action);
+void addServeCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addSeriesCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addStatsCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addTagsCommand(CLI::App& app, const CommonOptions& common, Action& action);

@@ -58,16 +58,14 @@ Planner plannerFor(ExchangeLoop& loop, const ConnectionSettings& settings,
     return shortestPlanner(loop, baudOf(settings.link), turnaroundUsOf(options));
 }
 
-void addCountOption(CLI::App& command, int& cycles, bool mayBeEndless)
+void addCountOption(CLI::App& command, int& cycles)
 {
-    const std::string endless = !mayBeEndless ? ""
-                                : cycles == 0 ? " = until Ctrl-C"
-                                              : "; 0 = until Ctrl-C";
+    const std::string endless = cycles == 0 ? " = until Ctrl-C" : "; 0 = until Ctrl-C";
     command
         .add_option("-n,--count", cycles,
                     "Number of cycles (default: " + std::to_string(cycles) + endless + ")")
         ->type_name("N")
-        ->check(within({mayBeEndless ? 0 : 1, mostCycles}));
+        ->check(within({0, mostCycles}));
 }
 
 void addDeadbandOption(CLI::App& command, double& deadband)

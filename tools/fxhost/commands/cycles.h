@@ -28,8 +28,8 @@ std::optional<qint64> turnaroundUsOf(const PlanningOptions& options);
 Planner plannerFor(ExchangeLoop& loop, const ConnectionSettings& settings,
                    const PlanningOptions& options);
 
-// -n,--count with `cycles` as its default. At 0, if that is allowed, polling goes on until Ctrl-C.
-void addCountOption(CLI::App& command, int& cycles, bool mayBeEndless);
+// -n,--count with `cycles` as its default. At 0 polling goes on until Ctrl-C.
+void addCountOption(CLI::App& command, int& cycles);
 
 void addDeadbandOption(CLI::App& command, double& deadband);
 

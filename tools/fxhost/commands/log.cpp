@@ -204,7 +204,7 @@ void addLogCommand(CLI::App& app, const CommonOptions& common, Action& action)
     addAddressOptions(*command, options->addresses);
     addFormatOption(*command, options->style);
     addPollOptions(*command, options->poll);
-    addCountOption(*command, options->cycles, true);
+    addCountOption(*command, options->cycles);
     command->add_option("--duration", options->durationMs, "Stop after TIME: 90s, 10min, 8h, 1d")
         ->type_name("TIME")
         ->transform(timeWithin({1, longestDurationMs}));

@@ -148,7 +148,7 @@ void addMonitorCommand(CLI::App& app, const CommonOptions& common, Action& actio
     const auto options = std::make_shared<MonitorOptions>();
     addAddressOptions(*command, options->addresses);
     addPlanningOptions(*command, options->planning);
-    addCountOption(*command, options->cycles, true);
+    addCountOption(*command, options->cycles);
     addExamples(*command, {"fxhost monitor D100:2 X0", "fxhost monitor D0:32 -n 3 --timestamps"});
     onRun(*command, action, [&common, options] { return runMonitor(common, *options); });
 }

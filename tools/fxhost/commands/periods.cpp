@@ -73,7 +73,7 @@ void requireAsked(const QVector<GivenPeriod>& given, const QVector<Tag>& asked)
 }
 
 // "line load 134 %: D0:10 every 140 ms instead of 100 ms"
-QString loadText(const LineLoad& load, const WantedPeriods& wanted)
+QString textOfLoad(const LineLoad& load, const WantedPeriods& wanted)
 {
     QStringList late;
     for (const PeriodLoad& period : load.periods) {
@@ -147,7 +147,7 @@ Polling::Polling(Connection& connection, const ConnectionSettings& settings,
     m_wanted = wantedOf(asked, given, options.intervalMs);
     const bool areInTags = std::any_of(asked.begin(), asked.end(),
                                        [](const Tag& tag) { return tag.periodMs.has_value(); });
-    if (given.isEmpty() && !areInTags && m_wanted.names.size() == 1) {
+    if (!options.areAlwaysPeriods && given.isEmpty() && !areInTags && m_wanted.names.size() == 1) {
         m_intervalUs = m_wanted.names.firstKey();
         m_plain.emplace(m_loop, connection.catalogue(), rangesOf(asked),
                         plannerFor(m_loop, settings, options.planning));
@@ -158,8 +158,23 @@ Polling::Polling(Connection& connection, const ConnectionSettings& settings,
                                        "periods of their own need --plan shortest");
     m_periodic.emplace(m_loop, connection.catalogue(), m_wanted.ranges, baudOf(settings.link),
                        turnaroundUsOf(options.planning), [this, tellLoad](const LineLoad& load) {
-                           tellLoad(loadText(load, m_wanted));
+                           tellLoad(textOfLoad(load, m_wanted));
                        });
+}
+
+QString Polling::loadText() const
+{
+    return textOfLoad(load(), m_wanted);
+}
+
+QStringList Polling::late() const
+{
+    QStringList names;
+    for (const PeriodLoad& period : load().periods) {
+        if (period.isLate())
+            names += m_wanted.names.value(period.wantedUs);
+    }
+    return names;
 }
 
 qint64 Polling::cycleUs() const

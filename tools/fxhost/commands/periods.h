@@ -21,6 +21,7 @@ struct PollOptions
     PlanningOptions planning;
     std::vector<std::string> periods;  // "D0:10=100"
     std::optional<int> intervalMs;     // nothing: the usual one, and for tags 0
+    bool areAlwaysPeriods = false;     // also where all have the same
 };
 
 void addPeriodOption(CLI::App& command, PollOptions& options);
@@ -53,6 +54,9 @@ public:
     Polling& operator=(const Polling&) = delete;
 
     bool isPeriodic() const { return m_periodic.has_value(); }
+    const LineLoad& load() const { return m_periodic->load(); }  // where there are periods
+    QString loadText() const;
+    QStringList late() const;  // what the line is too slow for
     const WantedPeriods& wanted() const { return m_wanted; }
     Poller& poller() { return m_periodic ? m_periodic->poller() : *m_plain; }
 

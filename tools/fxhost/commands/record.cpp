@@ -127,7 +127,7 @@ void addRecordCommand(CLI::App& app, const CommonOptions& common, Action& action
     const auto options = std::make_shared<RecordOptions>();
     addFileOptions(*command, options->file);
     addAddressOptions(*command, options->addresses);
-    addCountOption(*command, options->cycles, true);
+    addCountOption(*command, options->cycles);
     addExamples(*command, {"fxhost record session.jsonl D0:64 X0:8 -n 20"});
     onRun(*command, action, [&common, options] { return runRecord(common, *options); });
 }

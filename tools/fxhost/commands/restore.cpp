@@ -6,6 +6,7 @@
 // a time. Stops at the first failure and says where to continue. Registers that hold another value
 // afterwards, because the PLC's program writes them, are named at the end.
 
+#include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/file_comparison.h"
 
 #include <QJsonArray>
@@ -125,7 +126,7 @@ RegisterFile checkedFile(const RestoreOptions& options, const Connection& connec
         writableRegistersOf(QString::fromStdString(options.file), connection, options.force);
     if (!options.from.empty())
         file.runs = runsFrom(
-            file.runs, parseAddress(QString::fromStdString(options.from), connection.catalogue()));
+            file.runs, addressIn(QString::fromStdString(options.from), connection.services()));
     return file;
 }
 
@@ -199,7 +200,7 @@ void addRestoreCommand(CLI::App& app, const CommonOptions& common, Action& actio
         app.add_subcommand("restore", "Write the registers of a file and read them back");
     const auto options = std::make_shared<RestoreOptions>();
     command->add_option("file", options->file, "CSV file written by dump or backup")->required();
-    command->add_option("--from", options->from, "Start with this register of the file")
+    command->add_option("--from", options->from, "Start with this register or tag of the file")
         ->type_name("ADDRESS");
     command->add_flag("--dry-run", options->dryRun, "Show what would change, and write nothing");
     command->add_flag("-y,--yes", options->yes, "Do not ask before writing");

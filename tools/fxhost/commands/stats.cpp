@@ -165,7 +165,8 @@ ExitCode runStats(const CommonOptions& common, const StatsOptions& options)
     const Progress progress = lateProgressOf(common.output, QStringLiteral("stats"));
     const auto onCycle = [&](qint64 cycleUs) {
         cycleTimes.add(cycleUs);
-        progress(++cycles, options.cycles);
+        if (++cycles <= options.cycles)
+            progress(cycles, options.cycles);
     };
     ExitCode code = ExitCode::Good;
     if (polling.isPeriodic()) {
@@ -192,7 +193,7 @@ void addStatsCommand(CLI::App& app, const CommonOptions& common, Action& action)
     addPlanningOptions(*command, options->poll.planning);
     addPeriodOption(*command, options->poll);
     options->poll.intervalMs = 0;
-    addCountOption(*command, options->cycles, false);
+    addCountOption(*command, options->cycles);
     addExamples(*command, {"fxhost stats D0:64 -n 20 -b 115200", "fxhost stats D0:64 X0:16 --json",
                            "fxhost stats D0:10 D100:64 --period D0:10=50 -n 20"});
     onRun(*command, action, [&common, options] { return runStats(common, *options); });

@@ -9,12 +9,12 @@
 // interrupted, at least every tenth of a second.
 
 #include "tools/exchange/blocks.h"
+#include "tools/exchange/checked_write.h"
 #include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/periods.h"
 #include "tools/fxhost/commands/poll_result.h"
 #include "tools/fxhost/views/live_view.h"
 #include "tools/fxhost/views/log_file.h"
-#include "tools/library/assignments.h"
 
 #include <QElapsedTimer>
 
@@ -237,17 +237,11 @@ void LiveWatch::write(const QString& assignment)
 {
     try {
         const TagWrite wanted = parseWrite(assignment, m_connection->services(), m_options.style);
-        const RegisterRange& range = wanted.asked.range;
-        if (wanted.asked.bit && readBack(m_connection->loop(), range) != ReplyVerdict::Good)
-            throw Failure(ExitCode::Usage, range.text() + " could not be read");
-        const QVector<quint32> values = wanted.valuesOver(m_connection->session().values(range));
-        const WriteOutcome outcome = writeRegisters(m_connection->loop(), range, values);
-        const bool isThere = outcome.isGood() &&
-                             readBack(m_connection->loop(), range) == ReplyVerdict::Good &&
-                             m_connection->session().values(range) == values;
-        m_view.setMessage(outcome.problem ? verdictText(*outcome.problem)
-                          : isThere       ? assignment + " written and read back"
-                                          : assignment + " written, but not read back");
+        const CheckedWrite write = writeAndReadBack(m_connection->loop(), wanted);
+        m_view.setMessage(!write.outcome           ? wanted.asked.text() + " could not be read"
+                          : write.outcome->problem ? verdictText(*write.outcome->problem)
+                          : write.isThere()        ? assignment + " written and read back"
+                                                   : assignment + " written, but not read back");
     } catch (const Failure& failure) {
         m_view.setMessage(failure.text());
     }
@@ -317,7 +311,7 @@ void addWatchCommand(CLI::App& app, const CommonOptions& common, Action& action)
     addAddressOptions(*command, options->addresses);
     addFormatOption(*command, options->style);
     addPollOptions(*command, options->poll);
-    addCountOption(*command, options->cycles, true);
+    addCountOption(*command, options->cycles);
     command->add_flag("-1,--once", options->once, "Stop after one cycle");
     command->add_flag("--log", options->log, "Print one line for each change, also on a terminal");
     addDeadbandOption(*command, options->deadband);

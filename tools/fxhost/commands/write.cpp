@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// fxhost write: reads the registers, writes them and reads them back. The cache shows a written
-// value at once, so only what the PLC sends counts.
+// fxhost write: reads the registers, writes them and reads them back.
 
+#include "tools/exchange/checked_write.h"
 #include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/file_comparison.h"
 #include "tools/fxhost/commands/poll_result.h"
@@ -57,11 +57,6 @@ QVector<TagWrite> writesOf(const WriteOptions& options, const AddressServices& s
     return writes;
 }
 
-bool mayGoOn(ReplyVerdict problem)
-{
-    return problem != ReplyVerdict::LinkLost && problem != ReplyVerdict::Interrupted;
-}
-
 struct Result
 {
     QString text;
@@ -92,9 +87,8 @@ public:
     ExitCode finish();
 
 private:
-    Result resultOf(const TagWrite& assignment, QVector<quint32>& before);
-    Result verified(const TagWrite& assignment, const QVector<quint32>& wanted,
-                    const WriteOutcome& outcome);
+    Result resultOf(const TagWrite& assignment, const CheckedWrite& write) const;
+    Result verified(const TagWrite& assignment, const CheckedWrite& write) const;
     QJsonArray valuesOf(const TagWrite& assignment, const QVector<quint32>& registers) const;
     QString valuesText(const TagWrite& assignment, const QVector<quint32>& registers) const;
     QJsonValue shown(const TagWrite& assignment, const QVector<quint32>& registers,
@@ -112,48 +106,38 @@ private:
 
 bool Writer::write(const TagWrite& assignment)
 {
-    QVector<quint32> before;
-    const Result result = resultOf(assignment, before);
-    report(assignment, before, result);
+    const CheckedWrite write =
+        writeAndReadBack(m_connection.loop(), assignment,
+                         m_options.verify ? Check::BeforeAndAfter : Check::OnlyAsNeeded);
+    const Result result = resultOf(assignment, write);
+    report(assignment, write.before, result);
     return result.mayGoOn;
 }
 
-// A register that cannot be read may still be written; a PLC that does not answer is not asked to.
-Result Writer::resultOf(const TagWrite& assignment, QVector<quint32>& before)
+Result Writer::resultOf(const TagWrite& assignment, const CheckedWrite& write) const
 {
-    const RegisterRange& range = assignment.asked.range;
-    if (m_options.verify || assignment.asked.bit) {
-        const ReplyVerdict verdict = readBack(m_connection.loop(), range);
-        const bool mayBeUnknown = verdict == ReplyVerdict::Refused && !assignment.asked.bit;
-        if (verdict != ReplyVerdict::Good && !mayBeUnknown)
-            return {"not written, because it could not be read before: " + verdictText(verdict),
-                    exitCodeOf(verdict), mayGoOn(verdict)};
-        if (verdict == ReplyVerdict::Good)
-            before = m_connection.session().values(range);
-    }
-    const QVector<quint32> wanted = assignment.valuesOver(before);
-    const WriteOutcome outcome = writeRegisters(m_connection.loop(), range, wanted);
-    if (m_options.verify && (outcome.isGood() || mayGoOn(*outcome.problem)))
-        return verified(assignment, wanted, outcome);
-    if (outcome.isGood())
+    if (!write.outcome)
+        return {"not written, because it could not be read before: " + verdictText(*write.problem),
+                exitCodeOf(*write.problem), mayGoOn(*write.problem)};
+    if (write.problem || !write.after.isEmpty())
+        return verified(assignment, write);
+    if (write.outcome->isGood())
         return {QStringLiteral("acknowledged")};
-    return {failureText(outcome), exitCodeOf(*outcome.problem), mayGoOn(*outcome.problem)};
+    return {failureText(*write.outcome), exitCodeOf(*write.outcome->problem),
+            mayGoOn(*write.outcome->problem)};
 }
 
 // What was written, as the PLC holds it now: that also settles what an unanswered write did.
-Result Writer::verified(const TagWrite& assignment, const QVector<quint32>& wanted,
-                        const WriteOutcome& outcome)
+Result Writer::verified(const TagWrite& assignment, const CheckedWrite& write) const
 {
     const RegisterRange& range = assignment.asked.range;
-    const ReplyVerdict verdict = readBack(m_connection.loop(), range);
+    const WriteOutcome& outcome = *write.outcome;
     const QString written = outcome.isGood() ? "acknowledged, but " : failureText(outcome) + "; ";
-    if (verdict != ReplyVerdict::Good) {
-        const ReplyVerdict problem = outcome.problem.value_or(verdict);
-        return {written + "could not be read back: " + verdictText(verdict), exitCodeOf(problem),
-                mayGoOn(verdict)};
+    if (write.problem) {
+        return {written + "could not be read back: " + verdictText(*write.problem),
+                exitCodeOf(outcome.problem.value_or(*write.problem)), mayGoOn(*write.problem)};
     }
-    const QVector<quint32> held = m_connection.session().values(range);
-    if (held == wanted)
+    if (write.isThere())
         return {outcome.isGood()
                     ? QStringLiteral("verified")
                     : "verified, although not acknowledged: " + verdictText(*outcome.problem)};
@@ -161,7 +145,8 @@ Result Writer::verified(const TagWrite& assignment, const QVector<quint32>& want
     const bool isOne = range.count == assignment.registersEach;
     const QString elsewhere = range.readElsewhereText();
     return {written + "the PLC holds " +
-                (isOne ? valuesText(assignment, held) : differencesText(range, wanted, held)) +
+                (isOne ? valuesText(assignment, write.after)
+                       : differencesText(range, write.wanted, write.after)) +
                 (elsewhere.isEmpty() ? QString() : "; " + elsewhere),
             code};
 }

@@ -1,0 +1,63 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// The lines of fxhost serve, each a JSON object: docs/serve.md says what they mean.
+
+#pragma once
+
+#include "tools/exchange/checked_write.h"
+#include "tools/exchange/statistics.h"
+#include "tools/link/link_settings.h"
+#include "tools/tags/tag.h"
+
+namespace fxtools {
+
+// What the supervisor asks for.
+struct ServeOrder
+{
+    enum class Kind
+    {
+        Write,
+        Refresh,
+        Stop,
+    };
+
+    Kind kind = Kind::Refresh;
+    QString id;  // of a write
+    QString tag;
+    QJsonValue value;
+};
+
+// Throws Failure with what is wrong.
+ServeOrder parseOrder(const QByteArray& line);
+
+// A value as a tag file has it. Throws Failure if it is not of the kind that the tag has.
+QString writtenText(const Tag& tag, const QJsonValue& value);
+
+QByteArray helloEvent(const QString& version, LinkSettings link, const QVector<Tag>& tags);
+QByteArray stateEvent(const QString& link, const QString& reason);
+QByteArray mistakeEvent(int line, const QString& text);
+
+struct Liveliness
+{
+    double cycleMs = 0;
+    QStringList late;  // tags
+    QString load;      // empty: not known yet
+};
+
+QByteArray aliveEvent(const Statistics& statistics, const Liveliness& report);
+
+// What became of a write.
+struct WriteAnswer
+{
+    const char* outcome;  // done, refused, failed or unknown
+    QString reason;       // unless it is done
+    QJsonValue before;    // null: not known
+    QJsonValue after;
+};
+
+WriteAnswer refusal(const QString& reason);
+WriteAnswer answerOf(const Tag& tag, const CheckedWrite& write);
+QByteArray writtenEvent(const ServeOrder& order, const WriteAnswer& answer);
+
+}  // namespace fxtools
