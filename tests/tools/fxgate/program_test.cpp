@@ -38,7 +38,7 @@ Ended endOf(QProcess& process)
             process.readAllStandardError().toStdString()};
 }
 
-Ended fxgate(const QStringList& arguments)
+Ended runFxgate(const QStringList& arguments)
 {
     ChildProcess process;
     process.start(FXGATE_FILE, arguments);
@@ -118,7 +118,7 @@ protected:
 
     Ended ask(const QStringList& arguments)
     {
-        return fxgate(arguments + QStringList{"--socket", folder.path("control")});
+        return runFxgate(arguments + QStringList{"--socket", folder.path("control")});
     }
 
     QJsonObject link(int index)
@@ -241,7 +241,7 @@ TEST_F(FxgateTest, NeverShowsASecret)
     ASSERT_TRUE(waitUntil([this] { return link(0)["up"].toBool(); }));
     std::string shown = ask({"status"}).out + ask({"status", "--json"}).out + ask({"reload"}).out;
     shown += folder.read("fxgate.prom").toStdString();
-    const Ended checked = fxgate({"check", folder.path("fxgate.toml")});
+    const Ended checked = runFxgate({"check", folder.path("fxgate.toml")});
     const Ended ended = stop(SIGTERM);
     shown += checked.out + checked.err + ended.out + ended.err;
     EXPECT_EQ(shown.find("hidden-password"), std::string::npos) << shown;
@@ -251,7 +251,7 @@ TEST_F(FxgateTest, NeverShowsASecret)
 TEST_F(FxgateTest, DoesNotBeginWithMistakes)
 {
     folder.write("fxgate.toml", "[gateway]\nname = 5\n");
-    const Ended ended = fxgate({"run", "--config", folder.path("fxgate.toml")});
+    const Ended ended = runFxgate({"run", "--config", folder.path("fxgate.toml")});
     EXPECT_EQ(ended.code, 7);
     EXPECT_EQ(ended.err.substr(0, ended.err.find('\n') + 1),
               "fxgate: " + folder.path("fxgate.toml").toStdString() +
@@ -264,7 +264,7 @@ TEST_F(FxgateTest, ChecksAConfigurationAndItsTagFiles)
     folder.write("press1.csv", "name,address,scale,min,access\nflow,D10,x,,\nstate,D12,,,\n"
                                "level,D13,,1,ro\n");
     folder.write("press2.csv", "name,address\nrun,M0\n");
-    const Ended bad = fxgate({"check", folder.path("fxgate.toml")});
+    const Ended bad = runFxgate({"check", folder.path("fxgate.toml")});
     EXPECT_EQ(bad.code, 1);
     EXPECT_EQ(
         QString::fromStdString(bad.out).remove(folder.path("")).toStdString(),
@@ -274,7 +274,7 @@ TEST_F(FxgateTest, ChecksAConfigurationAndItsTagFiles)
         "/press1.csv, line 4, column min: warning: level is read-only, so it needs no limits\n"
         "/fxgate.toml: 2 links, 3 tags, 2 errors, 1 warning\n");
     folder.write("press1.csv", "name,address\nflow,D10\n");
-    const Ended good = fxgate({"check", folder.path("fxgate.toml")});
+    const Ended good = runFxgate({"check", folder.path("fxgate.toml")});
     EXPECT_EQ(good.code, 0);
     EXPECT_EQ(QString::fromStdString(good.out).remove(folder.path("")).toStdString(),
               "/fxgate.toml: 2 links, 2 tags, 0 errors, 0 warnings\n");
@@ -297,11 +297,12 @@ TEST(FxgateCommandLine, TellsMistakesAndWhereHelpIs)
         {{"reload", "--socket", "/nowhere"}, 7, "fxgate: no gateway answers at /nowhere\n"},
     };
     for (const auto& [arguments, code, says] : rows) {
-        const Ended ended = fxgate(arguments);
+        const Ended ended = runFxgate(arguments);
         EXPECT_EQ(ended.code, code) << says;
         EXPECT_EQ(ended.err, says);
     }
-    EXPECT_EQ(fxgate({"--version"}).out.substr(0, 7), "fxgate ");
+    EXPECT_EQ(runFxgate({"--version"}).out.substr(0, 7), "fxgate ");
     for (const char* const command : {"run", "check", "status", "reload"})
-        EXPECT_NE(fxgate({command, "--help"}).out.find("Examples:\n  fxgate "), std::string::npos);
+        EXPECT_NE(runFxgate({command, "--help"}).out.find("Examples:\n  fxgate "),
+                  std::string::npos);
 }
