@@ -269,7 +269,8 @@ TEST_F(WritesTest, WithoutAnAnswerInTimeAreUnknown)
     ++afterMs;
     writes.tick(now());
     EXPECT_EQ(answered(), "flow unknown no answer in 30 s\n");
-    answer("press1", "1", WriteResult::Outcome::Done);  // too late: it was answered
+    ask(to("run", true));
+    answer("press1", "1", WriteResult::Outcome::Done);  // too late, and not of this one
     EXPECT_EQ(answered(), "");
 }
 
