@@ -1,8 +1,8 @@
 # SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 # SPDX-License-Identifier: MIT
 #
-# What `cmake --install` puts where, in three components: runtime (the library), dev (header, CMake
-# and pkg-config files, guides, examples) and tools. Nothing in it names an absolute path, so the
+# What `cmake --install` puts where, in four components: runtime (the library), dev (header, CMake
+# and pkg-config files, guides, examples), tools and gateway. Nothing in it names an absolute path, so the
 # installed tree can be moved.
 
 include(GNUInstallDirs)
@@ -39,7 +39,8 @@ install(FILES ${PROJECT_BINARY_DIR}/mitsubishi_fx1s.pc
 install(FILES CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT dev)
 install(FILES docs/host-guide.md docs/frames.md docs/compatibility.md
     DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT dev)
-install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT dev)
+install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT dev
+    PATTERN gateway EXCLUDE)
 
 if(TARGET fxhost)
     install(TARGETS fxhost fxsim RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
@@ -67,4 +68,20 @@ if(TARGET fxhost)
         PROPERTY COMPILE_DEFINITIONS
         FX_LIBRARY_FILE="$<TARGET_SONAME_FILE_NAME:mitsubishi_fx1s>"
         FX_LIBRARY_FOLDER="${library_beside_tools}")
+endif()
+
+if(TARGET fxgate)
+    install(TARGETS fxgate RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT gateway)
+    foreach(manual fxgate.1 fxgate.toml.5)
+        configure_file(tools/fxgate/${manual} ${PROJECT_BINARY_DIR}/man/${manual} @ONLY)
+        string(REGEX MATCH "[0-9]$" section ${manual})
+        install(FILES ${PROJECT_BINARY_DIR}/man/${manual}
+            DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section} COMPONENT gateway)
+    endforeach()
+    install(FILES docs/gateway.md docs/sparkplug.md
+        DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT gateway)
+    install(DIRECTORY examples/gateway
+        DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT gateway)
+    install(FILES packaging/systemd/fxgate.service COMPONENT gateway
+        DESTINATION lib/systemd/system)
 endif()

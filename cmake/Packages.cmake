@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 # SPDX-License-Identifier: MIT
 #
-# The three Debian packages that cpack makes of the three components; scripts/package builds them.
+# The four Debian packages that cpack makes of the four components; scripts/package builds them.
 # DebianControl.cmake and DebianFiles.cmake add what Debian's policy wants beyond that.
 
 set(library_package libmitsubishi-fx1s${PROJECT_VERSION_MAJOR})
@@ -30,6 +30,9 @@ set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
 set(CPACK_COMPONENTS_ALL runtime dev)
 if(TARGET fxhost)
     list(APPEND CPACK_COMPONENTS_ALL tools)
+endif()
+if(TARGET fxgate)
+    list(APPEND CPACK_COMPONENTS_ALL gateway)
 endif()
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
@@ -70,6 +73,17 @@ set(CPACK_DEBIAN_TOOLS_DESCRIPTION
 fxhost reads, writes, watches and measures a controller, with the library that
 operator panels load. fxsim simulates a controller on a pseudo-terminal, TCP
 or a serial port, and can simulate faults.")
+
+set(CPACK_DEBIAN_GATEWAY_PACKAGE_NAME fx-gateway)
+set(CPACK_DEBIAN_GATEWAY_PACKAGE_SECTION net)
+set(CPACK_DEBIAN_GATEWAY_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_GATEWAY_PACKAGE_DEPENDS "fx-tools (= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_GATEWAY_DESCRIPTION
+"gateway from FX-series programmable controllers to MQTT
+fxgate reads the tags of many controllers, a worker process for each, and
+publishes them as plain JSON, as Sparkplug B or both. It keeps what changes
+while the broker is away, and writes only what a tag file and its
+configuration allow.")
 
 # The Debian changelog points to this project's own; SOURCE_DATE_EPOCH fixes its date.
 string(TIMESTAMP package_date "%a, %d %b %Y %H:%M:%S +0000" UTC)

@@ -17,7 +17,8 @@ SIMULATED_PLC = ["tools/fxsim/plc/*", "tools/fxsim/line/*", "tools/fxsim/faults/
                  "tools/fxsim/control/control.h"]
 
 # What every tool but the simulator may include.
-COMMON = ["tools/failure.h", "tools/quoted.h"]
+COMMON = ["tools/command_help.h", "tools/failure.h", "tools/quoted.h", "tools/table.h",
+          "tools/toml_text.h", "tools/words.h"]
 
 # What the sources of each folder may include of the project.
 ALLOWED = {
@@ -36,6 +37,7 @@ ALLOWED = {
     "tools/fxhost": [*COMMON, "driver/intf.h", "tools/link/*", "tools/simulated/*",
                      "tools/library/*", "tools/exchange/*", "tools/tags/*", "tools/fxhost/*",
                      *SIMULATED_PLC],
+    "tools/fxgate": [*COMMON, "tools/link/*", "tools/library/*", "tools/tags/*", "tools/fxgate/*"],
     "tools/fxsim": ["tools/fxsim/*"],
 }
 

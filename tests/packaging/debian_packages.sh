@@ -4,8 +4,8 @@
 #
 # Makes the Debian packages, looks into them, installs them into an empty root beside the machine's,
 # runs what they bring, and removes them again. lintian must have nothing to say. A build without
-# the tools makes two of the three packages. Packed again elsewhere, they are the same to the byte;
-# scripts/package --reproducible also compiles again for that.
+# the tools makes two of the four packages, and one without the gateway three. Packed again elsewhere,
+# they are the same to the byte; scripts/package --reproducible also compiles again for that.
 
 source "$(dirname "$0")/support.sh"
 
@@ -27,6 +27,8 @@ dev=$packages/libmitsubishi-fx1s-dev_${FX_VERSION}_$architecture.deb
 tools=$packages/fx-tools_${FX_VERSION}_$architecture.deb
 made=("$runtime" "$dev")
 ! has_tools || made+=("$tools")
+gateway=$packages/fx-gateway_${FX_VERSION}_$architecture.deb
+! has_gateway || made+=("$gateway")
 [ "$(find "$packages" -maxdepth 1 -name '*.deb' | sort)" = "$(printf '%s\n' "${made[@]}" | sort)" ] ||
     fail "other packages than expected: $(ls "$packages")"
 
@@ -117,6 +119,19 @@ END
 ./usr/share/man/man1/fxhost.1.gz
 ./usr/share/man/man1/fxsim.1.gz
 END
+! has_gateway || expect_files "$gateway" <<END
+./usr/bin/fxgate
+./usr/lib/systemd/system/fxgate.service
+./usr/share/doc/fx-gateway/changelog.gz
+./usr/share/doc/fx-gateway/copyright
+./usr/share/doc/fx-gateway/docs/gateway.md
+./usr/share/doc/fx-gateway/docs/sparkplug.md
+./usr/share/doc/fx-gateway/examples/gateway/fxgate.toml
+./usr/share/doc/fx-gateway/examples/gateway/plant.toml
+./usr/share/doc/fx-gateway/examples/gateway/press.csv
+./usr/share/man/man1/fxgate.1.gz
+./usr/share/man/man5/fxgate.toml.5.gz
+END
 expect_field "$runtime" Depends "*libqt[56]core* (>= *"
 expect_field "$dev" Depends "libmitsubishi-fx1s0 (= $FX_VERSION), $FX_QT_DEV_PACKAGE"
 ! has_tools ||
@@ -172,8 +187,11 @@ if has_tools; then
     expect_text "minimal_host" "D100 = 1337" "${installed[@]}" "$work/minimal_host" "$work/plc"
     stop_simulator
 fi
+! has_gateway || expect_text "fxgate as installed" "0 errors" \
+    "$root/usr/bin/fxgate" check "$root/usr/share/doc/fx-gateway/examples/gateway/fxgate.toml"
 
 names=(libmitsubishi-fx1s-dev libmitsubishi-fx1s0)
 ! has_tools || names+=(fx-tools)
+! has_gateway || names+=(fx-gateway)
 quietly "${dpkg_there[@]}" --purge "${names[@]}"
 [ ! -e "$root/usr" ] || fail "left behind: $(find "$root/usr")"

@@ -5,10 +5,10 @@
 
 #include "tools/fxhost/commands/limits.h"
 #include "tools/quoted.h"
+#include "tools/toml_text.h"
 
 #include <QDir>
 #include <QFile>
-#include <QRegularExpression>
 #include <QStandardPaths>
 
 // A wrong file gets its message in every build: toml++ 3.3 asserts that no table's name begins with
@@ -145,26 +145,15 @@ ConfiguredPlc plcIn(const Reader& reader, const QString& name, const toml::table
     return plc;
 }
 
-// Outside of texts and comments TOML is ASCII. For some other characters there toml++ 3.3 runs into
-// what its compiler may take for impossible.
 void requireAsciiOutsideTexts(const QByteArray& content, const Reader& reader)
 {
-    static const QRegularExpression form(
-        QStringLiteral(R"form("{3}(?:[^"\\]|\\.|"(?!""))*+"{3}|'{3}(?:[^']|'(?!''))*+'{3}|)form"
-                       R"form("(?:[^"\\\n]|\\.)*+"|'[^'\n]*+'|#[^\n]*+|([^\x00-\x7F]))form"),
-        QRegularExpression::DotMatchesEverythingOption);
-    const QString text = QString::fromUtf8(content);
-    QRegularExpressionMatchIterator found = form.globalMatch(text);
-    while (found.hasNext()) {
-        const QRegularExpressionMatch match = found.next();
-        if (match.capturedLength(1) <= 0)
-            continue;
-        const QStringList lines = text.left(match.capturedStart()).split('\n');
-        toml::source_region at;
-        at.begin = {static_cast<toml::source_index>(lines.size()),
-                    static_cast<toml::source_index>(lines.last().size() + 1)};
-        reader.reject(at, quoted(match.captured()) + " must stand in quotes");
-    }
+    const std::optional<TomlPlace> letter = letterOutsideTexts(QString::fromUtf8(content));
+    if (!letter)
+        return;
+    toml::source_region at;
+    at.begin = {static_cast<toml::source_index>(letter->line),
+                static_cast<toml::source_index>(letter->column)};
+    reader.reject(at, quoted(letter->character) + " must stand in quotes");
 }
 
 toml::table parsed(const QString& path)

@@ -7,13 +7,12 @@
 
 #pragma once
 
+#include "tools/command_help.h"
 #include "tools/failure.h"
 #include "tools/fxhost/commands/limits.h"
 #include "tools/fxhost/views/records.h"
 #include "tools/library/output_file.h"
 #include "tools/link/link_settings.h"
-
-#include <CLI/CLI.hpp>
 
 #include <functional>
 #include <memory>
@@ -104,12 +103,6 @@ CLI::Validator oneOf(const QStringList& words);
 
 // Examples below the help of a command; each runs as it stands.
 void addExamples(CLI::App& command, const std::vector<std::string>& examples);
-
-// The help in at most 80 columns, with what every program says last.
-std::shared_ptr<CLI::FormatterBase> helpFormatter();
-
-// What is wrong with the command line, and what may have been meant.
-QString usageMistake(const CLI::App& app, const CLI::ParseError& error);
 
 void addBackupCommand(CLI::App& app, const CommonOptions& common, Action& action);
 void addCheckCommand(CLI::App& app, const CommonOptions& common, Action& action);

@@ -4,7 +4,7 @@
 #include "tools/fxhost/views/console.h"
 
 #include "tools/failure.h"
-#include "tools/fxhost/views/table.h"
+#include "tools/table.h"
 #include "tools/link/interrupt.h"
 
 #include <QMap>

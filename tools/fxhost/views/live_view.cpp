@@ -3,7 +3,7 @@
 
 #include "tools/fxhost/views/live_view.h"
 
-#include "tools/fxhost/views/table.h"
+#include "tools/table.h"
 
 #include <algorithm>
 #include <cmath>

@@ -4,7 +4,7 @@
 #include "tools/fxhost/views/plan_report.h"
 
 #include "tools/exchange/blocks.h"
-#include "tools/fxhost/views/table.h"
+#include "tools/table.h"
 
 #include <QJsonArray>
 

@@ -7,7 +7,7 @@
 #pragma once
 
 #include "tools/fxhost/views/json_text.h"
-#include "tools/fxhost/views/table.h"
+#include "tools/table.h"
 
 #include <QDateTime>
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 
-#include "tools/fxhost/views/table.h"
+#include "tools/table.h"
 
 #include <QRegularExpression>
 

@@ -1,0 +1,308 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+
+#include "tools/fxgate/bus/bus_client.h"
+
+#include <QDateTime>
+#include <QRandomGenerator>
+
+namespace fxgate {
+
+namespace {
+
+constexpr int connectTimeoutMs = 10000;  // until all subscriptions are granted
+constexpr int firstPauseMs = 1000;
+constexpr int longestPauseMs = 30000;
+constexpr qint64 goodWorkMs = 60000;    // after which pauses begin anew
+constexpr int mostInBatch = 500;        // changes, before a barrier
+constexpr int mostUnconfirmed = 20000;  // changes; MQTT numbers 65535 messages
+constexpr qint64 barrierTimeoutMs = 10000;
+constexpr int betweenLinesMs = 60000;  // that tell of dropped changes
+constexpr int stopTimeoutMs = 1000;    // to send, and the same to disconnect
+
+}  // namespace
+
+BusClient::BusClient(Form& form, Store& store, const BrokerSettings& broker, const Plant& plant)
+    : nowMs(QDateTime::currentMSecsSinceEpoch), m_form(form), m_store(store), m_broker(broker),
+      m_plant(plant), m_outbox(store, form.name()), m_pauseMs(firstPauseMs)
+{
+    m_form.recall(m_store.note(m_form.name()));
+    m_pause.setSingleShot(true);
+    QObject::connect(&m_pause, &QTimer::timeout, this, [this] { connectToBroker(); });
+    QObject::connect(&m_everySecond, &QTimer::timeout, this, [this] { everySecond(); });
+}
+
+BusClient::~BusClient()
+{
+    delete m_connection;
+}
+
+void BusClient::start()
+{
+    m_everySecond.start(1000);
+    m_pause.start(0);
+}
+
+// One line a change: the same is not said twice.
+void BusClient::say(const QString& line)
+{
+    if (line != m_said)
+        onState(m_form.name() + ": " + line);
+    m_said = line;
+}
+
+void BusClient::rememberForm()
+{
+    m_isMemoryDue = !m_store.inOneCommit([&] { m_store.setNote(m_form.name(), m_form.memory()); });
+}
+
+void BusClient::connectToBroker()
+{
+    const Message will = m_form.will(nowMs());
+    rememberForm();  // before the broker has the will: its number is not given again
+    m_connection = new BrokerConnection(m_broker, m_form.clientId(), will);
+    m_connection->onConnected = [this] { connected(); };
+    m_connection->onSubscribed = [this](int number, bool isGranted) {
+        subscribed(number, isGranted);
+    };
+    m_connection->onMessage = [this](const Message& message) { received(message); };
+    m_connection->onBarrier = [this](int barrier) { m_outbox.barrierAnswered(barrier); };
+    m_connection->onAcknowledged = [this](int message, bool isTaken) {
+        if (!isTaken)
+            say(QStringLiteral("the broker refuses messages: look at its rights"));
+        m_outbox.acknowledged(message);
+    };
+    m_connection->onEnded = [this](const QString& reason) { ended(reason); };
+    m_attempt.start();
+    ++m_status.attempts;
+    m_connection->open();
+}
+
+void BusClient::connected()
+{
+    m_subscriptions.clear();
+    m_pending.clear();
+    subscribe();
+}
+
+// What a command may come to must be subscribed before it is announced.
+void BusClient::subscribe()
+{
+    for (const QString& topic : m_form.subscriptions()) {
+        if (m_subscriptions.contains(topic))
+            continue;
+        m_subscriptions.insert(topic);
+        m_pending.insert(m_connection->subscribe(topic), topic);
+    }
+}
+
+void BusClient::subscribed(int subscription, bool isGranted)
+{
+    const QString topic = m_pending.take(subscription);
+    if (!isGranted) {
+        m_connection->end("the broker refused the subscription of " + topic);
+        return;
+    }
+    if (m_isUp || !m_pending.isEmpty())
+        return;
+    m_isUp = true;
+    m_up.start();
+    m_status.sinceMs = nowMs();
+    say("connected to " + m_broker.host);
+    announce(m_form.connected(nowMs()));
+}
+
+// Messages after which more may be sent than before.
+void BusClient::announce(const Messages& messages)
+{
+    if (messages.isEmpty())
+        return;
+    subscribe();
+    send(messages);
+    m_outbox.rewind();
+    m_isMemoryDue = true;
+}
+
+void BusClient::send(const Messages& messages)
+{
+    for (const Message& message : messages) {
+        const int number = m_connection->publish(message);
+        if (number < 0) {
+            m_connection->end(QStringLiteral("the broker takes no more messages"));
+            return;
+        }
+        ++m_status.sent;
+        if (message.qos > 0)
+            m_outbox.sent(number);
+    }
+}
+
+void BusClient::ended(const QString& reason)
+{
+    if (!m_connection->wasConnectSent())
+        m_form.notConnected();
+    m_connection->deleteLater();
+    m_connection = nullptr;
+    m_outbox.connectionEnded();
+    m_form.disconnected();
+    if (m_isUp && m_up.elapsed() > goodWorkMs)
+        m_pauseMs = firstPauseMs;
+    m_isUp = false;
+    m_status.sinceMs = nowMs();
+    m_status.lastError = reason;
+    say("not connected to " + m_broker.host + ": " + reason);
+    // Some chance, so that many gateways do not come back at the same moment.
+    m_pause.start(m_pauseMs + QRandomGenerator::global()->bounded(m_pauseMs / 4));
+    m_pauseMs = std::min(2 * m_pauseMs, longestPauseMs);
+}
+
+void BusClient::received(const Message& message)
+{
+    ++m_status.received;
+    const Received received = m_form.received(message, nowMs());
+    announce(received.messages);
+    for (const WriteRequest& request : received.writes)
+        onWrite(request);
+    if (received.mustLeave && m_connection != nullptr) {
+        send(m_form.leaving(nowMs()));
+        m_connection->close(m_form.wantsWillAfterLeaving());
+    }
+}
+
+void BusClient::publish(const QVector<Change>& changes)
+{
+    QVector<Change> now;
+    for (const Change& change : changes) {
+        const Form::Sending sending = m_form.sending(change.link, change.tag);
+        if (m_isUp && sending == Form::Sending::Now)
+            now.append(change);
+        else if (sending != Form::Sending::Never)
+            m_outbox.keep(change);
+    }
+    if (now.isEmpty())
+        return;
+    m_outbox.sent(now);
+    send(m_form.values(now, nowMs()));
+    if (m_outbox.batchSize() >= mostInBatch)
+        sendBarrier();
+    if (m_outbox.unconfirmed() > mostUnconfirmed)
+        m_connection->end(QStringLiteral("the broker is too slow"));
+}
+
+void BusClient::linkChanged(const QString& link)
+{
+    if (m_isUp)
+        announce(m_form.linkChanged(link, nowMs()));
+}
+
+void BusClient::answer(const WriteRequest& request, const WriteResult& result)
+{
+    if (m_isUp)
+        send(m_form.reply(request, result));
+}
+
+void BusClient::everySecond()
+{
+    drain();
+    if (m_isMemoryDue)
+        rememberForm();
+    watchStore();
+    if (m_connection != nullptr)
+        watchConnection();
+}
+
+void BusClient::watchConnection()
+{
+    if (m_isUp && m_outbox.batchSize() > 0)
+        sendBarrier();
+    if (m_isUp ? m_outbox.oldestBarrierMs(m_up.elapsed()) < m_up.elapsed() - barrierTimeoutMs
+               : m_attempt.elapsed() > connectTimeoutMs)
+        m_connection->end(QStringLiteral("the broker does not answer"));
+}
+
+void BusClient::sendBarrier()
+{
+    m_outbox.barrierSent(m_connection->barrier(), m_up.elapsed());
+}
+
+void BusClient::drain()
+{
+    const int most = m_store.settings().rowsPerSecond;
+    const bool isFull = m_outbox.rowsUnderWay() > 2 * most;
+    QStringList waiting;  // links
+    for (auto link = m_plant.begin(); link != m_plant.end(); ++link)
+        if (!m_form.isAnnounced(link.key()))
+            waiting.append(link.key());
+    const QVector<StoredChange> taken =
+        m_outbox.work(nowMs(), m_isUp && !isFull ? most : 0, waiting);
+    QVector<StoredChange> wanted;
+    QVector<qint64> unwanted;
+    for (const StoredChange& stored : taken) {
+        if (m_form.sending(stored.change.link, stored.change.tag) == Form::Sending::Now)
+            wanted.append(stored);
+        else
+            unwanted.append(stored.row);
+    }
+    m_outbox.drop(unwanted);
+    m_outbox.sent(wanted);
+    if (!wanted.isEmpty())
+        send(m_form.history(wanted, nowMs()));
+}
+
+void BusClient::watchStore()
+{
+    if (m_store.problem() != m_storeProblem)
+        say(m_store.problem().isEmpty() ? QStringLiteral("the store can be used again")
+                                        : m_store.problem());
+    m_storeProblem = m_store.problem();
+    if (m_store.movedTo() != m_movedTo)
+        say("the store was damaged: it was moved to " + m_store.movedTo() +
+            ", and a new one begun");
+    m_movedTo = m_store.movedTo();
+    const qint64 dropped = m_outbox.dropped();
+    if (dropped == m_droppedTold)
+        return;
+    const Messages messages = m_form.dropped(dropped, nowMs());
+    if (m_isUp)
+        send(messages);
+    m_droppedTold = dropped;
+    if (!m_droppedSaid.isValid() || m_droppedSaid.elapsed() > betweenLinesMs) {
+        say(QStringLiteral("%1 stored changes had to be dropped").arg(dropped));
+        m_droppedSaid.start();
+    }
+}
+
+void BusClient::stop()
+{
+    m_everySecond.stop();
+    m_pause.stop();
+    if (m_isUp) {
+        send(m_form.leaving(nowMs()));
+        sendBarrier();
+        m_connection->runUntil([this] { return m_outbox.unconfirmed() == 0; }, stopTimeoutMs);
+        m_connection->close(m_form.wantsWillAfterLeaving());
+        m_connection->runUntil([] { return false; }, stopTimeoutMs);
+    }
+    m_isUp = false;
+    if (m_connection != nullptr && !m_connection->wasConnectSent())
+        m_form.notConnected();
+    delete m_connection;
+    m_connection = nullptr;
+    m_form.disconnected();
+    m_outbox.connectionEnded();
+    m_outbox.work(nowMs(), 0, {});
+    rememberForm();
+}
+
+BusStatus BusClient::status() const
+{
+    BusStatus status = m_status;
+    status.isConnected = m_isUp;
+    status.unconfirmed = m_outbox.unconfirmed();
+    status.waiting = m_outbox.waiting();
+    status.dropped = m_outbox.dropped();
+    status.storeProblem = m_storeProblem;
+    return status;
+}
+
+}  // namespace fxgate

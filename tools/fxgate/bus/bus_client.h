@@ -1,0 +1,74 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// One form of the plant's values on its way to the broker: connects, connects again after growing
+// pauses, sends, and stores what cannot be sent. Lives in Qt's event loop.
+
+#pragma once
+
+#include "tools/fxgate/bus/broker_connection.h"
+#include "tools/fxgate/bus/bus.h"
+#include "tools/fxgate/bus/form.h"
+#include "tools/fxgate/store/outbox.h"
+
+#include <QElapsedTimer>
+
+namespace fxgate {
+
+class BusClient : public QObject
+{
+public:
+    // The form, the store and the plant must outlive it.
+    BusClient(Form& form, Store& store, const BrokerSettings& broker, const Plant& plant);
+    ~BusClient() override;
+
+    std::function<void(const WriteRequest&)> onWrite;
+    std::function<void(const QString& line)> onState;  // a line for the log
+    std::function<qint64()> nowMs;                     // the time; for tests
+
+    void start();
+    void stop();  // takes at most two seconds; what was not confirmed is stored
+
+    void publish(const QVector<Change>& changes);
+    void linkChanged(const QString& link);
+    void answer(const WriteRequest& request, const WriteResult& result);
+
+    BusStatus status() const;
+
+private:
+    void connectToBroker();
+    void connected();
+    void subscribe();
+    void subscribed(int subscription, bool isGranted);
+    void ended(const QString& reason);
+    void received(const Message& message);
+    void announce(const Messages& messages);
+    void send(const Messages& messages);
+    void everySecond();
+    void sendBarrier();
+    void drain();
+    void watchConnection();
+    void watchStore();
+    void rememberForm();
+    void say(const QString& line);
+
+    Form& m_form;
+    Store& m_store;
+    BrokerSettings m_broker;
+    const Plant& m_plant;
+    Outbox m_outbox;
+    BrokerConnection* m_connection = nullptr;
+    QMap<int, QString> m_pending;   // subscriptions that are not granted yet
+    QSet<QString> m_subscriptions;  // of this connection
+    bool m_isUp = false;
+    bool m_isMemoryDue = false;  // the form's, to be stored
+    QTimer m_everySecond, m_pause;
+    int m_pauseMs;
+    QElapsedTimer m_attempt, m_up, m_droppedSaid;  // since
+    BusStatus m_status;
+    QString m_said;  // last
+    QString m_storeProblem, m_movedTo;
+    qint64 m_droppedTold = 0;
+};
+
+}  // namespace fxgate

@@ -1,0 +1,79 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+
+#include "tools/fxgate/commands/commands.h"
+#include "tools/fxgate/configuration.h"
+#include "tools/library/driver_library.h"
+#include "tools/table.h"
+#include "tools/tags/tag_check.h"
+
+#include <QFile>
+#include <QMap>
+
+#include <algorithm>
+#include <iostream>
+
+namespace fxgate {
+
+namespace {
+
+using fxtools::counted;
+using fxtools::TagRemark;
+
+struct Findings
+{
+    QStringList lines;
+    int errors = 0;
+    int tags = 0;
+};
+
+void checkTagFile(const QString& path, const fxtools::RegisterCatalogue& catalogue, Findings& found)
+{
+    const fxtools::TagFile file = fxtools::readTagFile(path, catalogue);
+    QVector<TagRemark> remarks = file.remarks + fxtools::checkTags(file.tags, catalogue);
+    for (const fxtools::Tag& tag : file.tags) {
+        if (tag.name == QLatin1String("state"))
+            remarks.append({TagRemark::Kind::Error, tag.line, QStringLiteral("name"),
+                            QStringLiteral("no tag of a gateway can be named state: the topic of "
+                                           "the link's state has this name")});
+    }
+    std::stable_sort(remarks.begin(), remarks.end(),
+                     [](const auto& one, const auto& other) { return one.line < other.line; });
+    for (const TagRemark& remark : remarks) {
+        const bool isError = remark.kind == TagRemark::Kind::Error;
+        found.errors += isError ? 1 : 0;
+        found.lines +=
+            path + ", " + remark.place() + (isError ? ": " : ": warning: ") + remark.text;
+    }
+    found.tags += file.tags.size();
+}
+
+}  // namespace
+
+fxtools::ExitCode check(const QString& configuration)
+{
+    const ConfigurationFile file = readConfigurationFile(configuration);
+    Findings found;
+    found.errors = file.mistakes.size();
+    for (const Mistake& mistake : file.mistakes)
+        found.lines += mistake.in(configuration);
+    QMap<QString, QString> files;  // by name; a file is of several links perhaps
+    for (const ServedLink& link : file.configuration.links)
+        files.insert(link.tags, link.tags);
+    const fxtools::DriverLibrary library;
+    const fxtools::RegisterCatalogue catalogue(library);
+    for (const QString& path : files) {
+        if (QFile::exists(path))  // one that is missing was a mistake already
+            checkTagFile(path, catalogue, found);
+    }
+    for (const QString& line : found.lines)
+        std::cout << line.toStdString() << '\n';
+    std::cout << qPrintable(QStringLiteral("%1: %2, %3, %4, %5\n")
+                                .arg(configuration,
+                                     counted(file.configuration.links.size(), "link"),
+                                     counted(found.tags, "tag"), counted(found.errors, "error"),
+                                     counted(found.lines.size() - found.errors, "warning")));
+    return found.errors == 0 ? fxtools::ExitCode::Good : fxtools::ExitCode::SomeFailed;
+}
+
+}  // namespace fxgate

@@ -1,0 +1,266 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+
+#include "tools/fxgate/configuration_reader.h"
+
+#include "tools/failure.h"
+#include "tools/quoted.h"
+#include "tools/toml_text.h"
+#include "tools/words.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+
+#include <algorithm>
+
+namespace fxgate {
+
+namespace {
+
+using fxtools::quoted;
+
+constexpr qint64 largestFile = 1 << 20;
+
+QString textOf(std::string_view text)
+{
+    return QString::fromUtf8(text.data(), static_cast<int>(text.size()));
+}
+
+QString contentOf(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        throw fxtools::Failure(fxtools::ExitCode::File, path + ": " + file.errorString());
+    const QByteArray content = file.read(largestFile + 1);
+    if (content.size() > largestFile)
+        throw fxtools::Failure(fxtools::ExitCode::File,
+                               path + ": larger than 1 MiB; not a configuration file");
+    return QString::fromUtf8(content);
+}
+
+// "100M": a number with K, M or G of 1024; -1 if `text` is none.
+qint64 bytesIn(const QString& text)
+{
+    static const QRegularExpression form(QStringLiteral("^([0-9]{1,9})([KMG]?)$"));
+    const QRegularExpressionMatch match = form.match(text);
+    if (!match.hasMatch())
+        return -1;
+    const int thousands = 1 + QStringLiteral("KMG").indexOf(match.captured(2));
+    return match.captured(1).toLongLong() << (match.captured(2).isEmpty() ? 0 : 10 * thousands);
+}
+
+}  // namespace
+
+bool isName(const QString& text)
+{
+    static const QRegularExpression name(QStringLiteral("^[A-Za-z0-9_.-]{1,64}$"));
+    return name.match(text).hasMatch();
+}
+
+QString nameMistake(const QString& text)
+{
+    return "invalid name " + quoted(text) + ": expected 1 to 64 letters, digits, _, . and -";
+}
+
+Section::Section(ConfigurationReader& reader, const toml::table* table, const QString& name)
+    : m_reader(reader), m_table(table), m_name(name)
+{}
+
+const toml::node* Section::node(const char* key) const
+{
+    return m_table ? m_table->get(key) : nullptr;
+}
+
+bool Section::has(const char* key) const
+{
+    return node(key) != nullptr;
+}
+
+QStringList Section::names() const
+{
+    QStringList names;
+    if (m_table) {
+        for (const auto& [key, node] : *m_table)
+            names += textOf(key.str());
+    }
+    return names;
+}
+
+Section Section::inner(const QString& key)
+{
+    const std::string name = key.toStdString();
+    const toml::node* const found = node(name.c_str());
+    const QString whole = m_name.isEmpty() ? key : m_name + '.' + key;
+    if (found && !found->is_table())
+        reject(name.c_str(), whole + " must be a table: [" + whole + "] and its keys below");
+    return Section(m_reader, found ? found->as_table() : nullptr, whole);
+}
+
+void Section::allowOnly(const QStringList& known)
+{
+    if (!m_table)
+        return;
+    for (const auto& [key, node] : *m_table) {
+        const QString name = textOf(key.str());
+        const toml::source_position at = key.source().begin;
+        if (!known.contains(name))
+            m_reader.note(static_cast<int>(at.line), static_cast<int>(at.column),
+                          fxtools::unknownName("key", name, known));
+    }
+}
+
+void Section::reject(const char* key, const QString& text)
+{
+    const toml::node* const found = node(key);
+    if (!found)
+        return rejectAll(text);
+    const toml::source_position at = found->source().begin;
+    m_reader.note(static_cast<int>(at.line), static_cast<int>(at.column), text);
+}
+
+void Section::rejectAll(const QString& text)
+{
+    const bool hasPlace = m_table && !m_name.isEmpty();
+    const toml::source_position at =
+        hasPlace ? m_table->source().begin : toml::source_position{0, 0};
+    m_reader.note(static_cast<int>(at.line), static_cast<int>(at.column), text);
+}
+
+void Section::missing(const char* key, const char* example)
+{
+    if (!has(key))
+        rejectAll(QStringLiteral("%1 is missing below [%2]; for example %3")
+                      .arg(QLatin1String(key), m_name, QLatin1String(example)));
+}
+
+QString Section::text(const char* key, const QString& unlessSaid)
+{
+    const toml::node* const found = node(key);
+    if (!found)
+        return unlessSaid;
+    QString text = found->is_string() ? textOf(found->as_string()->get()) : QString();
+    if (text.isEmpty() || text.contains(QChar(0))) {
+        reject(key, QStringLiteral("%1 must be a text in quotes").arg(QLatin1String(key)));
+        return unlessSaid;
+    }
+    return text;
+}
+
+QString Section::name(const char* key, const QString& unlessSaid)
+{
+    QString name = text(key, unlessSaid);
+    if (!name.isEmpty() && !isName(name))
+        reject(key, nameMistake(name));
+    return name;
+}
+
+QString Section::file(const char* key, const QString& unlessSaid)
+{
+    const QString file = text(key, unlessSaid);
+    return file.isEmpty() ? file : m_reader.beside(file);
+}
+
+QString Section::oneOf(const char* key, const QStringList& words)
+{
+    QString word = text(key, words.first());
+    if (words.contains(word))
+        return word;
+    reject(key, QStringLiteral("%1 must be \"%2\"")
+                    .arg(QLatin1String(key), words.join(QStringLiteral("\" or \""))));
+    return words.first();
+}
+
+bool Section::flag(const char* key)
+{
+    const toml::node* const found = node(key);
+    if (found && !found->is_boolean())
+        reject(key, QStringLiteral("%1 must be true or false").arg(QLatin1String(key)));
+    return found && found->is_boolean() && found->as_boolean()->get();
+}
+
+int Section::number(const char* key, Range range, int unlessSaid)
+{
+    const toml::node* const found = node(key);
+    if (!found)
+        return unlessSaid;
+    const std::optional<int64_t> number = found->value_exact<int64_t>();
+    if (number && *number >= range.least && *number <= range.most)
+        return static_cast<int>(*number);
+    reject(key, QStringLiteral("%1 must be a whole number from %2 to %3")
+                    .arg(QLatin1String(key))
+                    .arg(range.least)
+                    .arg(range.most));
+    return unlessSaid;
+}
+
+qint64 Section::timeMs(const char* key, Range range, qint64 unlessSaid)
+{
+    const toml::node* const found = node(key);
+    if (!found)
+        return unlessSaid;
+    const std::optional<qint64> timeMs =
+        found->is_string() ? fxtools::parseTimeMs(found->as_string()->get()) : std::nullopt;
+    if (timeMs && *timeMs >= range.least && *timeMs <= range.most)
+        return *timeMs;
+    reject(key, QStringLiteral("%1 must be a time from %2 s to %3 s, such as \"0.5s\", \"10min\" "
+                               "or \"7d\"")
+                    .arg(QLatin1String(key))
+                    .arg(static_cast<double>(range.least) / 1000)
+                    .arg(range.most / 1000));
+    return unlessSaid;
+}
+
+qint64 Section::bytes(const char* key, Range range, qint64 unlessSaid)
+{
+    const toml::node* const found = node(key);
+    if (!found)
+        return unlessSaid;
+    const qint64 bytes = found->is_string() ? bytesIn(textOf(found->as_string()->get())) : -1;
+    if (bytes >= range.least && bytes <= range.most)
+        return bytes;
+    reject(key, QStringLiteral("%1 must be a size from %2M to %3G, such as \"100M\"")
+                    .arg(QLatin1String(key))
+                    .arg(range.least >> 20)
+                    .arg(range.most >> 30));
+    return unlessSaid;
+}
+
+ConfigurationReader::ConfigurationReader(const QString& path) : m_path(path)
+{
+    const QString content = contentOf(path);
+    if (const auto letter = fxtools::letterOutsideTexts(content)) {
+        note(letter->line, letter->column, quoted(letter->character) + " must stand in quotes");
+        return;
+    }
+    try {
+        m_root = std::make_unique<toml::table>(toml::parse(content.toStdString()));
+    } catch (const toml::parse_error& error) {
+        const toml::source_position at = error.source().begin;
+        note(static_cast<int>(at.line), static_cast<int>(at.column), textOf(error.description()));
+    }
+}
+
+ConfigurationReader::~ConfigurationReader() = default;
+
+QString ConfigurationReader::beside(const QString& file) const
+{
+    return QFileInfo(QFileInfo(m_path).absoluteDir(), file).filePath();
+}
+
+void ConfigurationReader::note(int line, int column, const QString& text)
+{
+    m_mistakes.append({line, column, text});
+}
+
+QVector<Mistake> ConfigurationReader::mistakes() const
+{
+    QVector<Mistake> sorted = m_mistakes;
+    std::stable_sort(sorted.begin(), sorted.end(), [](const Mistake& one, const Mistake& other) {
+        return std::tie(one.line, one.column) < std::tie(other.line, other.column);
+    });
+    return sorted;
+}
+
+}  // namespace fxgate

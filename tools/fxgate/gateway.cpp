@@ -1,0 +1,263 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+
+#include "tools/fxgate/gateway.h"
+
+#include "tools/failure.h"
+#include "tools/fxgate/status/status.h"
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+
+namespace fxgate {
+
+namespace {
+
+constexpr int tickMs = 250;
+constexpr int endMs = 1000;  // for the workers, to end what is in flight
+
+const char* nameOf(FormKind kind)
+{
+    return kind == FormKind::Plain ? "plain" : "sparkplug";
+}
+
+QString fxhostOf(const Configuration& configuration)
+{
+    const QString& named = configuration.gateway.fxhost;
+    return named.isEmpty() ? QCoreApplication::applicationDirPath() + "/fxhost" : named;
+}
+
+bool hasForm(const Configuration& configuration, FormKind kind)
+{
+    return kind == FormKind::Plain ? configuration.plain.has_value()
+                                   : configuration.sparkplug.has_value();
+}
+
+}  // namespace
+
+Gateway::Gateway(const QString& path, const MakeBus& makeBus, const Clock& clock, const Log& log)
+    : m_path(path), m_makeBus(makeBus), m_clock(clock), m_log(log),
+      m_configuration(readConfiguration(path)),
+      m_writes(m_plant, m_audit, [this](const QString& link, const QByteArray& line) {
+          m_links.at(link)->send(line);
+      })
+{
+    connect(&m_tick, &QTimer::timeout, this, &Gateway::tick);
+}
+
+Gateway::~Gateway() = default;
+
+void Gateway::start()
+{
+    m_startedMs = m_clock().utcMs;
+    m_refreshedMs = m_clock().steadyMs;
+    m_audit.open(m_configuration.gateway.audit);
+    m_writes.configure(m_configuration.writes, m_configuration.links);
+    for (const QString& name : m_configuration.links.keys())
+        addLink(name);
+    startBuses();
+    for (const auto& [name, link] : m_links)
+        link->start();
+    m_tick.start(tickMs);
+}
+
+void Gateway::addLink(const QString& name)
+{
+    auto link = std::make_unique<LinkSupervisor>(name, m_configuration.links[name],
+                                                 fxhostOf(m_configuration), m_plant, m_clock);
+    link->onChanges = [this](const QVector<Change>& changes) {
+        for (const auto& [kind, bus] : m_buses)
+            bus->publish(changes);
+    };
+    link->onLinkChanged = [this, name] { linkChanged(name); };
+    link->onWritten = [this, name](const WrittenLine& line) {
+        m_writes.written(name, line, m_clock());
+    };
+    link->onWorkerLost = [this, name](const QString& reason) {
+        m_writes.workerLost(name, reason, m_clock());
+    };
+    link->onLog = [this, name](const QString& text) { m_log(name + ": " + text); };
+    m_links[name] = std::move(link);
+}
+
+void Gateway::linkChanged(const QString& link)
+{
+    for (const auto& [kind, bus] : m_buses)
+        bus->linkChanged(link);
+}
+
+void Gateway::addBus(FormKind kind)
+{
+    std::shared_ptr<Bus> bus = m_makeBus(kind, m_configuration, m_plant);
+    bus->onState = m_log;
+    const std::weak_ptr<Bus> asker = bus;  // gone after a reload, perhaps
+    bus->onWrite = [this, asker](const WriteRequest& request) {
+        const auto answer = [asker, request](const WriteResult& result) {
+            if (const std::shared_ptr<Bus> still = asker.lock())
+                still->answer(request, result);
+        };
+        m_writes.request(request, answer, m_clock());
+    };
+    m_buses[kind] = bus;
+    bus->start();
+}
+
+QStringList Gateway::startBuses()
+{
+    QStringList started;
+    for (const FormKind kind : {FormKind::Plain, FormKind::Sparkplug}) {
+        if (hasForm(m_configuration, kind) && m_buses.count(kind) == 0) {
+            addBus(kind);
+            started += nameOf(kind);
+        }
+    }
+    return started;
+}
+
+void Gateway::tick()
+{
+    const Moment now = m_clock();
+    for (const auto& [name, link] : m_links)
+        link->tick();
+    m_writes.tick(now);
+    if (now.steadyMs - m_refreshedMs >= m_configuration.gateway.refreshMs) {
+        m_refreshedMs = now.steadyMs;
+        for (const auto& [name, link] : m_links)
+            link->tellAllAgain();
+    }
+    if (m_audit.problem() != m_auditProblem) {
+        m_auditProblem = m_audit.problem();
+        m_log(m_auditProblem.isEmpty()
+                  ? QStringLiteral("the audit file can be written again")
+                  : "the audit file cannot be written, so writes are refused: " + m_auditProblem);
+    }
+}
+
+// All at once, so that a hundred take no longer than one.
+void Gateway::endLinks(const QVector<LinkSupervisor*>& links) const
+{
+    const QDeadlineTimer deadline(endMs);
+    for (LinkSupervisor* const link : links)
+        link->stop();
+    for (LinkSupervisor* const link : links)
+        link->endBy(deadline);
+}
+
+void Gateway::stop()
+{
+    m_tick.stop();
+    m_writes.stop(m_clock());
+    QVector<LinkSupervisor*> all;
+    for (const auto& [name, link] : m_links)
+        all.append(link.get());
+    endLinks(all);
+    for (const auto& [kind, bus] : m_buses)
+        bus->stop();
+    m_audit.sync();
+}
+
+bool Gateway::isBusKept(FormKind kind, const Configuration& next) const
+{
+    const Configuration& now = m_configuration;
+    const bool isSameForm =
+        kind == FormKind::Plain ? now.plain == next.plain : now.sparkplug == next.sparkplug;
+    return isSameForm && now.gateway.name == next.gateway.name && now.broker == next.broker &&
+           now.store == next.store;
+}
+
+// Those that `next` changes.
+QStringList Gateway::endBuses(const Configuration& next)
+{
+    QStringList ended;
+    for (const FormKind kind : {FormKind::Plain, FormKind::Sparkplug}) {
+        if (m_buses.count(kind) == 0 || isBusKept(kind, next))
+            continue;
+        m_buses[kind]->stop();
+        m_buses.erase(kind);
+        ended += nameOf(kind);
+    }
+    return ended;
+}
+
+// What was done.
+QStringList Gateway::changeLinks(const Configuration& old)
+{
+    QStringList done;
+    QVector<LinkSupervisor*> ending;
+    const bool isOtherHost = fxhostOf(old) != fxhostOf(m_configuration);
+    for (const auto& [name, link] : m_links) {
+        if (isOtherHost || !(m_configuration.links.value(name) == link->link()))
+            ending.append(link.get());
+    }
+    endLinks(ending);
+    QStringList changed;
+    for (LinkSupervisor* const link : ending) {
+        const QString name = link->name();
+        m_links.erase(name);
+        m_plant.remove(name);
+        if (m_configuration.links.contains(name)) {
+            changed += name;
+            continue;
+        }
+        linkChanged(name);
+        done += name + " ended";
+    }
+    for (const QString& name : m_configuration.links.keys()) {
+        if (m_links.count(name) != 0)
+            continue;
+        addLink(name);
+        linkChanged(name);
+        m_links.at(name)->start();
+        done += name + (changed.contains(name) ? " started again" : " started");
+    }
+    return done;
+}
+
+Gateway::Reload Gateway::reload()
+{
+    Configuration next;
+    try {
+        next = readConfiguration(m_path);
+    } catch (const fxtools::Failure& failure) {
+        const QString text = "reload: nothing was changed:\n" + failure.text();
+        m_log(text);
+        return {false, text};
+    }
+    const QStringList ended = endBuses(next);
+    const Configuration old = m_configuration;
+    m_configuration = next;
+    if (old.gateway.audit != next.gateway.audit)
+        m_audit.open(next.gateway.audit);
+    m_writes.configure(next.writes, next.links);
+    QStringList done = changeLinks(old);
+    const QStringList started = startBuses();
+    for (const QString& form : started)
+        done += form + (ended.contains(form) ? " started again" : " started");
+    for (const QString& form : ended) {
+        if (!started.contains(form))
+            done += form + " ended";
+    }
+    const QString text =
+        "reload: " +
+        (done.isEmpty() ? QStringLiteral("no link or form has changed") : done.join(", "));
+    m_log(text);
+    return {true, text};
+}
+
+QJsonObject Gateway::status() const
+{
+    StatusSource source{m_configuration.gateway.name,
+                        m_startedMs,
+                        m_clock().utcMs,
+                        {},
+                        {},
+                        m_writes.counts(),
+                        m_audit.problem()};
+    for (const auto& [name, link] : m_links)
+        source.links.append({name, m_plant.value(name), link->report()});
+    for (const auto& [kind, bus] : m_buses)
+        source.forms.append({QLatin1String(nameOf(kind)), bus->status()});
+    return statusObject(source);
+}
+
+}  // namespace fxgate

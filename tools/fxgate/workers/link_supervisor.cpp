@@ -1,0 +1,283 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+
+#include "tools/fxgate/workers/link_supervisor.h"
+
+#include "tools/failure.h"
+#include "tools/quoted.h"
+
+#include <QRandomGenerator>
+
+#include <csignal>
+
+#include <sys/prctl.h>
+#include <unistd.h>
+
+namespace fxgate {
+
+namespace {
+
+constexpr int killedMs = 1000;  // a process is gone by then, unless its disk or port holds it
+constexpr qint64 longestTickMs = 1000;  // after longer the gateway itself was stopped
+
+const QString silence = QStringLiteral("the worker does not answer");
+
+// Ends with the gateway, however that ends, but not with the gateway's terminal: the gateway asks
+// it to end.
+class WorkerProcess : public QProcess
+{
+protected:
+    void setupChildProcess() override
+    {
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
+        setpgid(0, 0);
+        sigset_t none;
+        sigemptyset(&none);
+        sigprocmask(SIG_SETMASK, &none, nullptr);
+        static_cast<void>(std::signal(SIGPIPE, SIG_DFL));
+    }
+};
+
+QStringList argumentsOf(const QString& name, const ServedLink& link)
+{
+    QStringList arguments{"serve", "--link", link.link, "--tags", link.tags, "--tags-of", name};
+    if (link.timeoutMs)
+        arguments += {"--timeout", QString::number(*link.timeoutMs)};
+    if (link.retries)
+        arguments += {"--retries", QString::number(*link.retries)};
+    return arguments;
+}
+
+}  // namespace
+
+LinkSupervisor::LinkSupervisor(const QString& name, const ServedLink& link, const QString& fxhost,
+                               Plant& plant, const Clock& clock)
+    : m_name(name), m_link(link), m_fxhost(fxhost), m_plant(plant), m_clock(clock),
+      m_values(name, plant)
+{
+    LinkView view;
+    view.reason = QStringLiteral("the link is starting");
+    view.sinceMs = clock().utcMs;
+    plant[name] = view;
+}
+
+LinkSupervisor::~LinkSupervisor()
+{
+    if (!m_process)
+        return;
+    m_process->disconnect(this);
+    m_process->kill();
+    m_process->waitForFinished(killedMs);
+}
+
+void LinkSupervisor::start()
+{
+    m_tickMs = m_clock().steadyMs;
+    startWorker();
+}
+
+void LinkSupervisor::startWorker()
+{
+    m_startedMs = m_heardMs = m_clock().steadyMs;
+    m_lines = LineFeed();
+    m_complaints = LineFeed();
+    m_lastComplaint.clear();
+    m_whyEnded.clear();
+    m_state = StateLine();
+    m_hasTags = false;
+    m_isSilent = false;
+    m_process = std::make_unique<WorkerProcess>();
+    connect(m_process.get(), &QProcess::readyReadStandardOutput, this, &LinkSupervisor::readLines);
+    connect(m_process.get(), &QProcess::readyReadStandardError, this,
+            &LinkSupervisor::readComplaints);
+    connect(m_process.get(), QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), this,
+            [this] { workerEnded(howItEnded()); });
+    connect(m_process.get(), &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
+        if (error == QProcess::FailedToStart)
+            workerEnded("cannot start " + m_fxhost + ": " + m_process->errorString());
+    });
+    m_process->start(m_fxhost, argumentsOf(m_name, m_link));
+    m_report.workerPid = m_process ? m_process->processId() : 0;
+}
+
+void LinkSupervisor::readLines()
+{
+    if (!m_whyEnded.isEmpty())
+        return;
+    const qint64 steadyMs = m_clock().steadyMs;
+    try {
+        for (const QByteArray& line : m_lines.take(m_process->readAllStandardOutput(), steadyMs)) {
+            take(parseWorkerLine(line));
+            m_heardMs = steadyMs;
+        }
+    } catch (const fxtools::Failure& failure) {
+        return end("the worker talked nonsense: " + failure.text());
+    }
+    if (!m_lines.mistake().isEmpty())
+        end("the worker flooded: " + m_lines.mistake());
+}
+
+void LinkSupervisor::readComplaints()
+{
+    if (!m_whyEnded.isEmpty())
+        return;
+    for (const QByteArray& line :
+         m_complaints.take(m_process->readAllStandardError(), m_clock().steadyMs)) {
+        if (!line.isEmpty())
+            m_lastComplaint = QString::fromUtf8(line);
+    }
+    if (!m_complaints.mistake().isEmpty())
+        end("the worker flooded: " + m_complaints.mistake());
+}
+
+void LinkSupervisor::take(const WorkerLine& line)
+{
+    const auto* const hello = std::get_if<HelloLine>(&line);
+    if (m_hasTags == (hello != nullptr))
+        refuseLine(hello ? QStringLiteral("a second hello") : QStringLiteral("no hello"));
+    if (m_isSilent) {
+        m_isSilent = false;
+        tellState(m_state.isUp, m_state.reason);
+        tellAllAgain();
+    }
+    if (hello) {
+        m_hasTags = true;
+        m_values.begin(hello->tags);
+        onLinkChanged();
+    } else if (const auto* const values = std::get_if<ValuesLine>(&line)) {
+        const QVector<Change> changes = m_values.take(*values);
+        if (!changes.isEmpty())
+            onChanges(changes);
+    } else if (const auto* const state = std::get_if<StateLine>(&line)) {
+        m_state = *state;
+        tellState(state->isUp, state->reason);
+    } else if (const auto* const alive = std::get_if<AliveLine>(&line)) {
+        m_report.line = *alive;
+    } else if (const auto* const written = std::get_if<WrittenLine>(&line)) {
+        onWritten(*written);
+    } else if (const auto* const mistake = std::get_if<MistakeLine>(&line)) {
+        onLog("the worker did not understand: " + fxtools::quoted(mistake->text));
+    }
+}
+
+bool LinkSupervisor::setState(bool isUp, const QString& reason)
+{
+    LinkView& view = m_plant[m_name];
+    if (view.isUp == isUp && view.reason == reason)
+        return false;
+    view.isUp = isUp;
+    view.reason = reason;
+    view.sinceMs = m_clock().utcMs;
+    if (!isUp)
+        m_report.lastError = reason;
+    onLinkChanged();
+    return true;
+}
+
+void LinkSupervisor::tellState(bool isUp, const QString& reason)
+{
+    if (setState(isUp, reason))
+        onLog(isUp ? QStringLiteral("up") : "down: " + reason);
+}
+
+void LinkSupervisor::lose(Quality quality, const QString& reason)
+{
+    const QVector<Change> changes = m_values.lose(quality, reason, m_clock().utcMs);
+    if (!changes.isEmpty())
+        onChanges(changes);
+    setState(false, reason);
+}
+
+void LinkSupervisor::judgeSilence(qint64 steadyMs)
+{
+    const qint64 silentForMs = steadyMs - m_heardMs;
+    if (!m_hasTags && silentForMs > startingMs)
+        end("the worker said nothing for " + QString::number(startingMs / 1000) + " s");
+    else if (m_hasTags && silentForMs > hangsMs)
+        end("the worker said nothing for " + QString::number(hangsMs / 1000) + " s");
+    else if (m_hasTags && silentForMs > silentMs && !m_isSilent) {
+        m_isSilent = true;
+        lose(Quality::Stale, silence);
+        onLog("down: " + silence);
+    }
+}
+
+void LinkSupervisor::tick()
+{
+    const qint64 steadyMs = m_clock().steadyMs;
+    // What the worker said while the gateway was stopped is still to be read.
+    if (steadyMs - m_tickMs > longestTickMs)
+        m_heardMs += steadyMs - m_tickMs;
+    m_tickMs = steadyMs;
+    if (m_process && m_whyEnded.isEmpty())
+        judgeSilence(steadyMs);
+    else if (!m_process && !m_isStopping && steadyMs >= m_restartMs) {
+        ++m_report.restarts;
+        startWorker();
+    }
+}
+
+void LinkSupervisor::send(const QByteArray& line)
+{
+    if (m_process)
+        m_process->write(line);
+}
+
+void LinkSupervisor::tellAllAgain()
+{
+    m_values.tellAllAgain();
+    send(refreshLine());
+}
+
+void LinkSupervisor::stop()
+{
+    m_isStopping = true;
+    send(stopLine());
+    if (m_process)
+        m_process->closeWriteChannel();
+}
+
+void LinkSupervisor::endBy(const QDeadlineTimer& deadline)
+{
+    if (m_process && !m_process->waitForFinished(static_cast<int>(deadline.remainingTime())) &&
+        m_process) {
+        m_process->kill();
+        m_process->waitForFinished(killedMs);
+    }
+}
+
+void LinkSupervisor::end(const QString& reason)
+{
+    m_whyEnded = reason;
+    m_process->kill();
+}
+
+QString LinkSupervisor::howItEnded() const
+{
+    const QString why =
+        m_lastComplaint.isEmpty() ? QString() : ": " + fxtools::quoted(m_lastComplaint);
+    if (!m_whyEnded.isEmpty())
+        return m_whyEnded;
+    if (m_process->exitStatus() == QProcess::CrashExit)
+        return QStringLiteral("the worker was ended by signal %1").arg(m_process->exitCode()) + why;
+    return QStringLiteral("the worker ended with exit code %1").arg(m_process->exitCode()) + why;
+}
+
+void LinkSupervisor::workerEnded(const QString& how)
+{
+    m_process.release()->deleteLater();
+    m_report.workerPid = 0;
+    const QString reason = m_isStopping ? QStringLiteral("the gateway stopped the link") : how;
+    onWorkerLost(reason);
+    lose(Quality::Bad, reason);
+    if (m_isStopping)
+        return;
+    const qint64 steadyMs = m_clock().steadyMs;
+    const qint64 pauseMs =
+        m_pause.next(steadyMs - m_startedMs, QRandomGenerator::global()->generateDouble());
+    m_restartMs = steadyMs + pauseMs;
+    onLog(how + QStringLiteral("; starting it again in %1 s")
+                    .arg(static_cast<double>(pauseMs) / 1000, 0, 'f', 1));
+}
+
+}  // namespace fxgate
