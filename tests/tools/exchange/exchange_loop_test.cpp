@@ -454,9 +454,11 @@ TEST_F(Loop, KeepsAFrameThatALostLinkTook)
     EXPECT_EQ(step().verdict, ReplyVerdict::LinkLost);  // still away
     EXPECT_EQ(bench->loop.statistics().linksLost, 2);
     bench->line.open();
+    bench->line.forgetSent();
     const Exchange again = step();
     EXPECT_EQ(again.answer, DriverAnswer::Accepted);
     EXPECT_EQ(requestBytes(again.frame), requestBytes(lost.frame));
+    EXPECT_EQ(enquiries(), 2) << "replies from before the loss come first";
 }
 
 TEST_F(Loop, KnowsTheKindOfAFrame)
