@@ -48,9 +48,7 @@ int main(int argumentCount, char** arguments)
     int files = 0;
     int first = 1;
     if (argumentCount > 1 && std::strcmp(arguments[1], "--show") == 0) {
-        showAnswer = [](const std::string& line) {
-            std::fprintf(stderr, "  %s\n", line.c_str());
-        };
+        showAnswer = [](const std::string& line) { std::fprintf(stderr, "  %s\n", line.c_str()); };
         ++first;
     }
     for (int i = first; i < argumentCount; ++i)

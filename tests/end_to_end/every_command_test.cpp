@@ -98,8 +98,10 @@ D0,8,
 D100,0,
 fxhost: line load 212 %: D100 every 2071 ms instead of 1000 ms; D0 every 80791 ms instead of 20000 ms
 )"},
-    {"serve", R"(fxsim> poke D100 7
-fxhost> serve --tags )" FX_EXAMPLES R"(/tags/boiler.csv <<< {"write":{"id":"1","tag":"boiler.setpoint","value":71.5}} | grep -o .*"written".*
+    {"serve",
+     R"(fxsim> poke D100 7
+fxhost> serve --tags )" FX_EXAMPLES
+     R"(/tags/boiler.csv <<< {"write":{"id":"1","tag":"boiler.setpoint","value":71.5}} | grep -o .*"written".*
 {"event":"written","id":"1","tag":"boiler.setpoint","outcome":"done","old":0.7,"new":71.5,"reason":""}
 fxsim> peek D100
 D100: 715

@@ -8,9 +8,9 @@
 #include "tools/exchange/blocks.h"
 #include "tools/fxhost/demo/demo_bench.h"
 #include "tools/fxhost/views/frame_text.h"
-#include "tools/table.h"
 #include "tools/library/addresses.h"
 #include "tools/library/values.h"
+#include "tools/table.h"
 
 namespace fxtools {
 

@@ -4,8 +4,8 @@
 #include "tools/fxhost/views/console.h"
 
 #include "tools/failure.h"
-#include "tools/table.h"
 #include "tools/link/interrupt.h"
+#include "tools/table.h"
 
 #include <QMap>
 
