@@ -220,7 +220,7 @@ TEST_F(Serve, RefusesWhatIsNotAllowed)
         {R"("tag":"big","value":3e9)", "does not fit"},
         {R"("tag":"pump","value":2)", "takes true or false"},
         {R"("tag":"pump","value":"on")", "takes true or false"},
-        {R"("tag":"product","value":"longer than 8")", "but D10:4 holds 8"},
+        {R"("tag":"product","value":"longer than 8")", "up to 8 characters"},
         {R"("tag":"product","value":7)", "takes a text"},
         {R"("tag":"mode","value":1)", "has no access=rw"},
         {R"("tag":"level","value":1)", "has no access=rw"},
