@@ -203,6 +203,13 @@ void Poller::planEverything()
     m_isTurnPlanned = false;
 }
 
+void Poller::readEverythingAgain()
+{
+    m_isInTurns = false;
+    m_aside.clear();
+    planEverything();
+}
+
 // Removes the registers of a refused block from the plan, and finds out which of them can be read.
 void Poller::halve(const RegisterRange& block)
 {

@@ -37,6 +37,9 @@ public:
     // After something else has replaced the plan.
     void planEverything();
 
+    // After something else has emptied the cache too: the next cycle reads everything.
+    void readEverythingAgain();
+
     // Makes one cycle. What it does not reach, because it ends early, is read in the next one.
     RoundEnd poll();
 

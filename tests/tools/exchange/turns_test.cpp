@@ -151,6 +151,25 @@ TEST_F(InTurns, TakesTheNextTurnAfterAnotherPlan)
     EXPECT_EQ(asked(), "100002 10C802");
 }
 
+// What is not due would stand as 0 until it is.
+TEST_F(InTurns, ReadsEverythingAgainAfterTheCacheWasEmptied)
+{
+    bench.setD(100, 8);
+    bench.refuseD(3, 3);
+    start().poll();
+    next = {range("D0"), range("D100:4")};
+    readBack(bench.loop, range("D9"));
+    poller->readEverythingAgain();
+    EXPECT_EQ(poller->poll(), RoundEnd::Done);
+    EXPECT_EQ(poller->values(range("D100"))[0], 8U);
+    EXPECT_EQ(poller->problemOf(range("D0:4"), 3), ReplyVerdict::Refused);
+    ASSERT_EQ(leftOut.size(), 1);
+    EXPECT_EQ(leftOut[0].text().toStdString(), "D3");
+    asked();
+    poller->poll();
+    EXPECT_EQ(asked(), "100002");
+}
+
 TEST_F(InTurns, DoesNotGoOnWithATurnAfterAnotherPlan)
 {
     start().poll();

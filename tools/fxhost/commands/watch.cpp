@@ -245,7 +245,7 @@ void LiveWatch::write(const QString& assignment)
     } catch (const Failure& failure) {
         m_view.setMessage(failure.text());
     }
-    m_poller->planEverything();
+    m_poller->readEverythingAgain();
 }
 
 void LiveWatch::showLinkState(const QString& state)
