@@ -53,8 +53,7 @@ if(TARGET fxhost)
     install(DIRECTORY packaging/completion/ COMPONENT tools
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 
-    install(FILES docs/json-schema.json DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT tools)
-    install(FILES docs/at-the-machine.md docs/serve.md docs/tags.md docs/polling.md
+    install(FILES docs/at-the-machine.md docs/serve.md docs/tags.md docs/polling.md docs/json-schema.json
                   docs/doctor.svg docs/plan.svg docs/simulator.svg docs/watch.svg
         DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT tools)
     install(DIRECTORY examples/tags DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT tools)

@@ -108,6 +108,7 @@ END
 ./usr/share/doc/fx-tools/copyright
 ./usr/share/doc/fx-tools/docs/at-the-machine.md
 ./usr/share/doc/fx-tools/docs/doctor.svg
+./usr/share/doc/fx-tools/docs/json-schema.json
 ./usr/share/doc/fx-tools/docs/plan.svg
 ./usr/share/doc/fx-tools/docs/polling.md
 ./usr/share/doc/fx-tools/docs/serve.md
@@ -115,7 +116,6 @@ END
 ./usr/share/doc/fx-tools/docs/tags.md
 ./usr/share/doc/fx-tools/docs/watch.svg
 ./usr/share/doc/fx-tools/examples/tags/boiler.csv
-./usr/share/doc/fx-tools/json-schema.json
 ./usr/share/man/man1/fxhost.1.gz
 ./usr/share/man/man1/fxsim.1.gz
 END
