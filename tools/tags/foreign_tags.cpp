@@ -346,17 +346,18 @@ QStringList lossesOf(const Tag& tag, const Tag& back)
     QStringList texts;
     QStringList missing;
     for (const TagDifference& difference : differences(tag, back)) {
-        if (difference.title == "type" && tag.style.swap && !difference.other.isEmpty())
+        if (difference.title == "type" && tag.style.swap && !difference.other.isEmpty()) {
             texts += ": the list cannot say 'swap', so its two words are read in the wrong order";
-        else if (difference.title == "address" && !difference.other.isEmpty())
+        } else if (difference.title == "address" && !difference.other.isEmpty()) {
             texts += QStringLiteral(": the list names only %1 of %2")
                          .arg(difference.other, difference.one);
-        else if (!difference.other.isEmpty())
+        } else if (!difference.other.isEmpty()) {
             texts += QStringLiteral(" changes its %1 from %2 to %3")
                          .arg(difference.title, difference.one.isEmpty() ? "none" : difference.one,
                               difference.other);
-        else
+        } else {
             missing += difference.title;
+        }
     }
     if (!missing.isEmpty())
         texts += " loses its " + missing.join(QStringLiteral(", "));

@@ -212,7 +212,7 @@ QStringList statusLines(const QJsonObject& status)
                  {"TAGS", Align::Right},
                  {"LATE", Align::Right},
                  {"LAST ERROR"}});
-    for (const QJsonValue& value : status["links"].toArray()) {
+    for (const auto value : status["links"].toArray()) {
         const QJsonObject link = value.toObject();
         links.add({link["name"].toString(), link["up"].toBool() ? "up" : "down", since(link, now),
                    QString::number(link["cycleMs"].toDouble(), 'f', 1) + " ms", goodPerCent(link),
@@ -227,7 +227,7 @@ QStringList statusLines(const QJsonObject& status)
                  {"SENT", Align::Right},
                  {"RECEIVED", Align::Right},
                  {"LAST ERROR"}});
-    for (const QJsonValue& value : status["forms"].toArray()) {
+    for (const auto value : status["forms"].toArray()) {
         const QJsonObject form = value.toObject();
         const QString problem = form["storeProblem"].toString();
         const auto number = [&form](const char* name) {

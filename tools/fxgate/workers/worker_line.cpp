@@ -165,7 +165,7 @@ AliveLine aliveIn(const QJsonObject& object)
     alive.cycleMs = numberIn(object, "cycleMs", 0);
     alive.exchanges = whole(object["exchanges"], "exchanges");
     alive.good = whole(object["good"], "good");
-    for (const QJsonValue& tag : listIn(object, "late"))
+    for (const auto tag : listIn(object, "late"))
         alive.late.append(tag.toString());
     alive.load = textIn(object, "load");
     const QJsonObject errors = objectIn(object, "errors");

@@ -134,10 +134,10 @@ QString Writes::refusal(const WriteRequest& request, Moment now) const
         return QStringLiteral("the configuration does not allow writes to this link");
     if (!tag->isWritable)
         return QStringLiteral("the tag is read-only: its access is not rw");
-    const QString age = ageRefusal(request, now);
+    QString age = ageRefusal(request, now);
     if (!age.isEmpty())
         return age;
-    const QString value = valueRefusal(*tag, request.value);
+    QString value = valueRefusal(*tag, request.value);
     if (!value.isEmpty())
         return value;
     if (!view.isUp)
@@ -246,11 +246,12 @@ void Writes::tick(Moment now)
         }
     }
     if (now.steadyMs - m_minuteBeganMs >= minuteMs) {
-        if (m_refusals > mostRefusalsPerMinute)
+        if (m_refusals > mostRefusalsPerMinute) {
             m_audit.append({{"t", auditTime(now.utcMs)},
                             {"event", "refused"},
                             {"times", m_refusals - mostRefusalsPerMinute},
                             {"reason", "too many to list each"}});
+        }
         m_minuteBeganMs = now.steadyMs;
         m_refusals = 0;
     }
