@@ -12,6 +12,7 @@
 #include <QString>
 #include <QVector>
 
+#include <cmath>
 #include <optional>
 
 namespace fxgate {
@@ -38,6 +39,21 @@ enum class ValueKind
     Real,
     Text,
 };
+
+inline bool isOfKind(ValueKind kind, const QJsonValue& value)
+{
+    switch (kind) {
+    case ValueKind::Bit:
+        return value.isBool();
+    case ValueKind::Integer:
+        return value.isDouble() && value.toDouble() == std::floor(value.toDouble());
+    case ValueKind::Real:
+        return value.isDouble();
+    case ValueKind::Text:
+        break;
+    }
+    return value.isString();
+}
 
 struct ServedTag
 {

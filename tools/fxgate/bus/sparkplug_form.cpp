@@ -7,7 +7,6 @@
 #include <QJsonObject>
 
 #include <algorithm>
-#include <cmath>
 
 namespace fxgate {
 
@@ -31,21 +30,6 @@ Datatype datatypeOf(ValueKind kind)
         break;
     }
     return Datatype::String;
-}
-
-bool isFor(ValueKind kind, const QJsonValue& value)
-{
-    switch (kind) {
-    case ValueKind::Bit:
-        return value.isBool();
-    case ValueKind::Integer:
-        return value.isDouble() && value.toDouble() == std::floor(value.toDouble());
-    case ValueKind::Real:
-        return value.isDouble();
-    case ValueKind::Text:
-        break;
-    }
-    return value.isString();
 }
 
 bool isSameTag(const ServedTag& one, const ServedTag& other)
@@ -383,7 +367,7 @@ QVector<WriteRequest> SparkplugForm::deviceCommand(const QString& link,
                 return metric.name.isEmpty() ? metric.alias == candidate.alias
                                              : metric.name == candidate.tag.name;
             });
-        if (born == device.end() || !isFor(born->tag.kind, metric.value))
+        if (born == device.end() || !isOfKind(born->tag.kind, metric.value))
             continue;
         WriteRequest request;
         request.link = link;

@@ -11,21 +11,6 @@ namespace fxgate {
 
 namespace {
 
-bool fits(const QJsonValue& value, ValueKind kind)
-{
-    switch (kind) {
-    case ValueKind::Bit:
-        return value.isBool();
-    case ValueKind::Integer:
-        return value.isDouble() && value.toDouble() == std::floor(value.toDouble());
-    case ValueKind::Real:
-        return value.isDouble();
-    case ValueKind::Text:
-        break;
-    }
-    return value.isString();
-}
-
 bool isWorthTelling(const Sample& old, const Sample& now, double deadband)
 {
     if (old.quality != now.quality || old.reason != now.reason)
@@ -76,7 +61,7 @@ QVector<Change> LinkValues::take(const ValuesLine& line)
 {
     for (auto tag = line.good.begin(); tag != line.good.end(); ++tag) {
         check(tag.key());
-        if (!fits(tag.value(), m_tags[tag.key()].kind))
+        if (!isOfKind(m_tags[tag.key()].kind, tag.value()))
             refuseLine("the value of " + fxtools::quoted(tag.key()) + " is not of its kind");
     }
     QVector<Change> changes;
