@@ -34,7 +34,7 @@ public:
     std::function<void(const QString& line)> onState;  // a line for the log
 
     virtual void start() = 0;
-    virtual void stop() = 0;  // takes at most two seconds
+    virtual void stop() = 0;  // takes at most six seconds
 
     virtual void publish(const QVector<Change>& changes) = 0;
     virtual void linkChanged(const QString& link) = 0;  // its state or its tags

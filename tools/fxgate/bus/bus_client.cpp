@@ -18,7 +18,8 @@ constexpr int mostInBatch = 500;        // changes, before a barrier
 constexpr int mostUnconfirmed = 20000;  // changes; MQTT numbers 65535 messages
 constexpr qint64 barrierTimeoutMs = 10000;
 constexpr int betweenLinesMs = 60000;  // that tell of dropped changes
-constexpr int stopTimeoutMs = 1000;    // to send, and the same to disconnect
+constexpr int lastAnswersMs = 5000;    // to wait for, when stopping
+constexpr int disconnectMs = 1000;
 
 }  // namespace
 
@@ -272,6 +273,8 @@ void BusClient::watchStore()
     }
 }
 
+// Not before all is answered: a connection that is closed with answers unread is reset, and a
+// broker does not read on from one that is.
 void BusClient::stop()
 {
     m_everySecond.stop();
@@ -279,9 +282,9 @@ void BusClient::stop()
     if (m_isUp) {
         send(m_form.leaving(nowMs()));
         sendBarrier();
-        m_connection->runUntil([this] { return m_outbox.unconfirmed() == 0; }, stopTimeoutMs);
+        m_connection->runUntil([this] { return m_outbox.isAllConfirmed(); }, lastAnswersMs);
         m_connection->close(m_form.wantsWillAfterLeaving());
-        m_connection->runUntil([] { return false; }, stopTimeoutMs);
+        m_connection->runUntil([] { return false; }, disconnectMs);
     }
     m_isUp = false;
     if (m_connection != nullptr && !m_connection->wasConnectSent())

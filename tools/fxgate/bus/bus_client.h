@@ -27,7 +27,7 @@ public:
     std::function<qint64()> nowMs;                     // the time; for tests
 
     void start();
-    void stop();  // takes at most two seconds; what was not confirmed is stored
+    void stop();  // takes at most six seconds; what was not confirmed is stored
 
     void publish(const QVector<Change>& changes);
     void linkChanged(const QString& link);

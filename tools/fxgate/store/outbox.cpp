@@ -91,6 +91,11 @@ int Outbox::unconfirmed() const
     return changes;
 }
 
+bool Outbox::isAllConfirmed() const
+{
+    return m_batches.size() == 1 && batchSize() == 0;
+}
+
 qint64 Outbox::oldestBarrierMs(qint64 nowMs) const
 {
     return m_batches.front().barrier ? m_batches.front().barrierMs : nowMs;

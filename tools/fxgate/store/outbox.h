@@ -42,6 +42,7 @@ public:
 
     int rowsUnderWay() const { return m_underWay.size(); }
     int unconfirmed() const;                     // changes
+    bool isAllConfirmed() const;                 // no message and no barrier is open either
     qint64 oldestBarrierMs(qint64 nowMs) const;  // when it was sent; now if none is open
 
     // One commit: stores what is kept, removes what is confirmed, and returns what to send next, at

@@ -294,6 +294,20 @@ TEST_F(BusTest, RetainedValuesOfAFormerRunAreReplaced)
     EXPECT_TRUE(other.with("press1/count")[0].payload.contains("stale"));
 }
 
+TEST_F(BusTest, SlowBrokerGetsAllThatWasSentBeforeTheEnd)
+{
+    Broker broker;
+    OtherClient other(broker, "fx/cabinet1/press1/state");
+    startAndConnect(m_plain, broker.settings());
+    EXPECT_TRUE(waitUntil([&] { return other.received().size() == 1; }));
+    broker.pause();
+    for (int change = 0; change < 50; ++change)
+        m_bus->linkChanged("press1");
+    broker.goOnSoon();
+    m_bus->stop();
+    EXPECT_TRUE(waitUntil([&] { return other.received().size() == 51; }));
+}
+
 TEST_F(BusTest, BrokerThatStopsReadingIsLeft)
 {
     Broker broker;

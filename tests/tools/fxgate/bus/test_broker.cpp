@@ -61,6 +61,12 @@ void Broker::pause()
     ::kill(static_cast<pid_t>(m_process->processId()), SIGSTOP);
 }
 
+void Broker::goOnSoon()
+{
+    QProcess::startDetached(
+        "/bin/sh", {"-c", "sleep 0.2; kill -CONT " + QString::number(m_process->processId())});
+}
+
 void Broker::kill()
 {
     m_process->kill();

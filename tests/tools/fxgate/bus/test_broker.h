@@ -25,9 +25,10 @@ public:
     Broker(const Broker&) = delete;
     Broker& operator=(const Broker&) = delete;
 
-    void start();  // on the same port each time; returns when it takes connections
-    void pause();  // it reads nothing any more
-    void kill();   // as a loss of power does
+    void start();     // on the same port each time; returns when it takes connections
+    void pause();     // it reads nothing any more
+    void goOnSoon();  // while the caller waits for it
+    void kill();      // as a loss of power does
 
     int port() const { return m_port; }
     fxgate::BrokerSettings settings() const;
