@@ -35,8 +35,9 @@ bool hasForm(const Configuration& configuration, FormKind kind)
 
 }  // namespace
 
-Gateway::Gateway(const QString& path, const MakeBus& makeBus, const Clock& clock, const Log& log)
-    : m_path(path), m_makeBus(makeBus), m_clock(clock), m_log(log),
+Gateway::Gateway(const QString& path, const MakeBus& makeBus, const Environment& environment,
+                 const Log& log)
+    : m_path(path), m_makeBus(makeBus), m_environment(environment), m_log(log),
       m_configuration(readConfiguration(path)),
       m_writes(m_plant, m_audit, [this](const QString& link, const QByteArray& line) {
           m_links.at(link)->send(line);
@@ -49,8 +50,8 @@ Gateway::~Gateway() = default;
 
 void Gateway::start()
 {
-    m_startedMs = m_clock().utcMs;
-    m_refreshedMs = m_clock().steadyMs;
+    m_startedMs = m_environment.now().utcMs;
+    m_refreshedMs = m_environment.now().steadyMs;
     m_audit.open(m_configuration.gateway.audit);
     m_writes.configure(m_configuration.writes, m_configuration.links);
     for (const QString& name : m_configuration.links.keys())
@@ -64,17 +65,17 @@ void Gateway::start()
 void Gateway::addLink(const QString& name)
 {
     auto link = std::make_unique<LinkSupervisor>(name, m_configuration.links[name],
-                                                 fxhostOf(m_configuration), m_plant, m_clock);
+                                                 fxhostOf(m_configuration), m_plant, m_environment);
     link->onChanges = [this](const QVector<Change>& changes) {
         for (const auto& [kind, bus] : m_buses)
             bus->publish(changes);
     };
     link->onLinkChanged = [this, name] { linkChanged(name); };
     link->onWritten = [this, name](const WrittenLine& line) {
-        m_writes.written(name, line, m_clock());
+        m_writes.written(name, line, m_environment.now());
     };
     link->onWorkerLost = [this, name](const QString& reason) {
-        m_writes.workerLost(name, reason, m_clock());
+        m_writes.workerLost(name, reason, m_environment.now());
     };
     link->onLog = [this, name](const QString& text) { m_log(name + ": " + text); };
     m_links[name] = std::move(link);
@@ -96,7 +97,7 @@ void Gateway::addBus(FormKind kind)
             if (const std::shared_ptr<Bus> still = asker.lock())
                 still->answer(request, result);
         };
-        m_writes.request(request, answer, m_clock());
+        m_writes.request(request, answer, m_environment.now());
     };
     m_buses[kind] = bus;
     bus->start();
@@ -116,9 +117,11 @@ QStringList Gateway::startBuses()
 
 void Gateway::tick()
 {
-    const Moment now = m_clock();
+    const Moment now = m_environment.now();
     for (const auto& [name, link] : m_links)
         link->tick();
+    for (const auto& [kind, bus] : m_buses)
+        bus->tick();
     m_writes.tick(now);
     if (now.steadyMs - m_refreshedMs >= m_configuration.gateway.refreshMs) {
         m_refreshedMs = now.steadyMs;
@@ -146,7 +149,7 @@ void Gateway::endLinks(const QVector<LinkSupervisor*>& links) const
 void Gateway::stop()
 {
     m_tick.stop();
-    m_writes.stop(m_clock());
+    m_writes.stop(m_environment.now());
     QVector<LinkSupervisor*> all;
     for (const auto& [name, link] : m_links)
         all.append(link.get());
@@ -248,7 +251,7 @@ QJsonObject Gateway::status() const
 {
     StatusSource source{m_configuration.gateway.name,
                         m_startedMs,
-                        m_clock().utcMs,
+                        m_environment.now().utcMs,
                         {},
                         {},
                         m_writes.counts(),

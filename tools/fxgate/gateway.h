@@ -26,13 +26,13 @@ enum class FormKind
 class Gateway : public QObject
 {
 public:
-    using Clock = std::function<Moment()>;
     using MakeBus =
         std::function<std::unique_ptr<Bus>(FormKind, const Configuration&, const Plant&)>;
     using Log = std::function<void(const QString& line)>;
 
     // Throws Failure if the configuration has mistakes.
-    Gateway(const QString& path, const MakeBus& makeBus, const Clock& clock, const Log& log);
+    Gateway(const QString& path, const MakeBus& makeBus, const Environment& environment,
+            const Log& log);
     ~Gateway() override;
 
     void start();
@@ -66,7 +66,7 @@ private:
 
     QString m_path;
     MakeBus m_makeBus;
-    Clock m_clock;
+    Environment m_environment;
     Log m_log;
     Configuration m_configuration;
     Plant m_plant;

@@ -34,6 +34,12 @@ QByteArray Folder::read(const QString& name) const
     return file.readAll();
 }
 
+Ticker::Ticker(const std::function<void()>& tick)
+{
+    QObject::connect(&m_timer, &QTimer::timeout, tick);
+    m_timer.start(100);
+}
+
 bool waitUntil(const std::function<bool()>& isSo)
 {
     QElapsedTimer waited;

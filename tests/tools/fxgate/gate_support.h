@@ -8,6 +8,7 @@
 #include <QByteArray>
 #include <QString>
 #include <QTemporaryDir>
+#include <QTimer>
 
 #include <functional>
 
@@ -25,6 +26,16 @@ public:
 
 private:
     QTemporaryDir m_folder;
+};
+
+// Ticks as the gateway does, while the event loop runs.
+class Ticker
+{
+public:
+    explicit Ticker(const std::function<void()>& tick);
+
+private:
+    QTimer m_timer;
 };
 
 // Runs the event loop until this is so; false after a minute, when it never will be.

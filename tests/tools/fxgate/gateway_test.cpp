@@ -24,6 +24,7 @@ struct FakeBus : Bus
     FakeBus(const QString& form, QStringList& list) : name(form), told(list) {}
 
     void start() override { told += name + " starts"; }
+    void tick() override {}
     void stop() override { told += name + " stops"; }
     void publish(const QVector<Change>& changes) override
     {
@@ -67,7 +68,8 @@ protected:
                 bus = made.get();
                 return made;
             },
-            [this] { return now; }, [this](const QString& line) { logged += line; });
+            Environment{[this] { return now; }, [] { return 0.5; }},
+            [this](const QString& line) { logged += line; });
         gateway->start();
     }
 

@@ -34,6 +34,7 @@ public:
     std::function<void(const QString& line)> onState;  // a line for the log
 
     virtual void start() = 0;
+    virtual void tick() = 0;  // several times a second
     virtual void stop() = 0;  // takes at most six seconds
 
     virtual void publish(const QVector<Change>& changes) = 0;

@@ -3,17 +3,12 @@
 
 #include "tools/fxgate/bus/bus_client.h"
 
-#include <QDateTime>
-#include <QRandomGenerator>
-
 namespace fxgate {
 
 namespace {
 
 constexpr int connectTimeoutMs = 10000;  // until all subscriptions are granted
-constexpr int firstPauseMs = 1000;
 constexpr int longestPauseMs = 30000;
-constexpr qint64 goodWorkMs = 60000;    // after which pauses begin anew
 constexpr int mostInBatch = 500;        // changes, before a barrier
 constexpr int mostUnconfirmed = 20000;  // changes; MQTT numbers 65535 messages
 constexpr qint64 barrierTimeoutMs = 10000;
@@ -23,14 +18,12 @@ constexpr int disconnectMs = 1000;
 
 }  // namespace
 
-BusClient::BusClient(Form& form, Store& store, const BrokerSettings& broker, const Plant& plant)
-    : nowMs(QDateTime::currentMSecsSinceEpoch), m_form(form), m_store(store), m_broker(broker),
-      m_plant(plant), m_outbox(store, form.name()), m_pauseMs(firstPauseMs)
+BusClient::BusClient(Form& form, Store& store, const BrokerSettings& broker, const Plant& plant,
+                     const Environment& environment)
+    : m_form(form), m_store(store), m_broker(broker), m_plant(plant), m_environment(environment),
+      m_outbox(store, form.name()), m_pause(longestPauseMs)
 {
     m_form.recall(m_store.note(m_form.name()));
-    m_pause.setSingleShot(true);
-    QObject::connect(&m_pause, &QTimer::timeout, this, [this] { connectToBroker(); });
-    QObject::connect(&m_everySecond, &QTimer::timeout, this, [this] { everySecond(); });
 }
 
 BusClient::~BusClient()
@@ -40,8 +33,20 @@ BusClient::~BusClient()
 
 void BusClient::start()
 {
-    m_everySecond.start(1000);
-    m_pause.start(0);
+    m_isRunning = true;
+    connectToBroker();
+}
+
+void BusClient::tick()
+{
+    if (!m_isRunning)
+        return;
+    if (m_connection == nullptr && steadyMs() >= m_connectMs)
+        connectToBroker();
+    const qint64 second = steadyMs() / 1000;
+    if (second != m_second)
+        everySecond();
+    m_second = second;
 }
 
 // One line a change: the same is not said twice.
@@ -74,7 +79,7 @@ void BusClient::connectToBroker()
         m_outbox.acknowledged(message);
     };
     m_connection->onEnded = [this](const QString& reason) { ended(reason); };
-    m_attempt.start();
+    m_attemptMs = steadyMs();
     ++m_status.attempts;
     m_connection->open();
 }
@@ -107,7 +112,7 @@ void BusClient::subscribed(int subscription, bool isGranted)
     if (m_isUp || !m_pending.isEmpty())
         return;
     m_isUp = true;
-    m_up.start();
+    m_upMs = steadyMs();
     m_status.sinceMs = nowMs();
     say("connected to " + m_broker.host);
     announce(m_form.connected(nowMs()));
@@ -146,15 +151,12 @@ void BusClient::ended(const QString& reason)
     m_connection = nullptr;
     m_outbox.connectionEnded();
     m_form.disconnected();
-    if (m_isUp && m_up.elapsed() > goodWorkMs)
-        m_pauseMs = firstPauseMs;
+    const qint64 workedMs = m_isUp ? steadyMs() - m_upMs : 0;
     m_isUp = false;
     m_status.sinceMs = nowMs();
     m_status.lastError = reason;
     say("not connected to " + m_broker.host + ": " + reason);
-    // Some chance, so that many gateways do not come back at the same moment.
-    m_pause.start(m_pauseMs + QRandomGenerator::global()->bounded(m_pauseMs / 4));
-    m_pauseMs = std::min(2 * m_pauseMs, longestPauseMs);
+    m_connectMs = steadyMs() + m_pause.next(workedMs, m_environment.chance());
 }
 
 void BusClient::received(const Message& message)
@@ -216,14 +218,15 @@ void BusClient::watchConnection()
 {
     if (m_isUp && m_outbox.batchSize() > 0)
         sendBarrier();
-    if (m_isUp ? m_outbox.oldestBarrierMs(m_up.elapsed()) < m_up.elapsed() - barrierTimeoutMs
-               : m_attempt.elapsed() > connectTimeoutMs)
+    const qint64 now = steadyMs();
+    if (m_isUp ? m_outbox.oldestBarrierMs(now) < now - barrierTimeoutMs
+               : m_attemptMs < now - connectTimeoutMs)
         m_connection->end(QStringLiteral("the broker does not answer"));
 }
 
 void BusClient::sendBarrier()
 {
-    m_outbox.barrierSent(m_connection->barrier(), m_up.elapsed());
+    m_outbox.barrierSent(m_connection->barrier(), steadyMs());
 }
 
 void BusClient::drain()
@@ -267,9 +270,9 @@ void BusClient::watchStore()
     if (m_isUp)
         send(messages);
     m_droppedTold = dropped;
-    if (!m_droppedSaid.isValid() || m_droppedSaid.elapsed() > betweenLinesMs) {
+    if (!m_droppedSaidMs || steadyMs() - *m_droppedSaidMs > betweenLinesMs) {
         say(QStringLiteral("%1 stored changes had to be dropped").arg(dropped));
-        m_droppedSaid.start();
+        m_droppedSaidMs = steadyMs();
     }
 }
 
@@ -277,8 +280,7 @@ void BusClient::watchStore()
 // broker does not read on from one that is.
 void BusClient::stop()
 {
-    m_everySecond.stop();
-    m_pause.stop();
+    m_isRunning = false;
     if (m_isUp) {
         send(m_form.leaving(nowMs()));
         sendBarrier();

@@ -9,9 +9,9 @@
 #include "tools/fxgate/bus/broker_connection.h"
 #include "tools/fxgate/bus/bus.h"
 #include "tools/fxgate/bus/form.h"
+#include "tools/fxgate/environment.h"
+#include "tools/fxgate/growing_pause.h"
 #include "tools/fxgate/store/outbox.h"
-
-#include <QElapsedTimer>
 
 namespace fxgate {
 
@@ -19,14 +19,15 @@ class BusClient : public QObject
 {
 public:
     // The form, the store and the plant must outlive it.
-    BusClient(Form& form, Store& store, const BrokerSettings& broker, const Plant& plant);
+    BusClient(Form& form, Store& store, const BrokerSettings& broker, const Plant& plant,
+              const Environment& environment);
     ~BusClient() override;
 
     std::function<void(const WriteRequest&)> onWrite;
     std::function<void(const QString& line)> onState;  // a line for the log
-    std::function<qint64()> nowMs;                     // the time; for tests
 
     void start();
+    void tick();  // several times a second
     void stop();  // takes at most six seconds; what was not confirmed is stored
 
     void publish(const QVector<Change>& changes);
@@ -51,20 +52,26 @@ private:
     void watchStore();
     void rememberForm();
     void say(const QString& line);
+    qint64 nowMs() const { return m_environment.now().utcMs; }
+    qint64 steadyMs() const { return m_environment.now().steadyMs; }
 
     Form& m_form;
     Store& m_store;
     BrokerSettings m_broker;
     const Plant& m_plant;
+    Environment m_environment;
     Outbox m_outbox;
     BrokerConnection* m_connection = nullptr;
     QMap<int, QString> m_pending;   // subscriptions that are not granted yet
     QSet<QString> m_subscriptions;  // of this connection
     bool m_isUp = false;
     bool m_isMemoryDue = false;  // the form's, to be stored
-    QTimer m_everySecond, m_pause;
-    int m_pauseMs;
-    QElapsedTimer m_attempt, m_up, m_droppedSaid;  // since
+    bool m_isRunning = false;
+    GrowingPause m_pause;
+    qint64 m_second = 0;     // of the last tick; all of these are steady
+    qint64 m_connectMs = 0;  // when it is due
+    qint64 m_attemptMs = 0, m_upMs = 0;
+    std::optional<qint64> m_droppedSaidMs;
     BusStatus m_status;
     QString m_said;  // last
     QString m_storeProblem, m_movedTo;

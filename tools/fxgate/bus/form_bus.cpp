@@ -16,8 +16,9 @@ class FormBus : public Bus
 {
 public:
     FormBus(std::unique_ptr<Form> form, const std::shared_ptr<Store>& store,
-            const BrokerSettings& broker, const Plant& plant)
-        : m_form(std::move(form)), m_store(store), m_client(*m_form, *m_store, broker, plant)
+            const BrokerSettings& broker, const Plant& plant, const Environment& environment)
+        : m_form(std::move(form)), m_store(store),
+          m_client(*m_form, *m_store, broker, plant, environment)
     {}
 
     void start() override
@@ -26,6 +27,7 @@ public:
         m_client.onState = onState;
         m_client.start();
     }
+    void tick() override { m_client.tick(); }
     void stop() override { m_client.stop(); }
     void publish(const QVector<Change>& changes) override { m_client.publish(changes); }
     void linkChanged(const QString& link) override { m_client.linkChanged(link); }
@@ -62,7 +64,8 @@ std::unique_ptr<Bus> BusFactory::make(FormKind kind, const Configuration& config
                                            plant);
     else
         form = std::make_unique<SparkplugForm>(*configuration.sparkplug, plant);
-    return std::make_unique<FormBus>(std::move(form), store, configuration.broker, plant);
+    return std::make_unique<FormBus>(std::move(form), store, configuration.broker, plant,
+                                     m_environment);
 }
 
 }  // namespace fxgate

@@ -13,12 +13,15 @@ namespace fxgate {
 class BusFactory
 {
 public:
+    explicit BusFactory(const Environment& environment) : m_environment(environment) {}
+
     Gateway::MakeBus maker();  // for as long as the factory lives
 
 private:
     std::unique_ptr<Bus> make(FormKind kind, const Configuration& configuration,
                               const Plant& plant);
 
+    Environment m_environment;
     std::weak_ptr<Store> m_store;  // of the forms that there are
 };
 

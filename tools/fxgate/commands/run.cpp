@@ -11,8 +11,6 @@
 #include "tools/fxgate/status/status.h"
 
 #include <QCoreApplication>
-#include <QDateTime>
-#include <QDeadlineTimer>
 #include <QSaveFile>
 #include <QSocketNotifier>
 
@@ -26,11 +24,6 @@ namespace fxgate {
 namespace {
 
 constexpr int metricsMs = 15000;  // as often as they are collected, usually
-
-Moment momentNow()
-{
-    return {QDateTime::currentMSecsSinceEpoch(), QDeadlineTimer::current().deadline()};
-}
 
 // The signals that run() handles, as a file that becomes readable.
 int openSignals()
@@ -48,7 +41,7 @@ class Service : public QObject
 {
 public:
     Service(const QString& configuration, const QString& socket)
-        : m_gateway(configuration, m_buses.maker(), momentNow, complain),
+        : m_gateway(configuration, m_buses.maker(), m_environment, complain),
           m_control(socket.isEmpty() ? usualSocket() : socket,
                     [this](const QByteArray& request) { return reply(request); }),
           m_signals(openSignals(), QSocketNotifier::Read)
@@ -135,7 +128,8 @@ private:
         m_metricsProblem = problem;
     }
 
-    BusFactory m_buses;
+    const Environment m_environment = realEnvironment();
+    BusFactory m_buses{m_environment};
     Gateway m_gateway;
     ControlSocket m_control;
     QSocketNotifier m_signals;

@@ -6,8 +6,6 @@
 #include "tools/failure.h"
 #include "tools/quoted.h"
 
-#include <QRandomGenerator>
-
 #include <csignal>
 
 #include <sys/prctl.h>
@@ -51,13 +49,13 @@ QStringList argumentsOf(const QString& name, const ServedLink& link)
 }  // namespace
 
 LinkSupervisor::LinkSupervisor(const QString& name, const ServedLink& link, const QString& fxhost,
-                               Plant& plant, const Clock& clock)
-    : m_name(name), m_link(link), m_fxhost(fxhost), m_plant(plant), m_clock(clock),
+                               Plant& plant, const Environment& environment)
+    : m_name(name), m_link(link), m_fxhost(fxhost), m_plant(plant), m_environment(environment),
       m_values(name, plant)
 {
     LinkView view;
     view.reason = QStringLiteral("the link is starting");
-    view.sinceMs = clock().utcMs;
+    view.sinceMs = environment.now().utcMs;
     plant[name] = view;
 }
 
@@ -72,13 +70,13 @@ LinkSupervisor::~LinkSupervisor()
 
 void LinkSupervisor::start()
 {
-    m_tickMs = m_clock().steadyMs;
+    m_tickMs = m_environment.now().steadyMs;
     startWorker();
 }
 
 void LinkSupervisor::startWorker()
 {
-    m_startedMs = m_heardMs = m_clock().steadyMs;
+    m_startedMs = m_heardMs = m_environment.now().steadyMs;
     m_lines = LineFeed();
     m_complaints = LineFeed();
     m_lastComplaint.clear();
@@ -104,7 +102,7 @@ void LinkSupervisor::readLines()
 {
     if (!m_whyEnded.isEmpty())
         return;
-    const qint64 steadyMs = m_clock().steadyMs;
+    const qint64 steadyMs = m_environment.now().steadyMs;
     try {
         for (const QByteArray& line : m_lines.take(m_process->readAllStandardOutput(), steadyMs)) {
             take(parseWorkerLine(line));
@@ -122,7 +120,7 @@ void LinkSupervisor::readComplaints()
     if (!m_whyEnded.isEmpty())
         return;
     for (const QByteArray& line :
-         m_complaints.take(m_process->readAllStandardError(), m_clock().steadyMs)) {
+         m_complaints.take(m_process->readAllStandardError(), m_environment.now().steadyMs)) {
         if (!line.isEmpty())
             m_lastComplaint = QString::fromUtf8(line);
     }
@@ -167,7 +165,7 @@ bool LinkSupervisor::setState(bool isUp, const QString& reason)
         return false;
     view.isUp = isUp;
     view.reason = reason;
-    view.sinceMs = m_clock().utcMs;
+    view.sinceMs = m_environment.now().utcMs;
     if (!isUp)
         m_report.lastError = reason;
     onLinkChanged();
@@ -182,7 +180,7 @@ void LinkSupervisor::tellState(bool isUp, const QString& reason)
 
 void LinkSupervisor::lose(Quality quality, const QString& reason)
 {
-    const QVector<Change> changes = m_values.lose(quality, reason, m_clock().utcMs);
+    const QVector<Change> changes = m_values.lose(quality, reason, m_environment.now().utcMs);
     if (!changes.isEmpty())
         onChanges(changes);
     setState(false, reason);
@@ -204,7 +202,7 @@ void LinkSupervisor::judgeSilence(qint64 steadyMs)
 
 void LinkSupervisor::tick()
 {
-    const qint64 steadyMs = m_clock().steadyMs;
+    const qint64 steadyMs = m_environment.now().steadyMs;
     // What the worker said while the gateway was stopped is still to be read.
     if (steadyMs - m_tickMs > longestTickMs)
         m_heardMs += steadyMs - m_tickMs;
@@ -272,9 +270,8 @@ void LinkSupervisor::workerEnded(const QString& how)
     lose(Quality::Bad, reason);
     if (m_isStopping)
         return;
-    const qint64 steadyMs = m_clock().steadyMs;
-    const qint64 pauseMs =
-        m_pause.next(steadyMs - m_startedMs, QRandomGenerator::global()->generateDouble());
+    const qint64 steadyMs = m_environment.now().steadyMs;
+    const qint64 pauseMs = m_pause.next(steadyMs - m_startedMs, m_environment.chance());
     m_restartMs = steadyMs + pauseMs;
     onLog(how + QStringLiteral("; starting it again in %1 s")
                     .arg(static_cast<double>(pauseMs) / 1000, 0, 'f', 1));

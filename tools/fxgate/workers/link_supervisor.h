@@ -8,10 +8,10 @@
 #pragma once
 
 #include "tools/fxgate/configuration.h"
-#include "tools/fxgate/moment.h"
+#include "tools/fxgate/environment.h"
+#include "tools/fxgate/growing_pause.h"
 #include "tools/fxgate/values/link_values.h"
 #include "tools/fxgate/workers/line_feed.h"
-#include "tools/fxgate/workers/restart_pause.h"
 
 #include <QDeadlineTimer>
 #include <QProcess>
@@ -36,11 +36,10 @@ public:
     static constexpr qint64 silentMs = 3000;     // then its tags are stale
     static constexpr qint64 hangsMs = 10000;     // then it is ended
     static constexpr qint64 startingMs = 30000;  // until its first line
-
-    using Clock = std::function<Moment()>;
+    static constexpr qint64 longestPauseMs = 60000;
 
     LinkSupervisor(const QString& name, const ServedLink& link, const QString& fxhost, Plant& plant,
-                   const Clock& clock);
+                   const Environment& environment);
     ~LinkSupervisor() override;  // kills the worker
 
     // Called from the event loop and from tick().
@@ -80,7 +79,7 @@ private:
     ServedLink m_link;
     QString m_fxhost;
     Plant& m_plant;
-    Clock m_clock;
+    Environment m_environment;
     LinkValues m_values;
     LinkReport m_report;
     std::unique_ptr<QProcess> m_process;
@@ -95,7 +94,7 @@ private:
     qint64 m_heardMs = 0;    // when it said something last
     qint64 m_tickMs = 0;
     qint64 m_restartMs = 0;
-    RestartPause m_pause;
+    GrowingPause m_pause{longestPauseMs};
 };
 
 }  // namespace fxgate

@@ -54,6 +54,10 @@ protected:
     std::unique_ptr<BusClient> m_bus;
     QVector<WriteRequest> m_writes;
     QStringList m_lines;
+    Ticker m_ticker{[this] {
+        if (m_bus)
+            m_bus->tick();
+    }};
 
     void start(Form& form, const BrokerSettings& settings)
     {
@@ -62,7 +66,7 @@ protected:
         m_bus.reset();
         m_store.reset();
         m_store = std::make_unique<Store>(store);
-        m_bus = std::make_unique<BusClient>(form, *m_store, settings, m_plant);
+        m_bus = std::make_unique<BusClient>(form, *m_store, settings, m_plant, realEnvironment());
         m_bus->onWrite = [this](const WriteRequest& request) { m_writes.append(request); };
         m_bus->onState = [this](const QString& line) { m_lines.append(line); };
         m_bus->start();

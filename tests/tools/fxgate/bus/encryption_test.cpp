@@ -89,7 +89,8 @@ protected:
         StoreSettings file;
         file.file = m_folder.path("store.db");
         Store store(file);
-        BusClient bus(m_form, store, settings, m_plant);
+        BusClient bus(m_form, store, settings, m_plant, realEnvironment());
+        const Ticker ticker([&bus] { bus.tick(); });
         QString said;
         bus.onState = [&said](const QString& line) { said = said.isEmpty() ? line : said; };
         bus.start();

@@ -115,7 +115,8 @@ protected:
         StoreSettings file;
         file.file = m_folder.path("store.db");
         Store store(file);
-        BusClient bus(m_form, store, m_broker.settings(), m_plant);
+        BusClient bus(m_form, store, m_broker.settings(), m_plant, realEnvironment());
+        const Ticker ticker([&bus] { bus.tick(); });
         bus.onState = [](const QString& /*line*/) {};
         bus.start();
         EXPECT_TRUE(waitUntil([this] { return m_broker.packets(publishKind).size() == 2; }));

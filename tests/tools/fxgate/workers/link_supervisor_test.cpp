@@ -24,8 +24,7 @@ protected:
         ServedLink served;
         served.link = "sim:";
         served.tags = folder.write("tags", script);
-        link = std::make_unique<LinkSupervisor>("press1", served, fakeWorker, plant,
-                                                [this] { return now; });
+        link = std::make_unique<LinkSupervisor>("press1", served, fakeWorker, plant, environment);
         link->onChanges = [this](const QVector<Change>& changes) {
             for (const Change& change : changes) {
                 const char* const quality[] = {"good", "stale", "bad"};
@@ -52,6 +51,7 @@ protected:
     const Folder folder;
     Plant plant;
     Moment now{1795348800000, 5000};
+    const Environment environment = {[this] { return now; }, [] { return 0.5; }};
     std::unique_ptr<LinkSupervisor> link;
     QStringList told, written, lost, logged;
     int linkChanges = 0;
@@ -103,7 +103,7 @@ TEST_F(LinkSupervisorTest, TellsWhichProgramIsMissing)
 {
     ServedLink served;
     Plant other;
-    LinkSupervisor missing("press1", served, "/nowhere/fxhost", other, [this] { return now; });
+    LinkSupervisor missing("press1", served, "/nowhere/fxhost", other, environment);
     missing.onChanges = [](const QVector<Change>&) {};
     missing.onLinkChanged = [] {};
     missing.onWorkerLost = [](const QString&) {};

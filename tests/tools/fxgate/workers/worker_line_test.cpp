@@ -4,8 +4,8 @@
 // What a worker says: each kind of line, and lines that a broken worker may print.
 
 #include "tests/tools/support/failure_of.h"
+#include "tools/fxgate/growing_pause.h"
 #include "tools/fxgate/workers/line_feed.h"
-#include "tools/fxgate/workers/restart_pause.h"
 #include "tools/fxgate/workers/worker_line.h"
 
 #include <gtest/gtest.h>
@@ -205,18 +205,18 @@ TEST(LineFeed, CountsEachSecondAnew)
     EXPECT_EQ(feed.mistake(), "");
 }
 
-TEST(RestartPause, GrowsUpToAMinute)
+TEST(GrowingPause, GrowsUpToAMinute)
 {
-    RestartPause pause;
+    GrowingPause pause(60000);
     for (const qint64 pauseMs : {1000, 2000, 4000, 8000, 16000, 32000, 60000, 60000})
-        EXPECT_EQ(pause.next(RestartPause::goodWorkMs - 1, 0), pauseMs);
+        EXPECT_EQ(pause.next(GrowingPause::goodWorkMs - 1, 0), pauseMs);
 }
 
-TEST(RestartPause, BeginsAnewAfterAMinuteOfGoodWork)
+TEST(GrowingPause, BeginsAnewAfterAMinuteOfGoodWork)
 {
-    RestartPause pause;
+    GrowingPause pause(60000);
     pause.next(0, 0);
     pause.next(0, 0);
-    EXPECT_EQ(pause.next(RestartPause::goodWorkMs, 0), 1000);
+    EXPECT_EQ(pause.next(GrowingPause::goodWorkMs, 0), 1000);
     EXPECT_EQ(pause.next(0, 1), 1500);  // 2000 less a quarter by chance
 }
