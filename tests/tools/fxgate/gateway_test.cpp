@@ -60,6 +60,8 @@ protected:
 
     void start()
     {
+        Environment environment = realEnvironment();
+        environment.now = [this] { return now; };
         gateway = std::make_unique<Gateway>(
             folder.path("fxgate.toml"),
             [this](FormKind kind, const Configuration&, const Plant&) {
@@ -68,8 +70,7 @@ protected:
                 bus = made.get();
                 return made;
             },
-            Environment{[this] { return now; }, [] { return 0.5; }},
-            [this](const QString& line) { logged += line; });
+            environment, [this](const QString& line) { logged += line; });
         gateway->start();
     }
 

@@ -26,11 +26,6 @@ BusClient::BusClient(Form& form, Store& store, const BrokerSettings& broker, con
     m_form.recall(m_store.note(m_form.name()));
 }
 
-BusClient::~BusClient()
-{
-    delete m_connection;
-}
-
 void BusClient::start()
 {
     m_isRunning = true;
@@ -66,7 +61,7 @@ void BusClient::connectToBroker()
 {
     const Message will = m_form.will(nowMs());
     rememberForm();  // before the broker has the will: its number is not given again
-    m_connection = new BrokerConnection(m_broker, m_form.clientId(), will);
+    m_connection = m_environment.makeConnection(m_broker, m_form.clientId(), will);
     m_connection->onConnected = [this] { connected(); };
     m_connection->onSubscribed = [this](int number, bool isGranted) {
         subscribed(number, isGranted);
@@ -147,8 +142,7 @@ void BusClient::ended(const QString& reason)
 {
     if (!m_connection->wasConnectSent())
         m_form.notConnected();
-    m_connection->deleteLater();
-    m_connection = nullptr;
+    m_connection.release()->deleteLater();
     m_outbox.connectionEnded();
     m_form.disconnected();
     const qint64 workedMs = m_isUp ? steadyMs() - m_upMs : 0;
@@ -291,8 +285,7 @@ void BusClient::stop()
     m_isUp = false;
     if (m_connection != nullptr && !m_connection->wasConnectSent())
         m_form.notConnected();
-    delete m_connection;
-    m_connection = nullptr;
+    m_connection.reset();
     m_form.disconnected();
     m_outbox.connectionEnded();
     m_outbox.work(nowMs(), 0, {});

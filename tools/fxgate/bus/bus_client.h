@@ -6,7 +6,6 @@
 
 #pragma once
 
-#include "tools/fxgate/bus/broker_connection.h"
 #include "tools/fxgate/bus/bus.h"
 #include "tools/fxgate/bus/form.h"
 #include "tools/fxgate/environment.h"
@@ -21,7 +20,6 @@ public:
     // The form, the store and the plant must outlive it.
     BusClient(Form& form, Store& store, const BrokerSettings& broker, const Plant& plant,
               const Environment& environment);
-    ~BusClient() override;
 
     std::function<void(const WriteRequest&)> onWrite;
     std::function<void(const QString& line)> onState;  // a line for the log
@@ -61,7 +59,7 @@ private:
     const Plant& m_plant;
     Environment m_environment;
     Outbox m_outbox;
-    BrokerConnection* m_connection = nullptr;
+    std::unique_ptr<Connection> m_connection;
     QMap<int, QString> m_pending;   // subscriptions that are not granted yet
     QSet<QString> m_subscriptions;  // of this connection
     bool m_isUp = false;

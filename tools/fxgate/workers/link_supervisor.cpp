@@ -6,35 +6,13 @@
 #include "tools/failure.h"
 #include "tools/quoted.h"
 
-#include <csignal>
-
-#include <sys/prctl.h>
-#include <unistd.h>
-
 namespace fxgate {
 
 namespace {
 
-constexpr int killedMs = 1000;  // a process is gone by then, unless its disk or port holds it
 constexpr qint64 longestTickMs = 1000;  // after longer the gateway itself was stopped
 
 const QString silence = QStringLiteral("the worker does not answer");
-
-// Ends with the gateway, however that ends, but not with the gateway's terminal: the gateway asks
-// it to end.
-class WorkerProcess : public QProcess
-{
-protected:
-    void setupChildProcess() override
-    {
-        prctl(PR_SET_PDEATHSIG, SIGKILL);
-        setpgid(0, 0);
-        sigset_t none;
-        sigemptyset(&none);
-        sigprocmask(SIG_SETMASK, &none, nullptr);
-        static_cast<void>(std::signal(SIGPIPE, SIG_DFL));
-    }
-};
 
 QStringList argumentsOf(const QString& name, const ServedLink& link)
 {
@@ -59,15 +37,6 @@ LinkSupervisor::LinkSupervisor(const QString& name, const ServedLink& link, cons
     plant[name] = view;
 }
 
-LinkSupervisor::~LinkSupervisor()
-{
-    if (!m_process)
-        return;
-    m_process->disconnect(this);
-    m_process->kill();
-    m_process->waitForFinished(killedMs);
-}
-
 void LinkSupervisor::start()
 {
     m_tickMs = m_environment.now().steadyMs;
@@ -84,27 +53,21 @@ void LinkSupervisor::startWorker()
     m_state = StateLine();
     m_hasTags = false;
     m_isSilent = false;
-    m_process = std::make_unique<WorkerProcess>();
-    connect(m_process.get(), &QProcess::readyReadStandardOutput, this, &LinkSupervisor::readLines);
-    connect(m_process.get(), &QProcess::readyReadStandardError, this,
-            &LinkSupervisor::readComplaints);
-    connect(m_process.get(), QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), this,
-            [this] { workerEnded(howItEnded()); });
-    connect(m_process.get(), &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
-        if (error == QProcess::FailedToStart)
-            workerEnded("cannot start " + m_fxhost + ": " + m_process->errorString());
-    });
-    m_process->start(m_fxhost, argumentsOf(m_name, m_link));
-    m_report.workerPid = m_process ? m_process->processId() : 0;
+    m_worker = m_environment.makeWorker(m_fxhost, argumentsOf(m_name, m_link));
+    m_worker->onOutput = [this](const QByteArray& bytes) { readLines(bytes); };
+    m_worker->onComplaint = [this](const QByteArray& bytes) { readComplaints(bytes); };
+    m_worker->onEnded = [this](const QString& how) { workerEnded(how); };
+    m_worker->start();
+    m_report.workerPid = m_worker ? m_worker->pid() : 0;
 }
 
-void LinkSupervisor::readLines()
+void LinkSupervisor::readLines(const QByteArray& bytes)
 {
     if (!m_whyEnded.isEmpty())
         return;
     const qint64 steadyMs = m_environment.now().steadyMs;
     try {
-        for (const QByteArray& line : m_lines.take(m_process->readAllStandardOutput(), steadyMs)) {
+        for (const QByteArray& line : m_lines.take(bytes, steadyMs)) {
             take(parseWorkerLine(line));
             m_heardMs = steadyMs;
         }
@@ -115,12 +78,11 @@ void LinkSupervisor::readLines()
         end("the worker flooded: " + m_lines.mistake());
 }
 
-void LinkSupervisor::readComplaints()
+void LinkSupervisor::readComplaints(const QByteArray& bytes)
 {
     if (!m_whyEnded.isEmpty())
         return;
-    for (const QByteArray& line :
-         m_complaints.take(m_process->readAllStandardError(), m_environment.now().steadyMs)) {
+    for (const QByteArray& line : m_complaints.take(bytes, m_environment.now().steadyMs)) {
         if (!line.isEmpty())
             m_lastComplaint = QString::fromUtf8(line);
     }
@@ -207,9 +169,9 @@ void LinkSupervisor::tick()
     if (steadyMs - m_tickMs > longestTickMs)
         m_heardMs += steadyMs - m_tickMs;
     m_tickMs = steadyMs;
-    if (m_process && m_whyEnded.isEmpty())
+    if (m_worker && m_whyEnded.isEmpty())
         judgeSilence(steadyMs);
-    else if (!m_process && !m_isStopping && steadyMs >= m_restartMs) {
+    else if (!m_worker && !m_isStopping && steadyMs >= m_restartMs) {
         ++m_report.restarts;
         startWorker();
     }
@@ -217,8 +179,8 @@ void LinkSupervisor::tick()
 
 void LinkSupervisor::send(const QByteArray& line)
 {
-    if (m_process)
-        m_process->write(line);
+    if (m_worker)
+        m_worker->write(line);
 }
 
 void LinkSupervisor::tellAllAgain()
@@ -231,40 +193,32 @@ void LinkSupervisor::stop()
 {
     m_isStopping = true;
     send(stopLine());
-    if (m_process)
-        m_process->closeWriteChannel();
+    if (m_worker)
+        m_worker->endInput();
 }
 
 void LinkSupervisor::endBy(const QDeadlineTimer& deadline)
 {
-    if (m_process && !m_process->waitForFinished(static_cast<int>(deadline.remainingTime())) &&
-        m_process) {
-        m_process->kill();
-        m_process->waitForFinished(killedMs);
+    if (m_worker && !m_worker->waitUntilEnded(static_cast<int>(deadline.remainingTime())) &&
+        m_worker) {
+        m_worker->kill();
+        m_worker->waitUntilEnded(Worker::killedMs);
     }
 }
 
 void LinkSupervisor::end(const QString& reason)
 {
     m_whyEnded = reason;
-    m_process->kill();
+    m_worker->kill();
 }
 
-QString LinkSupervisor::howItEnded() const
+void LinkSupervisor::workerEnded(const QString& unasked)
 {
-    const QString why =
-        m_lastComplaint.isEmpty() ? QString() : ": " + fxtools::quoted(m_lastComplaint);
-    if (!m_whyEnded.isEmpty())
-        return m_whyEnded;
-    if (m_process->exitStatus() == QProcess::CrashExit)
-        return QStringLiteral("the worker was ended by signal %1").arg(m_process->exitCode()) + why;
-    return QStringLiteral("the worker ended with exit code %1").arg(m_process->exitCode()) + why;
-}
-
-void LinkSupervisor::workerEnded(const QString& how)
-{
-    m_process.release()->deleteLater();
+    m_worker.release()->deleteLater();
     m_report.workerPid = 0;
+    const QString complaint =
+        m_lastComplaint.isEmpty() ? QString() : ": " + fxtools::quoted(m_lastComplaint);
+    const QString how = m_whyEnded.isEmpty() ? unasked + complaint : m_whyEnded;
     const QString reason = m_isStopping ? QStringLiteral("the gateway stopped the link") : how;
     onWorkerLost(reason);
     lose(Quality::Bad, reason);

@@ -14,10 +14,6 @@
 #include "tools/fxgate/workers/line_feed.h"
 
 #include <QDeadlineTimer>
-#include <QProcess>
-
-#include <functional>
-#include <memory>
 
 namespace fxgate {
 
@@ -40,7 +36,6 @@ public:
 
     LinkSupervisor(const QString& name, const ServedLink& link, const QString& fxhost, Plant& plant,
                    const Environment& environment);
-    ~LinkSupervisor() override;  // kills the worker
 
     // Called from the event loop and from tick().
     std::function<void(const QVector<Change>&)> onChanges;
@@ -56,7 +51,7 @@ public:
 
     void stop();                                 // asks the worker to end, for good
     void endBy(const QDeadlineTimer& deadline);  // waits for that; then it is killed
-    bool hasEnded() const { return !m_process; }
+    bool hasEnded() const { return !m_worker; }
 
     const QString& name() const { return m_name; }
     const ServedLink& link() const { return m_link; }
@@ -64,16 +59,15 @@ public:
 
 private:
     void startWorker();
-    void readLines();
-    void readComplaints();
+    void readLines(const QByteArray& bytes);
+    void readComplaints(const QByteArray& bytes);
     void take(const WorkerLine& line);
     bool setState(bool isUp, const QString& reason);  // whether it has changed
     void tellState(bool isUp, const QString& reason);
     void lose(Quality quality, const QString& reason);
     void judgeSilence(qint64 steadyMs);
     void end(const QString& reason);
-    void workerEnded(const QString& how);
-    QString howItEnded() const;
+    void workerEnded(const QString& unasked);
 
     QString m_name;
     ServedLink m_link;
@@ -82,7 +76,7 @@ private:
     Environment m_environment;
     LinkValues m_values;
     LinkReport m_report;
-    std::unique_ptr<QProcess> m_process;
+    std::unique_ptr<Worker> m_worker;
     LineFeed m_lines, m_complaints;
     QString m_lastComplaint;
     QString m_whyEnded;  // by the gateway; empty: it was not

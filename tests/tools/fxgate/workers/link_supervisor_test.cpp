@@ -19,6 +19,11 @@ namespace {
 class LinkSupervisorTest : public testing::Test
 {
 protected:
+    LinkSupervisorTest()
+    {
+        environment.now = [this] { return now; };
+    }
+
     void start(const QByteArray& script)
     {
         ServedLink served;
@@ -51,7 +56,7 @@ protected:
     const Folder folder;
     Plant plant;
     Moment now{1795348800000, 5000};
-    const Environment environment = {[this] { return now; }, [] { return 0.5; }};
+    Environment environment = realEnvironment();
     std::unique_ptr<LinkSupervisor> link;
     QStringList told, written, lost, logged;
     int linkChanges = 0;
