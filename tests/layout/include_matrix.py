@@ -38,6 +38,8 @@ ALLOWED = {
                      "tools/library/*", "tools/exchange/*", "tools/tags/*", "tools/fxhost/*",
                      *SIMULATED_PLC],
     "tools/fxgate": [*COMMON, "tools/link/*", "tools/library/*", "tools/tags/*", "tools/fxgate/*"],
+    "tools/fxview": [*COMMON, "driver/intf.h", "tools/link/*", "tools/library/*",
+                     "tools/exchange/*", "tools/tags/*", "tools/fxview/*"],
     "tools/fxsim": ["tools/fxsim/*"],
 }
 

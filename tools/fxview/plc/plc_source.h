@@ -1,0 +1,97 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// One PLC as the window sees it: tags by their index, readings in the order in which they came,
+// writes that are answered once each. A source lives in the window's thread and never makes it
+// wait; what talks to the line is a thread of its own behind it. Times are UTC, in milliseconds
+// since 1970.
+
+#pragma once
+
+#include "tools/exchange/statistics.h"
+#include "tools/tags/shortest_plan.h"
+#include "tools/tags/tag.h"
+
+#include <QObject>
+
+namespace fxview {
+
+enum class Quality
+{
+    Good,
+    Stale,  // older than three of its periods
+    Bad,    // refused or damaged, or the link is down
+};
+
+struct Reading
+{
+    int tag = 0;
+    Quality quality = Quality::Bad;
+    QString reason;         // why it is not good
+    QJsonValue raw, value;  // as in the registers, and scaled; null unless good
+    qint64 timeMs = 0;      // when the reply came, or the quality changed
+};
+
+struct WriteResult
+{
+    enum class Outcome
+    {
+        Done,     // read back, and there
+        Refused,  // by the limits of the tag, or by the PLC: nothing was changed
+        Failed,   // sent, but something else was read back
+        Unknown,  // the PLC may have it: no answer, or not read back
+    };
+
+    int id = 0;
+    int tag = 0;
+    Outcome outcome = Outcome::Unknown;
+    QJsonValue before, after;  // scaled; null: not read
+    QString reason;            // why it is not done
+};
+
+// A block of the polling plan and what a read of it costs on the line.
+struct BlockOfPlan
+{
+    fxtools::PlannedBlock block;
+    double costMs = 0;
+};
+
+struct LineReport
+{
+    fxtools::Statistics statistics;
+    QString load;      // how much of the line the periods need, in a sentence
+    QStringList late;  // the periods that the line cannot keep, each in a sentence
+    QVector<BlockOfPlan> blocks;
+};
+
+class PlcSource : public QObject
+{
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+    ~PlcSource() override;
+
+    virtual QString name() const = 0;  // "press1" or "serial:/dev/ttyUSB0"
+    virtual bool isSimulated() const = 0;
+    virtual QVector<fxtools::Tag> tags() const = 0;  // the same from the beginning to the end
+
+    // A value as a person types it; the source judges it. written() tells the result with this id.
+    virtual void write(int id, int tag, const QString& text) = 0;
+
+    // A command for a simulated PLC, such as "faults silence=0.1" or "poke D100 5".
+    virtual void benchCommand(const QString& command) = 0;
+
+signals:
+    void linkChanged(bool isUp, const QString& reason);
+
+    // All since the last, 60 times a second at most; of the exchanges the newest thousand.
+    void readings(const QVector<Reading>& readings);
+    void exchanges(const QVector<fxtools::Exchange>& exchanges);
+
+    void lineReport(const LineReport& report);  // once a second
+    void written(const WriteResult& result);
+    void benchRefused(const QString& command, const QString& reason);
+};
+
+}  // namespace fxview
