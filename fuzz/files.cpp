@@ -9,11 +9,11 @@
 
 #include "fuzz/support/tool_catalogue.h"
 #include "tools/exchange/recording.h"
-#include "tools/fxhost/configuration.h"
 #include "tools/fxsim/plc/error.h"
 #include "tools/fxsim/plc/memory_image.h"
 #include "tools/fxsim/plc/script_program.h"
 #include "tools/library/register_file.h"
+#include "tools/service/configuration.h"
 #include "tools/tags/foreign_tags.h"
 
 #include <sys/mman.h>

@@ -3,8 +3,8 @@
 
 #include "tools/fxhost/commands/address_options.h"
 
-#include "tools/fxhost/commands/limits.h"
 #include "tools/quoted.h"
+#include "tools/service/limits.h"
 
 #include <QRegularExpression>
 

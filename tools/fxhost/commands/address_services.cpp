@@ -15,7 +15,7 @@ namespace {
 
 ExitCode runTypes(const CommonOptions& common)
 {
-    const AddressServices services(common);
+    const AddressServices services = addressServices(common);
     Records records(common.output, {{"type"},
                                     {"lowest", Align::Right},
                                     {"highest", Align::Right},
@@ -78,7 +78,7 @@ bool check(const QString& text, const AddressServices& services, Records& record
 
 ExitCode runCheck(const CommonOptions& common, const Addresses& addresses)
 {
-    const AddressServices services(common);
+    const AddressServices services = addressServices(common);
     Records records(common.output,
                     {{"address"}, {"valid"}, {"meaning"}, {"read at"}, {"write at"}});
     bool allValid = true;
@@ -105,7 +105,7 @@ ExitCode runSeries(const CommonOptions& common, const SeriesOptions& options)
         throw Failure(ExitCode::Usage,
                       QStringLiteral("invalid --step %1: use 1 or more, or -2 for 32-bit values")
                           .arg(options.step));
-    const AddressServices services(common);
+    const AddressServices services = addressServices(common);
     const RegisterRange first = addressIn(QString::fromStdString(options.address), services);
     QVector<QString> texts;
     QVector<int> numbers;

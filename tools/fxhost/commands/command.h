@@ -9,10 +9,10 @@
 
 #include "tools/command_help.h"
 #include "tools/failure.h"
-#include "tools/fxhost/commands/limits.h"
 #include "tools/fxhost/views/records.h"
 #include "tools/library/output_file.h"
 #include "tools/link/link_settings.h"
+#include "tools/service/limits.h"
 
 #include <functional>
 #include <memory>

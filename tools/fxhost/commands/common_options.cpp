@@ -6,8 +6,8 @@
 // them.
 
 #include "tools/fxhost/commands/command.h"
-#include "tools/fxhost/configuration.h"
 #include "tools/quoted.h"
+#include "tools/service/configuration.h"
 
 #include <QFile>
 

@@ -8,8 +8,6 @@
 
 namespace fxtools {
 
-static_assert(mostWordsPerFrame == fxMaxWriteWords);
-
 namespace {
 
 TagSource tagSourceOf(const CommonOptions& common)
@@ -19,21 +17,10 @@ TagSource tagSourceOf(const CommonOptions& common)
 
 }  // namespace
 
-AddressServices::AddressServices(const QString& libraryPath, const TagSource& tagSource,
-                                 std::optional<int> ownStation)
-    : library(libraryPath), catalogue(library, ownStation), source(tagSource)
-{}
-
-const QVector<Tag>& AddressServices::tags() const
+AddressServices addressServices(const CommonOptions& common)
 {
-    if (!m_tags)
-        m_tags = readTags(source.file, catalogue);
-    return *m_tags;
+    return {QString::fromStdString(common.library), tagSourceOf(common)};
 }
-
-AddressServices::AddressServices(const CommonOptions& common)
-    : AddressServices(QString::fromStdString(common.library), tagSourceOf(common))
-{}
 
 ConnectionSettings connectionSettings(const CommonOptions& common,
                                       const LinkSettings& linkUnlessSaid)
@@ -53,45 +40,24 @@ ConnectionSettings connectionSettings(const CommonOptions& common,
         settings.loop.timeout = TimeoutLimits::fixed(common.timeoutMs);
     if (common.reconnectS >= 0)
         settings.reconnectS = common.reconnectS;
-    settings.timestamps = common.output.timestamps;
-    return settings;
-}
-
-Connection::Connection(const ConnectionSettings& settings)
-    : m_services(settings.library, settings.tags, settings.station),
-      m_link(makeLink(settings.link)), m_keeper(*m_link.link, settings.reconnectS),
-      m_session(library(), settings.session), m_loop(m_session, *m_link.link, settings.loop)
-{
-    m_keeper.isInterrupted = settings.loop.isInterrupted;
-    m_keeper.onState = settings.onLinkState;
-    if (!m_keeper.onState) {
-        m_keeper.onState = [name = link().name(),
-                            timestamps = settings.timestamps](const QString& text) {
-            complain((timestamps ? timestamp() + "  " : QString()) + name + ": " + text);
-        };
-    }
-    m_loop.onLinkLost = [this] { return reconnect(); };
-    m_loop.onBabble = [](const QByteArray& heard) {
+    settings.onLinkState = [timestamps = common.output.timestamps](const QString& link,
+                                                                   const QString& text) {
+        complain((timestamps ? timestamp() + "  " : QString()) + link + ": " + text);
+    };
+    settings.onBabble = [](const QByteArray& heard) {
         complain("something on this line sends by itself: " +
                  quoted(QString::fromLatin1(heard).simplified()));
     };
-    m_keeper.openFirst();
+    return settings;
 }
 
-Connection::Connection(const CommonOptions& common) : Connection(connectionSettings(common))
+CommandConnection::CommandConnection(const CommonOptions& common)
+    : Connection(connectionSettings(common))
 {
-    if (m_link.control && !common.output.quiet)
-        m_loop.onFirstFrame = [] {
+    if (control() && !common.output.quiet)
+        loop().onFirstFrame = [] {
             complain("this is a simulated PLC; name a real one with --link");
         };
-}
-
-bool Connection::reconnect()
-{
-    if (!m_keeper.reopen(m_loop.statistics().total().accepted))
-        return false;
-    ++m_loop.statistics().reconnects;
-    return true;
 }
 
 ExitCode exitCodeOf(ReplyVerdict verdict)

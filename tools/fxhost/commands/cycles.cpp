@@ -33,16 +33,6 @@ void addTurnaroundOption(CLI::App& command, double& turnaroundMs, const std::str
         ->check(numberWithin(0, longestTurnaroundMs));
 }
 
-int baudOf(const LinkSettings& link)
-{
-    const auto* const serial = std::get_if<SerialSettings>(&link);
-    const auto* const simulated = std::get_if<SimulatedSettings>(&link);
-    const int baud = serial && serial->line ? serial->line->baud
-                     : simulated            ? simulated->baud.value_or(0)
-                                            : 0;
-    return baud > 0 ? baud : LineCost().baud;
-}
-
 std::optional<qint64> turnaroundUsOf(const PlanningOptions& options)
 {
     if (options.turnaroundMs < 0)

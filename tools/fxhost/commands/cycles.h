@@ -7,6 +7,7 @@
 
 #include "tools/exchange/poller.h"
 #include "tools/fxhost/commands/connection.h"
+#include "tools/service/polling_cycles.h"
 #include "tools/tags/shortest_plan.h"
 
 namespace fxtools {
@@ -19,9 +20,6 @@ struct PlanningOptions
 
 void addPlanningOptions(CLI::App& command, PlanningOptions& options);
 void addTurnaroundOption(CLI::App& command, double& turnaroundMs, const std::string& unlessGiven);
-
-// The speed of a line; the usual one where only the other end knows it.
-int baudOf(const LinkSettings& link);
 
 std::optional<qint64> turnaroundUsOf(const PlanningOptions& options);
 

@@ -148,7 +148,7 @@ QVector<RegisterRange> restorableRanges(const RegisterCatalogue& catalogue)
 
 ExitCode runDump(const CommonOptions& common, const DumpOptions& options)
 {
-    Connection connection(common);
+    CommandConnection connection(common);
     const QString path = options.file.name();
     OutputFile file(path, options.resume ? OutputFile::Mode::Append : options.file.mode(),
                     connection.catalogue());

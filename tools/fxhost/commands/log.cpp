@@ -123,7 +123,7 @@ ExitCode logUntilStopped(Connection& connection, const CommonOptions& common,
     PollOptions poll = options.poll;
     if (!options.onlyChanges)  // a row each time would be a flood
         poll.intervalMs = poll.intervalMs.value_or(usualIntervalMs);
-    Polling polling(connection, connectionSettings(common), poll, asked);
+    Polling polling = pollingOf(connection, connectionSettings(common), poll, asked);
     const auto values = [&] { return polledValues(polling.poller(), asked); };
     QStringList names;
     for (const PolledValue& value : values())
@@ -151,7 +151,7 @@ ExitCode runLog(const CommonOptions& common, const LogOptions& options)
     ExitCode code = ExitCode::Interrupted;
     try {
         fileSettings(options);  // before anything is sent
-        Connection connection(common);
+        CommandConnection connection(common);
         connection.waitForLinkWithoutEnd();
         if (options.durationMs > 0)
             interruptAfter(options.durationMs);

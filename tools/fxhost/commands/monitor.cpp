@@ -131,7 +131,7 @@ void Monitor::showLines(const Exchange& exchange, const QString& values) const
 
 ExitCode runMonitor(const CommonOptions& common, const MonitorOptions& options)
 {
-    Connection connection(common);
+    CommandConnection connection(common);
     Monitor monitor(connection, common.output);
     connection.loop().onExchange = [&monitor](const Exchange& exchange) { monitor.show(exchange); };
     PlanCycle plan(connection.loop(),

@@ -13,7 +13,6 @@ namespace fxtools {
 namespace {
 
 constexpr qint64 longestPeriodMs = 86400000;
-constexpr int mostNames = 3;
 
 struct GivenPeriod
 {
@@ -72,39 +71,7 @@ void requireAsked(const QVector<GivenPeriod>& given, const QVector<Tag>& asked)
     }
 }
 
-// "line load 134 %: D0:10 every 140 ms instead of 100 ms"
-QString textOfLoad(const LineLoad& load, const WantedPeriods& wanted)
-{
-    QStringList late;
-    for (const PeriodLoad& period : load.periods) {
-        if (period.isLate()) {
-            late += QStringLiteral("%1 every %2 ms instead of %3 ms")
-                        .arg(wanted.namesOf(period.wantedUs))
-                        .arg(period.expectedUs / 1000)
-                        .arg(period.wantedUs / 1000);
-        }
-    }
-    return QStringLiteral("line load %1 %: ").arg(std::lround(100 * load.used)) +
-           (late.isEmpty() ? QStringLiteral("all periods are kept")
-                           : late.join(QStringLiteral("; ")));
-}
-
 }  // namespace
-
-void WantedPeriods::add(const RegisterRange& registers, const QString& name, qint64 periodUs)
-{
-    ranges.append({registers, periodUs});
-    if (!names[periodUs].contains(name))
-        names[periodUs].append(name);
-}
-
-QString WantedPeriods::namesOf(qint64 periodUs) const
-{
-    const QStringList all = names.value(periodUs);
-    const QString some = all.mid(0, mostNames).join(QStringLiteral(", "));
-    const int more = all.size() - mostNames;
-    return more > 0 ? some + QStringLiteral(" and %1 more").arg(more) : some;
-}
 
 void addPeriodOption(CLI::App& command, PollOptions& options)
 {
@@ -138,81 +105,23 @@ void addPollOptions(CLI::App& command, PollOptions& options)
         ->transform(timeWithin({0, longestPeriodMs}));
 }
 
-Polling::Polling(Connection& connection, const ConnectionSettings& settings,
-                 const PollOptions& options, const QVector<Tag>& asked, const TellLoad& tellLoad)
-    : m_loop(connection.loop())
+Polling pollingOf(Connection& connection, const ConnectionSettings& settings,
+                  const PollOptions& options, const QVector<Tag>& asked,
+                  const Polling::TellLoad& tellLoad)
 {
     const QVector<GivenPeriod> given = givenPeriods(options, connection.services());
     requireAsked(given, asked);
-    m_wanted = wantedOf(asked, given, options.intervalMs);
+    const WantedPeriods wanted = wantedOf(asked, given, options.intervalMs);
     const bool areInTags = std::any_of(asked.begin(), asked.end(),
                                        [](const Tag& tag) { return tag.periodMs.has_value(); });
-    if (!options.areAlwaysPeriods && given.isEmpty() && !areInTags && m_wanted.names.size() == 1) {
-        m_intervalUs = m_wanted.names.firstKey();
-        m_plain.emplace(m_loop, connection.catalogue(), rangesOf(asked),
-                        plannerFor(m_loop, settings, options.planning));
-        return;
-    }
+    if (given.isEmpty() && !areInTags && wanted.names.size() == 1)
+        return Polling(connection.loop(), connection.catalogue(), wanted, rangesOf(asked),
+                       plannerFor(connection.loop(), settings, options.planning));
     if (options.planning.isGiven)
         throw Failure(ExitCode::Usage, "--plan given reads everything in every cycle; values with "
                                        "periods of their own need --plan shortest");
-    m_periodic.emplace(m_loop, connection.catalogue(), m_wanted.ranges, baudOf(settings.link),
-                       turnaroundUsOf(options.planning), [this, tellLoad](const LineLoad& load) {
-                           tellLoad(textOfLoad(load, m_wanted));
-                       });
-}
-
-QString Polling::loadText() const
-{
-    return textOfLoad(load(), m_wanted);
-}
-
-QStringList Polling::late() const
-{
-    QStringList names;
-    for (const PeriodLoad& period : load().periods) {
-        if (period.isLate())
-            names += m_wanted.names.value(period.wantedUs);
-    }
-    return names;
-}
-
-qint64 Polling::cycleUs() const
-{
-    if (!m_periodic)
-        return m_intervalUs;
-    const QVector<PeriodLoad>& periods = m_periodic->load().periods;
-    const auto shortest = std::min_element(periods.begin(), periods.end(),
-                                           [](const PeriodLoad& one, const PeriodLoad& other) {
-                                               return one.expectedUs < other.expectedUs;
-                                           });
-    return shortest == periods.end() ? qint64(1000) * usualIntervalMs : shortest->expectedUs;
-}
-
-// Cycles begin on a grid of times, so that what they cost does not add up.
-RoundEnd Polling::run(int cycles, const std::function<void()>& onCycle,
-                      const std::function<void(qint64 timeMs)>& wait)
-{
-    const qint64 startedUs = m_loop.elapsedUs();
-    qint64 cycleEndUs = startedUs;
-    for (int cycle = 1;;) {
-        const RoundEnd end = m_periodic ? m_periodic->poll() : m_plain->poll();
-        if (end == RoundEnd::Interrupted)
-            return end;
-        qint64 nowUs = m_loop.elapsedUs();
-        if (!m_periodic || end != RoundEnd::Done || nowUs >= cycleEndUs) {
-            onCycle();
-            if (end == RoundEnd::LinkLost)
-                return end;
-            if (cycle++ == cycles)
-                return RoundEnd::Done;
-            nowUs = m_loop.elapsedUs();
-            const qint64 lengthUs = cycleUs();
-            cycleEndUs = nowUs + (lengthUs > 0 ? lengthUs - (nowUs - startedUs) % lengthUs : 0);
-        }
-        const qint64 nextUs = m_periodic ? std::min(m_periodic->nextUs(), cycleEndUs) : cycleEndUs;
-        wait(std::max<qint64>(nextUs - nowUs + 999, 0) / 1000);
-    }
+    return Polling(connection.loop(), connection.catalogue(), wanted, baudOf(settings.link),
+                   turnaroundUsOf(options.planning), tellLoad);
 }
 
 }  // namespace fxtools

@@ -190,7 +190,7 @@ void show(const OutputOptions& output, const PlanReport& report)
 
 ExitCode runPlan(const CommonOptions& common, const PlanOptions& options)
 {
-    const AddressServices services(common);
+    const AddressServices services = addressServices(common);
     CommonOptions withoutBaud = common;
     withoutBaud.link.baud = 0;
     const ConnectionSettings settings = connectionSettings(withoutBaud);

@@ -29,7 +29,7 @@ void tellAliases(const QVector<Tag>& asked, const RegisterCatalogue& catalogue)
 
 ExitCode runRead(const CommonOptions& common, const ReadOptions& options)
 {
-    Connection connection(common);
+    CommandConnection connection(common);
     const QVector<Tag> asked = askedOf(options.addresses, connection.services(), options.style);
     tellAliases(asked, connection.catalogue());
     Poller poller(connection.loop(), connection.catalogue(), rangesOf(asked),

@@ -100,7 +100,7 @@ void load(const QVector<RegisterRun>& runs, std::vector<quint16>& memory)
 ExitCode runDownload(const CommonOptions& common, const DownloadOptions& options)
 {
     demandNamedLink(common);
-    Connection connection(common);
+    CommandConnection connection(common);
     const QVector<RegisterRun> runs =
         writableRegistersOf(QString::fromStdString(options.file), connection, options.force).runs;
     QVector<RegisterRange> entries;
@@ -145,7 +145,7 @@ QVector<RegisterRun> runsOf(const QVector<RegisterRange>& entries,
 ExitCode runUpload(const CommonOptions& common, const UploadOptions& options)
 {
     demandNamedLink(common);
-    Connection connection(common);
+    CommandConnection connection(common);
     OutputFile file(options.file.name(), options.file.mode(), connection.catalogue());
     const QVector<RegisterRange> entries =
         cutToFrames(rangesOf(options.addresses, connection.services()),

@@ -24,7 +24,7 @@ struct RecordOptions
 
 ExitCode runRecord(const CommonOptions& common, const RecordOptions& options)
 {
-    Connection connection(common);
+    CommandConnection connection(common);
     OutputFile file(options.file.name(), options.file.mode(), connection.catalogue());
     const QVector<RegisterRange> ranges = rangesOf(options.addresses, connection.services());
     QStringList addresses;
@@ -96,7 +96,7 @@ QVector<RegisterRange> recordedRanges(const AddressServices& services, const Rec
 ExitCode runReplay(const CommonOptions& common, const std::string& file)
 {
     const QString path = QString::fromStdString(file);
-    const AddressServices services(common);
+    const AddressServices services = addressServices(common);
     const Recording recording = readRecording(path);
     DriverSession session(services.library, {recording.failLimit, recording.wordsPerFrame});
     session.setPlan(recordedRanges(services, recording, path));

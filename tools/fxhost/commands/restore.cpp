@@ -17,7 +17,7 @@ namespace {
 
 ExitCode runCompare(const CommonOptions& common, const std::string& file)
 {
-    Connection connection(common);
+    CommandConnection connection(common);
     const QString path = QString::fromStdString(file);
     const Comparison comparison = compareWithPlc(connection, registersOf(path, connection).runs,
                                                  lateProgressOf(common.output, "compare"));
@@ -157,7 +157,7 @@ ExitCode writeChanges(Connection& connection, const CommonOptions& common,
 ExitCode runRestore(const CommonOptions& common, const RestoreOptions& options)
 {
     demandNamedLink(common);
-    Connection connection(common);
+    CommandConnection connection(common);
     const RegisterFile file = checkedFile(options, connection);
     const Comparison comparison =
         compareWithPlc(connection, file.runs, lateProgressOf(common.output, "reading"));

@@ -143,11 +143,11 @@ ExitCode pollAtPeriods(Connection& connection, Polling& polling, int cycles,
 
 ExitCode runStats(const CommonOptions& common, const StatsOptions& options)
 {
-    Connection connection(common);
+    CommandConnection connection(common);
     ExchangeLoop& loop = connection.loop();
     const QVector<Tag> asked = askedOf(options.addresses, connection.services());
     const ConnectionSettings settings = connectionSettings(common);
-    Polling polling(connection, settings, options.poll, asked);
+    Polling polling = pollingOf(connection, settings, options.poll, asked);
     const QVector<RegisterRange> inCycles =
         polling.isPeriodic() ? QVector<RegisterRange>() : rangesOf(asked);
     QVector<BlockTimes> blocks;

@@ -36,7 +36,7 @@ int showRemarks(const QVector<TagRemark>& remarks, const OutputOptions& output)
 
 ExitCode checkTagFile(const CommonOptions& common, const TagsOptions& options)
 {
-    const AddressServices services(common);
+    const AddressServices services = addressServices(common);
     const QString path = QString::fromStdString(options.from);
     const TagFile file = readTagFile(path, services.catalogue);
     QVector<TagRemark> remarks = file.remarks + checkTags(file.tags, services.catalogue);
@@ -73,7 +73,7 @@ bool hasErrors(const QVector<TagRemark>& remarks)
 
 ExitCode importTagFile(const CommonOptions& common, const TagsOptions& options)
 {
-    const AddressServices services(common);
+    const AddressServices services = addressServices(common);
     const TagFile file =
         importTags(QString::fromStdString(options.from),
                    foreignFormNamed(QString::fromStdString(options.form)), services.catalogue);
@@ -83,7 +83,7 @@ ExitCode importTagFile(const CommonOptions& common, const TagsOptions& options)
 
 ExitCode exportTagFile(const CommonOptions& common, const TagsOptions& options)
 {
-    const AddressServices services(common);
+    const AddressServices services = addressServices(common);
     const QVector<Tag> tags = readTags(QString::fromStdString(options.from), services.catalogue);
     const ExportedTags exported = exportTags(
         tags, *foreignFormNamed(QString::fromStdString(options.form)), services.catalogue);

@@ -166,13 +166,13 @@ ExitCode LiveWatch::run(const CommonOptions& common)
 {
     ConnectionSettings settings = connectionSettings(common);
     settings.loop.isInterrupted = [this] { return tick(); };
-    settings.onLinkState = [this](const QString& state) { showLinkState(state); };
+    settings.onLinkState = [this](const QString&, const QString& state) { showLinkState(state); };
     Connection connection(settings);
     connection.waitForLinkWithoutEnd();
     m_asked = askedOf(m_options.addresses, connection.services(), m_options.style);
     m_connection = &connection;
-    Polling polling(connection, settings, m_options.poll, m_asked,
-                    [this](const QString& text) { m_load = ", " + text; });
+    Polling polling = pollingOf(connection, settings, m_options.poll, m_asked,
+                                [this](const QString& text) { m_load = ", " + text; });
     m_poller = &polling.poller();
     qint64 startedUs = connection.loop().elapsedUs();
     const RoundEnd end = polling.run(
@@ -290,10 +290,10 @@ ExitCode runWatch(const CommonOptions& common, const WatchOptions& options)
         Console().isTerminal() && !options.log && common.output.mode == OutputMode::People;
     if (isLive)
         return LiveWatch(common, options).run(common);
-    Connection connection(common);
+    CommandConnection connection(common);
     connection.waitForLinkWithoutEnd();
     const QVector<Tag> asked = askedOf(options.addresses, connection.services(), options.style);
-    Polling polling(connection, connectionSettings(common), options.poll, asked);
+    Polling polling = pollingOf(connection, connectionSettings(common), options.poll, asked);
     Watcher watcher(options, common.output, asked);
     const RoundEnd end = polling.run(options.once ? 1 : options.cycles,
                                      [&] { watcher.show(polledValues(polling.poller(), asked)); });

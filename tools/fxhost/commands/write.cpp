@@ -218,7 +218,7 @@ ExitCode Writer::finish()
 ExitCode runWrite(const CommonOptions& common, const WriteOptions& options)
 {
     demandNamedLink(common);
-    Connection connection(common);
+    CommandConnection connection(common);
     // All of them are checked before the first one is sent.
     const QVector<TagWrite> assignments = writesOf(options, connection.services());
     const bool hasTags =

@@ -3,7 +3,6 @@
 
 #include "tools/fxhost/serving/serve_protocol.h"
 
-#include "tools/fxhost/serving/served_tags.h"
 #include "tools/fxhost/views/json_text.h"
 #include "tools/quoted.h"
 #include "tools/tags/tag_file.h"
@@ -18,6 +17,7 @@ namespace fxtools {
 namespace {
 
 constexpr int protocolVersion = 1;
+constexpr int mostBytesInEvent = 32768;
 
 [[noreturn]] void reject(const QString& text)
 {
@@ -78,6 +78,34 @@ QByteArray tagObject(const Tag& tag)
     return jsonObject(members);
 }
 
+const char* textOf(LinkState link)
+{
+    switch (link) {
+    case LinkState::Opening:
+        return "opening";
+    case LinkState::Up:
+        return "up";
+    case LinkState::Down:
+        break;
+    }
+    return "down";
+}
+
+const char* textOf(WriteAnswer::Outcome outcome)
+{
+    switch (outcome) {
+    case WriteAnswer::Outcome::Done:
+        return "done";
+    case WriteAnswer::Outcome::Refused:
+        return "refused";
+    case WriteAnswer::Outcome::Failed:
+        return "failed";
+    case WriteAnswer::Outcome::Unknown:
+        break;
+    }
+    return "unknown";
+}
+
 double milliseconds(double ms)
 {
     return std::round(10 * ms) / 10;
@@ -135,9 +163,10 @@ QByteArray helloEvent(const QString& version, LinkSettings link, const QVector<T
                        {QStringLiteral("tags"), jsonArray(objects)}});
 }
 
-QByteArray stateEvent(const QString& link, const QString& reason)
+QByteArray stateEvent(LinkState link, const QString& reason)
 {
-    QVector<JsonMember> members = {member("event", QStringLiteral("state")), member("link", link)};
+    QVector<JsonMember> members = {member("event", QStringLiteral("state")),
+                                   member("link", QLatin1String(textOf(link)))};
     addText(members, "reason", reason);
     return jsonObject(members);
 }
@@ -169,47 +198,46 @@ QByteArray aliveEvent(const Statistics& statistics, const Liveliness& report)
     return jsonObject(members);
 }
 
-WriteAnswer refusal(const QString& reason)
+// All of a line that is good was read at one time, which is that of the line.
+QByteArray nextValuesEvent(ServedTags& tags, const Moment& now)
 {
-    return {"refused", reason, QJsonValue::Null, QJsonValue::Null};
-}
-
-// The acknowledge may be lost on the way: then the value that is read back counts.
-WriteAnswer answerOf(const Tag& tag, const CheckedWrite& write)
-{
-    const auto held = [&tag](const QVector<quint32>& registers) {
-        return registers.isEmpty() ? QJsonValue() : servedValue(tag, registers);
+    QVector<JsonMember> good;
+    QVector<JsonMember> stale;
+    QVector<JsonMember> bad;
+    std::optional<qint64> utc;
+    int bytes = 0;
+    for (const ServedTags::Change& change : tags.changes(now)) {
+        const TagState& state = change.state;
+        const Tag& tag = tags.tag(change.index);
+        const bool isGood = state.quality == Quality::Good;
+        if (bytes >= mostBytesInEvent || (isGood && utc && *utc != state.readUtc))
+            continue;  // in the next line
+        if (isGood)
+            utc = state.readUtc;
+        const QByteArray value =
+            jsonText(isGood ? servedValue(tag, state.registers) : QJsonValue(state.reason));
+        (isGood ? good : state.quality == Quality::Stale ? stale : bad).append({tag.name, value});
+        bytes += tag.name.size() + value.size();
+        tags.noteTold(change);
+    }
+    if (good.isEmpty() && stale.isEmpty() && bad.isEmpty())
+        return {};
+    QVector<JsonMember> members = {member("event", QStringLiteral("values")),
+                                   {QStringLiteral("time"), jsonText(utc.value_or(now.utc))}};
+    const auto add = [&members](const char* name, const QVector<JsonMember>& values) {
+        if (!values.isEmpty())
+            members.append({QLatin1String(name), jsonObject(values)});
     };
-    WriteAnswer answer = refusal({});
-    answer.before = held(write.before);
-    answer.after = held(write.after);
-    if (!write.outcome) {
-        answer.reason = "not sent: could not be read before: " + verdictText(*write.problem);
-        return answer;
-    }
-    const WriteOutcome& outcome = *write.outcome;
-    if (outcome.acknowledged.isEmpty() && outcome.uncertain.isEmpty()) {
-        answer.reason = verdictText(*outcome.problem);
-        return answer;
-    }
-    if (write.isThere()) {
-        answer.outcome = "done";
-        if (!outcome.isGood())
-            answer.reason = "read back, but not acknowledged: " + verdictText(*outcome.problem);
-        return answer;
-    }
-    const bool isKnown = !write.after.isEmpty();
-    answer.outcome = isKnown ? "failed" : "unknown";
-    answer.reason = outcome.problem ? verdictText(*outcome.problem)
-                    : isKnown ? QStringLiteral("acknowledged, but read back with another value")
-                              : "could not be read back: " + verdictText(*write.problem);
-    return answer;
+    add("good", good);
+    add("stale", stale);
+    add("bad", bad);
+    return jsonObject(members);
 }
 
-QByteArray writtenEvent(const ServeOrder& order, const WriteAnswer& answer)
+QByteArray writtenEvent(const QString& id, const QString& tag, const WriteAnswer& answer)
 {
-    return jsonObject({member("event", QStringLiteral("written")), member("id", order.id),
-                       member("tag", order.tag), member("outcome", QLatin1String(answer.outcome)),
+    return jsonObject({member("event", QStringLiteral("written")), member("id", id),
+                       member("tag", tag), member("outcome", QLatin1String(textOf(answer.outcome))),
                        member("old", answer.before), member("new", answer.after),
                        member("reason", answer.reason)});
 }

@@ -5,10 +5,8 @@
 
 #pragma once
 
-#include "tools/exchange/checked_write.h"
-#include "tools/exchange/statistics.h"
 #include "tools/link/link_settings.h"
-#include "tools/tags/tag.h"
+#include "tools/service/tag_service.h"
 
 namespace fxtools {
 
@@ -35,7 +33,7 @@ ServeOrder parseOrder(const QByteArray& line);
 QString writtenText(const Tag& tag, const QJsonValue& value);
 
 QByteArray helloEvent(const QString& version, LinkSettings link, const QVector<Tag>& tags);
-QByteArray stateEvent(const QString& link, const QString& reason);
+QByteArray stateEvent(LinkState link, const QString& reason);
 QByteArray mistakeEvent(int line, const QString& text);
 
 struct Liveliness
@@ -47,17 +45,10 @@ struct Liveliness
 
 QByteArray aliveEvent(const Statistics& statistics, const Liveliness& report);
 
-// What became of a write.
-struct WriteAnswer
-{
-    const char* outcome;  // done, refused, failed or unknown
-    QString reason;       // unless it is done
-    QJsonValue before;    // null: not known
-    QJsonValue after;
-};
+// A line with what has changed since it was told, or with as much of it as one line takes; empty if
+// nothing has. What it holds counts as told.
+QByteArray nextValuesEvent(ServedTags& tags, const Moment& now);
 
-WriteAnswer refusal(const QString& reason);
-WriteAnswer answerOf(const Tag& tag, const CheckedWrite& write);
-QByteArray writtenEvent(const ServeOrder& order, const WriteAnswer& answer);
+QByteArray writtenEvent(const QString& id, const QString& tag, const WriteAnswer& answer);
 
 }  // namespace fxtools

@@ -4,7 +4,7 @@
 // What is told of tags, at times that are given.
 
 #include "tests/tools/support/loaded_driver.h"
-#include "tools/fxhost/serving/served_tags.h"
+#include "tools/fxhost/serving/serve_protocol.h"
 
 #include <gtest/gtest.h>
 
@@ -54,7 +54,7 @@ protected:
             momentOf(ms));
     }
 
-    std::string told(qint64 ms) { return served->nextEvent(momentOf(ms)).toStdString(); }
+    std::string told(qint64 ms) { return nextValuesEvent(*served, momentOf(ms)).toStdString(); }
 
     std::optional<ServedTags> served;
 };
@@ -162,8 +162,8 @@ TEST(ManyTags, AreToldInLinesOfBoundedLength)
     ServedTags served(tags, 32, momentOf(0));
     int lines = 0;
     int told = 0;
-    for (QByteArray line = served.nextEvent(momentOf(2000)); !line.isEmpty();
-         line = served.nextEvent(momentOf(2000))) {
+    for (QByteArray line = nextValuesEvent(served, momentOf(2000)); !line.isEmpty();
+         line = nextValuesEvent(served, momentOf(2000))) {
         ++lines;
         told += line.count("not read yet");
         EXPECT_LT(line.size(), 65536);

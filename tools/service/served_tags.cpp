@@ -1,10 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 
-#include "tools/fxhost/serving/served_tags.h"
+#include "tools/service/served_tags.h"
 
 #include "tools/exchange/blocks.h"
-#include "tools/fxhost/views/json_text.h"
 #include "tools/tags/shortest_plan.h"
 
 #include <algorithm>
@@ -54,12 +53,13 @@ void ServedTags::Served::take(const QVector<quint32>& values)
     isValid = !tag.isNumber() || isNumber(servedValue(tag, registers));
 }
 
-const Tag* ServedTags::find(const QString& name) const
+int ServedTags::find(const QString& name) const
 {
-    const auto found = std::find_if(m_tags.begin(), m_tags.end(), [&name](const Served& served) {
-        return served.tag.name == name;
-    });
-    return found == m_tags.end() ? nullptr : &found->tag;
+    for (int index = 0; index < m_tags.size(); ++index) {
+        if (tag(index).name == name)
+            return index;
+    }
+    return -1;
 }
 
 void ServedTags::setPeriods(const LineLoad& load)
@@ -73,25 +73,31 @@ void ServedTags::setPeriods(const LineLoad& load)
     }
 }
 
-void ServedTags::noteRead(const RegisterRange& block, const ValuesOf& valuesOf, const Moment& now)
+QVector<int> ServedTags::noteRead(const RegisterRange& block, const ValuesOf& valuesOf,
+                                  const Moment& now)
 {
-    for (Served& served : m_tags) {
+    QVector<int> whole;
+    for (int index = 0; index < m_tags.size(); ++index) {
+        Served& served = m_tags[index];
         const RegisterRange& range = served.tag.asked.range;
         if (!overlap(range, block) || (!served.isInParts && !isInside(range, block)))
             continue;
         served.isTouched = false;
         served.readUtc = now.utc;
-        if (!served.isInParts) {
+        if (served.isInParts) {
+            const int from = std::max(block.first - range.first, 0);
+            const int to = std::min(block.first + block.count - range.first, range.count);
+            const QVector<quint32> part = valuesOf(range.part(from, to - from));
+            std::copy(part.begin(), part.end(), served.registers.begin() + from);
+            std::fill(served.readUs.begin() + from, served.readUs.begin() + to, now.us);
+        } else {
             served.take(valuesOf(range));
             served.readUs[0] = now.us;
-            continue;
         }
-        const int from = std::max(block.first - range.first, 0);
-        const int to = std::min(block.first + block.count - range.first, range.count);
-        const QVector<quint32> part = valuesOf(range.part(from, to - from));
-        std::copy(part.begin(), part.end(), served.registers.begin() + from);
-        std::fill(served.readUs.begin() + from, served.readUs.begin() + to, now.us);
+        if (served.oldestUs() >= 0)
+            whole.append(index);
     }
+    return whole;
 }
 
 void ServedTags::noteFailure(const RegisterRange& block)
@@ -132,60 +138,33 @@ void ServedTags::tellAgain()
         served.told = {};
 }
 
-ServedTags::State ServedTags::stateOf(const Served& served, const Moment& now) const
+TagState ServedTags::stateOf(int index, const Moment& now) const
 {
+    const Served& served = m_tags[index];
     const qint64 readUs = served.oldestUs();
     if (served.problemUs >= 0 && served.problemUs >= readUs)
-        return {Quality::Bad, served.problem, {}};
+        return {Quality::Bad, served.problem, {}, served.readUtc};
     if (readUs < 0 && now.us - m_startUs <= leastAgeUs)
         return {};
     if (readUs < 0)
-        return {Quality::Stale, QStringLiteral("not read yet"), {}};
+        return {Quality::Stale, QStringLiteral("not read yet"), {}, served.readUtc};
     if (now.us - readUs > std::max(leastAgeUs, periodsUntilStale * served.periodUs))
-        return {Quality::Stale, QStringLiteral("not read for 3 periods"), {}};
+        return {Quality::Stale, QStringLiteral("not read for 3 periods"), {}, served.readUtc};
     if (!served.isValid)
-        return {Quality::Bad, QStringLiteral("its registers do not hold a number"), {}};
-    return {Quality::Good, {}, served.registers};
+        return {
+            Quality::Bad, QStringLiteral("its registers do not hold a number"), {}, served.readUtc};
+    return {Quality::Good, {}, served.registers, served.readUtc};
 }
 
-// All of a line that is good was read at one time, which is that of the line.
-QByteArray ServedTags::nextEvent(const Moment& now)
+QVector<ServedTags::Change> ServedTags::changes(const Moment& now) const
 {
-    QVector<JsonMember> good;
-    QVector<JsonMember> stale;
-    QVector<JsonMember> bad;
-    std::optional<qint64> utc;
-    int bytes = 0;
-    for (Served& served : m_tags) {
-        const State state = stateOf(served, now);
-        if (state == served.told || bytes >= mostBytesInEvent)
-            continue;
-        const bool isGood = state.quality == Quality::Good;
-        if (isGood && utc && *utc != served.readUtc)
-            continue;  // in the next line
-        if (isGood)
-            utc = served.readUtc;
-        const QByteArray value =
-            jsonText(isGood ? servedValue(served.tag, served.registers) : QJsonValue(state.reason));
-        (isGood                            ? good
-         : state.quality == Quality::Stale ? stale
-                                           : bad)
-            .append({served.tag.name, value});
-        bytes += served.tag.name.size() + value.size();
-        served.told = state;
+    QVector<Change> changes;
+    for (int index = 0; index < m_tags.size(); ++index) {
+        const TagState state = stateOf(index, now);
+        if (!state.isSame(m_tags[index].told))
+            changes.append({index, state});
     }
-    if (good.isEmpty() && stale.isEmpty() && bad.isEmpty())
-        return {};
-    QVector<JsonMember> members = {{QStringLiteral("event"), jsonText(QStringLiteral("values"))},
-                                   {QStringLiteral("time"), jsonText(utc.value_or(now.utc))}};
-    const auto add = [&members](const char* name, const QVector<JsonMember>& values) {
-        if (!values.isEmpty())
-            members.append({QLatin1String(name), jsonObject(values)});
-    };
-    add("good", good);
-    add("stale", stale);
-    add("bad", bad);
-    return jsonObject(members);
+    return changes;
 }
 
 }  // namespace fxtools

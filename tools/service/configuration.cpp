@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 
-#include "tools/fxhost/configuration.h"
+#include "tools/service/configuration.h"
 
-#include "tools/fxhost/commands/limits.h"
 #include "tools/quoted.h"
+#include "tools/service/limits.h"
 #include "tools/toml_text.h"
 
 #include <QDir>

@@ -1,0 +1,122 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// Keeps the tags of one PLC fresh, each at its period, and writes them: for programs that run on,
+// such as fxhost serve and the operator window.
+//
+// Everything runs in the thread that calls run(), and all that is called back is called there. A
+// write waits until nothing is in flight; what cannot be sent soon is refused.
+
+#pragma once
+
+#include "tools/exchange/checked_write.h"
+#include "tools/service/connection.h"
+#include "tools/service/polling_cycles.h"
+#include "tools/service/served_tags.h"
+
+#include <QElapsedTimer>
+#include <QQueue>
+
+namespace fxtools {
+
+enum class LinkState
+{
+    Opening,
+    Up,  // the PLC answers
+    Down,
+};
+
+// What became of a write.
+struct WriteAnswer
+{
+    enum class Outcome
+    {
+        Done,     // acknowledged, and read back
+        Refused,  // nothing has changed
+        Failed,   // the PLC holds something else
+        Unknown,  // could not be read back
+    };
+
+    Outcome outcome = Outcome::Refused;
+    QString reason;     // unless it is simply done
+    QJsonValue before;  // null: not known
+    QJsonValue after;
+};
+
+WriteAnswer refusal(const QString& reason);
+WriteAnswer answerOf(const Tag& tag, const CheckedWrite& write);
+
+class TagService
+{
+public:
+    // Called wherever something is awaited, at least every tenth of a second, also while a lost
+    // link is. Returns whether to end.
+    std::function<bool()> onTick;
+
+    // Called between two exchanges, when it is known what is wrong with what was not read.
+    std::function<void()> onPause;
+
+    // Waits until there may be something to do, at most so long.
+    std::function<void(qint64 timeMs)> wait;
+
+    std::function<void()> onLinkChanged;
+    std::function<void(const Exchange&)> onExchange;
+    std::function<void(const QVector<int>& tags)> onRead;
+    std::function<void(const QString& id, int tag, const WriteAnswer&)> onWritten;
+
+    TagService(const ConnectionSettings& settings, const QVector<Tag>& tags);
+    TagService(const TagService&) = delete;
+    TagService& operator=(const TagService&) = delete;
+
+    // Opens the link and polls until it is to end, or the link is lost for good. Throws Failure.
+    RoundEnd run();
+
+    // Each is answered once, by onWritten.
+    void write(const QString& id, int tag, const Assignment& assignment);
+    bool isWriting() const { return m_isWriting; }
+    bool areWritesWaiting() const { return !m_writes.isEmpty(); }
+
+    ServedTags& tags() { return m_tags; }
+    LinkState link() const { return m_link; }
+    const QString& reason() const { return m_reason; }  // why it is not up
+    Moment now() const;
+
+    Connection* connection() { return m_connection; }     // null: not open yet
+    const Polling* polling() const { return m_polling; }  // the same
+    qint64 cycleUs() const { return m_cycleUs; }          // that the last one took
+
+private:
+    struct WaitingWrite
+    {
+        QString id;
+        int tag;
+        Assignment assignment;
+        qint64 sinceUs;
+    };
+
+    bool tick();
+    void pause(qint64 timeMs);
+    void refuseWrites();
+    void refuseAll(const QString& reason);
+    void write(const WaitingWrite& waiting);
+    void noteExchange(const Exchange& exchange);
+    void noteRead(const RegisterRange& block, const ServedTags::ValuesOf& valuesOf);
+    void noteLinkState(const QString& text);
+    void setLink(LinkState link, const QString& reason);
+
+    ConnectionSettings m_settings;
+    QElapsedTimer m_clock;
+    WantedPeriods m_wanted;
+    ServedTags m_tags;
+    Connection* m_connection = nullptr;
+    Polling* m_polling = nullptr;
+    LinkState m_link = LinkState::Opening;
+    QString m_reason;
+    int m_badInARow = 0;
+    QQueue<WaitingWrite> m_writes;
+    bool m_isWriting = false;
+    qint64 m_cycleBeganUs = 0;
+    qint64 m_cycleUs = 0;
+};
+
+}  // namespace fxtools
