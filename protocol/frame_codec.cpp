@@ -67,13 +67,13 @@ qint64 offset(const RegisterType& type, int addressIndex)
 }
 
 // Byte address of a register; an unknown type counts as words from address 0.
-qint64 byteAddress(const RegisterType* type, int base, int addressIndex)
+qint64 byteAddress(const RegisterType* type, int RegisterType::*base, int addressIndex)
 {
     if (type == nullptr)
         return static_cast<qint64>(bytesPerWord) * addressIndex;
     if (isBit(*type))
-        return base + offset(*type, addressIndex) / bitsPerByte;
-    return base + valueBytes(*type) * offset(*type, addressIndex);
+        return type->*base + offset(*type, addressIndex) / bitsPerByte;
+    return type->*base + valueBytes(*type) * offset(*type, addressIndex);
 }
 
 qint64 bytesRead(const RegisterType* type, int count)
@@ -84,11 +84,11 @@ qint64 bytesRead(const RegisterType* type, int count)
 void buildRead(const VARIABLE& request, FRAME_PRO& frame)
 {
     const RegisterType* type = findRegisterType(request.registerType);
-    const int base = type == nullptr ? 0 : type->readBase;
     const qint64 byteCount = bytesRead(type, request.count);
 
     FrameWriter writer(frame.frame, readCommand);
-    writer.putWord(static_cast<unsigned int>(byteAddress(type, base, request.addressIndex)));
+    writer.putWord(static_cast<unsigned int>(
+        byteAddress(type, &RegisterType::readBase, request.addressIndex)));
     writer.putByte(static_cast<unsigned int>(byteCount));
     writer.finish();
 
@@ -102,11 +102,11 @@ void buildRead(const VARIABLE& request, FRAME_PRO& frame)
 void buildWordWrite(const VARIABLE& request, FRAME_PRO& frame)
 {
     const RegisterType* type = findRegisterType(request.registerType);
-    const int base = type == nullptr ? 0 : type->writeBase;
     const int byteCount = bytesPerWord * qBound(0, request.count, fxMaxWriteWords);
 
     FrameWriter writer(frame.frame, wordWriteCommand);
-    writer.putWord(static_cast<unsigned int>(byteAddress(type, base, request.addressIndex)));
+    writer.putWord(static_cast<unsigned int>(
+        byteAddress(type, &RegisterType::writeBase, request.addressIndex)));
     writer.putByte(static_cast<unsigned int>(byteCount));
     for (int i = 0; i < byteCount; ++i)
         writer.putByte(request.data[i]);

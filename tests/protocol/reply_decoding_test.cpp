@@ -3,7 +3,10 @@
 //
 // How the data characters of a good reply become cached values, and whom that tells.
 
+#include "protocol/reply_decoding.h"
 #include "tests/support/driver_fixture.h"
+
+#include <limits>
 
 namespace {
 class ReplyDecoding : public DriverTest
@@ -194,5 +197,14 @@ TEST_F(ReplyDecoding, StationsAreStoredApart)
     reply("<STX>ABCD<ETX>0D");
     EXPECT_EQ("1#D0 2#D0", textOf(driver.dataAreas));
     EXPECT_EQ(0xAB, area("D", 0, 2).valueBuffer0[0]);
+}
+
+TEST_F(ReplyDecoding, TakesNoMoreThanAllCountersThatAPlcCanHave)
+{
+    FRAME_PRO frame;
+    frame.replyDataChars = std::numeric_limits<int>::max();
+    EXPECT_EQ(2 * 4 * 65536, dataChars(frame));
+    frame.replyDataChars = -1;
+    EXPECT_EQ(0, dataChars(frame));
 }
 }  // namespace
