@@ -6,6 +6,7 @@
 
 import bisect
 import collections
+import hashlib
 import pathlib
 import re
 import sys
@@ -13,6 +14,7 @@ import sys
 FOLDERS = ("driver", "address", "cache", "plan", "protocol", "tools/link", "tools/library",
            "tools/exchange", "tools/tags", "tools/fxsim/line", "tools/fxsim/plc")
 BY_HAND = "tests/mutation/by_hand.txt"
+NO_EFFECT = "tests/mutation/no_effect.txt"
 MUTANTS_A_FILE = 1000  # numbers of one file's mutants do not move those of another's
 
 # What is no code, a constant expression, or declares no value.
@@ -38,8 +40,9 @@ PREFIXES = ((re.compile(r"(?<![\w)\]+])\+\+(?=[\w(*])"), "++ -> --", "mutants::S
 CONSTANT = re.compile(r"^(?: *static |inline )?constexpr (?:unsigned |signed )?"
                       r"(?:int|char|double|size_t|std::size_t|qint64|quint32|Cost) (\w+) = ", re.M)
 
-# number: as the environment variable gives it.
-Mutant = collections.namedtuple("Mutant", "number name text")
+# number: as the environment variable gives it; key: for what is kept about the mutant until its file
+# is changed; text: the line, with a mark before the place.
+Mutant = collections.namedtuple("Mutant", "name number key text")
 # What becomes of the text from start to end, for a mutant of a line; nested is smaller for what
 # must stand more to the left at one place. at_run_time: for what may be a constant expression.
 Edit = collections.namedtuple("Edit", "start nested end new line at_run_time")
@@ -74,6 +77,7 @@ class Source:
     def __init__(self, path, first_number):
         self.path, self.number = path, first_number
         self.text = path.read_text()
+        self.digest = hashlib.sha256(self.text.encode()).hexdigest()[:8]
         self.code = blanked(self.text)
         self.starts = [0] + [match.end() for match in re.finditer("\n", self.text)]
         self.mutants, self.edits = [], []
@@ -88,8 +92,10 @@ class Source:
 
     def add(self, at, change):
         line = self.line(at)
-        name = f"{self.path}:{line}:{at - self.starts[line - 1] + 1}: {change}"
-        self.mutants.append(Mutant(self.number, name, self.text.split("\n")[line - 1].strip()))
+        start = self.starts[line - 1]
+        name = f"{self.path}:{line}:{at - start + 1}: {change}"
+        marked = self.text[start:at] + "»" + self.text[at:].split("\n")[0]
+        self.mutants.append(Mutant(name, self.number, f"{self.digest} {name}", marked.strip()))
         self.number += 1
         return self.number - 1
 
@@ -200,3 +206,18 @@ def find_hand_made(sources):
         around = ((f"if (mutants::on({number})) {{ {short} }} else {{ ", " }") if old[-1] in ";}" else
                   (f"(mutants::on({number}) ? {short} : ", ")"))
         source.put_around(start, start + len(old), *around, inner=0.5)
+
+
+def no_effects(sources):
+    """The mutants that are listed as without effect."""
+    found = set()
+    for line in pathlib.Path(NO_EFFECT).read_text().split("\n\n", 1)[1].split("\n"):
+        name, _, piece = line.strip().partition(": ")
+        if not line.startswith("    "):
+            continue
+        same = {mutant for mutant in sources[name].mutants
+                if piece in (mutant.text if "»" in piece else mutant.text.replace("»", ""))}
+        if not same:
+            sys.exit(f"{NO_EFFECT}: {name} has no mutant like this:\n{piece}")
+        found |= same
+    return found
