@@ -60,6 +60,14 @@ TEST(RequestQueue, EqualEntryBehindTheHeadIsReplacedInPlace)
     EXPECT_EQ(0xEE, queue.at(1).data[1023]);
 }
 
+TEST(RequestQueue, EqualLastEntryIsReplacedInPlace)
+{
+    QList<VARIABLE> queue = queueOf(3);
+    enqueueRequest(queue, tagged(request("D", 2, 1), 7));
+    EXPECT_EQ("1#D0/1 1#D1/1 1#D2/1", textOf(queue));
+    EXPECT_EQ(7, queue.at(2).tag);
+}
+
 TEST(RequestQueue, NewestOfSeveralEqualEntriesIsReplaced)
 {
     QList<VARIABLE> queue = queueOf(2);
