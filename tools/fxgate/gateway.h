@@ -36,6 +36,7 @@ public:
     ~Gateway() override;
 
     void start();
+    void tick();  // is done several times a second while Qt's event loop runs
     void stop();  // ends the workers, then leaves the bus
 
     // Takes a changed configuration over and touches only what it changes; one with mistakes
@@ -54,7 +55,6 @@ private:
     using Links = std::map<QString, std::unique_ptr<LinkSupervisor>>;
     using Buses = std::map<FormKind, std::shared_ptr<Bus>>;
 
-    void tick();
     void addLink(const QString& name);
     void endLinks(const QVector<LinkSupervisor*>& links) const;
     QStringList changeLinks(const Configuration& old);
