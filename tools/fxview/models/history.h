@@ -25,7 +25,7 @@ namespace fxview {
 constexpr qint64 finestBucketMs = 100;
 constexpr int bucketGrowth = 4;
 constexpr int historyLevels = 9;  // the buckets of the last one: 1 h 49 min
-constexpr qint64 historyMs = 24 * 60 * 60 * qint64(1000);
+constexpr qint64 historyMs = qint64(24) * 60 * 60 * 1000;
 
 struct Extent
 {

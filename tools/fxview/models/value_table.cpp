@@ -107,7 +107,7 @@ QString ValueTable::stateText(int tag) const
     const QString quality = qualityText(m_book.qualityAt(tag, m_nowMs));
     const QString reason = m_book.reasonAt(tag, m_nowMs);
     const QString alarm = m_book.alarm(tag, m_nowMs);
-    const QString text = reason.isEmpty() ? quality : quality + ": " + reason;
+    QString text = reason.isEmpty() ? quality : quality + ": " + reason;
     if (alarm.isEmpty())
         return text;
     return (alarm == QLatin1String("low") ? tr("ALARM low") : tr("ALARM high")) +
@@ -194,13 +194,15 @@ void ValueTable::sort(int column, Qt::SortOrder order)
     reorder();
 }
 
-// As people sort names: T2 before T10.
+// As people sort names: pump2 before pump10. Without a column, as in the tag file.
 void ValueTable::order()
 {
     m_orderedMs = m_nowMs;
-    if (m_sortColumn < 0)
+    if (m_sortColumn < 0) {
+        std::sort(m_rows.begin(), m_rows.end());
         return;
-    QCollator collator(QLocale(QLocale::English));  // the plain locale counts no numbers
+    }
+    QCollator collator(QLocale{QLocale::English});  // the plain locale counts no numbers
     collator.setNumericMode(true);
     collator.setCaseSensitivity(Qt::CaseInsensitive);
     std::vector<SortKey> keys;

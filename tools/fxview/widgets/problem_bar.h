@@ -1,0 +1,44 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// One bar for what is wrong and what to do about it; hidden while nothing is. The gravest comes
+// first, the others are counted.
+
+#pragma once
+
+#include <QFrame>
+#include <QLabel>
+#include <QMap>
+#include <QPushButton>
+
+namespace fxview {
+
+// The gravest first.
+enum class Problem
+{
+    LinkLost,
+    DiskFull,
+    TagFile,
+    Command,
+};
+
+class ProblemBar : public QFrame
+{
+    Q_OBJECT
+
+public:
+    explicit ProblemBar(QWidget* parent = nullptr);
+
+    void set(Problem problem, const QString& text);
+    void clear(Problem problem);
+
+private:
+    void refresh();
+
+    QMap<Problem, QString> m_texts;
+    QLabel* m_sign;
+    QLabel* m_text;
+    QPushButton* m_close;  // of what does not pass by itself
+};
+
+}  // namespace fxview
