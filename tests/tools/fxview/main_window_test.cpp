@@ -1,0 +1,75 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// The window as a whole: what it says of the link, and that it lives on while nothing comes.
+
+#include "tests/tools/fxview/window_support.h"
+
+#include <QAbstractButton>
+#include <QAccessible>
+
+using namespace fxview;
+using namespace view_tests;
+
+using MainWindowInFrontOfAPlc = Window;
+
+TEST_F(MainWindowInFrontOfAPlc, SaysWhichPlcItShows)
+{
+    EXPECT_EQ(window.windowTitle(), "press1 – fxview");
+    plc.simulated = true;
+    const MainWindow other(plc, [] { return view_tests::nowMs; });
+    EXPECT_EQ(other.windowTitle(), "press1 (a simulated PLC) – fxview");
+}
+
+TEST_F(MainWindowInFrontOfAPlc, HasOneBarForALostLink)
+{
+    auto* bar = window.findChild<QWidget*>("problemBar");
+    EXPECT_FALSE(bar->isVisible());
+    emit plc.linkChanged(false, "no answer for 3 s");
+    EXPECT_TRUE(bar->isVisible());
+    EXPECT_EQ(
+        texts("problemBar").toStdString(),
+        "press1 does not answer: no answer for 3 s. Check the cable and the power of the PLC; "
+        "the window goes on trying.");
+    EXPECT_FALSE(button("Close"));
+    emit plc.benchRefused("faults x", "unknown fault");
+    EXPECT_TRUE(texts("problemBar").endsWith("(and 1 more)"));
+    emit plc.linkChanged(true, {});
+    EXPECT_EQ(texts("problemBar").toStdString(), "'faults x': unknown fault");
+    button("Close")->click();
+    EXPECT_FALSE(bar->isVisible());
+}
+
+TEST_F(MainWindowInFrontOfAPlc, CountsAgesWhileNothingComes)
+{
+    emit plc.readings({good(0, 71.5)});
+    passMs(0);
+    const QAbstractItemModel* model = find<QTableView>("Values")->model();
+    EXPECT_EQ(model->index(0, ValueTable::Age).data(), "0.0 s");
+    passMs(30000);
+    EXPECT_EQ(model->index(0, ValueTable::Age).data(), "30 s");
+    EXPECT_EQ(model->index(0, ValueTable::State).data(), "stale: no newer reading");
+}
+
+TEST_F(MainWindowInFrontOfAPlc, ShowsTimesByItself)
+{
+    nowMs += 5000;
+    emit plc.readings({good(0, 71.5)});
+    const QAbstractItemModel* model = find<QTableView>("Values")->model();
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return model->index(0, ValueTable::Value).data() == "71.5 °C"; }));
+}
+
+// For screen readers.
+TEST_F(MainWindowInFrontOfAPlc, HasNamesForAllControls)
+{
+    for (QWidget* widget : window.findChildren<QWidget*>()) {
+        const bool isInner = widget->objectName().startsWith("qt_");
+        if (widget->focusPolicy() == Qt::NoFocus || isInner)
+            continue;
+        QAccessibleInterface* shown = QAccessible::queryAccessibleInterface(widget);
+        ASSERT_TRUE(shown);
+        EXPECT_FALSE(shown->text(QAccessible::Name).isEmpty())
+            << widget->metaObject()->className() << ' ' << widget->objectName().toStdString();
+    }
+}

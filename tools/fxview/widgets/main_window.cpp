@@ -1,0 +1,100 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+
+#include "tools/fxview/widgets/main_window.h"
+
+#include "tools/fxview/widgets/theme.h"
+
+#include <QStatusBar>
+#include <QTimer>
+#include <QVBoxLayout>
+
+namespace fxview {
+
+namespace {
+
+constexpr int refreshMs = 200;
+
+}  // namespace
+
+MainWindow::MainWindow(PlcSource& source, const Clock& clock)
+    : m_source(source), m_clock(clock), m_values(source.tags()), m_problems(new ProblemBar),
+      m_pages(new QTabWidget), m_valuesPage(new ValuesPage(m_values)), m_linkSign(new QLabel),
+      m_linkText(new QLabel), m_lineText(new QLabel)
+{
+    setWindowTitle(source.isSimulated() ? tr("%1 (a simulated PLC) – fxview").arg(source.name())
+                                        : tr("%1 – fxview").arg(source.name()));
+    layOut();
+    listen();
+    auto* timer = new QTimer(this);
+    connect(timer, &QTimer::timeout, this, &MainWindow::showMoment);
+    timer->start(refreshMs);
+    showMoment();
+}
+
+void MainWindow::layOut()
+{
+    auto* centre = new QWidget;
+    auto* rows = new QVBoxLayout(centre);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->addWidget(m_problems);
+    rows->addWidget(m_pages, 1);
+    setCentralWidget(centre);
+    m_pages->setDocumentMode(true);
+    m_pages->setAccessibleName(tr("Pages"));
+    m_pages->addTab(m_valuesPage, tr("&Values"));
+    statusBar()->addWidget(m_linkSign);
+    statusBar()->addWidget(m_linkText, 1);
+    statusBar()->addPermanentWidget(m_lineText);
+    resize(1024, 600);
+    m_linkText->setTextFormat(Qt::PlainText);
+    m_linkText->setText(tr("Connecting…"));
+}
+
+void MainWindow::listen()
+{
+    connect(&m_source, &PlcSource::readings, this, &MainWindow::take);
+    connect(&m_source, &PlcSource::linkChanged, this, &MainWindow::showLink);
+    connect(&m_source, &PlcSource::lineReport, this,
+            [this](const LineReport& report) { m_lineText->setText(report.load); });
+    connect(&m_source, &PlcSource::benchRefused, this,
+            [this](const QString& command, const QString& reason) {
+                m_problems->set(Problem::Command, tr("'%1': %2").arg(command, reason));
+            });
+    WriteBar& writeBar = m_valuesPage->writeBar();
+    connect(&writeBar, &WriteBar::writeConfirmed, &m_source, &PlcSource::write);
+    connect(&m_source, &PlcSource::written, &writeBar, &WriteBar::take);
+}
+
+void MainWindow::take(const QVector<Reading>& readings)
+{
+    for (const Reading& reading : readings)
+        m_values.take(reading);
+}
+
+void MainWindow::showLink(bool isUp, const QString& reason)
+{
+    const int size = fontMetrics().height();
+    const Quality quality = isUp ? Quality::Good : Quality::Bad;
+    m_linkSign->setPixmap(signPixmap(signOf(quality), colourOf(meaningOf(quality), palette()), size,
+                                     devicePixelRatioF()));
+    m_linkText->setText(isUp ? tr("%1 answers").arg(m_source.name())
+                             : tr("%1 does not answer").arg(m_source.name()));
+    m_valuesPage->writeBar().setLinkUp(isUp);
+    if (isUp)
+        m_problems->clear(Problem::LinkLost);
+    else
+        m_problems->set(Problem::LinkLost,
+                        tr("%1 does not answer: %2. Check the cable and the power of the PLC; "
+                           "the window goes on trying.")
+                            .arg(m_source.name(), reason));
+}
+
+void MainWindow::showMoment()
+{
+    const qint64 nowMs = m_clock();
+    if (m_valuesPage->isVisibleTo(m_pages))
+        m_valuesPage->showMoment(nowMs);
+}
+
+}  // namespace fxview

@@ -1,0 +1,50 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// The window: what is wrong, the pages, the state of the link. Every reading goes into the books as
+// it comes; what is shown of them is brought up to date a few times a second, so that a busy line
+// costs no more than a quiet one, and that ages count up on a silent one.
+
+#pragma once
+
+#include "tools/fxview/widgets/problem_bar.h"
+#include "tools/fxview/widgets/values_page.h"
+
+#include <QMainWindow>
+#include <QTabWidget>
+
+#include <functional>
+
+namespace fxview {
+
+using Clock = std::function<qint64()>;  // UTC, in milliseconds since 1970
+
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    // The source outlives the window.
+    MainWindow(PlcSource& source, const Clock& clock);
+
+    void showMoment();
+    ProblemBar& problems() { return *m_problems; }
+
+private:
+    void layOut();
+    void listen();
+    void take(const QVector<Reading>& readings);
+    void showLink(bool isUp, const QString& reason);
+
+    PlcSource& m_source;
+    Clock m_clock;
+    ValueBook m_values;
+    ProblemBar* m_problems;
+    QTabWidget* m_pages;
+    ValuesPage* m_valuesPage;
+    QLabel* m_linkSign;
+    QLabel* m_linkText;
+    QLabel* m_lineText;
+};
+
+}  // namespace fxview
