@@ -144,7 +144,12 @@ TEST_F(ValuesPageInWindow, WritesNothingWhileThePlcIsSilent)
     emit plc.linkChanged(false, "no answer");
     EXPECT_FALSE(button("Write…")->isEnabled());
     emit plc.linkChanged(true, {});
-    EXPECT_TRUE(button("Write…")->isEnabled());
+    button("Write…")->click();
+    emit plc.linkChanged(false, "no answer");
+    EXPECT_FALSE(button("Yes, write")->isEnabled());
+    EXPECT_LE(window.minimumSizeHint().width(), 1024);
+    emit plc.linkChanged(true, {});
+    EXPECT_TRUE(button("Yes, write")->isEnabled());
 }
 
 TEST_F(ValuesPageInWindow, IsUsedByKeyboard)

@@ -73,10 +73,12 @@ void ValueDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     style->drawPrimitive(QStyle::PE_PanelItemViewItem, &shown, painter, option.widget);
     if (sign != Sign::None) {
         const int size = shown.fontMetrics.height();
-        const QRectF left(shown.rect.left() + size / 4.0, shown.rect.top(), size,
-                          shown.rect.height());
-        paintSign(*painter, left, sign, colour);
-        shown.rect.setLeft(static_cast<int>(left.right()));
+        const bool isLamp = index.column() == ValueTable::Value;  // beside its word, to the right
+        const int left =
+            isLamp ? shown.rect.right() - 2 * size - shown.fontMetrics.horizontalAdvance(shown.text)
+                   : shown.rect.left() + size / 4;
+        paintSign(*painter, QRect(left, shown.rect.top(), size, shown.rect.height()), sign, colour);
+        shown.rect.setLeft(left + size);
     }
     style->drawControl(QStyle::CE_ItemViewItem, &shown, painter, option.widget);
     if (index.column() == ValueTable::Trend)

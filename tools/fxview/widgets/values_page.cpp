@@ -54,7 +54,7 @@ void ValuesPage::setUpTable()
     header.setHighlightSections(false);
     m_view->setSortingEnabled(true);
     const int letter = fontMetrics().averageCharWidth();
-    const std::array<int, ValueTable::columns> letters = {26, 18, 22, 10, 34, 10};
+    const std::array<int, ValueTable::columns> letters = {22, 18, 18, 9, 34, 10};
     for (int column = 0; column < ValueTable::columns; ++column)
         header.resizeSection(column, letters[static_cast<size_t>(column)] * letter);
     header.setSectionResizeMode(ValueTable::State, QHeaderView::Stretch);

@@ -83,13 +83,13 @@ void WriteBar::layOut()
     m_field->setAccessibleName(tr("New value"));
     m_field->setPlaceholderText(tr("new value"));
     m_field->setMaxLength(200);
-    m_said->setWordWrap(true);
-    m_said->setTextFormat(Qt::PlainText);
-    m_now->setTextFormat(Qt::PlainText);
-    m_limits->setTextFormat(Qt::PlainText);
+    for (QLabel* label : {m_now, m_limits, m_said}) {
+        label->setWordWrap(true);
+        label->setTextFormat(Qt::PlainText);
+    }
     auto* rows = new QVBoxLayout(this);
     auto* top = new QHBoxLayout;
-    top->addWidget(m_now);
+    top->addWidget(m_now, 2);
     top->addWidget(m_field, 1);
     for (QPushButton* button : {m_off, m_on, m_write})
         top->addWidget(button);
@@ -165,7 +165,7 @@ void WriteBar::ask()
 
 void WriteBar::confirm()
 {
-    if (m_step != Step::Asking)
+    if (m_step != Step::Asking || !objection().isEmpty())
         return;
     m_step = Step::Waiting;
     ++m_lastId;
@@ -220,6 +220,7 @@ void WriteBar::showStep()
     m_write->setEnabled(isEditing && !newText().isEmpty() && objection.isEmpty());
     m_off->setEnabled(isEditing && objection.isEmpty());
     m_on->setEnabled(isEditing && objection.isEmpty());
+    m_yes->setEnabled(objection.isEmpty());
     m_yes->setVisible(m_step == Step::Asking);
     m_no->setVisible(!isEditing);
     m_no->setText(m_step == Step::Waiting ? tr("Do not &wait") : tr("&No"));
