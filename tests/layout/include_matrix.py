@@ -41,7 +41,7 @@ ALLOWED = {
                      "tools/fxhost/*", *SIMULATED_PLC],
     "tools/fxgate": [*COMMON, "tools/link/*", "tools/library/*", "tools/tags/*", "tools/fxgate/*"],
     "tools/fxview": [*COMMON, "driver/intf.h", "tools/link/*", "tools/library/*",
-                     "tools/exchange/*", "tools/tags/*", "tools/fxview/*"],
+                     "tools/exchange/*", "tools/tags/*", "tools/service/*", "tools/fxview/*"],
     "tools/fxsim": ["tools/fxsim/*"],
 }
 
