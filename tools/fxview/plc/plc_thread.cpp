@@ -1,0 +1,293 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+
+#include "tools/fxview/plc/plc_thread.h"
+
+#include <QMutexLocker>
+#include <QTimer>
+
+namespace fxview {
+
+namespace {
+
+using fxtools::Failure;
+
+constexpr qint64 betweenNewsMs = 16;
+constexpr qint64 betweenChangesMs = 100;
+constexpr qint64 betweenReportsMs = 1000;
+constexpr int mostExchanges = 1000;
+
+Quality qualityOf(fxtools::Quality quality)
+{
+    switch (quality) {
+    case fxtools::Quality::Good:
+        return Quality::Good;
+    case fxtools::Quality::Unknown:
+    case fxtools::Quality::Stale:
+        return Quality::Stale;
+    case fxtools::Quality::Bad:
+        break;
+    }
+    return Quality::Bad;
+}
+
+WriteResult::Outcome outcomeOf(fxtools::WriteAnswer::Outcome outcome)
+{
+    using Outcome = fxtools::WriteAnswer::Outcome;
+    switch (outcome) {
+    case Outcome::Done:
+        return WriteResult::Outcome::Done;
+    case Outcome::Refused:
+        return WriteResult::Outcome::Refused;
+    case Outcome::Failed:
+        return WriteResult::Outcome::Failed;
+    case Outcome::Unknown:
+        break;
+    }
+    return WriteResult::Outcome::Unknown;
+}
+
+}  // namespace
+
+PlcThread::PlcThread(const fxtools::ConnectionSettings& settings, const QString& name,
+                     std::unique_ptr<fxtools::AddressServices> services,
+                     const QVector<fxtools::Tag>& tags)
+    : m_settings(settings), m_name(name), m_tags(tags), m_services(std::move(services))
+{
+    m_clock.start();
+}
+
+PlcThread::~PlcThread()
+{
+    if (!m_thread)
+        return;
+    {
+        const QMutexLocker locker(&m_mutex);
+        m_mustEnd = true;
+        m_hasOrders.wakeAll();
+    }
+    m_thread->wait();
+}
+
+void PlcThread::start()
+{
+    m_thread.reset(QThread::create([this] { run(); }));
+    m_thread->start();
+}
+
+bool PlcThread::isSimulated() const
+{
+    return std::holds_alternative<fxtools::SimulatedSettings>(m_settings.link);
+}
+
+void PlcThread::write(int id, int tag, const QString& text)
+{
+    order({id, tag, text});
+}
+
+void PlcThread::benchCommand(const QString& command)
+{
+    order({std::nullopt, 0, command});
+}
+
+void PlcThread::order(const Order& order)
+{
+    const QMutexLocker locker(&m_mutex);
+    m_orders.append(order);
+    m_hasOrders.wakeAll();
+}
+
+void PlcThread::run()
+{
+    m_service = std::make_unique<fxtools::TagService>(m_settings, m_tags);
+    m_service->onTick = [this] { return tick(); };
+    m_service->onPause = [this] { noteChanges(); };
+    m_service->wait = [this](qint64 timeMs) { wait(timeMs); };
+    m_service->onRead = [this](const QVector<int>& tags) { noteReadings(tags); };
+    m_service->onLinkChanged = [this] {
+        const QPair<bool, QString> link = {m_service->link() == fxtools::LinkState::Up,
+                                           m_service->reason()};
+        tell([&link](News& news) { news.link = link; });
+    };
+    m_service->onExchange = [this](const fxtools::Exchange& exchange) {
+        tell([&exchange](News& news) {
+            if (news.exchanges.size() >= mostExchanges)
+                news.exchanges.removeFirst();
+            news.exchanges.append(exchange);
+        });
+    };
+    m_service->onWritten = [this](const QString& id, int tag, const fxtools::WriteAnswer& answer) {
+        noteResult(id.toInt(), tag, answer);
+    };
+    QString reason = QStringLiteral("the link was lost");
+    try {
+        m_service->run();
+    } catch (const Failure& failure) {
+        reason = failure.text();
+    }
+    tell([&reason](News& news) { news.link = {false, reason}; });
+    m_service.reset();
+}
+
+bool PlcThread::tick()
+{
+    QVector<Order> orders;
+    bool mustEnd = false;
+    {
+        const QMutexLocker locker(&m_mutex);
+        orders.swap(m_orders);
+        mustEnd = m_mustEnd;
+    }
+    for (const Order& order : qAsConst(orders))
+        obey(order);
+    if (m_clock.elapsed() - m_changesMs >= betweenChangesMs)
+        noteChanges();
+    return mustEnd && !m_service->isWriting();
+}
+
+void PlcThread::obey(const Order& order)
+{
+    try {
+        if (order.id) {
+            const fxtools::Assignment assignment =
+                fxtools::assignmentOf(m_tags.at(order.tag), order.text, m_services->catalogue);
+            fxtools::requireOwnMemory(assignment.asked.range, m_services->catalogue);
+            m_service->write(QString::number(*order.id), order.tag, assignment);
+            return;
+        }
+        fxtools::Connection* const connection = m_service->connection();
+        if (connection == nullptr || connection->control() == nullptr)
+            throw Failure(fxtools::ExitCode::Usage,
+                          QStringLiteral("only a simulated PLC takes commands"));
+        connection->control()->run(order.text);
+    } catch (const Failure& failure) {
+        if (order.id)
+            noteResult(*order.id, order.tag, fxtools::refusal(failure.text()));
+        else
+            tell([&](News& news) { news.refusals.append({order.text, failure.text()}); });
+    }
+}
+
+void PlcThread::wait(qint64 timeMs)
+{
+    const QMutexLocker locker(&m_mutex);
+    if (m_orders.isEmpty() && !m_mustEnd)
+        m_hasOrders.wait(&m_mutex, static_cast<unsigned long>(timeMs));
+}
+
+Reading PlcThread::readingOf(int tag, const fxtools::TagState& state) const
+{
+    Reading reading;
+    reading.tag = tag;
+    reading.quality = qualityOf(state.quality);
+    reading.reason = state.reason;
+    reading.timeMs = state.readUtc;
+    if (reading.quality == Quality::Good) {
+        reading.raw = m_tags[tag].rawOf(state.registers);
+        reading.value = fxtools::servedValue(m_tags[tag], state.registers);
+    }
+    return reading;
+}
+
+void PlcThread::noteReadings(const QVector<int>& tags)
+{
+    const fxtools::Moment now = m_service->now();
+    QVector<Reading> readings;
+    for (const int tag : tags) {
+        const fxtools::TagState state = m_service->tags().stateOf(tag, now);
+        m_service->tags().noteTold({tag, state});
+        readings.append(readingOf(tag, state));
+    }
+    tell([&readings](News& news) { news.readings += readings; });
+}
+
+// What became old, was refused or was lost with the link.
+void PlcThread::noteChanges()
+{
+    m_changesMs = m_clock.elapsed();
+    const fxtools::Moment now = m_service->now();
+    QVector<Reading> readings;
+    for (const fxtools::ServedTags::Change& change : m_service->tags().changes(now)) {
+        m_service->tags().noteTold(change);
+        readings.append(readingOf(change.index, change.state));
+        readings.last().timeMs = now.utc;
+    }
+    if (!readings.isEmpty())
+        tell([&readings](News& news) { news.readings += readings; });
+    if (m_service->polling() != nullptr && m_changesMs - m_reportMs >= betweenReportsMs)
+        noteReport();
+}
+
+void PlcThread::noteReport()
+{
+    m_reportMs = m_changesMs;
+    const LineReport line = report();
+    tell([&line](News& news) { news.report = line; });
+}
+
+LineReport PlcThread::report()
+{
+    LineReport report;
+    fxtools::Connection& connection = *m_service->connection();
+    report.statistics = connection.loop().statistics();
+    const QString load = m_service->polling()->loadText();  // "line load 153 %: a; b"
+    report.load = load.section(QStringLiteral(": "), 0, 0);
+    report.late = m_service->polling()->late();
+    QVector<fxtools::RegisterRange> ranges;
+    for (const fxtools::Tag& tag : m_tags)
+        ranges.append(tag.asked.range);
+    const fxtools::LineCost line = fxtools::measuredLine(fxtools::acceptedUse(report.statistics),
+                                                         fxtools::baudOf(m_settings.link));
+    for (const fxtools::PlannedBlock& block :
+         fxtools::shortestPlan(ranges, m_settings.session.wordsPerFrame, line))
+        report.blocks.append(
+            {block, fxtools::milliseconds(fxtools::exchangeCost(line, block.bytes()), line)});
+    return report;
+}
+
+void PlcThread::noteResult(int id, int tag, const fxtools::WriteAnswer& answer)
+{
+    const WriteResult result = {
+        id, tag, outcomeOf(answer.outcome), answer.before, answer.after, answer.reason};
+    tell([&result](News& news) { news.results.append(result); });
+}
+
+// The window is told once that there is something, and takes all there is then.
+void PlcThread::tell(const std::function<void(News&)>& add)
+{
+    const QMutexLocker locker(&m_mutex);
+    add(m_news);
+    if (!std::exchange(m_isNewsAnnounced, true))
+        QMetaObject::invokeMethod(
+            this, [this] { giveNews(); }, Qt::QueuedConnection);
+}
+
+void PlcThread::giveNews()
+{
+    const qint64 leftMs = m_given.isValid() ? betweenNewsMs - m_given.elapsed() : 0;
+    if (leftMs > 0) {
+        QTimer::singleShot(static_cast<int>(leftMs), this, [this] { giveNews(); });
+        return;
+    }
+    m_given.start();
+    News news;
+    {
+        const QMutexLocker locker(&m_mutex);
+        std::swap(news, m_news);
+        m_isNewsAnnounced = false;
+    }
+    if (!news.readings.isEmpty())
+        emit readings(news.readings);
+    if (news.link)
+        emit linkChanged(news.link->first, news.link->second);
+    if (!news.exchanges.isEmpty())
+        emit exchanges(news.exchanges);
+    if (news.report)
+        emit lineReport(*news.report);
+    for (const WriteResult& result : qAsConst(news.results))
+        emit written(result);
+    for (const auto& [command, reason] : qAsConst(news.refusals))
+        emit benchRefused(command, reason);
+}
+
+}  // namespace fxview
