@@ -17,6 +17,8 @@ namespace fxtools {
 
 namespace {
 
+constexpr qint64 receiverUs = 1000;  // for which a port collects characters
+
 // A simulated PLC inside this process, with the sample program running in it, so that every
 // example works without hardware. Nothing but bytes passes between it and the rest of the host.
 class SimLink : public Link, public BenchControl
@@ -60,11 +62,15 @@ public:
     }
 
 private:
+    // Characters come together, as from the receiver of a port, but the last of a reply on time.
     void waitForBytes(qint64 untilUs) const
     {
+        const qint64 nowUs = m_clock.nowUs();
         const qint64 dueUs = m_session->nextDueUs();
-        const qint64 wakeUs = dueUs == fxsim::nothingDue ? untilUs : std::min(dueUs, untilUs);
-        const qint64 waitUs = wakeUs - m_clock.nowUs();
+        const qint64 togetherUs = std::min(nowUs + receiverUs, m_session->queuedUntilUs());
+        const qint64 wakeUs =
+            dueUs == fxsim::nothingDue ? untilUs : std::min(std::max(dueUs, togetherUs), untilUs);
+        const qint64 waitUs = wakeUs - nowUs;
         if (waitUs > 0)
             QThread::usleep(static_cast<unsigned long>(waitUs));
     }

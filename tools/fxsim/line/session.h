@@ -26,6 +26,7 @@ public:
     void receive(const QByteArray& bytes, qint64 nowUs);
     QByteArray takeDue(qint64 nowUs);
     qint64 nextDueUs() const { return m_line.nextDueUs(); }
+    qint64 queuedUntilUs() const { return m_line.queuedUntilUs(); }
 
     // Set when a fault closed the link: for how many milliseconds. Asking clears it.
     std::optional<int> takeLinkDrop();
