@@ -98,6 +98,7 @@ Server::Server(const CommonOptions& common, const ServeOptions& options)
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     m_service.onTick = [this] { return tick(); };
     m_service.onPause = [this] { tell(); };
+    m_service.onRead = [this](const QVector<int>&) { tell(); };  // before the cycle ends
     m_service.wait = [this](qint64 timeMs) { m_channel.wait(timeMs); };
     m_service.onLinkChanged = [this] { m_stateIsTold = false; };
     m_service.onWritten = [this](const QString& id, int tag, const WriteAnswer& answer) {
