@@ -9,11 +9,14 @@
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 
+#include <utility>
+
 namespace fxgate {
 
 namespace {
 
 constexpr int tickMs = 250;
+constexpr qint64 betweenStartsMs = 10;
 constexpr int endMs = 1000;  // for the workers, to end what is in flight
 
 const char* nameOf(FormKind kind)
@@ -57,8 +60,10 @@ void Gateway::start()
     for (const QString& name : m_configuration.links.keys())
         addLink(name);
     startBuses();
+    // All at once would be slow together, and later read, and wait for each other, at one time.
+    qint64 afterMs = 0;
     for (const auto& [name, link] : m_links)
-        link->start();
+        link->start(std::exchange(afterMs, afterMs + betweenStartsMs));
     m_tick.start(tickMs);
 }
 

@@ -72,6 +72,7 @@ protected:
             },
             environment, [this](const QString& line) { logged += line; });
         gateway->start();
+        now.steadyMs += 100;  // until the links have started
     }
 
     QJsonObject link(int index) const

@@ -37,10 +37,12 @@ LinkSupervisor::LinkSupervisor(const QString& name, const ServedLink& link, cons
     plant[name] = view;
 }
 
-void LinkSupervisor::start()
+void LinkSupervisor::start(qint64 afterMs)
 {
     m_tickMs = m_environment.now().steadyMs;
-    startWorker();
+    m_restartMs = m_tickMs + afterMs;
+    if (afterMs == 0)
+        startWorker();
 }
 
 void LinkSupervisor::startWorker()
@@ -172,7 +174,7 @@ void LinkSupervisor::tick()
     if (m_worker && m_whyEnded.isEmpty())
         judgeSilence(steadyMs);
     else if (!m_worker && !m_isStopping && steadyMs >= m_restartMs) {
-        ++m_report.restarts;
+        m_report.restarts += m_startedMs == 0 ? 0 : 1;
         startWorker();
     }
 }

@@ -44,8 +44,8 @@ public:
     std::function<void(const QString& reason)> onWorkerLost;
     std::function<void(const QString& text)> onLog;
 
-    void start();
-    void tick();  // several times a second
+    void start(qint64 afterMs = 0);  // in a tick, unless at once
+    void tick();                     // several times a second
     void send(const QByteArray& line);
     void tellAllAgain();
 
@@ -84,7 +84,7 @@ private:
     bool m_hasTags = false;
     bool m_isSilent = false;
     bool m_isStopping = false;
-    qint64 m_startedMs = 0;  // of the worker; all of these are steady
+    qint64 m_startedMs = 0;  // of the worker, 0: never; all of these are steady
     qint64 m_heardMs = 0;    // when it said something last
     qint64 m_tickMs = 0;
     qint64 m_restartMs = 0;

@@ -24,7 +24,7 @@ protected:
         environment.now = [this] { return now; };
     }
 
-    void start(const QByteArray& script)
+    void start(const QByteArray& script, qint64 afterMs = 0)
     {
         ServedLink served;
         served.link = "sim:";
@@ -42,7 +42,7 @@ protected:
         link->onWritten = [this](const WrittenLine& line) { written += line.id; };
         link->onWorkerLost = [this](const QString& reason) { lost += reason; };
         link->onLog = [this](const QString& line) { logged += line; };
-        link->start();
+        link->start(afterMs);
     }
 
     void pass(qint64 timeMs)
@@ -63,6 +63,16 @@ protected:
 };
 
 }  // namespace
+
+TEST_F(LinkSupervisorTest, StartsItsWorkerLater)
+{
+    start("hello; up; serve", 1000);
+    pass(500);
+    EXPECT_EQ(link->report().workerPid, 0);
+    pass(500);
+    EXPECT_NE(link->report().workerPid, 0);
+    EXPECT_EQ(link->report().restarts, 0);
+}
 
 TEST_F(LinkSupervisorTest, TellsWhatItsWorkerTells)
 {
