@@ -3,8 +3,9 @@
 
 #include "tools/fxgate/bus/plain_form.h"
 
+#include "tools/fxgate/bus/flat_json.h"
+
 #include <QDateTime>
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -14,7 +15,6 @@ namespace fxgate {
 
 namespace {
 
-constexpr int mostWriteBytes = 4096;  // a text register holds less
 constexpr int mostIdCharacters = 128;
 const QString stateTopic = QStringLiteral("state");  // of a link, where a tag of this name would be
 
@@ -223,15 +223,14 @@ Messages PlainForm::history(const QVector<StoredChange>& changes, qint64 /*nowMs
 
 PlainWrite plainWrite(const QByteArray& payload)
 {
-    if (payload.size() > mostWriteBytes)
-        return {{}, {}, {}, QStringLiteral("longer than %1 bytes").arg(mostWriteBytes)};
-    // A value alone is no document; in brackets it is one.
-    const QJsonArray values = QJsonDocument::fromJson('[' + payload + ']').array();
-    if (values.size() != 1)
+    if (payload.size() > mostJsonBytes)
+        return {{}, {}, {}, QStringLiteral("longer than %1 bytes").arg(mostJsonBytes)};
+    const std::optional<QJsonValue> json = flatJson(payload);
+    if (!json)
         return {{}, {}, {}, QStringLiteral("not JSON; use for example {\"v\":12.5}")};
-    const QJsonObject object = values[0].toObject();
+    const QJsonObject object = json->toObject();
     PlainWrite write;
-    write.value = values[0].isObject() ? object[QStringLiteral("v")] : values[0];
+    write.value = json->isObject() ? object[QStringLiteral("v")] : *json;
     write.id = object[QStringLiteral("id")].toVariant().toString();
     const QJsonValue time = object[QStringLiteral("t")];
     write.sentMs = timeOf(time);

@@ -3,7 +3,8 @@
 
 #include "tools/fxgate/bus/sparkplug_form.h"
 
-#include <QJsonDocument>
+#include "tools/fxgate/bus/flat_json.h"
+
 #include <QJsonObject>
 
 #include <algorithm>
@@ -331,7 +332,7 @@ Received SparkplugForm::received(const Message& message, qint64 nowMs)
 // A state with an earlier time than the last one is a late will: it says nothing of now.
 Received SparkplugForm::hostState(const QByteArray& payload, qint64 nowMs)
 {
-    const QJsonObject state = QJsonDocument::fromJson(payload).object();
+    const QJsonObject state = flatJson(payload).value_or(QJsonValue()).toObject();
     const QJsonValue online = state[QStringLiteral("online")];
     const double timeMs = state[QStringLiteral("timestamp")].toDouble(-1);
     if (!online.isBool() || !(timeMs >= 0 && timeMs < latestMs))
