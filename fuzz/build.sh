@@ -24,7 +24,7 @@ CFLAGS=${CFLAGS-$instrument} CXXFLAGS=${CXXFLAGS-$instrument} \
     -DFX_FUZZING_ENGINE="${LIB_FUZZING_ENGINE:--fsanitize=fuzzer}" -DFX_FAST_BUILD=ON \
     -DCMAKE_BUILD_RPATH="\$ORIGIN/lib" -DCMAKE_BUILD_RPATH_USE_ORIGIN=ON
 
-targets="reply property address merge session exchange line files texts"
+targets="reply property address merge session exchange line files texts bus worker"
 for target in $targets; do
     cmake --build "$work" --target "fuzz_$target"
     cp "$work/bin/fuzz_$target" "$out"
@@ -37,6 +37,8 @@ done
 cmake --build "$work" --target mitsubishi_fx1s
 cp "$work/libmitsubishi_fx1s.so.0" "$out"
 
-# Qt and what it loads; the C and C++ libraries are there wherever targets run.
-ldd "$out/fuzz_files" | awk '$2 == "=>" && $3 ~ /lib(Qt|icu|pcre|double|zstd|glib)/ { print $3 }' |
-    xargs -r cp -L -t "$out/lib"
+# Qt, what the gateway links, and what these load; the C and C++ libraries are there wherever
+# targets run.
+ldd "$out/fuzz_files" "$out/fuzz_bus" |
+    awk '$2 == "=>" && $3 !~ /\/(ld-linux.*|lib(c|m|dl|rt|pthread|gcc_s|stdc\+\+))\.so/ { print $3 }' |
+    sort -u | xargs -r cp -L -t "$out/lib"

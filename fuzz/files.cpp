@@ -9,7 +9,6 @@
 
 #include "fuzz/support/tool_catalogue.h"
 #include "tools/exchange/recording.h"
-#include "tools/fxsim/plc/error.h"
 #include "tools/fxsim/plc/memory_image.h"
 #include "tools/fxsim/plc/script_program.h"
 #include "tools/library/register_file.h"
@@ -109,19 +108,6 @@ void readAs(int kind, const QByteArray& content)
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t byteCount)
 {
-    if (byteCount == 0)
-        return 0;
-    std::string answer = "read";
-    try {
-        readAs(bytes[0] % 7, QByteArray(reinterpret_cast<const char*>(bytes) + 1,
-                                        static_cast<int>(byteCount) - 1));
-    } catch (const Failure& failure) {
-        answer = failure.what();
-    } catch (const fxsim::Error& error) {
-        answer = error.what();
-    }
-    require(!answer.empty(), "an error without a text");
-    if (showAnswer)
-        showAnswer(answer);
+    readOneOf(7, readAs, bytes, byteCount);
     return 0;
 }

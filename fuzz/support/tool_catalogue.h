@@ -2,12 +2,14 @@
 // SPDX-License-Identifier: MIT
 //
 // For targets that run what reads texts and files: the register types as the tools know them, from
-// the library beside or above the target's folder, and reading what was written.
+// the library beside or above the target's folder, reading one of several kinds, and reading what
+// was written.
 
 #ifndef FUZZ_SUPPORT_TOOL_CATALOGUE_H
 #define FUZZ_SUPPORT_TOOL_CATALOGUE_H
 
 #include "fuzz/support/fuzz_target.h"
+#include "tools/fxsim/plc/error.h"
 #include "tools/library/registers.h"
 
 #include <QCoreApplication>
@@ -28,6 +30,27 @@ inline const fxtools::RegisterCatalogue& catalogue()
         require(failure.what());
         std::abort();
     }
+}
+
+// The first byte chooses the kind of the rest. What cannot be read is an error of the tools or of
+// the simulator, with a text.
+template <typename ReadAs>
+void readOneOf(int kinds, const ReadAs& readAs, const std::uint8_t* bytes, std::size_t byteCount)
+{
+    if (byteCount == 0)
+        return;
+    std::string answer = "read";
+    try {
+        readAs(bytes[0] % kinds, QByteArray(reinterpret_cast<const char*>(bytes) + 1,
+                                            static_cast<int>(byteCount) - 1));
+    } catch (const fxtools::Failure& failure) {
+        answer = failure.what();
+    } catch (const fxsim::Error& error) {
+        answer = error.what();
+    }
+    require(!answer.empty(), "an error without a text");
+    if (showAnswer)
+        showAnswer(answer);
 }
 
 // What was written by the program itself must be readable.
