@@ -19,13 +19,15 @@ constexpr int refreshMs = 200;
 
 MainWindow::MainWindow(PlcSource& source, const Clock& clock)
     : m_source(source), m_clock(clock), m_values(source.tags()), m_problems(new ProblemBar),
-      m_pages(new QTabWidget), m_valuesPage(new ValuesPage(m_values)), m_linkSign(new QLabel),
-      m_linkText(new QLabel), m_lineText(new QLabel)
+      m_pages(new QTabWidget), m_valuesPage(new ValuesPage(m_values)),
+      m_trendPage(new TrendPage(m_values)), m_linkSign(new QLabel), m_linkText(new QLabel),
+      m_lineText(new QLabel)
 {
     setWindowTitle(source.isSimulated() ? tr("%1 (a simulated PLC) – fxview").arg(source.name())
                                         : tr("%1 – fxview").arg(source.name()));
     layOut();
     listen();
+    connect(m_pages, &QTabWidget::currentChanged, this, &MainWindow::showMoment);
     auto* timer = new QTimer(this);
     connect(timer, &QTimer::timeout, this, &MainWindow::showMoment);
     timer->start(refreshMs);
@@ -43,6 +45,7 @@ void MainWindow::layOut()
     m_pages->setDocumentMode(true);
     m_pages->setAccessibleName(tr("Pages"));
     m_pages->addTab(m_valuesPage, tr("&Values"));
+    m_pages->addTab(m_trendPage, tr("&Trends"));
     statusBar()->addWidget(m_linkSign);
     statusBar()->addWidget(m_linkText, 1);
     statusBar()->addPermanentWidget(m_lineText);
@@ -61,6 +64,12 @@ void MainWindow::listen()
             [this](const QString& command, const QString& reason) {
                 m_problems->set(Problem::Command, tr("'%1': %2").arg(command, reason));
             });
+    connect(m_valuesPage, &ValuesPage::trendAsked, this, [this](int tag) {
+        m_trendPage->add(tag);
+        m_pages->setCurrentWidget(m_trendPage);
+    });
+    connect(m_trendPage, &TrendPage::exportFailed, this,
+            [this](const QString& text) { m_problems->set(Problem::DiskFull, text); });
     WriteBar& writeBar = m_valuesPage->writeBar();
     connect(&writeBar, &WriteBar::writeConfirmed, &m_source, &PlcSource::write);
     connect(&m_source, &PlcSource::written, &writeBar, &WriteBar::take);
@@ -93,8 +102,10 @@ void MainWindow::showLink(bool isUp, const QString& reason)
 void MainWindow::showMoment()
 {
     const qint64 nowMs = m_clock();
-    if (m_valuesPage->isVisibleTo(m_pages))
+    if (m_pages->currentWidget() == m_valuesPage)
         m_valuesPage->showMoment(nowMs);
+    else if (m_pages->currentWidget() == m_trendPage)
+        m_trendPage->showMoment(nowMs);
 }
 
 }  // namespace fxview

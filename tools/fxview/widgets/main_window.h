@@ -8,6 +8,7 @@
 #pragma once
 
 #include "tools/fxview/widgets/problem_bar.h"
+#include "tools/fxview/widgets/trend_page.h"
 #include "tools/fxview/widgets/values_page.h"
 
 #include <QMainWindow>
@@ -42,6 +43,7 @@ private:
     ProblemBar* m_problems;
     QTabWidget* m_pages;
     ValuesPage* m_valuesPage;
+    TrendPage* m_trendPage;
     QLabel* m_linkSign;
     QLabel* m_linkText;
     QLabel* m_lineText;

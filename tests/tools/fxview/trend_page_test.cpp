@@ -1,0 +1,160 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// The trends as a person uses them.
+
+#include "tests/tools/fxview/window_support.h"
+#include "tools/fxview/widgets/curve.h"
+#include "tools/fxview/widgets/trend_page.h"
+
+#include <QTemporaryDir>
+
+using namespace fxview;
+using namespace view_tests;
+
+namespace {
+
+struct TrendsInWindow : Window
+{
+    TrendPage* page = window.findChild<TrendPage*>();
+    TrendView* view = &page->view();
+    QTableWidget* legend = find<QTableWidget>("Values at the cursors");
+
+    TrendsInWindow()
+    {
+        window.findChild<QTabWidget*>()->setCurrentWidget(page);
+        QVector<Reading> readings;
+        for (int at = 0; at <= 600; ++at)
+            readings += good(0, at, view_tests::nowMs - 60000 + at * 100);
+        emit plc.readings(readings);
+        page->add(0);
+        window.showMoment();
+    }
+
+    std::string cell(int row, int column) const
+    {
+        return legend->item(row, column)->text().toStdString();
+    }
+    QPoint at(double part) const  // of the curves' area, which begins right of its one axis
+    {
+        return {static_cast<int>(view->width() * part), view->height() / 2};
+    }
+};
+
+QByteArray contentOf(const QString& path)
+{
+    QFile file(path);
+    file.open(QIODevice::ReadOnly);
+    return file.readAll();
+}
+
+}  // namespace
+
+TEST_F(TrendsInWindow, ShowTheNewestValuesAndThoseAtTheCursors)
+{
+    EXPECT_EQ(cell(0, 0), "oven.temp in °C");
+    EXPECT_EQ(cell(0, 1), "600");
+    EXPECT_EQ(cell(0, 4), "–");
+    QTest::mouseClick(view, Qt::LeftButton, {}, at(0.5));
+    QTest::mouseClick(view, Qt::LeftButton, Qt::ShiftModifier, at(0.75));
+    ASSERT_TRUE(view->cursors().first && view->cursors().second);
+    const qint64 differenceMs = *view->cursors().second - *view->cursors().first;
+    EXPECT_GT(differenceMs, 10000);
+    EXPECT_NEAR(std::stod(cell(0, 4)), static_cast<double>(differenceMs) / 100, 1.01);
+    EXPECT_EQ(std::stod(cell(0, 3)) - std::stod(cell(0, 2)), std::stod(cell(0, 4)));
+    QTest::keyClick(view, Qt::Key_Left, Qt::ShiftModifier);
+    EXPECT_LT(*view->cursors().second - *view->cursors().first, differenceMs);
+    QTest::keyClick(view, Qt::Key_Escape);
+    EXPECT_EQ(cell(0, 2), "–");
+}
+
+TEST_F(TrendsInWindow, StopAndFollow)
+{
+    button("Stop")->click();
+    passMs(5000);
+    EXPECT_EQ(view->span().endMs(nowMs), nowMs - 5000);
+    button("Follow")->click();
+    EXPECT_EQ(view->span().endMs(nowMs), nowMs);
+}
+
+TEST_F(TrendsInWindow, ZoomAndPanByMouseAndKeyboard)
+{
+    QTest::keyClick(view, Qt::Key_Plus);
+    EXPECT_EQ(view->span().lengthMs(), 48000);
+    EXPECT_EQ(find<QComboBox>("How much time")->currentIndex(), -1);
+    QTest::keyClick(view, Qt::Key_Minus);
+    EXPECT_EQ(find<QComboBox>("How much time")->currentText(), "1 minute");
+    QTest::keyClick(view, Qt::Key_Left);
+    EXPECT_EQ(view->span().endMs(nowMs), nowMs - 6000);
+    EXPECT_TRUE(button("Follow"));
+    QTest::keyClick(view, Qt::Key_Right);
+    EXPECT_FALSE(view->span().isStopped());
+    QTest::mousePress(view, Qt::LeftButton, {}, at(0.5));
+    QMouseEvent move(QEvent::MouseMove, at(0.7), Qt::NoButton, Qt::LeftButton, {});
+    QApplication::sendEvent(view, &move);
+    QTest::mouseRelease(view, Qt::LeftButton, {}, at(0.7));
+    EXPECT_LT(view->span().endMs(nowMs), nowMs - 10000);
+    EXPECT_FALSE(view->cursors().first);
+    QWheelEvent wheel(at(0.5), view->mapToGlobal(at(0.5)), {}, {0, 120}, {}, {}, {}, false);
+    QApplication::sendEvent(view, &wheel);
+    EXPECT_EQ(view->span().lengthMs(), 48000);
+}
+
+TEST_F(TrendsInWindow, AreChosenByNameAndFromTheValues)
+{
+    auto* field = find<QLineEdit>("Add a tag");
+    field->setText("PUMP10");
+    QTest::keyClick(field, Qt::Key_Return);
+    EXPECT_EQ(view->tags(), QVector<int>({0, 4}));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return field->text().isEmpty(); }));
+    field->setText("no such tag");
+    QTest::keyClick(field, Qt::Key_Return);
+    EXPECT_EQ(view->tags().size(), 2);
+    legend->selectRow(0);
+    button("Remove")->click();
+    EXPECT_EQ(view->tags(), QVector<int>({4}));
+    auto* table = find<QTableView>("Values");
+    window.findChild<QTabWidget*>()->setCurrentIndex(0);
+    table->selectRow(5);
+    table->setFocus();
+    QTest::keyClick(table, Qt::Key_Space);
+    EXPECT_EQ(view->tags(), QVector<int>({4, 5}));
+    EXPECT_TRUE(view->isVisible());
+}
+
+TEST_F(TrendsInWindow, AreExported)
+{
+    const QTemporaryDir folder;
+    const QByteArray csv = contentOf(page->exportTo(folder.path(), "csv"));
+    EXPECT_TRUE(csv.startsWith("time (UTC),oven.temp lowest,oven.temp highest\n"
+                               "2023-11-14T22:12:20.000Z,0,0\n"));
+    EXPECT_TRUE(csv.endsWith("2023-11-14T22:13:20.000Z,600,600\n"));
+    EXPECT_EQ(csv.count('\n'), 602);
+    EXPECT_TRUE(contentOf(page->exportTo(folder.path(), "svg")).contains("<polyline"));
+    EXPECT_TRUE(contentOf(page->exportTo(folder.path(), "png")).startsWith("\x89PNG"));
+    EXPECT_THROW(page->exportTo(folder.path(), "png"), fxtools::Failure);  // there is one already
+    EXPECT_THROW(page->exportTo(folder.filePath("nowhere"), "csv"), fxtools::Failure);
+}
+
+TEST_F(TrendsInWindow, ExportNoMoreRowsThanASpreadsheetHolds)
+{
+    view->span().setLength(TrendSpan::longestMs);
+    EXPECT_LE(view->csv().count('\n'), 100001);
+    EXPECT_TRUE(view->csv().contains(",600\n"));
+}
+
+TEST(Curves, JoinColumnsAndLeaveGaps)
+{
+    const QVector<Extent> columns = {{0, 0}, {0, 10}, {}, {5, 5}};
+    const auto lines = curveLines({0, 0, 4, 10}, columns, {0, 10});
+    ASSERT_EQ(lines.size(), 2);
+    EXPECT_EQ(lines[0], QPolygonF(QVector<QPointF>{{0.5, 10}, {0.5, 10}, {1.5, 10}, {1.5, 0}}));
+    EXPECT_EQ(lines[1].first(), QPointF(3.5, 5));
+}
+
+TEST(Curves, HaveRoomAlsoWhereNothingChanges)
+{
+    EXPECT_LT(roomFor({{5, 5}}).lowest, 5);
+    EXPECT_GT(roomFor({{0, 0}}).highest, 0);
+    EXPECT_EQ(roomFor({}).highest, 1);
+}
