@@ -24,7 +24,8 @@ const char* const tagRows = "name,address,scale,access,min,max,period_ms\n"
                             "count,D100,,,,,\n"
                             "setpoint,D101,0.1,rw,10,90,\n"
                             "sensor,D102,,ro,,,\n"
-                            "slow,D103,,,,,60000\n";
+                            "slow,D103,,,,,60000\n"
+                            "lamp,M50,,rw,,,\n";
 
 class PlcThreadTest : public testing::Test
 {
@@ -138,6 +139,17 @@ TEST_F(PlcThreadTest, WritesAndTellsWhatWasReadBack)
     EXPECT_EQ(done.after, 71.5);
     EXPECT_TRUE(waitUntil([this] { return last(1)->value == 71.5; }));
     EXPECT_EQ(last(1)->raw, 715);
+}
+
+TEST_F(PlcThreadTest, ShowsBitsAsNumbers)
+{
+    start();
+    ASSERT_TRUE(waitUntil([this] { return last(4).has_value(); }));
+    const WriteResult done = written(4, "1");
+    EXPECT_EQ(done.outcome, WriteResult::Outcome::Done) << qPrintable(done.reason);
+    EXPECT_EQ(done.before, 0);
+    EXPECT_EQ(done.after, 1);
+    EXPECT_TRUE(waitUntil([this] { return last(4)->value == 1; }));
 }
 
 TEST_F(PlcThreadTest, SendsNothingThatATagForbids)

@@ -28,7 +28,7 @@ struct Reading
     int tag = 0;
     Quality quality = Quality::Bad;
     QString reason;         // why it is not good
-    QJsonValue raw, value;  // as in the registers, and scaled; null unless good
+    QJsonValue raw, value;  // as in the registers, and scaled; a bit is 0 or 1; null unless good
     qint64 timeMs = 0;      // when the reply came, or the quality changed
 };
 

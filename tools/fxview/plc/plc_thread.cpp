@@ -184,7 +184,7 @@ Reading PlcThread::readingOf(int tag, const fxtools::TagState& state) const
     reading.timeMs = state.readUtc;
     if (reading.quality == Quality::Good) {
         reading.raw = m_tags[tag].rawOf(state.registers);
-        reading.value = fxtools::servedValue(m_tags[tag], state.registers);
+        reading.value = m_tags[tag].valueOf(reading.raw);
     }
     return reading;
 }
@@ -247,8 +247,15 @@ LineReport PlcThread::report()
 
 void PlcThread::noteResult(int id, int tag, const fxtools::WriteAnswer& answer)
 {
-    const WriteResult result = {
-        id, tag, outcomeOf(answer.outcome), answer.before, answer.after, answer.reason};
+    const auto asNumber = [](const QJsonValue& value) {
+        return value.isBool() ? QJsonValue(value.toBool() ? 1 : 0) : value;
+    };
+    const WriteResult result = {id,
+                                tag,
+                                outcomeOf(answer.outcome),
+                                asNumber(answer.before),
+                                asNumber(answer.after),
+                                answer.reason};
     tell([&result](News& news) { news.results.append(result); });
 }
 
