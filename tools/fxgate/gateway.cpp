@@ -9,14 +9,12 @@
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 
-#include <utility>
-
 namespace fxgate {
 
 namespace {
 
 constexpr int tickMs = 250;
-constexpr qint64 betweenStartsMs = 10;
+constexpr int betweenStartsMs = 10;
 constexpr int endMs = 1000;  // for the workers, to end what is in flight
 
 const char* nameOf(FormKind kind)
@@ -61,9 +59,13 @@ void Gateway::start()
         addLink(name);
     startBuses();
     // All at once would be slow together, and later read, and wait for each other, at one time.
-    qint64 afterMs = 0;
-    for (const auto& [name, link] : m_links)
-        link->start(std::exchange(afterMs, afterMs + betweenStartsMs));
+    // Ticks are too far apart for that.
+    int afterMs = 0;
+    for (const auto& [name, link] : m_links) {
+        link->start(afterMs);
+        QTimer::singleShot(afterMs + 1, Qt::PreciseTimer, link.get(), &LinkSupervisor::tick);
+        afterMs += betweenStartsMs;
+    }
     m_tick.start(tickMs);
 }
 
