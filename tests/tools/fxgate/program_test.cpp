@@ -15,6 +15,7 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -161,6 +162,20 @@ TEST_F(FxgateTest, ServesUntilItIsEndedAndEndsAllItsWorkers)
                   std::string::npos);
         EXPECT_EQ(ended.err.substr(ended.err.size() - 16), "fxgate: stopped\n");
     }
+}
+
+// With the usual limit there would be files for 200 links only.
+TEST_F(FxgateTest, OpensAsManyFilesAsItMay)
+{
+    rlimit usual = {};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &usual), 0);
+    const rlimit fewer = {usual.rlim_max / 2, usual.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &fewer), 0);
+    start();
+    setrlimit(RLIMIT_NOFILE, &usual);
+    rlimit files = {};
+    ASSERT_EQ(prlimit(static_cast<pid_t>(gate.processId()), RLIMIT_NOFILE, nullptr, &files), 0);
+    EXPECT_EQ(files.rlim_cur, usual.rlim_max);
 }
 
 // Even its workers end when it is killed: nobody is left to serve.

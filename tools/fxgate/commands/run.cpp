@@ -16,6 +16,7 @@
 
 #include <csignal>
 
+#include <sys/resource.h>
 #include <sys/signalfd.h>
 #include <unistd.h>
 
@@ -24,6 +25,15 @@ namespace fxgate {
 namespace {
 
 constexpr int metricsMs = 15000;  // as often as they are collected, usually
+
+// A link takes five. The usual limit of 1024 is for programs that use select().
+void allowManyFiles()
+{
+    rlimit files = {};
+    getrlimit(RLIMIT_NOFILE, &files);
+    files.rlim_cur = files.rlim_max;
+    setrlimit(RLIMIT_NOFILE, &files);
+}
 
 // The signals that run() handles, as a file that becomes readable.
 int openSignals()
@@ -141,6 +151,7 @@ private:
 
 fxtools::ExitCode run(const QString& configuration, const QString& socket)
 {
+    allowManyFiles();
     Service service(configuration, socket);
     service.start();
     QCoreApplication::exec();
