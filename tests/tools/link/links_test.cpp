@@ -13,7 +13,12 @@
 
 #include <gtest/gtest.h>
 
+#include <thread>
+#include <vector>
+
+#include <poll.h>
 #include <pty.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 using namespace fxtools;
@@ -108,6 +113,27 @@ TEST_F(TcpLinks, NoticeThatThePeerHungUpAndOpenAgain)
     EXPECT_FALSE(link.send("request"));
     open();
     EXPECT_TRUE(link.send("request"));
+}
+
+// More than fits between the two ends while nobody reads.
+TEST_F(TcpLinks, WaitUntilThePeerTakesTheRest)
+{
+    open();
+    const QByteArray bytes(32 << 20, 'x');
+    qint64 taken = 0;
+    std::thread reader([&] {
+        std::vector<char> piece(1 << 20);
+        pollfd waited = {static_cast<int>(peer->socketDescriptor()), POLLIN, 0};
+        while (taken < bytes.size() && poll(&waited, 1, patienceMs) == 1) {
+            const ssize_t part = recv(waited.fd, piece.data(), piece.size(), 0);
+            if (part <= 0)
+                return;
+            taken += part;
+        }
+    });
+    EXPECT_TRUE(link.send(bytes));
+    reader.join();
+    EXPECT_EQ(taken, bytes.size());
 }
 
 TEST_F(TcpLinks, NameWhyTheyDoNotOpen)
