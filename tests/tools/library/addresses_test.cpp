@@ -78,6 +78,7 @@ const BadAddress badAddresses[] = {
     {"D7999:2", "is out of range: D0 to D7999 or D8000 to D8255"},
     {"D8256", "is out of range: D0 to D7999 or D8000 to D8255"},
     {"D99999", "is out of range: D0 to D7999 or D8000 to D8255"},
+    {"D99999999999", "has an invalid number; use D0 to D7999 or D8000 to D8255"},
     {"SD8256", "is out of range: SD8000 to SD8255"},
     {"X400", "is out of range: X0 to X377, in octal"},
     {"32CV256", "is out of range: 32CV200 to 32CV255"},
