@@ -99,6 +99,23 @@ TEST(Script, StepsDoWhatTheySayAtEachMoment)
         {R"({"every": 10, "add": "0x1000", "value": 1},
              {"every": 10, "copy": "0x1000", "to": "0x1100"})",
          0x1100, "10: 0100, 35: 0300"},  // at one moment, in their order
+        {R"({"every": 1, "add": "D0", "to": 2})",
+         0x1000, "1: 0100, 2: 0200, 3: 0000"},  // from 0
+        {R"({"ramp": "D0", "from": 0, "to": 1000, "over": 1000})",
+         0x1000, "99: 0000, 100: 6400, 199: 6400, 200: C800"},
+        {R"({"at": 0, "set": "D0", "value": 1}, {"at": 0, "set": "D1", "value": 2},
+             {"at": 0, "set": "D2", "value": 3}, {"at": 1, "copy": "D0", "to": "D4", "count": 2})",
+         0x1000, "1: 01000200030000000100020000000000"},
+        {R"({"at": 0, "set": "D0", "value": 448}, {"at": 1, "copy": "D0.6", "to": "M0", "count": 3})",
+         0x0100, "1: 07"},  // over the end of a byte
+        {R"({"at": 0, "set": "0x1000", "value": 1, "bytes": 4}, {"at": 0, "set": "0x1002", "value": 2},
+             {"at": 1, "copy": "0x1000", "to": "0x1100"})",
+         0x1100, "1: 01000000"},  // two bytes, since nothing says how many
+        {R"({"at": 0, "set": "D5", "value": 32768}, {"at": 0, "set": "D6", "value": 32767},
+             {"every": 1, "add": "D0", "if": "D5 < 0"}, {"every": 1, "add": "D1", "if": "D6 < 0"})",
+         0x1000, "9: 09000000"},  // devices have a sign
+        {R"({"every": 3, "add": "0x1000", "value": 1, "bytes": 4})",
+         0x1000, "1000000000: A0860100, 1000000001: A0860100, 1000000002: A1860100"},
         {R"({"every": 1, "add": "0x1000", "value": 1, "bytes": 4})",
          0x1000, "500000000: A0860100, 500000001: A1860100"},  // a long sleep is not made up for
         // clang-format on
@@ -151,6 +168,11 @@ TEST(Script, ErrorNamesTheLine)
     EXPECT_EQ(scriptError("{\n\"steps\": [\n{]}"), "line 3: unterminated object");
     EXPECT_EQ(scriptError("[]"), "expected { \"steps\": [ ... ] }");
     EXPECT_EQ(scriptError(R"({"steps": [], "stepps": []})"), "expected { \"steps\": [ ... ] }");
+    EXPECT_EQ(
+        scriptError("{\"steps\": [{\"comment\": \"]}\\\"[{\\\\\", \"at\": 0, \"toggle\": \"M0\",\n"
+                    "\"if\": [\"M1\"]},\n{}]}"),
+        "line 3, step 2: expected exactly one of \"set\", \"add\", \"toggle\", \"copy\", "
+        "\"ramp\" and \"random\"");
 }
 
 TEST(Script, RandomValuesStayInTheirRangeAndAreTheSameAgain)
@@ -215,6 +237,8 @@ TEST(Script, ErrorNamesTheStepAndWhatWasRead)
         {R"({"at": 0, "copy": "D0", "to": "D250", "count": 7})", QString("\"to\": ") + absent},
         {R"({"at": 0, "copy": "X0", "to": "D0"})",
          "\"to\" is \"D0\": expected as many bits as there are in one of \"copy\""},
+        {R"({"at": 0, "copy": "32CV235", "to": "D0"})",
+         "\"to\" is \"D0\": expected as many bits as there are in one of \"copy\""},
         {R"({"at": 0, "set": "D0", "value": 1, "to": 3})", "\"to\" is not expected here"},
         {R"({"ramp": "D0", "from": 0, "to": 9, "over": 1, "then": "stop"})",
          "\"then\" is \"stop\": expected \"hold\", \"back\" or \"repeat\""},
@@ -234,6 +258,57 @@ TEST(Script, ErrorNamesTheStepAndWhatWasRead)
     for (const auto& row : rows)
         EXPECT_EQ(errorOfStep(row.step), "line 3, step 2: " + row.error) << row.step;
     EXPECT_EQ(errorOfStep("7"), "step 2: 7 is not a step: expected { ... }");
+}
+
+TEST(Script, NumbersMayBeAsLargeAsTheirLimits)
+{
+    const struct
+    {
+        const char* step;
+        const char* error;
+    } rows[] = {
+        {R"({"at": 604800000, "toggle": "M0"})", "no error"},
+        {R"({"at": 604800001, "toggle": "M0"})",
+         "\"at\" is 604800001: expected a whole number from 0 to 604800000"},
+        {R"({"every": 604800001, "toggle": "M0"})",
+         "\"every\" is 604800001: expected a whole number from 1 to 604800000"},
+        {R"({"ramp": "D0", "from": 0, "to": 1, "over": 0})",
+         "\"over\" is 0: expected a whole number from 1 to 604800000"},
+        {R"({"ramp": "D0", "from": 0, "to": 1, "over": 1, "after": -1})",
+         "\"after\" is -1: expected a whole number from 0 to 604800000"},
+        {R"({"at": 0, "add": "D0", "value": -65536})",
+         "\"value\" is -65536: expected a whole number from -65535 to 65535"},
+        {R"({"at": 0, "add": "D0", "from": 1})",
+         "\"to\" is missing: expected a whole number from 1 to 65535"},
+        {R"({"at": 0, "random": "D0", "from": -32769, "to": 0})",
+         "\"from\" is -32769: expected a whole number from -32768 to 65535"},
+        {R"({"at": 0, "set": "0x1000", "value": 0, "bytes": 5})",
+         "\"bytes\" is 5: expected a whole number from 1 to 4"},
+        {R"({"at": 0, "copy": "0x0000", "to": "0xFFF0", "bytes": 16})", "no error"},
+        {R"({"at": 0, "copy": "0xFFF0", "to": "0x0000", "bytes": 17})",
+         "\"bytes\" is 17: expected a whole number from 1 to 16"},
+        {R"({"at": 0, "copy": "0x0000", "to": "0xFFFF"})", "no error"},
+        {R"({"at": 0, "copy": "D0", "to": "D1", "count": 30720})",
+         "\"count\" is 30720: expected a whole number from 1 to 30719"},
+        {R"({"at": 0, "copy": "D0", "to": "D1", "count": 0})",
+         "\"count\" is 0: expected a whole number from 1 to 30719"},
+    };
+    for (const auto& row : rows) {
+        const QString error = errorText(
+            [&row] { parseScript(QByteArray("{\"steps\":[") + row.step + "]}", PlcMemory(), 1); });
+        EXPECT_EQ(error.section(": ", error.startsWith("line") ? 1 : 0), row.error) << row.step;
+    }
+}
+
+TEST(Script, CopyNeedsAllOfItsMemory)
+{
+    const char* const absent = "line 3, step 2: \"to\": this PLC does not have all of that memory";
+    EXPECT_EQ(errorOfStep(R"({"at": 0, "copy": "M0", "to": "M504", "count": 8})"), "no error");
+    EXPECT_EQ(errorOfStep(R"({"at": 0, "copy": "M0", "to": "M504", "count": 9})"), absent);
+    EXPECT_EQ(errorOfStep(R"({"at": 0, "copy": "M1", "to": "M510", "count": 2})"), "no error");
+    EXPECT_EQ(errorOfStep(R"({"at": 0, "copy": "M1", "to": "M511", "count": 2})"), absent);
+    EXPECT_EQ(errorOfStep(R"({"at": 0, "copy": "D0", "to": "D254", "count": 2})"), "no error");
+    EXPECT_EQ(errorOfStep(R"({"at": 0, "copy": "D0", "to": "D255", "count": 2})"), absent);
 }
 
 TEST(Script, FileThatIsMissingIsNamed)
