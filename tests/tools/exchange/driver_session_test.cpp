@@ -65,6 +65,30 @@ TEST(Session, AsksForARecipeThatHasEntriesOnly)
     EXPECT_FALSE(bench.session.recipeRuns(RecipeDirection::Download));
 }
 
+// The plan takes a counter of two words for one.
+TEST(Session, HalvesItsFramesForMoreCountersThanHalfAFrameHas)
+{
+    Bench bench(badLine(0, ""), SessionSettings{4, 32});
+    bench.session.fitFrames({range("D0:100"), range("32CV210:4"), range("32CV200:16")});
+    EXPECT_EQ(bench.session.settings().wordsPerFrame, 32);
+    bench.session.fitFrames({range("32CV216"), range("32CV200")});
+    EXPECT_EQ(bench.session.settings().wordsPerFrame, 16);
+    EXPECT_EQ(bench.session.propertyString(), "1#0#0#4#16");
+    bench.session.fitFrames({range("32CV200:56")});
+    EXPECT_EQ(bench.session.settings().wordsPerFrame, 16) << "once is enough";
+}
+
+TEST(Session, LeavesNothingInTheDriver)
+{
+    {
+        Bench bench;
+        bench.session.setPlan({range("D0")});
+        bench.session.write(range("D1"), {1});
+    }
+    FRAME_PRO frame;
+    EXPECT_EQ(driver().getSendFrame(&frame), fxNothingToSend);
+}
+
 namespace {
 
 class Recipes : public testing::Test

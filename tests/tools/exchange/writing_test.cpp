@@ -171,3 +171,14 @@ TEST(CheckedWrite, ThatLosesTheLinkIsNotSentWhenItIsBack)
         EXPECT_EQ(bench.plcWord(addressOfD(63)), 0U) << faults;
     }
 }
+
+TEST(CheckedWrite, ThatIsRefusedIsReadBackAllTheSame)
+{
+    Bench bench(badLine(0, "nak@2"), SessionSettings{1, 32});
+    bench.setD(0, 5);
+    const Assignment assignment = parseAssignment("D0=7", catalogue(), ValueStyle());
+    const CheckedWrite write = writeAndReadBack(bench.loop, assignment, Check::BeforeAndAfter);
+    EXPECT_EQ(write.outcome->problem, ReplyVerdict::Refused);
+    EXPECT_EQ(write.before, QVector<quint32>({5}));
+    EXPECT_EQ(write.after, QVector<quint32>({5}));
+}
