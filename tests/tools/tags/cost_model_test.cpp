@@ -24,3 +24,20 @@ TEST(CostModel, AddsTheTurnaroundToTheTimeOfTheCharacters)
     EXPECT_DOUBLE_EQ(milliseconds(exchangeCost({1, 38400}, 0), {1, 38400}),
                      0.001 + 1000.0 * 150 / 38400);
 }
+
+TEST(CostModel, TakesTheTurnaroundForWhatTheCharactersLeave)
+{
+    const auto measured = [](const LineUse& use) {
+        const LineCost line = measuredLine(use, 9600, std::nullopt);
+        return std::pair(line.turnaroundUs, line.baud);
+    };
+    const int network = 1000000000;
+    EXPECT_EQ(measured({0, 0, 0}), std::pair(LineCost().turnaroundUs, 9600));
+    EXPECT_EQ(measured({10, 960, 1500000}), std::pair(qint64(50000), 9600));
+    EXPECT_EQ(measured({1, 960000, 1000005000}), std::pair(qint64(5000), 9600));
+    EXPECT_EQ(measured({10, 960, 999999}), std::pair(qint64(0), 9600));
+    EXPECT_EQ(measured({10, 960, 500000}), std::pair(qint64(0), 9600)) << "half the time";
+    EXPECT_EQ(measured({10, 960, 499999}), std::pair(qint64(49999), network));
+    EXPECT_EQ(measured({10, 960, 50}), std::pair(qint64(10), network)) << "never nothing";
+    EXPECT_EQ(measuredLine({10, 960, 50}, 9600, 7).turnaroundUs, 7) << "as the user says";
+}
