@@ -272,3 +272,53 @@ TEST(LinkKeepers, GiveUpAtAnInterrupt)
     EXPECT_FALSE(keeper.reopen(0));
     EXPECT_EQ(cable.attempts, 0);
 }
+
+TEST(LinkKeepers, RetryTheFirstOpeningOnlyIfTheyAreToldHowLong)
+{
+    struct Row
+    {
+        std::optional<int> patienceS;
+        qint64 pluggedInMs;
+        bool isInterrupted;
+        const char* end;
+        const char* states;
+    };
+    const Row rows[] = {
+        {{}, 0, false, "opened", ""},
+        {{}, 500, false, "pulled", ""},
+        {0, 500, false, "pulled", ""},
+        {30, 500, false, "opened", "pulled; retrying, the link is open"},
+        {30, 500, true, "cable: interrupted before the link opened", "pulled; retrying"},
+    };
+    for (const Row& row : rows) {
+        PulledCable cable;
+        cable.pluggedInMs = row.pluggedInMs;
+        LinkKeeper keeper(cable, row.patienceS);
+        QStringList states;
+        keeper.onState = [&states](const QString& text) { states += text; };
+        keeper.sleeps = [&](qint64 timeMs) {
+            cable.nowMs += timeMs;
+            return !row.isInterrupted;
+        };
+        std::string end = "opened";
+        try {
+            keeper.openFirst();
+        } catch (const Failure& failure) {
+            end = failure.what();
+        }
+        EXPECT_EQ(end, row.end);
+        EXPECT_EQ(states.join(", ").toStdString(), row.states);
+    }
+}
+
+TEST(LinkKeepers, DoNotWaitForALostLinkIfTheyAreNotToWait)
+{
+    PulledCable cable;
+    cable.pluggedInMs = 1;
+    LinkKeeper keeper(cable, 0);
+    QStringList states;
+    keeper.onState = [&states](const QString& text) { states += text; };
+    EXPECT_FALSE(keeper.reopen(0));
+    EXPECT_EQ(states.join(", "), "the link was lost");
+    EXPECT_EQ(cable.attempts, 0);
+}
