@@ -98,5 +98,6 @@ TEST(PacedLine, QueueHasAnEnd)
     for (int piece = 0; piece < 1000; ++piece)
         EXPECT_TRUE(line.send("x", "", 0));
     EXPECT_FALSE(line.send("x", "", 0));
+    EXPECT_TRUE(line.send("", "", 0)) << "silence has always room";
     EXPECT_EQ(dueAt(line, 0).size(), 1000);
 }

@@ -8,6 +8,8 @@
 #include "tools/fxsim/line/session.h"
 #include "tools/fxsim/line/simulator.h"
 #include "tools/fxsim/plc/devices.h"
+#include "tools/fxsim/plc/model.h"
+#include "tools/fxsim/plc/number_text.h"
 #include "tools/fxsim/plc/sample_program.h"
 
 #include <QByteArrayList>
@@ -330,6 +332,51 @@ TEST(Session, TraceTellsRequestsFaultsAndReplies)
     bench.answer("x" + readD100);
     EXPECT_EQ(told, (QByteArrayList{"junk, ignored", "read 4 bytes at 0x10C8", "fault: wrong-sum",
                                     "wrong-sum"}));
+}
+
+TEST(Session, TraceTellsOfAFrameThatIsTooLong)
+{
+    Bench bench;
+    QByteArrayList told;
+    bench.plc.setTrace([&told](const TraceEntry& entry) { told.append(entry.text); });
+    bench.session.receive('\x02' + QByteArray(5000, '0'), bench.nowUs);
+    EXPECT_EQ(told.value(0), "frame too long, dropped");
+}
+
+TEST(Simulator, KeepsASwitchedInputWhateverTheProgramSets)
+{
+    Bench bench(Settings(), std::make_unique<SampleProgram>());
+    bench.plc.switchInput(1, true);
+    for (const qint64 nowUs : {0, 500000, 2000000}) {
+        bench.plc.advance(nowUs);
+        EXPECT_TRUE(bench.plc.memory().bit(0x0080, 1)) << nowUs;
+    }
+    bench.plc.releaseInput(1);
+    bench.plc.advance(2000000);
+    EXPECT_FALSE(bench.plc.memory().bit(0x0080, 1)) << "the program sets it again";
+}
+
+// From its power-on on, and not only at the next second.
+TEST(Simulator, ShowsTheTimeAndTheScanInItsSpecialRegisters)
+{
+    Settings settings;
+    settings.model = &findModel("any");
+    settings.timing.scanMs = 20;
+    settings.startedAt = QDateTime(QDate(2026, 1, 31), QTime(23, 59, 58));
+    Bench bench(settings);
+    const auto word = [&bench](const char* name) {
+        return bench.plc.memory().value(parsePlace(name).address, 2);
+    };
+    for (const char* const scan : {"D8010", "D8011", "D8012"})
+        EXPECT_EQ(word(scan), 200U) << scan;
+    EXPECT_EQ(word("D8013"), 58U);
+    bench.plc.advance(1999999);
+    EXPECT_EQ(word("D8013"), 59U);
+    EXPECT_EQ(word("D8017"), 1U);
+    bench.plc.advance(2000000);
+    EXPECT_EQ(word("D8013"), 0U);
+    EXPECT_EQ(word("D8016"), 1U);
+    EXPECT_EQ(word("D8017"), 2U);
 }
 
 TEST(Session, HostThatTakesNothingLosesWhatIsTooMuch)

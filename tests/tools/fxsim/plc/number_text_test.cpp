@@ -120,3 +120,15 @@ TEST(NumberText, ReadsMirrors)
     EXPECT_EQ(errorText([] { parseMirrors("1:2"); }),
               "invalid mirror '1:2': expected FROM:TO:BYTES, as in 0x0F00:0x0E00:256, or none");
 }
+
+TEST(NumberText, GuessesAWordOfAtMostTwoMistakes)
+{
+    const QStringList known = {"poke", "peek", "trace"};
+    const QString peek = " (did you mean peek?)";
+    EXPECT_EQ(didYouMean("pek", known), peek);
+    EXPECT_EQ(didYouMean("pk", {"peek"}), peek);
+    EXPECT_EQ(didYouMean("peeeek", known), peek);
+    EXPECT_EQ(didYouMean("paak", known), peek);
+    EXPECT_EQ(didYouMean("paaak", known), "") << "three";
+    EXPECT_EQ(didYouMean("xy", {"abc"}), "") << "nothing of it is left";
+}

@@ -61,6 +61,8 @@ TEST(SampleProgram, HoldsWhatItPromisesAtEachMoment)
         {5000, 0x1000, "0500F401E8033200", "seconds, triangle, sine, sawtooth"},
         {5000, 0x1008, "0000000200000000", "bit 25 of 64"},
         {7000, 0x1008, "0000000008000000", "bit 35 of 64"},
+        {12600, 0x1008, "0000000000000080", "bit 63 of 64"},
+        {12800, 0x1008, "0100000000000000", "bit 0 again"},
         {5000, 0x1010, "88130000", "milliseconds"},
         {15000, 0x1002, "F40118FC", "triangle and sine on their way down"},
     };

@@ -156,6 +156,16 @@ TEST(Script, StartsAnewWithThePower)
     EXPECT_EQ(fresh.byte(0x1000), 1);
 }
 
+TEST(Script, ThrowsTheSameDiceAfterEachStart)
+{
+    ScriptRun run(R"({"every": 1, "random": "D0", "from": 0, "to": 65535})");
+    const QByteArray first = run.at(3).read(0x1000, 2);
+    PlcMemory fresh;
+    run.program->start(fresh);
+    run.program->advance(fresh, 3);
+    EXPECT_EQ(fresh.read(0x1000, 2), first);
+}
+
 TEST(Script, CommentsMayStandAnywhere)
 {
     EXPECT_EQ(
