@@ -108,8 +108,10 @@ TEST_F(CheckedLine, IsMeasuredWhereThePlcRefusesItsSpecialRegisters)
     bench->line.refuse(addressOfD8001 - 2, addressOfD8001 + 1);
     LineCheck found = greetPlc(bench->loop, catalogue());
     EXPECT_EQ(found.verdict, ReplyVerdict::Good);
+    EXPECT_EQ(found.timeoutMs, bench->loop.timeout().milliseconds());
     measureLine(bench->loop, catalogue(), found, [](int, int) {});
     EXPECT_FALSE(found.plc);
+    EXPECT_EQ(found.timeoutMs, bench->loop.timeout().milliseconds());
     EXPECT_EQ(found.goodPercent(), 100);
     EXPECT_EQ(found.measured(), 100);
 }

@@ -38,6 +38,17 @@ TEST(PlanCycle, ReadsEachBlockOfThePlannerOnce)
     EXPECT_EQ(framesFrom(0, bench.line.framesSent()), "100004 100804 010001 100004 100804 010001");
 }
 
+TEST(PlanCycle, TakesTwoBlocksInTurn)
+{
+    Bench bench;
+    PlanCycle plan(bench.loop, apart);
+    plan.plan({range("D0:2"), range("M0:8")});
+    EXPECT_EQ(plan.blocks(), 2);
+    plan.poll();
+    plan.poll();
+    EXPECT_EQ(framesFrom(0, bench.line.framesSent()), "100004 010001 100004 010001");
+}
+
 TEST(PlanCycle, LeavesThePlanToTheDriverWithoutAPlanner)
 {
     Bench bench;

@@ -105,6 +105,13 @@ TEST_F(TagFiles, AreWrittenAsTheyWereRead)
     EXPECT_EQ(file.tags[3].asked.range.together, 2);
 }
 
+TEST_F(TagFiles, OfBitsMayHaveWhatIsNoNumber)
+{
+    EXPECT_EQ(remarksOf("name,address,type,unit,period_ms,access,link,description\n"
+                        "lamp,M0,bit,on,500,rw,press1,Lamp\n"),
+              "");
+}
+
 TEST_F(TagFiles, NeedTwoColumnsInAnyOrder)
 {
     const TagFile file = read("\xEF\xBB\xBF"

@@ -196,6 +196,11 @@ TEST(Tags, SayWhatTheirOwnRegistersHold)
     EXPECT_EQ(written(tagAt("D0.5"), "x"), "'t=x' is not a bit; use 0, 1, on or off");
 }
 
+TEST(Tags, RememberAValueAsItWasWritten)
+{
+    EXPECT_EQ(assignmentOf(tagAt("D0", 0.1), " 71.50 ", catalogue()).written, "71.50");
+}
+
 TEST(ShortestDecimal, IsWithinTheTolerance)
 {
     EXPECT_EQ(shortestDecimal(100.1 - 100, 1e-13), 0.1);
