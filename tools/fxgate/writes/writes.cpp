@@ -4,6 +4,8 @@
 #include "tools/fxgate/writes/writes.h"
 
 #include <QDateTime>
+#include <QJsonArray>
+#include <QJsonDocument>
 
 #include <algorithm>
 #include <cmath>
@@ -80,6 +82,16 @@ const ServedTag* findTag(const LinkView& view, const QString& name)
     return found == view.tags.end() ? nullptr : &*found;
 }
 
+// Empty: nothing tells it from another one.
+QByteArray identityOf(const WriteRequest& request)
+{
+    if (request.id.isEmpty() || request.isRetained)
+        return {};
+    const QJsonValue sent = request.sentMs ? static_cast<double>(*request.sentMs) : QJsonValue();
+    return QJsonDocument(QJsonArray{request.link, request.tag, request.id, request.value, sent})
+        .toJson(QJsonDocument::Compact);
+}
+
 // The type and the limits of a value.
 QString valueRefusal(const ServedTag& tag, const QJsonValue& value)
 {
@@ -152,8 +164,24 @@ bool Writes::isOverRate(Queue& queue, Moment now) const
     return queue.sentMs.size() + queue.writes.size() >= static_cast<size_t>(m_settings.perMinute);
 }
 
+bool Writes::isKnown(const WriteRequest& request, const Answer& answer, Moment now)
+{
+    const auto known = m_known.find(identityOf(request));
+    if (known == m_known.end())
+        return false;
+    if (++m_refusals <= mostRefusalsPerMinute)
+        m_audit.append(auditLine("repeated", request, now));
+    if (known->second.result)
+        answer(*known->second.result);
+    else if (known->second.alsoAsked.size() < mostWaiting)
+        known->second.alsoAsked.push_back(answer);
+    return true;
+}
+
 void Writes::request(const WriteRequest& request, const Answer& answer, Moment now)
 {
+    if (isKnown(request, answer, now))
+        return;
     const Pending write{request, answer, now, {}, 0};
     const QString reason = refusal(request, now);
     if (!reason.isEmpty())
@@ -165,6 +193,8 @@ void Writes::request(const WriteRequest& request, const Answer& answer, Moment n
     if (queue.writes.size() >= mostWaiting)
         return refuse(write, QStringLiteral("too many writes are waiting"), now);
     queue.writes.push_back(write);
+    if (!identityOf(request).isEmpty())
+        m_known[identityOf(request)] = {};
     sendNext(request.link, now);
 }
 
@@ -196,10 +226,19 @@ void Writes::sendNext(const QString& link, Moment now)
     }
 }
 
-void Writes::answer(const Pending& write, const WriteResult& result)
+void Writes::answer(const Pending& write, const WriteResult& result, Moment now)
 {
     ++m_counts[result.outcome];
     write.answer(result);
+    const auto known = m_known.find(identityOf(write.request));
+    if (known == m_known.end())
+        return;
+    for (const Answer& also : known->second.alsoAsked)
+        also(result);
+    if (result.outcome == Outcome::Refused)
+        m_known.erase(known);  // it may be asked for once more
+    else
+        known->second = {result, {}, now.steadyMs};
 }
 
 void Writes::finishFirst(Queue& queue, WriteResult result, Moment now)
@@ -209,7 +248,7 @@ void Writes::finishFirst(Queue& queue, WriteResult result, Moment now)
     queue.isSent = false;
     result.timeMs = now.utcMs;
     m_audit.append(auditLine(write.request, result, now));
-    answer(write, result);
+    answer(write, result, now);
 }
 
 void Writes::written(const QString& link, const WrittenLine& line, Moment now)
@@ -244,6 +283,11 @@ void Writes::tick(Moment now)
             finishFirst(queue, unknown, now);
             sendNext(link, now);
         }
+    }
+    for (auto known = m_known.begin(); known != m_known.end();) {
+        const Known& each = known->second;
+        const bool isOver = each.result && now.steadyMs - each.answeredMs > m_settings.oldestMs;
+        known = isOver ? m_known.erase(known) : std::next(known);
     }
     if (now.steadyMs - m_minuteBeganMs >= minuteMs) {
         if (m_refusals > mostRefusalsPerMinute) {
@@ -284,7 +328,7 @@ void Writes::refuse(const Pending& write, const QString& reason, Moment now)
     result.timeMs = now.utcMs;
     if (++m_refusals <= mostRefusalsPerMinute)
         m_audit.append(auditLine(write.request, result, now));
-    answer(write, result);
+    answer(write, result, now);
 }
 
 }  // namespace fxgate

@@ -4,7 +4,8 @@
 // Writes from the bus. Each is answered exactly once: refused by a rule, or sent to the worker of
 // its link, one at a time, and answered with what the PLC made of it; no answer in time is
 // "unknown". Each stands in the audit file: what is sent before it is sent, so that after a crash a
-// line without an outcome tells of a write that may have been done.
+// line without an outcome tells of a write that may have been done. A request that comes again is
+// not sent again: it gets the outcome of the first.
 
 #pragma once
 
@@ -65,12 +66,21 @@ private:
         std::deque<qint64> sentMs;  // of the last minute, steady
     };
 
+    // A request that was not refused, for as long as it may come again.
+    struct Known
+    {
+        std::optional<WriteResult> result;
+        std::vector<Answer> alsoAsked;
+        qint64 answeredMs = 0;  // steady
+    };
+
+    bool isKnown(const WriteRequest& request, const Answer& answer, Moment now);
     QString refusal(const WriteRequest& request, Moment now) const;
     QString ageRefusal(const WriteRequest& request, Moment now) const;
     bool isOverRate(Queue& queue, Moment now) const;
     void sendNext(const QString& link, Moment now);
     void finishFirst(Queue& queue, WriteResult result, Moment now);
-    void answer(const Pending& write, const WriteResult& result);
+    void answer(const Pending& write, const WriteResult& result, Moment now);
     void refuse(const Pending& write, const QString& reason, Moment now);
 
     const Plant& m_plant;
@@ -78,7 +88,8 @@ private:
     Send m_send;
     WriteSettings m_settings;
     QMap<QString, ServedLink> m_links;
-    std::map<QString, Queue> m_queues;  // by link
+    std::map<QString, Queue> m_queues;    // by link
+    std::map<QByteArray, Known> m_known;  // by what makes them the same request
     Counts m_counts;
     quint64 m_sent = 0;
     bool m_isStopping = false;

@@ -260,6 +260,73 @@ TEST_F(WritesTest, ThatWaitedTooLongAreRefusedWhenTheirTurnComes)
     EXPECT_EQ(sent.size(), 1);
 }
 
+TEST_F(WritesTest, ThatComeAgainGetTheOutcomeOfTheFirst)
+{
+    WriteRequest request = to("flow", 50);
+    request.id = "17";
+    ask(request);
+    ask(request);
+    EXPECT_EQ(answered(), "");
+    answer("press1", "1", WriteResult::Outcome::Done);
+    EXPECT_EQ(answered(), "flow done \nflow done \n");
+    ask(request);
+    EXPECT_EQ(answered(), "flow done \n");
+    EXPECT_EQ(sent.size(), 1);
+    EXPECT_EQ(writes.counts().at(WriteResult::Outcome::Done), 1);
+    writes.tick(now());
+    ask(request);
+    EXPECT_EQ(sent.size(), 1);
+    answered();
+}
+
+TEST_F(WritesTest, OfTheSameIdAreOthersIfAnythingElseDiffers)
+{
+    WriteRequest request = to("flow", 50);
+    ask(request);
+    ask(request);  // without an id
+    request.id = "17";
+    ask(request);
+    for (const char* link : {"press1", "press2"}) {
+        WriteRequest other = to("flow", 51, link);
+        other.id = "17";
+        ask(other);
+        other.sentMs = noonMs;
+        ask(other);
+        other.tag = "parts";
+        ask(other);
+    }
+    for (int number = 1; number <= 9; ++number)
+        for (const char* link : {"press1", "press2"})
+            answer(link, qPrintable(QString::number(number)), WriteResult::Outcome::Done);
+    EXPECT_EQ(sent.size(), 9);
+    answered();
+}
+
+TEST_F(WritesTest, AreForgottenWhenTheyAreTooOldToComeAgain)
+{
+    WriteRequest request = to("flow", 50);
+    request.id = "17";
+    ask(request);
+    answer("press1", "1", WriteResult::Outcome::Done);
+    afterMs += settings.oldestMs + 1;
+    writes.tick(now());
+    ask(request);
+    EXPECT_EQ(sent.size(), 2);
+    answered();
+}
+
+TEST_F(WritesTest, ThatWereRefusedMayBeAskedForAgain)
+{
+    WriteRequest request = to("flow", 50);
+    request.id = "17";
+    ask(to("run", true));
+    ask(request);
+    writes.workerLost("press1", "the worker ended", now());
+    EXPECT_EQ(answered(), "run unknown the worker ended\nflow refused the worker ended\n");
+    ask(request);
+    EXPECT_EQ(sent.size(), 2);
+}
+
 TEST_F(WritesTest, WithoutAnAnswerInTimeAreUnknown)
 {
     ask(to("flow", 50));
