@@ -169,7 +169,7 @@ void LinkSupervisor::tick()
     const qint64 steadyMs = m_environment.now().steadyMs;
     // What the worker said while the gateway was stopped is still to be read.
     if (steadyMs - m_tickMs > longestTickMs)
-        m_heardMs += steadyMs - m_tickMs;
+        m_heardMs = std::min(steadyMs, m_heardMs + steadyMs - m_tickMs);
     m_tickMs = steadyMs;
     if (m_worker && m_whyEnded.isEmpty())
         judgeSilence(steadyMs);

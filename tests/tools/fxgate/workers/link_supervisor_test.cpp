@@ -203,6 +203,18 @@ TEST_F(LinkSupervisorTest, DoesNotBlameItsWorkerForItsOwnStandstill)
     EXPECT_TRUE(plant["press1"].isUp);
 }
 
+TEST_F(LinkSupervisorTest, JudgesWhatItHeardAfterAStandstillFromThenOn)
+{
+    start("hello; up; serve");
+    ASSERT_TRUE(waitUntil([this] { return plant["press1"].isUp; }));
+    now.steadyMs += 20000;  // without a tick
+    link->send(writeLine("7", "flow", 2));
+    ASSERT_TRUE(waitUntil([this] { return written == QStringList("7"); }));
+    link->tick();
+    pass(LinkSupervisor::silentMs + 1);
+    EXPECT_FALSE(plant["press1"].isUp);
+}
+
 TEST_F(LinkSupervisorTest, KillsItsWorkerWhenItGoes)
 {
     start("hello; hang");
