@@ -189,6 +189,7 @@ ServedLink linkIn(Section section, QString& port)
 void readLinks(Section section, Configuration& configuration)
 {
     QMap<QString, QString> users;  // of each port
+    QMap<QString, QString> names;  // in lower case, and as they are
     for (const QString& name : section.names()) {
         QString port;
         Section inner = section.inner(name);
@@ -197,6 +198,10 @@ void readLinks(Section section, Configuration& configuration)
         if (name == QLatin1String("state"))
             inner.rejectAll(QStringLiteral("no link can be named state: the topic of the gateway's "
                                            "state has this name"));
+        if (names.contains(name.toLower()))
+            inner.rejectAll("its name and that of link " + names[name.toLower()] +
+                            " differ only in case; some readers cannot tell them apart");
+        names.insert(name.toLower(), name);
         configuration.links.insert(name, linkIn(inner, port));
         if (!port.isEmpty() && users.contains(port))
             inner.reject("link", "link " + users[port] + " uses this port already");

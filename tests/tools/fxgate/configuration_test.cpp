@@ -229,6 +229,16 @@ TEST(GateConfiguration, KeepsTheTopicOfTheGatewaysStateFree)
               "has this name\n");
 }
 
+TEST(GateConfiguration, RefusesNamesThatDifferOnlyInCase)
+{
+    const Folder folder;
+    folder.write("press1.csv", "name,address\n");
+    EXPECT_EQ(mistakesIn(folder, QByteArray(least) + "[link.Press1]\nlink = \"sim:\"\n"
+                                                     "tags = \"press1.csv\"\n"),
+              "f, line 6, column 1: its name and that of link Press1 differ only in case; some "
+              "readers cannot tell them apart\n");
+}
+
 TEST(GateConfiguration, RefusesNamesThatSparkplugTopicsCannotHave)
 {
     const Folder folder;

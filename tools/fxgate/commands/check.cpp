@@ -31,7 +31,14 @@ void checkTagFile(const QString& path, const fxtools::RegisterCatalogue& catalog
 {
     const fxtools::TagFile file = fxtools::readTagFile(path, catalogue);
     QVector<TagRemark> remarks = file.remarks + fxtools::checkTags(file.tags, catalogue);
+    QMap<QString, QString> names;  // in lower case, and as they are
     for (const fxtools::Tag& tag : file.tags) {
+        const QString other = names.value(tag.name.toLower(), tag.name);
+        if (other != tag.name)
+            remarks.append({TagRemark::Kind::Error, tag.line, QStringLiteral("name"),
+                            tag.name + " and " + other +
+                                " differ only in case; some readers cannot tell them apart"});
+        names.insert(tag.name.toLower(), tag.name);
         if (tag.name == QLatin1String("state"))
             remarks.append({TagRemark::Kind::Error, tag.line, QStringLiteral("name"),
                             QStringLiteral("no tag of a gateway can be named state: the topic of "
