@@ -67,11 +67,15 @@ void BusClient::connectToBroker()
         subscribed(number, isGranted);
     };
     m_connection->onMessage = [this](const Message& message) { received(message); };
-    m_connection->onBarrier = [this](int barrier) { m_outbox.barrierAnswered(barrier); };
+    m_connection->onBarrier = [this](int barrier) {
+        m_outbox.barrierAnswered(barrier);
+        closeWhenAnswered();
+    };
     m_connection->onAcknowledged = [this](int message, bool isTaken) {
         if (!isTaken)
             say(QStringLiteral("the broker refuses messages: look at its rights"));
         m_outbox.acknowledged(message);
+        closeWhenAnswered();
     };
     m_connection->onEnded = [this](const QString& reason) { ended(reason); };
     m_attemptMs = steadyMs();
@@ -146,7 +150,7 @@ void BusClient::ended(const QString& reason)
     m_outbox.connectionEnded();
     m_form.disconnected();
     const qint64 workedMs = m_isUp ? steadyMs() - m_upMs : 0;
-    m_isUp = false;
+    m_isUp = m_isLeaving = false;
     m_status.sinceMs = nowMs();
     m_status.lastError = reason;
     say("not connected to " + m_broker.host + ": " + reason);
@@ -160,10 +164,26 @@ void BusClient::received(const Message& message)
     announce(received.messages);
     for (const WriteRequest& request : received.writes)
         onWrite(request);
-    if (received.mustLeave && m_connection != nullptr) {
-        send(m_form.leaving(nowMs()));
-        m_connection->close(m_form.wantsWillAfterLeaving());
-    }
+    if (received.mustLeave && m_isUp)
+        leave();
+}
+
+// As stop() does, but the event loop waits for the answers.
+void BusClient::leave()
+{
+    send(m_form.leaving(nowMs()));
+    sendBarrier();
+    m_isUp = false;
+    m_isLeaving = true;
+    m_attemptMs = steadyMs();
+}
+
+void BusClient::closeWhenAnswered()
+{
+    if (!m_isLeaving || !m_outbox.isAllConfirmed())
+        return;
+    m_isLeaving = false;
+    m_connection->close(m_form.wantsWillAfterLeaving());
 }
 
 void BusClient::publish(const QVector<Change>& changes)

@@ -43,6 +43,8 @@ private:
     void received(const Message& message);
     void announce(const Messages& messages);
     void send(const Messages& messages);
+    void leave();
+    void closeWhenAnswered();
     void everySecond();
     void sendBarrier();
     void drain();
@@ -64,6 +66,7 @@ private:
     QSet<QString> m_subscriptions;  // of this connection
     bool m_isUp = false;
     bool m_isMemoryDue = false;  // the form's, to be stored
+    bool m_isLeaving = false;    // when all is answered
     bool m_isRunning = false;
     GrowingPause m_pause;
     qint64 m_second = 0;     // of the last tick; all of these are steady

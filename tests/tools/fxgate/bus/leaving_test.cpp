@@ -1,0 +1,135 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// How the bus client leaves a broker because its primary host is gone, step by step, on a
+// connection that answers when the test says so.
+
+#include "tests/tools/fxgate/bus/small_plant.h"
+#include "tools/fxgate/bus/bus_client.h"
+#include "tools/fxgate/bus/sparkplug_form.h"
+
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using namespace fxgate;
+using namespace gate_tests;
+
+namespace {
+
+class ScriptedConnection : public Connection
+{
+public:
+    QString host() const override { return "broker"; }
+    void open() override {}
+    int publish(const Message& message) override
+    {
+        calls.append(message.topic.section('/', 2, 2));
+        return ++numbers;
+    }
+    int subscribe(const QString& topic) override
+    {
+        calls.append("subscribe " + topic.section('/', 1, 1));
+        return ++numbers;
+    }
+    int barrier() override
+    {
+        calls.append("barrier");
+        return ++numbers;
+    }
+    void close(bool withWill) override { calls.append(withWill ? "close with will" : "close"); }
+    void end(const QString& reason) override { calls.append(reason); }
+    void runUntil(const std::function<bool()>& /*isDone*/, int /*timeoutMs*/) override {}
+    bool wasConnectSent() const override { return true; }
+
+    QStringList calls;
+    int numbers = 0;
+};
+
+class LeavingTest : public testing::Test
+{
+protected:
+    LeavingTest()
+    {
+        m_environment.now = [this] { return m_now; };
+        m_environment.chance = [] { return 0.0; };
+        m_environment.makeConnection = [this](const BrokerSettings&, const QString&,
+                                              const Message&) {
+            auto connection = std::make_unique<ScriptedConnection>();
+            m_connection = connection.get();
+            return connection;
+        };
+        m_bus =
+            std::make_unique<BusClient>(m_form, m_store, BrokerSettings(), m_plant, m_environment);
+        m_bus->onState = [](const QString&) {};
+        m_bus->start();
+        m_connection->onConnected();
+        for (const int subscription : {1, 2, 3})
+            m_connection->onSubscribed(subscription, true);
+        hostIs("true");
+    }
+
+    void hostIs(const QByteArray& online)
+    {
+        m_connection->onMessage(
+            {"spBv1.0/STATE/scada", "{\"online\":" + online + ",\"timestamp\":5}", 1, true});
+    }
+
+    std::string calls()
+    {
+        const QStringList last = m_connection->calls;
+        m_connection->calls.clear();
+        return last.join(", ").toStdString();
+    }
+
+    QTemporaryDir m_folder;
+    Moment m_now{noon, 5000};
+    Plant m_plant = {{"press1", pressView()}};
+    SparkplugForm m_form = SparkplugForm({"plant", "cabinet1", "scada"}, m_plant);
+    Store m_store = Store(settings());
+    Environment m_environment = realEnvironment();
+    ScriptedConnection* m_connection = nullptr;
+    std::unique_ptr<BusClient> m_bus;
+
+private:
+    StoreSettings settings() const
+    {
+        StoreSettings settings;
+        settings.file = m_folder.filePath("store.db");
+        return settings;
+    }
+};
+
+TEST_F(LeavingTest, ClosesNotBeforeAllIsAnswered)
+{
+    EXPECT_EQ(calls(),
+              "subscribe plant, subscribe plant, subscribe STATE, NBIRTH, DBIRTH");  // numbers 1-5
+    m_bus->publish({change("count", 7, noon)});
+    EXPECT_EQ(calls(), "DDATA");  // 6
+    hostIs("false");
+    EXPECT_EQ(calls(), "NDEATH, barrier");  // 7, 8
+    m_connection->onAcknowledged(7, true);
+    m_bus->publish({change("count", 8, noon)});  // is kept
+    EXPECT_EQ(calls(), "");
+    m_connection->onBarrier(8);
+    EXPECT_EQ(calls(), "close with will");
+    m_connection->onEnded("as wanted");
+    EXPECT_EQ(m_bus->status().waiting, 1);
+}
+
+TEST_F(LeavingTest, GivesUpWhenNothingIsAnswered)
+{
+    calls();
+    hostIs("false");
+    EXPECT_EQ(calls(), "NDEATH, barrier");
+    for (int second = 0; second < 10; ++second) {
+        m_now.steadyMs += 1000;
+        m_bus->tick();
+    }
+    EXPECT_EQ(calls(), "");
+    m_now.steadyMs += 1000;
+    m_bus->tick();
+    EXPECT_EQ(calls(), "the broker does not answer");
+}
+
+}  // namespace
