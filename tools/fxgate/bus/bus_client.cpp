@@ -220,6 +220,8 @@ void BusClient::answer(const WriteRequest& request, const WriteResult& result)
 
 void BusClient::everySecond()
 {
+    if (m_isUp)
+        announce(m_form.everySecond(nowMs()));
     drain();
     if (m_isMemoryDue)
         rememberForm();

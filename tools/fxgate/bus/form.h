@@ -68,6 +68,8 @@ public:
     virtual Messages linkChanged(const QString& link, qint64 nowMs) = 0;  // its state or its tags
     virtual Messages dropped(qint64 changes, qint64 nowMs) = 0;           // in all, from the store
 
+    virtual Messages everySecond(qint64 /*nowMs*/) { return {}; }  // while connected
+
     virtual bool isAnnounced(const QString& link) const = 0;
     virtual Sending sending(const QString& link, const QString& tag) const = 0;
     virtual Messages values(const QVector<Change>& changes, qint64 nowMs) = 0;

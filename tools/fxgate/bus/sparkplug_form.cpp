@@ -123,7 +123,7 @@ Messages SparkplugForm::connected(qint64 nowMs)
 
 void SparkplugForm::disconnected()
 {
-    m_isConnected = m_isBorn = m_isHostOnline = false;
+    m_isConnected = m_isBorn = m_isHostOnline = m_wasReborn = m_isRebirthDue = false;
     m_devices.clear();
 }
 
@@ -199,6 +199,7 @@ Message SparkplugForm::deviceDeath(const QString& link, qint64 nowMs)
 Messages SparkplugForm::births(qint64 nowMs)
 {
     m_isBorn = true;
+    m_isRebirthDue = false;
     m_devices.clear();
     Messages messages = {nodeBirth(nowMs)};
     for (auto link = m_plant.begin(); link != m_plant.end(); ++link)
@@ -221,7 +222,7 @@ bool SparkplugForm::isUnchanged(const QString& link) const
 
 Messages SparkplugForm::linkChanged(const QString& link, qint64 nowMs)
 {
-    if (!m_isBorn)
+    if (!m_isBorn || m_isRebirthDue)
         return {};
     const LinkView view = m_plant.value(link);
     const bool isAlive = view.isUp && !view.tags.isEmpty();
@@ -236,7 +237,7 @@ Messages SparkplugForm::linkChanged(const QString& link, qint64 nowMs)
 Messages SparkplugForm::dropped(qint64 changes, qint64 nowMs)
 {
     m_dropped = changes;
-    if (!m_isBorn)
+    if (!m_isBorn || m_isRebirthDue)
         return {};
     Metric metric;
     metric.name = QStringLiteral("Dropped");
@@ -249,7 +250,7 @@ Messages SparkplugForm::dropped(qint64 changes, qint64 nowMs)
 
 Form::Sending SparkplugForm::sending(const QString& link, const QString& tag) const
 {
-    if (m_devices.contains(link))
+    if (m_devices.contains(link) && !m_isRebirthDue)
         return m_devices[link].contains(tag) ? Sending::Now : Sending::Never;
     const auto view = m_plant.find(link);
     if (view == m_plant.end())
@@ -349,9 +350,22 @@ Received SparkplugForm::hostState(const QByteArray& payload, qint64 nowMs)
 Received SparkplugForm::nodeCommand(const SparkplugPayload& payload, qint64 nowMs)
 {
     for (const Metric& metric : payload.metrics)
-        if (metric.name == "Node Control/Rebirth" && metric.value == true)
-            return {births(nowMs), {}, false};
+        if (metric.name == "Node Control/Rebirth" && metric.value == true) {
+            m_isRebirthDue = true;
+            return {m_wasReborn ? Messages() : rebirth(nowMs), {}, false};
+        }
     return {};
+}
+
+Messages SparkplugForm::rebirth(qint64 nowMs)
+{
+    m_wasReborn = m_isRebirthDue;
+    return m_isBorn && m_isRebirthDue ? births(nowMs) : Messages();
+}
+
+Messages SparkplugForm::everySecond(qint64 nowMs)
+{
+    return rebirth(nowMs);
 }
 
 QVector<WriteRequest> SparkplugForm::deviceCommand(const QString& link,

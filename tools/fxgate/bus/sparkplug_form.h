@@ -36,7 +36,11 @@ public:
     Messages leaving(qint64 nowMs) override;
     Messages linkChanged(const QString& link, qint64 nowMs) override;
     Messages dropped(qint64 changes, qint64 nowMs) override;
-    bool isAnnounced(const QString& link) const override { return m_devices.contains(link); }
+    Messages everySecond(qint64 nowMs) override;
+    bool isAnnounced(const QString& link) const override
+    {
+        return m_devices.contains(link) && !m_isRebirthDue;
+    }
     Sending sending(const QString& link, const QString& tag) const override;
     Messages values(const QVector<Change>& changes, qint64 nowMs) override;
     Messages history(const QVector<StoredChange>& changes, qint64 nowMs) override;
@@ -59,6 +63,7 @@ private:
     Message deviceBirth(const QString& link, qint64 nowMs);
     Message deviceDeath(const QString& link, qint64 nowMs);
     Messages births(qint64 nowMs);
+    Messages rebirth(qint64 nowMs);
     Messages data(const QString& link, QVector<Metric> metrics, qint64 nowMs);
     quint64 aliasOf(const QString& link, const QString& tag);
     bool isUnchanged(const QString& link) const;
@@ -75,6 +80,8 @@ private:
     bool m_isConnected = false;
     bool m_isBorn = false;
     bool m_isHostOnline = false;
+    bool m_wasReborn = false;            // in this second; once in each is enough
+    bool m_isRebirthDue = false;         // and no data before it
     std::optional<qint64> m_hostTimeMs;  // of the last state of the primary host that counted
     QMap<QString, Device> m_devices;     // that are born, by link
     QHash<QPair<QString, QString>, quint64> m_aliases;  // by link and tag, never given twice

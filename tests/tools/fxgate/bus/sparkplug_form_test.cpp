@@ -482,6 +482,42 @@ TEST_F(SparkplugCommand, RebirthTellsAllAgainOverTheSameConnection)
     EXPECT_TRUE(m_form.values({change("flow", 14, now)}, now).isEmpty());
 }
 
+TEST_F(SparkplugCommand, RebirthsAreNoMoreThanOneASecondAndNoDataComesBefore)
+{
+    births();
+    const QByteArray rebirth = command("Node Control/Rebirth", Datatype::Boolean, true);
+    EXPECT_EQ(nodeCommand(rebirth).messages.size(), 2);
+    EXPECT_EQ(m_form.sending("press1", "flow"), Form::Sending::Now);
+    for (int times = 0; times < 100; ++times)
+        EXPECT_TRUE(nodeCommand(rebirth).messages.isEmpty());
+    EXPECT_EQ(m_form.sending("press1", "flow"), Form::Sending::Later);
+    EXPECT_FALSE(m_form.isAnnounced("press1"));
+    EXPECT_TRUE(linkIs(false).isEmpty());
+    EXPECT_TRUE(linkIs(true).isEmpty());
+    EXPECT_TRUE(m_form.dropped(7, now).isEmpty());
+    const Messages due = m_form.everySecond(now);
+    EXPECT_EQ(topics(due), "NBIRTH \nDBIRTH press1");
+    EXPECT_EQ(metricIn(due[0], "Dropped").value, 7);
+    EXPECT_TRUE(m_form.isAnnounced("press1"));
+    EXPECT_TRUE(nodeCommand(rebirth).messages.isEmpty());
+    EXPECT_EQ(m_form.everySecond(now).size(), 2);
+    EXPECT_TRUE(m_form.everySecond(now).isEmpty());
+    EXPECT_EQ(nodeCommand(rebirth).messages.size(), 2);
+}
+
+TEST_F(SparkplugCommand, ARebirthThatIsDueEndsWithTheConnection)
+{
+    births();
+    const QByteArray rebirth = command("Node Control/Rebirth", Datatype::Boolean, true);
+    nodeCommand(rebirth);
+    nodeCommand(rebirth);
+    EXPECT_EQ(topics(m_form.leaving(now)), "NDEATH ");
+    m_form.disconnected();
+    EXPECT_TRUE(m_form.everySecond(now).isEmpty());
+    births();
+    EXPECT_EQ(m_form.sending("press1", "flow"), Form::Sending::Now);
+}
+
 TEST_F(SparkplugCommand, OtherNodeCommandsAreIgnored)
 {
     births();

@@ -411,7 +411,8 @@ void Chaos::command()
     metric.name = "Node Control/Rebirth";
     metric.datatype = Datatype::Boolean;
     metric.value = true;
-    m_broker.publish({"spBv1.0/plant/NCMD/cabinet1", encoded({{}, {}, {metric}}), 0, false});
+    for (int times = happens(0.3) ? 50 : 1; times > 0; --times)
+        m_broker.publish({"spBv1.0/plant/NCMD/cabinet1", encoded({{}, {}, {metric}}), 0, false});
 }
 
 }  // namespace chaos

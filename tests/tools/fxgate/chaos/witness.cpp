@@ -18,6 +18,7 @@ constexpr qint64 settledMs = 20000;     // after a trouble, before the views are
 constexpr qint64 comesBackMs = 100000;  // the longest pause, and the longest attempt
 constexpr qint64 becomesBadMs = 3000;   // after the last word of a worker
 constexpr qint64 graceMs = 2000;        // for a tick and the way to the broker
+constexpr size_t mostBirths = 20;       // in ten seconds
 constexpr int mostFindings = 10;
 
 const char* const formNames[] = {"plain", "sparkplug"};
@@ -228,6 +229,11 @@ void Witness::readSparkplug(const QStringList& levels, const Message& message, i
     if (type == "NBIRTH") {
         if (sequence != 0)
             find("a birth with another number than 0");
+        m_birthsMs.push_back(m_timeline.steadyMs());
+        while (m_birthsMs.front() < m_timeline.steadyMs() - 10000)
+            m_birthsMs.pop_front();
+        if (m_birthsMs.size() > mostBirths)
+            find("births without end");
         view.sinceMs = m_timeline.steadyMs();
         view.session = session;
         view.aliases.clear();

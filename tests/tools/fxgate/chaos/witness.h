@@ -149,6 +149,7 @@ private:
     std::array<qint64, forms> m_dropped = {};
     std::map<qint64, int> m_written, m_replies;
     std::map<qint64, bool> m_mayBeDone, m_isRetained;
+    std::deque<qint64> m_birthsMs;  // of the last seconds
     qint64 m_disturbedMs = 0;
     bool m_isHostOnline = true;
     Counts m_counts;
