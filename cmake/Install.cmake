@@ -51,7 +51,7 @@ if(TARGET fxhost)
             DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
     endforeach()
     install(DIRECTORY packaging/completion/ COMPONENT tools
-        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions PATTERN fxgate EXCLUDE)
 
     install(FILES docs/at-the-machine.md docs/serve.md docs/tags.md docs/polling.md docs/json-schema.json
                   docs/doctor.svg docs/plan.svg docs/simulator.svg docs/watch.svg
@@ -77,6 +77,8 @@ if(TARGET fxgate)
         install(FILES ${PROJECT_BINARY_DIR}/man/${manual}
             DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section} COMPONENT gateway)
     endforeach()
+    install(FILES packaging/completion/fxgate COMPONENT gateway
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
     install(FILES docs/gateway.md docs/sparkplug.md
         DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT gateway)
     install(DIRECTORY examples/gateway

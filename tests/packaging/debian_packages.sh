@@ -122,6 +122,7 @@ END
 ! has_gateway || expect_files "$gateway" <<END
 ./usr/bin/fxgate
 ./usr/lib/systemd/system/fxgate.service
+./usr/share/bash-completion/completions/fxgate
 ./usr/share/doc/fx-gateway/changelog.gz
 ./usr/share/doc/fx-gateway/copyright
 ./usr/share/doc/fx-gateway/docs/gateway.md

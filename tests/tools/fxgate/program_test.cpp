@@ -297,6 +297,34 @@ TEST_F(FxgateTest, ChecksAConfigurationAndItsTagFiles)
               "/fxgate.toml: 2 links, 2 tags, 0 errors, 0 warnings\n");
 }
 
+TEST(FxgateCommandLine, IsCompletedByTheShell)
+{
+    struct Row
+    {
+        const char* words;
+        const char* offers;
+    };
+    const Row rows[] = {
+        {"''", "run check status reload"},
+        {"s", "status"},
+        {"--v", "--version"},
+        {"status --", "--help --json --watch --socket"},
+        {"run --c", "--config"},
+        {"run --config /dev/nul", "/dev/null"},
+        {"check /dev/nul", "/dev/null"},
+        {"reload --js", ""},
+    };
+    for (const auto& [words, offers] : rows) {
+        QProcess shell;
+        shell.start("bash", {"-c", QString("source %1; COMP_WORDS=(%2 %3); "
+                                           "COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _fxgate; "
+                                           "printf '%s' \"${COMPREPLY[*]}\"")
+                                       .arg(FXGATE_COMPLETION, FXGATE_FILE, words)});
+        ASSERT_TRUE(shell.waitForFinished(60000));
+        EXPECT_EQ(shell.readAllStandardOutput().toStdString(), offers) << words;
+    }
+}
+
 TEST(FxgateCommandLine, TellsMistakesAndWhereHelpIs)
 {
     struct Row
