@@ -174,6 +174,22 @@ toml::table parsed(const QString& path)
     }
 }
 
+LinkSettings linkOfEnvironment(const QString& text)
+{
+    try {
+        return parseLink(text);
+    } catch (const Failure& failure) {
+        throw Failure(failure.code(), "FX_LINK: " + failure.text());
+    }
+}
+
+ConfiguredPlc unnamedPlc(const LinkSettings& link)
+{
+    ConfiguredPlc plc;
+    plc.link = link;
+    return plc;
+}
+
 }  // namespace
 
 QStringList Configuration::names() const
@@ -217,6 +233,25 @@ QString usualConfigurationFile()
 {
     return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
            "/fxhost/config.toml";
+}
+
+std::optional<ConfiguredPlc> meantPlc(const PlcWish& wish)
+{
+    const QString environment = qEnvironmentVariable("FX_LINK");
+    if (!wish.link.isEmpty())
+        return unnamedPlc(parseLink(wish.link));
+    if (wish.plc.isEmpty() && !environment.isEmpty())
+        return unnamedPlc(linkOfEnvironment(environment));
+    const QString file = wish.file.isEmpty() ? usualConfigurationFile() : wish.file;
+    if (wish.plc.isEmpty() && wish.file.isEmpty() && !QFile::exists(file))
+        return std::nullopt;
+    const Configuration configuration = readConfiguration(file);
+    const QString name = wish.plc.isEmpty() ? configuration.defaultPlc : wish.plc;
+    if (name.isEmpty())
+        return std::nullopt;
+    if (const ConfiguredPlc* const plc = configuration.find(name))
+        return *plc;
+    throw Failure(ExitCode::Usage, file + ": " + unknownName("PLC", name, configuration.names()));
 }
 
 }  // namespace fxtools

@@ -21,7 +21,7 @@ namespace fxtools {
 
 struct ConfiguredPlc
 {
-    QString name;
+    QString name;  // empty: it is not in the file
     LinkSettings link;
     std::optional<int> timeoutMs, retries, reconnectS;
     QString tags = {};  // the tag file; empty: none
@@ -42,5 +42,17 @@ Configuration readConfiguration(const QString& file);
 
 // $XDG_CONFIG_HOME/fxhost/config.toml, by default in ~/.config.
 QString usualConfigurationFile();
+
+// Each is empty if it is not given.
+struct PlcWish
+{
+    QString link;
+    QString plc;   // a name of the file
+    QString file;  // empty: the usual one
+};
+
+// The PLC that is meant: by its link, by its name, by FX_LINK, or as the default of the file, in
+// this order; nothing if nothing says. Throws Failure.
+std::optional<ConfiguredPlc> meantPlc(const PlcWish& wish);
 
 }  // namespace fxtools

@@ -117,33 +117,6 @@ void applyBaud(LinkSettings& link, int baud)
         lineFor(link, "baud").baud = checkedBaud(baud);
 }
 
-LinkSettings linkOfEnvironment(const QString& text)
-{
-    try {
-        return parseLink(text);
-    } catch (const Failure& failure) {
-        throw Failure(failure.code(), "FX_LINK: " + failure.text());
-    }
-}
-
-// The PLC that --plc names, or the default of the configuration file if there is one.
-std::optional<ConfiguredPlc> configuredPlc(const LinkOptions& options)
-{
-    const bool isGiven = !options.config.empty();
-    const QString file =
-        isGiven ? QString::fromStdString(options.config) : usualConfigurationFile();
-    if (options.plc.empty() && !isGiven && !QFile::exists(file))
-        return std::nullopt;
-    const Configuration configuration = readConfiguration(file);
-    const QString name =
-        options.plc.empty() ? configuration.defaultPlc : QString::fromStdString(options.plc);
-    if (name.isEmpty())
-        return std::nullopt;
-    if (const ConfiguredPlc* const plc = configuration.find(name))
-        return *plc;
-    throw Failure(ExitCode::Usage, file + ": " + unknownName("PLC", name, configuration.names()));
-}
-
 // What the command line gives goes before.
 void takeConfigured(const ConfiguredPlc& plc, CommonOptions& common)
 {
@@ -219,13 +192,10 @@ OutputOptions besides(const FileOptions& options, const OutputOptions& output)
 
 void chooseLink(CommonOptions& common)
 {
-    LinkOptions& options = common.link;
-    const QString environment = qEnvironmentVariable("FX_LINK");
-    if (!options.link.empty())
-        options.named = parseLink(QString::fromStdString(options.link));
-    else if (options.plc.empty() && !environment.isEmpty())
-        options.named = linkOfEnvironment(environment);
-    else if (const std::optional<ConfiguredPlc> plc = configuredPlc(options))
+    const LinkOptions& options = common.link;
+    if (const auto plc =
+            meantPlc({QString::fromStdString(options.link), QString::fromStdString(options.plc),
+                      QString::fromStdString(options.config)}))
         takeConfigured(*plc, common);
     if (common.retries < 0)
         common.retries = usualRetries;

@@ -1,0 +1,74 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// fxview: a window for one PLC. Reads the command line, opens the window at once, and lets a thread
+// talk to the PLC. What keeps it from the PLC stands in the window: who started it from a desktop
+// sees no other place.
+
+#include "tools/failure.h"
+#include "tools/fxview/options.h"
+#include "tools/fxview/plc/plc_thread.h"
+#include "tools/fxview/widgets/main_window.h"
+
+#include <QApplication>
+#include <QDateTime>
+
+namespace {
+
+using namespace fxview;
+using fxtools::Failure;
+
+// A source without a PLC, for a window that only says why.
+class NoPlc : public PlcSource
+{
+public:
+    QString name() const override { return QStringLiteral("fxview"); }
+    bool isSimulated() const override { return false; }
+    QVector<fxtools::Tag> tags() const override { return {}; }
+    void write(int /*id*/, int /*tag*/, const QString& /*text*/) override {}
+    void benchCommand(const QString& /*command*/) override {}
+};
+
+std::unique_ptr<PlcThread> plcOf(const Options& options)
+{
+    const ChosenPlc chosen = choosePlc(options);
+    auto services = std::make_unique<fxtools::AddressServices>(
+        chosen.settings.library, chosen.settings.tags, chosen.settings.station);
+    const QVector<fxtools::Tag> tags = tagsOf(*services);
+    return std::make_unique<PlcThread>(chosen.settings, chosen.name, std::move(services), tags);
+}
+
+int show(const Options& options)
+{
+    std::unique_ptr<PlcThread> plc;
+    NoPlc noPlc;
+    QString problem;
+    try {
+        plc = plcOf(options);
+    } catch (const Failure& failure) {
+        problem = failure.text();
+        qWarning("fxview: %s", qPrintable(problem));
+    }
+    PlcSource& source = plc ? static_cast<PlcSource&>(*plc) : noPlc;
+    MainWindow window(source, QDateTime::currentMSecsSinceEpoch);
+    window.show();
+    if (plc)
+        plc->start();
+    else
+        window.problems().set(Problem::TagFile, problem);
+    return QApplication::exec();
+}
+
+}  // namespace
+
+int main(int argumentCount, char** arguments)
+{
+    int exitCode = 0;
+    const std::optional<Options> options = readOptions(argumentCount, arguments, exitCode);
+    if (!options)
+        return exitCode;
+    QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    const QApplication application(argumentCount, arguments);
+    return show(*options);
+}

@@ -1,0 +1,120 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+
+#include "tools/fxview/options.h"
+
+#include "tools/command_help.h"
+#include "tools/service/configuration.h"
+#include "tools/service/limits.h"
+
+#include <iostream>
+
+namespace fxview {
+
+namespace {
+
+const char* const footer = R"(Examples:
+  fxview
+  fxview --link 'serial:/dev/ttyUSB0?baud=9600' --tags press.csv
+  fxview --plc press1
+
+Without --link, --plc, FX_LINK and a default in the configuration file of fxhost
+the window shows a simulated PLC, and says so.
+
+Exit status:
+  0 success                          2 mistake at the command line
+
+For details see man fxview.)";
+
+const QString sampleTags = QStringLiteral(":/sample.csv");
+constexpr int simulatedBaud = 38400;
+
+QString text(const std::string& option)
+{
+    return QString::fromStdString(option);
+}
+
+}  // namespace
+
+std::optional<Options> readOptions(int argumentCount, char** arguments, int& exitCode)
+{
+    std::string link, plc, configuration, tags;
+    CLI::App app("A window for the values of one FX-series programmable controller", "fxview");
+    app.formatter(fxtools::helpFormatter());
+    app.set_help_flag("-h,--help", "Print this help");
+    app.option_defaults()->disable_flag_override();
+    app.set_version_flag("-V,--version", "fxview " FX_VERSION, "Print the version");
+    app.footer(footer);
+    CLI::Option* const linkOption =
+        app.add_option("--link", link,
+                       "serial:PATH?baud=9600, tcp:HOST:PORT, pty:PATH or sim: "
+                       "(default: FX_LINK, then the configuration file, then sim:)")
+            ->type_name("LINK");
+    app.add_option("--plc", plc, "The link of this name in the configuration file")
+        ->type_name("NAME")
+        ->excludes(linkOption);
+    app.add_option("--config", configuration,
+                   "Configuration file (default: ~/.config/fxhost/config.toml)")
+        ->type_name("FILE");
+    app.add_option("--tags", tags, "Tag file (default: that of the configuration file)")
+        ->type_name("FILE");
+    try {
+        app.parse(argumentCount, arguments);
+    } catch (const CLI::ParseError& error) {
+        exitCode = static_cast<int>(fxtools::ExitCode::Usage);
+        if (error.get_exit_code() == 0)
+            exitCode = app.exit(error);  // help and version
+        else
+            std::cerr << "fxview: " << qPrintable(fxtools::usageMistake(app, error)) << '\n';
+        return std::nullopt;
+    }
+    return Options{text(link), text(plc), text(configuration), text(tags)};
+}
+
+ChosenPlc choosePlc(const Options& options)
+{
+    const std::optional<fxtools::ConfiguredPlc> plc =
+        fxtools::meantPlc({options.link, options.plc, options.configuration});
+    ChosenPlc chosen;
+    fxtools::ConnectionSettings& settings = chosen.settings;
+    settings.link = plc ? plc->link : fxtools::SimulatedSettings{{}, simulatedBaud, {}};
+    const fxtools::PlcSettings& asked = fxtools::plcSettings(settings.link);
+    settings.station = asked.station;
+    settings.session.wordsPerFrame = asked.words.value_or(settings.session.wordsPerFrame);
+    settings.session.failLimit = fxtools::usualRetries + 1;
+    settings.tags.file = options.tags;
+    if (plc) {
+        settings.tags.plc = plc->name;
+        if (options.tags.isEmpty())
+            settings.tags.file = plc->tags;
+        settings.session.failLimit = plc->retries.value_or(fxtools::usualRetries) + 1;
+        if (plc->timeoutMs)
+            settings.loop.timeout = fxtools::TimeoutLimits::fixed(*plc->timeoutMs);
+        settings.reconnectS = plc->reconnectS;
+    }
+    const bool isSimulated = std::holds_alternative<fxtools::SimulatedSettings>(settings.link);
+    if (settings.tags.file.isEmpty() && isSimulated)
+        settings.tags.file = sampleTags;
+    if (settings.tags.file.isEmpty())
+        throw fxtools::Failure(fxtools::ExitCode::Usage,
+                               QStringLiteral("no tag file: start fxview with --tags FILE, or put "
+                                              "tags = \"FILE\" into the configuration file"));
+    chosen.name =
+        settings.tags.plc.isEmpty() ? fxtools::linkText(settings.link) : settings.tags.plc;
+    return chosen;
+}
+
+QVector<fxtools::Tag> tagsOf(const fxtools::AddressServices& services)
+{
+    QVector<fxtools::Tag> tags;
+    for (const fxtools::Tag& tag : services.tags()) {
+        if (tag.link.isEmpty() || services.source.plc.isEmpty() || tag.link == services.source.plc)
+            tags.append(tag);
+    }
+    if (tags.isEmpty())
+        throw fxtools::Failure(fxtools::ExitCode::File,
+                               services.source.file + ": no tag of " + services.source.plc);
+    return tags;
+}
+
+}  // namespace fxview

@@ -1,0 +1,35 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// What the command line of fxview says, and the PLC that it means.
+
+#pragma once
+
+#include "tools/service/connection.h"
+
+#include <optional>
+
+namespace fxview {
+
+struct Options
+{
+    QString link, plc, configuration, tags;  // empty: not given
+};
+
+// Nothing if the command line asks for help or for nothing that there is; then what is to be said
+// has been said, and the exit code is this.
+std::optional<Options> readOptions(int argumentCount, char** arguments, int& exitCode);
+
+struct ChosenPlc
+{
+    QString name;  // as people know it: "press1", "serial:/dev/ttyUSB0"
+    fxtools::ConnectionSettings settings;
+};
+
+// Without anything a simulated PLC with the sample program and its tags. Throws Failure.
+ChosenPlc choosePlc(const Options& options);
+
+// Those of the tag file that are of this PLC. Throws Failure with all mistakes of the file.
+QVector<fxtools::Tag> tagsOf(const fxtools::AddressServices& services);
+
+}  // namespace fxview
