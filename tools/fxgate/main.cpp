@@ -26,9 +26,11 @@ const char* const footer = R"(Examples:
   fxgate reload
 
 Exit status:
-  0 success                          7 error with a file, or no gateway answers
-  1 the configuration has mistakes   130 interrupted
-  2 mistake at the command line
+  0 success
+  1 check, reload: the configuration has mistakes
+  2 mistake on the command line
+  7 error with a file; run: the configuration has mistakes; no gateway answers
+  130 status --watch was interrupted
 
 For the options of a command see fxgate COMMAND --help; for details see
 man fxgate and man fxgate.toml.)";
@@ -55,7 +57,7 @@ void addSocket(CLI::App& command, Options& options)
 {
     command
         .add_option("--socket", options.socket,
-                    "Where the gateway is asked (default: control in its runtime directory)")
+                    "Control socket of the gateway (default: see man fxgate)")
         ->type_name("PATH");
 }
 
@@ -68,7 +70,7 @@ void addCommands(CLI::App& app, Options& options, Action& action)
 {
     app.require_subcommand(1);
     CLI::App* const run =
-        addCommand(app, "run", "Serve the links until a signal ends it", action, [&options] {
+        addCommand(app, "run", "Publish the tags of all links until stopped", action, [&options] {
             return fxgate::run(text(options.configuration), text(options.socket));
         });
     run->add_option("--config", options.configuration,
@@ -76,11 +78,11 @@ void addCommands(CLI::App& app, Options& options, Action& action)
         ->type_name("FILE");
     addSocket(*run, options);
     run->footer("Examples:\n  fxgate run --config fxgate.toml\n\n"
-                "SIGHUP takes a changed configuration over, as fxgate reload does.");
+                "SIGHUP applies a changed configuration, as fxgate reload does.");
 
     CLI::App* const check =
-        addCommand(app, "check", "Show what is wrong with a configuration and its tag files",
-                   action, [&options] { return fxgate::check(text(options.configuration)); });
+        addCommand(app, "check", "Show the mistakes in a configuration and its tag files", action,
+                   [&options] { return fxgate::check(text(options.configuration)); });
     check->add_option("file", options.configuration,
                       std::string("Configuration file (default: ") + usualConfiguration + ")");
     check->footer("Examples:\n  fxgate check fxgate.toml");
@@ -89,24 +91,24 @@ void addCommands(CLI::App& app, Options& options, Action& action)
         addCommand(app, "status", "Show the links and the bus of a running gateway", action,
                    [&options] { return showStatus(text(options.socket), options.status); });
     status->add_flag("--json", options.status.isJson, "Print JSON, for programs");
-    status->add_flag("--watch", options.status.isWatched, "Show it again every second");
+    status->add_flag("--watch", options.status.isWatched, "Update every second");
     addSocket(*status, options);
     status->footer("Examples:\n  fxgate status --watch\n  fxgate status --json");
 
     CLI::App* const reload =
-        addCommand(app, "reload", "Let a running gateway read its configuration again", action,
+        addCommand(app, "reload", "Apply the changed configuration to a running gateway", action,
                    [&options] { return askToReload(text(options.socket)); });
     addSocket(*reload, options);
     reload->footer("Examples:\n  fxgate reload\n\n"
-                   "Only what has changed is touched; a configuration with mistakes changes "
-                   "nothing.");
+                   "Only links and forms that changed are restarted; a configuration with "
+                   "mistakes changes nothing.");
 }
 
 int runCommandLine(int argumentCount, char** arguments)
 {
     Options options;
     Action action;
-    CLI::App app("Put the tags of FX-series programmable controllers on a message bus (MQTT)",
+    CLI::App app("Publish the tags of FX-series programmable controllers on a message bus (MQTT)",
                  "fxgate");
     app.formatter(fxtools::helpFormatter());
     app.set_help_flag("-h,--help", "Print this help");

@@ -29,7 +29,7 @@ const char* const footer = R"(Examples:
 Exit status:
   0 success                          4 no reply
   1 some failed, or values differ    5 refused by the PLC (NAK)
-  2 mistake at the command line      6 damaged replies
+  2 mistake on the command line      6 damaged replies
   3 link not opened or lost          7 error with a file, library or output
   130 interrupted
 
