@@ -333,13 +333,15 @@ TEST(FxgateCommandLine, TellsMistakesAndWhereHelpIs)
         int code;
         const char* says;
     };
+    const char* const missing =
+        "fxgate: no gateway answers at /nowhere; is it running, with this --socket?\n";
     const Row rows[] = {
         {{}, 2, "fxgate: command missing; see fxgate --help\n"},
         {{"stat"}, 2, "fxgate: unknown command 'stat'; did you mean 'status'?\n"},
         {{"run", "--konfig"}, 2, "fxgate: unknown option '--konfig'; did you mean '--config'?\n"},
         {{"check", "/nowhere"}, 7, "fxgate: /nowhere: No such file or directory\n"},
-        {{"status", "--socket", "/nowhere"}, 7, "fxgate: no gateway answers at /nowhere\n"},
-        {{"reload", "--socket", "/nowhere"}, 7, "fxgate: no gateway answers at /nowhere\n"},
+        {{"status", "--socket", "/nowhere"}, 7, missing},
+        {{"reload", "--socket", "/nowhere"}, 7, missing},
     };
     for (const auto& [arguments, code, says] : rows) {
         const Ended ended = runFxgate(arguments);

@@ -78,8 +78,8 @@ QJsonObject ask(const QString& path, const QByteArray& request)
     socket.connectToServer(path);
     if (!socket.waitForConnected(replyMs))
         fail(socket.error() == QLocalSocket::SocketAccessError
-                 ? path + ": only the gateway's user and root may ask it"
-                 : "no gateway answers at " + path);
+                 ? path + ": only the gateway's user and root can connect"
+                 : "no gateway answers at " + path + "; is it running, with this --socket?");
     socket.write(request + '\n');
     while (!socket.canReadLine()) {
         if (!socket.waitForReadyRead(replyMs))

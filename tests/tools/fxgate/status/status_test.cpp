@@ -236,7 +236,8 @@ TEST(ControlSocket, ReplacesWhatAKilledGatewayLeft)
     gone.waitForFinished(-1);
     ASSERT_TRUE(QFile::exists(path));
     EXPECT_EQ(tool_tests::failureOf(fxtools::ExitCode::File, [&] { ask(path, "status"); }),
-              "no gateway answers at " + path.toStdString());
+              "no gateway answers at " + path.toStdString() +
+                  "; is it running, with this --socket?");
     const ControlSocket socket(path, [](const QByteArray&) { return QJsonObject(); });
 }
 
