@@ -40,6 +40,17 @@ QString contentOf(const QString& path)
     return QString::fromUtf8(content);
 }
 
+// "7d": in the largest unit that it is a whole number of.
+QString durationText(qint64 timeMs)
+{
+    for (const auto& [unit, ms] :
+         {std::pair("d", 86400000), {"h", 3600000}, {"min", 60000}, {"s", 1000}}) {
+        if (timeMs % ms == 0)
+            return QString::number(timeMs / ms) + unit;
+    }
+    return QString::number(timeMs) + "ms";
+}
+
 // "100M": a number with K, M or G of 1024; -1 if `text` is none.
 qint64 bytesIn(const QString& text)
 {
@@ -204,11 +215,8 @@ qint64 Section::timeMs(const char* key, Range range, qint64 unlessSaid)
         found->is_string() ? fxtools::parseTimeMs(found->as_string()->get()) : std::nullopt;
     if (timeMs && *timeMs >= range.least && *timeMs <= range.most)
         return *timeMs;
-    reject(key, QStringLiteral("%1 must be a time from %2 s to %3 s, such as \"0.5s\", \"10min\" "
-                               "or \"7d\"")
-                    .arg(QLatin1String(key))
-                    .arg(static_cast<double>(range.least) / 1000)
-                    .arg(range.most / 1000));
+    reject(key, QStringLiteral("%1 must be a time from \"%2\" to \"%3\", in quotes")
+                    .arg(QLatin1String(key), durationText(range.least), durationText(range.most)));
     return unlessSaid;
 }
 
