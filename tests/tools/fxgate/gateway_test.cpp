@@ -160,7 +160,7 @@ TEST_F(GatewayTest, CarriesWritesOutAndAnswersThem)
     ASSERT_TRUE(waitUntil([this] { return told.contains("plain flow done "); }));
     write("press2", 2);
     EXPECT_EQ(told.last(),
-              "plain flow refused the configuration does not allow writes to this link");
+              "plain flow refused writes to this link are not allowed: it lacks writes = true");
     EXPECT_EQ(folder.read("audit.jsonl").count('\n'), 3);
     EXPECT_EQ(gateway->status()["writes"].toObject(),
               (QJsonObject{{"done", 1}, {"refused", 1}, {"failed", 0}, {"unknown", 0}}));
@@ -236,7 +236,7 @@ TEST_F(GatewayTest, TakesOverWhoMayWrite)
               "reload: no link or form has changed");
     write("press1", 2);
     EXPECT_EQ(told.last(),
-              "plain flow refused the configuration does not allow writes to this link");
+              "plain flow refused writes are not allowed: [writes] lacks allowed = true");
 }
 
 TEST_F(GatewayTest, ChangesNothingWhereTheConfigurationHasMistakes)

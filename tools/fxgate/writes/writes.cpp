@@ -96,7 +96,8 @@ QByteArray identityOf(const WriteRequest& request)
 QString valueRefusal(const ServedTag& tag, const QJsonValue& value)
 {
     if (tag.kind == ValueKind::Bit)
-        return value.isBool() ? QString() : QStringLiteral("a bit is written as true or false");
+        return value.isBool() ? QString()
+                              : QStringLiteral("the value of a bit must be true or false");
     if (tag.kind == ValueKind::Text)
         return value.isString() ? QString() : QStringLiteral("the value must be a text");
     const double number = value.toDouble();
@@ -122,12 +123,12 @@ void Writes::configure(const WriteSettings& settings, const QMap<QString, Served
 QString Writes::ageRefusal(const WriteRequest& request, Moment now) const
 {
     if (request.isRetained)
-        return QStringLiteral("a retained message is no request; send it without retain");
+        return QStringLiteral("the request is retained; send it without the retain flag");
     if (!request.sentMs)
         return {};
     const qint64 ageMs = now.utcMs - *request.sentMs;
     if (ageMs > m_settings.oldestMs)
-        return QStringLiteral("sent %1 ago, longer than the %2 that are allowed")
+        return QStringLiteral("sent %1 ago; the limit is %2")
             .arg(secondsText(ageMs), secondsText(m_settings.oldestMs));
     if (-ageMs > m_settings.oldestMs)
         return QStringLiteral("sent %1 in the future; check the clocks").arg(secondsText(-ageMs));
@@ -142,8 +143,10 @@ QString Writes::refusal(const WriteRequest& request, Moment now) const
     const ServedTag* const tag = findTag(view, request.tag);
     if (!tag)
         return QStringLiteral("there is no such tag");
-    if (!m_settings.isAllowed || !m_links.value(request.link).isWritable)
-        return QStringLiteral("the configuration does not allow writes to this link");
+    if (!m_settings.isAllowed)
+        return QStringLiteral("writes are not allowed: [writes] lacks allowed = true");
+    if (!m_links.value(request.link).isWritable)
+        return QStringLiteral("writes to this link are not allowed: it lacks writes = true");
     if (!tag->isWritable)
         return QStringLiteral("the tag is read-only: its access is not rw");
     QString age = ageRefusal(request, now);
@@ -277,7 +280,7 @@ void Writes::workerLost(const QString& link, const QString& reason, Moment now)
 void Writes::tick(Moment now)
 {
     WriteResult unknown;
-    unknown.reason = "no answer in " + secondsText(answerTimeoutMs);
+    unknown.reason = "no answer within " + secondsText(answerTimeoutMs);
     for (auto& [link, queue] : m_queues) {
         if (queue.isSent && now.steadyMs - queue.writes.front().sentMs > answerTimeoutMs) {
             finishFirst(queue, unknown, now);

@@ -156,7 +156,7 @@ TEST_F(WritesTest, AreRefusedByRule)
         {"flow", true, "the value must be a number"},
         {"flow", QJsonValue(), "the value must be a number"},
         {"parts", 1.5, "the value must be a whole number"},
-        {"run", 1, "a bit is written as true or false"},
+        {"run", 1, "the value of a bit must be true or false"},
         {"name", 1, "the value must be a text"},
     };
     for (const auto& [tag, value, says] : rows)
@@ -176,14 +176,15 @@ TEST_F(WritesTest, MayHaveTheValuesOfTheLimits)
 
 TEST_F(WritesTest, NeedBothTheGatewaysAndTheLinksPermission)
 {
-    const char* const says = "flow refused the configuration does not allow writes to this link\n";
     links["press1"].isWritable = false;
     writes.configure(settings, links);
-    EXPECT_EQ(refusal(to("flow", 50)), says);
+    EXPECT_EQ(refusal(to("flow", 50)),
+              "flow refused writes to this link are not allowed: it lacks writes = true\n");
     links["press1"].isWritable = true;
     settings.isAllowed = false;
     writes.configure(settings, links);
-    EXPECT_EQ(refusal(to("flow", 50)), says);
+    EXPECT_EQ(refusal(to("flow", 50)),
+              "flow refused writes are not allowed: [writes] lacks allowed = true\n");
 }
 
 TEST_F(WritesTest, ThatWereRetainedOrAreTooOldAreRefused)
@@ -191,11 +192,10 @@ TEST_F(WritesTest, ThatWereRetainedOrAreTooOldAreRefused)
     WriteRequest request = to("flow", 50);
     request.isRetained = true;
     EXPECT_EQ(refusal(request),
-              "flow refused a retained message is no request; send it without retain\n");
+              "flow refused the request is retained; send it without the retain flag\n");
     request.isRetained = false;
     request.sentMs = now().utcMs - settings.oldestMs - 1;
-    EXPECT_EQ(refusal(request),
-              "flow refused sent 10.001 s ago, longer than the 10 s that are allowed\n");
+    EXPECT_EQ(refusal(request), "flow refused sent 10.001 s ago; the limit is 10 s\n");
     request.sentMs = now().utcMs + settings.oldestMs + 1;
     EXPECT_EQ(refusal(request), "flow refused sent 10.001 s in the future; check the clocks\n");
     request.sentMs = now().utcMs - settings.oldestMs;
@@ -335,7 +335,7 @@ TEST_F(WritesTest, WithoutAnAnswerInTimeAreUnknown)
     EXPECT_EQ(answered(), "");
     ++afterMs;
     writes.tick(now());
-    EXPECT_EQ(answered(), "flow unknown no answer in 30 s\n");
+    EXPECT_EQ(answered(), "flow unknown no answer within 30 s\n");
     ask(to("run", true));
     answer("press1", "1", WriteResult::Outcome::Done);  // too late, and not of this one
     EXPECT_EQ(answered(), "");
