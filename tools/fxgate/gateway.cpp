@@ -210,7 +210,7 @@ QStringList Gateway::changeLinks(const Configuration& old)
             continue;
         }
         linkChanged(name);
-        done += name + " ended";
+        done += name + " stopped";
     }
     for (const QString& name : m_configuration.links.keys()) {
         if (m_links.count(name) != 0)
@@ -218,7 +218,7 @@ QStringList Gateway::changeLinks(const Configuration& old)
         addLink(name);
         linkChanged(name);
         m_links.at(name)->start();
-        done += name + (changed.contains(name) ? " started again" : " started");
+        done += name + (changed.contains(name) ? " restarted" : " started");
     }
     return done;
 }
@@ -242,14 +242,14 @@ Gateway::Reload Gateway::reload()
     QStringList done = changeLinks(old);
     const QStringList started = startBuses();
     for (const QString& form : started)
-        done += form + (ended.contains(form) ? " started again" : " started");
+        done += form + (ended.contains(form) ? " restarted" : " started");
     for (const QString& form : ended) {
         if (!started.contains(form))
-            done += form + " ended";
+            done += form + " stopped";
     }
     const QString text =
-        "reload: " +
-        (done.isEmpty() ? QStringLiteral("no link or form has changed") : done.join(", "));
+        "reload: " + (done.isEmpty() ? QStringLiteral("applied; no link or form was restarted")
+                                     : done.join(", "));
     m_log(text);
     return {true, text};
 }

@@ -192,7 +192,7 @@ TEST_F(GatewayTest, TouchesNothingWhereNothingHasChanged)
     ASSERT_TRUE(waitUntilServing());
     const Gateway::Reload reload = reloadWith("", "");
     EXPECT_TRUE(reload.isDone);
-    EXPECT_EQ(reload.text, "reload: no link or form has changed");
+    EXPECT_EQ(reload.text, "reload: applied; no link or form was restarted");
     EXPECT_EQ(joined(told), "");
 }
 
@@ -204,9 +204,9 @@ TEST_F(GatewayTest, ReloadsOnlyTheLinksThatHaveChanged)
     const QByteArray third = "[link.press3]\nlink = \"sim:\"\ntags = \"press1.csv\"\n";
     EXPECT_EQ(reloadWith("[link.press2]", third + "[link.press2]").text, "reload: press3 started");
     folder.write("press2.csv", QByteArray(serving) + " # changed");
-    EXPECT_EQ(reloadWith("", "").text, "reload: press2 started again");
+    EXPECT_EQ(reloadWith("", "").text, "reload: press2 restarted");
     EXPECT_EQ(told.last(), "plain press2 changed");
-    EXPECT_EQ(reloadWith(third, "").text, "reload: press3 ended");
+    EXPECT_EQ(reloadWith(third, "").text, "reload: press3 stopped");
     EXPECT_EQ(told.last(), "plain press3 changed");
     EXPECT_EQ(gateway->status()["links"].toArray().size(), 2);
     EXPECT_EQ(link(0)["worker"].toInt(), worker);
@@ -221,11 +221,11 @@ TEST_F(GatewayTest, ReloadsOnlyTheFormsThatHaveChanged)
     EXPECT_EQ(reloadWith("[plain]", "[sparkplug]\ngroup = \"plant\"\n[plain]").text,
               "reload: sparkplug started");
     EXPECT_EQ(joined(told), "sparkplug starts");
-    EXPECT_EQ(reloadWith("\"fx\"", "\"fy\"").text, "reload: plain started again");
+    EXPECT_EQ(reloadWith("\"fx\"", "\"fy\"").text, "reload: plain restarted");
     EXPECT_EQ(joined(told), "plain stops\nplain starts");
-    EXPECT_EQ(reloadWith("[sparkplug]\ngroup = \"plant\"\n", "").text, "reload: sparkplug ended");
+    EXPECT_EQ(reloadWith("[sparkplug]\ngroup = \"plant\"\n", "").text, "reload: sparkplug stopped");
     EXPECT_EQ(joined(told), "sparkplug stops");
-    EXPECT_EQ(reloadWith("localhost", "127.0.0.1").text, "reload: plain started again");
+    EXPECT_EQ(reloadWith("localhost", "127.0.0.1").text, "reload: plain restarted");
 }
 
 TEST_F(GatewayTest, TakesOverWhoMayWrite)
@@ -233,7 +233,7 @@ TEST_F(GatewayTest, TakesOverWhoMayWrite)
     start();
     ASSERT_TRUE(waitUntilServing());
     EXPECT_EQ(reloadWith("allowed = true", "allowed = false").text,
-              "reload: no link or form has changed");
+              "reload: applied; no link or form was restarted");
     write("press1", 2);
     EXPECT_EQ(told.last(),
               "plain flow refused writes are not allowed: [writes] lacks allowed = true");

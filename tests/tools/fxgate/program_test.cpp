@@ -223,7 +223,7 @@ TEST_F(FxgateTest, ReloadsWhenItIsAskedAndWhenItIsSignalled)
 {
     start();
     ASSERT_TRUE(waitUntil([this] { return link(0)["up"].toBool(); }));
-    EXPECT_EQ(ask({"reload"}).out, "reload: no link or form has changed\n");
+    EXPECT_EQ(ask({"reload"}).out, "reload: applied; no link or form was restarted\n");
     EXPECT_TRUE(told().startsWith("RELOADING=1\nMONOTONIC_USEC="));
     EXPECT_EQ(told(), "READY=1");
     folder.write("fxgate.toml", toml + "oops = 1\n");
@@ -240,7 +240,7 @@ TEST_F(FxgateTest, ReloadsWhenItIsAskedAndWhenItIsSignalled)
     EXPECT_TRUE(told().startsWith("RELOADING=1"));
     EXPECT_EQ(told(), "READY=1");
     EXPECT_EQ(link(1)["name"].toString(), "press3");
-    EXPECT_NE(stop(SIGTERM).err.find("fxgate: reload: press2 ended, press3 started\n"),
+    EXPECT_NE(stop(SIGTERM).err.find("fxgate: reload: press2 stopped, press3 started\n"),
               std::string::npos);
 }
 
