@@ -74,10 +74,10 @@ void LinkSupervisor::readLines(const QByteArray& bytes)
             m_heardMs = steadyMs;
         }
     } catch (const fxtools::Failure& failure) {
-        return end("the worker talked nonsense: " + failure.text());
+        return end("the worker sent a wrong line: " + failure.text());
     }
     if (!m_lines.mistake().isEmpty())
-        end("the worker flooded: " + m_lines.mistake());
+        end("the worker sent too much: " + m_lines.mistake());
 }
 
 void LinkSupervisor::readComplaints(const QByteArray& bytes)
@@ -89,7 +89,7 @@ void LinkSupervisor::readComplaints(const QByteArray& bytes)
             m_lastComplaint = QString::fromUtf8(line);
     }
     if (!m_complaints.mistake().isEmpty())
-        end("the worker flooded: " + m_complaints.mistake());
+        end("the worker sent too much: " + m_complaints.mistake());
 }
 
 void LinkSupervisor::take(const WorkerLine& line)
@@ -118,7 +118,7 @@ void LinkSupervisor::take(const WorkerLine& line)
     } else if (const auto* const written = std::get_if<WrittenLine>(&line)) {
         onWritten(*written);
     } else if (const auto* const mistake = std::get_if<MistakeLine>(&line)) {
-        onLog("the worker did not understand: " + fxtools::quoted(mistake->text));
+        onLog("the worker rejected an order: " + fxtools::quoted(mistake->text));
     }
 }
 
@@ -154,9 +154,9 @@ void LinkSupervisor::judgeSilence(qint64 steadyMs)
 {
     const qint64 silentForMs = steadyMs - m_heardMs;
     if (!m_hasTags && silentForMs > startingMs)
-        end("the worker said nothing for " + QString::number(startingMs / 1000) + " s");
+        end("the worker was silent for " + QString::number(startingMs / 1000) + " s");
     else if (m_hasTags && silentForMs > hangsMs)
-        end("the worker said nothing for " + QString::number(hangsMs / 1000) + " s");
+        end("the worker was silent for " + QString::number(hangsMs / 1000) + " s");
     else if (m_hasTags && silentForMs > silentMs && !m_isSilent) {
         m_isSilent = true;
         lose(Quality::Stale, silence);
@@ -229,7 +229,7 @@ void LinkSupervisor::workerEnded(const QString& unasked)
     const qint64 steadyMs = m_environment.now().steadyMs;
     const qint64 pauseMs = m_pause.next(steadyMs - m_startedMs, m_environment.chance());
     m_restartMs = steadyMs + pauseMs;
-    onLog(how + QStringLiteral("; starting it again in %1 s")
+    onLog(how + QStringLiteral("; restarting it in %1 s")
                     .arg(static_cast<double>(pauseMs) / 1000, 0, 'f', 1));
 }
 

@@ -109,8 +109,8 @@ ServedTag tagIn(const QJsonObject& object)
 HelloLine helloIn(const QJsonObject& object)
 {
     if (object["protocol"] != protocol)
-        refuseLine(QStringLiteral("it does not speak protocol %1; fxhost and fxgate must be of one "
-                                  "version")
+        refuseLine(QStringLiteral("it does not speak protocol %1; fxhost and fxgate must have the "
+                                  "same version")
                        .arg(protocol));
     HelloLine hello{textIn(object, "version"), {}};
     QSet<QString> names;

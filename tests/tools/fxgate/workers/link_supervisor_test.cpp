@@ -126,7 +126,7 @@ TEST_F(LinkSupervisorTest, TellsWhichProgramIsMissing)
     missing.start();
     ASSERT_TRUE(waitUntil([&] { return missing.hasEnded(); }));
     EXPECT_TRUE(other["press1"].reason.startsWith("cannot start /nowhere/fxhost: "));
-    EXPECT_TRUE(logged.join(' ').contains("; starting it again in "));
+    EXPECT_TRUE(logged.join(' ').contains("; restarting it in "));
 }
 
 TEST_F(LinkSupervisorTest, EndsAWorkerThatCannotBeUnderstood)
@@ -137,14 +137,14 @@ TEST_F(LinkSupervisorTest, EndsAWorkerThatCannotBeUnderstood)
         const char* says;
     };
     const Row rows[] = {
-        {"echo hello; hang", "the worker talked nonsense: 'hello' is not a JSON object"},
-        {"up; hang", "the worker talked nonsense: no hello"},
-        {"hello; hello; hang", "the worker talked nonsense: a second hello"},
+        {"echo hello; hang", "the worker sent a wrong line: 'hello' is not a JSON object"},
+        {"up; hang", "the worker sent a wrong line: no hello"},
+        {"hello; hello; hang", "the worker sent a wrong line: a second hello"},
         {"hello; values '\"level\":1'; hang",
-         "the worker talked nonsense: 'level' is not one of its tags"},
-        {"hello; yes; hang", "the worker flooded: more than 2000 lines in a second"},
-        {"hello; yes >&2; hang", "the worker flooded: more than 2000 lines in a second"},
-        {"tr '\\0' x </dev/zero; hang", "the worker flooded: more than 8 MiB in a second"},
+         "the worker sent a wrong line: 'level' is not one of its tags"},
+        {"hello; yes; hang", "the worker sent too much: more than 2000 lines in a second"},
+        {"hello; yes >&2; hang", "the worker sent too much: more than 2000 lines in a second"},
+        {"tr '\\0' x </dev/zero; hang", "the worker sent too much: more than 8 MiB in a second"},
         {"kill -ABRT $$", "the worker was ended by signal 6"},
     };
     for (const auto& [script, says] : rows) {
@@ -183,7 +183,7 @@ TEST_F(LinkSupervisorTest, EndsAWorkerThatHangs)
     EXPECT_EQ(lost, QStringList());
     pass(1);
     ASSERT_TRUE(waitUntil([this] { return link->hasEnded(); }));
-    EXPECT_EQ(lost, QStringList("the worker said nothing for 10 s"));
+    EXPECT_EQ(lost, QStringList("the worker was silent for 10 s"));
 }
 
 TEST_F(LinkSupervisorTest, EndsAWorkerThatNeverBegins)
@@ -191,7 +191,7 @@ TEST_F(LinkSupervisorTest, EndsAWorkerThatNeverBegins)
     start("hang");
     pass(LinkSupervisor::startingMs + 1);
     ASSERT_TRUE(waitUntil([this] { return link->hasEnded(); }));
-    EXPECT_EQ(lost, QStringList("the worker said nothing for 30 s"));
+    EXPECT_EQ(lost, QStringList("the worker was silent for 30 s"));
 }
 
 TEST_F(LinkSupervisorTest, DoesNotBlameItsWorkerForItsOwnStandstill)

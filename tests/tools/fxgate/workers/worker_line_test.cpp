@@ -113,7 +113,7 @@ TEST(WorkerLine, IsRefusedWhereItIsNonsense)
         {R"({"event":5})", "event is not a text"},
         {R"({"event":"goodbye"})", "unknown event 'goodbye'"},
         {R"({"event":"hello","protocol":2})",
-         "it does not speak protocol 1; fxhost and fxgate must be of one version"},
+         "it does not speak protocol 1; fxhost and fxgate must have the same version"},
         {R"({"event":"hello","protocol":1,"tags":{}})", "tags is not a list"},
         {R"({"event":"hello","protocol":1,"tags":[5]})", "'' cannot be the name of a tag"},
         {R"({"event":"hello","protocol":1,"tags":[{"name":"a/b"}]})",
