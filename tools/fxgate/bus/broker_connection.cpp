@@ -116,7 +116,7 @@ struct BrokerConnection::Callbacks
     {
         BrokerConnection& connection = connectionOf(object);
         if (result == 0)
-            connection.end(QStringLiteral("disconnected as wanted"));
+            connection.end(QStringLiteral("the gateway disconnected"));
         if (result >= 0x80)  // a reason of the broker
             connection.m_error = "the broker ended the connection: " +
                                  QString::fromUtf8(mosquitto_reason_string(result));
@@ -206,7 +206,7 @@ bool BrokerConnection::prepareEncryption()
         result = mosquitto_tls_set(m_client, given(ca), ca.isEmpty() ? "/etc/ssl/certs" : nullptr,
                                    given(certificate), given(key), noPassPhrase);
     if (result != MOSQ_ERR_SUCCESS)
-        end(QStringLiteral("cannot read the files of certificates and key"));
+        end(QStringLiteral("cannot read the certificate or key files"));
     return result == MOSQ_ERR_SUCCESS;
 }
 
@@ -280,7 +280,7 @@ bool BrokerConnection::isRefused()
     pollfd socket = {mosquitto_socket(m_client), 0, 0};
     const bool isRefused = !m_wasConnectSent && poll(&socket, 1, 0) > 0;
     if (isRefused)
-        end(QStringLiteral("no connection"));
+        end(QStringLiteral("cannot connect"));
     return isRefused;
 }
 

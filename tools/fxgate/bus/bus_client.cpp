@@ -73,7 +73,7 @@ void BusClient::connectToBroker()
     };
     m_connection->onAcknowledged = [this](int message, bool isTaken) {
         if (!isTaken)
-            say(QStringLiteral("the broker refuses messages: look at its rights"));
+            say(QStringLiteral("the broker refuses messages: check its access control list"));
         m_outbox.acknowledged(message);
         closeWhenAnswered();
     };
@@ -105,7 +105,7 @@ void BusClient::subscribed(int subscription, bool isGranted)
 {
     const QString topic = m_pending.take(subscription);
     if (!isGranted) {
-        m_connection->end("the broker refused the subscription of " + topic);
+        m_connection->end("the broker refused the subscription to " + topic);
         return;
     }
     if (m_isUp || !m_pending.isEmpty())
@@ -133,7 +133,7 @@ void BusClient::send(const Messages& messages)
     for (const Message& message : messages) {
         const int number = m_connection->publish(message);
         if (number < 0) {
-            m_connection->end(QStringLiteral("the broker takes no more messages"));
+            m_connection->end(QStringLiteral("the broker accepts no more messages"));
             return;
         }
         ++m_status.sent;
@@ -277,7 +277,7 @@ void BusClient::watchStore()
     m_storeProblem = m_store.problem();
     if (m_store.movedTo() != m_movedTo)
         say("the store was damaged: it was moved to " + m_store.movedTo() +
-            ", and a new one begun");
+            ", and a new one was created");
     m_movedTo = m_store.movedTo();
     const qint64 dropped = m_outbox.dropped();
     if (dropped == m_droppedTold)
@@ -287,7 +287,7 @@ void BusClient::watchStore()
         send(messages);
     m_droppedTold = dropped;
     if (!m_droppedSaidMs || steadyMs() - *m_droppedSaidMs > betweenLinesMs) {
-        say(QStringLiteral("%1 stored changes had to be dropped").arg(dropped));
+        say(QStringLiteral("%1 stored changes were dropped").arg(dropped));
         m_droppedSaidMs = steadyMs();
     }
 }

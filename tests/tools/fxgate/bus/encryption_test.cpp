@@ -140,7 +140,7 @@ TEST_F(EncryptionTest, BrokerThatIsAwayCostsNoTime)
 {
     Broker broker;
     broker.kill();
-    EXPECT_EQ(outcome(encrypted(broker)), "plain: not connected to localhost: no connection");
+    EXPECT_EQ(outcome(encrypted(broker)), "plain: not connected to localhost: cannot connect");
 }
 
 TEST_F(EncryptionTest, BrokerWithoutEncryption)
