@@ -55,16 +55,18 @@ void readUrl(Section& section, BrokerSettings& broker)
     broker.host = url.host();
     broker.port = url.port(broker.isEncrypted ? 8883 : 1883);
     if (!url.userInfo().isEmpty())
-        section.reject("url", QStringLiteral("url must hold no user and no password: these belong "
-                                             "in user and password-file"));
+        section.reject("url",
+                       QStringLiteral("url must not contain a user or a password; use user and "
+                                      "password-file"));
     else if ((url.scheme() != QLatin1String("mqtt") && !broker.isEncrypted) ||
              broker.host.isEmpty() || !url.path().isEmpty() || url.hasQuery() || url.hasFragment())
         section.reject("url", "invalid url " + quoted(text) +
                                   ": expected mqtts://HOST:PORT or mqtt://localhost:PORT");
     else if (!broker.isEncrypted && broker.host != QLatin1String("localhost") &&
              !QHostAddress(broker.host).isLoopback())
-        section.reject("url", QStringLiteral("mqtt:// is not encrypted and only for a broker on "
-                                             "this machine; use mqtts://"));
+        section.reject("url",
+                       QStringLiteral("mqtt:// is not encrypted, and only allowed for a broker "
+                                      "on this machine; use mqtts://"));
 }
 
 BrokerSettings brokerIn(Section section)
@@ -121,8 +123,8 @@ SparkplugSettings sparkplugIn(Section section, const QString& gateway)
         section.missing("group", "group = \"plant\"");
     if (settings.group == QLatin1String("STATE"))
         section.reject("group",
-                       QStringLiteral("no group can be named STATE: hosts tell their state "
-                                      "there"));
+                       QStringLiteral("no group can be named STATE: host applications publish "
+                                      "their state there"));
     return settings;
 }
 
@@ -204,7 +206,7 @@ void readLinks(Section section, Configuration& configuration)
         names.insert(name.toLower(), name);
         configuration.links.insert(name, linkIn(inner, port));
         if (!port.isEmpty() && users.contains(port))
-            inner.reject("link", "link " + users[port] + " uses this port already");
+            inner.reject("link", "link " + users[port] + " already uses this port");
         else
             users.insert(port, name);
     }
