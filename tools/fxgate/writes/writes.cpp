@@ -82,12 +82,13 @@ const ServedTag* findTag(const LinkView& view, const QString& name)
     return found == view.tags.end() ? nullptr : &*found;
 }
 
-// Empty: nothing tells it from another one.
+// Empty: nothing tells it from another one. Without the time when it was sent, a button that is
+// pressed twice would look like a request that comes again, and what was not written look done.
 QByteArray identityOf(const WriteRequest& request)
 {
-    if (request.id.isEmpty() || request.isRetained)
+    if (request.id.isEmpty() || !request.sentMs || request.isRetained)
         return {};
-    const QJsonValue sent = request.sentMs ? static_cast<double>(*request.sentMs) : QJsonValue();
+    const auto sent = static_cast<double>(*request.sentMs);
     return QJsonDocument(QJsonArray{request.link, request.tag, request.id, request.value, sent})
         .toJson(QJsonDocument::Compact);
 }

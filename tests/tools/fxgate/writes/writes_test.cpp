@@ -264,6 +264,7 @@ TEST_F(WritesTest, ThatComeAgainGetTheOutcomeOfTheFirst)
 {
     WriteRequest request = to("flow", 50);
     request.id = "17";
+    request.sentMs = noonMs;
     ask(request);
     ask(request);
     EXPECT_EQ(answered(), "");
@@ -286,19 +287,24 @@ TEST_F(WritesTest, OfTheSameIdAreOthersIfAnythingElseDiffers)
     ask(request);  // without an id
     request.id = "17";
     ask(request);
+    ask(request);  // without a time
+    request.sentMs = noonMs;
+    ask(request);
     for (const char* link : {"press1", "press2"}) {
         WriteRequest other = to("flow", 51, link);
         other.id = "17";
         ask(other);
         other.sentMs = noonMs;
         ask(other);
+        other.sentMs = noonMs + 1;
+        ask(other);
         other.tag = "parts";
         ask(other);
     }
-    for (int number = 1; number <= 9; ++number)
+    for (int number = 1; number <= 13; ++number)
         for (const char* link : {"press1", "press2"})
             answer(link, qPrintable(QString::number(number)), WriteResult::Outcome::Done);
-    EXPECT_EQ(sent.size(), 9);
+    EXPECT_EQ(sent.size(), 13);
     answered();
 }
 
@@ -306,19 +312,22 @@ TEST_F(WritesTest, AreForgottenWhenTheyAreTooOldToComeAgain)
 {
     WriteRequest request = to("flow", 50);
     request.id = "17";
+    request.sentMs = noonMs;
     ask(request);
     answer("press1", "1", WriteResult::Outcome::Done);
     afterMs += settings.oldestMs + 1;
     writes.tick(now());
-    ask(request);
-    EXPECT_EQ(sent.size(), 2);
     answered();
+    ask(request);
+    EXPECT_EQ(answered().rfind("flow refused", 0), 0u) << "for its age, not answered as before";
+    EXPECT_EQ(sent.size(), 1);
 }
 
 TEST_F(WritesTest, ThatWereRefusedMayBeAskedForAgain)
 {
     WriteRequest request = to("flow", 50);
     request.id = "17";
+    request.sentMs = noonMs;
     ask(to("run", true));
     ask(request);
     writes.workerLost("press1", "the worker ended", now());
