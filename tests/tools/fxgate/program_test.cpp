@@ -277,7 +277,7 @@ TEST_F(FxgateTest, DoesNotBeginWithMistakes)
 TEST_F(FxgateTest, ChecksAConfigurationAndItsTagFiles)
 {
     folder.write("press1.csv", "name,address,scale,min,access\nflow,D10,x,,\nstate,D12,,,\n"
-                               "level,D13,,1,ro\nFlow,D14,,,\n");
+                               "level,D13,,1,ro\nLevel,D14,,,\n");
     folder.write("press2.csv", "name,address\nrun,M0\n");
     const Ended bad = runFxgate({"check", folder.path("fxgate.toml")});
     EXPECT_EQ(bad.code, 1);
@@ -287,8 +287,8 @@ TEST_F(FxgateTest, ChecksAConfigurationAndItsTagFiles)
         "/press1.csv, line 3, column name: no tag of a gateway can be named state: the topic "
         "of the link's state has this name\n"
         "/press1.csv, line 4, column min: warning: level is read-only, so it needs no limits\n"
-        "/press1.csv, line 5, column name: Flow and flow differ only in case; some readers cannot "
-        "tell them apart\n"
+        "/press1.csv, line 5, column name: Level and level differ only in case; some readers "
+        "cannot tell them apart\n"
         "/fxgate.toml: 2 links, 4 tags, 3 errors, 1 warning\n");
     folder.write("press1.csv", "name,address\nflow,D10\n");
     const Ended good = runFxgate({"check", folder.path("fxgate.toml")});
