@@ -55,6 +55,13 @@ TEST(Session, AnswersAReadAndAWrite)
     EXPECT_EQ(bench.answer(writeD100 + readD100), "\x06" + valueOfD100);
 }
 
+TEST(Session, CarriesSixtyFourBytesAndNoMore)
+{
+    Bench bench;
+    EXPECT_EQ(bench.answer(frame("010C840", "73")).size(), 1 + 2 * 64 + 1 + 2);
+    EXPECT_EQ(bench.answer(frame("010C841", "74")), "\x15");
+}
+
 TEST(Session, BadFrameGetsNakOrSilence)
 {
     Bench strict;
@@ -370,6 +377,11 @@ TEST(Simulator, ShowsTheTimeAndTheScanInItsSpecialRegisters)
     for (const char* const scan : {"D8010", "D8011", "D8012"})
         EXPECT_EQ(word(scan), 200U) << scan;
     EXPECT_EQ(word("D8013"), 58U);
+    const auto isFirstScan = [&bench] { return bench.plc.memory().bit(0x01E0, 2); };
+    bench.plc.advance(19999);
+    EXPECT_TRUE(isFirstScan());
+    bench.plc.advance(20000);
+    EXPECT_FALSE(isFirstScan());
     bench.plc.advance(1999999);
     EXPECT_EQ(word("D8013"), 59U);
     EXPECT_EQ(word("D8017"), 1U);

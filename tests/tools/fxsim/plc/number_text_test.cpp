@@ -130,5 +130,7 @@ TEST(NumberText, GuessesAWordOfAtMostTwoMistakes)
     EXPECT_EQ(didYouMean("peeeek", known), peek);
     EXPECT_EQ(didYouMean("paak", known), peek);
     EXPECT_EQ(didYouMean("paaak", known), "") << "three";
-    EXPECT_EQ(didYouMean("xy", {"abc"}), "") << "nothing of it is left";
+    EXPECT_EQ(didYouMean("trxyz", known), "");
+    EXPECT_EQ(didYouMean("xy", {"ab"}), "") << "nothing of it is left";
+    EXPECT_EQ(didYouMean("axy", {"abc"}), "") << "one letter is left";
 }

@@ -64,6 +64,7 @@ TEST(SampleProgram, HoldsWhatItPromisesAtEachMoment)
         {12600, 0x1008, "0000000000000080", "bit 63 of 64"},
         {12800, 0x1008, "0100000000000000", "bit 0 again"},
         {5000, 0x1010, "88130000", "milliseconds"},
+        {100000, 0x1004, "0000", "sine after five turns"},
         {15000, 0x1002, "F40118FC", "triangle and sine on their way down"},
     };
     for (const auto& row : rows) {
@@ -71,6 +72,14 @@ TEST(SampleProgram, HoldsWhatItPromisesAtEachMoment)
         EXPECT_EQ(after(row.ms).read(row.address, bytes.size()), bytes)
             << row.what << " after " << row.ms << " ms";
     }
+}
+
+TEST(SampleProgram, ShowsItsFirstMomentAtOnce)
+{
+    PlcMemory memory;
+    SampleProgram program;
+    program.start(memory);
+    EXPECT_EQ(memory.byte(0x0100), 0x01);
 }
 
 TEST(SampleProgram, CountersGoOnFromWhereAHostSetsThem)
