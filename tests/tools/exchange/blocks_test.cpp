@@ -63,3 +63,23 @@ TEST(Plans, AreShownBlockByBlock)
     EXPECT_EQ(planText(planOf(bench.session, {})), "");
     EXPECT_TRUE(bench.line.sent().isEmpty());
 }
+
+TEST(OneReply, BringsAWholeValueOrNone)
+{
+    const auto fits = [](const char* value, int wordsPerFrame) {
+        try {
+            requireOneReply(range(value), wordsPerFrame);
+            return true;
+        } catch (const Failure&) {
+            return false;
+        }
+    };
+    EXPECT_TRUE(fits("D7:32", 32));
+    EXPECT_FALSE(fits("D7:33", 32));
+    EXPECT_FALSE(fits("D7:33", 64)) << "another PLC may take less";
+    EXPECT_TRUE(fits("D7:16", 16));
+    EXPECT_FALSE(fits("D7:17", 16));
+    EXPECT_TRUE(fits("M16:256", 32));
+    EXPECT_FALSE(fits("M16:257", 32)) << "bits come in whole bytes";
+    EXPECT_FALSE(fits("M17:256", 32));
+}

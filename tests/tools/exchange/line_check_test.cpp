@@ -139,3 +139,19 @@ TEST_F(CheckedLine, ThatIsLostIsToldAsSuch)
 {
     EXPECT_EQ(check(badLine(9600, "link-drop@50")).verdict, ReplyVerdict::LinkLost);
 }
+
+TEST(Somebody, IsThereWhoSendsAnything)
+{
+    Bench good;
+    EXPECT_TRUE(isAnyoneThere(good.loop));
+    Bench silent(badLine(0, "silence=100%", fxsim::EnquiryMode::Ignored));
+    EXPECT_FALSE(isAnyoneThere(silent.loop));
+}
+
+TEST(LineChecks, CountEvenOneExchange)
+{
+    LineCheck check;
+    EXPECT_EQ(check.goodPercent(), 0);
+    check.exchanges[ReplyVerdict::Good] = 1;
+    EXPECT_EQ(check.goodPercent(), 100);
+}

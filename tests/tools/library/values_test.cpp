@@ -300,6 +300,13 @@ TEST(Assignments, SayRegistersAndValues)
     }
 }
 
+TEST(Assignments, OfAGroupTakeAllOfItsBitsForOneValue)
+{
+    const Assignment assignment = parseAssignment("K4M0=5", catalogue(), ValueStyle());
+    EXPECT_EQ(assignment.registersEach, 16);
+    EXPECT_EQ(assignment.values, QVector<quint32>({1, 0, 1}) + QVector<quint32>(13, 0));
+}
+
 TEST(Assignments, GuessNothing)
 {
     for (const Refused& row : refusedWrites) {

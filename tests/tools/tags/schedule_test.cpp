@@ -291,6 +291,15 @@ TEST(Schedule, KeepsTogetherWhatIsOneValue)
     EXPECT_EQ(line.readings("D139"), 1);
 }
 
+TEST(Schedule, KeepsTogetherWhatFillsAFrame)
+{
+    RegisterRange text = range("D100:32");
+    text.together = 32;
+    Line line({{range("D99"), second}, {text, second}});
+    EXPECT_EQ(line.read(), "D99");
+    EXPECT_EQ(line.read(), "D100:32");
+}
+
 TEST(Schedule, ReadsBitsByTheirBytes)
 {
     Line line({every(100, "M0:4"), every(5000, "M4:8")});

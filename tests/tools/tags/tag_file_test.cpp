@@ -112,6 +112,16 @@ TEST_F(TagFiles, OfBitsMayHaveWhatIsNoNumber)
               "");
 }
 
+TEST_F(TagFiles, OfBitsHaveNothingThatNeedsANumber)
+{
+    for (const char* const column :
+         {"scale", "offset", "deadband", "min", "max", "alarm_low", "alarm_high"}) {
+        const std::string remark =
+            remarksOf(QByteArray("name,address,") + column + "\nlamp,M0,5\n");
+        EXPECT_NE(remark.find("'5' has no meaning"), std::string::npos) << column << remark;
+    }
+}
+
 TEST_F(TagFiles, NeedTwoColumnsInAnyOrder)
 {
     const TagFile file = read("\xEF\xBB\xBF"
