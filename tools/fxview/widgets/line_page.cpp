@@ -1,0 +1,118 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+
+#include "tools/fxview/widgets/line_page.h"
+
+#include <QFontDatabase>
+#include <QVBoxLayout>
+
+namespace fxview {
+
+namespace {
+
+constexpr int mostFrames = 1000;
+
+// Control characters as the pictures that Unicode has of them, anything else in hexadecimal.
+QString visible(const QByteArray& bytes)
+{
+    constexpr char16_t firstPicture = 0x2400;
+    QString text;
+    for (const char byte : bytes) {
+        if (byte >= ' ' && byte <= '~')
+            text += QLatin1Char(byte);
+        else if (byte >= 0 && byte < ' ')
+            text += QChar(static_cast<char16_t>(firstPicture + byte));
+        else
+            text += "\\x" + QString::number(static_cast<unsigned char>(byte), 16);
+    }
+    return text;
+}
+
+QString msText(qint64 us)
+{
+    return QString::number(static_cast<double>(us) / 1000, 'f', 1);
+}
+
+}  // namespace
+
+QString exchangeText(const fxtools::Exchange& exchange)
+{
+    const QByteArray sent = exchange.wasSent ? fxtools::requestBytes(exchange.frame) : QByteArray();
+    return QStringLiteral("%1  %2  %3  →  %4  %5, %6 ms")
+        .arg(static_cast<double>(exchange.startedUs) / 1e6, 9, 'f', 3)
+        .arg(fxtools::kindText(exchange.kind), visible(sent), visible(exchange.reply),
+             fxtools::verdictText(exchange.verdict), msText(exchange.tookUs));
+}
+
+LinePage::LinePage(bool isSimulated, QWidget* parent)
+    : QWidget(parent), m_load(new QLabel(this)), m_plan(new PlanView(this)),
+      m_responses(new HistogramView(this)), m_times(new QLabel(this)), m_causes(new QLabel(this)),
+      m_frames(new QPlainTextEdit(this))
+{
+    m_frames->setReadOnly(true);
+    m_frames->setTabChangesFocus(true);
+    m_frames->setAccessibleName(tr("Frames"));
+    m_frames->setMaximumBlockCount(mostFrames);
+    m_frames->setLineWrapMode(QPlainTextEdit::NoWrap);
+    m_frames->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    for (QLabel* label : {m_load, m_times, m_causes}) {
+        label->setWordWrap(true);
+        label->setTextFormat(Qt::PlainText);
+    }
+    auto* left = new QVBoxLayout;
+    left->addWidget(m_load);
+    left->addWidget(m_plan, 1);
+    auto* right = new QVBoxLayout;
+    right->addWidget(m_responses, 1);
+    right->addWidget(m_times);
+    right->addWidget(m_causes);
+    if (isSimulated) {
+        auto* faults = new FaultPanel(this);
+        connect(faults, &FaultPanel::commanded, this, &LinePage::commanded);
+        right->addWidget(faults);
+    }
+    auto* top = new QHBoxLayout;
+    top->addLayout(left, 1);
+    top->addLayout(right, 1);
+    auto* rows = new QVBoxLayout(this);
+    rows->addLayout(top, 2);
+    rows->addWidget(m_frames, 1);
+    m_load->setText(tr("Nothing is known of the line yet"));
+}
+
+void LinePage::take(const LineReport& report)
+{
+    m_load->setText((QStringList(report.load) + report.late).join('\n'));
+    m_plan->show(report.blocks);
+    const fxtools::Histogram& responses = report.statistics.responses;
+    m_responses->show(responses);
+    m_times->setText(tr("%1 answers; half within %2 ms, 99 of 100 within %3 ms, the slowest %4 ms")
+                         .arg(responses.total())
+                         .arg(msText(responses.percentileUs(50)),
+                              msText(responses.percentileUs(99)), msText(responses.largestUs())));
+    showCauses(report.statistics);
+}
+
+void LinePage::showCauses(const fxtools::Statistics& statistics)
+{
+    QStringList causes;
+    for (const fxtools::ReplyVerdict verdict : fxtools::allVerdicts()) {
+        const qint64 times = statistics.of(verdict);
+        if (verdict != fxtools::ReplyVerdict::Good && times > 0)
+            causes += tr("%1: %2").arg(fxtools::verdictText(verdict)).arg(times);
+    }
+    if (statistics.linksLost > 0)
+        causes += tr("links lost: %1").arg(statistics.linksLost);
+    m_causes->setText(causes.isEmpty() ? tr("No errors") : tr("Errors: %1").arg(causes.join("; ")));
+}
+
+void LinePage::take(const QVector<fxtools::Exchange>& exchanges)
+{
+    QStringList lines;
+    for (const fxtools::Exchange& exchange : exchanges.mid(qMax(exchanges.size() - mostFrames, 0)))
+        lines += exchangeText(exchange);
+    if (isVisible() && !lines.isEmpty())
+        m_frames->appendPlainText(lines.join('\n'));
+}
+
+}  // namespace fxview
