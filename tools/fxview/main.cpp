@@ -9,9 +9,11 @@
 #include "tools/fxview/options.h"
 #include "tools/fxview/plc/plc_thread.h"
 #include "tools/fxview/widgets/main_window.h"
+#include "tools/fxview/widgets/theme.h"
 
-#include <QApplication>
 #include <QDateTime>
+#include <QDir>
+#include <QStandardPaths>
 
 namespace {
 
@@ -38,6 +40,17 @@ std::unique_ptr<PlcThread> plcOf(const Options& options)
     return std::make_unique<PlcThread>(chosen.settings, chosen.name, std::move(services), tags);
 }
 
+// Alarms are kept beside other data of the user, a file for each PLC.
+QString alarmFileOf(const QString& plc)
+{
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+    QDir().mkpath(folder);
+    QString name = plc;
+    for (QChar& character : name)
+        character = character.isLetterOrNumber() ? character : QChar('-');
+    return folder + "/alarms-" + name + ".csv";
+}
+
 int show(const Options& options)
 {
     std::unique_ptr<PlcThread> plc;
@@ -51,11 +64,12 @@ int show(const Options& options)
     }
     PlcSource& source = plc ? static_cast<PlcSource&>(*plc) : noPlc;
     MainWindow window(source, QDateTime::currentMSecsSinceEpoch);
+    window.keepAlarmsIn(alarmFileOf(source.name()));
     window.show();
     if (plc)
         plc->start();
     else
-        window.problems().set(Problem::TagFile, problem);
+        window.tellThatNothingStarts(problem);
     return QApplication::exec();
 }
 
@@ -69,6 +83,8 @@ int main(int argumentCount, char** arguments)
         return exitCode;
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
-    const QApplication application(argumentCount, arguments);
+    QApplication application(argumentCount, arguments);
+    QApplication::setApplicationName(QStringLiteral("fxview"));
+    applyTheme(application, options->isDark);
     return show(*options);
 }

@@ -39,6 +39,7 @@ QString text(const std::string& option)
 std::optional<Options> readOptions(int argumentCount, char** arguments, int& exitCode)
 {
     std::string link, plc, configuration, tags;
+    bool isDark = false;
     CLI::App app("A window for the values of one FX-series programmable controller", "fxview");
     app.formatter(fxtools::helpFormatter());
     app.set_help_flag("-h,--help", "Print this help");
@@ -58,6 +59,7 @@ std::optional<Options> readOptions(int argumentCount, char** arguments, int& exi
         ->type_name("FILE");
     app.add_option("--tags", tags, "Tag file (default: that of the configuration file)")
         ->type_name("FILE");
+    app.add_flag("--dark", isDark, "Light text on a dark ground");
     try {
         app.parse(argumentCount, arguments);
     } catch (const CLI::ParseError& error) {
@@ -68,7 +70,7 @@ std::optional<Options> readOptions(int argumentCount, char** arguments, int& exi
             std::cerr << "fxview: " << qPrintable(fxtools::usageMistake(app, error)) << '\n';
         return std::nullopt;
     }
-    return Options{text(link), text(plc), text(configuration), text(tags)};
+    return Options{text(link), text(plc), text(configuration), text(tags), isDark};
 }
 
 ChosenPlc choosePlc(const Options& options)

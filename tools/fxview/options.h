@@ -14,6 +14,7 @@ namespace fxview {
 struct Options
 {
     QString link, plc, configuration, tags;  // empty: not given
+    bool isDark = false;
 };
 
 // Nothing if the command line asks for help or for nothing that there is; then what is to be said

@@ -40,6 +40,14 @@ TEST_F(MainWindowInFrontOfAPlc, HasOneBarForALostLink)
     EXPECT_FALSE(bar->isVisible());
 }
 
+TEST_F(MainWindowInFrontOfAPlc, TellsWhyNothingStarts)
+{
+    window.tellThatNothingStarts("tags.csv, line 2: unknown address");
+    EXPECT_EQ(texts("problemBar").toStdString(),
+              "tags.csv, line 2: unknown address. Mend this and start fxview again.");
+    EXPECT_FALSE(button("Close"));
+}
+
 TEST_F(MainWindowInFrontOfAPlc, CountsAgesWhileNothingComes)
 {
     emit plc.readings({good(0, 71.5)});

@@ -8,6 +8,7 @@
 #include "tests/tools/fxview/view_support.h"
 #include "tools/fxview/widgets/main_window.h"
 
+#include <QApplication>
 #include <QTest>
 
 #include <gtest/gtest.h>

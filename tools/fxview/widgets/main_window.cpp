@@ -18,10 +18,11 @@ constexpr int refreshMs = 200;
 }  // namespace
 
 MainWindow::MainWindow(PlcSource& source, const Clock& clock)
-    : m_source(source), m_clock(clock), m_values(source.tags()), m_problems(new ProblemBar),
-      m_pages(new QTabWidget), m_valuesPage(new ValuesPage(m_values)),
-      m_trendPage(new TrendPage(m_values)), m_linkSign(new QLabel), m_linkText(new QLabel),
-      m_lineText(new QLabel)
+    : m_source(source), m_clock(clock), m_values(source.tags()), m_alarms(source.tags()),
+      m_problems(new ProblemBar), m_pages(new QTabWidget), m_valuesPage(new ValuesPage(m_values)),
+      m_trendPage(new TrendPage(m_values)), m_alarmPage(new AlarmPage(m_alarms)),
+      m_linePage(new LinePage(source.isSimulated())), m_linkSign(new QLabel),
+      m_linkText(new QLabel), m_lineText(new QLabel)
 {
     setWindowTitle(source.isSimulated() ? tr("%1 (a simulated PLC) – fxview").arg(source.name())
                                         : tr("%1 – fxview").arg(source.name()));
@@ -46,6 +47,9 @@ void MainWindow::layOut()
     m_pages->setAccessibleName(tr("Pages"));
     m_pages->addTab(m_valuesPage, tr("&Values"));
     m_pages->addTab(m_trendPage, tr("&Trends"));
+    m_pages->addTab(m_alarmPage, tr("&Alarms"));
+    m_pages->addTab(m_linePage, tr("&Line"));
+    m_alarmPage->bell = &QApplication::beep;
     statusBar()->addWidget(m_linkSign);
     statusBar()->addWidget(m_linkText, 1);
     statusBar()->addPermanentWidget(m_lineText);
@@ -58,8 +62,13 @@ void MainWindow::listen()
 {
     connect(&m_source, &PlcSource::readings, this, &MainWindow::take);
     connect(&m_source, &PlcSource::linkChanged, this, &MainWindow::showLink);
-    connect(&m_source, &PlcSource::lineReport, this,
-            [this](const LineReport& report) { m_lineText->setText(report.load); });
+    connect(&m_source, &PlcSource::lineReport, this, [this](const LineReport& report) {
+        m_lineText->setText(report.load);
+        m_linePage->take(report);
+    });
+    connect(&m_source, &PlcSource::exchanges, this,
+            [this](const QVector<fxtools::Exchange>& exchanges) { m_linePage->take(exchanges); });
+    connect(m_linePage, &LinePage::commanded, &m_source, &PlcSource::benchCommand);
     connect(&m_source, &PlcSource::benchRefused, this,
             [this](const QString& command, const QString& reason) {
                 m_problems->set(Problem::Command, tr("'%1': %2").arg(command, reason));
@@ -69,7 +78,13 @@ void MainWindow::listen()
         m_pages->setCurrentWidget(m_trendPage);
     });
     connect(m_trendPage, &TrendPage::exportFailed, this,
-            [this](const QString& text) { m_problems->set(Problem::DiskFull, text); });
+            [this](const QString& text) { m_problems->set(Problem::Export, text); });
+    connect(m_alarmPage, &AlarmPage::openChanged, this, [this](int unacknowledged) {
+        m_pages->setTabText(m_pages->indexOf(m_alarmPage),
+                            unacknowledged == 0 ? tr("&Alarms")
+                                                : tr("&Alarms (%1)").arg(unacknowledged));
+    });
+    m_alarms.onEvent = [this](const AlarmEvent& event) { noteAlarm(event); };
     WriteBar& writeBar = m_valuesPage->writeBar();
     connect(&writeBar, &WriteBar::writeConfirmed, &m_source, &PlcSource::write);
     connect(&m_source, &PlcSource::written, &writeBar, &WriteBar::take);
@@ -77,8 +92,25 @@ void MainWindow::listen()
 
 void MainWindow::take(const QVector<Reading>& readings)
 {
-    for (const Reading& reading : readings)
+    for (const Reading& reading : readings) {
         m_values.take(reading);
+        m_alarms.take(reading);
+    }
+}
+
+void MainWindow::keepAlarmsIn(const QString& file)
+{
+    m_alarmFile.emplace(file);
+}
+
+void MainWindow::noteAlarm(const AlarmEvent& event)
+{
+    const QString problem =
+        m_alarmFile ? m_alarmFile->add(event, m_alarms.tag(event.tag)) : QString();
+    if (problem.isEmpty())
+        m_problems->clear(Problem::AlarmFile);
+    else
+        m_problems->set(Problem::AlarmFile, problem);
 }
 
 void MainWindow::showLink(bool isUp, const QString& reason)
@@ -99,6 +131,12 @@ void MainWindow::showLink(bool isUp, const QString& reason)
                             .arg(m_source.name(), reason));
 }
 
+void MainWindow::tellThatNothingStarts(const QString& reason)
+{
+    m_linkText->setText(tr("not connected"));
+    m_problems->set(Problem::Start, tr("%1. Mend this and start fxview again.").arg(reason));
+}
+
 void MainWindow::showMoment()
 {
     const qint64 nowMs = m_clock();
@@ -106,6 +144,7 @@ void MainWindow::showMoment()
         m_valuesPage->showMoment(nowMs);
     else if (m_pages->currentWidget() == m_trendPage)
         m_trendPage->showMoment(nowMs);
+    m_alarmPage->showMoment(nowMs);  // its bell is heard on every page
 }
 
 }  // namespace fxview

@@ -7,6 +7,9 @@
 
 #pragma once
 
+#include "tools/fxview/models/alarm_file.h"
+#include "tools/fxview/widgets/alarm_page.h"
+#include "tools/fxview/widgets/line_page.h"
 #include "tools/fxview/widgets/problem_bar.h"
 #include "tools/fxview/widgets/trend_page.h"
 #include "tools/fxview/widgets/values_page.h"
@@ -29,21 +32,27 @@ public:
     MainWindow(PlcSource& source, const Clock& clock);
 
     void showMoment();
-    ProblemBar& problems() { return *m_problems; }
+    void keepAlarmsIn(const QString& file);
+    void tellThatNothingStarts(const QString& reason);
 
 private:
     void layOut();
     void listen();
     void take(const QVector<Reading>& readings);
+    void noteAlarm(const AlarmEvent& event);
     void showLink(bool isUp, const QString& reason);
 
     PlcSource& m_source;
     Clock m_clock;
     ValueBook m_values;
+    AlarmBook m_alarms;
+    std::optional<AlarmFile> m_alarmFile;
     ProblemBar* m_problems;
     QTabWidget* m_pages;
     ValuesPage* m_valuesPage;
     TrendPage* m_trendPage;
+    AlarmPage* m_alarmPage;
+    LinePage* m_linePage;
     QLabel* m_linkSign;
     QLabel* m_linkText;
     QLabel* m_lineText;

@@ -53,7 +53,7 @@ void ProblemBar::refresh()
     const int others = m_texts.size() - 1;
     m_text->setText(others == 0 ? m_texts.first()
                                 : tr("%1 (and %n more)", nullptr, others).arg(m_texts.first()));
-    m_close->setVisible(m_texts.firstKey() != Problem::LinkLost);
+    m_close->setVisible(m_texts.firstKey() > Problem::LinkLost);
 }
 
 }  // namespace fxview

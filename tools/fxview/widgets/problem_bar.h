@@ -16,9 +16,10 @@ namespace fxview {
 // The gravest first.
 enum class Problem
 {
+    Start,  // of all
     LinkLost,
-    DiskFull,
-    TagFile,
+    AlarmFile,
+    Export,
     Command,
 };
 
