@@ -129,6 +129,19 @@ TEST_F(OutboxTest, WaitsForWhatWasSentBefore)
     EXPECT_EQ(work(), "3");
 }
 
+TEST_F(OutboxTest, WhatWaitsForWhatWasSentBeforeIsNotForgotten)
+{
+    m_outbox.keep(numbered(0));
+    EXPECT_EQ(work(0), "");  // stored
+    sent(1, 1);
+    m_outbox.keep(numbered(2));
+    EXPECT_EQ(work(), "0");
+    EXPECT_EQ(m_outbox.waiting(), 2);
+    m_outbox.connectionEnded();
+    EXPECT_EQ(work(0), "");
+    EXPECT_EQ(work(), "1r 2");
+}
+
 TEST_F(OutboxTest, RowsAreRemovedWhenConfirmed)
 {
     m_outbox.keep(numbered(0));

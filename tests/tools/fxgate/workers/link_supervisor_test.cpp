@@ -111,7 +111,23 @@ TEST_F(LinkSupervisorTest, StartsItsWorkerAgainAfterGrowingPauses)
         pass(500 << (restart - 1));
         EXPECT_EQ(link->report().restarts, restart);
         ASSERT_TRUE(waitUntil([this] { return link->hasEnded(); }));
+        EXPECT_EQ(lost.last(), how);
     }
+}
+
+TEST_F(LinkSupervisorTest, KnowsNothingOfAWorkerFromTheOneBefore)
+{
+    start("hello; up; exit 3");
+    ASSERT_TRUE(waitUntil([this] { return link->hasEnded(); }));
+    folder.write("tags", "hello; serve");  // and no state
+    linkChanges = 0;
+    pass(GrowingPause::firstMs);
+    ASSERT_TRUE(waitUntil([this] { return linkChanges == 1; }));  // its tags
+    pass(LinkSupervisor::silentMs + 1);
+    EXPECT_EQ(plant["press1"].reason, "the worker does not answer");
+    link->send(writeLine("7", "flow", 2));
+    ASSERT_TRUE(waitUntil([this] { return written == QStringList("7"); }));
+    EXPECT_FALSE(plant["press1"].isUp);
 }
 
 TEST_F(LinkSupervisorTest, TellsWhichProgramIsMissing)
