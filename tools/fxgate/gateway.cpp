@@ -9,6 +9,8 @@
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 
+#include <utility>
+
 namespace fxgate {
 
 namespace {
@@ -59,14 +61,11 @@ void Gateway::start()
         addLink(name);
     startBuses();
     // All at once would be slow together, and later read, and wait for each other, at one time.
-    // Ticks are too far apart for that.
-    int afterMs = 0;
-    for (const auto& [name, link] : m_links) {
-        link->start(afterMs);
-        QTimer::singleShot(afterMs + 1, Qt::PreciseTimer, link.get(), &LinkSupervisor::tick);
-        afterMs += betweenStartsMs;
-    }
-    m_tick.start(tickMs);
+    qint64 afterMs = 0;
+    for (const auto& [name, link] : m_links)
+        link->start(std::exchange(afterMs, afterMs + betweenStartsMs));
+    m_startingUntilMs = m_refreshedMs + afterMs;
+    m_tick.start(betweenStartsMs);
 }
 
 void Gateway::addLink(const QString& name)
@@ -125,6 +124,8 @@ QStringList Gateway::startBuses()
 void Gateway::tick()
 {
     const Moment now = m_environment.now();
+    if (m_tick.interval() != tickMs && now.steadyMs >= m_startingUntilMs)
+        m_tick.setInterval(tickMs);
     for (const auto& [name, link] : m_links)
         link->tick();
     for (const auto& [kind, bus] : m_buses)

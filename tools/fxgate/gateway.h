@@ -75,9 +75,10 @@ private:
     Buses m_buses;
     Links m_links;
     QTimer m_tick;
-    qint64 m_startedMs = 0;    // UTC
-    qint64 m_refreshedMs = 0;  // steady
-    QString m_auditProblem;    // that was told last
+    qint64 m_startedMs = 0;        // UTC
+    qint64 m_refreshedMs = 0;      // steady
+    qint64 m_startingUntilMs = 0;  // the same
+    QString m_auditProblem;        // that was told last
 };
 
 }  // namespace fxgate
