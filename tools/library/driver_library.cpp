@@ -65,8 +65,8 @@ DriverLibrary::DriverLibrary(const QString& path) : m_library(choosePath(path))
     if (isMissing || !m_library.load()) {
         const QString reason =
             isMissing ? file + ": No such file or directory" : m_library.errorString();
-        throw Failure(ExitCode::File, "cannot load the driver library: " + reason +
-                                          "; set its path with --library or FX_DRIVER");
+        throw Failure(ExitCode::File,
+                      "cannot load the driver library: " + reason + "; set FX_DRIVER to its path");
     }
     resolveAll();
     requireSameQt();

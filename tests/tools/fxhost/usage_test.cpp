@@ -65,8 +65,8 @@ const Mistake mistakes[] = {
     {2, "write D0:3=1", "'D0:3=1' names 3 registers, but 1 value takes 1; use D0:1=1"},
     {2, "write -r 0 D5=1", "'D5=1': with -r give only values"},
     {7, "--library /no/such/library.so types",
-     "cannot load the driver library: /no/such/library.so: No such file or directory; set its path "
-     "with --library or FX_DRIVER"},
+     "cannot load the driver library: /no/such/library.so: No such file or directory; set "
+     "FX_DRIVER to its path"},
     {7, "--library " FX_QT6_DRIVER_FILE " types",
      FX_QT6_DRIVER_FILE " was built with Qt 6; fxhost needs one built with Qt 5"},
     {2, "dump D100:4", "'D100:4' is an address; name a file first"},
