@@ -10,6 +10,22 @@ namespace fxtools {
 
 namespace {
 
+// A second copy of a reply usually follows it within this small part of its response time, or at
+// once: then a character later.
+constexpr int momentShare = 8;
+constexpr qint64 longestMomentUs = 5000;
+constexpr int longestMomentCharacters = 2;
+
+qint64 momentAfterUs(const Exchange& answer)
+{
+    if (answer.reply.isEmpty())
+        return 0;
+    const int characters = requestBytes(answer.frame).size() + answer.reply.size();
+    return std::min(
+        answer.responseUs / momentShare,
+        std::max(longestMomentUs, longestMomentCharacters * answer.responseUs / characters));
+}
+
 bool isTimeout(ReplyVerdict verdict)
 {
     return verdict == ReplyVerdict::Silence || verdict == ReplyVerdict::Incomplete;
@@ -90,7 +106,8 @@ void ExchangeLoop::send(Exchange& exchange)
     const bool mustOutwait = m_line.owesAcks() && !repeatsRead;
     QByteArray junk;
     const int waitMs = repeatsRead ? 0 : std::exchange(m_waitBeforeOtherMs, 0);
-    bool mayBeSent = waitMs > 0 ? m_line.drain(waitMs, junk) : m_line.drainBeforeFrame(junk);
+    bool mayBeSent = waitMs > 0 ? m_line.drain(waitMs, junk)
+                                : m_line.drainBeforeFrame(momentAfterUs(m_lastAnswer), junk);
     if (mayBeSent && mustOutwait) {
         m_line.outwaitAcks(junk);
         mayBeSent = m_line.drain(m_line.quietMs(), junk);
@@ -209,9 +226,9 @@ std::optional<int> ExchangeLoop::waitAfter(const Exchange& exchange)
         return m_line.quietMs();
     if (exchange.reply != m_lastAnswer.reply)
         return std::nullopt;
-    const qint64 momentAfterUs = PlcLine::momentUs(m_lastAnswer.responseUs);
-    const bool isEarly = exchange.responseUs < m_lastAnswer.responseUs - momentAfterUs;
-    const int momentMs = static_cast<int>(momentAfterUs / 1000) + 1;
+    const qint64 momentUs = momentAfterUs(m_lastAnswer);
+    const bool isEarly = exchange.responseUs < m_lastAnswer.responseUs - momentUs;
+    const int momentMs = static_cast<int>(momentUs / 1000) + 1;
     if (isGood && exchange.frame.isRead != 0 &&
         requestBytes(exchange.frame) == requestBytes(m_lastAnswer.frame)) {
         const auto usualMs = static_cast<int>(m_lastAnswer.responseUs / 1000);

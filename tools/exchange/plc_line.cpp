@@ -21,9 +21,7 @@ constexpr int longestQuietMs = 250;
 constexpr int quietResponses = 4;
 constexpr int leastQuietResponses = 2;
 
-constexpr int momentShare = 8;
-constexpr int longestMomentMs = 5;
-constexpr qint64 soonestOnWireUs = 2000;  // what is quicker comes from a program, at any speed
+constexpr qint64 soonestOnWireUs = 800;  // what is quicker comes from a program, at any speed
 
 constexpr int longestTurnMs = 100;
 constexpr int longestDrainMs = 2000;        // of a line that is never quiet,
@@ -106,11 +104,12 @@ bool PlcLine::drain(int forQuietMs, QByteArray& junk)
 }
 
 // What comes too soon after the frame is known to be stray: only the rest of a moment is waited.
-bool PlcLine::drainBeforeFrame(QByteArray& junk)
+bool PlcLine::drainBeforeFrame(qint64 momentUs, QByteArray& junk)
 {
-    const qint64 restUs = momentUs(m_timeout.typicalResponseUs()) - tooSoonUs();
-    return drain(m_isQuiet ? static_cast<int>(std::max<qint64>(restUs, 0) / 1000) : quietMs(),
-                 junk);
+    const qint64 restUs = std::max<qint64>(momentUs - tooSoonUs(), 0);
+    const bool isOnWire = m_timeout.typicalResponseUs() >= soonestOnWireUs;
+    const auto restMs = static_cast<int>((isOnWire ? restUs + 999 : restUs) / 1000);
+    return drain(m_isQuiet ? restMs : quietMs(), junk);
 }
 
 QByteArray PlcLine::overhear(int timeMs)
@@ -228,11 +227,6 @@ qint64 PlcLine::tooSoonUs() const
     const qint64 soonestUs = m_soonestUs.value_or(0);
     const bool isKnown = m_readsSinceStray >= readsUntilForgotten && soonestUs >= soonestOnWireUs;
     return isKnown ? soonestUs / 2 : 0;
-}
-
-qint64 PlcLine::momentUs(qint64 responseUs)
-{
-    return std::min<qint64>(responseUs / momentShare, 1000LL * longestMomentMs);
 }
 
 int PlcLine::quietMs() const

@@ -43,8 +43,8 @@ public:
     // is followed for two seconds.
     bool drain(int forQuietMs, QByteArray& junk);
 
-    // The same, for as short a time as is safe before a frame.
-    bool drainBeforeFrame(QByteArray& junk);
+    // The same, for as short a time as is safe before a frame: a moment at most.
+    bool drainBeforeFrame(qint64 momentUs, QByteArray& junk);
 
     // Everything that comes within this time.
     QByteArray overhear(int timeMs);
@@ -73,8 +73,6 @@ public:
     void noteBeginning(qint64 afterUs);  // of the reply to a read
     void noteStray();                    // from now on the line is drained longer for a while
 
-    // A second copy of a reply usually follows it within this small part of its response time.
-    static qint64 momentUs(qint64 responseUs);
     int quietMs() const;
 
     bool isOpen() const { return m_link.isOpen(); }
