@@ -190,10 +190,11 @@ private:
     {
         const bool goesOn = std::exchange(m_isClearing, event.word(0) == "clearing");
         const bool isLong = event.word(0) == "longEnquiry" || event.word(0) == "outwait";
-        const bool isQuiet = event.word(0) == "quiet" || event.word(0) == "lateQuiet" ||
-                             (goesOn && m_isClearing) ||
-                             (event.word(0) == "another" && (forMs == turnMs || m_leftMs > 0));
-        if (!(isLong || (isQuiet && !usualIsKnown())) || event.word(1) != "nothing")
+        const bool isQuiet =
+            event.word(0) == "quiet" || event.word(0) == "lateQuiet" || (goesOn && m_isClearing);
+        const bool isDoubt = (event.word(0) == "another" || event.word(0) == "quiet") &&
+                             (forMs == turnMs || m_leftMs > 0);
+        if (!(isLong || isDoubt || (isQuiet && !usualIsKnown())) || event.word(1) != "nothing")
             return false;
         if (m_leftMs == 0)
             m_leftMs = isLong ? longestReplyMs - static_cast<int>(m_nowUs - m_enquiredUs) / 1000

@@ -31,11 +31,16 @@ bool isTimeout(ReplyVerdict verdict)
     return verdict == ReplyVerdict::Silence || verdict == ReplyVerdict::Incomplete;
 }
 
+bool isPlainNak(const Exchange& exchange)
+{
+    return exchange.verdict == ReplyVerdict::Refused && exchange.reply.size() == 1;
+}
+
 // Where more came than a NAK, the NAK may be another's.
 bool isSure(const Exchange& exchange)
 {
     return exchange.verdict == ReplyVerdict::Good ||
-           (exchange.verdict == ReplyVerdict::Refused && exchange.thrownAway.isEmpty());
+           (isPlainNak(exchange) && exchange.thrownAway.isEmpty());
 }
 
 }  // namespace
@@ -100,14 +105,12 @@ void ExchangeLoop::send(Exchange& exchange)
     if (m_isUnsure)
         greet();
     const QByteArray request = requestBytes(exchange.frame);
-    if (m_lastRequest.isEmpty() && exchange.frame.isRead == 0)
-        m_waitBeforeOtherMs = m_line.quietMs();
+    const bool isFirstWrite = m_lastRequest.isEmpty() && exchange.frame.isRead == 0;
     const bool repeatsRead = exchange.frame.isRead != 0 && request == m_lastRequest;
     const bool mustOutwait = m_line.owesAcks() && !repeatsRead;
     QByteArray junk;
-    const int waitMs = repeatsRead ? 0 : std::exchange(m_waitBeforeOtherMs, 0);
-    bool mayBeSent = waitMs > 0 ? m_line.drain(waitMs, junk)
-                                : m_line.drainBeforeFrame(momentAfterUs(m_lastAnswer), junk);
+    bool mayBeSent = isFirstWrite ? m_line.drain(m_line.quietMs(), junk)
+                                  : m_line.drainBeforeFrame(momentAfterUs(m_lastAnswer), junk);
     if (mayBeSent && mustOutwait) {
         m_line.outwaitAcks(junk);
         mayBeSent = m_line.drain(m_line.quietMs(), junk);
@@ -147,8 +150,8 @@ void ExchangeLoop::receive(Exchange& exchange)
         settle(exchange, *waitMs);
     if (exchange.verdict == ReplyVerdict::Late)
         exchange.responseUs = std::max(exchange.responseUs, m_line.heardUs() - sentUs);
-    if (exchange.verdict == ReplyVerdict::Good && exchange.frame.isRead != 0)
-        m_line.noteBeginning(beganAfterUs);
+    if (exchange.verdict == ReplyVerdict::Good)
+        m_line.noteBeginning(beganAfterUs, requestBytes(exchange.frame).size());
     const bool isTaken = exchange.verdict == ReplyVerdict::Good ||
                          (exchange.verdict == ReplyVerdict::Surrounded && m_isTolerant);
     if (isTaken || exchange.verdict == ReplyVerdict::Refused)
@@ -164,9 +167,12 @@ void ExchangeLoop::receive(Exchange& exchange)
 // Prepares the line for the next frame, and judges again with all that came.
 void ExchangeLoop::settle(Exchange& exchange, int forQuietMs)
 {
-    if (!m_line.isOpen())
+    const bool isQuiet = m_line.drain(forQuietMs, exchange.thrownAway);
+    if (!m_line.isOpen()) {
+        exchange.verdict = ReplyVerdict::LinkLost;  // what would have followed is not known
         return;
-    if (!m_line.drain(forQuietMs, exchange.thrownAway)) {
+    }
+    if (!isQuiet) {
         exchange.verdict = isInterrupted() ? ReplyVerdict::Interrupted : ReplyVerdict::Babble;
         return;
     }
@@ -201,7 +207,12 @@ void ExchangeLoop::discardStray(Exchange& exchange)
 void ExchangeLoop::confirm(Exchange& exchange)
 {
     m_line.askAndOutwait(exchange.thrownAway);
-    exchange.verdict = judgeReply(exchange.frame, exchange.reply + exchange.thrownAway);
+    if (!m_line.isOpen())
+        exchange.verdict = ReplyVerdict::LinkLost;
+    else if (isInterrupted())
+        exchange.verdict = ReplyVerdict::Interrupted;
+    else
+        exchange.verdict = judgeReply(exchange.frame, exchange.reply + exchange.thrownAway);
 }
 
 void ExchangeLoop::noteSilence(const Exchange& exchange, bool enquiryAnswered)
@@ -216,27 +227,16 @@ void ExchangeLoop::noteSilence(const Exchange& exchange, bool enquiryAnswered)
 }
 
 // How long to listen for more, if at all. The answer before, once more, may be its second copy:
-// then the PLC's own answer follows, at the time that it usually takes or right behind the copy. To
-// the same read it may as well be right, so there the wait comes before the next other request.
+// then the PLC's own answer follows, when the latest of late would have begun or right behind the
+// copy.
 std::optional<int> ExchangeLoop::waitAfter(const Exchange& exchange)
 {
-    const bool isGood = exchange.verdict == ReplyVerdict::Good;
-    const bool isPlainNak = exchange.verdict == ReplyVerdict::Refused && exchange.reply.size() == 1;
-    if ((!isGood && !isPlainNak) || m_isUnsure)
+    if ((exchange.verdict != ReplyVerdict::Good && !isPlainNak(exchange)) || m_isUnsure)
         return m_line.quietMs();
     if (exchange.reply != m_lastAnswer.reply)
         return std::nullopt;
-    const qint64 momentUs = momentAfterUs(m_lastAnswer);
-    const bool isEarly = exchange.responseUs < m_lastAnswer.responseUs - momentUs;
-    const int momentMs = static_cast<int>(momentUs / 1000) + 1;
-    if (isGood && exchange.frame.isRead != 0 &&
-        requestBytes(exchange.frame) == requestBytes(m_lastAnswer.frame)) {
-        const auto usualMs = static_cast<int>(m_lastAnswer.responseUs / 1000);
-        m_waitBeforeOtherMs =
-            std::max(m_waitBeforeOtherMs, isEarly ? usualMs + momentMs : momentMs);
-        return std::nullopt;
-    }
-    return isEarly ? m_line.quietMs() : momentMs;
+    return m_line.untilLatestMs(requestBytes(exchange.frame).size(), exchange.responseUs,
+                                momentAfterUs(m_lastAnswer));
 }
 
 void ExchangeLoop::handOver(Exchange& exchange)

@@ -21,6 +21,8 @@ constexpr int longestQuietMs = 250;
 constexpr int quietResponses = 4;
 constexpr int leastQuietResponses = 2;
 
+constexpr int readCharacters = 11;        // of its request
+constexpr int exchangesUntilGuessed = 4;  // how late replies begin
 constexpr qint64 soonestOnWireUs = 800;  // what is quicker comes from a program, at any speed
 
 constexpr int longestTurnMs = 100;
@@ -107,9 +109,7 @@ bool PlcLine::drain(int forQuietMs, QByteArray& junk)
 bool PlcLine::drainBeforeFrame(qint64 momentUs, QByteArray& junk)
 {
     const qint64 restUs = std::max<qint64>(momentUs - tooSoonUs(), 0);
-    const bool isOnWire = m_timeout.typicalResponseUs() >= soonestOnWireUs;
-    const auto restMs = static_cast<int>((isOnWire ? restUs + 999 : restUs) / 1000);
-    return drain(m_isQuiet ? restMs : quietMs(), junk);
+    return drain(m_isQuiet ? wholeMs(restUs) : quietMs(), junk);
 }
 
 QByteArray PlcLine::overhear(int timeMs)
@@ -208,11 +208,32 @@ void PlcLine::outwaitAcks(QByteArray& junk)
     m_acksOwed = 0;
 }
 
-void PlcLine::noteBeginning(qint64 afterUs)
+// What was found before is forgotten little by little.
+qint64 PlcLine::leastOfLate(std::optional<qint64> before, qint64 now)
 {
-    const qint64 soonestUs = m_soonestUs.value_or(afterUs) + afterUs / readsUntilForgotten;
-    m_soonestUs = std::min(afterUs, soonestUs);
-    m_readsSinceStray = std::min(m_readsSinceStray + 1, readsUntilForgotten);
+    return before ? std::min(now, *before + now / exchangesUntilForgotten) : now;
+}
+
+void PlcLine::noteBeginning(qint64 afterUs, int requestCharacters)
+{
+    const int characters = requestCharacters + 1;  // the first of the reply
+    m_characterUs = leastOfLate(m_characterUs, afterUs / characters);
+    m_latestUs = std::max(afterUs - *m_characterUs * characters,
+                          m_latestUs - m_latestUs / exchangesUntilForgotten);
+    m_beginnings = std::min(m_beginnings + 1, exchangesUntilGuessed);
+    if (requestCharacters != readCharacters)
+        return;
+    m_soonestUs = leastOfLate(m_soonestUs, afterUs);
+    m_readsSinceStray = std::min(m_readsSinceStray + 1, exchangesUntilForgotten);
+}
+
+int PlcLine::untilLatestMs(int requestCharacters, qint64 sinceUs, qint64 momentUs) const
+{
+    if (m_beginnings < exchangesUntilGuessed)
+        return longestDoubtMs();
+    const qint64 latestUs = *m_characterUs * (requestCharacters + 1) + 2 * m_latestUs;
+    const qint64 leftUs = std::max<qint64>(latestUs - sinceUs, 0) + momentUs;
+    return std::min(wholeMs(leftUs), longestDoubtMs());
 }
 
 void PlcLine::noteStray()
@@ -225,8 +246,21 @@ void PlcLine::noteStray()
 qint64 PlcLine::tooSoonUs() const
 {
     const qint64 soonestUs = m_soonestUs.value_or(0);
-    const bool isKnown = m_readsSinceStray >= readsUntilForgotten && soonestUs >= soonestOnWireUs;
+    const bool isKnown =
+        m_readsSinceStray >= exchangesUntilForgotten && soonestUs >= soonestOnWireUs;
     return isKnown ? soonestUs / 2 : 0;
+}
+
+int PlcLine::wholeMs(qint64 us) const
+{
+    const bool isOnWire = m_timeout.typicalResponseUs() >= soonestOnWireUs;
+    return static_cast<int>((isOnWire ? us + 999 : us) / 1000);
+}
+
+int PlcLine::longestDoubtMs() const
+{
+    const qint64 usualMs = m_timeout.typicalResponseUs() / 1000;
+    return static_cast<int>(std::max<qint64>(longestQuietMs, leastQuietResponses * usualMs));
 }
 
 int PlcLine::quietMs() const
@@ -234,10 +268,8 @@ int PlcLine::quietMs() const
     const qint64 typicalUs = m_timeout.typicalResponseUs();
     if (typicalUs == 0)
         return longestQuietMs;
-    const qint64 responseMs = typicalUs / 1000;
-    const qint64 longestMs = std::max<qint64>(longestQuietMs, leastQuietResponses * responseMs);
-    const qint64 wantedMs = quietResponses * responseMs;
-    return static_cast<int>(std::clamp<qint64>(wantedMs, shortestQuietMs, longestMs));
+    const qint64 wantedMs = quietResponses * (typicalUs / 1000);
+    return static_cast<int>(std::clamp<qint64>(wantedMs, shortestQuietMs, longestDoubtMs()));
 }
 
 }  // namespace fxtools

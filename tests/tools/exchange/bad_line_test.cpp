@@ -245,6 +245,65 @@ TEST(AnInterruptedWait, HandsNoReplyOverThatIsInDoubt)
     EXPECT_NE(second.answer, DriverAnswer::Accepted);
 }
 
+// The reply that is 3.5 s late is to be confirmed by the ACK of another ENQ, the fourth.
+TEST(AnInterruptedWait, ConfirmsNoReply)
+{
+    Bench bench(badLine(9600, "delay:3500@1"));
+    bench.session.setPlan({range("D0:4")});
+    LoopSettings settings = bench.line.loopSettings();
+    settings.isInterrupted = [&] { return bench.line.sent().count(QByteArray(1, enq)) == 4; };
+    ExchangeLoop loop(bench.session, bench.line, settings);
+    EXPECT_EQ(loop.step()->verdict, ReplyVerdict::Silence);
+    EXPECT_EQ(loop.step()->verdict, ReplyVerdict::Interrupted);
+}
+
+// The link is lost behind the reply to a frame, or when an ENQ is sent.
+struct LineThatIsCut : VirtualLine
+{
+    using VirtualLine::VirtualLine;
+
+    bool isOpen() const override { return !isCut && VirtualLine::isOpen(); }
+    bool send(const QByteArray& bytes) override
+    {
+        const QByteArray enquiry(1, enq);
+        isCut = isCut || (bytes == enquiry && sent().count(enquiry) == enquiries);
+        return isOpen() && VirtualLine::send(bytes);
+    }
+    QByteArray receive(int timeoutMs) override
+    {
+        const QByteArray bytes = isOpen() ? VirtualLine::receive(timeoutMs) : QByteArray();
+        isCut = isCut || (framesSent().size() == frames && !bytes.isEmpty());
+        return bytes;
+    }
+
+    int frames = -1;
+    int enquiries = -1;
+    bool isCut = false;
+};
+
+// As an interrupted wait does not.
+TEST(ALostLink, HandsNoReplyOverThatIsInDoubt)
+{
+    LineThatIsCut line(badLine(0, ""));
+    line.frames = 2;
+    DriverSession session(driver(), {});
+    session.setPlan({range("D0:32"), range("D32:32")});  // all of them 0
+    ExchangeLoop loop(session, line, line.loopSettings());
+    EXPECT_EQ(loop.step()->answer, DriverAnswer::Accepted);
+    EXPECT_EQ(loop.step()->verdict, ReplyVerdict::LinkLost);
+}
+
+TEST(ALostLink, ConfirmsNoReply)
+{
+    LineThatIsCut line(badLine(9600, "delay:3500@1"));
+    line.enquiries = 3;
+    DriverSession session(driver(), {});
+    session.setPlan({range("D0:4")});
+    ExchangeLoop loop(session, line, line.loopSettings());
+    EXPECT_EQ(loop.step()->verdict, ReplyVerdict::Silence);
+    EXPECT_EQ(loop.step()->verdict, ReplyVerdict::LinkLost);
+}
+
 // At 1200 baud the first request of 139 characters alone takes longer than the first time-out.
 TEST(ALateAck, IsNoQuickOne)
 {
