@@ -91,7 +91,7 @@ TEST_F(LineInWindow, ShowsFramesWhileItIsLookedAt)
     emit plc.exchanges({exchangeWith(fxtools::ReplyVerdict::Good)});
     EXPECT_TRUE(frames->toPlainText().startsWith("    1.234  "))
         << frames->toPlainText().toStdString();
-    EXPECT_TRUE(frames->toPlainText().contains(QString::fromUtf8("→  ␂12\\x9c␃  ")));
+    EXPECT_TRUE(frames->toPlainText().contains(QString::fromUtf8("→  <STX>12<9C><ETX>  ")));
     EXPECT_TRUE(frames->toPlainText().endsWith("21.3 ms"));
     emit plc.exchanges(
         QVector<fxtools::Exchange>(2500, exchangeWith(fxtools::ReplyVerdict::Silence)));

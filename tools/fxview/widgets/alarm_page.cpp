@@ -70,7 +70,9 @@ AlarmPage::AlarmPage(AlarmBook& book, QWidget* parent)
     m_view->setTabKeyNavigation(false);
     m_view->setWordWrap(false);
     m_view->verticalHeader()->hide();
-    m_view->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    QHeaderView& header = *m_view->horizontalHeader();
+    header.setSectionResizeMode(QHeaderView::ResizeToContents);
+    header.setSectionResizeMode(AlarmTable::Value, QHeaderView::Stretch);
     m_history->setAccessibleName(tr("History of alarms"));
     m_history->setReadOnly(true);
     m_history->setTabChangesFocus(true);

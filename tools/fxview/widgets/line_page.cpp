@@ -12,19 +12,34 @@ namespace {
 
 constexpr int mostFrames = 1000;
 
-// Control characters as the pictures that Unicode has of them, anything else in hexadecimal.
+// Control characters by their names, since few fonts have pictures of them.
+QString visible(char byte)
+{
+    switch (byte) {
+    case fxtools::stx:
+        return QStringLiteral("<STX>");
+    case fxtools::etx:
+        return QStringLiteral("<ETX>");
+    case fxtools::enq:
+        return QStringLiteral("<ENQ>");
+    case fxtools::ack:
+        return QStringLiteral("<ACK>");
+    case fxtools::nak:
+        return QStringLiteral("<NAK>");
+    default:
+        break;
+    }
+    if (byte >= ' ' && byte <= '~')
+        return QString(QLatin1Char(byte));
+    const auto code = static_cast<unsigned char>(byte);
+    return '<' + QString::number(code, 16).toUpper().rightJustified(2, '0') + '>';
+}
+
 QString visible(const QByteArray& bytes)
 {
-    constexpr char16_t firstPicture = 0x2400;
     QString text;
-    for (const char byte : bytes) {
-        if (byte >= ' ' && byte <= '~')
-            text += QLatin1Char(byte);
-        else if (byte >= 0 && byte < ' ')
-            text += QChar(static_cast<char16_t>(firstPicture + byte));
-        else
-            text += "\\x" + QString::number(static_cast<unsigned char>(byte), 16);
-    }
+    for (const char byte : bytes)
+        text += visible(byte);
     return text;
 }
 

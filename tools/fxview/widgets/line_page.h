@@ -39,7 +39,7 @@ private:
     QPlainTextEdit* m_frames;
 };
 
-// "12.345  read  ␂0100...  →  ␂0000...  good, 21.3 ms".
+// "12.345  cyclic read  <STX>0100...  →  <STX>0000...  good, 21.3 ms".
 QString exchangeText(const fxtools::Exchange& exchange);
 
 }  // namespace fxview
