@@ -35,6 +35,12 @@ MainWindow::MainWindow(PlcSource& source, const Clock& clock)
     showMoment();
 }
 
+// The pages look into the books, which end before what a window owns.
+MainWindow::~MainWindow()
+{
+    delete takeCentralWidget();
+}
+
 void MainWindow::layOut()
 {
     auto* centre = new QWidget;

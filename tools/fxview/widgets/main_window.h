@@ -30,6 +30,9 @@ class MainWindow : public QMainWindow
 public:
     // The source outlives the window.
     MainWindow(PlcSource& source, const Clock& clock);
+    ~MainWindow() override;
+    MainWindow(const MainWindow&) = delete;
+    MainWindow& operator=(const MainWindow&) = delete;
 
     void showMoment();
     void keepAlarmsIn(const QString& file);
