@@ -152,6 +152,25 @@ TEST(Curves, JoinColumnsAndLeaveGaps)
     EXPECT_EQ(lines[1].first(), QPointF(3.5, 5));
 }
 
+TEST(Curves, ArePaintedFromTheLowestToTheHighestOfEachColumn)
+{
+    QImage picture(4, 11, QImage::Format_RGB32);
+    picture.fill(Qt::white);
+    QPainter painter(&picture);
+    painter.setPen(Qt::black);
+    paintCurve(painter, {0, 0, 4, 10}, {{0, 0}, {0, 10}, {}, {5, 5}}, {0, 10});
+    const auto blackIn = [&picture](int column) {
+        int black = 0;
+        for (int y = 0; y < picture.height(); ++y)
+            black += picture.pixelColor(column, y) == QColor(Qt::black);
+        return black;
+    };
+    EXPECT_EQ(blackIn(0), 1);
+    EXPECT_EQ(blackIn(1), 11);
+    EXPECT_EQ(blackIn(2), 0);
+    EXPECT_EQ(blackIn(3), 1);
+}
+
 TEST(Curves, HaveRoomAlsoWhereNothingChanges)
 {
     EXPECT_LT(roomFor({{5, 5}}).lowest, 5);
