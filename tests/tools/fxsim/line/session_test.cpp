@@ -348,6 +348,7 @@ TEST(Session, TraceTellsOfAFrameThatIsTooLong)
     bench.plc.setTrace([&told](const TraceEntry& entry) { told.append(entry.text); });
     bench.session.receive('\x02' + QByteArray(5000, '0'), bench.nowUs);
     EXPECT_EQ(told.value(0), "frame too long, dropped");
+    EXPECT_EQ(bench.plc.statistics().overlongFrames, 1);
 }
 
 TEST(Simulator, KeepsASwitchedInputWhateverTheProgramSets)
