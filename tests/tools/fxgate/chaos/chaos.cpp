@@ -83,7 +83,7 @@ void Chaos::writeConfiguration()
         "store-limit = \"" +
         QByteArray::number(m_limitBytes >> 20) +
         "M\"\nhistory-per-second = " + QByteArray::number(some(50, 1000)) + "\nstore-age = \"" +
-        QByteArray::number(some(600, 600000)) + "s\"\nrefresh = \"" +
+        QByteArray::number(some(60, 600000)) + "s\"\nrefresh = \"" +
         QByteArray::number(some(600, 7200)) +
         "s\"\n[broker]\nurl = \"mqtt://localhost\"\n[writes]\nallowed = true\n"
         "per-minute = 600\n[plain]\n[sparkplug]\ngroup = \"plant\"\n";
@@ -318,7 +318,7 @@ void Chaos::troubleOfWorker(int kind)
         break;
     case 4:
         note("worker dies");
-        if (happens(0.2))
+        if (happens(0.5))
             link.absentUntilMs = untilMs;
         if (link.worker)
             link.worker->die();
