@@ -158,10 +158,10 @@ void ExchangeLoop::receive(Exchange& exchange)
         m_lastAnswer = exchange;
     if (isTaken || isSure(exchange))
         m_isUnsure = false;
-    if (isTaken || exchange.verdict == ReplyVerdict::Late)
-        m_line.timeout().answered(exchange.responseUs);
-    else if (!m_line.isOpen())  // sending ENQ may be the first to show it
+    if (!isTaken && !m_line.isOpen())  // sending ENQ may be the first to show it
         exchange.verdict = ReplyVerdict::LinkLost;
+    else if (isTaken || exchange.verdict == ReplyVerdict::Late)
+        m_line.timeout().answered(exchange.responseUs);
 }
 
 // Prepares the line for the next frame, and judges again with all that came.

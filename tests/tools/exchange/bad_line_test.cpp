@@ -304,6 +304,24 @@ TEST(ALostLink, ConfirmsNoReply)
     EXPECT_EQ(loop.step()->verdict, ReplyVerdict::LinkLost);
 }
 
+// A late reply came, and the ENQ after it is never acknowledged.
+TEST(ALostLink, LeavesNoAckToWaitForWhenItIsOpenAgain)
+{
+    LineThatIsCut line(badLine(9600, "delay:1100@1"));
+    line.enquiries = 2;
+    DriverSession session(driver(), {});
+    session.setPlan({range("D0:4")});
+    ExchangeLoop loop(session, line, line.loopSettings());
+    EXPECT_EQ(loop.step()->verdict, ReplyVerdict::LinkLost);
+    line.enquiries = -1;
+    line.isCut = false;
+    session.setPlan({range("D100:4")});
+    const qint64 openUs = line.nowUs();
+    while (loop.step()->frame.variable.addressIndex != 100) {
+    }
+    EXPECT_LT(line.nowUs() - openUs, second);
+}
+
 // At 1200 baud the first request of 139 characters alone takes longer than the first time-out.
 TEST(ALateAck, IsNoQuickOne)
 {
