@@ -53,8 +53,10 @@ QVector<double> marksBetween(double lowest, double highest, int most)
         step *= factor;
     }
     QVector<double> marks;
-    for (double number = std::ceil(lowest / step); number <= std::floor(highest / step); ++number)
-        marks += number * step + 0.0;  // no "-0"
+    const double first = std::ceil(lowest / step);
+    const double count = std::floor(highest / step) - first + 1;
+    for (int number = 0; number < count; ++number)
+        marks += (first + number) * step + 0.0;  // no "-0"
     return marks;
 }
 

@@ -18,12 +18,13 @@ namespace {
 
 constexpr int mostCsvRows = 100000;
 constexpr int lettersPerAxis = 8;
+constexpr qint64 withoutSecondsMs = 10 * 60 * 1000;
 
 QString clockText(qint64 timeMs, qint64 spanMs)
 {
     const QDateTime time = QDateTime::fromMSecsSinceEpoch(timeMs);
-    return time.toString(spanMs > 10 * 60000 ? QStringLiteral("hh:mm")
-                                             : QStringLiteral("hh:mm:ss"));
+    return time.toString(spanMs > withoutSecondsMs ? QStringLiteral("hh:mm")
+                                                   : QStringLiteral("hh:mm:ss"));
 }
 
 }  // namespace

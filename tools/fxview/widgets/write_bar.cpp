@@ -247,11 +247,12 @@ void WriteBar::showMoment(qint64 nowMs)
     const bool isGood = m_book.qualityAt(m_tag, nowMs) == Quality::Good;
     const QString shown = isGood ? now : tr("%1 (%2)").arg(now, m_book.reasonAt(m_tag, nowMs));
     m_now->setText(tr("%1 is %2").arg(tag.name, shown));
-    if (m_step == Step::Asking)
+    if (m_step == Step::Asking) {
         m_said->setText(tr("Write to %1 (%2): now %3, new %4?")
                             .arg(tag.name, tag.asked.text(), shown,
                                  valueWithUnit(tag, tag.isOneBit() ? QJsonValue(newText().toInt())
                                                                    : QJsonValue(newText()))));
+    }
 }
 
 void WriteBar::keyPressEvent(QKeyEvent* event)
