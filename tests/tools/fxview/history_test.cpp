@@ -5,6 +5,8 @@
 
 #include "tools/fxview/models/history.h"
 
+#include <QStringList>
+
 #include <gtest/gtest.h>
 
 using namespace fxview;

@@ -3,6 +3,7 @@
 
 #include "tools/fxview/widgets/theme.h"
 
+#include <QStyle>
 #include <QStyleFactory>
 
 #include <array>

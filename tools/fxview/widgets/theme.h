@@ -11,6 +11,7 @@
 #include <QApplication>
 #include <QIcon>
 #include <QPainter>
+#include <QPalette>
 
 namespace fxview {
 
