@@ -22,9 +22,7 @@ Without --link, --plc, FX_LINK and a default in the configuration file of fxhost
 the window shows a simulated PLC, and says so.
 
 Exit status:
-  0 success                          2 mistake at the command line
-
-For details see man fxview.)";
+  0 success                          2 mistake at the command line)";
 
 const QString sampleTags = QStringLiteral(":/sample.csv");
 constexpr int simulatedBaud = 38400;

@@ -161,6 +161,7 @@ TEST_F(FxgateTest, ServesUntilItIsEndedAndEndsAllItsWorkers)
         EXPECT_NE(ended.err.find("fxgate: started: gateway cabinet1, 2 links\n"),
                   std::string::npos);
         EXPECT_EQ(ended.err.substr(ended.err.size() - 16), "fxgate: stopped\n");
+        EXPECT_EQ(ended.err.find("QFile"), std::string::npos) << "there are no metrics to remove";
     }
 }
 

@@ -26,6 +26,13 @@ namespace {
 
 constexpr int metricsMs = 15000;  // as often as they are collected, usually
 
+// Else they would look like new ones.
+void removeMetrics(const QString& file)
+{
+    if (!file.isEmpty())
+        QFile::remove(file);
+}
+
 // A link takes five. The usual limit of 1024 is for programs that use select().
 void allowManyFiles()
 {
@@ -92,7 +99,7 @@ private:
         const QString oldMetrics = m_gateway.configuration().gateway.metrics;
         Gateway::Reload reload = m_gateway.reload();
         if (m_gateway.configuration().gateway.metrics != oldMetrics)
-            QFile::remove(oldMetrics);
+            removeMetrics(oldMetrics);
         writeMetrics();
         notifyReady();
         return reload;
@@ -104,7 +111,7 @@ private:
         m_signals.setEnabled(false);
         m_metrics.stop();
         m_gateway.stop();
-        QFile::remove(m_gateway.configuration().gateway.metrics);  // else they look like new ones
+        removeMetrics(m_gateway.configuration().gateway.metrics);
         complain(QStringLiteral("stopped"));
         QCoreApplication::quit();
     }
