@@ -23,7 +23,7 @@ constexpr int leastQuietResponses = 2;
 
 constexpr int readCharacters = 11;        // of its request
 constexpr int exchangesUntilGuessed = 4;  // how late replies begin
-constexpr qint64 soonestOnWireUs = 800;  // what is quicker comes from a program, at any speed
+constexpr qint64 soonestOnWireUs = 800;   // what is quicker comes from a program, at any speed
 
 constexpr int longestTurnMs = 100;
 constexpr int longestDrainMs = 2000;        // of a line that is never quiet,
