@@ -54,19 +54,22 @@ void readUrl(Section& section, BrokerSettings& broker)
     broker.isEncrypted = url.scheme() == QLatin1String("mqtts");
     broker.host = url.host();
     broker.port = url.port(broker.isEncrypted ? 8883 : 1883);
+    const bool isKnown = url.scheme() == QLatin1String("mqtt") || broker.isEncrypted;
+    const bool isHostOnly =
+        !broker.host.isEmpty() && url.path().isEmpty() && !url.hasQuery() && !url.hasFragment();
+    const bool isHere =
+        broker.host == QLatin1String("localhost") || QHostAddress(broker.host).isLoopback();
+    QString mistake;
     if (!url.userInfo().isEmpty())
-        section.reject("url",
-                       QStringLiteral("url must not contain a user or a password; use user and "
-                                      "password-file"));
-    else if ((url.scheme() != QLatin1String("mqtt") && !broker.isEncrypted) ||
-             broker.host.isEmpty() || !url.path().isEmpty() || url.hasQuery() || url.hasFragment())
-        section.reject("url", "invalid url " + quoted(text) +
-                                  ": expected mqtts://HOST:PORT or mqtt://localhost:PORT");
-    else if (!broker.isEncrypted && broker.host != QLatin1String("localhost") &&
-             !QHostAddress(broker.host).isLoopback())
-        section.reject("url",
-                       QStringLiteral("mqtt:// is not encrypted, and only allowed for a broker "
-                                      "on this machine; use mqtts://"));
+        mistake = "url must not contain a user or a password; use user and password-file";
+    else if (!isKnown || !isHostOnly)
+        mistake =
+            "invalid url " + quoted(text) + ": expected mqtts://HOST:PORT or mqtt://localhost:PORT";
+    else if (!broker.isEncrypted && !isHere)
+        mistake = "mqtt:// is not encrypted, and only allowed for a broker on this machine; use "
+                  "mqtts://";
+    if (!mistake.isEmpty())
+        section.reject("url", mistake);
 }
 
 BrokerSettings brokerIn(Section section)

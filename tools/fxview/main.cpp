@@ -73,9 +73,7 @@ int show(const Options& options)
     return QApplication::exec();
 }
 
-}  // namespace
-
-int main(int argumentCount, char** arguments)
+int runCommandLine(int argumentCount, char** arguments)
 {
     int exitCode = 0;
     const std::optional<Options> options = readOptions(argumentCount, arguments, exitCode);
@@ -87,4 +85,16 @@ int main(int argumentCount, char** arguments)
     QApplication::setApplicationName(QStringLiteral("fxview"));
     applyTheme(application, options->isDark);
     return show(*options);
+}
+
+}  // namespace
+
+int main(int argumentCount, char** arguments)
+{
+    try {
+        return runCommandLine(argumentCount, arguments);
+    } catch (const std::exception& error) {
+        qCritical("fxview: %s", error.what());
+        return static_cast<int>(fxtools::ExitCode::SomeFailed);
+    }
 }

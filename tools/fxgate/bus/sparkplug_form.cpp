@@ -349,11 +349,12 @@ Received SparkplugForm::hostState(const QByteArray& payload, qint64 nowMs)
 
 Received SparkplugForm::nodeCommand(const SparkplugPayload& payload, qint64 nowMs)
 {
-    for (const Metric& metric : payload.metrics)
+    for (const Metric& metric : payload.metrics) {
         if (metric.name == "Node Control/Rebirth" && metric.value == true) {
             m_isRebirthDue = true;
             return {m_wasReborn ? Messages() : rebirth(nowMs), {}, false};
         }
+    }
     return {};
 }
 

@@ -128,13 +128,14 @@ void MainWindow::showLink(bool isUp, const QString& reason)
     m_linkText->setText(isUp ? tr("%1 answers").arg(m_source.name())
                              : tr("%1 does not answer").arg(m_source.name()));
     m_valuesPage->writeBar().setLinkUp(isUp);
-    if (isUp)
+    if (isUp) {
         m_problems->clear(Problem::LinkLost);
-    else
+    } else {
         m_problems->set(Problem::LinkLost,
                         tr("%1 does not answer: %2. Check the cable and the power of the PLC; "
                            "the window goes on trying.")
                             .arg(m_source.name(), reason));
+    }
 }
 
 void MainWindow::tellThatNothingStarts(const QString& reason)

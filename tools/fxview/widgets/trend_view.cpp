@@ -18,7 +18,7 @@ namespace {
 
 constexpr int mostCsvRows = 100000;
 constexpr int lettersPerAxis = 8;
-constexpr qint64 withoutSecondsMs = 10 * 60 * 1000;
+constexpr qint64 withoutSecondsMs = 600000;
 
 QString clockText(qint64 timeMs, qint64 spanMs)
 {
