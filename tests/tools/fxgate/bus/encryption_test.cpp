@@ -168,7 +168,7 @@ TEST_F(EncryptionTest, FilesThatCannotBeRead)
     const Broker broker(m_certificates.listener("right"));
     BrokerSettings settings = encrypted(broker);
     settings.caFile = m_certificates.path("missing.pem");
-    EXPECT_TRUE(says(settings, "cannot read the files"));
+    EXPECT_TRUE(says(settings, "cannot read the certificate or key files"));
     settings = encrypted(broker);
     settings.user = "anna";
     settings.passwordFile = m_certificates.path("missing");
