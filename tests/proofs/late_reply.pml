@@ -60,6 +60,7 @@ bool taken;
 /* Rules: */
 #define momentBefore 32    /* an early reply, or what comes in the moment before, does not count */
 #define waitForAnother 64  /* a reply that repeats the one before counts only if none follows */
+#define alsoSame 128       /* also when it is to the same request */
 #define drained 256        /* after a bad reply the line is drained */
 #define alsoNak 512        /* also after NAK, */
 #define alsoOther 1024     /* and after another reply */
@@ -153,7 +154,7 @@ inline put(what, whose)
 {
     if
     :: line!what, whose, value, 0
-    :: !calm && len(line) < LINE - 1 -> line!what, whose, value, 0; line!what, whose, value, 1
+    :: !calm && len(line) < LINE - 1 && (what != acknowledge || !holds(ackOnce)) -> line!what, whose, value, 0; line!what, whose, value, 1
     fi
 }
 
@@ -174,9 +175,6 @@ inline answerEnquiry()
     value = 0;
     if
     :: answersEnq -> copy = !isEmpty; line!acknowledge, nobody, 0, copy
-    :: answersEnq && !calm && !holds(ackOnce) && len(line) < LINE - 1 ->
-       line!acknowledge, nobody, 0, !isEmpty;
-       line!acknowledge, nobody, 0, 1
     :: !answersEnq || !calm
     fi
 }
@@ -281,6 +279,7 @@ inline take()
     printf("> take %d\n", tookValue);
     assert(tookName == wanted);
     lastKind = data;
+    lastWanted = wanted;
     lastValue = tookValue;
     lonely = false;
     taken = true
@@ -344,14 +343,14 @@ inline judge()
     :: first == nothing || length < whole && first != refusal && !isStray ->
        settleTimeout();
        if
-       :: front == refusal -> lastKind = nothing  /* an answer without bytes */
+       :: front == refusal -> lastKind = nothing; lastWanted = wanted  /* an answer without bytes */
        :: else
        fi
     :: first != nothing && isStray -> strayed = true; settleTimeout()
     :: (first == refusal || length >= whole && bad) && !isStray && unsure && holds(alsoBad) ->
        confirm();
        if
-       :: first == refusal -> lastKind = refusal
+       :: first == refusal -> lastKind = refusal; lastWanted = wanted
        :: else
        fi
     :: first == refusal && !isStray && !(unsure && holds(alsoBad)) ->
@@ -360,7 +359,8 @@ inline judge()
        :: !isLonely && lastKind == refusal && holds(alsoNak) -> drain(another, quiet)
        :: else
        fi;
-       lastKind = refusal
+       lastKind = refusal;
+       lastWanted = wanted
     :: else ->
        if
        :: bad -> settleBad()
@@ -372,10 +372,14 @@ inline judge()
           :: else -> take()
           fi
        :: !bad && !mustConfirm && !isLonely && lastKind == data && isSame && holds(waitForAnother) ->
-          drain(another, (holds(alsoOther) -> quiet : another));
           if
-          :: heard
-          :: else -> take()
+          :: isRead && lastWanted == wanted -> waitsForOther = holds(alsoSame); take()
+          :: else ->
+             drain(another, (holds(alsoOther) -> quiet : another));
+             if
+             :: heard
+             :: else -> take()
+             fi
           fi
        :: else -> take()
        fi
@@ -393,9 +397,9 @@ inline forget()  /* what the next exchange does not depend on */
 active proctype host()
 {
     bool answersEnq;  /* this PLC */
-    bool met = true, lonely, unsure, owes, strayed, atOnce, noise, heard, isSilent, early, bad, answered, everAnswered;
+    bool met = true, lonely, unsure, owes, strayed, waitsForOther, atOnce, noise, heard, isSilent, early, bad, answered, everAnswered;
     mtype kind, first, front, lastKind = nothing;
-    byte dice, frames, acks, wanted, name, tookName, length, unanswered, silences, owed, held, lastSent = nobody;
+    byte dice, frames, acks, wanted, lastWanted = nobody, name, tookName, length, unanswered, silences, owed, held, lastSent = nobody;
     bit value, copy, tookValue, lastValue;
 
     if
@@ -406,9 +410,9 @@ active proctype host()
 
 anew:  /* a host that knows nothing of the one before */
     printf("> restart\n");
-    met = false; lonely = false; unsure = false; strayed = true;
+    met = false; lonely = false; unsure = false; strayed = true; waitsForOther = false;
     everAnswered = false; unanswered = 0; silences = 0; owed = 0; held = 0;
-    lastKind = nothing; lastValue = 0; lastSent = nobody;
+    lastKind = nothing; lastWanted = nobody; lastValue = 0; lastSent = nobody;
 
 running:
     do
@@ -439,8 +443,9 @@ running:
        atOnce = !strayed;
        owes = owed > 0;
        if
-       :: isFirstWrite -> drain(quiet, quiet)
-       :: !isFirstWrite && holds(momentBefore) -> drain(moment, lateQuiet)
+       :: isFirstWrite -> waitsForOther = false; drain(quiet, quiet)
+       :: !isFirstWrite && waitsForOther && !isRepeated -> waitsForOther = false; drain(another, quiet)
+       :: !isFirstWrite && holds(momentBefore) && !(waitsForOther && !isRepeated) -> drain(moment, lateQuiet)
        :: else
        fi;
        if

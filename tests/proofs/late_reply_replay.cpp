@@ -49,7 +49,7 @@ struct WaitFacts
 };
 
 constexpr WaitFacts waits[] = {
-    {"moment", 0, usualMs / 8 + 1},    {"reply", timeoutMs, timeoutMs},
+    {"moment", 0, usualMs / 8},        {"reply", timeoutMs, timeoutMs},
     {"rest", timeoutMs, timeoutMs},    {"another", 1, turnMs},
     {"quiet", usualMs / 4, turnMs},    {"lateQuiet", usualMs / 4, turnMs},
     {"enquiry", timeoutMs, timeoutMs}, {"clearing", usualMs * 2, timeoutMs},
@@ -190,11 +190,10 @@ private:
     {
         const bool goesOn = std::exchange(m_isClearing, event.word(0) == "clearing");
         const bool isLong = event.word(0) == "longEnquiry" || event.word(0) == "outwait";
-        const bool isQuiet =
-            event.word(0) == "quiet" || event.word(0) == "lateQuiet" || (goesOn && m_isClearing);
-        const bool isDoubt = (event.word(0) == "another" || event.word(0) == "quiet") &&
-                             (forMs == turnMs || m_leftMs > 0);
-        if (!(isLong || isDoubt || (isQuiet && !usualIsKnown())) || event.word(1) != "nothing")
+        const bool isQuiet = event.word(0) == "quiet" || event.word(0) == "lateQuiet" ||
+                             (goesOn && m_isClearing) ||
+                             (event.word(0) == "another" && (forMs == turnMs || m_leftMs > 0));
+        if (!(isLong || (isQuiet && !usualIsKnown())) || event.word(1) != "nothing")
             return false;
         if (m_leftMs == 0)
             m_leftMs = isLong ? longestReplyMs - static_cast<int>(m_nowUs - m_enquiredUs) / 1000

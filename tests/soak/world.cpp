@@ -17,8 +17,7 @@ Value oneOf(Random& random, const Value (&values)[count])
     return values[static_cast<std::size_t>(below(random, int(count)))];
 }
 
-constexpr int shortestExchange = 10;  // characters: a bit and its ACK
-constexpr int slowestBaud = 1200;     // where the PLC answers ENQ
+constexpr int slowestBaud = 1200;  // where the PLC answers ENQ
 
 // Below the five seconds that the host waits for an ACK. Where none comes, below three time-outs:
 // what it waits for a reply, for the ACK and for a quiet line.
@@ -30,21 +29,7 @@ int mostDelayMs(const fxsim::Settings& plc)
     return isQuick ? 100 : 500;
 }
 
-// A second copy comes before the line counts as quiet: within four of the quickest exchanges. Where
-// replies are lost or late, it follows at once.
-int mostCopyDelayMs(const fxsim::Settings& plc, const fxsim::FaultPlan& plan)
-{
-    for (const fxsim::FaultRule& rule : plan) {
-        if (rule.kind == fxsim::FaultKind::Silence || rule.kind == fxsim::FaultKind::Delay ||
-            rule.kind == fxsim::FaultKind::Truncated)
-            return 0;
-    }
-    const qint64 quickestUs = shortestExchange * plc.timing.characterTimeUs();
-    return static_cast<int>(std::clamp<qint64>(4 * quickestUs / fxsim::usPerMs, 5, 250));
-}
-
-int valueOf(fxsim::FaultKind kind, const fxsim::Settings& plc, const fxsim::FaultPlan& plan,
-            Random& random)
+int valueOf(fxsim::FaultKind kind, const fxsim::Settings& plc, Random& random)
 {
     switch (kind) {
     case fxsim::FaultKind::PowerCycle:
@@ -54,8 +39,6 @@ int valueOf(fxsim::FaultKind kind, const fxsim::Settings& plc, const fxsim::Faul
         return 1 + below(random, mostDelayMs(plc));
     case fxsim::FaultKind::Slices:
         return below(random, 60);
-    case fxsim::FaultKind::Duplicate:
-        return below(random, 1 + mostCopyDelayMs(plc, plan));
     default:
         return fxsim::factsOf(kind).value;
     }
@@ -67,9 +50,8 @@ fxsim::FaultPlan someFaults(const fxsim::Settings& plc, Random& random)
     for (int number = 0; number < fxsim::faultKinds; ++number) {
         const auto kind = static_cast<fxsim::FaultKind>(number);
         const double most = kind < fxsim::FaultKind::Silence ? mostOftenAtAll : mostOftenAtALine;
-        if (chance(random, faultIsThere))
-            plan.append(
-                {kind, valueOf(kind, plc, plan, random), most * below(random, 1000) / 1000, {}});
+        if (chance(random, faultIsThere) && kind != fxsim::FaultKind::Duplicate)
+            plan.append({kind, valueOf(kind, plc, random), most * below(random, 1000) / 1000, {}});
     }
     return plan;
 }

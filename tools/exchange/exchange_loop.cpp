@@ -10,22 +10,6 @@ namespace fxtools {
 
 namespace {
 
-// A second copy of a reply usually follows it within this small part of its response time, or at
-// once: then a character later.
-constexpr int momentShare = 8;
-constexpr qint64 longestMomentUs = 5000;
-constexpr int longestMomentCharacters = 2;
-
-qint64 momentAfterUs(const Exchange& answer)
-{
-    if (answer.reply.isEmpty())
-        return 0;
-    const int characters = requestBytes(answer.frame).size() + answer.reply.size();
-    return std::min(
-        answer.responseUs / momentShare,
-        std::max(longestMomentUs, longestMomentCharacters * answer.responseUs / characters));
-}
-
 bool isTimeout(ReplyVerdict verdict)
 {
     return verdict == ReplyVerdict::Silence || verdict == ReplyVerdict::Incomplete;
@@ -105,12 +89,13 @@ void ExchangeLoop::send(Exchange& exchange)
     if (m_isUnsure)
         greet();
     const QByteArray request = requestBytes(exchange.frame);
-    const bool isFirstWrite = m_lastRequest.isEmpty() && exchange.frame.isRead == 0;
+    if (m_lastRequest.isEmpty() && exchange.frame.isRead == 0)
+        m_waitBeforeOtherMs = m_line.quietMs();
     const bool repeatsRead = exchange.frame.isRead != 0 && request == m_lastRequest;
     const bool mustOutwait = m_line.owesAcks() && !repeatsRead;
     QByteArray junk;
-    bool mayBeSent = isFirstWrite ? m_line.drain(m_line.quietMs(), junk)
-                                  : m_line.drainBeforeFrame(momentAfterUs(m_lastAnswer), junk);
+    const int waitMs = repeatsRead ? 0 : std::exchange(m_waitBeforeOtherMs, 0);
+    bool mayBeSent = waitMs > 0 ? m_line.drain(waitMs, junk) : m_line.drainBeforeFrame(junk);
     if (mayBeSent && mustOutwait) {
         m_line.outwaitAcks(junk);
         mayBeSent = m_line.drain(m_line.quietMs(), junk);
@@ -150,8 +135,8 @@ void ExchangeLoop::receive(Exchange& exchange)
         settle(exchange, *waitMs);
     if (exchange.verdict == ReplyVerdict::Late)
         exchange.responseUs = std::max(exchange.responseUs, m_line.heardUs() - sentUs);
-    if (exchange.verdict == ReplyVerdict::Good)
-        m_line.noteBeginning(beganAfterUs, requestBytes(exchange.frame).size());
+    if (exchange.verdict == ReplyVerdict::Good && exchange.frame.isRead != 0)
+        m_line.noteBeginning(beganAfterUs);
     const bool isTaken = exchange.verdict == ReplyVerdict::Good ||
                          (exchange.verdict == ReplyVerdict::Surrounded && m_isTolerant);
     if (isTaken || exchange.verdict == ReplyVerdict::Refused)
@@ -227,16 +212,26 @@ void ExchangeLoop::noteSilence(const Exchange& exchange, bool enquiryAnswered)
 }
 
 // How long to listen for more, if at all. The answer before, once more, may be its second copy:
-// then the PLC's own answer follows, when the latest of late would have begun or right behind the
-// copy.
+// then the PLC's own answer follows, at the time that it usually takes or right behind the copy. To
+// the same read it may as well be right, so there the wait comes before the next other request.
 std::optional<int> ExchangeLoop::waitAfter(const Exchange& exchange)
 {
-    if ((exchange.verdict != ReplyVerdict::Good && !isPlainNak(exchange)) || m_isUnsure)
+    const bool isGood = exchange.verdict == ReplyVerdict::Good;
+    if ((!isGood && !isPlainNak(exchange)) || m_isUnsure)
         return m_line.quietMs();
     if (exchange.reply != m_lastAnswer.reply)
         return std::nullopt;
-    return m_line.untilLatestMs(requestBytes(exchange.frame).size(), exchange.responseUs,
-                                momentAfterUs(m_lastAnswer));
+    const qint64 momentAfterUs = PlcLine::momentUs(m_lastAnswer.responseUs);
+    const bool isEarly = exchange.responseUs < m_lastAnswer.responseUs - momentAfterUs;
+    const int momentMs = static_cast<int>(momentAfterUs / 1000) + 1;
+    if (isGood && exchange.frame.isRead != 0 &&
+        requestBytes(exchange.frame) == requestBytes(m_lastAnswer.frame)) {
+        const auto usualMs = static_cast<int>(m_lastAnswer.responseUs / 1000);
+        m_waitBeforeOtherMs =
+            std::max(m_waitBeforeOtherMs, isEarly ? usualMs + momentMs : momentMs);
+        return std::nullopt;
+    }
+    return isEarly ? m_line.quietMs() : momentMs;
 }
 
 void ExchangeLoop::handOver(Exchange& exchange)

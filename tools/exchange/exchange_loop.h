@@ -18,7 +18,8 @@
 //      counts only if the ACK of another ENQ follows. After five seconds the ACK is taken for lost.
 //      For a PLC that never answers ENQ, the host waits for another time-out instead.
 //   4. A reply or NAK that repeats the one before may be its second copy: it counts only if none
-//      follows.
+//      follows. Where the same read is sent again and again, the line must be quiet before the
+//      first other request instead.
 //   5. A line that was opened anew may owe replies to an earlier host, or to this one. Before the
 //      first frame the PLC must acknowledge two ENQs in a row with nothing else between, since one
 //      ACK may be an earlier one; if that frame is a write, the line must also be quiet. Where no
@@ -108,6 +109,7 @@ private:
     QByteArray m_lastRequest;         // since the greeting
     bool m_repeatsWhileOwed = false;  // the last request is a read sent again before an owed ACK
     Exchange m_lastAnswer;            // good or refused
+    int m_waitBeforeOtherMs = 0;      // for a copy of an answer to the last request
     int m_unansweredInARow = 0;
     bool m_repeating = false;  // the driver will give the same frame again
     bool m_mayBeDone = false;  // of the frame that is repeated

@@ -21,9 +21,9 @@ constexpr int longestQuietMs = 250;
 constexpr int quietResponses = 4;
 constexpr int leastQuietResponses = 2;
 
-constexpr int readCharacters = 11;        // of its request
-constexpr int exchangesUntilGuessed = 4;  // how late replies begin
-constexpr qint64 soonestOnWireUs = 800;   // what is quicker comes from a program, at any speed
+constexpr int momentShare = 8;
+constexpr int longestMomentMs = 5;
+constexpr qint64 soonestOnWireUs = 2000;  // what is quicker comes from a program, at any speed
 
 constexpr int longestTurnMs = 100;
 constexpr int longestDrainMs = 2000;        // of a line that is never quiet,
@@ -106,10 +106,11 @@ bool PlcLine::drain(int forQuietMs, QByteArray& junk)
 }
 
 // What comes too soon after the frame is known to be stray: only the rest of a moment is waited.
-bool PlcLine::drainBeforeFrame(qint64 momentUs, QByteArray& junk)
+bool PlcLine::drainBeforeFrame(QByteArray& junk)
 {
-    const qint64 restUs = std::max<qint64>(momentUs - tooSoonUs(), 0);
-    return drain(m_isQuiet ? wholeMs(restUs) : quietMs(), junk);
+    const qint64 restUs = momentUs(m_timeout.typicalResponseUs()) - tooSoonUs();
+    return drain(m_isQuiet ? static_cast<int>(std::max<qint64>(restUs, 0) / 1000) : quietMs(),
+                 junk);
 }
 
 QByteArray PlcLine::overhear(int timeMs)
@@ -208,32 +209,11 @@ void PlcLine::outwaitAcks(QByteArray& junk)
     m_acksOwed = 0;
 }
 
-// What was found before is forgotten little by little.
-qint64 PlcLine::leastOfLate(std::optional<qint64> before, qint64 now)
+void PlcLine::noteBeginning(qint64 afterUs)
 {
-    return before ? std::min(now, *before + now / exchangesUntilForgotten) : now;
-}
-
-void PlcLine::noteBeginning(qint64 afterUs, int requestCharacters)
-{
-    const int characters = requestCharacters + 1;  // the first of the reply
-    m_characterUs = leastOfLate(m_characterUs, afterUs / characters);
-    m_latestUs = std::max(afterUs - *m_characterUs * characters,
-                          m_latestUs - m_latestUs / exchangesUntilForgotten);
-    m_beginnings = std::min(m_beginnings + 1, exchangesUntilGuessed);
-    if (requestCharacters != readCharacters)
-        return;
-    m_soonestUs = leastOfLate(m_soonestUs, afterUs);
-    m_readsSinceStray = std::min(m_readsSinceStray + 1, exchangesUntilForgotten);
-}
-
-int PlcLine::untilLatestMs(int requestCharacters, qint64 sinceUs, qint64 momentUs) const
-{
-    if (m_beginnings < exchangesUntilGuessed)
-        return longestDoubtMs();
-    const qint64 latestUs = *m_characterUs * (requestCharacters + 1) + 2 * m_latestUs;
-    const qint64 leftUs = std::max<qint64>(latestUs - sinceUs, 0) + momentUs;
-    return std::min(wholeMs(leftUs), longestDoubtMs());
+    const qint64 soonestUs = m_soonestUs.value_or(afterUs) + afterUs / readsUntilForgotten;
+    m_soonestUs = std::min(afterUs, soonestUs);
+    m_readsSinceStray = std::min(m_readsSinceStray + 1, readsUntilForgotten);
 }
 
 void PlcLine::noteStray()
@@ -246,21 +226,13 @@ void PlcLine::noteStray()
 qint64 PlcLine::tooSoonUs() const
 {
     const qint64 soonestUs = m_soonestUs.value_or(0);
-    const bool isKnown =
-        m_readsSinceStray >= exchangesUntilForgotten && soonestUs >= soonestOnWireUs;
+    const bool isKnown = m_readsSinceStray >= readsUntilForgotten && soonestUs >= soonestOnWireUs;
     return isKnown ? soonestUs / 2 : 0;
 }
 
-int PlcLine::wholeMs(qint64 us) const
+qint64 PlcLine::momentUs(qint64 responseUs)
 {
-    const bool isOnWire = m_timeout.typicalResponseUs() >= soonestOnWireUs;
-    return static_cast<int>((isOnWire ? us + 999 : us) / 1000);
-}
-
-int PlcLine::longestDoubtMs() const
-{
-    const qint64 usualMs = m_timeout.typicalResponseUs() / 1000;
-    return static_cast<int>(std::max<qint64>(longestQuietMs, leastQuietResponses * usualMs));
+    return std::min<qint64>(responseUs / momentShare, 1000LL * longestMomentMs);
 }
 
 int PlcLine::quietMs() const
@@ -268,8 +240,10 @@ int PlcLine::quietMs() const
     const qint64 typicalUs = m_timeout.typicalResponseUs();
     if (typicalUs == 0)
         return longestQuietMs;
-    const qint64 wantedMs = quietResponses * (typicalUs / 1000);
-    return static_cast<int>(std::clamp<qint64>(wantedMs, shortestQuietMs, longestDoubtMs()));
+    const qint64 responseMs = typicalUs / 1000;
+    const qint64 longestMs = std::max<qint64>(longestQuietMs, leastQuietResponses * responseMs);
+    const qint64 wantedMs = quietResponses * responseMs;
+    return static_cast<int>(std::clamp<qint64>(wantedMs, shortestQuietMs, longestMs));
 }
 
 }  // namespace fxtools

@@ -43,8 +43,8 @@ public:
     // is followed for two seconds.
     bool drain(int forQuietMs, QByteArray& junk);
 
-    // The same, for as short a time as is safe before a frame: a moment at most.
-    bool drainBeforeFrame(qint64 momentUs, QByteArray& junk);
+    // The same, for as short a time as is safe before a frame.
+    bool drainBeforeFrame(QByteArray& junk);
 
     // Everything that comes within this time.
     QByteArray overhear(int timeMs);
@@ -70,12 +70,11 @@ public:
     // Whether a reply that began so long after its request is none: the PLC has not even read the
     // request by then. Half the time of the quickest reply of late.
     bool isTooSoon(qint64 afterUs) const { return afterUs < tooSoonUs(); }
-    void noteBeginning(qint64 afterUs, int requestCharacters);
-    // How long it takes, so long after a request, until its reply begins if that is as late as the
-    // latest of late, and a moment at least.
-    int untilLatestMs(int requestCharacters, qint64 sinceUs, qint64 momentUs) const;
-    void noteStray();  // from now on the line is drained longer for a while
+    void noteBeginning(qint64 afterUs);  // of the reply to a read
+    void noteStray();                    // from now on the line is drained longer for a while
 
+    // A second copy of a reply usually follows it within this small part of its response time.
+    static qint64 momentUs(qint64 responseUs);
     int quietMs() const;
 
     bool isOpen() const { return m_link.isOpen(); }
@@ -86,8 +85,8 @@ public:
     const Link& link() const { return m_link; }
 
 private:
-    static constexpr int exchangesUntilForgotten = 256;  // a stray reply, or a single quick one
-    static constexpr int exchangesUntilKnown = 16;       // how soon replies begin
+    static constexpr int readsUntilForgotten = 256;  // a stray reply, or a single quick one
+    static constexpr int readsUntilKnown = 16;       // how soon replies begin
 
     QByteArray listen(int timeoutMs);
     bool isWorthAsking() const;
@@ -95,9 +94,6 @@ private:
     bool awaitAcks(int timeoutMs, QByteArray& junk);
     int betweenBytesMs() const;
     qint64 tooSoonUs() const;
-    int longestDoubtMs() const;
-    int wholeMs(qint64 us) const;  // rounded up, unless all that takes time is a program
-    static qint64 leastOfLate(std::optional<qint64> before, qint64 now);
 
     Link& m_link;
     TimingSettings m_settings;
@@ -106,11 +102,8 @@ private:
     bool m_isQuiet = true;  // as far as is known
     qint64 m_beganUs = 0;
     qint64 m_heardUs = 0;
-    std::optional<qint64> m_soonestUs;    // from a read request to the first bytes of its reply
-    std::optional<qint64> m_characterUs;  // from any request to its reply, for each character
-    qint64 m_latestUs = 0;                // and at most beyond that
-    int m_beginnings = 0;                 // of which these were found
-    int m_readsSinceStray = exchangesUntilForgotten - exchangesUntilKnown;
+    std::optional<qint64> m_soonestUs;  // from a request to the first bytes of its reply
+    int m_readsSinceStray = readsUntilForgotten - readsUntilKnown;
     int m_acksOwed = 0;          // for the ENQs so far,
     int m_greetingsOwed = 0;     // but for greetings that got none
     qint64 m_enquiredUs = 0;     // when the last of them was sent
