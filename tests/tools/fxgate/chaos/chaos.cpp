@@ -59,6 +59,7 @@ Chaos::Chaos(unsigned int seed, const Note& note)
 Chaos::~Chaos()
 {
     m_gateway.reset();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);  // they know the timeline
 }
 
 qint64 Chaos::some(qint64 leastMs, qint64 mostMs)
