@@ -17,11 +17,10 @@ namespace {
 
 constexpr qint64 reorderMs = 2000;  // rows that jump about more often cannot be read
 
-// By what a row is sorted: by a number, and by a text where that is the same.
+// By what a row is sorted: by a number, and where that is the same as in the tag file.
 struct SortKey
 {
     double number;
-    QString text;
     int tag;
 };
 
@@ -194,7 +193,33 @@ void ValueTable::sort(int column, Qt::SortOrder order)
     reorder();
 }
 
-// As people sort names: pump2 before pump10. Without a column, as in the tag file.
+// As people sort names: pump2 before pump10.
+const QVector<int>& ValueTable::places(int column)
+{
+    QVector<int>& places = column == Name ? m_namePlaces : m_addressPlaces;
+    if (!places.isEmpty())
+        return places;
+    QCollator collator(QLocale{QLocale::English});  // the plain locale counts no numbers
+    collator.setNumericMode(true);
+    collator.setCaseSensitivity(Qt::CaseInsensitive);
+    std::vector<std::pair<QCollatorSortKey, int>> tags;
+    tags.reserve(static_cast<size_t>(m_book.size()));
+    for (int tag = 0; tag < m_book.size(); ++tag)
+        tags.emplace_back(collator.sortKey(text(tag, column)), tag);
+    std::sort(tags.begin(), tags.end(), [](const auto& one, const auto& other) {
+        const int order = one.first.compare(other.first);
+        return order != 0 ? order < 0 : one.second < other.second;
+    });
+    places.resize(m_book.size());
+    for (size_t place = 0; place < tags.size(); ++place) {
+        const bool isSame = place > 0 && tags[place].first.compare(tags[place - 1].first) == 0;
+        places[tags[place].second] =
+            isSame ? places[tags[place - 1].second] : static_cast<int>(place);
+    }
+    return places;
+}
+
+// Without a column, as in the tag file.
 void ValueTable::order()
 {
     m_orderedMs = m_nowMs;
@@ -202,24 +227,18 @@ void ValueTable::order()
         std::sort(m_rows.begin(), m_rows.end());
         return;
     }
-    QCollator collator(QLocale{QLocale::English});  // the plain locale counts no numbers
-    collator.setNumericMode(true);
-    collator.setCaseSensitivity(Qt::CaseInsensitive);
+    const bool isText = m_sortColumn == Name || m_sortColumn == Address;
     std::vector<SortKey> keys;
     keys.reserve(static_cast<size_t>(m_rows.size()));
-    for (const int tag : qAsConst(m_rows)) {
-        const bool isText = m_sortColumn == Name || m_sortColumn == Address;
-        keys.push_back({numberOf(m_book, tag, m_sortColumn, m_nowMs),
-                        isText ? text(tag, m_sortColumn) : QString(), tag});
-    }
+    for (const int tag : qAsConst(m_rows))
+        keys.push_back(
+            {isText ? places(m_sortColumn)[tag] : numberOf(m_book, tag, m_sortColumn, m_nowMs),
+             tag});
     const bool isRising = m_sortOrder == Qt::AscendingOrder;
-    std::sort(keys.begin(), keys.end(), [&](const SortKey& one, const SortKey& other) {
-        const SortKey& low = isRising ? one : other;
-        const SortKey& high = isRising ? other : one;
-        if (low.number != high.number)
-            return low.number < high.number;
-        const int texts = low.text.isEmpty() ? 0 : collator.compare(low.text, high.text);
-        return texts != 0 ? texts < 0 : one.tag < other.tag;
+    std::sort(keys.begin(), keys.end(), [isRising](const SortKey& one, const SortKey& other) {
+        if (one.number != other.number)
+            return isRising == (one.number < other.number);
+        return one.tag < other.tag;
     });
     std::transform(keys.begin(), keys.end(), m_rows.begin(),
                    [](const SortKey& key) { return key.tag; });

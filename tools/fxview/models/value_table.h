@@ -63,11 +63,13 @@ private:
     QString stateText(int tag) const;
     QString toolTip(int tag) const;
     bool isMoving() const { return m_sortColumn >= Value && m_sortColumn <= State; }
+    const QVector<int>& places(int column);
     void order();
     void reorder();
 
     const ValueBook& m_book;
-    QVector<QString> m_searched;  // of each tag
+    QVector<QString> m_searched;                 // of each tag
+    QVector<int> m_namePlaces, m_addressPlaces;  // of each tag, once they were asked for
     QVector<QString> m_words;
     QVector<int> m_rows;
     int m_sortColumn = -1;
