@@ -3,7 +3,6 @@
 
 #include "tools/fxgate/configuration.h"
 
-#include "tools/fxgate/configuration_reader.h"
 #include "tools/link/link_settings.h"
 #include "tools/quoted.h"
 
@@ -19,10 +18,31 @@ namespace fxgate {
 
 namespace {
 
+using fxtools::Mistake;
 using fxtools::quoted;
+using Section = fxtools::TomlSection;
 
 constexpr int mostLinks = 1000;
 constexpr qint64 dayMs = 86400000;
+
+bool isName(const QString& text)  // that can stand in a topic
+{
+    static const QRegularExpression name(QStringLiteral("^[A-Za-z0-9_.-]{1,64}$"));
+    return name.match(text).hasMatch();
+}
+
+QString nameMistake(const QString& text)
+{
+    return "invalid name " + quoted(text) + ": expected 1 to 64 letters, digits, _, . and -";
+}
+
+QString nameIn(Section& section, const char* key, const QString& unlessSaid = {})
+{
+    QString name = section.text(key, unlessSaid);
+    if (!name.isEmpty() && !isName(name))
+        section.reject(key, nameMistake(name));
+    return name;
+}
 
 // Of the file that this key names; a file that cannot be read is a mistake.
 void addDigest(Section& section, const char* key, const QString& path, QCryptographicHash& digest)
@@ -103,7 +123,7 @@ void readGateway(Section section, Configuration& configuration)
     section.allowOnly({"name", "store", "store-limit", "store-age", "history-per-second", "refresh",
                        "audit", "metrics", "fxhost"});
     GatewaySettings& gateway = configuration.gateway;
-    gateway.name = section.name("name");
+    gateway.name = nameIn(section, "name");
     if (gateway.name.isEmpty())
         section.missing("name", "name = \"cabinet1\"");
     gateway.refreshMs = section.timeMs("refresh", {60000, 7 * dayMs}, gateway.refreshMs);
@@ -120,8 +140,8 @@ void readGateway(Section section, Configuration& configuration)
 SparkplugSettings sparkplugIn(Section section, const QString& gateway)
 {
     section.allowOnly({"group", "node", "primary-host", "datatypes-always"});
-    SparkplugSettings settings{section.name("group"), section.name("node", gateway),
-                               section.name("primary-host"), section.flag("datatypes-always")};
+    SparkplugSettings settings{nameIn(section, "group"), nameIn(section, "node", gateway),
+                               nameIn(section, "primary-host"), section.flag("datatypes-always")};
     if (settings.group.isEmpty())
         section.missing("group", "group = \"plant\"");
     if (settings.group == QLatin1String("STATE"))
@@ -250,15 +270,9 @@ bool ServedLink::operator==(const ServedLink& other) const
     return fields(*this) == fields(other);
 }
 
-QString Mistake::in(const QString& path) const
-{
-    const QString place = QStringLiteral("%1, line %2, column %3: %4");
-    return line == 0 ? path + ": " + text : place.arg(path).arg(line).arg(column).arg(text);
-}
-
 ConfigurationFile readConfigurationFile(const QString& path)
 {
-    ConfigurationReader reader(path);
+    fxtools::TomlReader reader(path);
     ConfigurationFile file;
     Configuration& configuration = file.configuration;
     if (reader.isToml()) {

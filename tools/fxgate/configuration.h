@@ -47,6 +47,8 @@
 
 #pragma once
 
+#include "tools/toml_reader.h"
+
 #include <QMap>
 #include <QString>
 #include <QVector>
@@ -133,19 +135,10 @@ struct Configuration
     QMap<QString, ServedLink> links;
 };
 
-struct Mistake
-{
-    int line = 0;  // 0: something is missing
-    int column = 0;
-    QString text;
-
-    QString in(const QString& path) const;  // "fxgate.toml, line 3, column 8: ..."
-};
-
 struct ConfigurationFile
 {
     Configuration configuration;
-    QVector<Mistake> mistakes;  // of the whole file, by line
+    QVector<fxtools::Mistake> mistakes;  // of the whole file, by line
 };
 
 // Throws Failure only if the file cannot be read at all.

@@ -25,7 +25,7 @@ ConfigurationFile readIn(const Folder& folder, const QByteArray& toml)
 std::string mistakesIn(const Folder& folder, const QByteArray& toml)
 {
     QString text;
-    for (const Mistake& mistake : readIn(folder, toml).mistakes)
+    for (const fxtools::Mistake& mistake : readIn(folder, toml).mistakes)
         text += mistake.in("f") + '\n';
     return text.remove(folder.path(QString()) + '/').toStdString();
 }

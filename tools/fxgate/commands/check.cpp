@@ -62,7 +62,7 @@ fxtools::ExitCode check(const QString& configuration)
     const ConfigurationFile file = readConfigurationFile(configuration);
     Findings found;
     found.errors = file.mistakes.size();
-    for (const Mistake& mistake : file.mistakes)
+    for (const fxtools::Mistake& mistake : file.mistakes)
         found.lines += mistake.in(configuration);
     QMap<QString, QString> files;  // by name; a file is of several links perhaps
     for (const ServedLink& link : file.configuration.links)

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 
-#include "tools/fxgate/configuration_reader.h"
+#include "tools/toml_reader.h"
 
 #include "tools/failure.h"
 #include "tools/quoted.h"
@@ -15,11 +15,9 @@
 
 #include <algorithm>
 
-namespace fxgate {
+namespace fxtools {
 
 namespace {
-
-using fxtools::quoted;
 
 constexpr qint64 largestFile = 1 << 20;
 
@@ -32,11 +30,10 @@ QString contentOf(const QString& path)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        throw fxtools::Failure(fxtools::ExitCode::File, path + ": " + file.errorString());
+        throw Failure(ExitCode::File, path + ": " + file.errorString());
     const QByteArray content = file.read(largestFile + 1);
     if (content.size() > largestFile)
-        throw fxtools::Failure(fxtools::ExitCode::File,
-                               path + ": larger than 1 MiB; not a configuration file");
+        throw Failure(ExitCode::File, path + ": larger than 1 MiB; not a configuration file");
     return QString::fromUtf8(content);
 }
 
@@ -64,32 +61,27 @@ qint64 bytesIn(const QString& text)
 
 }  // namespace
 
-bool isName(const QString& text)
+QString Mistake::in(const QString& path) const
 {
-    static const QRegularExpression name(QStringLiteral("^[A-Za-z0-9_.-]{1,64}$"));
-    return name.match(text).hasMatch();
+    const QString place = QStringLiteral("%1, line %2, column %3: %4");
+    return line == 0 ? path + ": " + text : place.arg(path).arg(line).arg(column).arg(text);
 }
 
-QString nameMistake(const QString& text)
-{
-    return "invalid name " + quoted(text) + ": expected 1 to 64 letters, digits, _, . and -";
-}
-
-Section::Section(ConfigurationReader& reader, const toml::table* table, const QString& name)
+TomlSection::TomlSection(TomlReader& reader, const toml::table* table, const QString& name)
     : m_reader(reader), m_table(table), m_name(name)
 {}
 
-const toml::node* Section::node(const char* key) const
+const toml::node* TomlSection::node(const char* key) const
 {
     return m_table ? m_table->get(key) : nullptr;
 }
 
-bool Section::has(const char* key) const
+bool TomlSection::has(const char* key) const
 {
     return node(key) != nullptr;
 }
 
-QStringList Section::names() const
+QStringList TomlSection::names() const
 {
     QStringList names;
     if (m_table) {
@@ -99,17 +91,17 @@ QStringList Section::names() const
     return names;
 }
 
-Section Section::inner(const QString& key)
+TomlSection TomlSection::inner(const QString& key)
 {
     const std::string name = key.toStdString();
     const toml::node* const found = node(name.c_str());
     const QString whole = m_name.isEmpty() ? key : m_name + '.' + key;
     if (found && !found->is_table())
         reject(name.c_str(), whole + " must be a table: [" + whole + "] and its keys below");
-    return Section(m_reader, found ? found->as_table() : nullptr, whole);
+    return TomlSection(m_reader, found ? found->as_table() : nullptr, whole);
 }
 
-void Section::allowOnly(const QStringList& known)
+void TomlSection::allowOnly(const QStringList& known)
 {
     if (!m_table)
         return;
@@ -118,11 +110,11 @@ void Section::allowOnly(const QStringList& known)
         const toml::source_position at = key.source().begin;
         if (!known.contains(name))
             m_reader.note(static_cast<int>(at.line), static_cast<int>(at.column),
-                          fxtools::unknownName("key", name, known));
+                          unknownName("key", name, known));
     }
 }
 
-void Section::reject(const char* key, const QString& text)
+void TomlSection::reject(const char* key, const QString& text)
 {
     const toml::node* const found = node(key);
     if (!found)
@@ -131,7 +123,7 @@ void Section::reject(const char* key, const QString& text)
     m_reader.note(static_cast<int>(at.line), static_cast<int>(at.column), text);
 }
 
-void Section::rejectAll(const QString& text)
+void TomlSection::rejectAll(const QString& text)
 {
     const bool hasPlace = m_table && !m_name.isEmpty();
     const toml::source_position at =
@@ -139,14 +131,14 @@ void Section::rejectAll(const QString& text)
     m_reader.note(static_cast<int>(at.line), static_cast<int>(at.column), text);
 }
 
-void Section::missing(const char* key, const char* example)
+void TomlSection::missing(const char* key, const char* example)
 {
     if (!has(key))
         rejectAll(QStringLiteral("%1 is missing below [%2]; for example %3")
                       .arg(QLatin1String(key), m_name, QLatin1String(example)));
 }
 
-QString Section::text(const char* key, const QString& unlessSaid)
+QString TomlSection::text(const char* key, const QString& unlessSaid)
 {
     const toml::node* const found = node(key);
     if (!found)
@@ -159,21 +151,13 @@ QString Section::text(const char* key, const QString& unlessSaid)
     return text;
 }
 
-QString Section::name(const char* key, const QString& unlessSaid)
-{
-    QString name = text(key, unlessSaid);
-    if (!name.isEmpty() && !isName(name))
-        reject(key, nameMistake(name));
-    return name;
-}
-
-QString Section::file(const char* key, const QString& unlessSaid)
+QString TomlSection::file(const char* key, const QString& unlessSaid)
 {
     const QString file = text(key, unlessSaid);
     return file.isEmpty() ? file : m_reader.beside(file);
 }
 
-QString Section::oneOf(const char* key, const QStringList& words)
+QString TomlSection::oneOf(const char* key, const QStringList& words)
 {
     QString word = text(key, words.first());
     if (words.contains(word))
@@ -183,7 +167,7 @@ QString Section::oneOf(const char* key, const QStringList& words)
     return words.first();
 }
 
-bool Section::flag(const char* key)
+bool TomlSection::flag(const char* key)
 {
     const toml::node* const found = node(key);
     if (found && !found->is_boolean())
@@ -191,7 +175,7 @@ bool Section::flag(const char* key)
     return found && found->is_boolean() && found->as_boolean()->get();
 }
 
-int Section::number(const char* key, Range range, int unlessSaid)
+int TomlSection::number(const char* key, Range range, int unlessSaid)
 {
     const toml::node* const found = node(key);
     if (!found)
@@ -206,13 +190,13 @@ int Section::number(const char* key, Range range, int unlessSaid)
     return unlessSaid;
 }
 
-qint64 Section::timeMs(const char* key, Range range, qint64 unlessSaid)
+qint64 TomlSection::timeMs(const char* key, Range range, qint64 unlessSaid)
 {
     const toml::node* const found = node(key);
     if (!found)
         return unlessSaid;
     const std::optional<qint64> timeMs =
-        found->is_string() ? fxtools::parseTimeMs(found->as_string()->get()) : std::nullopt;
+        found->is_string() ? parseTimeMs(found->as_string()->get()) : std::nullopt;
     if (timeMs && *timeMs >= range.least && *timeMs <= range.most)
         return *timeMs;
     reject(key, QStringLiteral("%1 must be a time from \"%2\" to \"%3\", in quotes")
@@ -220,7 +204,7 @@ qint64 Section::timeMs(const char* key, Range range, qint64 unlessSaid)
     return unlessSaid;
 }
 
-qint64 Section::bytes(const char* key, Range range, qint64 unlessSaid)
+qint64 TomlSection::bytes(const char* key, Range range, qint64 unlessSaid)
 {
     const toml::node* const found = node(key);
     if (!found)
@@ -235,10 +219,10 @@ qint64 Section::bytes(const char* key, Range range, qint64 unlessSaid)
     return unlessSaid;
 }
 
-ConfigurationReader::ConfigurationReader(const QString& path) : m_path(path)
+TomlReader::TomlReader(const QString& path) : m_path(path)
 {
     const QString content = contentOf(path);
-    if (const auto letter = fxtools::letterOutsideTexts(content)) {
+    if (const auto letter = letterOutsideTexts(content)) {
         note(letter->line, letter->column, quoted(letter->character) + " must stand in quotes");
         return;
     }
@@ -250,19 +234,19 @@ ConfigurationReader::ConfigurationReader(const QString& path) : m_path(path)
     }
 }
 
-ConfigurationReader::~ConfigurationReader() = default;
+TomlReader::~TomlReader() = default;
 
-QString ConfigurationReader::beside(const QString& file) const
+QString TomlReader::beside(const QString& file) const
 {
     return QFileInfo(QFileInfo(m_path).absoluteDir(), file).filePath();
 }
 
-void ConfigurationReader::note(int line, int column, const QString& text)
+void TomlReader::note(int line, int column, const QString& text)
 {
     m_mistakes.append({line, column, text});
 }
 
-QVector<Mistake> ConfigurationReader::mistakes() const
+QVector<Mistake> TomlReader::mistakes() const
 {
     QVector<Mistake> sorted = m_mistakes;
     std::stable_sort(sorted.begin(), sorted.end(), [](const Mistake& one, const Mistake& other) {
@@ -271,4 +255,4 @@ QVector<Mistake> ConfigurationReader::mistakes() const
     return sorted;
 }
 
-}  // namespace fxgate
+}  // namespace fxtools
