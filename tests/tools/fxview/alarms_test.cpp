@@ -130,12 +130,14 @@ TEST_F(Alarms, AreWrittenToAFileAndWaitForARoomyDisk)
     AlarmFile file(path);
     const fxtools::Tag tag = someTags()[0];
     const AlarmEvent raised{AlarmEvent::What::Raised, nowMs, 0, "high", 185};
-    EXPECT_TRUE(file.add(raised, tag).contains("1 events wait, 0 are lost"));
-    for (int more = 0; more < 1000; ++more)
+    file.add(raised, tag);
+    EXPECT_TRUE(file.write().contains("1 events wait, 0 are lost"));
+    for (int more = 0; more < 1001; ++more)
         file.add(raised, tag);
-    EXPECT_TRUE(file.add(raised, tag).contains("1000 events wait, 2 are lost"));
+    EXPECT_TRUE(file.write().contains("1000 events wait, 2 are lost"));
     QDir().mkpath(folder.filePath("new"));
-    EXPECT_EQ(file.add({AlarmEvent::What::Acknowledged, nowMs + 1, 0, "high", {}}, tag), "");
+    file.add({AlarmEvent::What::Acknowledged, nowMs + 1, 0, "high", {}}, tag);
+    EXPECT_EQ(file.write(), "");
     QFile written(path);
     ASSERT_TRUE(written.open(QIODevice::ReadOnly));
     const QByteArray text = written.readAll();
@@ -151,9 +153,37 @@ TEST_F(Alarms, HaveAFileThatDoesNotGrowForEver)
     QFile large(folder.filePath("alarms.csv"));
     ASSERT_TRUE(large.open(QIODevice::WriteOnly) && large.resize(10 << 20));
     AlarmFile file(large.fileName());
-    EXPECT_EQ(file.add({AlarmEvent::What::Raised, nowMs, 0, "high", 185}, someTags()[0]), "");
+    file.add({AlarmEvent::What::Raised, nowMs, 0, "high", 185}, someTags()[0]);
+    EXPECT_EQ(file.write(), "");
     EXPECT_LT(QFile(large.fileName()).size(), 1000);
     EXPECT_EQ(QFile(large.fileName() + ".1").size(), 10 << 20);
+}
+
+TEST_F(AlarmsInWindow, AreInTheFileWhenTheWindowHasEnded)
+{
+    const QTemporaryDir folder;
+    QString problem;
+    {
+        AlarmWriter writer(folder.filePath("new/alarms.csv"));
+        QObject::connect(&writer, &AlarmWriter::tried, &window,
+                         [&](const QString& text) { problem = text; });
+        writer.add({AlarmEvent::What::Raised, nowMs, 0, "high", 185}, someTags()[0]);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !problem.isEmpty(); }, 30000));
+        QDir().mkpath(folder.filePath("new"));
+    }
+    EXPECT_GT(QFile(folder.filePath("new/alarms.csv")).size(), 0);
+}
+
+TEST_F(AlarmsInWindow, ThatNoDiskTakesAreTriedAgainAndSaidSo)
+{
+    const QTemporaryDir folder;
+    window.keepAlarmsIn(folder.filePath("new/alarms.csv"));
+    read(185);
+    EXPECT_TRUE(
+        QTest::qWaitFor([this] { return texts("problemBar").contains("1 events wait"); }, 30000));
+    QDir().mkpath(folder.filePath("new"));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return texts("problemBar").isEmpty(); }, 30000));
+    EXPECT_GT(QFile(folder.filePath("new/alarms.csv")).size(), 0);
 }
 
 TEST_F(AlarmsInWindow, ShowThreeStates)

@@ -15,6 +15,7 @@ namespace {
 
 constexpr int mostWaiting = 1000;
 constexpr qint64 mostBytes = 10 << 20;
+constexpr unsigned long betweenTriesMs = 1000;
 
 const char* wordOf(AlarmEvent::What what)
 {
@@ -39,21 +40,40 @@ void AlarmFile::makeRoom() const
     QFile::rename(m_path, m_path + ".1");
 }
 
-QString AlarmFile::add(const AlarmEvent& event, const fxtools::Tag& tag)
+void AlarmFile::add(const AlarmEvent& event, const fxtools::Tag& tag)
 {
     const QString time =
         QDateTime::fromMSecsSinceEpoch(event.timeMs, Qt::UTC).toString(Qt::ISODateWithMs);
+    const QMutexLocker locker(&m_mutex);
     m_waiting += fxtools::csvLine({time, tag.name, event.kind, wordOf(event.what),
                                    event.value.toVariant().toString(), tag.unit})
                      .toUtf8() +
                  '\n';
-    if (m_waiting.size() > mostWaiting) {
-        m_waiting.removeFirst();
-        ++m_lost;
+    limitWaiting();
+}
+
+void AlarmFile::limitWaiting()
+{
+    const int tooMany = m_waiting.size() - mostWaiting;
+    if (tooMany <= 0)
+        return;
+    m_waiting.remove(0, tooMany);
+    m_lost += tooMany;
+}
+
+QString AlarmFile::write()
+{
+    QVector<QByteArray> lines;
+    {
+        const QMutexLocker locker(&m_mutex);
+        lines.swap(m_waiting);
     }
-    const QString reason = write();
+    const QString reason = lines.isEmpty() ? QString() : append(lines);
     if (reason.isEmpty())
         return {};
+    const QMutexLocker locker(&m_mutex);
+    m_waiting = lines + m_waiting;
+    limitWaiting();
     return QCoreApplication::translate("fxview::AlarmFile",
                                        "The history of alarms cannot be written: %1. Make room on "
                                        "the disk; %2 events wait, %3 are lost.")
@@ -62,8 +82,9 @@ QString AlarmFile::add(const AlarmEvent& event, const fxtools::Tag& tag)
         .arg(m_lost);
 }
 
-// A line that went out in part is taken back, so that none stands there twice.
-QString AlarmFile::write()
+// Takes out what is in the file. A line that went out in part is taken back, so that none stands
+// there twice.
+QString AlarmFile::append(QVector<QByteArray>& lines) const
 {
     makeRoom();
     QFile file(m_path);
@@ -75,14 +96,58 @@ QString AlarmFile::write()
         return isWhole || (file.resize(before), false);
     };
     bool isPut = file.size() > 0 || put("time (UTC),tag,alarm,event,value,unit\n");
-    while (isPut && !m_waiting.isEmpty()) {
-        isPut = put(m_waiting.first());
+    while (isPut && !lines.isEmpty()) {
+        isPut = put(lines.first());
         if (isPut)
-            m_waiting.removeFirst();
+            lines.removeFirst();
     }
     if (!isPut)
         return m_path + ": " + file.errorString();
     return {};
+}
+
+AlarmWriter::AlarmWriter(const QString& path)
+    : m_file(path), m_thread(QThread::create([this] { run(); }))
+{
+    m_thread->start();
+}
+
+AlarmWriter::~AlarmWriter()
+{
+    {
+        const QMutexLocker locker(&m_mutex);
+        m_mustEnd = true;
+        m_hasWork.wakeAll();
+    }
+    m_thread->wait();
+}
+
+void AlarmWriter::add(const AlarmEvent& event, const fxtools::Tag& tag)
+{
+    m_file.add(event, tag);
+    const QMutexLocker locker(&m_mutex);
+    m_hasNew = true;
+    m_hasWork.wakeAll();
+}
+
+void AlarmWriter::run()
+{
+    bool mustEnd = false;
+    QString problem;
+    while (!mustEnd) {
+        {
+            QMutexLocker locker(&m_mutex);
+            if (!m_hasNew && !m_mustEnd)
+                m_hasWork.wait(&m_mutex, problem.isEmpty() ? ULONG_MAX : betweenTriesMs);
+            mustEnd = m_mustEnd;
+            m_hasNew = false;
+        }
+        const QString before = std::exchange(problem, m_file.write());
+        if (problem != before)
+            emit tried(problem);
+    }
+    if (!problem.isEmpty())
+        qWarning("fxview: %s", qPrintable(problem));
 }
 
 }  // namespace fxview

@@ -90,7 +90,6 @@ void MainWindow::listen()
                             unacknowledged == 0 ? tr("&Alarms")
                                                 : tr("&Alarms (%1)").arg(unacknowledged));
     });
-    m_alarms.onEvent = [this](const AlarmEvent& event) { noteAlarm(event); };
     WriteBar& writeBar = m_valuesPage->writeBar();
     connect(&writeBar, &WriteBar::writeConfirmed, &m_source, &PlcSource::write);
     connect(&m_source, &PlcSource::written, &writeBar, &WriteBar::take);
@@ -106,17 +105,16 @@ void MainWindow::take(const QVector<Reading>& readings)
 
 void MainWindow::keepAlarmsIn(const QString& file)
 {
-    m_alarmFile.emplace(file);
-}
-
-void MainWindow::noteAlarm(const AlarmEvent& event)
-{
-    const QString problem =
-        m_alarmFile ? m_alarmFile->add(event, m_alarms.tag(event.tag)) : QString();
-    if (problem.isEmpty())
-        m_problems->clear(Problem::AlarmFile);
-    else
-        m_problems->set(Problem::AlarmFile, problem);
+    m_alarmWriter.emplace(file);
+    m_alarms.onEvent = [this](const AlarmEvent& event) {
+        m_alarmWriter->add(event, m_alarms.tag(event.tag));
+    };
+    connect(&*m_alarmWriter, &AlarmWriter::tried, this, [this](const QString& problem) {
+        if (problem.isEmpty())
+            m_problems->clear(Problem::AlarmFile);
+        else
+            m_problems->set(Problem::AlarmFile, problem);
+    });
 }
 
 void MainWindow::showLink(bool isUp, const QString& reason)

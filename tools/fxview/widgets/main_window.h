@@ -42,14 +42,13 @@ private:
     void layOut();
     void listen();
     void take(const QVector<Reading>& readings);
-    void noteAlarm(const AlarmEvent& event);
     void showLink(bool isUp, const QString& reason);
 
     PlcSource& m_source;
     Clock m_clock;
     ValueBook m_values;
     AlarmBook m_alarms;
-    std::optional<AlarmFile> m_alarmFile;
+    std::optional<AlarmWriter> m_alarmWriter;
     ProblemBar* m_problems;
     QTabWidget* m_pages;
     ValuesPage* m_valuesPage;
