@@ -11,6 +11,8 @@
 #include <QString>
 #include <QVector>
 
+#include <functional>
+
 namespace fxtools {
 
 enum class ExchangeKind
@@ -53,5 +55,8 @@ struct Exchange
     bool hasEnded() const { return answer == DriverAnswer::Accepted || hasFailed(); }
     bool hasFailed() const { return answer == DriverAnswer::Failed; }
 };
+
+// How far something long has come.
+using Progress = std::function<void(int done, int total)>;
 
 }  // namespace fxtools

@@ -129,7 +129,7 @@ LineCheck greetPlc(ExchangeLoop& loop, const RegisterCatalogue& catalogue)
 }
 
 void measureLine(ExchangeLoop& loop, const RegisterCatalogue& catalogue, LineCheck& check,
-                 const std::function<void(int done, int total)>& onProgress)
+                 const Progress& onProgress)
 {
     for (const int byteCount : triedBytes) {
         if (byteCount > wordBytes * loop.session().settings().wordsPerFrame)

@@ -56,6 +56,6 @@ LineCheck greetPlc(ExchangeLoop& loop, const RegisterCatalogue& catalogue);
 
 // The rest of the check, for a PLC that answers. Calls `onProgress` after each exchange.
 void measureLine(ExchangeLoop& loop, const RegisterCatalogue& catalogue, LineCheck& check,
-                 const std::function<void(int done, int total)>& onProgress);
+                 const Progress& onProgress);
 
 }  // namespace fxtools

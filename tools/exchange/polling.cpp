@@ -219,8 +219,7 @@ WriteOutcome writeRegisters(ExchangeLoop& loop, const RegisterRange& range,
 }
 
 RecipeOutcome transferRecipe(ExchangeLoop& loop, RecipeDirection direction,
-                             const QVector<RegisterRange>& entries,
-                             const std::function<void(int done, int total)>& onProgress)
+                             const QVector<RegisterRange>& entries, const Progress& onProgress)
 {
     RecipeOutcome outcome;
     outcome.entries = loop.session().startRecipe(direction, entries);

@@ -83,7 +83,6 @@ struct RecipeOutcome
 
 // Calls `onProgress` at the start and after each entry.
 RecipeOutcome transferRecipe(ExchangeLoop& loop, RecipeDirection direction,
-                             const QVector<RegisterRange>& entries,
-                             const std::function<void(int done, int total)>& onProgress);
+                             const QVector<RegisterRange>& entries, const Progress& onProgress);
 
 }  // namespace fxtools

@@ -71,6 +71,7 @@ public:
     DriverSession& session() { return m_session; }
     const DriverSession& session() const { return m_session; }
     ExchangeLoop& loop() { return m_loop; }
+    int wordsPerFrame() const { return m_session.settings().wordsPerFrame; }
 
     // A lost link is reopened while the loop runs, for the time that the settings give or 30 s. The
     // queues are kept, and the frame in flight is sent again. After this call the default is to

@@ -1,49 +1,16 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// The registers of a file beside what the PLC holds; and what is told of a write that failed, or
-// whose registers then hold something else. It always says what the PLC may hold now.
+// The registers of a file beside what the PLC holds, as commands show it; and what is told of a
+// write that failed, or whose registers then hold something else. It always says what the PLC may
+// hold now.
 
 #pragma once
 
-#include "tools/exchange/polling.h"
 #include "tools/fxhost/commands/connection.h"
-#include "tools/library/register_file.h"
+#include "tools/service/comparison.h"
 
 namespace fxtools {
-
-struct ComparedRegister
-{
-    RegisterRange one;
-    quint32 inFile = 0;
-    quint32 inPlc = 0;
-    bool isRefused = false;  // the PLC does not let it be read
-
-    bool differs() const { return !isRefused && inFile != inPlc; }
-};
-
-struct Comparison
-{
-    QVector<ComparedRegister> registers;
-    std::optional<ReplyVerdict> problem;  // why it ended early
-
-    int different() const;
-    QStringList namesOfDifferent() const;
-    int refused() const;
-    std::optional<ReplyVerdict> firstProblem() const;  // also of a refused register
-
-    // The registers that differ, neighbours of one run of the file together.
-    QVector<RegisterRun> changes(int mostRegisters) const;
-};
-
-// The registers of a file, in runs that fit a frame. Throws Failure.
-RegisterFile registersOf(const QString& path, const Connection& connection);
-
-// The same for a write: all of them writable and, without `force`, none on an address of others.
-RegisterFile writableRegistersOf(const QString& path, const Connection& connection, bool force);
-
-Comparison compareWithPlc(Connection& connection, const QVector<RegisterRun>& runs,
-                          const Progress& progress);
 
 // The registers that differ or are refused: a table, or records.
 void showDifferences(const Comparison& comparison, const OutputOptions& output);

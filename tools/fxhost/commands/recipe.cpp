@@ -3,7 +3,7 @@
 //
 // fxhost recipe: transfers words between a CSV file and the PLC with the driver's recipe transfer.
 
-#include "tools/exchange/polling.h"
+#include "tools/service/recipe.h"
 #include "tools/fxhost/commands/address_options.h"
 #include "tools/fxhost/commands/file_comparison.h"
 
@@ -25,30 +25,6 @@ struct UploadOptions
     FileOptions file;
     AddressOptions addresses;
 };
-
-void needWords(const QVector<RegisterRange>& entries)
-{
-    for (const RegisterRange& entry : entries) {
-        if (entry.type.isBit())
-            throw Failure(ExitCode::Usage, entry.text() + ": recipes hold words, not bits");
-    }
-}
-
-// An entry that was sent without a clear reply is "possibly written".
-QString stoppedText(const RecipeOutcome& outcome, RecipeDirection direction,
-                    const QVector<RegisterRange>& entries)
-{
-    const QString entry = entries.value(outcome.transferred).text();
-    QString text = QStringLiteral("%1: %2; %3 of %4 entries transferred")
-                       .arg(entry, verdictText(*outcome.problem))
-                       .arg(outcome.transferred)
-                       .arg(outcome.entries);
-    if (direction == RecipeDirection::Upload)
-        return text + ", the file is unchanged";
-    if (outcome.transferred > 0)
-        text += ", up to " + entries[outcome.transferred - 1].text();
-    return outcome.isUncertain ? text + "; " + entry + " possibly written" : text;
-}
 
 ExitCode finish(const OutputOptions& output, RecipeDirection direction,
                 const RecipeOutcome& outcome, const QVector<RegisterRange>& entries,
@@ -74,42 +50,16 @@ ExitCode finish(const OutputOptions& output, RecipeDirection direction,
     return readBack && readBack->different() > 0 ? ExitCode::SomeFailed : ExitCode::Good;
 }
 
-int wordsPerRegister(const RegisterRange& range)
-{
-    return range.type.driverCount(1);
-}
-
-void load(const QVector<RegisterRun>& runs, std::vector<quint16>& memory)
-{
-    size_t word = 0;
-    for (const RegisterRun& run : runs) {
-        const int words = wordsPerRegister(run.range);
-        if (memory.size() - word <
-            static_cast<size_t>(words) * static_cast<size_t>(run.values.size()))
-            throw Failure(ExitCode::File,
-                          QStringLiteral("the recipe is too long: the recipe memory holds %1 words")
-                              .arg(memory.size()));
-        for (const quint32 value : run.values) {
-            memory[word++] = static_cast<quint16>(value & 0xFFFF);
-            if (words == 2)
-                memory[word++] = static_cast<quint16>(value >> 16);
-        }
-    }
-}
-
 ExitCode runDownload(const CommonOptions& common, const DownloadOptions& options)
 {
     demandNamedLink(common);
     CommandConnection connection(common);
     const QVector<RegisterRun> runs =
-        writableRegistersOf(QString::fromStdString(options.file), connection, options.force).runs;
-    QVector<RegisterRange> entries;
-    for (const RegisterRun& run : runs)
-        entries.append(run.range);
-    needWords(entries);
-    load(runs, connection.session().recipeWords());
-    const RecipeOutcome outcome = transferRecipe(connection.loop(), RecipeDirection::Download,
-                                                 entries, progressOf(common.output, "download"));
+        readRecipe(QString::fromStdString(options.file), connection.catalogue(),
+                   connection.wordsPerFrame(), options.force);
+    const QVector<RegisterRange> entries = rangesOf(runs);
+    const RecipeOutcome outcome =
+        downloadRecipe(connection, runs, progressOf(common.output, "download"));
     if (!outcome.isGood() || !options.verify)
         return finish(common.output, RecipeDirection::Download, outcome, entries);
     const Comparison readBack =
@@ -124,39 +74,20 @@ ExitCode runDownload(const CommonOptions& common, const DownloadOptions& options
     return code;
 }
 
-QVector<RegisterRun> runsOf(const QVector<RegisterRange>& entries,
-                            const std::vector<quint16>& memory)
-{
-    QVector<RegisterRun> runs;
-    size_t word = 0;
-    for (const RegisterRange& entry : entries) {
-        RegisterRun run{entry, {}};
-        for (int index = 0; index < entry.count; ++index) {
-            quint32 value = memory.at(word++);
-            if (wordsPerRegister(entry) == 2)
-                value |= static_cast<quint32>(memory.at(word++)) << 16;
-            run.values.append(value);
-        }
-        runs.append(run);
-    }
-    return runs;
-}
-
 ExitCode runUpload(const CommonOptions& common, const UploadOptions& options)
 {
     demandNamedLink(common);
     CommandConnection connection(common);
     OutputFile file(options.file.name(), options.file.mode(), connection.catalogue());
-    const QVector<RegisterRange> entries =
-        cutToFrames(rangesOf(options.addresses, connection.services()),
-                    connection.session().settings().wordsPerFrame);
-    needWords(entries);
+    const QVector<RegisterRange> entries = recipeEntries(
+        rangesOf(options.addresses, connection.services()), connection.wordsPerFrame());
     const OutputOptions output = besides(options.file, common.output);
-    const RecipeOutcome outcome = transferRecipe(connection.loop(), RecipeDirection::Upload,
-                                                 entries, progressOf(output, "upload"));
-    if (outcome.isGood()) {  // half a recipe would look like a whole one
+    QVector<RegisterRun> recipe;
+    const RecipeOutcome outcome =
+        uploadRecipe(connection, entries, recipe, progressOf(output, "upload"));
+    if (outcome.isGood()) {
         RegisterFileWriter writer(file);
-        for (const RegisterRun& run : runsOf(entries, connection.session().recipeWords()))
+        for (const RegisterRun& run : qAsConst(recipe))
             writer.add(run);
         writer.finish();
     }

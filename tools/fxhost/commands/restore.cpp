@@ -19,8 +19,9 @@ ExitCode runCompare(const CommonOptions& common, const std::string& file)
 {
     CommandConnection connection(common);
     const QString path = QString::fromStdString(file);
-    const Comparison comparison = compareWithPlc(connection, registersOf(path, connection).runs,
-                                                 lateProgressOf(common.output, "compare"));
+    const Comparison comparison = compareWithPlc(
+        connection, registersOf(path, connection.catalogue(), connection.wordsPerFrame()).runs,
+        lateProgressOf(common.output, "compare"));
     if (comparison.problem) {
         complain(path + ": not compared to the end: " + verdictText(*comparison.problem));
         return exitCodeOf(*comparison.problem);
@@ -123,7 +124,8 @@ ExitCode finished(const CommonOptions& common, const RestoreOptions& options, in
 RegisterFile checkedFile(const RestoreOptions& options, const Connection& connection)
 {
     RegisterFile file =
-        writableRegistersOf(QString::fromStdString(options.file), connection, options.force);
+        writableRegistersOf(QString::fromStdString(options.file), connection.catalogue(),
+                            connection.wordsPerFrame(), options.force);
     if (!options.from.empty())
         file.runs = runsFrom(
             file.runs, addressIn(QString::fromStdString(options.from), connection.services()));

@@ -6,6 +6,7 @@
 
 #pragma once
 
+#include "tools/exchange/exchange.h"
 #include "tools/fxhost/views/json_text.h"
 #include "tools/table.h"
 
@@ -73,10 +74,7 @@ void showResult(const OutputOptions& options, const QString& words,
 QString isoTime(const QDateTime& time);
 QString timestamp();  // now
 
-// The progress bar of a long transfer.
-using Progress = std::function<void(int done, int total)>;
-
-// Does nothing if the output is for programs or quiet.
+// The progress bar of a long transfer. Does nothing if the output is for programs or quiet.
 Progress progressOf(const OutputOptions& options, const QString& label);
 
 // The same for what is quick as a rule: on a terminal from the second second on, and nothing is

@@ -1,0 +1,119 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+
+#include "tools/service/recipe.h"
+
+#include "tools/exchange/blocks.h"
+
+namespace fxtools {
+
+namespace {
+
+void needWords(const QVector<RegisterRange>& entries)
+{
+    for (const RegisterRange& entry : entries) {
+        if (entry.type.isBit())
+            throw Failure(ExitCode::Usage, entry.text() + ": recipes hold words, not bits");
+    }
+}
+
+int wordsPerRegister(const RegisterRange& range)
+{
+    return range.type.driverCount(1);
+}
+
+void loadWords(const QVector<RegisterRun>& runs, std::vector<quint16>& memory)
+{
+    size_t word = 0;
+    for (const RegisterRun& run : runs) {
+        const int words = wordsPerRegister(run.range);
+        if (memory.size() - word <
+            static_cast<size_t>(words) * static_cast<size_t>(run.values.size()))
+            throw Failure(ExitCode::File,
+                          QStringLiteral("the recipe is too long: the recipe memory holds %1 words")
+                              .arg(memory.size()));
+        for (const quint32 value : run.values) {
+            memory[word++] = static_cast<quint16>(value & 0xFFFF);
+            if (words == 2)
+                memory[word++] = static_cast<quint16>(value >> 16);
+        }
+    }
+}
+
+QVector<RegisterRun> runsOf(const QVector<RegisterRange>& entries,
+                            const std::vector<quint16>& memory)
+{
+    QVector<RegisterRun> runs;
+    size_t word = 0;
+    for (const RegisterRange& entry : entries) {
+        RegisterRun run{entry, {}};
+        for (int index = 0; index < entry.count; ++index) {
+            quint32 value = memory.at(word++);
+            if (wordsPerRegister(entry) == 2)
+                value |= static_cast<quint32>(memory.at(word++)) << 16;
+            run.values.append(value);
+        }
+        runs.append(run);
+    }
+    return runs;
+}
+
+}  // namespace
+
+QVector<RegisterRange> rangesOf(const QVector<RegisterRun>& runs)
+{
+    QVector<RegisterRange> ranges;
+    for (const RegisterRun& run : runs)
+        ranges.append(run.range);
+    return ranges;
+}
+
+QVector<RegisterRun> readRecipe(const QString& path, const RegisterCatalogue& catalogue,
+                                int wordsPerFrame, bool force)
+{
+    const QVector<RegisterRun> recipe =
+        writableRegistersOf(path, catalogue, wordsPerFrame, force).runs;
+    needWords(rangesOf(recipe));
+    return recipe;
+}
+
+QVector<RegisterRange> recipeEntries(const QVector<RegisterRange>& registers, int wordsPerFrame)
+{
+    needWords(registers);
+    return cutToFrames(registers, wordsPerFrame);
+}
+
+RecipeOutcome downloadRecipe(Connection& connection, const QVector<RegisterRun>& recipe,
+                             const Progress& progress)
+{
+    loadWords(recipe, connection.session().recipeWords());
+    return transferRecipe(connection.loop(), RecipeDirection::Download, rangesOf(recipe), progress);
+}
+
+RecipeOutcome uploadRecipe(Connection& connection, const QVector<RegisterRange>& entries,
+                           QVector<RegisterRun>& recipe, const Progress& progress)
+{
+    RecipeOutcome outcome =
+        transferRecipe(connection.loop(), RecipeDirection::Upload, entries, progress);
+    if (outcome.isGood())
+        recipe = runsOf(entries, connection.session().recipeWords());
+    return outcome;
+}
+
+// An entry that was sent without a clear reply is "possibly written".
+QString stoppedText(const RecipeOutcome& outcome, RecipeDirection direction,
+                    const QVector<RegisterRange>& entries)
+{
+    const QString entry = entries.value(outcome.transferred).text();
+    QString text = QStringLiteral("%1: %2; %3 of %4 entries transferred")
+                       .arg(entry, verdictText(*outcome.problem))
+                       .arg(outcome.transferred)
+                       .arg(outcome.entries);
+    if (direction == RecipeDirection::Upload)
+        return text + ", the file is unchanged";
+    if (outcome.transferred > 0)
+        text += ", up to " + entries[outcome.transferred - 1].text();
+    return outcome.isUncertain ? text + "; " + entry + " possibly written" : text;
+}
+
+}  // namespace fxtools
