@@ -39,7 +39,7 @@ QString nameMistake(const QString& text)
 QString nameIn(Section& section, const char* key, const QString& unlessSaid = {})
 {
     QString name = section.text(key, unlessSaid);
-    if (!name.isEmpty() && !isName(name))
+    if (section.has(key) && !name.isEmpty() && !isName(name))
         section.reject(key, nameMistake(name));
     return name;
 }

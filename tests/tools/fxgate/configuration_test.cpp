@@ -47,6 +47,17 @@ tags = "press1.csv"
 
 }  // namespace
 
+TEST(GateConfiguration, NamesTheGatewaysNameOnceThoughItIsTheNodesToo)
+{
+    const Folder folder;
+    folder.write("press1.csv", "name,address\n");
+    const QByteArray toml =
+        QByteArray(least).replace("cabinet1", "cabinet 1") + "[sparkplug]\ngroup = \"plant\"\n";
+    EXPECT_EQ(mistakesIn(folder, toml),
+              "f, line 2, column 8: invalid name 'cabinet 1': expected 1 to 64 letters, digits, _, "
+              ". and -\n");
+}
+
 TEST(GateConfiguration, IsReadWhole)
 {
     const Folder folder;
