@@ -7,13 +7,7 @@
 
 namespace fxtools {
 
-namespace {
-
-constexpr int mostCharacters = 60;
-
-}  // namespace
-
-QString quoted(const QString& text)
+QString quoted(const QString& text, int mostCharacters)
 {
     QString shown = text;
     if (shown.size() > mostCharacters)

@@ -9,9 +9,9 @@
 
 namespace fxtools {
 
-// In single quotes, at most 60 characters of it; what cannot be printed shows as "?", so that a
+// In single quotes, only its first characters; what cannot be printed shows as "?", so that a
 // message neither fills the screen nor controls it.
-QString quoted(const QString& text);
+QString quoted(const QString& text, int mostCharacters = 60);
 
 // Throws a usage error: the text, quoted, and what is wrong with it.
 [[noreturn]] void reject(const QString& text, const QString& reason);

@@ -11,6 +11,7 @@ namespace fxgate {
 namespace {
 
 constexpr qint64 longestTickMs = 1000;  // after longer the gateway itself was stopped
+constexpr int longestComplaint = 400;   // with the path of a file
 
 const QString silence = QStringLiteral("the worker does not answer");
 
@@ -118,7 +119,7 @@ void LinkSupervisor::take(const WorkerLine& line)
     } else if (const auto* const written = std::get_if<WrittenLine>(&line)) {
         onWritten(*written);
     } else if (const auto* const mistake = std::get_if<MistakeLine>(&line)) {
-        onLog("the worker rejected an order: " + fxtools::quoted(mistake->text));
+        onLog("the worker rejected an order: " + fxtools::quoted(mistake->text, longestComplaint));
     }
 }
 
@@ -218,8 +219,9 @@ void LinkSupervisor::workerEnded(const QString& unasked)
 {
     m_worker.release()->deleteLater();
     m_report.workerPid = 0;
-    const QString complaint =
-        m_lastComplaint.isEmpty() ? QString() : ": " + fxtools::quoted(m_lastComplaint);
+    const QString complaint = m_lastComplaint.isEmpty()
+                                  ? QString()
+                                  : ": " + fxtools::quoted(m_lastComplaint, longestComplaint);
     const QString how = m_whyEnded.isEmpty() ? unasked + complaint : m_whyEnded;
     const QString reason = m_isStopping ? QStringLiteral("the gateway stopped the link") : how;
     onWorkerLost(reason);

@@ -115,6 +115,14 @@ TEST_F(LinkSupervisorTest, StartsItsWorkerAgainAfterGrowingPauses)
     }
 }
 
+TEST_F(LinkSupervisorTest, TellsTheWholeComplaintOfItsWorker)
+{
+    const QString complaint = "fxhost: " + QString(60, 'x') + ".csv, line 2: not a register";
+    start("echo '" + complaint.toUtf8() + "' >&2; exit 2");
+    ASSERT_TRUE(waitUntil([this] { return link->hasEnded(); }));
+    EXPECT_EQ(link->report().lastError, "the worker ended with exit code 2: '" + complaint + '\'');
+}
+
 TEST_F(LinkSupervisorTest, KnowsNothingOfAWorkerFromTheOneBefore)
 {
     start("hello; up; exit 3");
