@@ -136,12 +136,21 @@ void Gateway::tick()
         for (const auto& [name, link] : m_links)
             link->tellAllAgain();
     }
-    if (m_audit.problem() != m_auditProblem) {
-        m_auditProblem = m_audit.problem();
-        m_log(m_auditProblem.isEmpty()
-                  ? QStringLiteral("the audit file can be written again")
-                  : "the audit file cannot be written, so writes are refused: " + m_auditProblem);
+    if (auditProblem() != m_auditProblem) {
+        m_auditProblem = auditProblem();
+        if (!m_auditProblem.isEmpty())
+            m_log("the audit file cannot be written, so writes are refused: " + m_auditProblem);
+        else if (m_audit.problem().isEmpty())
+            m_log(QStringLiteral("the audit file can be written again"));
     }
+}
+
+// Nobody who does not write needs the file, unless it was asked for.
+QString Gateway::auditProblem() const
+{
+    const bool isNeeded = m_configuration.writes.isAllowed ||
+                          m_configuration.gateway.audit != GatewaySettings().audit;
+    return isNeeded ? m_audit.problem() : QString();
 }
 
 // All at once, so that a hundred take no longer than one.
@@ -263,7 +272,7 @@ QJsonObject Gateway::status() const
                         {},
                         {},
                         m_writes.counts(),
-                        m_audit.problem()};
+                        auditProblem()};
     for (const auto& [name, link] : m_links)
         source.links.append({name, m_plant.value(name), link->report()});
     for (const auto& [kind, bus] : m_buses)

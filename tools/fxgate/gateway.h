@@ -63,6 +63,7 @@ private:
     QStringList endBuses(const Configuration& next);
     QStringList startBuses();
     void linkChanged(const QString& link);
+    QString auditProblem() const;
 
     QString m_path;
     MakeBus m_makeBus;

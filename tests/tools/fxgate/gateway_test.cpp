@@ -166,6 +166,25 @@ TEST_F(GatewayTest, CarriesWritesOutAndAnswersThem)
               (QJsonObject{{"done", 1}, {"refused", 1}, {"failed", 0}, {"unknown", 0}}));
 }
 
+TEST_F(GatewayTest, ComplainsOfTheAuditFileWhereItIsNeeded)
+{
+    const auto isToldOf = [this] {
+        logged.clear();
+        gateway->tick();
+        EXPECT_EQ(logged.isEmpty(), gateway->status()["auditProblem"].toString().isEmpty());
+        return logged.join(' ').contains("the audit file cannot be written");
+    };
+    configuration.replace("audit.jsonl", "nowhere/audit.jsonl");
+    folder.write("fxgate.toml", configuration);
+    start();
+    EXPECT_TRUE(isToldOf());
+    configuration.replace("audit = \"nowhere/audit.jsonl\"\n", "");
+    reloadWith("allowed = true", "allowed = false");
+    EXPECT_FALSE(isToldOf());
+    reloadWith("[gateway]", "[gateway]\naudit = \"nowhere/audit.jsonl\"");
+    EXPECT_TRUE(isToldOf()) << "it was asked for";
+}
+
 TEST_F(GatewayTest, ServesTheOtherLinksWhileOneFloods)
 {
     folder.write("press1.csv", "yes");
