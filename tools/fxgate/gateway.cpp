@@ -60,11 +60,16 @@ void Gateway::start()
     for (const QString& name : m_configuration.links.keys())
         addLink(name);
     startBuses();
-    // All at once would be slow together, and later read, and wait for each other, at one time.
+    startLinks(m_configuration.links.keys());
+}
+
+// All at once would be slow together, and later read, and wait for each other, at one time.
+void Gateway::startLinks(const QStringList& names)
+{
     qint64 afterMs = 0;
-    for (const auto& [name, link] : m_links)
-        link->start(std::exchange(afterMs, afterMs + betweenStartsMs));
-    m_startingUntilMs = m_refreshedMs + afterMs;
+    for (const QString& name : names)
+        m_links.at(name)->start(std::exchange(afterMs, afterMs + betweenStartsMs));
+    m_startingUntilMs = m_environment.now().steadyMs + afterMs;
     m_tick.start(betweenStartsMs);
 }
 
@@ -222,14 +227,16 @@ QStringList Gateway::changeLinks(const Configuration& old)
         linkChanged(name);
         done += name + " stopped";
     }
+    QStringList added;
     for (const QString& name : m_configuration.links.keys()) {
         if (m_links.count(name) != 0)
             continue;
         addLink(name);
         linkChanged(name);
-        m_links.at(name)->start();
+        added += name;
         done += name + (changed.contains(name) ? " restarted" : " started");
     }
+    startLinks(added);
     return done;
 }
 

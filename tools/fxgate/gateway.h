@@ -56,6 +56,7 @@ private:
     using Buses = std::map<FormKind, std::shared_ptr<Bus>>;
 
     void addLink(const QString& name);
+    void startLinks(const QStringList& names);
     void endLinks(const QVector<LinkSupervisor*>& links) const;
     QStringList changeLinks(const Configuration& old);
     void addBus(FormKind kind);

@@ -233,6 +233,19 @@ TEST_F(GatewayTest, ReloadsOnlyTheLinksThatHaveChanged)
     ASSERT_TRUE(waitUntilServing());
 }
 
+TEST_F(GatewayTest, RestartsWorkersOneAfterTheOther)
+{
+    start();
+    ASSERT_TRUE(waitUntilServing());
+    EXPECT_EQ(reloadWith("fxhost = \"", "fxhost = \"/").text,  // the same, by another name
+              "reload: press1 restarted, press2 restarted");
+    EXPECT_NE(link(0)["worker"].toInt(), 0);
+    EXPECT_EQ(link(1)["worker"].toInt(), 0);
+    now.steadyMs += 10;
+    gateway->tick();
+    EXPECT_NE(link(1)["worker"].toInt(), 0);
+}
+
 TEST_F(GatewayTest, ReloadsOnlyTheFormsThatHaveChanged)
 {
     start();
