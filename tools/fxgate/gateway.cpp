@@ -136,17 +136,28 @@ void Gateway::tick()
     for (const auto& [kind, bus] : m_buses)
         bus->tick();
     m_writes.tick(now);
-    if (now.steadyMs - m_refreshedMs >= m_configuration.gateway.refreshMs) {
-        m_refreshedMs = now.steadyMs;
-        for (const auto& [name, link] : m_links)
-            link->tellAllAgain();
-    }
+    refreshLinks(now.steadyMs);
     if (auditProblem() != m_auditProblem) {
         m_auditProblem = auditProblem();
         if (!m_auditProblem.isEmpty())
             m_log("the audit file cannot be written, so writes are refused: " + m_auditProblem);
         else if (m_audit.problem().isEmpty())
             m_log(QStringLiteral("the audit file can be written again"));
+    }
+}
+
+// One after the other, so that the values of all do not come at one moment.
+void Gateway::refreshLinks(qint64 steadyMs)
+{
+    const qint64 refreshMs = m_configuration.gateway.refreshMs;
+    const qint64 betweenMs = refreshMs / static_cast<qint64>(m_links.size());
+    m_refreshedMs = std::max(m_refreshedMs, steadyMs - refreshMs);  // after a standstill
+    for (; steadyMs - m_refreshedMs >= betweenMs; m_refreshedMs += betweenMs) {
+        auto next = m_links.upper_bound(m_refreshedLink);
+        if (next == m_links.end())
+            next = m_links.begin();
+        next->second->tellAllAgain();
+        m_refreshedLink = next->first;
     }
 }
 

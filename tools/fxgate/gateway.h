@@ -63,6 +63,7 @@ private:
     bool isBusKept(FormKind kind, const Configuration& next) const;
     QStringList endBuses(const Configuration& next);
     QStringList startBuses();
+    void refreshLinks(qint64 steadyMs);
     void linkChanged(const QString& link);
     QString auditProblem() const;
 
@@ -78,8 +79,9 @@ private:
     Links m_links;
     QTimer m_tick;
     qint64 m_startedMs = 0;        // UTC
+    qint64 m_startingUntilMs = 0;  // steady
     qint64 m_refreshedMs = 0;      // steady
-    qint64 m_startingUntilMs = 0;  // the same
+    QString m_refreshedLink;       // last
     QString m_auditProblem;        // that was told last
 };
 

@@ -205,6 +205,19 @@ TEST_F(GatewayTest, TellsEverythingAgainNowAndThen)
         [this] { return told.contains("plain press1.run") && told.contains("plain press2.run"); }));
 }
 
+TEST_F(GatewayTest, TellsTheLinksAgainOneAfterTheOther)
+{
+    start();
+    ASSERT_TRUE(waitUntilServing());
+    for (const char* const link : {"press1", "press2", "press1"}) {
+        told.clear();
+        now.steadyMs += gateway->configuration().gateway.refreshMs / 2;
+        ASSERT_TRUE(waitUntil([this] { return told.size() == 2; }));
+        const QString name = QString("plain %1.").arg(link);
+        EXPECT_EQ(told, QStringList({name + "flow", name + "run"}));
+    }
+}
+
 TEST_F(GatewayTest, TouchesNothingWhereNothingHasChanged)
 {
     start();
