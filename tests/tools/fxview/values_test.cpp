@@ -112,6 +112,16 @@ TEST_F(Values, ShowAlarmsInWords)
     EXPECT_EQ(cell(Temp, ValueTable::State), "bad: refused");
 }
 
+TEST_F(Values, AreNotFreshBecauseTheClockWasSetBack)
+{
+    book.take(good(Temp, 100));
+    table.showMoment(nowMs - 3600000);
+    EXPECT_EQ(cell(Temp, ValueTable::State), "stale: no newer reading");
+    book.take(good(Temp, 101, nowMs - 3600000));
+    table.showMoment(nowMs - 3600000);
+    EXPECT_EQ(cell(Temp, ValueTable::State), "good");
+}
+
 TEST_F(Values, AreSortedAsPeopleCount)
 {
     table.sort(ValueTable::Name, Qt::AscendingOrder);

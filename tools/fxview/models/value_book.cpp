@@ -62,11 +62,14 @@ qint64 ValueBook::longestAgeMs(int index) const
                     : longestUnsaidMs;
 }
 
+// A reading from a time to come was there before the clock was set back: how old it is nobody
+// knows.
 Quality ValueBook::qualityAt(int index, qint64 nowMs) const
 {
-    const Quality told = state(index).quality;
-    return told == Quality::Good && ageMs(index, nowMs) > longestAgeMs(index) ? Quality::Stale
-                                                                              : told;
+    const TagState& state = this->state(index);
+    const qint64 longestMs = longestAgeMs(index);
+    const bool isOld = nowMs - state.readMs > longestMs || state.readMs - nowMs > longestMs;
+    return state.quality == Quality::Good && isOld ? Quality::Stale : state.quality;
 }
 
 QString ValueBook::reasonAt(int index, qint64 nowMs) const
