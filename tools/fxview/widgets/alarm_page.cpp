@@ -40,7 +40,8 @@ protected:
         option->features |= QStyleOptionViewItem::HasDecoration;
         option->decorationSize = {size, size};
         option->icon = signPixmap(alarm.isActive() ? open : Sign::Ring,
-                                  colourOf(Meaning::Alarm, option->palette), size, 1);
+                                  colourOf(Meaning::Alarm, option->palette), size,
+                                  option->widget->devicePixelRatioF());
     }
 
 private:

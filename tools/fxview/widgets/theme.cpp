@@ -3,6 +3,7 @@
 
 #include "tools/fxview/widgets/theme.h"
 
+#include <QPixmapCache>
 #include <QStyle>
 #include <QStyleFactory>
 
@@ -154,13 +155,24 @@ void paintSign(QPainter& painter, const QRectF& area, Sign sign, const QColor& c
     painter.restore();
 }
 
+// Each only once: an icon of a new pixmap keeps a copy of its own, with every picture of a table.
 QPixmap signPixmap(Sign sign, const QColor& colour, int size, qreal pixelRatio)
 {
-    QPixmap pixmap(QSize(size, size) * pixelRatio);
+    const QString key = QStringLiteral("sign %1 %2 %3 %4")
+                            .arg(static_cast<int>(sign))
+                            .arg(colour.name())
+                            .arg(size)
+                            .arg(pixelRatio);
+    QPixmap pixmap;
+    if (QPixmapCache::find(key, &pixmap))
+        return pixmap;
+    pixmap = QPixmap(QSize(size, size) * pixelRatio);
     pixmap.setDevicePixelRatio(pixelRatio);
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
     paintSign(painter, QRectF(0, 0, size, size), sign, colour);
+    painter.end();
+    QPixmapCache::insert(key, pixmap);
     return pixmap;
 }
 
