@@ -238,9 +238,11 @@ RecipeOutcome transferRecipe(ExchangeLoop& loop, RecipeDirection direction,
     else if (outcome.transferred < outcome.entries)
         outcome.problem =
             round.ended.isEmpty() ? ReplyVerdict::Silence : round.ended.last().verdict;
+    const Exchange* last = round.inFlight ? &*round.inFlight : nullptr;
+    if (!last && !round.ended.isEmpty())
+        last = &round.ended.last();
     outcome.isUncertain =
-        !outcome.isGood() && (outcome.problem != ReplyVerdict::Refused ||
-                              (!round.ended.isEmpty() && round.ended.last().mayBeDone));
+        !outcome.isGood() && last && last->answer != DriverAnswer::Accepted && last->mayBeDone;
     return outcome;
 }
 

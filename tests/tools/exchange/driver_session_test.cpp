@@ -154,6 +154,20 @@ TEST_F(Recipes, EndAtTheFirstEntryThatFails)
     EXPECT_EQ(progress.join(' '), "0/3 1/3 1/3");
 }
 
+TEST_F(Recipes, ThatAreCancelledBetweenTwoEntriesLeaveNoneUncertain)
+{
+    LoopSettings settings = bench.line.loopSettings();
+    bool isCancelled = false;
+    settings.isInterrupted = [&isCancelled] { return isCancelled; };
+    ExchangeLoop loop(bench.session, bench.line, settings);
+    const RecipeOutcome outcome =
+        transferRecipe(loop, RecipeDirection::Download, entries,
+                       [&isCancelled](int done, int) { isCancelled = done == 2; });
+    EXPECT_EQ(outcome.transferred, 2);
+    EXPECT_EQ(outcome.problem, ReplyVerdict::Interrupted);
+    EXPECT_FALSE(outcome.isUncertain) << "nothing was sent of the third";
+}
+
 // The driver keeps its place in the list.
 TEST_F(Recipes, StartAtTheirFirstEntryAfterOneThatALostLinkBrokeOff)
 {
