@@ -124,6 +124,8 @@ RoundEnd Polling::run(int cycles, const std::function<void()>& onCycle,
         }
         const qint64 nextUs = m_periodic ? std::min(m_periodic->nextUs(), cycleEndUs) : cycleEndUs;
         wait(std::max<qint64>(nextUs - nowUs + 999, 0) / 1000);
+        if (m_loop.isInterrupted())  // also where nothing is due for long
+            return RoundEnd::Interrupted;
     }
 }
 
