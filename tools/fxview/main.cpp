@@ -8,6 +8,7 @@
 #include "tools/failure.h"
 #include "tools/fxview/options.h"
 #include "tools/fxview/plc/plc_thread.h"
+#include "tools/fxview/plc/recipe_orders.h"
 #include "tools/fxview/widgets/main_window.h"
 #include "tools/fxview/widgets/theme.h"
 
@@ -29,6 +30,11 @@ public:
     QVector<fxtools::Tag> tags() const override { return {}; }
     void write(int /*id*/, int /*tag*/, const QString& /*text*/) override {}
     void benchCommand(const QString& /*command*/) override {}
+    void order(const RecipeOrder& order) override
+    {
+        emit recipeEnded(refusedRecipe(order, QStringLiteral("there is no PLC")));
+    }
+    void cancelRecipe(int /*id*/) override {}
 };
 
 std::unique_ptr<PlcThread> plcOf(const Options& options)

@@ -3,7 +3,9 @@
 
 #include "tools/service/recipe.h"
 
-#include "tools/exchange/blocks.h"
+#include "tools/tags/tag_file.h"
+
+#include <QHash>
 
 namespace fxtools {
 
@@ -58,6 +60,24 @@ QVector<RegisterRun> runsOf(const QVector<RegisterRange>& entries,
     return runs;
 }
 
+// Why these registers may not be written; empty if they may.
+QString objectionTo(const Tag& tag, const QVector<quint32>& registers,
+                    const RegisterCatalogue& catalogue)
+{
+    if (tag.isReadOnly())
+        return "the tag " + tag.name + " is read-only";
+    if (!tag.isNumber() || (!tag.min && !tag.max))
+        return {};
+    if (registers.size() < tag.asked.range.count)
+        return "of the tag " + tag.name + " the recipe has only a part";
+    try {
+        assignmentOf(tag, numberText(tag.valueOf(tag.rawOf(registers)).toDouble()), catalogue);
+    } catch (const Failure& failure) {
+        return failure.text();
+    }
+    return {};
+}
+
 }  // namespace
 
 QVector<RegisterRange> rangesOf(const QVector<RegisterRun>& runs)
@@ -81,6 +101,31 @@ QVector<RegisterRange> recipeEntries(const QVector<RegisterRange>& registers, in
 {
     needWords(registers);
     return cutToFrames(registers, wordsPerFrame);
+}
+
+QVector<RecipeObjection> objectionsTo(const QVector<RegisterRun>& recipe, const QVector<Tag>& tags,
+                                      const RegisterCatalogue& catalogue)
+{
+    QHash<QString, quint32> values;  // by the register's identity
+    for (const RegisterRun& run : recipe) {
+        for (int index = 0; index < run.range.count; ++index)
+            values.insert(run.range.identity(index), run.values[index]);
+    }
+    QVector<RecipeObjection> objections;
+    for (const Tag& tag : tags) {
+        const RegisterRange& range = tag.asked.range;
+        QVector<quint32> registers;
+        for (int index = 0; index < range.count; ++index) {
+            const auto value = values.constFind(range.identity(index));
+            if (value != values.constEnd())
+                registers.append(*value);
+        }
+        const QString text =
+            registers.isEmpty() ? QString() : objectionTo(tag, registers, catalogue);
+        if (!text.isEmpty())
+            objections.append({range, text});
+    }
+    return objections;
 }
 
 RecipeOutcome downloadRecipe(Connection& connection, const QVector<RegisterRun>& recipe,

@@ -31,6 +31,17 @@ RecipeOutcome uploadRecipe(Connection& connection, const QVector<RegisterRange>&
 QString stoppedText(const RecipeOutcome& outcome, RecipeDirection direction,
                     const QVector<RegisterRange>& entries);
 
+// A value that its tag forbids.
+struct RecipeObjection
+{
+    RegisterRange registers;
+    QString text;
+};
+
+// The tags that a recipe writes are found by their registers: their limits hold here too.
+QVector<RecipeObjection> objectionsTo(const QVector<RegisterRun>& recipe, const QVector<Tag>& tags,
+                                      const RegisterCatalogue& catalogue);
+
 QVector<RegisterRange> rangesOf(const QVector<RegisterRun>& runs);
 
 }  // namespace fxtools

@@ -16,7 +16,7 @@ namespace {
 
 constexpr int forEverS = std::numeric_limits<int>::max();
 constexpr int badUntilDown = 3;  // attempts in a row that the PLC did not answer
-constexpr int mostWaitingWrites = 64;
+constexpr int mostWaitingJobs = 64;
 constexpr qint64 longestWaitUs = 10000000;  // of a write
 constexpr qint64 tickEveryMs = 100;
 
@@ -86,7 +86,7 @@ RoundEnd TagService::run()
     m_connection = &connection;
     ExchangeLoop& loop = connection.loop();
     loop.onExchange = [this](const Exchange& exchange) { noteExchange(exchange); };
-    loop.onLinkLost = [this, reconnect = loop.onLinkLost] { return !m_isWriting && reconnect(); };
+    loop.onLinkLost = [this, reconnect = loop.onLinkLost] { return !m_isBusy && reconnect(); };
     Polling polling(loop, connection.catalogue(), m_wanted, baudOf(m_settings.link), std::nullopt,
                     [](const QString&) {});
     m_polling = &polling;
@@ -103,15 +103,16 @@ RoundEnd TagService::run()
 
 bool TagService::tick()
 {
-    refuseWrites();
+    refuseJobs();
     return onTick();
 }
 
-// Between two exchanges nothing is in flight: the time for a write.
+// Between two exchanges nothing is in flight: the time for a job.
 void TagService::pause(qint64 timeMs)
 {
     QElapsedTimer waited;
     waited.start();
+    m_mustLookAgain = false;
     const Poller& poller = m_polling->poller();
     m_tags.noteProblems(
         [&poller](const RegisterRange& range, int index) { return poller.problemOf(range, index); },
@@ -119,10 +120,10 @@ void TagService::pause(qint64 timeMs)
     m_tags.setPeriods(m_polling->load());
     onPause();
     while (!tick()) {
-        if (!m_writes.isEmpty())
-            write(m_writes.dequeue());
+        if (!m_jobs.isEmpty())
+            runJob(m_jobs.dequeue().job);
         const qint64 leftMs = timeMs - waited.elapsed();
-        if (leftMs <= 0)
+        if (leftMs <= 0 || m_mustLookAgain)
             break;
         wait(std::min(leftMs, tickEveryMs));
     }
@@ -130,47 +131,60 @@ void TagService::pause(qint64 timeMs)
 
 void TagService::write(const QString& id, int tag, const Assignment& assignment)
 {
-    if (m_writes.size() >= mostWaitingWrites)
-        onWritten(id, tag, refusal(QStringLiteral("not sent: too many writes are waiting")));
+    perform({[this, id, tag, assignment](Connection&) {
+                 onWritten(id, tag, writeNow(tag, assignment));
+             },
+             [this, id, tag](const QString& reason) { onWritten(id, tag, refusal(reason)); }});
+}
+
+void TagService::perform(const Job& job)
+{
+    if (m_jobs.size() >= mostWaitingJobs)
+        job.refuse(QStringLiteral("not sent: too many writes are waiting"));
     else
-        m_writes.enqueue({id, tag, assignment, now().us});
+        m_jobs.enqueue({job, now().us});
 }
 
 // What cannot be sent soon would be sent too late.
-void TagService::refuseWrites()
+void TagService::refuseJobs()
 {
-    if (m_isWriting || m_writes.isEmpty())
+    if (m_isBusy || m_jobs.isEmpty())
         return;
     if (m_link == LinkState::Down || !m_connection)
         refuseAll("not sent: " + (m_reason.isEmpty() ? "the link is not open yet" : m_reason));
-    while (!m_writes.isEmpty() && now().us - m_writes.head().sinceUs > longestWaitUs) {
-        const WaitingWrite late = m_writes.dequeue();
-        onWritten(late.id, late.tag,
-                  refusal(QStringLiteral("not sent within %1 s").arg(longestWaitUs / 1000000)));
+    while (!m_jobs.isEmpty() && now().us - m_jobs.head().sinceUs > longestWaitUs) {
+        const WaitingJob late = m_jobs.dequeue();
+        late.job.refuse(QStringLiteral("not sent within %1 s").arg(longestWaitUs / 1000000));
     }
 }
 
 void TagService::refuseAll(const QString& reason)
 {
-    while (!m_writes.isEmpty()) {
-        const WaitingWrite waiting = m_writes.dequeue();
-        onWritten(waiting.id, waiting.tag, refusal(reason));
-    }
+    while (!m_jobs.isEmpty())
+        m_jobs.dequeue().job.refuse(reason);
 }
 
-void TagService::write(const WaitingWrite& waiting)
+void TagService::runJob(const Job& job)
 {
-    m_isWriting = true;
-    const CheckedWrite write = writeAndReadBack(m_connection->loop(), waiting.assignment);
-    m_isWriting = false;
-    if (!write.after.isEmpty())
-        noteRead(waiting.assignment.asked.range,
-                 [&write](const RegisterRange&) { return write.after; });
-    onWritten(waiting.id, waiting.tag, answerOf(m_tags.tag(waiting.tag), write));
-    m_polling->poller().planEverything();
+    m_isBusy = true;
+    job.run(*m_connection);
+    m_isBusy = false;
+    m_mustLookAgain = m_link == LinkState::Down;
+    if (m_mustLookAgain)
+        m_polling->poller().readEverythingAgain();
+    else
+        m_polling->poller().planEverything();
 }
 
-// While a write is under way the cache holds what is not in the PLC yet.
+WriteAnswer TagService::writeNow(int tag, const Assignment& assignment)
+{
+    const CheckedWrite write = writeAndReadBack(m_connection->loop(), assignment);
+    if (!write.after.isEmpty())
+        noteRead(assignment.asked.range, [&write](const RegisterRange&) { return write.after; });
+    return answerOf(m_tags.tag(tag), write);
+}
+
+// While a job is under way the cache holds what is not in the PLC yet.
 void TagService::noteExchange(const Exchange& exchange)
 {
     if (onExchange)
@@ -184,7 +198,7 @@ void TagService::noteExchange(const Exchange& exchange)
         setLink(LinkState::Up, {});
     else if (m_badInARow >= badUntilDown || exchange.verdict == ReplyVerdict::LinkLost)
         setLink(LinkState::Down, verdictText(exchange.verdict));
-    if (m_isWriting || exchange.frame.isRead == 0)
+    if (m_isBusy || exchange.frame.isRead == 0)
         return;
     const RegisterRange block = requestRange(m_connection->catalogue(), exchange.frame);
     if (exchange.hasFailed())

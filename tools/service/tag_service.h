@@ -5,7 +5,8 @@
 // such as fxhost serve and the operator window.
 //
 // Everything runs in the thread that calls run(), and all that is called back is called there. A
-// write waits until nothing is in flight; what cannot be sent soon is refused.
+// write, or another job that needs the line for itself, waits until nothing is in flight; what
+// cannot begin soon is refused. While it runs, polling pauses.
 
 #pragma once
 
@@ -73,8 +74,17 @@ public:
 
     // Each is answered once, by onWritten.
     void write(const QString& id, int tag, const Assignment& assignment);
-    bool isWriting() const { return m_isWriting; }
-    bool areWritesWaiting() const { return !m_writes.isEmpty(); }
+
+    // One of the two is called, once. A lost link is not waited for while it runs.
+    struct Job
+    {
+        std::function<void(Connection&)> run;
+        std::function<void(const QString& reason)> refuse;
+    };
+    void perform(const Job& job);
+
+    bool isBusy() const { return m_isBusy; }  // with a write or another job
+    bool areJobsWaiting() const { return !m_jobs.isEmpty(); }
 
     ServedTags& tags() { return m_tags; }
     LinkState link() const { return m_link; }
@@ -86,19 +96,18 @@ public:
     qint64 cycleUs() const { return m_cycleUs; }          // that the last one took
 
 private:
-    struct WaitingWrite
+    struct WaitingJob
     {
-        QString id;
-        int tag;
-        Assignment assignment;
+        Job job;
         qint64 sinceUs;
     };
 
     bool tick();
     void pause(qint64 timeMs);
-    void refuseWrites();
+    void refuseJobs();
     void refuseAll(const QString& reason);
-    void write(const WaitingWrite& waiting);
+    void runJob(const Job& job);
+    WriteAnswer writeNow(int tag, const Assignment& assignment);
     void noteExchange(const Exchange& exchange);
     void noteRead(const RegisterRange& block, const ServedTags::ValuesOf& valuesOf);
     void noteLinkState(const QString& text);
@@ -113,8 +122,9 @@ private:
     LinkState m_link = LinkState::Opening;
     QString m_reason;
     int m_badInARow = 0;
-    QQueue<WaitingWrite> m_writes;
-    bool m_isWriting = false;
+    QQueue<WaitingJob> m_jobs;
+    bool m_isBusy = false;
+    bool m_mustLookAgain = false;  // a job has lost the PLC: is it back?
     qint64 m_cycleBeganUs = 0;
     qint64 m_cycleUs = 0;
 };

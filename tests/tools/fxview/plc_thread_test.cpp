@@ -32,17 +32,23 @@ class PlcThreadTest : public testing::Test
 protected:
     PlcThreadTest() { EXPECT_TRUE(m_folder.isValid()); }
 
-    void start(const QString& link = QStringLiteral("sim:"))
+    QString newFile(const char* name, const QByteArray& text)
     {
-        QFile file(m_folder.filePath("tags.csv"));
+        QFile file(m_folder.filePath(name));
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(tagRows);
-        file.close();
+        file.write(text);
+        return file.fileName();
+    }
+
+    void start(const QString& link = QStringLiteral("sim:"), const char* rows = tagRows)
+    {
+        const QString tagFile = newFile("tags.csv", rows);
         fxtools::ConnectionSettings settings;
         settings.library = QStringLiteral(FX_DRIVER_FILE);
         settings.link = fxtools::parseLink(link);
-        auto services = std::make_unique<AddressServices>(settings.library,
-                                                          fxtools::TagSource{file.fileName(), {}});
+        settings.session.failLimit = m_failLimit;
+        auto services =
+            std::make_unique<AddressServices>(settings.library, fxtools::TagSource{tagFile, {}});
         const QVector<fxtools::Tag> tags = services->tags();
         m_plc = std::make_unique<PlcThread>(settings, link, std::move(services), tags);
         QObject::connect(m_plc.get(), &PlcSource::readings,
@@ -61,6 +67,11 @@ protected:
         QObject::connect(
             m_plc.get(), &PlcSource::benchRefused,
             [this](const QString&, const QString& reason) { m_refusals.append(reason); });
+        QObject::connect(m_plc.get(), &PlcSource::recipeEnded,
+                         [this](const RecipeResult& result) { m_recipes.append(result); });
+        QObject::connect(m_plc.get(), &PlcSource::recipeMoved, [this](int id, int done, int total) {
+            m_moves += QString("%1: %2 of %3").arg(id).arg(done).arg(total);
+        });
         m_plc->start();
     }
 
@@ -90,6 +101,7 @@ protected:
         return m_results.value(0);
     }
 
+    int m_failLimit = 3;
     QTemporaryDir m_folder;
     std::unique_ptr<PlcThread> m_plc;
     QVector<Reading> m_readings;
@@ -98,6 +110,94 @@ protected:
     int m_exchanges = 0;
     std::optional<LineReport> m_report;
     QStringList m_refusals;
+    QVector<RecipeResult> m_recipes;
+    QStringList m_moves;
+};
+
+// A PLC that is read once a minute, so that the exchanges of a transfer can be counted.
+class RecipeInThread : public PlcThreadTest
+{
+protected:
+    static constexpr int registers = 100;
+    static constexpr int inEntry = 16;
+    static constexpr int entries = 7;        // the last of four registers
+    static constexpr int forEver = 1000000;  // attempts
+
+    void startQuietly(const char* link = "sim:")
+    {
+        start(link, "name,address,period_ms,access,max\n"
+                    "slow,D0,60000,,\nlocked,D500,60000,ro,\nlimited,D501,60000,,50\n");
+        EXPECT_TRUE(waitUntil([this] { return last(0) && last(1) && last(2); }));
+    }
+
+    QString recipeFile(int first = 1000)
+    {
+        QByteArray text = "address,value\n";
+        for (int index = 0; index < registers; ++index)
+            text += 'D' + QByteArray::number(first + index) + ',' + QByteArray::number(index + 1) +
+                    '\n';
+        return newFile("recipe.csv", text);
+    }
+
+    RecipeResult ended(const RecipeOrder& order)
+    {
+        m_recipes.clear();
+        m_plc->order(order);
+        EXPECT_TRUE(waitUntil([this] { return !m_recipes.isEmpty(); }));
+        EXPECT_EQ(m_recipes.value(0).id, order.id);
+        EXPECT_EQ(m_recipes.value(0).act, order.act);
+        return m_recipes.value(0);
+    }
+
+    RecipeResult opened(const QString& file)
+    {
+        RecipeOrder order;
+        order.id = 1;
+        order.file = file;
+        return ended(order);
+    }
+
+    RecipeOrder orderFor(RecipeOrder::Act act, const QVector<fxtools::RegisterRun>& recipe)
+    {
+        RecipeOrder order;
+        order.id = 2;
+        order.act = act;
+        order.recipe = recipe;
+        return order;
+    }
+
+    RecipeResult downloaded(const char* faults)
+    {
+        const RecipeResult file = opened(recipeFile());
+        m_plc->benchCommand(faults);
+        return ended(orderFor(RecipeOrder::Act::Download, file.recipe));
+    }
+
+    // "16 written, 16 unknown, 68 not written"
+    static QString states(const RecipeResult& result)
+    {
+        std::array<int, 4> counts = {};
+        for (const RecipeValue& value : result.values)
+            ++counts[static_cast<size_t>(value.state)];
+        return QString("%1 written, %2 unknown, %3 not written")
+            .arg(counts[static_cast<size_t>(RecipeValue::State::Written)])
+            .arg(counts[static_cast<size_t>(RecipeValue::State::Unknown)])
+            .arg(counts[static_cast<size_t>(RecipeValue::State::NotWritten)]);
+    }
+
+    static int same(const RecipeResult& result)
+    {
+        return static_cast<int>(
+            std::count_if(result.values.begin(), result.values.end(),
+                          [](const RecipeValue& value) { return value.inPlc == value.inFile; }));
+    }
+
+    static int read(const RecipeResult& result)
+    {
+        return static_cast<int>(
+            std::count_if(result.values.begin(), result.values.end(),
+                          [](const RecipeValue& value) { return value.inPlc.has_value(); }));
+    }
 };
 
 }  // namespace
@@ -201,10 +301,165 @@ TEST_F(PlcThreadTest, RefusesCommandsThatNoSimulatedPlcKnows)
     EXPECT_TRUE(m_refusals[0].contains("dance")) << qPrintable(m_refusals[0]);
 }
 
+TEST_F(PlcThreadTest, EndsAtOnceAlsoWhereNothingIsDueForAMinute)
+{
+    start("sim:", "name,address,period_ms\nslow,D0,60000\n");
+    ASSERT_TRUE(waitUntil([this] { return last(0).has_value(); }));
+    m_readings.clear();
+    m_plc.reset();
+    EXPECT_TRUE(m_readings.isEmpty()) << "it waited for the next";
+}
+
 TEST_F(PlcThreadTest, WaitsForALinkThatIsNotThereAndEnds)
 {
     start("serial:/dev/there-is-no-such-port?baud=9600");
     EXPECT_TRUE(waitUntil([this] { return !m_links.isEmpty(); }));
     EXPECT_TRUE(m_links[0].contains("there-is-no-such-port")) << qPrintable(m_links[0]);
     EXPECT_EQ(written(1, "50").outcome, WriteResult::Outcome::Refused);
+}
+
+TEST_F(RecipeInThread, GoesDownAndIsReadBack)
+{
+    startQuietly();
+    const RecipeResult result = downloaded("faults none");
+    EXPECT_EQ(result.problem, "");
+    EXPECT_EQ(result.notCompared, "");
+    EXPECT_EQ(result.recipe.size(), entries);
+    EXPECT_EQ(states(result), "100 written, 0 unknown, 0 not written");
+    EXPECT_EQ(same(result), registers);
+    EXPECT_TRUE(m_moves.contains("2: 7 of 7")) << qPrintable(m_moves.join(' '));
+    m_plc->benchCommand("poke D1003 77");
+    const RecipeResult compared = ended(orderFor(RecipeOrder::Act::Compare, result.recipe));
+    EXPECT_EQ(same(compared), registers - 1);
+    EXPECT_EQ(compared.values[3].inPlc, 77U);
+}
+
+TEST_F(RecipeInThread, ThatIsRefusedInTheMiddleTellsWhatIsWritten)
+{
+    startQuietly();
+    const RecipeResult result = downloaded("faults nak@3-5");  // the third entry, each attempt
+    EXPECT_EQ(result.problem, "refused by the PLC (NAK)");
+    EXPECT_EQ(states(result), "32 written, 0 unknown, 68 not written");
+    EXPECT_EQ(same(result), 2 * inEntry);
+    EXPECT_EQ(read(result), registers) << "all is read back however it ended";
+    EXPECT_EQ(result.values[2 * inEntry].state, RecipeValue::State::NotWritten);
+}
+
+TEST_F(RecipeInThread, ThatLosesItsAnswersInTheMiddleTellsWhatIsUnknown)
+{
+    startQuietly();
+    const RecipeResult result = downloaded("faults silence@3-5");
+    EXPECT_NE(result.problem, "");
+    EXPECT_EQ(states(result), "32 written, 16 unknown, 52 not written");
+    EXPECT_EQ(read(result), registers);
+    EXPECT_EQ(result.values[2 * inEntry].state, RecipeValue::State::Unknown);
+}
+
+TEST_F(RecipeInThread, ThatLosesItsLinkInTheMiddleTellsSoAndIsNotTakenUpAgain)
+{
+    startQuietly();
+    const RecipeResult result = downloaded("faults link-drop@3");
+    EXPECT_EQ(result.problem, fxtools::verdictText(fxtools::ReplyVerdict::LinkLost));
+    EXPECT_EQ(states(result), "32 written, 16 unknown, 52 not written");
+    EXPECT_EQ(read(result), 0);
+    EXPECT_EQ(result.notCompared, fxtools::verdictText(fxtools::ReplyVerdict::LinkLost));
+    m_plc->benchCommand("faults none");
+    EXPECT_TRUE(waitUntil([this] { return m_links.last() == "up"; }));
+    const RecipeResult compared = ended(orderFor(RecipeOrder::Act::Compare, result.recipe));
+    EXPECT_EQ(compared.problem, "");
+    EXPECT_LE(same(compared), 3 * inEntry) << "the rest did not follow by itself";
+    EXPECT_GE(same(compared), 2 * inEntry);
+}
+
+TEST_F(RecipeInThread, EndsWhereItIsCancelled)
+{
+    m_failLimit = forEver;
+    startQuietly();
+    QObject::connect(m_plc.get(), &PlcSource::recipeMoved, [this](int id, int done, int) {
+        if (done == 2) {
+            m_plc->cancelRecipe(id);
+            m_plc->benchCommand("faults none");
+        }
+    });
+    const RecipeResult result = downloaded("faults nak@3-");
+    EXPECT_EQ(result.problem, fxtools::verdictText(fxtools::ReplyVerdict::Interrupted));
+    EXPECT_TRUE(states(result).startsWith("32 written, ")) << qPrintable(states(result));
+    EXPECT_EQ(read(result), registers);
+    EXPECT_EQ(written(2, "7").outcome, WriteResult::Outcome::Done) << "polling goes on";
+    EXPECT_EQ(m_links, QStringList("up"));
+}
+
+TEST_F(RecipeInThread, ThatIsCancelledBeforeItBeginsSendsNothing)
+{
+    startQuietly();
+    const RecipeResult file = opened(recipeFile());
+    m_plc->cancelRecipe(2);
+    const RecipeResult result = ended(orderFor(RecipeOrder::Act::Download, file.recipe));
+    EXPECT_EQ(states(result), "0 written, 0 unknown, 100 not written");
+    EXPECT_EQ(same(result), 0);
+}
+
+TEST_F(RecipeInThread, EndsWithTheWindow)
+{
+    m_failLimit = forEver;
+    startQuietly();
+    const RecipeResult file = opened(recipeFile());
+    m_plc->benchCommand("faults nak@3-");
+    m_plc->order(orderFor(RecipeOrder::Act::Download, file.recipe));
+    EXPECT_TRUE(waitUntil([this] { return m_moves.contains("2: 2 of 7"); }));
+    m_plc.reset();
+}
+
+TEST_F(RecipeInThread, SendsNothingThatATagForbids)
+{
+    startQuietly();
+    const RecipeResult file = opened(newFile("locked.csv", "D499,1\nD500,1\nD501,51\n"));
+    EXPECT_EQ(file.values[0].objection, "");
+    EXPECT_EQ(file.values[1].objection, "the tag locked is read-only");
+    EXPECT_EQ(file.values[2].objection, "'limited=51' is above the maximum of 50");
+    const RecipeResult result = ended(orderFor(RecipeOrder::Act::Download, file.recipe));
+    EXPECT_EQ(result.problem, "the tag locked is read-only");
+    EXPECT_EQ(states(result), "0 written, 0 unknown, 3 not written");
+    const RecipeResult compared = ended(orderFor(RecipeOrder::Act::Compare, file.recipe));
+    EXPECT_EQ(same(compared), 0);
+}
+
+TEST_F(RecipeInThread, NamesTheLineOfAMistakeInItsFile)
+{
+    startQuietly();
+    const QString file = newFile("wrong.csv", "D1,1\nD2,x\n");
+    EXPECT_TRUE(opened(file).problem.startsWith(file + ", line 2: "));
+    EXPECT_EQ(opened(newFile("bits.csv", "M1,1\n")).problem, "M1: recipes hold words, not bits");
+}
+
+TEST_F(RecipeInThread, ComesUpIntoANewFile)
+{
+    startQuietly();
+    m_plc->benchCommand("poke D1000 5 65534");
+    RecipeOrder order = orderFor(RecipeOrder::Act::Upload, {});
+    order.file = m_folder.filePath("up.csv");
+    order.registers = "D1000:2 D1010";
+    const RecipeResult result = ended(order);
+    EXPECT_EQ(result.problem, "");
+    EXPECT_EQ(same(result), 3);
+    QFile file(order.file);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), "address,value\nD1000,5\nD1001,-2\nD1010,0\n");
+    EXPECT_EQ(ended(order).problem, order.file + " exists");
+    order.mayReplace = true;
+    order.registers = "D1010";
+    EXPECT_EQ(ended(order).problem, "");
+    m_plc->benchCommand("faults nak=1");
+    EXPECT_NE(ended(order).problem, "");
+    file.close();
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), "address,value\nD1010,0\n") << "half a recipe replaces nothing";
+}
+
+TEST_F(RecipeInThread, IsRefusedWhereThereIsNoLink)
+{
+    start("serial:/dev/there-is-no-such-port?baud=9600");
+    const RecipeResult result = downloaded("faults none");
+    EXPECT_NE(result.problem, "");
+    EXPECT_EQ(states(result), "0 written, 0 unknown, 100 not written");
 }

@@ -38,10 +38,14 @@ public:
     QVector<fxtools::Tag> tags() const override { return m_tags; }
     void write(int id, int tag, const QString& text) override { writes += {id, tag, text}; }
     void benchCommand(const QString& command) override { benchCommands += command; }
+    void order(const fxview::RecipeOrder& order) override { recipes += order; }
+    void cancelRecipe(int id) override { cancelled += id; }
 
     bool simulated = false;
     QVector<Write> writes;
     QStringList benchCommands;
+    QVector<fxview::RecipeOrder> recipes;
+    QVector<int> cancelled;
 
 private:
     QVector<fxtools::Tag> m_tags;

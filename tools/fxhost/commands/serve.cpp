@@ -217,10 +217,10 @@ bool Server::mustEnd() const
 {
     if (interrupted() || !m_endsAtMs)
         return interrupted();
-    const bool isWriting = m_service.isWriting();
-    if (isWriting && !m_channel.hasEnded())
+    const bool isBusy = m_service.isBusy();
+    if (isBusy && !m_channel.hasEnded())
         return false;
-    return (!m_service.areWritesWaiting() && !isWriting) || m_clock.elapsed() >= *m_endsAtMs;
+    return (!m_service.areJobsWaiting() && !isBusy) || m_clock.elapsed() >= *m_endsAtMs;
 }
 
 }  // namespace

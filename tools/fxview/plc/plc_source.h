@@ -9,6 +9,7 @@
 #pragma once
 
 #include "tools/exchange/statistics.h"
+#include "tools/library/register_file.h"
 #include "tools/tags/shortest_plan.h"
 #include "tools/tags/tag.h"
 
@@ -64,6 +65,53 @@ struct LineReport
     QVector<BlockOfPlan> blocks;
 };
 
+struct RecipeOrder
+{
+    enum class Act
+    {
+        Open,      // of a file
+        Compare,   // with the PLC
+        Download,  // to the PLC, then compared
+        Upload,    // from the PLC to a file
+    };
+
+    int id = 0;
+    Act act = Act::Open;
+    QVector<fxtools::RegisterRun> recipe;  // to compare or to download
+    QString file;                          // to open, or to upload into
+    QString registers;                     // to upload: "D1000:64 32CV210:4"
+    bool mayReplace = false;               // an existing file
+};
+
+// One register of a recipe.
+struct RecipeValue
+{
+    enum class State
+    {
+        Untouched,   // by the last download
+        NotWritten,  // it ended before
+        Written,     // and acknowledged
+        Unknown,     // sent, without a clear answer
+    };
+
+    fxtools::RegisterRange one;
+    quint32 inFile = 0;
+    State state = State::Untouched;
+    std::optional<quint32> inPlc;  // as read after it
+    QString whyNotRead;            // unless it was
+    QString objection;             // why it may not be written
+};
+
+struct RecipeResult
+{
+    int id = 0;
+    RecipeOrder::Act act = RecipeOrder::Act::Open;
+    QString problem;      // what it ended with; empty: it is done
+    QString notCompared;  // why not all is read back after it; empty: it is
+    QVector<fxtools::RegisterRun> recipe;
+    QVector<RecipeValue> values;  // of its registers
+};
+
 class PlcSource : public QObject
 {
     Q_OBJECT
@@ -82,6 +130,11 @@ public:
     // A command for a simulated PLC, such as "faults silence=0.1" or "poke D100 5".
     virtual void benchCommand(const QString& command) = 0;
 
+    // recipeEnded() tells the result of each order once; one that is cancelled ends early. Before
+    // and after each entry of a transfer, recipeMoved() tells how many registers are over.
+    virtual void order(const RecipeOrder& order) = 0;
+    virtual void cancelRecipe(int id) = 0;
+
 signals:
     void linkChanged(bool isUp, const QString& reason);
 
@@ -91,6 +144,8 @@ signals:
 
     void lineReport(const LineReport& report);  // once a second
     void written(const WriteResult& result);
+    void recipeMoved(int id, int done, int total);
+    void recipeEnded(const RecipeResult& result);
     void benchRefused(const QString& command, const QString& reason);
 };
 

@@ -3,6 +3,8 @@
 
 #include "tools/fxview/plc/plc_thread.h"
 
+#include "tools/fxview/plc/recipe_orders.h"
+
 #include <QMutexLocker>
 #include <QTimer>
 
@@ -82,15 +84,15 @@ bool PlcThread::isSimulated() const
 
 void PlcThread::write(int id, int tag, const QString& text)
 {
-    order({id, tag, text});
+    add(WriteOrder{id, tag, text});
 }
 
 void PlcThread::benchCommand(const QString& command)
 {
-    order({std::nullopt, 0, command});
+    add(BenchOrder{command});
 }
 
-void PlcThread::order(const Order& order)
+void PlcThread::add(const Order& order)
 {
     const QMutexLocker locker(&m_mutex);
     m_orders.append(order);
@@ -126,7 +128,24 @@ void PlcThread::run()
         reason = failure.text();
     }
     tell([&reason](News& news) { news.link = {false, reason}; });
+    refuseUntilEnd(reason);
     m_service.reset();
+}
+
+// Who asks is answered also when nothing runs any more.
+void PlcThread::refuseUntilEnd(const QString& reason)
+{
+    QMutexLocker locker(&m_mutex);
+    while (!m_mustEnd) {
+        QVector<Order> orders;
+        orders.swap(m_orders);
+        locker.unlock();
+        for (const Order& order : qAsConst(orders))
+            refuse(order, reason);
+        locker.relock();
+        if (m_orders.isEmpty() && !m_mustEnd)
+            m_hasOrders.wait(&m_mutex);
+    }
 }
 
 bool PlcThread::tick()
@@ -138,34 +157,43 @@ bool PlcThread::tick()
         orders.swap(m_orders);
         mustEnd = m_mustEnd;
     }
-    for (const Order& order : qAsConst(orders))
-        obey(order);
+    for (const Order& order : qAsConst(orders)) {
+        try {
+            std::visit([this](const auto& each) { obey(each); }, order);
+        } catch (const Failure& failure) {
+            refuse(order, failure.text());
+        }
+    }
     if (m_clock.elapsed() - m_changesMs >= betweenChangesMs)
         noteChanges();
-    return mustEnd && !m_service->isWriting();
+    return isRecipeCancelled() || (mustEnd && !m_service->isBusy());
 }
 
-void PlcThread::obey(const Order& order)
+void PlcThread::obey(const WriteOrder& order)
 {
-    try {
-        if (order.id) {
-            const fxtools::Assignment assignment =
-                fxtools::assignmentOf(m_tags.at(order.tag), order.text, m_services->catalogue);
-            fxtools::requireOwnMemory(assignment.asked.range, m_services->catalogue);
-            m_service->write(QString::number(*order.id), order.tag, assignment);
-            return;
-        }
-        fxtools::Connection* const connection = m_service->connection();
-        if (connection == nullptr || connection->control() == nullptr)
-            throw Failure(fxtools::ExitCode::Usage,
-                          QStringLiteral("only a simulated PLC takes commands"));
-        connection->control()->run(order.text);
-    } catch (const Failure& failure) {
-        if (order.id)
-            noteResult(*order.id, order.tag, fxtools::refusal(failure.text()));
-        else
-            tell([&](News& news) { news.refusals.append({order.text, failure.text()}); });
-    }
+    const fxtools::Assignment assignment =
+        fxtools::assignmentOf(m_tags.at(order.tag), order.text, m_services->catalogue);
+    fxtools::requireOwnMemory(assignment.asked.range, m_services->catalogue);
+    m_service->write(QString::number(order.id), order.tag, assignment);
+}
+
+void PlcThread::obey(const BenchOrder& order)
+{
+    fxtools::Connection* const connection = m_service->connection();
+    if (connection == nullptr || connection->control() == nullptr)
+        throw Failure(fxtools::ExitCode::Usage,
+                      QStringLiteral("only a simulated PLC takes commands"));
+    connection->control()->run(order.command);
+}
+
+void PlcThread::refuse(const Order& order, const QString& reason)
+{
+    if (const auto* const write = std::get_if<WriteOrder>(&order))
+        noteResult(write->id, write->tag, fxtools::refusal(reason));
+    else if (const auto* const bench = std::get_if<BenchOrder>(&order))
+        tell([&](News& news) { news.refusals.append({bench->command, reason}); });
+    else
+        noteRecipe(refusedRecipe(std::get<RecipeOrder>(order), reason));
 }
 
 void PlcThread::wait(qint64 timeMs)
@@ -293,6 +321,12 @@ void PlcThread::giveNews()
         emit lineReport(*news.report);
     for (const WriteResult& result : qAsConst(news.results))
         emit written(result);
+    if (news.recipeMoved) {
+        const auto& [id, done, total] = *news.recipeMoved;
+        emit recipeMoved(id, done, total);
+    }
+    for (const RecipeResult& result : qAsConst(news.recipes))
+        emit recipeEnded(result);
     for (const auto& [command, reason] : qAsConst(news.refusals))
         emit benchRefused(command, reason);
 }

@@ -15,7 +15,9 @@
 #include <QThread>
 #include <QWaitCondition>
 
+#include <array>
 #include <memory>
+#include <variant>
 
 namespace fxview {
 
@@ -38,15 +40,21 @@ public:
     QVector<fxtools::Tag> tags() const override { return m_tags; }
     void write(int id, int tag, const QString& text) override;
     void benchCommand(const QString& command) override;
+    void order(const RecipeOrder& order) override;
+    void cancelRecipe(int id) override;
 
 private:
-    // What the window asks for: a write, or a command without an id.
-    struct Order
+    struct WriteOrder
     {
-        std::optional<int> id;
+        int id;
         int tag;
         QString text;
     };
+    struct BenchOrder
+    {
+        QString command;
+    };
+    using Order = std::variant<WriteOrder, BenchOrder, RecipeOrder>;
 
     // What the window has not taken yet.
     struct News
@@ -56,21 +64,38 @@ private:
         QVector<fxtools::Exchange> exchanges;
         std::optional<LineReport> report;
         QVector<WriteResult> results;
+        std::optional<std::array<int, 3>> recipeMoved;
+        QVector<RecipeResult> recipes;
         QVector<QPair<QString, QString>> refusals;  // of commands
     };
 
     void run();
     bool tick();
-    void obey(const Order& order);
+    void obey(const WriteOrder& order);
+    void obey(const BenchOrder& order);
+    void obey(const RecipeOrder& order);
+    void refuse(const Order& order, const QString& reason);
+    void refuseUntilEnd(const QString& reason);
     void wait(qint64 timeMs);
     void noteReadings(const QVector<int>& tags);
     void noteChanges();
     void noteReport();
     void noteResult(int id, int tag, const fxtools::WriteAnswer& answer);
     LineReport report();
+    bool isRecipeCancelled();
+    fxtools::Progress progressOf(int id);
+    void transfer(const RecipeOrder& order, fxtools::Connection& connection);
+    void openRecipe(RecipeResult& result, const QString& file) const;
+    void compareRecipe(RecipeResult& result, fxtools::Connection& connection,
+                       const fxtools::Progress& progress);
+    void downloadRecipe(RecipeResult& result, fxtools::Connection& connection,
+                        const fxtools::Progress& progress);
+    void uploadRecipe(RecipeResult& result, fxtools::Connection& connection,
+                      const RecipeOrder& order, const fxtools::Progress& progress) const;
+    void noteRecipe(const RecipeResult& result);
     Reading readingOf(int tag, const fxtools::TagState& state) const;
     void tell(const std::function<void(News&)>& add);
-    void order(const Order& order);
+    void add(const Order& order);
     void giveNews();
 
     const fxtools::ConnectionSettings m_settings;
@@ -83,12 +108,14 @@ private:
     std::unique_ptr<fxtools::TagService> m_service;
     qint64 m_changesMs = 0;
     qint64 m_reportMs = 0;
+    std::optional<int> m_recipe;  // the one whose transfer may be cancelled now
     QElapsedTimer m_clock;
 
     QMutex m_mutex;  // for the rest
     QWaitCondition m_hasOrders;
     QVector<Order> m_orders;
     bool m_mustEnd = false;
+    std::optional<int> m_cancelledRecipe;
     News m_news;
     bool m_isNewsAnnounced = false;
 
