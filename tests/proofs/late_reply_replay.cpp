@@ -49,7 +49,7 @@ struct WaitFacts
 };
 
 constexpr WaitFacts waits[] = {
-    {"moment", 0, usualMs / 8},        {"reply", timeoutMs, timeoutMs},
+    {"moment", 0, usualMs / 4 - 1},    {"reply", timeoutMs, timeoutMs},
     {"rest", timeoutMs, timeoutMs},    {"another", 1, turnMs},
     {"quiet", usualMs / 4, turnMs},    {"lateQuiet", usualMs / 4, turnMs},
     {"enquiry", timeoutMs, timeoutMs}, {"clearing", usualMs * 2, timeoutMs},

@@ -50,7 +50,7 @@ fxsim::FaultPlan someFaults(const fxsim::Settings& plc, Random& random)
     for (int number = 0; number < fxsim::faultKinds; ++number) {
         const auto kind = static_cast<fxsim::FaultKind>(number);
         const double most = kind < fxsim::FaultKind::Silence ? mostOftenAtAll : mostOftenAtALine;
-        if (chance(random, faultIsThere) && kind != fxsim::FaultKind::Duplicate)
+        if (chance(random, faultIsThere))
             plan.append({kind, valueOf(kind, plc, random), most * below(random, 1000) / 1000, {}});
     }
     return plan;

@@ -20,6 +20,13 @@ bool isPlainNak(const Exchange& exchange)
     return exchange.verdict == ReplyVerdict::Refused && exchange.reply.size() == 1;
 }
 
+// At most: the PLC's own time is in it.
+qint64 characterUs(const Exchange& answer)
+{
+    const int characters = requestBytes(answer.frame).size() + answer.reply.size();
+    return answer.responseUs / std::max(characters, 1);
+}
+
 // Where more came than a NAK, the NAK may be another's.
 bool isSure(const Exchange& exchange)
 {
@@ -95,7 +102,8 @@ void ExchangeLoop::send(Exchange& exchange)
     const bool mustOutwait = m_line.owesAcks() && !repeatsRead;
     QByteArray junk;
     const int waitMs = repeatsRead ? 0 : std::exchange(m_waitBeforeOtherMs, 0);
-    bool mayBeSent = waitMs > 0 ? m_line.drain(waitMs, junk) : m_line.drainBeforeFrame(junk);
+    bool mayBeSent = waitMs > 0 ? m_line.drain(waitMs, junk)
+                                : m_line.drainBeforeFrame(characterUs(m_lastAnswer), junk);
     if (mayBeSent && mustOutwait) {
         m_line.outwaitAcks(junk);
         mayBeSent = m_line.drain(m_line.quietMs(), junk);

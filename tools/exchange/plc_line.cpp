@@ -23,7 +23,8 @@ constexpr int leastQuietResponses = 2;
 
 constexpr int momentShare = 8;
 constexpr int longestMomentMs = 5;
-constexpr qint64 soonestOnWireUs = 2000;  // what is quicker comes from a program, at any speed
+constexpr int leastMomentCharacters = 2;
+constexpr qint64 soonestOnWireUs = 800;  // what is quicker comes from a program, at any speed
 
 constexpr int longestTurnMs = 100;
 constexpr int longestDrainMs = 2000;        // of a line that is never quiet,
@@ -106,11 +107,15 @@ bool PlcLine::drain(int forQuietMs, QByteArray& junk)
 }
 
 // What comes too soon after the frame is known to be stray: only the rest of a moment is waited.
-bool PlcLine::drainBeforeFrame(QByteArray& junk)
+// While that is not known, a copy that follows its reply at once must begin before the frame.
+bool PlcLine::drainBeforeFrame(qint64 characterUs, QByteArray& junk)
 {
-    const qint64 restUs = momentUs(m_timeout.typicalResponseUs()) - tooSoonUs();
-    return drain(m_isQuiet ? static_cast<int>(std::max<qint64>(restUs, 0) / 1000) : quietMs(),
-                 junk);
+    const qint64 typicalUs = m_timeout.typicalResponseUs();
+    const qint64 soonUs = tooSoonUs();
+    qint64 restUs = std::max<qint64>(momentUs(typicalUs) - soonUs, 0);
+    if (soonUs == 0 && typicalUs >= soonestOnWireUs)
+        restUs = std::max(restUs, leastMomentCharacters * characterUs) + 999;
+    return drain(m_isQuiet ? static_cast<int>(restUs / 1000) : quietMs(), junk);
 }
 
 QByteArray PlcLine::overhear(int timeMs)

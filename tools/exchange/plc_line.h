@@ -43,8 +43,8 @@ public:
     // is followed for two seconds.
     bool drain(int forQuietMs, QByteArray& junk);
 
-    // The same, for as short a time as is safe before a frame.
-    bool drainBeforeFrame(QByteArray& junk);
+    // The same, for as short a time as is safe before a frame where a character takes so long.
+    bool drainBeforeFrame(qint64 characterUs, QByteArray& junk);
 
     // Everything that comes within this time.
     QByteArray overhear(int timeMs);
