@@ -7,6 +7,7 @@
 
 #include <QAbstractButton>
 #include <QAccessible>
+#include <QSignalSpy>
 
 using namespace fxview;
 using namespace view_tests;
@@ -38,6 +39,13 @@ TEST_F(MainWindowInFrontOfAPlc, HasOneBarForALostLink)
     EXPECT_EQ(texts("problemBar").toStdString(), "'faults x': unknown fault");
     button("Close")->click();
     EXPECT_FALSE(bar->isVisible());
+}
+
+TEST_F(MainWindowInFrontOfAPlc, ShowsTheFirstReadingsAtOnce)
+{
+    const QSignalSpy shown(find<QTableView>("Values")->model(), &QAbstractItemModel::dataChanged);
+    emit plc.readings({good(0, 71)});
+    EXPECT_GT(shown.count(), 0);
 }
 
 TEST_F(MainWindowInFrontOfAPlc, TellsWhyNothingStarts)

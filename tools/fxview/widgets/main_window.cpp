@@ -101,6 +101,8 @@ void MainWindow::take(const QVector<Reading>& readings)
         m_values.take(reading);
         m_alarms.take(reading);
     }
+    if (!std::exchange(m_hasReadings, true))
+        showMoment();  // the first ones at once
 }
 
 void MainWindow::keepAlarmsIn(const QString& file)

@@ -58,6 +58,7 @@ private:
     QLabel* m_linkSign;
     QLabel* m_linkText;
     QLabel* m_lineText;
+    bool m_hasReadings = false;
 };
 
 }  // namespace fxview
