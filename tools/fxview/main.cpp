@@ -46,15 +46,15 @@ std::unique_ptr<PlcThread> plcOf(const Options& options)
     return std::make_unique<PlcThread>(chosen.settings, chosen.name, std::move(services), tags);
 }
 
-// Alarms are kept beside other data of the user, a file for each PLC.
-QString alarmFileOf(const QString& plc)
+// Among other data of the user: "alarms-press1.csv".
+QString dataFileOf(const QString& plc, const QString& kind, const QString& suffix)
 {
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
     QDir().mkpath(folder);
     QString name = plc;
     for (QChar& character : name)
         character = character.isLetterOrNumber() ? character : QChar('-');
-    return folder + "/alarms-" + name + ".csv";
+    return folder + '/' + kind + '-' + name + suffix;
 }
 
 int show(const Options& options)
@@ -70,7 +70,8 @@ int show(const Options& options)
     }
     PlcSource& source = plc ? static_cast<PlcSource&>(*plc) : noPlc;
     MainWindow window(source, QDateTime::currentMSecsSinceEpoch);
-    window.keepAlarmsIn(alarmFileOf(source.name()));
+    window.keepAlarmsIn(dataFileOf(source.name(), "alarms", ".csv"));
+    window.keepRecipeNotesIn(dataFileOf(source.name(), "recipes", ".txt"));
     window.show();
     if (plc)
         plc->start();

@@ -5,6 +5,7 @@
 
 #include "tools/fxview/widgets/theme.h"
 
+#include <QCloseEvent>
 #include <QStatusBar>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -21,13 +22,14 @@ MainWindow::MainWindow(PlcSource& source, const Clock& clock)
     : m_source(source), m_clock(clock), m_values(source.tags()), m_alarms(source.tags()),
       m_problems(new ProblemBar), m_pages(new QTabWidget), m_valuesPage(new ValuesPage(m_values)),
       m_trendPage(new TrendPage(m_values)), m_alarmPage(new AlarmPage(m_alarms)),
-      m_linePage(new LinePage(source.isSimulated())), m_linkSign(new QLabel),
-      m_linkText(new QLabel), m_lineText(new QLabel)
+      m_recipePage(new RecipePage(source.tags())), m_linePage(new LinePage(source.isSimulated())),
+      m_linkSign(new QLabel), m_linkText(new QLabel), m_lineText(new QLabel)
 {
     setWindowTitle(source.isSimulated() ? tr("%1 (a simulated PLC) – fxview").arg(source.name())
                                         : tr("%1 – fxview").arg(source.name()));
     layOut();
     listen();
+    listenToRecipes();
     connect(m_pages, &QTabWidget::currentChanged, this, &MainWindow::showMoment);
     auto* timer = new QTimer(this);
     connect(timer, &QTimer::timeout, this, &MainWindow::showMoment);
@@ -54,6 +56,7 @@ void MainWindow::layOut()
     m_pages->addTab(m_valuesPage, tr("&Values"));
     m_pages->addTab(m_trendPage, tr("&Trends"));
     m_pages->addTab(m_alarmPage, tr("&Alarms"));
+    m_pages->addTab(m_recipePage, tr("&Recipes"));
     m_pages->addTab(m_linePage, tr("&Line"));
     m_alarmPage->bell = &QApplication::beep;
     statusBar()->addWidget(m_linkSign);
@@ -95,6 +98,52 @@ void MainWindow::listen()
     connect(&m_source, &PlcSource::written, &writeBar, &WriteBar::take);
 }
 
+void MainWindow::listenToRecipes()
+{
+    connect(m_recipePage, &RecipePage::ordered, &m_source, &PlcSource::order);
+    connect(m_recipePage, &RecipePage::cancelled, &m_source, &PlcSource::cancelRecipe);
+    connect(&m_source, &PlcSource::recipeMoved, m_recipePage, &RecipePage::showProgress);
+    connect(m_recipePage, &RecipePage::stated, this,
+            [this](const QString& recipe, const QString& text) {
+                showRecipeNotes(m_recipeNotes.set(recipe, text));
+            });
+    connect(&m_source, &PlcSource::recipeEnded, this, [this](const RecipeResult& result) {
+        m_recipePage->take(result);
+        m_mustClose = false;
+    });
+    connect(m_problems, &ProblemBar::closed, this, [this](Problem problem) {
+        if (problem == Problem::Recipe)
+            showRecipeNotes(m_recipeNotes.clear());
+    });
+}
+
+// While a download runs, the page says how far it is.
+void MainWindow::showRecipeNotes(const QString& problem)
+{
+    const QString text = m_recipePage->isDownloading() ? QString() : m_recipeNotes.text();
+    if (problem.isEmpty() && text.isEmpty())
+        m_problems->clear(Problem::Recipe);
+    else
+        m_problems->set(Problem::Recipe, problem.isEmpty() ? text : text + ' ' + problem);
+}
+
+void MainWindow::keepRecipeNotesIn(const QString& file)
+{
+    m_recipeNotes = RecipeNotes(file);
+    showRecipeNotes({});
+}
+
+// The one who closes the window in the middle of a download sees first what is in the PLC by then.
+// Who closes it once more sees it at the next start.
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    if (!m_recipePage->isDownloading() || std::exchange(m_mustClose, true))
+        return;
+    event->ignore();
+    m_recipePage->cancel();
+    m_pages->setCurrentWidget(m_recipePage);
+}
+
 void MainWindow::take(const QVector<Reading>& readings)
 {
     for (const Reading& reading : readings) {
@@ -128,6 +177,7 @@ void MainWindow::showLink(bool isUp, const QString& reason)
     m_linkText->setText(isUp ? tr("%1 answers").arg(m_source.name())
                              : tr("%1 does not answer").arg(m_source.name()));
     m_valuesPage->writeBar().setLinkUp(isUp);
+    m_recipePage->setLinkUp(isUp);
     if (isUp) {
         m_problems->clear(Problem::LinkLost);
     } else {
@@ -151,6 +201,7 @@ void MainWindow::showMoment()
         m_valuesPage->showMoment(nowMs);
     else if (m_pages->currentWidget() == m_trendPage)
         m_trendPage->showMoment(nowMs);
+    m_recipePage->showMoment(nowMs);
     m_alarmPage->showMoment(nowMs);  // its bell is heard on every page
 }
 

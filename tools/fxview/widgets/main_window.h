@@ -8,9 +8,11 @@
 #pragma once
 
 #include "tools/fxview/models/alarm_file.h"
+#include "tools/fxview/models/recipe_notes.h"
 #include "tools/fxview/widgets/alarm_page.h"
 #include "tools/fxview/widgets/line_page.h"
 #include "tools/fxview/widgets/problem_bar.h"
+#include "tools/fxview/widgets/recipe_page.h"
 #include "tools/fxview/widgets/trend_page.h"
 #include "tools/fxview/widgets/values_page.h"
 
@@ -36,11 +38,17 @@ public:
 
     void showMoment();
     void keepAlarmsIn(const QString& file);
+    void keepRecipeNotesIn(const QString& file);
     void tellThatNothingStarts(const QString& reason);
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
 
 private:
     void layOut();
     void listen();
+    void listenToRecipes();
+    void showRecipeNotes(const QString& problem);
     void take(const QVector<Reading>& readings);
     void showLink(bool isUp, const QString& reason);
 
@@ -49,11 +57,14 @@ private:
     ValueBook m_values;
     AlarmBook m_alarms;
     std::optional<AlarmWriter> m_alarmWriter;
+    RecipeNotes m_recipeNotes;
+    bool m_mustClose = false;
     ProblemBar* m_problems;
     QTabWidget* m_pages;
     ValuesPage* m_valuesPage;
     TrendPage* m_trendPage;
     AlarmPage* m_alarmPage;
+    RecipePage* m_recipePage;
     LinePage* m_linePage;
     QLabel* m_linkSign;
     QLabel* m_linkText;

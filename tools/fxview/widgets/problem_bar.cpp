@@ -29,7 +29,11 @@ ProblemBar::ProblemBar(QWidget* parent)
     row->addWidget(m_sign);
     row->addWidget(m_text, 1);
     row->addWidget(m_close);
-    connect(m_close, &QPushButton::clicked, this, [this] { clear(m_texts.firstKey()); });
+    connect(m_close, &QPushButton::clicked, this, [this] {
+        const Problem problem = m_texts.firstKey();
+        clear(problem);
+        emit closed(problem);
+    });
     refresh();
 }
 

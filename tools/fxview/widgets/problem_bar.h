@@ -18,6 +18,7 @@ enum class Problem
 {
     Start,  // of all
     LinkLost,
+    Recipe,  // in the PLC by half
     AlarmFile,
     Export,
     Command,
@@ -32,6 +33,9 @@ public:
 
     void set(Problem problem, const QString& text);
     void clear(Problem problem);
+
+signals:
+    void closed(Problem problem);  // by hand
 
 private:
     void refresh();

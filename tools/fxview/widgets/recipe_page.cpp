@@ -1,0 +1,342 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+
+#include "tools/fxview/widgets/recipe_page.h"
+
+#include "tools/service/recipe.h"
+
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QHeaderView>
+#include <QVBoxLayout>
+
+namespace fxview {
+
+namespace {
+
+using Act = RecipeOrder::Act;
+
+QString nameOf(const QString& file)
+{
+    return QFileInfo(file).fileName();
+}
+
+}  // namespace
+
+RecipePage::RecipePage(const QVector<fxtools::Tag>& tags, QWidget* parent)
+    : QWidget(parent), m_table(new RecipeTable(tags, this)), m_file(new QLineEdit(this)),
+      m_browse(new QPushButton(tr("&Browse…"), this)), m_open(new QPushButton(tr("&Open"), this)),
+      m_registers(new QLineEdit(this)), m_compare(new QPushButton(tr("Co&mpare"), this)),
+      m_download(new QPushButton(tr("&Download…"), this)),
+      m_upload(new QPushButton(tr("&Upload…"), this)), m_view(new QTableView(this)),
+      m_said(new QLabel(this)), m_progress(new QProgressBar(this)),
+      m_cancel(new QPushButton(tr("Canc&el"), this)),
+      m_yes(new QPushButton(tr("&Yes, write"), this)), m_no(new QPushButton(tr("&No"), this))
+{
+    setUpTable();
+    layOut();
+    listen();
+    say(tr("Open a file with a line ADDRESS,VALUE for each register, or name registers and a new "
+           "file to upload into"));
+    setStep(Step::Idle);
+}
+
+void RecipePage::layOut()
+{
+    m_file->setAccessibleName(tr("Recipe file"));
+    m_file->setPlaceholderText(tr("recipe file"));
+    m_registers->setAccessibleName(tr("Registers to upload"));
+    m_registers->setPlaceholderText(tr("registers to upload, for example D1000:64 D200"));
+    m_download->setToolTip(tr("From the file to the PLC"));
+    m_upload->setToolTip(tr("From the PLC to the file"));
+    m_said->setObjectName(QStringLiteral("recipeSaid"));
+    m_said->setWordWrap(true);
+    m_said->setTextFormat(Qt::PlainText);
+    m_progress->setAccessibleName(tr("Progress"));
+    auto* files = new QHBoxLayout;
+    files->addWidget(m_file, 1);
+    files->addWidget(m_browse);
+    files->addWidget(m_open);
+    auto* acts = new QHBoxLayout;
+    acts->addWidget(m_registers, 1);
+    for (QPushButton* button : {m_compare, m_download, m_upload})
+        acts->addWidget(button);
+    auto* bottom = new QHBoxLayout;
+    bottom->addWidget(m_said, 2);
+    bottom->addWidget(m_progress, 1);
+    for (QPushButton* button : {m_cancel, m_yes, m_no})
+        bottom->addWidget(button);
+    auto* rows = new QVBoxLayout(this);
+    rows->addLayout(files);
+    rows->addLayout(acts);
+    rows->addWidget(m_view, 1);
+    rows->addLayout(bottom);
+}
+
+void RecipePage::setUpTable()
+{
+    m_view->setModel(m_table);
+    m_view->setAccessibleName(tr("Recipe"));
+    m_view->setSelectionBehavior(QAbstractItemView::SelectRows);
+    m_view->setAlternatingRowColors(true);
+    m_view->setTabKeyNavigation(false);
+    m_view->setWordWrap(false);
+    m_view->verticalHeader()->hide();
+    m_view->verticalHeader()->setDefaultSectionSize(fontMetrics().height() * 3 / 2);
+    QHeaderView& header = *m_view->horizontalHeader();
+    const int letter = fontMetrics().averageCharWidth();
+    const std::array<int, RecipeTable::columns> letters = {12, 20, 12, 20, 30, 10};
+    for (int column = 0; column < RecipeTable::columns; ++column)
+        header.resizeSection(column, letters[static_cast<size_t>(column)] * letter);
+    header.setSectionResizeMode(RecipeTable::State, QHeaderView::Stretch);
+}
+
+void RecipePage::listen()
+{
+    connect(m_browse, &QPushButton::clicked, this, &RecipePage::browse);
+    connect(m_open, &QPushButton::clicked, this, [this] { start(Act::Open); });
+    connect(m_file, &QLineEdit::returnPressed, m_open, &QPushButton::click);
+    connect(m_file, &QLineEdit::textChanged, this, [this] { setStep(m_step); });
+    connect(m_registers, &QLineEdit::textChanged, this, [this] { setStep(m_step); });
+    connect(m_compare, &QPushButton::clicked, this, [this] { start(Act::Compare); });
+    connect(m_download, &QPushButton::clicked, this, &RecipePage::askToDownload);
+    connect(m_upload, &QPushButton::clicked, this, &RecipePage::upload);
+    connect(m_cancel, &QPushButton::clicked, this, &RecipePage::cancel);
+    connect(m_yes, &QPushButton::clicked, this, [this] { answer(true); });
+    connect(m_no, &QPushButton::clicked, this, [this] { answer(false); });
+    for (QPushButton* button : findChildren<QPushButton*>())
+        button->setAutoDefault(true);  // Enter presses it
+}
+
+// A window beside this one, which goes on.
+void RecipePage::browse()
+{
+    auto* dialog = new QFileDialog(this, tr("Recipe file"), m_file->text(),
+                                   tr("Recipes (*.csv);;All files (*)"));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setModal(false);
+    dialog->setOption(QFileDialog::DontUseNativeDialog);
+    dialog->setFileMode(QFileDialog::AnyFile);
+    dialog->setLabelText(QFileDialog::Accept, tr("Choose"));
+    connect(dialog, &QFileDialog::fileSelected, m_file, &QLineEdit::setText);
+    dialog->show();
+}
+
+bool RecipePage::isDownloading() const
+{
+    return m_step == Step::Busy && m_order.act == Act::Download;
+}
+
+void RecipePage::cancel()
+{
+    if (m_step == Step::Busy)
+        emit cancelled(m_order.id);
+}
+
+void RecipePage::start(RecipeOrder::Act act, bool mayReplace)
+{
+    m_order.id += 1;
+    m_order.act = act;
+    m_order.file = m_file->text();
+    m_order.registers = m_registers->text();
+    m_order.recipe =
+        act == Act::Compare || act == Act::Download ? m_runs : QVector<fxtools::RegisterRun>();
+    m_order.mayReplace = mayReplace;
+    m_entriesWritten = 0;
+    m_isReadingBack = false;
+    m_progress->reset();
+    setStep(Step::Busy);
+    if (act == Act::Download) {
+        say(tr("Writing %1 to the PLC…").arg(nameOf(m_recipe)));
+        showProgress(m_order.id, 0, m_runs.size());
+    } else {
+        say(act == Act::Upload ? tr("Reading from the PLC…") : tr("Comparing…"));
+    }
+    emit ordered(m_order);
+}
+
+// What is known now is told before more is written.
+void RecipePage::showProgress(int id, int done, int total)
+{
+    if (id != m_order.id || m_step != Step::Busy)
+        return;
+    m_progress->setRange(0, total);
+    m_progress->setValue(done);
+    if (!isDownloading())
+        return;
+    if (done < m_entriesWritten)
+        m_isReadingBack = true;
+    if (m_isReadingBack) {
+        say(tr("Reading %1 back…").arg(nameOf(m_recipe)));
+        return;
+    }
+    m_entriesWritten = done;
+    const QVector<fxtools::RegisterRange> all = fxtools::rangesOf(m_runs);
+    const QString unknown = rangesText(all.mid(done));
+    emit stated(m_recipe,
+                tr("The window ended while %1 was written to the PLC. Written: %2. "
+                   "UNKNOWN whether written: %3. Download it again, or compare.")
+                    .arg(nameOf(m_recipe), done == 0 ? tr("none") : rangesText(all.mid(0, done)),
+                         unknown.isEmpty() ? tr("none") : unknown));
+}
+
+QString RecipePage::objection() const
+{
+    for (const RecipeValue& value : m_table->values()) {
+        if (!value.objection.isEmpty())
+            return value.objection;
+    }
+    return {};
+}
+
+void RecipePage::askToDownload()
+{
+    setStep(Step::AskingToDownload);
+    m_yes->setText(tr("&Yes, write"));
+    say(tr("Write %1 values of %2 to the PLC? %3 differ from what it held, %4 were not read.")
+            .arg(m_table->rowCount())
+            .arg(nameOf(m_recipe))
+            .arg(m_table->different())
+            .arg(m_table->unread()));
+    m_no->setFocus();
+}
+
+void RecipePage::upload()
+{
+    if (!QFileInfo::exists(m_file->text())) {
+        start(Act::Upload);
+        return;
+    }
+    setStep(Step::AskingToReplace);
+    m_yes->setText(tr("&Yes, replace"));
+    say(tr("%1 exists. Replace it by the values that the PLC holds in %2?")
+            .arg(m_file->text(), m_registers->text()));
+    m_no->setFocus();
+}
+
+void RecipePage::answer(bool isYes)
+{
+    const Step asked = m_step;
+    setStep(Step::Idle);
+    if (!isYes)
+        say(asked == Step::AskingToReplace ? tr("Nothing was uploaded")
+                                           : tr("Nothing was written"));
+    else if (asked == Step::AskingToDownload)
+        start(Act::Download);
+    else if (asked == Step::AskingToReplace)
+        start(Act::Upload, true);
+    (asked == Step::AskingToReplace ? m_upload : m_download)->setFocus();
+}
+
+void RecipePage::take(const RecipeResult& result)
+{
+    if (result.id != m_order.id || m_step != Step::Busy)
+        return;
+    setStep(Step::Idle);
+    switch (result.act) {
+    case Act::Open:
+        takeOpened(result);
+        return;
+    case Act::Download:
+        takeDownload(result);
+        return;
+    case Act::Compare:
+        m_table->show(result.values, m_nowMs);
+        if (result.problem.isEmpty() && result.notCompared.isEmpty())
+            sayDifferences();
+        else
+            say(tr("Not compared to the end: %1").arg(result.problem + result.notCompared));
+        break;
+    case Act::Upload:
+        if (!result.problem.isEmpty()) {
+            say(tr("Nothing was uploaded: %1. The file is as it was.").arg(result.problem));
+            return;
+        }
+        m_recipe = m_order.file;
+        m_runs = result.recipe;
+        m_table->show(result.values, m_nowMs);
+        say(tr("Done: %1 values of the PLC are in %2").arg(m_table->rowCount()).arg(m_recipe));
+        break;
+    }
+    setStep(Step::Idle);
+}
+
+void RecipePage::takeOpened(const RecipeResult& result)
+{
+    m_recipe = result.problem.isEmpty() ? m_order.file : QString();
+    m_runs = result.recipe;
+    m_table->show(result.values, m_nowMs);
+    setStep(Step::Idle);
+    if (!result.problem.isEmpty()) {
+        say(tr("Not opened: %1").arg(result.problem));
+        return;
+    }
+    QStringList registers;
+    for (const fxtools::RegisterRange& range : fxtools::rangesOf(m_runs))
+        registers += range.text();
+    m_registers->setText(registers.join(' '));
+    if (m_isLinkUp)
+        start(Act::Compare);
+    else
+        sayDifferences();
+}
+
+void RecipePage::takeDownload(const RecipeResult& result)
+{
+    m_table->show(result.values, m_nowMs);
+    setStep(Step::Idle);
+    const QString text = downloadText(nameOf(m_recipe), result);
+    say(text);
+    emit stated(m_recipe, isWhole(result) ? QString() : text);
+}
+
+void RecipePage::sayDifferences()
+{
+    const QString text = tr("%1: %2 registers; %3 differ from the PLC, %4 were not read")
+                             .arg(nameOf(m_recipe))
+                             .arg(m_table->rowCount())
+                             .arg(m_table->different())
+                             .arg(m_table->unread());
+    say(objection().isEmpty() ? text : tr("%1. May not be downloaded: %2").arg(text, objection()));
+}
+
+void RecipePage::say(const QString& text)
+{
+    m_said->setText(text);
+}
+
+void RecipePage::setLinkUp(bool isUp)
+{
+    m_isLinkUp = isUp;
+    if (!isUp && (m_step == Step::AskingToDownload || m_step == Step::AskingToReplace))
+        answer(false);
+    setStep(m_step);
+}
+
+void RecipePage::setStep(Step step)
+{
+    m_step = step;
+    const bool isIdle = step == Step::Idle;
+    const bool hasFile = !m_file->text().trimmed().isEmpty();
+    const bool isAsking = step == Step::AskingToDownload || step == Step::AskingToReplace;
+    for (QWidget* widget : {static_cast<QWidget*>(m_file), static_cast<QWidget*>(m_browse),
+                            static_cast<QWidget*>(m_registers)})
+        widget->setEnabled(isIdle);
+    m_open->setEnabled(isIdle && hasFile);
+    m_compare->setEnabled(isIdle && m_isLinkUp && !m_runs.isEmpty());
+    m_download->setEnabled(isIdle && m_isLinkUp && !m_runs.isEmpty() && objection().isEmpty());
+    m_upload->setEnabled(isIdle && m_isLinkUp && hasFile &&
+                         !m_registers->text().trimmed().isEmpty());
+    m_progress->setVisible(step == Step::Busy);
+    m_cancel->setVisible(step == Step::Busy);
+    m_yes->setVisible(isAsking);
+    m_no->setVisible(isAsking);
+}
+
+void RecipePage::showMoment(qint64 nowMs)
+{
+    m_nowMs = nowMs;
+    m_table->showMoment(nowMs);
+}
+
+}  // namespace fxview
