@@ -9,7 +9,8 @@
 #include "tools/fxview/options.h"
 #include "tools/fxview/plc/plc_thread.h"
 #include "tools/fxview/plc/recipe_orders.h"
-#include "tools/fxview/widgets/main_window.h"
+#include "tools/fxview/widgets/language.h"
+#include "tools/fxview/widgets/page_pictures.h"
 #include "tools/fxview/widgets/theme.h"
 
 #include <QDateTime>
@@ -77,6 +78,8 @@ int show(const Options& options)
         plc->start();
     else
         window.tellThatNothingStarts(problem);
+    if (!options.pictures.isEmpty())
+        takePictures(window, options.pictures);
     return QApplication::exec();
 }
 
@@ -90,6 +93,9 @@ int runCommandLine(int argumentCount, char** arguments)
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication application(argumentCount, arguments);
     QApplication::setApplicationName(QStringLiteral("fxview"));
+    QApplication::setDesktopFileName(QStringLiteral("fxview"));
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/fxview.svg")));
+    useLanguage(application, options->language);
     applyTheme(application, options->isDark);
     return show(*options);
 }

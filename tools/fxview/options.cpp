@@ -22,7 +22,8 @@ Without --link, --plc, FX_LINK and a default in the configuration file of fxhost
 the window shows a simulated PLC, and says so.
 
 Exit status:
-  0 success                          2 mistake at the command line)";
+  0 success                          2 mistake at the command line
+  1 --pictures: tags are not good    7 error with a file)";
 
 const QString sampleTags = QStringLiteral(":/sample.csv");
 constexpr int simulatedBaud = 38400;
@@ -36,7 +37,7 @@ QString text(const std::string& option)
 
 std::optional<Options> readOptions(int argumentCount, char** arguments, int& exitCode)
 {
-    std::string link, plc, configuration, tags;
+    std::string link, plc, configuration, tags, pictures, language;
     bool isDark = false;
     CLI::App app("A window for the values of one FX-series programmable controller", "fxview");
     app.formatter(fxtools::helpFormatter());
@@ -58,6 +59,13 @@ std::optional<Options> readOptions(int argumentCount, char** arguments, int& exi
     app.add_option("--tags", tags, "Tag file (default: that of the configuration file)")
         ->type_name("FILE");
     app.add_flag("--dark", isDark, "Light text on a dark ground");
+    app.add_option("--language", language, "de or en (default: that of the desktop)")
+        ->check(CLI::IsMember({"de", "en"}))
+        ->type_name("NAME");
+    app.add_option(
+           "--pictures", pictures,
+           "Save a picture of each page in this folder, and exit with 0 if all tags are good")
+        ->type_name("FOLDER");
     try {
         app.parse(argumentCount, arguments);
     } catch (const CLI::ParseError& error) {
@@ -68,7 +76,8 @@ std::optional<Options> readOptions(int argumentCount, char** arguments, int& exi
             std::cerr << "fxview: " << qPrintable(fxtools::usageMistake(app, error)) << '\n';
         return std::nullopt;
     }
-    return Options{text(link), text(plc), text(configuration), text(tags), isDark};
+    return Options{text(link),     text(plc), text(configuration), text(tags), text(pictures),
+                   text(language), isDark};
 }
 
 ChosenPlc choosePlc(const Options& options)

@@ -13,7 +13,7 @@ namespace fxview {
 
 struct Options
 {
-    QString link, plc, configuration, tags;  // empty: not given
+    QString link, plc, configuration, tags, pictures, language;  // empty: not given
     bool isDark = false;
 };
 

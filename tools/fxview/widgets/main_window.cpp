@@ -194,6 +194,16 @@ void MainWindow::tellThatNothingStarts(const QString& reason)
     m_problems->set(Problem::Start, tr("%1. Mend this and start fxview again.").arg(reason));
 }
 
+QStringList MainWindow::tagsNotGood() const
+{
+    QStringList names;
+    for (int tag = 0; tag < m_values.size(); ++tag) {
+        if (m_values.qualityAt(tag, m_clock()) != Quality::Good)
+            names += m_values.tag(tag).name;
+    }
+    return names;
+}
+
 void MainWindow::showMoment()
 {
     const qint64 nowMs = m_clock();

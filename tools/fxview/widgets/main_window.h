@@ -40,6 +40,8 @@ public:
     void keepAlarmsIn(const QString& file);
     void keepRecipeNotesIn(const QString& file);
     void tellThatNothingStarts(const QString& reason);
+    QStringList tagsNotGood() const;
+    QTabWidget& pages() { return *m_pages; }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
