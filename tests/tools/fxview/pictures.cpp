@@ -1,0 +1,274 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+//
+// Draws the window in the states that docs/window.md shows, in front of a plant that a clock alone
+// moves, so that each run draws the same: view_pictures FOLDER. scripts/window-pictures starts it.
+
+#include "tests/tools/fxview/view_support.h"
+#include "tests/tools/support/loaded_driver.h"
+#include "tools/fxview/plc/recipe_orders.h"
+#include "tools/fxview/widgets/language.h"
+#include "tools/fxview/widgets/main_window.h"
+#include "tools/fxview/widgets/theme.h"
+
+#include <QComboBox>
+#include <QDir>
+#include <QFontInfo>
+#include <QTest>
+
+#include <cmath>
+
+using namespace fxview;
+using namespace view_tests;
+using fxtools::ReplyVerdict;
+
+namespace {
+
+constexpr int stepMs = 100;
+constexpr int runMs = 60000;
+
+const char* const plantRows =
+    "oven.temperature,D100,signed,0.1,,°C,,200,,0,250,20,180,,Measured at the door\n"
+    "oven.setpoint,D101,signed,0.1,,°C,,1000,rw,0,250,,,,\n"
+    "oil.pressure,D110,signed,0.01,,bar,,200,ro,,,1.2,,,Pump 1\n"
+    "oil.level,D111,,,,%,,1000,ro,,,10,95,,\n"
+    "conveyor.speed,D120,signed,0.1,,m/min,,200,rw,0,30,,,,\n"
+    "conveyor.parts,D130,,,,,,1000,ro,,,,,,Since the last reset\n"
+    "conveyor.run,M0,,,,,,200,rw,,,,,,\n"
+    "door.closed,X0,,,,,,200,,,,,,,\n"
+    "valve.open,Y1,,,,,,200,,,,,,,\n"
+    "program,D200:8,text,,,,,5000,ro,,,,,,\n";
+
+QVector<fxtools::Tag> manyTags()
+{
+    QByteArray rows;
+    for (int number = 0; number < 2000; ++number)
+        rows += "station" + QByteArray::number(number / 40 + 1) + ".value" +
+                QByteArray::number(number % 40 + 1) + ",D" + QByteArray::number(number) +
+                ",,,,,,,,,,,,,\n";
+    return tagsOf(rows);
+}
+
+struct Scene
+{
+    explicit Scene(const QVector<fxtools::Tag>& tags = tagsOf(plantRows)) : plc(tags)
+    {
+        window.resize(1024, 600);
+        window.show();
+    }
+
+    template <typename Page>
+    Page* turnTo()
+    {
+        auto* page = window.findChild<Page*>();
+        window.findChild<QTabWidget*>()->setCurrentWidget(page);
+        return page;
+    }
+
+    // A minute of the plant; the oven gets too hot in it if it is to.
+    void run(double heat = 20)
+    {
+        emit plc.linkChanged(true, {});
+        for (int ms = 0; ms <= runMs; ms += stepMs) {
+            const double s = ms / 1000.0;
+            nowMs = view_tests::nowMs + ms;
+            emit plc.readings({
+                at(0, std::round(1500 + 10 * heat * std::sin(s / 7)) / 10),
+                at(1, 150),
+                at(2, std::round(310 + 40 * std::sin(s / 3) * std::cos(s / 11)) / 100),
+                at(3, 71),
+                at(4, std::round(120 + 15 * std::sin(s / 5)) / 10),
+                at(5, 4180 + static_cast<int>(s / 4)),
+                at(6, 1),
+                at(7, 1),
+                at(8, static_cast<int>(s / 6) % 2),
+                at(9, QStringLiteral("BREAD 750 G")),
+            });
+        }
+        window.showMoment();
+    }
+
+    Reading at(int tag, const QJsonValue& value) const { return good(tag, value, nowMs); }
+
+    void save(const QString& folder, const char* name)
+    {
+        window.showMoment();
+        for (int turns = 0; turns < 5; ++turns)
+            QApplication::processEvents();
+        const QString file = QDir(folder).filePath(QLatin1String(name) + ".png");
+        // With a palette a picture is a quarter as large.
+        const QImage picture = window.grab().toImage().convertToFormat(
+            QImage::Format_Indexed8, Qt::ThresholdDither | Qt::AvoidDither);
+        if (!picture.save(file, "PNG", 0))
+            qFatal("could not write %s", qPrintable(file));
+    }
+
+    qint64 nowMs = view_tests::nowMs;
+    FakePlc plc;
+    MainWindow window{plc, [this] { return nowMs; }};
+};
+
+void drawEmpty(const QString& folder)
+{
+    Scene scene((QVector<fxtools::Tag>()));
+    scene.window.tellThatNothingStarts("press.csv, line 3: unknown address 'Q5'");
+    scene.save(folder, "empty");
+}
+
+void drawValues(const QString& folder, const char* name, QSize size = {1024, 600})
+{
+    Scene scene;
+    scene.window.resize(size);
+    scene.run();
+    auto* table = scene.window.findChild<QTableView*>();
+    table->selectRow(1);
+    scene.save(folder, name);
+}
+
+void drawStale(const QString& folder)
+{
+    Scene scene;
+    scene.run();
+    emit scene.plc.linkChanged(false, "no reply in time");
+    scene.nowMs += 12000;
+    QVector<Reading> readings;
+    for (int tag = 0; tag < 9; ++tag)
+        readings += stale(tag, "no reply in time", scene.nowMs - 3000);
+    emit scene.plc.readings(readings << bad(9, "refused by the PLC", scene.nowMs));
+    scene.save(folder, "stale");
+}
+
+void drawAlarms(const QString& folder)
+{
+    Scene scene;
+    scene.turnTo<AlarmPage>();
+    scene.run(45);
+    emit scene.plc.readings({scene.at(2, 0.9), scene.at(3, 97)});
+    scene.nowMs += 4000;
+    emit scene.plc.readings({scene.at(0, 191.5), scene.at(3, 80)});
+    scene.save(folder, "alarms");
+}
+
+void drawMany(const QString& folder)
+{
+    Scene scene(manyTags());
+    emit scene.plc.linkChanged(true, {});
+    QVector<Reading> readings;
+    for (int tag = 0; tag < 2000; ++tag)
+        readings += scene.at(tag, tag * 37 % 1000);
+    emit scene.plc.readings(readings);
+    scene.window.findChild<QLineEdit*>()->setText("station7");
+    scene.save(folder, "many");
+}
+
+void drawTrends(const QString& folder)
+{
+    Scene scene;
+    auto* page = scene.turnTo<TrendPage>();
+    for (const int tag : {0, 2, 4, 8})
+        page->add(tag);
+    scene.run();
+    auto* view = page->findChild<TrendView*>();
+    for (int turns = 0; turns < 5; ++turns)
+        QApplication::processEvents();
+    QTest::mouseClick(view, Qt::LeftButton, {}, {view->width() * 2 / 5, view->height() / 2});
+    QTest::mouseClick(view, Qt::LeftButton, Qt::ShiftModifier,
+                      {view->width() * 3 / 5, view->height() / 2});
+    scene.save(folder, "trends");
+}
+
+QVector<fxtools::Exchange> someExchanges()
+{
+    QVector<fxtools::Exchange> exchanges;
+    for (int number = 0; number < 12; ++number) {
+        fxtools::Exchange exchange;
+        exchange.verdict = number == 7 ? ReplyVerdict::Silence : ReplyVerdict::Good;
+        if (number != 7)
+            exchange.reply = QByteArray("\x02"
+                                        "DC050000E8\x03"
+                                        "0F");
+        exchange.startedUs = 61000000 + number * 48000;
+        exchange.tookUs = 39200 + number * 137 % 900;
+        exchanges += exchange;
+    }
+    return exchanges;
+}
+
+void drawLine(const QString& folder)
+{
+    using tool_tests::range;
+    Scene scene;
+    scene.turnTo<LinePage>();
+    scene.run();
+    LineReport report;
+    report.load = "line load 43 %";
+    for (int number = 0; number < 900; ++number)
+        report.statistics.responses.add(17000 + number * number % 9100 + (number % 40 ? 0 : 60000));
+    report.statistics.verdicts[ReplyVerdict::Good] = 900;
+    report.statistics.verdicts[ReplyVerdict::Silence] = 3;
+    report.blocks = {
+        {{range("D100:31"), {range("D100:2"), range("D110:2"), range("D120"), range("D130")}},
+         141.5},
+        {{range("D200:8"), {range("D200:8")}}, 45.6},
+        {{range("M0:8"), {range("M0")}}, 29.7},
+        {{range("X0:8"), {range("X0")}}, 29.7},
+        {{range("Y0:8"), {range("Y1")}}, 29.7}};
+    emit scene.plc.lineReport(report);
+    emit scene.plc.exchanges(someExchanges());
+    scene.save(folder, "line");
+}
+
+void drawRecipes(const QString& folder)
+{
+    using tool_tests::range;
+    Scene scene;
+    auto* page = scene.turnTo<RecipePage>();
+    scene.run();
+    auto* file = page->findChild<QLineEdit*>();
+    QTest::keyClicks(file, "/recipes/bread.csv");
+    QTest::keyClick(file, Qt::Key_Return);
+    RecipeResult opened = resultOf(scene.plc.recipes.last());
+    opened.recipe = {{range("D1000:8"), {750, 220, 215, 205, 18, 35, 4, 1}}};
+    opened.values = valuesOf(opened.recipe);
+    emit scene.plc.recipeEnded(opened);
+    RecipeResult compared = resultOf(scene.plc.recipes.last());
+    for (RecipeValue& value : compared.values)
+        value.inPlc = value.inFile;
+    compared.values[1].inPlc = 225;
+    compared.values[4].inPlc = 20;
+    emit scene.plc.recipeEnded(compared);
+    scene.save(folder, "recipes");
+}
+
+}  // namespace
+
+int main(int argumentCount, char** arguments)
+{
+    qputenv("QT_FONT_DPI", "96");
+    QApplication application(argumentCount, arguments);
+    if (argumentCount != 2)
+        qFatal("usage: view_pictures FOLDER");
+    const QString folder = QString::fromLocal8Bit(arguments[1]);
+    const QFont font(QStringLiteral("DejaVu Sans"), 9);
+    if (QFontInfo(font).family() != font.family())
+        qFatal("the font DejaVu Sans is not installed");
+    applyTheme(application, false);
+    QApplication::setFont(font);
+    drawEmpty(folder);
+    drawValues(folder, "values");
+    drawValues(folder, "narrow", {560, 420});
+    drawStale(folder);
+    drawAlarms(folder);
+    drawMany(folder);
+    drawTrends(folder);
+    drawLine(folder);
+    drawRecipes(folder);
+    applyTheme(application, true);
+    QApplication::setFont(font);
+    drawValues(folder, "dark");
+    applyTheme(application, false);
+    QApplication::setFont(font);
+    useLanguage(application, "de");
+    drawValues(folder, "german");
+    return 0;
+}
