@@ -1,8 +1,8 @@
 # SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 # SPDX-License-Identifier: MIT
 #
-# What `cmake --install` puts where, in four components: runtime (the library), dev (header, CMake
-# and pkg-config files, guides, examples), tools and gateway. Nothing in it names an absolute path, so the
+# What `cmake --install` puts where, in five components: runtime (the library), dev (header, CMake
+# and pkg-config files, guides, examples), tools, gateway and view. Nothing in it names an absolute path, so the
 # installed tree can be moved.
 
 include(GNUInstallDirs)
@@ -51,7 +51,8 @@ if(TARGET fxhost)
             DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
     endforeach()
     install(DIRECTORY packaging/completion/ COMPONENT tools
-        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions PATTERN fxgate EXCLUDE)
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions PATTERN fxgate EXCLUDE
+        PATTERN fxview EXCLUDE)
 
     install(FILES docs/at-the-machine.md docs/serve.md docs/tags.md docs/polling.md docs/json-schema.json
                   docs/doctor.svg docs/plan.svg docs/simulator.svg docs/watch.svg
@@ -85,4 +86,20 @@ if(TARGET fxgate)
         DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT gateway)
     install(FILES packaging/systemd/fxgate.service COMPONENT gateway
         DESTINATION lib/systemd/system)
+endif()
+
+if(TARGET fxview)
+    install(TARGETS fxview RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT view)
+    configure_file(tools/fxview/fxview.1 ${PROJECT_BINARY_DIR}/man/fxview.1 @ONLY)
+    install(FILES ${PROJECT_BINARY_DIR}/man/fxview.1
+        DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT view)
+    install(FILES packaging/completion/fxview COMPONENT view
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+    install(FILES packaging/desktop/fxview.desktop COMPONENT view
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
+    install(FILES packaging/desktop/invalid.mitsubishi_fx1s.fxview.metainfo.xml COMPONENT view
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
+    install(FILES packaging/desktop/fxview.svg COMPONENT view
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
+    install(FILES docs/window.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT view)
 endif()

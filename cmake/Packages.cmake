@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 # SPDX-License-Identifier: MIT
 #
-# The four Debian packages that cpack makes of the four components; scripts/package builds them.
+# The five Debian packages that cpack makes of the five components; scripts/package builds them.
 # DebianControl.cmake and DebianFiles.cmake add what Debian's policy wants beyond that.
 
 set(library_package libmitsubishi-fx1s${PROJECT_VERSION_MAJOR})
@@ -33,6 +33,9 @@ if(TARGET fxhost)
 endif()
 if(TARGET fxgate)
     list(APPEND CPACK_COMPONENTS_ALL gateway)
+endif()
+if(TARGET fxview)
+    list(APPEND CPACK_COMPONENTS_ALL view)
 endif()
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
@@ -84,6 +87,16 @@ fxgate reads the tags of many controllers, a worker process for each, and
 publishes them as plain JSON, as Sparkplug B or both. It keeps what changes
 while the broker is away, and writes only what a tag file and its
 configuration allow.")
+
+set(CPACK_DEBIAN_VIEW_PACKAGE_NAME fx-view)
+set(CPACK_DEBIAN_VIEW_PACKAGE_SECTION electronics)
+set(CPACK_DEBIAN_VIEW_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_VIEW_PACKAGE_DEPENDS "${library_package} (= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_VIEW_DESCRIPTION
+"window in front of an FX-series programmable controller
+fxview shows the tags of one controller with their age and quality, writes
+them and reads them back, draws trends, keeps alarms and shows what happens on
+the line.")
 
 # The Debian changelog points to this project's own; SOURCE_DATE_EPOCH fixes its date.
 string(TIMESTAMP package_date "%a, %d %b %Y %H:%M:%S +0000" UTC)

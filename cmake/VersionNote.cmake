@@ -5,7 +5,7 @@
 # packaging note that `readelf --notes` and crash reports show, without exporting a symbol. A host
 # can read it before it loads the library.
 
-foreach(target mitsubishi_fx1s fxhost fxsim)
+foreach(target mitsubishi_fx1s fxhost fxsim fxview)
     if(TARGET ${target})
         set(FX_NOTE_NAME ${target})
         set(note ${PROJECT_BINARY_DIR}/version_note/${target}.cpp)

@@ -4,7 +4,8 @@
 #
 # Makes the Debian packages, looks into them, installs them into an empty root beside the machine's,
 # runs what they bring, and removes them again. lintian must have nothing to say. A build without
-# the tools makes two of the four packages, and one without the gateway three. Packed again elsewhere,
+# the tools makes two of the five packages; without the gateway or the window its package is not
+# made. Packed again elsewhere,
 # they are the same to the byte; scripts/package --reproducible also compiles again for that.
 
 source "$(dirname "$0")/support.sh"
@@ -29,6 +30,8 @@ made=("$runtime" "$dev")
 ! has_tools || made+=("$tools")
 gateway=$packages/fx-gateway_${FX_VERSION}_$architecture.deb
 ! has_gateway || made+=("$gateway")
+view=$packages/fx-view_${FX_VERSION}_$architecture.deb
+! has_view || made+=("$view")
 [ "$(find "$packages" -maxdepth 1 -name '*.deb' | sort)" = "$(printf '%s\n' "${made[@]}" | sort)" ] ||
     fail "other packages than expected: $(ls "$packages")"
 
@@ -133,6 +136,17 @@ END
 ./usr/share/man/man1/fxgate.1.gz
 ./usr/share/man/man5/fxgate.toml.5.gz
 END
+! has_view || expect_files "$view" <<END
+./usr/bin/fxview
+./usr/share/applications/fxview.desktop
+./usr/share/bash-completion/completions/fxview
+./usr/share/doc/fx-view/changelog.gz
+./usr/share/doc/fx-view/copyright
+./usr/share/doc/fx-view/docs/window.md
+./usr/share/icons/hicolor/scalable/apps/fxview.svg
+./usr/share/man/man1/fxview.1.gz
+./usr/share/metainfo/invalid.mitsubishi_fx1s.fxview.metainfo.xml
+END
 expect_field "$runtime" Depends "*libqt[56]core* (>= *"
 expect_field "$dev" Depends "libmitsubishi-fx1s0 (= $FX_VERSION), $FX_QT_DEV_PACKAGE"
 ! has_tools ||
@@ -190,9 +204,18 @@ if has_tools; then
 fi
 ! has_gateway || expect_text "fxgate as installed" "0 errors" \
     "$root/usr/bin/fxgate" check "$root/usr/share/doc/fx-gateway/examples/gateway/fxgate.toml"
+if has_view; then
+    expect_text "fxview as installed" "fxview $FX_VERSION" "$root/usr/bin/fxview" --version
+    # Good values prove that the installed library was found.
+    expect_text "the window as installed" "all tags are good" env HOME="$work" QT_QPA_PLATFORM=offscreen \
+        "$root/usr/bin/fxview" --pictures "$work/pictures"
+    desktop-file-validate "$root/usr/share/applications/fxview.desktop" || fail "the desktop file"
+    quietly appstreamcli validate --no-net "$root"/usr/share/metainfo/*
+fi
 
 names=(libmitsubishi-fx1s-dev libmitsubishi-fx1s0)
 ! has_tools || names+=(fx-tools)
 ! has_gateway || names+=(fx-gateway)
+! has_view || names+=(fx-view)
 quietly "${dpkg_there[@]}" --purge "${names[@]}"
 [ ! -e "$root/usr" ] || fail "left behind: $(find "$root/usr")"

@@ -21,6 +21,7 @@ for place in "first place" "$FX_SOURCE" "$FX_BUILD"; do
 done
 objects=("$prefix/$FX_LIBDIR/libmitsubishi_fx1s.so.0")
 ! has_tools || objects+=("$prefix/bin/fxhost" "$prefix/bin/fxsim")
+! has_view || objects+=("$prefix/bin/fxview")
 for file in "${objects[@]}"; do
     readelf -d "$file" >"$work/dynamic"
     ! grep -E 'R(UN)?PATH' "$work/dynamic" || fail "$file looks for libraries at a fixed place"

@@ -24,7 +24,9 @@ grep -rhoE 'find_package\(mitsubishi_fx1s [0-9.]+' "$FX_SOURCE/docs" "$FX_SOURCE
     fail "another version is asked for: $(cat "$work/asked")"
 
 has_tools || exit 0
-for tool in fxhost fxsim; do
+tools=(fxhost fxsim)
+! has_view || tools+=(fxview)
+for tool in "${tools[@]}"; do
     program=$FX_BUILD/bin/$tool
     expect_text "note of $program" "\"version\":\"$FX_VERSION\"" readelf --notes "$program"
     expect_text "$tool" "$tool $FX_VERSION" "$program" --version

@@ -60,6 +60,10 @@ has_gateway() {
     [ "$FX_GATEWAY" -eq 1 ]
 }
 
+has_view() {
+    [ "$FX_VIEW" -eq 1 ]
+}
+
 # run_examples FOLDER: each does what it says it does; minimal_host only where a PLC was started.
 run_examples() {
     expect_text "editor_services" "X18: not a number" "$1/editor_services"
