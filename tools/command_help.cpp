@@ -98,6 +98,8 @@ QString reworded(const QString& text)
     static const QRegularExpression subcommand(QStringLiteral("^A subcommand is required$"));
     static const QRegularExpression argument(QStringLiteral("^(\\S+) is required$"));
     static const QRegularExpression value(QStringLiteral("^(\\S+): 1 required (\\S+) missing$"));
+    static const QRegularExpression flag(
+        QStringLiteral("^(\\S+) was given a disallowed flag override$"));
     if (subcommand.match(text).hasMatch())
         return QStringLiteral("command missing");
     if (argument.match(text).hasMatch()) {
@@ -106,8 +108,9 @@ QString reworded(const QString& text)
     }
     if (value.match(text).hasMatch())
         return QString(text).replace(value, QStringLiteral("\\1: \\2 missing"));
-    return QString(text).replace(QLatin1String(" excludes "),
-                                 QLatin1String(" cannot be used with "));
+    return QString(text)
+        .replace(flag, QStringLiteral("--\\1 takes no value"))
+        .replace(QLatin1String(" excludes "), QLatin1String(" cannot be used with "));
 }
 
 }  // namespace

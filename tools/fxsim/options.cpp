@@ -271,7 +271,9 @@ QString usageMistake(const CLI::App& app, const CLI::ParseError& error)
     const std::vector<std::string> strange = app.remaining();
     if (strange.empty())
         return quotable(QString::fromUtf8(error.what()))
-            .replace(QRegularExpression("1 required (\\S+) missing"), "\\1 missing");
+            .replace(QRegularExpression("1 required (\\S+) missing"), "\\1 missing")
+            .replace(QRegularExpression("^(\\S+) was given a disallowed flag override$"),
+                     "--\\1 takes no value");
     QStringList names;
     for (const CLI::Option* option : app.get_options())
         names.append(QString::fromStdString(option->get_name()));
@@ -298,7 +300,9 @@ std::optional<Options> parseOptions(int argumentCount, const char* const* argume
     CLI::App app(description, "fxsim");
     app.footer(footer);
     app.formatter(std::make_shared<NarrowFormatter>());
-    app.option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+    app.option_defaults()
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast)
+        ->disable_flag_override();
     app.set_help_flag("-h,--help", "Print this help");
     app.set_version_flag("-V,--version", "fxsim " FXSIM_VERSION, "Print the version");
     addLinks({app, "Links"}, options);

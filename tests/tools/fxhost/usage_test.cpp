@@ -87,6 +87,7 @@ const Mistake mistakes[] = {
     {2, "", "command missing; see fxhost --help"},
     {2, "read D0 --as", "--as: FORMAT missing; see fxhost read --help"},
     {2, "read D0 --json --csv", "--json cannot be used with --csv; see fxhost read --help"},
+    {2, "read D0 --json=2", "--json takes no value; see fxhost read --help"},
     {2, "read D0 -b fast",
      "--baud: 'fast' is not a whole number from 50 to 4000000; see fxhost read --help"},
     {2, "read D0 -o 1", "--timeout: '1' is not a time from 10 ms to 60 s; see fxhost read --help"},

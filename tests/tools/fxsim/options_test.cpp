@@ -151,6 +151,7 @@ TEST(Options, MistakesAreExplained)
         {{"--sirial"}, "unknown option '--sirial' (did you mean --serial?)"},
         {{"plc"}, "unexpected argument 'plc'"},
         {{"--baud"}, "--baud: SPEED missing"},
+        {{"--pty=3"}, "--pty takes no value"},
     };
     for (const auto& row : rows)
         EXPECT_EQ(errorText([&row] { parsed(row.arguments); }),
