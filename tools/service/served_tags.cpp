@@ -4,7 +4,6 @@
 #include "tools/service/served_tags.h"
 
 #include "tools/exchange/blocks.h"
-#include "tools/tags/shortest_plan.h"
 
 #include <algorithm>
 #include <cmath>
@@ -12,8 +11,6 @@
 namespace fxtools {
 
 namespace {
-
-constexpr qint64 never = -1;
 
 bool isNumber(const QJsonValue& value)
 {
@@ -28,21 +25,11 @@ QJsonValue servedValue(const Tag& tag, const QVector<quint32>& registers)
     return tag.isOneBit() ? QJsonValue(value.toInt() != 0) : value;
 }
 
-ServedTags::ServedTags(const QVector<Tag>& tags, int wordsPerFrame, const Moment& start)
-    : m_startUs(start.us)
+ServedTags::ServedTags(const QVector<Tag>& tags, const Moment& start) : m_startUs(start.us)
 {
-    for (const Tag& tag : tags) {
-        const RegisterRange& range = tag.asked.range;
-        const bool isInParts = range.together > mostInBlock(range.type, wordsPerFrame);
-        m_tags.append({tag, isInParts, qint64(1000) * tag.periodMs.value_or(0),
-                       QVector<quint32>(range.count, 0),
-                       QVector<qint64>(isInParts ? range.count : 1, never)});
-    }
-}
-
-qint64 ServedTags::Served::oldestUs() const
-{
-    return *std::min_element(readUs.begin(), readUs.end());
+    for (const Tag& tag : tags)
+        m_tags.append({tag, qint64(1000) * tag.periodMs.value_or(0),
+                       QVector<quint32>(tag.asked.range.count, 0)});
 }
 
 void ServedTags::Served::take(const QVector<quint32>& values)
@@ -80,22 +67,13 @@ QVector<int> ServedTags::noteRead(const RegisterRange& block, const ValuesOf& va
     for (int index = 0; index < m_tags.size(); ++index) {
         Served& served = m_tags[index];
         const RegisterRange& range = served.tag.asked.range;
-        if (!overlap(range, block) || (!served.isInParts && !isInside(range, block)))
+        if (!isInside(range, block))
             continue;
         served.isTouched = false;
         served.readUtc = now.utc;
-        if (served.isInParts) {
-            const int from = std::max(block.first - range.first, 0);
-            const int to = std::min(block.first + block.count - range.first, range.count);
-            const QVector<quint32> part = valuesOf(range.part(from, to - from));
-            std::copy(part.begin(), part.end(), served.registers.begin() + from);
-            std::fill(served.readUs.begin() + from, served.readUs.begin() + to, now.us);
-        } else {
-            served.take(valuesOf(range));
-            served.readUs[0] = now.us;
-        }
-        if (served.oldestUs() >= 0)
-            whole.append(index);
+        served.readUs = now.us;
+        served.take(valuesOf(range));
+        whole.append(index);
     }
     return whole;
 }
@@ -141,7 +119,7 @@ void ServedTags::tellAgain()
 TagState ServedTags::stateOf(int index, const Moment& now) const
 {
     const Served& served = m_tags[index];
-    const qint64 readUs = served.oldestUs();
+    const qint64 readUs = served.readUs;
     if (served.problemUs >= 0 && served.problemUs >= readUs)
         return {Quality::Bad, served.problem, {}, served.readUtc};
     if (readUs < 0 && now.us - m_startUs <= leastAgeUs)

@@ -4,8 +4,8 @@
 // The tags of one PLC: what each holds, how good that is, and what has been told of it. There is no
 // queue: who is told late hears the newest.
 //
-// A value is taken from the reply that brought it whole, so it is never half old and half new; only
-// a text that is longer than a frame comes in parts. Times are given; there is no clock in here.
+// A value is taken from the reply that brought it whole, so it is never half old and half new.
+// Times are given; there is no clock in here.
 
 #pragma once
 
@@ -53,13 +53,13 @@ public:
     using ValuesOf = std::function<QVector<quint32>(const RegisterRange&)>;
     using ProblemOf = std::function<std::optional<ReplyVerdict>(const RegisterRange&, int index)>;
 
-    ServedTags(const QVector<Tag>& tags, int wordsPerFrame, const Moment& start);
+    ServedTags(const QVector<Tag>& tags, const Moment& start);
 
     int find(const QString& name) const;    // -1: there is none
     void setPeriods(const LineLoad& load);  // that the line can keep
 
     // A block was read, or not. What is wrong with it is asked for later, when it has been cut as
-    // far as needed. Returns the tags that have been read whole, this part the last.
+    // far as needed. Returns the tags that it holds.
     QVector<int> noteRead(const RegisterRange& block, const ValuesOf& valuesOf, const Moment& now);
     void noteFailure(const RegisterRange& block);
     void noteProblems(const ProblemOf& problemOf, const Moment& now);
@@ -85,10 +85,9 @@ private:
     struct Served
     {
         Tag tag;
-        bool isInParts;  // longer than a frame
         qint64 periodUs;
         QVector<quint32> registers;
-        QVector<qint64> readUs;  // for each register, or once for all; before 0: never
+        qint64 readUs = -1;  // -1: never
         qint64 readUtc = 0;
         QString problem = {};
         qint64 problemUs = -1;
@@ -96,7 +95,6 @@ private:
         bool isValid = true;     // the registers hold what their type says
         TagState told = {};
 
-        qint64 oldestUs() const;
         void take(const QVector<quint32>& values);
     };
 

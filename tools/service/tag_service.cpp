@@ -71,8 +71,7 @@ WriteAnswer answerOf(const Tag& tag, const CheckedWrite& write)
 }
 
 TagService::TagService(const ConnectionSettings& settings, const QVector<Tag>& tags)
-    : m_settings(settings), m_wanted(wantedOf(tags)),
-      m_tags(tags, settings.session.wordsPerFrame, {})
+    : m_settings(settings), m_wanted(wantedOf(tags)), m_tags(tags, {})
 {
     m_clock.start();
     m_settings.reconnectS = settings.reconnectS.value_or(forEverS);

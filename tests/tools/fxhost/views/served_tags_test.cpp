@@ -37,7 +37,7 @@ protected:
         slow.periodMs = 2000;
         served.emplace(QVector<Tag>{tagAt("word", "D0"), tagAt("wide", "D0:2", ValueFormat::Long),
                                     tagAt("text", "D100:40", ValueFormat::Text), slow},
-                       32, momentOf(0));
+                       momentOf(0));
     }
 
     // Registers hold their own numbers, plus what was added.
@@ -78,14 +78,6 @@ TEST_F(TagsServed, AreTakenFromOneReply)
     EXPECT_EQ(told(2), R"({"event":"values","time":5000002,"good":{"word":6,"wide":458758}})");
     read("D0", 3, 7);
     EXPECT_EQ(told(3), R"({"event":"values","time":5000003,"good":{"word":7}})");
-}
-
-TEST_F(TagsServed, OfMoreThanAFrameNeedAllTheirParts)
-{
-    read("D100:32", 1, 0x4141 - 100);
-    EXPECT_EQ(told(1), "");
-    read("D132:8", 2, 0x4141 - 132);
-    EXPECT_NE(told(2).find(R"("good":{"text":"AABACA)"), std::string::npos);
 }
 
 TEST_F(TagsServed, AreToldWithTheTimeOfTheirOwnReply)
@@ -159,7 +151,7 @@ TEST(ManyTags, AreToldInLinesOfBoundedLength)
         tags.append(tagAt("x", "D0"));
         tags.last().name = QString("a").repeated(50) + QString::number(number);
     }
-    ServedTags served(tags, 32, momentOf(0));
+    ServedTags served(tags, momentOf(0));
     int lines = 0;
     int told = 0;
     for (QByteArray line = nextValuesEvent(served, momentOf(2000)); !line.isEmpty();
