@@ -3,6 +3,8 @@
 
 #include "tools/tags/tag_check.h"
 
+#include "tools/exchange/blocks.h"
+
 #include <algorithm>
 
 namespace fxtools {
@@ -122,6 +124,21 @@ QVector<TagRemark> checkTags(const QVector<Tag>& tags, const RegisterCatalogue& 
         checker.checkAlone(tag);
     checker.checkOverlaps(tags);
     return checker.remarks();
+}
+
+QVector<TagRemark> checkReplies(const QVector<Tag>& tags, int wordsPerFrame)
+{
+    QVector<TagRemark> remarks;
+    for (const Tag& tag : tags) {
+        try {
+            if (tag.asked.range.together > 1)
+                requireOneReply(tag.asked.range, wordsPerFrame);
+        } catch (const Failure& failure) {
+            remarks.append({TagRemark::Kind::Error, tag.line, QStringLiteral("address"),
+                            tag.name + ": " + failure.text()});
+        }
+    }
+    return remarks;
 }
 
 }  // namespace fxtools

@@ -13,4 +13,7 @@ namespace fxtools {
 // what is never written or that no value has.
 QVector<TagRemark> checkTags(const QVector<Tag>& tags, const RegisterCatalogue& catalogue);
 
+// Values that no reply brings whole, in frames of so many words: these are errors.
+QVector<TagRemark> checkReplies(const QVector<Tag>& tags, int wordsPerFrame);
+
 }  // namespace fxtools

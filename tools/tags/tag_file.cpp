@@ -450,16 +450,21 @@ TagFile tagsIn(const CsvFile& csv, const RegisterCatalogue& catalogue)
     return reader.file();
 }
 
-QVector<Tag> readTags(const QString& path, const RegisterCatalogue& catalogue)
+void requireNoErrors(const QString& path, const QVector<TagRemark>& remarks)
 {
-    const TagFile file = readTagFile(path, catalogue);
     QStringList errors;
-    for (const TagRemark& remark : file.remarks) {
+    for (const TagRemark& remark : remarks) {
         if (remark.kind == TagRemark::Kind::Error)
             errors += path + ", " + remark.place() + ": " + remark.text;
     }
     if (!errors.isEmpty())
         throw Failure(ExitCode::File, errors.join('\n'));
+}
+
+QVector<Tag> readTags(const QString& path, const RegisterCatalogue& catalogue)
+{
+    const TagFile file = readTagFile(path, catalogue);
+    requireNoErrors(path, file.remarks);
     return file.tags;
 }
 

@@ -48,6 +48,9 @@ struct TagFile
 TagFile readTagFile(const QString& path, const RegisterCatalogue& catalogue);
 TagFile tagsIn(const CsvFile& csv, const RegisterCatalogue& catalogue);
 
+// Throws Failure with all errors among the remarks, if there are any.
+void requireNoErrors(const QString& path, const QVector<TagRemark>& remarks);
+
 // Throws Failure with all errors of the file.
 QVector<Tag> readTags(const QString& path, const RegisterCatalogue& catalogue);
 

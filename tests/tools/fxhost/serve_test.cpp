@@ -390,3 +390,12 @@ TEST_F(Serve, DoesNotReadTheTagsOfAnotherPlc)
     EXPECT_EQ(fxhost({"serve", "--link", "sim:"}).err,
               "fxhost: serve needs a tag file: use --tags FILE\n");
 }
+
+TEST_F(Serve, DoesNotBeginWithATextThatNoReplyBringsWhole)
+{
+    const QString file = newFile(folder, "text.csv", "name,address,type\nbatch,D100:20,text\n");
+    const Ended ended = fxhost({"serve", "--link", "sim:?words=16", "--tags", file});
+    EXPECT_EQ(ended.out, "");
+    EXPECT_TRUE(holds(ended.err, "text.csv, line 2, column address: batch: D100:20 is one value"))
+        << ended.err;
+}

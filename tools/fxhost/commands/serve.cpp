@@ -10,6 +10,7 @@
 #include "tools/fxhost/serving/line_channel.h"
 #include "tools/fxhost/serving/serve_protocol.h"
 #include "tools/quoted.h"
+#include "tools/tags/tag_check.h"
 
 #include <csignal>
 
@@ -29,7 +30,8 @@ struct ServeOptions
     std::string plc;                 // as the tag file calls it
 };
 
-QVector<Tag> tagsToServe(const ServeOptions& options, const AddressServices& services)
+QVector<Tag> tagsToServe(const ServeOptions& options, const AddressServices& services,
+                         int wordsPerFrame)
 {
     if (services.source.file.isEmpty())
         throw Failure(ExitCode::Usage, "serve needs a tag file: use --tags FILE");
@@ -49,6 +51,7 @@ QVector<Tag> tagsToServe(const ServeOptions& options, const AddressServices& ser
             throw Failure(ExitCode::Usage, tag.name + " is a tag of the PLC " + tag.link +
                                                ": which one this is says --plc or --tags-of");
     }
+    requireNoErrors(services.source.file, checkReplies(tags, wordsPerFrame));
     return tags;
 }
 
@@ -91,7 +94,8 @@ private:
 Server::Server(const CommonOptions& common, const ServeOptions& options)
     : m_settings(settingsOf(common, options)),
       m_services(m_settings.library, m_settings.tags, m_settings.station),
-      m_asked(tagsToServe(options, m_services)), m_service(m_settings, m_asked)
+      m_asked(tagsToServe(options, m_services, m_settings.session.wordsPerFrame)),
+      m_service(m_settings, m_asked)
 {
     m_clock.start();
     // A supervisor that is gone is noticed when something is written.
