@@ -192,8 +192,11 @@ ServedLink linkIn(Section section, QString& port)
     if (served.link.isEmpty())
         section.missing("link", "link = \"serial:/dev/ttyUSB0?baud=9600\"");
     try {
-        if (!served.link.isEmpty())
-            port = portOf(fxtools::parseLink(served.link));
+        if (!served.link.isEmpty()) {
+            fxtools::LinkSettings link = fxtools::parseLink(served.link);
+            port = portOf(link);
+            served.words = fxtools::plcSettings(link).words;
+        }
     } catch (const fxtools::Failure& failure) {
         section.reject("link", failure.text());
     }

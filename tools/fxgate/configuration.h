@@ -116,6 +116,7 @@ struct WriteSettings
 struct ServedLink
 {
     QString link;
+    std::optional<int> words;  // in one frame, as the link says
     QString tags;
     QByteArray tagsDigest;  // of what the file holds
     bool isWritable = false;

@@ -291,6 +291,16 @@ TEST_F(FxgateTest, ChecksAConfigurationAndItsTagFiles)
         "/press1.csv, line 5, column name: Level and level differ only in case; some readers "
         "cannot tell them apart\n"
         "/fxgate.toml: 2 links, 4 tags, 3 errors, 1 warning\n");
+    folder.write("fxgate.toml", QByteArray(toml).replace("sim:", "sim:?words=16"));
+    folder.write("press1.csv", "name,address,type,link\nbatch,D100:20,text,press1\n"
+                               "note,D100:20,text,press3\n");
+    const std::string tooLong = runFxgate({"check", folder.path("fxgate.toml")}).out;
+    EXPECT_NE(tooLong.find("/press1.csv, line 2, column address: batch: D100:20 is one value, and "
+                           "one reply brings at most 16 of its registers"),
+              std::string::npos)
+        << tooLong;
+    EXPECT_NE(tooLong.find("3 tags, 1 error, "), std::string::npos) << tooLong;
+    folder.write("fxgate.toml", toml);
     folder.write("press1.csv", "name,address\nflow,D10\n");
     const Ended good = runFxgate({"check", folder.path("fxgate.toml")});
     EXPECT_EQ(good.code, 0);

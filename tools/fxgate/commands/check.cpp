@@ -4,6 +4,7 @@
 #include "tools/fxgate/commands/commands.h"
 #include "tools/fxgate/configuration.h"
 #include "tools/library/driver_library.h"
+#include "tools/link/link_settings.h"
 #include "tools/table.h"
 #include "tools/tags/tag_check.h"
 
@@ -27,10 +28,34 @@ struct Findings
     int tags = 0;
 };
 
-void checkTagFile(const QString& path, const fxtools::RegisterCatalogue& catalogue, Findings& found)
+using Links = QMap<QString, ServedLink>;  // by name
+
+// What each link reads whole depends on its words=.
+QVector<TagRemark> checkReplies(const QVector<fxtools::Tag>& tags, const Links& links)
+{
+    QMap<int, QVector<TagRemark>> found;  // by line
+    for (auto link = links.begin(); link != links.end(); ++link) {
+        QVector<fxtools::Tag> served;
+        std::copy_if(tags.begin(), tags.end(), std::back_inserter(served),
+                     [&link](const fxtools::Tag& tag) {
+                         return tag.link.isEmpty() || tag.link == link.key();
+                     });
+        const int words = link->words.value_or(fxtools::mostWordsPerFrame);
+        for (const TagRemark& remark : fxtools::checkReplies(served, words))
+            found[remark.line] = {remark};
+    }
+    QVector<TagRemark> remarks;
+    for (const QVector<TagRemark>& each : found)
+        remarks += each;
+    return remarks;
+}
+
+void checkTagFile(const QString& path, const Links& links,
+                  const fxtools::RegisterCatalogue& catalogue, Findings& found)
 {
     const fxtools::TagFile file = fxtools::readTagFile(path, catalogue);
-    QVector<TagRemark> remarks = file.remarks + fxtools::checkTags(file.tags, catalogue);
+    QVector<TagRemark> remarks =
+        file.remarks + fxtools::checkTags(file.tags, catalogue) + checkReplies(file.tags, links);
     QMap<QString, QString> names;  // in lower case, and as they are
     for (const fxtools::Tag& tag : file.tags) {
         const QString other = names.value(tag.name.toLower(), tag.name);
@@ -64,14 +89,15 @@ fxtools::ExitCode check(const QString& configuration)
     found.errors = file.mistakes.size();
     for (const fxtools::Mistake& mistake : file.mistakes)
         found.lines += mistake.in(configuration);
-    QMap<QString, QString> files;  // by name; a file is of several links perhaps
-    for (const ServedLink& link : file.configuration.links)
-        files.insert(link.tags, link.tags);
+    QMap<QString, Links> files;  // by name; a file is of several links perhaps
+    const Links& links = file.configuration.links;
+    for (auto link = links.begin(); link != links.end(); ++link)
+        files[link->tags].insert(link.key(), *link);
     const fxtools::DriverLibrary library;
     const fxtools::RegisterCatalogue catalogue(library);
-    for (const QString& path : files) {
-        if (QFile::exists(path))  // one that is missing was a mistake already
-            checkTagFile(path, catalogue, found);
+    for (auto path = files.begin(); path != files.end(); ++path) {
+        if (QFile::exists(path.key()))  // one that is missing was a mistake already
+            checkTagFile(path.key(), *path, catalogue, found);
     }
     for (const QString& line : found.lines)
         std::cout << line.toStdString() << '\n';
