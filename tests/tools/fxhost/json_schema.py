@@ -2,7 +2,7 @@
 # SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 # SPDX-License-Identifier: MIT
 #
-# usage: json_schema.py FXHOST DRIVER SCHEMA
+# usage: json_schema.py FXHOST DRIVER SCHEMA [FXGATE]
 # Runs every command that prints JSON and compares the output with the documented schema: the types of
 # members, their order, and that none is unknown or never printed. Every command has its entry.
 
@@ -122,9 +122,28 @@ def served(fxhost, folder, environment):
     return lines
 
 
-def main(fxhost, driver, schema_file):
+def gateway_status(fxgate, fxhost, folder, environment):
+    """What fxgate status --json prints of a gateway with both forms and no broker."""
+    with open(os.path.join(folder, "fxgate.toml"), "w", encoding="utf-8") as toml:
+        toml.write(f'[gateway]\nname = "g"\nstore = "g.db"\nfxhost = "{fxhost}"\n[broker]\nurl = "mqtt://localhost:1"\n'
+                   '[plain]\n[sparkplug]\ngroup = "p"\n[link.press1]\nlink = "sim:"\ntags = "served.csv"\n')
+    with subprocess.Popen([fxgate, "run", "--config", "fxgate.toml", "--socket", "control"], cwd=folder,
+                          env=environment, stderr=subprocess.PIPE, text=True) as process:
+        started = process.stderr.readline()
+        while started and "started" not in started:
+            started = process.stderr.readline()
+        status = subprocess.run([fxgate, "status", "--json", "--socket", "control"], cwd=folder, check=True,
+                                stdout=subprocess.PIPE).stdout
+        process.terminate()
+        process.stderr.read()
+    return json.loads(status)
+
+
+def main(fxhost, driver, schema_file, fxgate=None):
     with open(schema_file, encoding="utf-8") as file:
         schema = json.load(file)
+    if not fxgate:
+        del schema["properties"]["status"]
     checker = Checker(schema)
     if missing := commands_of(fxhost) - set(schema["properties"]):
         raise SystemExit(f"no entry in the schema for: {sorted(missing)}")
@@ -142,6 +161,12 @@ def main(fxhost, driver, schema_file):
         for document in served(fxhost, folder, environment):
             jsonschema.validate(document, {**entry, "$defs": schema["$defs"]})
             checker.check(document, entry, "serve")
+        if fxgate:
+            entry = schema["properties"]["status"]
+            checker.never_printed.discard((id(schema["properties"]), "status"))
+            status = gateway_status(fxgate, fxhost, folder, environment)
+            jsonschema.validate(status, {**entry, "$defs": schema["$defs"]})
+            checker.check(status, entry, "status")
         for name, line in COMMANDS:
             ended = subprocess.run([fxhost, "--json", "--timestamps", *line.split()], cwd=folder, env=environment,
                                    stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=False,
