@@ -64,7 +64,8 @@ protected:
         environment.now = [this] { return now; };
         gateway = std::make_unique<Gateway>(
             folder.path("fxgate.toml"),
-            [this](FormKind kind, const Configuration&, const Plant&) {
+            [this](FormKind kind, const Configuration&, const Plant& links) {
+                plant = &links;
                 const QString name = kind == FormKind::Plain ? "plain" : "sparkplug";
                 auto made = std::make_unique<FakeBus>(name, told);
                 bus = made.get();
@@ -112,6 +113,7 @@ protected:
     Moment now{1795348800000, 5000};
     QStringList told, logged;
     FakeBus* bus = nullptr;
+    const Plant* plant = nullptr;
     std::unique_ptr<Gateway> gateway;
 };
 
@@ -240,6 +242,7 @@ TEST_F(GatewayTest, ReloadsOnlyTheLinksThatHaveChanged)
     EXPECT_EQ(told.last(), "plain press2 changed");
     EXPECT_EQ(reloadWith(third, "").text, "reload: press3 stopped");
     EXPECT_EQ(told.last(), "plain press3 changed");
+    EXPECT_EQ(plant->keys(), QStringList({"press1", "press2"}));
     EXPECT_EQ(gateway->status()["links"].toArray().size(), 2);
     EXPECT_EQ(link(0)["worker"].toInt(), worker);
     EXPECT_FALSE(told.join(' ').contains("press1"));

@@ -26,7 +26,6 @@ void LinkValues::begin(const QVector<ServedTag>& tags)
 {
     LinkView& view = m_plant[m_link];
     QHash<QString, Sample> kept;
-    m_toldAgain.clear();
     QHash<QString, ServedTag> served;
     for (const ServedTag& tag : tags) {
         const auto before = m_tags.find(tag.name);

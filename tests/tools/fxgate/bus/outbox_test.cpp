@@ -193,6 +193,33 @@ TEST_F(OutboxTest, UnwantedRowsAreCountedAsDropped)
     EXPECT_EQ(m_outbox.waiting(), 1);
 }
 
+// As after damage: a new file numbers its rows from 1.
+TEST(OutboxWithAnotherStore, RemovesNothingForTheOneBefore)
+{
+    const QTemporaryDir folder;
+    StoreSettings settings;
+    std::optional<Store> store;
+    const auto begin = [&](const char* name) {
+        store.reset();
+        settings.file = folder.filePath(name);
+        store.emplace(settings);
+    };
+    begin("first.db");
+    Outbox outbox(*store, "plain");
+    outbox.keep(numbered(0));
+    outbox.sent(outbox.work(noon, 100, {}));
+    outbox.barrierSent(40, 0);
+    outbox.barrierAnswered(40);
+    outbox.work(noon, 0, {});
+    EXPECT_EQ(outbox.waiting(), 0);
+    begin("second.db");
+    for (const int number : {1, 2}) {
+        outbox.keep(numbered(number));
+        outbox.work(noon, 0, {});
+        EXPECT_EQ(outbox.waiting(), number);
+    }
+}
+
 TEST(OutboxWithoutStore, KeepsAFewAndCountsTheRest)
 {
     const QTemporaryDir folder;

@@ -144,6 +144,16 @@ TEST_F(PlainFormTest, ValuesOfTagsAndLinksThatAreGoneAreDeleted)
     EXPECT_EQ(m_form.memory(), "");
 }
 
+TEST_F(PlainFormTest, ValueThatWasDeletedIsToldAgain)
+{
+    const LinkView view = m_plant["press1"];
+    m_form.connected(noon);
+    m_plant["press1"].tags.removeFirst();
+    m_form.linkChanged("press1", noon);
+    m_plant["press1"] = view;
+    EXPECT_EQ(m_form.values({change("flow", 12.5, noon - 3)}, noon).size(), 1);
+}
+
 TEST_F(PlainFormTest, SendsWhatIsConfigured)
 {
     EXPECT_EQ(m_form.sending("press1", "flow"), Form::Sending::Now);

@@ -125,7 +125,7 @@ TEST_F(LinkSupervisorTest, TellsTheWholeComplaintOfItsWorker)
 
 TEST_F(LinkSupervisorTest, KnowsNothingOfAWorkerFromTheOneBefore)
 {
-    start("hello; up; exit 3");
+    start("hello; up; printf '{\"event'; exit 3");
     ASSERT_TRUE(waitUntil([this] { return link->hasEnded(); }));
     folder.write("tags", "hello; serve");  // and no state
     linkChanges = 0;

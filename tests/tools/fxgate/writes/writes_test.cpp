@@ -11,7 +11,23 @@
 
 #include <cmath>
 
+#include <sys/syscall.h>
+#include <unistd.h>
+
 using namespace fxgate;
+
+namespace {
+
+int syncs = 0;
+
+}  // namespace
+
+// Instead of the system's: nothing else shows whether a file was synchronised.
+extern "C" int fdatasync(int file)
+{
+    ++syncs;
+    return static_cast<int>(::syscall(SYS_fdatasync, file));
+}
 
 namespace {
 
@@ -108,12 +124,21 @@ protected:
     QStringList sent;
     QString answers;
     qint64 afterMs = 1000;  // noon, and since the machine started
+    int syncsBeforeSent = 0;
     Writes writes{plant, audit, [this](const QString& link, const QByteArray& line) {
                       sent += link + ' ' + line.trimmed();
+                      syncsBeforeSent = syncs;
                   }};
 };
 
 }  // namespace
+
+TEST_F(WritesTest, AreOnTheDiskBeforeTheyAreSent)
+{
+    const int before = syncs;
+    ask(to("flow", 20));
+    EXPECT_EQ(syncsBeforeSent, before + 1);
+}
 
 TEST_F(WritesTest, AreSentAndAnsweredWithWhatThePlcMadeOfThem)
 {

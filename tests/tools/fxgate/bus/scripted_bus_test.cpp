@@ -1,8 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// How the bus client leaves a broker because its primary host is gone, step by step, on a
-// connection that answers when the test says so.
+// The bus client step by step, on a connection that answers when the test says so.
 
 #include "tests/tools/fxgate/bus/small_plant.h"
 #include "tools/fxgate/bus/bus_client.h"
@@ -46,10 +45,10 @@ public:
     int numbers = 0;
 };
 
-class LeavingTest : public testing::Test
+class ScriptedBusTest : public testing::Test
 {
 protected:
-    LeavingTest()
+    ScriptedBusTest()
     {
         m_environment.now = [this] { return m_now; };
         m_environment.chance = [] { return 0.0; };
@@ -61,12 +60,32 @@ protected:
         };
         m_bus =
             std::make_unique<BusClient>(m_form, m_store, BrokerSettings(), m_plant, m_environment);
-        m_bus->onState = [](const QString&) {};
+        m_bus->onState = [this](const QString& line) { m_lines += line; };
         m_bus->start();
+        connect();
+    }
+
+    void connect()
+    {
         m_connection->onConnected();
         for (const int subscription : {1, 2, 3})
             m_connection->onSubscribed(subscription, true);
         hostIs("true");
+    }
+
+    void linkIs(bool isUp)
+    {
+        m_plant["press1"].isUp = isUp;
+        m_bus->linkChanged("press1");
+    }
+
+    // What the client does of itself.
+    std::string nextSecond()
+    {
+        calls();
+        m_now.steadyMs += 1000;
+        m_bus->tick();
+        return calls();
     }
 
     void hostIs(const QByteArray& online)
@@ -90,6 +109,7 @@ protected:
     Environment m_environment = realEnvironment();
     ScriptedConnection* m_connection = nullptr;
     std::unique_ptr<BusClient> m_bus;
+    QStringList m_lines;
 
 private:
     StoreSettings settings() const
@@ -100,7 +120,7 @@ private:
     }
 };
 
-TEST_F(LeavingTest, ClosesNotBeforeAllIsAnswered)
+TEST_F(ScriptedBusTest, ClosesNotBeforeAllIsAnswered)
 {
     EXPECT_EQ(calls(),
               "subscribe plant, subscribe plant, subscribe STATE, NBIRTH, DBIRTH");  // numbers 1-5
@@ -117,7 +137,7 @@ TEST_F(LeavingTest, ClosesNotBeforeAllIsAnswered)
     EXPECT_EQ(m_bus->status().waiting, 1);
 }
 
-TEST_F(LeavingTest, GivesUpWhenNothingIsAnswered)
+TEST_F(ScriptedBusTest, GivesUpWhenNothingIsAnswered)
 {
     calls();
     hostIs("false");
@@ -130,6 +150,58 @@ TEST_F(LeavingTest, GivesUpWhenNothingIsAnswered)
     m_now.steadyMs += 1000;
     m_bus->tick();
     EXPECT_EQ(calls(), "the broker does not answer");
+}
+
+TEST_F(ScriptedBusTest, SubscribesAnewInTheNextConnection)
+{
+    const std::string first = calls();
+    m_connection->onEnded("reset");
+    m_now.steadyMs += 1000;
+    m_bus->tick();
+    connect();
+    EXPECT_EQ(calls(), first);
+}
+
+TEST_F(ScriptedBusTest, KeepsWhatWasNotConfirmedWhenTheConnectionEnded)
+{
+    m_bus->publish({change("count", 7, noon)});
+    EXPECT_EQ(m_bus->status().unconfirmed, 1);
+    m_connection->onEnded("reset");
+    EXPECT_EQ(m_bus->status().unconfirmed, 0);
+    EXPECT_EQ(m_bus->status().waiting, 1);
+}
+
+TEST_F(ScriptedBusTest, StoredWaitsUntilItsLinkIsAnnounced)
+{
+    linkIs(false);
+    m_bus->publish({change("count", 7, noon)});
+    EXPECT_EQ(nextSecond(), "");
+    EXPECT_EQ(m_bus->status().waiting, 1);
+    EXPECT_EQ(m_bus->status().dropped, 0);
+    linkIs(true);
+    EXPECT_EQ(nextSecond(), "DDATA, barrier");
+}
+
+TEST_F(ScriptedBusTest, DropsOnceWhatIsNotServedAnyMore)
+{
+    linkIs(false);
+    m_bus->publish({change("flow", 7, noon)});
+    nextSecond();
+    m_plant["press1"].tags.removeFirst();
+    linkIs(true);
+    EXPECT_EQ(nextSecond(), "NDATA");  // how many were dropped
+    EXPECT_EQ(nextSecond(), "");
+    EXPECT_EQ(m_bus->status().dropped, 1);
+    EXPECT_EQ(m_bus->status().waiting, 0);
+}
+
+TEST_F(ScriptedBusTest, LeavesABrokerThatConfirmsNothing)
+{
+    calls();
+    m_bus->publish(QVector<Change>(20000, change("count", 7, noon)));
+    EXPECT_EQ(calls(), "DDATA, barrier");
+    m_bus->publish({change("count", 8, noon)});
+    EXPECT_EQ(calls(), "DDATA, the broker is too slow");
 }
 
 }  // namespace
