@@ -312,6 +312,10 @@ void BusClient::stop()
     m_outbox.connectionEnded();
     m_outbox.work(nowMs(), 0, {});
     rememberForm();
+    if (const qint64 lost = m_outbox.dropKept())
+        say(QStringLiteral("%1 changes could not be stored, and are lost: %2")
+                .arg(lost)
+                .arg(m_store.problem()));
 }
 
 BusStatus BusClient::status() const

@@ -148,6 +148,14 @@ void Outbox::drop(const QVector<qint64>& rows)
     m_dropped += rows.size();
 }
 
+qint64 Outbox::dropKept()
+{
+    const auto changes = static_cast<qint64>(m_kept.size());
+    m_kept.clear();
+    m_dropped += changes;
+    return changes;
+}
+
 qint64 Outbox::waiting() const
 {
     return m_store.rows(m_form) + static_cast<qint64>(m_kept.size());

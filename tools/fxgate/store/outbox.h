@@ -51,6 +51,7 @@ public:
     QVector<StoredChange> work(qint64 nowMs, int most, const QStringList& withoutLinks);
     void rewind() { m_lastTaken = 0; }  // what was left out may be taken now
     void drop(const QVector<qint64>& rows);
+    qint64 dropKept();  // what could not be stored; returns how many changes that were
 
     qint64 dropped() const { return m_dropped + m_store.dropped(m_form); }
     qint64 waiting() const;  // to be sent

@@ -204,4 +204,22 @@ TEST_F(ScriptedBusTest, LeavesABrokerThatConfirmsNothing)
     EXPECT_EQ(calls(), "DDATA, the broker is too slow");
 }
 
+TEST_F(ScriptedBusTest, CountsWhatCannotBeStoredWhenItStops)
+{
+    StoreSettings nowhere;
+    nowhere.file = m_folder.filePath("nowhere/store.db");
+    Store store(nowhere);
+    SparkplugForm form({"plant", "cabinet2", {}}, m_plant);
+    BusClient bus(form, store, BrokerSettings(), m_plant, m_environment);
+    bus.onState = m_bus->onState;
+    bus.start();
+    bus.publish({change("count", 7, noon), change("count", 8, noon)});
+    EXPECT_EQ(bus.status().waiting, 2);
+    bus.stop();
+    EXPECT_EQ(bus.status().waiting, 0);
+    EXPECT_EQ(bus.status().dropped, 2);
+    EXPECT_TRUE(m_lines.last().startsWith("sparkplug: 2 changes could not be stored, and are lost"))
+        << m_lines.last().toStdString();
+}
+
 }  // namespace

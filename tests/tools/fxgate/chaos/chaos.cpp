@@ -126,8 +126,7 @@ std::array<qint64, forms> Chaos::dropped() const
 void Chaos::stopGateway()
 {
     m_gateway->stop();
-    const qint64 now = m_timeline.steadyMs();
-    m_witness.gatewayGone(m_disk.isBad() ? m_diskGoodSinceMs - unconfirmedMs : now, dropped());
+    m_witness.gatewayGone(m_timeline.steadyMs(), dropped());
     m_gateway.reset();
     m_buses.reset();
 }
