@@ -13,6 +13,7 @@ import sys
 
 FOLDERS = ("driver", "address", "cache", "plan", "protocol", "tools/link", "tools/library",
            "tools/exchange", "tools/tags", "tools/fxsim/line", "tools/fxsim/plc")
+ONLY_BY_HAND = "tools/fxgate"
 BY_HAND = "tests/mutation/by_hand.txt"
 NO_EFFECT = "tests/mutation/no_effect.txt"
 MUTANTS_A_FILE = 1000  # numbers of one file's mutants do not move those of another's
@@ -177,6 +178,8 @@ def read_sources():
             number = source.add(match.start(1), "constant + 1")
             for user in users(sources, source):
                 user.use_constant(match.group(1), number)
+    for path in sorted(pathlib.Path(ONLY_BY_HAND).rglob("*.[ch]*")):
+        sources[str(path)] = Source(path, MUTANTS_A_FILE * len(sources))
     find_hand_made(sources)
     return sources
 
