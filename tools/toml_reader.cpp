@@ -14,6 +14,7 @@
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <cmath>
 
 namespace fxtools {
 
@@ -35,6 +36,22 @@ QString contentOf(const QString& path)
     if (content.size() > largestFile)
         throw Failure(ExitCode::File, path + ": larger than 1 MiB; not a configuration file");
     return QString::fromUtf8(content);
+}
+
+// As it stands in the file, or what it is.
+QString readText(const toml::node& node)
+{
+    if (node.is_string())
+        return quoted(textOf(node.as_string()->get()));
+    if (node.is_boolean())
+        return node.as_boolean()->get() ? QStringLiteral("true") : QStringLiteral("false");
+    if (const auto integer = node.value_exact<int64_t>())
+        return QString::number(*integer);
+    if (const auto number = node.value_exact<double>())
+        return QString::number(*number, 'g', 12);
+    return node.is_table()   ? QStringLiteral("a table")
+           : node.is_array() ? QStringLiteral("a list")
+                             : QStringLiteral("a date or a time");
 }
 
 // "7d": in the largest unit that it is a whole number of.
@@ -101,6 +118,27 @@ TomlSection TomlSection::inner(const QString& key)
     return TomlSection(m_reader, found ? found->as_table() : nullptr, whole);
 }
 
+QVector<TomlSection> TomlSection::each(const char* key)
+{
+    QVector<TomlSection> sections;
+    const toml::node* const found = node(key);
+    const QString whole = (m_name.isEmpty() ? QString() : m_name.mid(1, m_name.size() - 2) + '.') +
+                          QLatin1String(key);
+    const QString name = '[' + whole + ']';
+    if (found && !found->is_array_of_tables())
+        rejectRead(key, "[" + name + "] and its keys below");
+    else if (found) {
+        for (const toml::node& each : *found->as_array())
+            sections.append(TomlSection(m_reader, each.as_table(), name));
+    }
+    return sections;
+}
+
+int TomlSection::line() const
+{
+    return m_table ? static_cast<int>(m_table->source().begin.line) : 0;
+}
+
 void TomlSection::allowOnly(const QStringList& known)
 {
     if (!m_table)
@@ -121,6 +159,12 @@ void TomlSection::reject(const char* key, const QString& text)
         return rejectAll(text);
     const toml::source_position at = found->source().begin;
     m_reader.note(static_cast<int>(at.line), static_cast<int>(at.column), text);
+}
+
+void TomlSection::rejectRead(const char* key, const QString& wanted)
+{
+    reject(key, QStringLiteral("%1 must be %2, not %3")
+                    .arg(QLatin1String(key), wanted, readText(*node(key))));
 }
 
 void TomlSection::rejectAll(const QString& text)
@@ -145,7 +189,7 @@ QString TomlSection::text(const char* key, const QString& unlessSaid)
         return unlessSaid;
     QString text = found->is_string() ? textOf(found->as_string()->get()) : QString();
     if (text.isEmpty() || text.contains(QChar(0))) {
-        reject(key, QStringLiteral("%1 must be a text in quotes").arg(QLatin1String(key)));
+        rejectRead(key, QStringLiteral("a text in quotes"));
         return unlessSaid;
     }
     return text;
@@ -162,8 +206,7 @@ QString TomlSection::oneOf(const char* key, const QStringList& words)
     QString word = text(key, words.first());
     if (words.contains(word))
         return word;
-    reject(key, QStringLiteral("%1 must be \"%2\"")
-                    .arg(QLatin1String(key), words.join(QStringLiteral("\" or \""))));
+    rejectRead(key, '"' + words.join(QStringLiteral("\" or \"")) + '"');
     return words.first();
 }
 
@@ -171,7 +214,7 @@ bool TomlSection::flag(const char* key)
 {
     const toml::node* const found = node(key);
     if (found && !found->is_boolean())
-        reject(key, QStringLiteral("%1 must be true or false").arg(QLatin1String(key)));
+        rejectRead(key, QStringLiteral("true or false"));
     return found && found->is_boolean() && found->as_boolean()->get();
 }
 
@@ -183,11 +226,21 @@ int TomlSection::number(const char* key, Range range, int unlessSaid)
     const std::optional<int64_t> number = found->value_exact<int64_t>();
     if (number && *number >= range.least && *number <= range.most)
         return static_cast<int>(*number);
-    reject(key, QStringLiteral("%1 must be a whole number from %2 to %3")
-                    .arg(QLatin1String(key))
-                    .arg(range.least)
-                    .arg(range.most));
+    rejectRead(key,
+               QStringLiteral("a whole number from %1 to %2").arg(range.least).arg(range.most));
     return unlessSaid;
+}
+
+std::optional<double> TomlSection::real(const char* key)
+{
+    const toml::node* const found = node(key);
+    if (!found)
+        return std::nullopt;
+    const std::optional<double> number = found->is_number() ? found->value<double>() : std::nullopt;
+    if (number && std::isfinite(*number))
+        return number;
+    rejectRead(key, QStringLiteral("a number"));
+    return std::nullopt;
 }
 
 qint64 TomlSection::timeMs(const char* key, Range range, qint64 unlessSaid)
@@ -199,8 +252,8 @@ qint64 TomlSection::timeMs(const char* key, Range range, qint64 unlessSaid)
         found->is_string() ? parseTimeMs(found->as_string()->get()) : std::nullopt;
     if (timeMs && *timeMs >= range.least && *timeMs <= range.most)
         return *timeMs;
-    reject(key, QStringLiteral("%1 must be a time from \"%2\" to \"%3\", in quotes")
-                    .arg(QLatin1String(key), durationText(range.least), durationText(range.most)));
+    rejectRead(key, QStringLiteral("a time from \"%1\" to \"%2\", in quotes")
+                        .arg(durationText(range.least), durationText(range.most)));
     return unlessSaid;
 }
 
@@ -212,10 +265,9 @@ qint64 TomlSection::bytes(const char* key, Range range, qint64 unlessSaid)
     const qint64 bytes = found->is_string() ? bytesIn(textOf(found->as_string()->get())) : -1;
     if (bytes >= range.least && bytes <= range.most)
         return bytes;
-    reject(key, QStringLiteral("%1 must be a size from %2M to %3G, such as \"100M\"")
-                    .arg(QLatin1String(key))
-                    .arg(range.least >> 20)
-                    .arg(range.most >> 30));
+    rejectRead(key, QStringLiteral("a size from %1M to %2G, such as \"100M\"")
+                        .arg(range.least >> 20)
+                        .arg(range.most >> 30));
     return unlessSaid;
 }
 

@@ -17,6 +17,7 @@
 #include <toml++/toml.h>
 
 #include <memory>
+#include <optional>
 
 namespace fxtools {
 
@@ -46,6 +47,8 @@ public:
     QStringList names() const;
     bool has(const char* key) const;
     TomlSection inner(const QString& key);
+    QVector<TomlSection> each(const char* key);  // of a list of tables: [[page]]
+    int line() const;                            // where it begins
 
     void allowOnly(const QStringList& known);
     void reject(const char* key, const QString& text);  // at the key's value
@@ -57,11 +60,13 @@ public:
     QString oneOf(const char* key, const QStringList& words);  // the first one unless said
     bool flag(const char* key);                                // false unless said
     int number(const char* key, Range range, int unlessSaid);
+    std::optional<double> real(const char* key);
     qint64 timeMs(const char* key, Range range, qint64 unlessSaid);
     qint64 bytes(const char* key, Range range, qint64 unlessSaid);
 
 private:
     const toml::node* node(const char* key) const;
+    void rejectRead(const char* key, const QString& wanted);
 
     TomlReader& m_reader;
     const toml::table* m_table;
@@ -79,6 +84,7 @@ public:
     QString beside(const QString& file) const;
     void note(int line, int column, const QString& text);
     QVector<Mistake> mistakes() const;  // by line
+    int mistakeCount() const { return m_mistakes.size(); }
 
 private:
     QString m_path;

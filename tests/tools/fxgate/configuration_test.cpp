@@ -182,11 +182,11 @@ timeout = 5
 )"),
               R"(f, line 1, column 2: unknown key 'gatway'; did you mean 'gateway'?
 f, line 3, column 8: invalid name 'cabinet/1': expected 1 to 64 letters, digits, _, . and -
-f, line 4, column 15: store-limit must be a size from 1M to 1024G, such as "100M"
-f, line 5, column 13: store-age must be a time from "1min" to "366d", in quotes
-f, line 6, column 22: history-per-second must be a whole number from 1 to 100000
+f, line 4, column 15: store-limit must be a size from 1M to 1024G, such as "100M", not '100'
+f, line 5, column 13: store-age must be a time from "1min" to "366d", in quotes, not 7
+f, line 6, column 22: history-per-second must be a whole number from 1 to 100000, not 0
 f, line 8, column 7: mqtt:// is not encrypted, and only allowed for a broker on this machine; use mqtts://
-f, line 9, column 12: protocol must be a text in quotes
+f, line 9, column 12: protocol must be a text in quotes, not 5
 f, line 10, column 17: password-file needs a user
 f, line 10, column 17: none: No such file or directory
 f, line 11, column 13: cert-file and key-file belong together
@@ -194,16 +194,16 @@ f, line 11, column 13: none.pem: No such file or directory
 f, line 13, column 10: invalid prefix 'fx/#': expected topic levels without + and #, such as fx or plant/fx
 f, line 14, column 1: group is missing below [sparkplug]; for example group = "plant"
 f, line 15, column 8: invalid name 'a+b': expected 1 to 64 letters, digits, _, . and -
-f, line 17, column 11: allowed must be true or false
-f, line 18, column 10: oldest must be a time from "1s" to "1h", in quotes
+f, line 17, column 11: allowed must be true or false, not 'yes'
+f, line 18, column 10: oldest must be a time from "1s" to "1h", in quotes, not '1d'
 f, line 19, column 1: invalid name 'press 1': expected 1 to 64 letters, digits, _, . and -
 f, line 20, column 8: invalid link 'usb:1': expected sim:, serial:/dev/ttyUSB0?baud=9600, tcp:HOST:PORT or pty:PATH
 f, line 24, column 8: missing.csv: No such file or directory
-f, line 25, column 11: retries must be a whole number from 0 to 100
+f, line 25, column 11: retries must be a whole number from 0 to 100, not 101
 f, line 26, column 1: tags is missing below [link.press3]; for example tags = "press1.csv"
 f, line 27, column 8: link press2 already uses this port
 f, line 28, column 1: unknown key 'tag'; did you mean 'tags'?
-f, line 29, column 11: timeout must be a time from "10ms" to "1min", in quotes
+f, line 29, column 11: timeout must be a time from "10ms" to "1min", in quotes, not 5
 )");
 }
 
