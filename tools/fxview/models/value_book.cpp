@@ -108,6 +108,11 @@ qint64 ValueBook::historyBytes() const
     return bytes;
 }
 
+bool isReadOnly(const fxtools::Tag& tag)
+{
+    return tag.isReadOnly() || !tag.asked.range.type.writable;
+}
+
 QString valueText(const fxtools::Tag& tag, const QJsonValue& value)
 {
     if (value.isNull() || value.isUndefined())

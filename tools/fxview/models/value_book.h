@@ -51,6 +51,8 @@ private:
     int m_bucketsPerLevel;
 };
 
+bool isReadOnly(const fxtools::Tag& tag);  // by its file or by its type
+
 // How values are written everywhere: "71.5 °C", "on", "0x1F".
 QString valueText(const fxtools::Tag& tag, const QJsonValue& value);
 QString valueWithUnit(const fxtools::Tag& tag, const QJsonValue& value);

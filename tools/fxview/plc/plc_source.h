@@ -124,7 +124,8 @@ public:
     virtual bool isSimulated() const = 0;
     virtual QVector<fxtools::Tag> tags() const = 0;  // the same from the beginning to the end
 
-    // A value as a person types it; the source judges it. written() tells the result with this id.
+    // A value as a person types it; the source judges it. written() tells the result with this id:
+    // of the write bar they count up from 1, of the screens down from -1.
     virtual void write(int id, int tag, const QString& text) = 0;
 
     // A command for a simulated PLC, such as "faults silence=0.1" or "poke D100 5".

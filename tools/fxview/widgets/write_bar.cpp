@@ -17,11 +17,6 @@ QString limitText(const fxtools::Tag& tag, double limit)
     return valueWithUnit(tag, limit);
 }
 
-bool isReadOnly(const fxtools::Tag& tag)
-{
-    return tag.isReadOnly() || !tag.asked.range.type.writable;
-}
-
 // The Enter that asks in the field must not, passed on or held down, be the answer too.
 void clickByEnter(QPushButton* button)
 {
@@ -49,6 +44,35 @@ QString resultText(const fxtools::Tag& tag, const WriteResult& result)
         break;
     }
     return WriteBar::tr("UNKNOWN whether %1 was written: %2").arg(tag.name, result.reason);
+}
+
+QString limitsText(const fxtools::Tag& tag)
+{
+    if (isReadOnly(tag))
+        return WriteBar::tr("read-only");
+    if (!tag.isNumber())
+        return {};
+    if (tag.min && tag.max)
+        return WriteBar::tr("%1 to %2").arg(limitText(tag, *tag.min), limitText(tag, *tag.max));
+    if (tag.min)
+        return WriteBar::tr("%1 or more").arg(limitText(tag, *tag.min));
+    if (tag.max)
+        return WriteBar::tr("%1 or less").arg(limitText(tag, *tag.max));
+    const fxtools::ValueSpan span = tag.span();
+    return WriteBar::tr("%1 to %2").arg(limitText(tag, span.lowest), limitText(tag, span.highest));
+}
+
+QString limitObjection(const fxtools::Tag& tag, const QString& text)
+{
+    bool isNumber = false;
+    const double value = text.toDouble(&isNumber);
+    if (!tag.isNumber() || !isNumber)
+        return {};
+    if (tag.min && value < *tag.min)
+        return WriteBar::tr("below the minimum of %1").arg(limitText(tag, *tag.min));
+    if (tag.max && value > *tag.max)
+        return WriteBar::tr("above the maximum of %1").arg(limitText(tag, *tag.max));
+    return {};
 }
 
 WriteBar::WriteBar(const ValueBook& book, QWidget* parent)
@@ -121,37 +145,11 @@ void WriteBar::edit()
         m_on->setFocus();
 }
 
-QString WriteBar::limitsText() const
-{
-    const fxtools::Tag& tag = m_book.tag(m_tag);
-    if (isReadOnly(tag))
-        return tr("read-only");
-    if (!tag.isNumber())
-        return {};
-    if (tag.min && tag.max)
-        return tr("%1 to %2").arg(limitText(tag, *tag.min), limitText(tag, *tag.max));
-    if (tag.min)
-        return tr("%1 or more").arg(limitText(tag, *tag.min));
-    if (tag.max)
-        return tr("%1 or less").arg(limitText(tag, *tag.max));
-    const fxtools::ValueSpan span = tag.span();
-    return tr("%1 to %2").arg(limitText(tag, span.lowest), limitText(tag, span.highest));
-}
-
 QString WriteBar::objection() const
 {
-    const fxtools::Tag& tag = m_book.tag(m_tag);
-    bool isNumber = false;
-    const double value = newText().toDouble(&isNumber);
     if (!m_isLinkUp)
         return tr("The PLC does not answer: nothing can be written now");
-    if (!tag.isNumber() || !isNumber)
-        return {};
-    if (tag.min && value < *tag.min)
-        return tr("below the minimum of %1").arg(limitText(tag, *tag.min));
-    if (tag.max && value > *tag.max)
-        return tr("above the maximum of %1").arg(limitText(tag, *tag.max));
-    return {};
+    return limitObjection(m_book.tag(m_tag), newText());
 }
 
 void WriteBar::ask()
@@ -190,6 +188,8 @@ void WriteBar::cancel()
 
 void WriteBar::take(const WriteResult& result)
 {
+    if (result.id <= 0)
+        return;  // of another one who writes
     if (result.id == m_lastId && m_step == Step::Waiting) {
         m_step = Step::Editing;
         m_field->clear();
@@ -225,8 +225,8 @@ void WriteBar::showStep()
     m_no->setVisible(!isEditing);
     m_no->setText(m_step == Step::Waiting ? tr("Do not &wait") : tr("&No"));
     m_limits->setText(!hasTag               ? QString()
-                      : objection.isEmpty() ? limitsText()
-                                            : limitsText() + " – " + objection);
+                      : objection.isEmpty() ? limitsText(m_book.tag(m_tag))
+                                            : limitsText(m_book.tag(m_tag)) + " – " + objection);
     if (m_step == Step::Waiting)
         m_said->setText(
             tr("Writing %1; waiting for what the PLC has then…").arg(m_book.tag(m_tag).name));

@@ -49,7 +49,6 @@ private:
     void confirm();
     void cancel();
     void showStep();
-    QString limitsText() const;
     QString objection() const;  // why the text is not even worth asking; empty: none
     QString newText() const { return m_field->text().trimmed(); }
 
@@ -72,5 +71,8 @@ private:
 
 // "Done: oven.temp 71.5 °C → 80 °C, read back", or why not.
 QString resultText(const fxtools::Tag& tag, const WriteResult& result);
+
+QString limitsText(const fxtools::Tag& tag);  // "0 °C to 200 °C", of what may be written
+QString limitObjection(const fxtools::Tag& tag, const QString& text);  // empty: none
 
 }  // namespace fxview
