@@ -40,7 +40,7 @@ install(FILES CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT dev)
 install(FILES docs/host-guide.md docs/frames.md docs/compatibility.md
     DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT dev)
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT dev
-    PATTERN gateway EXCLUDE)
+    PATTERN gateway EXCLUDE PATTERN screens EXCLUDE)
 
 if(TARGET fxhost)
     install(TARGETS fxhost fxsim RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
