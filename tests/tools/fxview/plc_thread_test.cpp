@@ -3,6 +3,7 @@
 //
 // The thread that talks to the PLC, with a simulated one inside.
 
+#include "tests/tools/support/programs.h"
 #include "tools/fxview/plc/plc_thread.h"
 #include "tools/link/link_settings.h"
 
@@ -308,6 +309,28 @@ TEST_F(PlcThreadTest, EndsAtOnceAlsoWhereNothingIsDueForAMinute)
     m_readings.clear();
     m_plc.reset();
     EXPECT_TRUE(m_readings.isEmpty()) << "it waited for the next";
+}
+
+// The release of a push button, for one.
+TEST_F(PlcThreadTest, WritesWhatWasAskedForBeforeItEnds)
+{
+    tool_tests::RunningSimulator plc(tool_tests::Road::PseudoTerminal, tool_tests::quickPlc);
+    start(plc.link());
+    ASSERT_TRUE(waitUntil([this] { return last(4).has_value(); }));
+    m_plc->write(1, 4, "1");
+    m_plc->write(2, 1, "50");
+    m_plc.reset();
+    EXPECT_EQ(plc.command("peek M50"), "M50: 1\n");
+    EXPECT_EQ(plc.command("peek D101"), "D101: 500\n");
+}
+
+TEST_F(PlcThreadTest, EndsWithWritesForALinkThatIsNotThere)
+{
+    start("serial:/dev/there-is-no-such-port?baud=9600");
+    ASSERT_TRUE(waitUntil([this] { return !m_links.isEmpty(); }));
+    m_plc->write(1, 4, "1");
+    m_plc.reset();
+    SUCCEED() << "and not only when the port is there";
 }
 
 TEST_F(PlcThreadTest, WaitsForALinkThatIsNotThereAndEnds)

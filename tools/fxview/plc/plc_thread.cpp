@@ -17,6 +17,7 @@ using fxtools::Failure;
 constexpr qint64 betweenNewsMs = 16;
 constexpr qint64 betweenChangesMs = 100;
 constexpr qint64 betweenReportsMs = 1000;
+constexpr qint64 longestEndMs = 3000;  // of writes that wait when the program ends
 constexpr int mostExchanges = 1000;
 
 Quality qualityOf(fxtools::Quality quality)
@@ -166,7 +167,11 @@ bool PlcThread::tick()
     }
     if (m_clock.elapsed() - m_changesMs >= betweenChangesMs)
         noteChanges();
-    return isRecipeCancelled() || (mustEnd && !m_service->isBusy());
+    if (mustEnd && !m_ending.isValid())
+        m_ending.start();
+    const bool isInTime = m_ending.isValid() && m_ending.elapsed() < longestEndMs;
+    const bool mustWrite = isInTime && m_service->areJobsWaiting();
+    return isRecipeCancelled() || (mustEnd && !m_service->isBusy() && !mustWrite);
 }
 
 void PlcThread::obey(const WriteOrder& order)

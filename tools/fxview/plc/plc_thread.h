@@ -31,7 +31,7 @@ public:
     PlcThread(const fxtools::ConnectionSettings& settings, const QString& name,
               std::unique_ptr<fxtools::AddressServices> services,
               const QVector<fxtools::Tag>& tags);
-    ~PlcThread() override;  // waits until the thread has ended
+    ~PlcThread() override;  // writes what was asked for, and waits until the thread has ended
 
     void start();
 
@@ -110,6 +110,7 @@ private:
     qint64 m_reportMs = 0;
     std::optional<int> m_recipe;  // the one whose transfer may be cancelled now
     QElapsedTimer m_clock;
+    QElapsedTimer m_ending;
 
     QMutex m_mutex;  // for the rest
     QWaitCondition m_hasOrders;
