@@ -7,6 +7,7 @@
 
 #include <QCloseEvent>
 #include <QStatusBar>
+#include <QTabBar>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -15,21 +16,25 @@ namespace fxview {
 namespace {
 
 constexpr int refreshMs = 200;
+constexpr qint64 longestClosingMs = 5000;
 
 }  // namespace
 
 MainWindow::MainWindow(PlcSource& source, const Clock& clock)
     : m_source(source), m_clock(clock), m_values(source.tags()), m_alarms(source.tags()),
-      m_problems(new ProblemBar), m_pages(new QTabWidget), m_valuesPage(new ValuesPage(m_values)),
-      m_trendPage(new TrendPage(m_values)), m_alarmPage(new AlarmPage(m_alarms)),
-      m_recipePage(new RecipePage(source.tags())), m_linePage(new LinePage(source.isSimulated())),
-      m_linkSign(new QLabel), m_linkText(new QLabel), m_lineText(new QLabel)
+      m_screenWrites(source), m_problems(new ProblemBar), m_pages(new QTabWidget),
+      m_valuesPage(new ValuesPage(m_values)),
+      m_screenPage(new ScreenPage(m_values, m_screenWrites)), m_trendPage(new TrendPage(m_values)),
+      m_alarmPage(new AlarmPage(m_alarms)), m_recipePage(new RecipePage(source.tags())),
+      m_linePage(new LinePage(source.isSimulated())), m_linkSign(new QLabel),
+      m_linkText(new QLabel), m_lineText(new QLabel)
 {
     setWindowTitle(source.isSimulated() ? tr("%1 (a simulated PLC) – fxview").arg(source.name())
                                         : tr("%1 – fxview").arg(source.name()));
     layOut();
     listen();
     listenToRecipes();
+    listenToScreen();
     connect(m_pages, &QTabWidget::currentChanged, this, &MainWindow::showMoment);
     auto* timer = new QTimer(this);
     connect(timer, &QTimer::timeout, this, &MainWindow::showMoment);
@@ -54,6 +59,7 @@ void MainWindow::layOut()
     m_pages->setDocumentMode(true);
     m_pages->setAccessibleName(tr("Pages"));
     m_pages->addTab(m_valuesPage, tr("&Values"));
+    m_pages->addTab(m_screenPage, tr("S&creen"));
     m_pages->addTab(m_trendPage, tr("&Trends"));
     m_pages->addTab(m_alarmPage, tr("&Alarms"));
     m_pages->addTab(m_recipePage, tr("&Recipes"));
@@ -134,14 +140,84 @@ void MainWindow::keepRecipeNotesIn(const QString& file)
 }
 
 // The one who closes the window in the middle of a download sees first what is in the PLC by then.
-// Who closes it once more sees it at the next start.
+// Who closes it once more sees it at the next start. It closes when all push buttons are known to
+// be released, or after a while.
 void MainWindow::closeEvent(QCloseEvent* event)
 {
-    if (!m_recipePage->isDownloading() || std::exchange(m_mustClose, true))
+    if (m_recipePage->isDownloading() && !std::exchange(m_mustClose, true)) {
+        event->ignore();
+        m_recipePage->cancel();
+        m_pages->setCurrentWidget(m_recipePage);
         return;
-    event->ignore();
-    m_recipePage->cancel();
-    m_pages->setCurrentWidget(m_recipePage);
+    }
+    m_screenWrites.end();
+    if (!m_closingMs)
+        m_closingMs = m_clock();
+    const bool isTooLate = std::abs(m_clock() - *m_closingMs) >= longestClosingMs;
+    event->setAccepted(m_screenWrites.isReleased() || isTooLate);
+}
+
+void MainWindow::listenToScreen()
+{
+    connect(&m_screenWrites, &ScreenWrites::changed, this, &MainWindow::showReleases);
+    connect(&m_screenWrites, &ScreenWrites::stillOn, this, [this](int tag) {
+        m_problems->set(Problem::StillOn,
+                        tr("%1 is still on, though the release of its push button was sent three "
+                           "times: the program of the PLC may hold it.")
+                            .arg(m_values.tag(tag).name));
+    });
+    connect(m_screenPage, &ScreenPage::mistakesFound, this, [this](const QStringList& mistakes) {
+        for (const QString& mistake : mistakes)
+            qWarning("fxview: %s", qPrintable(mistake));
+        if (mistakes.isEmpty())
+            m_problems->clear(Problem::Screen);
+        else if (mistakes.size() == 1)
+            m_problems->set(Problem::Screen, mistakes.first());
+        else
+            m_problems->set(Problem::Screen, tr("%1 (the first of %2 mistakes; the page Screen "
+                                                "lists them)")
+                                                 .arg(mistakes.first())
+                                                 .arg(mistakes.size()));
+    });
+}
+
+void MainWindow::openScreen(const QString& file, bool isFirstPage)
+{
+    if (isFirstPage) {
+        m_pages->tabBar()->moveTab(m_pages->indexOf(m_screenPage), 0);
+        m_pages->setCurrentWidget(m_screenPage);
+    }
+    m_screenPage->open(file);
+}
+
+void MainWindow::showReleases()
+{
+    QStringList names;
+    for (const int tag : m_screenWrites.overdue())
+        names += m_values.tag(tag).name;
+    if (names.isEmpty())
+        m_problems->clear(Problem::Release);
+    else
+        m_problems->set(Problem::Release,
+                        tr("%1 may still be on: the PLC has not confirmed the release of the push "
+                           "button. It is sent again as soon as the PLC answers; until then, stop "
+                           "the machine by its own switches.")
+                            .arg(names.join(QStringLiteral(", "))));
+    if (m_closingMs && m_screenWrites.isReleased())
+        QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
+}
+
+// What cannot be released in this time is told to whoever started the program.
+void MainWindow::goOnClosing()
+{
+    if (!m_closingMs || !isVisible())
+        return;
+    if (std::abs(m_clock() - *m_closingMs) >= longestClosingMs) {
+        for (const int tag : m_screenWrites.overdue())
+            qWarning("fxview: %s may still be on: its release was not confirmed",
+                     qPrintable(m_values.tag(tag).name));
+        close();
+    }
 }
 
 void MainWindow::take(const QVector<Reading>& readings)
@@ -207,8 +283,12 @@ QStringList MainWindow::tagsNotGood() const
 void MainWindow::showMoment()
 {
     const qint64 nowMs = m_clock();
+    m_screenWrites.showMoment(nowMs);
+    goOnClosing();
     if (m_pages->currentWidget() == m_valuesPage)
         m_valuesPage->showMoment(nowMs);
+    else if (m_pages->currentWidget() == m_screenPage)
+        m_screenPage->showMoment(nowMs);
     else if (m_pages->currentWidget() == m_trendPage)
         m_trendPage->showMoment(nowMs);
     m_recipePage->showMoment(nowMs);

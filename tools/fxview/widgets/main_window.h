@@ -9,6 +9,7 @@
 
 #include "tools/fxview/models/alarm_file.h"
 #include "tools/fxview/models/recipe_notes.h"
+#include "tools/fxview/screens/widgets/screen_page.h"
 #include "tools/fxview/widgets/alarm_page.h"
 #include "tools/fxview/widgets/line_page.h"
 #include "tools/fxview/widgets/problem_bar.h"
@@ -37,6 +38,7 @@ public:
     MainWindow& operator=(const MainWindow&) = delete;
 
     void showMoment();
+    void openScreen(const QString& file, bool isFirstPage);
     void keepAlarmsIn(const QString& file);
     void keepRecipeNotesIn(const QString& file);
     void tellThatNothingStarts(const QString& reason);
@@ -51,6 +53,9 @@ private:
     void listen();
     void listenToRecipes();
     void showRecipeNotes(const QString& problem);
+    void listenToScreen();
+    void showReleases();
+    void goOnClosing();
     void take(const QVector<Reading>& readings);
     void showLink(bool isUp, const QString& reason);
 
@@ -61,9 +66,12 @@ private:
     std::optional<AlarmWriter> m_alarmWriter;
     RecipeNotes m_recipeNotes;
     bool m_mustClose = false;
+    ScreenWrites m_screenWrites;
+    std::optional<qint64> m_closingMs;  // since when
     ProblemBar* m_problems;
     QTabWidget* m_pages;
     ValuesPage* m_valuesPage;
+    ScreenPage* m_screenPage;
     TrendPage* m_trendPage;
     AlarmPage* m_alarmPage;
     RecipePage* m_recipePage;

@@ -11,7 +11,7 @@ namespace fxview {
 
 ProblemBar::ProblemBar(QWidget* parent)
     : QFrame(parent), m_sign(new QLabel(this)), m_text(new QLabel(this)),
-      m_close(new QPushButton(tr("&Close"), this))
+      m_close(new QPushButton(tr("Cl&ose"), this))
 {
     setObjectName(QStringLiteral("problemBar"));
     setAccessibleName(tr("What is wrong"));

@@ -16,10 +16,13 @@ namespace fxview {
 // The gravest first.
 enum class Problem
 {
-    Start,  // of all
+    Start,    // of all
+    Release,  // of a push button, not confirmed
     LinkLost,
     Recipe,  // in the PLC by half
     AlarmFile,
+    StillOn,  // though its push button was released
+    Screen,   // mistakes in its file
     Export,
     Command,
 };

@@ -1,0 +1,141 @@
+// SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
+// SPDX-License-Identifier: MIT
+
+#include "tools/fxview/screens/widgets/screen_page.h"
+
+#include "tools/fxview/screens/widgets/element_controls.h"
+#include "tools/fxview/widgets/write_bar.h"
+
+#include <QGridLayout>
+#include <QScrollArea>
+#include <QTabBar>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace fxview {
+
+namespace {
+
+constexpr int linesOfMistakes = 5;
+
+}  // namespace
+
+ScreenPage::ScreenPage(const ValueBook& book, ScreenWrites& writes, QWidget* parent)
+    : QWidget(parent), m_book(book), m_writes(writes), m_pages(new QTabWidget(this)),
+      m_said(new QLabel(this)), m_mistakes(new QPlainTextEdit(this))
+{
+    setObjectName(QStringLiteral("screenPage"));
+    auto* rows = new QVBoxLayout(this);
+    rows->addWidget(m_pages, 1);
+    rows->addWidget(m_said);
+    rows->addWidget(m_mistakes);
+    m_pages->setDocumentMode(true);
+    m_pages->setTabBarAutoHide(true);
+    m_pages->setAccessibleName(tr("Pages of the screen"));
+    m_pages->tabBar()->setAccessibleName(tr("Pages of the screen"));
+    m_said->setTextFormat(Qt::PlainText);
+    m_said->setWordWrap(true);
+    m_mistakes->setReadOnly(true);
+    m_mistakes->setTabChangesFocus(true);
+    m_mistakes->setAccessibleName(tr("Mistakes in the screen file"));
+    m_mistakes->setFixedHeight(fontMetrics().lineSpacing() * (linesOfMistakes + 1));
+    m_mistakes->hide();
+    connect(m_pages, &QTabWidget::currentChanged, this, &ScreenPage::fill);
+    connect(&writes, &ScreenWrites::changed, this, [this] { showMoment(m_nowMs); });
+    connect(&writes, &ScreenWrites::told, this, [this](const WriteResult& result) {
+        m_said->setText(resultText(m_book.tag(result.tag), result));
+        for (const QVector<ElementView*>& views : qAsConst(m_views)) {
+            for (ElementView* view : views)
+                view->noteResult(result);
+        }
+    });
+    showScreen(plainScreen(tags()));
+}
+
+QVector<fxtools::Tag> ScreenPage::tags() const
+{
+    QVector<fxtools::Tag> tags;
+    for (int tag = 0; tag < m_book.size(); ++tag)
+        tags.append(m_book.tag(tag));
+    return tags;
+}
+
+void ScreenPage::open(const QString& file)
+{
+    m_file = file;
+    m_watch = std::make_unique<ScreenWatch>(file);
+    connect(m_watch.get(), &ScreenWatch::changed, this, &ScreenPage::load);
+    showScreen({});
+    load();
+}
+
+// A file that cannot be read at all leaves what is shown.
+void ScreenPage::load()
+{
+    const ScreenFile file = readScreenFile(m_file, tags());
+    if (file.screen)
+        showScreen(*file.screen);
+    QStringList lines;
+    for (const fxtools::Mistake& mistake : file.mistakes)
+        lines += mistake.in(m_file);
+    m_mistakes->setPlainText(lines.join('\n'));
+    m_mistakes->setVisible(!lines.isEmpty());
+    emit mistakesFound(lines);
+}
+
+void ScreenPage::showScreen(const Screen& screen)
+{
+    m_writes.releaseAll();
+    const int shown = std::max(m_pages->currentIndex(), 0);
+    const QSignalBlocker untilAllAreThere(m_pages);
+    m_screen = screen;
+    m_views.clear();
+    while (m_pages->count() > 0)
+        delete m_pages->widget(0);
+    for (const GridPage& page : qAsConst(m_screen.pages)) {
+        auto* scroll = new QScrollArea;
+        scroll->setFrameShape(QFrame::NoFrame);
+        scroll->setFocusPolicy(Qt::NoFocus);
+        scroll->setWidgetResizable(true);
+        m_pages->addTab(scroll, QString(page.title).replace('&', QLatin1String("&&")));
+        m_views.append(QVector<ElementView*>());
+    }
+    m_pages->setCurrentIndex(std::min(shown, m_pages->count() - 1));
+    fill(m_pages->currentIndex());
+}
+
+// In the order of their places, so that the Tab key goes from one to the next.
+void ScreenPage::fill(int number)
+{
+    auto* scroll = number < 0 ? nullptr : qobject_cast<QScrollArea*>(m_pages->widget(number));
+    if (!scroll)
+        return;
+    if (!scroll->widget()) {
+        const GridPage& page = m_screen.pages[number];
+        auto* grid = new QWidget;
+        auto* cells = new QGridLayout(grid);
+        cells->setSpacing(4);
+        for (int row = 0; row < page.rows; ++row)
+            cells->setRowStretch(row, 1);
+        for (int column = 0; column < page.columns; ++column)
+            cells->setColumnStretch(column, 1);
+        for (const Element& element : page.elements) {
+            ElementView* view = makeElementView(element, m_book, m_writes, grid);
+            cells->addWidget(view, element.row - 1, element.column - 1, element.height,
+                             element.width);
+            m_views[number].append(view);
+        }
+        scroll->setWidget(grid);
+    }
+    showMoment(m_nowMs);
+}
+
+void ScreenPage::showMoment(qint64 nowMs)
+{
+    m_nowMs = nowMs;
+    for (ElementView* view : m_views.value(m_pages->currentIndex()))
+        view->showMoment(nowMs);
+}
+
+}  // namespace fxview
