@@ -12,10 +12,15 @@
 #include "tools/fxview/widgets/language.h"
 #include "tools/fxview/widgets/page_pictures.h"
 #include "tools/fxview/widgets/theme.h"
+#include "tools/library/output_file.h"
+#include "tools/link/interrupt.h"
 
 #include <QDateTime>
 #include <QDir>
 #include <QStandardPaths>
+#include <QTimer>
+
+#include <csignal>
 
 namespace {
 
@@ -38,11 +43,19 @@ public:
     void cancelRecipe(int /*id*/) override {}
 };
 
-std::unique_ptr<PlcThread> plcOf(const Options& options)
+std::unique_ptr<fxtools::AddressServices> servicesOf(const ChosenPlc& chosen)
+{
+    return std::make_unique<fxtools::AddressServices>(chosen.settings.library, chosen.settings.tags,
+                                                      chosen.settings.station);
+}
+
+// Also the screen to show.
+std::unique_ptr<PlcThread> plcOf(Options& options)
 {
     const ChosenPlc chosen = choosePlc(options);
-    auto services = std::make_unique<fxtools::AddressServices>(
-        chosen.settings.library, chosen.settings.tags, chosen.settings.station);
+    if (options.screen.isEmpty() && areSampleTags(chosen))
+        options.screen = QStringLiteral(":/sample_screen.toml");
+    std::unique_ptr<fxtools::AddressServices> services = servicesOf(chosen);
     const QVector<fxtools::Tag> tags = tagsOf(*services);
     return std::make_unique<PlcThread>(chosen.settings, chosen.name, std::move(services), tags);
 }
@@ -58,8 +71,37 @@ QString dataFileOf(const QString& plc, const QString& kind, const QString& suffi
     return folder + '/' + kind + '-' + name + suffix;
 }
 
-int show(const Options& options)
+int writeNewScreen(const Options& options)
 {
+    try {
+        const std::unique_ptr<fxtools::AddressServices> services = servicesOf(choosePlc(options));
+        fxtools::OutputFile file(options.newScreen, fxtools::OutputFile::Mode::New,
+                                 services->catalogue);
+        file.write(plainScreenText(tagsOf(*services)).toUtf8());
+        file.commit();
+        return static_cast<int>(fxtools::ExitCode::Good);
+    } catch (const Failure& failure) {
+        qCritical("fxview: %s", qPrintable(failure.text()));
+        return static_cast<int>(failure.code());
+    }
+}
+
+// A signal closes the window as a click does, so that no push button stays pressed.
+void closeOnSignals(MainWindow& window)
+{
+    fxtools::catchSignals();
+    std::signal(SIGHUP, [](int) { std::raise(SIGTERM); });
+    auto* timer = new QTimer(&window);
+    QObject::connect(timer, &QTimer::timeout, &window, [&window] {
+        if (fxtools::interrupted())
+            window.close();
+    });
+    timer->start(100);
+}
+
+int show(Options options)
+{
+    const bool isGiven = !options.screen.isEmpty();
     std::unique_ptr<PlcThread> plc;
     NoPlc noPlc;
     QString problem;
@@ -73,6 +115,9 @@ int show(const Options& options)
     MainWindow window(source, QDateTime::currentMSecsSinceEpoch);
     window.keepAlarmsIn(dataFileOf(source.name(), "alarms", ".csv"));
     window.keepRecipeNotesIn(dataFileOf(source.name(), "recipes", ".txt"));
+    if (!options.screen.isEmpty() && plc)
+        window.openScreen(options.screen, isGiven);
+    closeOnSignals(window);
     window.show();
     if (plc)
         plc->start();
@@ -89,6 +134,8 @@ int runCommandLine(int argumentCount, char** arguments)
     const std::optional<Options> options = readOptions(argumentCount, arguments, exitCode);
     if (!options)
         return exitCode;
+    if (!options->newScreen.isEmpty())
+        return writeNewScreen(*options);
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication application(argumentCount, arguments);

@@ -17,6 +17,8 @@ const char* const footer = R"(Examples:
   fxview
   fxview --link 'serial:/dev/ttyUSB0?baud=9600' --tags press.csv
   fxview --plc press1
+  fxview --plc press1 --new-screen press1.toml
+  fxview --plc press1 press1.toml
 
 Without --link, --plc, FX_LINK and a default in the configuration file of fxhost
 the window shows a simulated PLC, and says so.
@@ -37,7 +39,7 @@ QString text(const std::string& option)
 
 std::optional<Options> readOptions(int argumentCount, char** arguments, int& exitCode)
 {
-    std::string link, plc, configuration, tags, pictures, language;
+    std::string link, plc, configuration, tags, pictures, language, screen, newScreen;
     bool isDark = false;
     CLI::App app("A window for the values of one FX-series programmable controller", "fxview");
     app.formatter(fxtools::helpFormatter());
@@ -66,6 +68,13 @@ std::optional<Options> readOptions(int argumentCount, char** arguments, int& exi
            "--pictures", pictures,
            "Save a picture of each page in this folder, and exit with 0 if all tags are good")
         ->type_name("FOLDER");
+    CLI::Option* const newScreenOption =
+        app.add_option("--new-screen", newScreen,
+                       "Write a screen with all tags to this new file, to be changed, and end")
+            ->type_name("FILE");
+    app.add_option("SCREEN", screen, "Screen to show, a TOML file (default: one with all tags)")
+        ->type_name("FILE")
+        ->excludes(newScreenOption);
     try {
         app.parse(argumentCount, arguments);
     } catch (const CLI::ParseError& error) {
@@ -76,8 +85,8 @@ std::optional<Options> readOptions(int argumentCount, char** arguments, int& exi
             std::cerr << "fxview: " << qPrintable(fxtools::usageMistake(app, error)) << '\n';
         return std::nullopt;
     }
-    return Options{text(link),     text(plc), text(configuration), text(tags), text(pictures),
-                   text(language), isDark};
+    return Options{text(link),     text(plc), text(configuration), text(tags),     text(pictures),
+                   text(language), isDark,    text(screen),        text(newScreen)};
 }
 
 ChosenPlc choosePlc(const Options& options)
@@ -111,6 +120,11 @@ ChosenPlc choosePlc(const Options& options)
     chosen.name =
         settings.tags.plc.isEmpty() ? fxtools::linkText(settings.link) : settings.tags.plc;
     return chosen;
+}
+
+bool areSampleTags(const ChosenPlc& chosen)
+{
+    return chosen.settings.tags.file == sampleTags;
 }
 
 QVector<fxtools::Tag> tagsOf(const fxtools::AddressServices& services)

@@ -15,6 +15,8 @@ struct Options
 {
     QString link, plc, configuration, tags, pictures, language;  // empty: not given
     bool isDark = false;
+    QString screen = {};     // the file; empty: a plain one
+    QString newScreen = {};  // the file to write one to instead of showing a window
 };
 
 // Nothing if the command line asks for help or for nothing that there is; then what is to be said
@@ -29,6 +31,8 @@ struct ChosenPlc
 
 // Without anything a simulated PLC with the sample program and its tags. Throws Failure.
 ChosenPlc choosePlc(const Options& options);
+
+bool areSampleTags(const ChosenPlc& chosen);
 
 // Those of the tag file that are of this PLC. Throws Failure with all mistakes of the file.
 QVector<fxtools::Tag> tagsOf(const fxtools::AddressServices& services);
