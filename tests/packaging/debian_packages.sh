@@ -143,6 +143,7 @@ END
 ./usr/share/doc/fx-view/changelog.gz
 ./usr/share/doc/fx-view/copyright
 ./usr/share/doc/fx-view/docs/window.md
+./usr/share/doc/fx-view/examples/screens/boiler.toml
 ./usr/share/icons/hicolor/scalable/apps/fxview.svg
 ./usr/share/man/man1/fxview.1.gz
 ./usr/share/metainfo/invalid.mitsubishi_fx1s.fxview.metainfo.xml
