@@ -96,10 +96,7 @@ struct Scene
         for (int turns = 0; turns < 5; ++turns)
             QApplication::processEvents();
         const QString file = QDir(folder).filePath(QLatin1String(name) + ".png");
-        // With a palette a picture is a quarter as large.
-        const QImage picture = window.grab().toImage().convertToFormat(
-            QImage::Format_Indexed8, Qt::ThresholdDither | Qt::AvoidDither);
-        if (!picture.save(file, "PNG", 0))
+        if (!window.grab().save(file))
             qFatal("could not write %s", qPrintable(file));
     }
 
@@ -120,7 +117,7 @@ void drawValues(const QString& folder, const char* name, QSize size = {1024, 600
     Scene scene;
     scene.window.resize(size);
     scene.run();
-    auto* table = scene.window.findChild<QTableView*>();
+    auto* table = scene.window.findChild<ValuesPage*>()->findChild<QTableView*>();
     table->selectRow(1);
     scene.save(folder, name);
 }
@@ -157,7 +154,7 @@ void drawMany(const QString& folder)
     for (int tag = 0; tag < 2000; ++tag)
         readings += scene.at(tag, tag * 37 % 1000);
     emit scene.plc.readings(readings);
-    scene.window.findChild<QLineEdit*>()->setText("station7");
+    scene.window.findChild<ValuesPage*>()->findChild<QLineEdit*>()->setText("station7");
     scene.save(folder, "many");
 }
 
