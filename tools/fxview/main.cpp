@@ -143,7 +143,8 @@ int runCommandLine(int argumentCount, char** arguments)
     QApplication::setDesktopFileName(QStringLiteral("fxview"));
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/fxview.svg")));
     useLanguage(application, options->language);
-    applyTheme(application, options->isDark);
+    // Before there is a style of its own, the palette is the desktop's.
+    applyTheme(application, options->isDark || isDark(QApplication::palette()));
     return show(*options);
 }
 

@@ -5,9 +5,14 @@
 
 #include "tests/tools/fxview/window_support.h"
 
+#include "tools/fxview/widgets/theme.h"
+
 #include <QAbstractButton>
 #include <QAccessible>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSignalSpy>
+#include <QStatusBar>
 
 using namespace fxview;
 using namespace view_tests;
@@ -74,6 +79,33 @@ TEST_F(MainWindowInFrontOfAPlc, ShowsTimesByItself)
     const QAbstractItemModel* model = find<QTableView>("Values")->model();
     EXPECT_TRUE(
         QTest::qWaitFor([&] { return model->index(0, ValueTable::Value).data() == "71.5 °C"; }));
+}
+
+TEST_F(MainWindowInFrontOfAPlc, IsAsSmallAsItsScreen)
+{
+    window.resize(400, 240);
+    EXPECT_EQ(window.size(), QSize(400, 240));
+    const auto* area = window.findChild<QScrollArea*>();
+    EXPECT_TRUE(area->horizontalScrollBar()->maximum() + area->verticalScrollBar()->maximum() > 0);
+}
+
+TEST_F(MainWindowInFrontOfAPlc, ShowsTheLinkInTheColoursOfThePalette)
+{
+    const auto centre = [this] {
+        for (const QLabel* label : window.statusBar()->findChildren<QLabel*>()) {
+            const QImage sign = label->pixmap(Qt::ReturnByValue).toImage();
+            if (!sign.isNull())
+                return sign.pixelColor(sign.rect().center());
+        }
+        return QColor();
+    };
+    emit plc.linkChanged(true, {});
+    const QColor light = centre();
+    QPalette dark = window.palette();
+    dark.setColor(QPalette::Window, Qt::black);
+    window.setPalette(dark);
+    EXPECT_EQ(centre(), colourOf(Meaning::Good, dark));
+    EXPECT_NE(centre(), light);
 }
 
 // For screen readers.

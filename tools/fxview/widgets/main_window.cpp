@@ -6,6 +6,9 @@
 #include "tools/fxview/widgets/theme.h"
 
 #include <QCloseEvent>
+#include <QEvent>
+#include <QScreen>
+#include <QScrollArea>
 #include <QStatusBar>
 #include <QTabBar>
 #include <QTimer>
@@ -54,7 +57,12 @@ void MainWindow::layOut()
     auto* rows = new QVBoxLayout(centre);
     rows->setContentsMargins(0, 0, 0, 0);
     rows->addWidget(m_problems);
-    rows->addWidget(m_pages, 1);
+    auto* scroll = new QScrollArea;  // for large letters on a small screen
+    scroll->setWidgetResizable(true);
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setFocusPolicy(Qt::NoFocus);
+    scroll->setWidget(m_pages);
+    rows->addWidget(scroll, 1);
     setCentralWidget(centre);
     m_pages->setDocumentMode(true);
     m_pages->setAccessibleName(tr("Pages"));
@@ -68,7 +76,7 @@ void MainWindow::layOut()
     statusBar()->addWidget(m_linkSign);
     statusBar()->addWidget(m_linkText, 1);
     statusBar()->addPermanentWidget(m_lineText);
-    resize(1024, 600);
+    resize(QSize(1024, 600).boundedTo(QGuiApplication::primaryScreen()->availableSize()));
     m_linkText->setTextFormat(Qt::PlainText);
     m_linkText->setText(tr("Connecting…"));
 }
@@ -246,10 +254,8 @@ void MainWindow::keepAlarmsIn(const QString& file)
 
 void MainWindow::showLink(bool isUp, const QString& reason)
 {
-    const int size = fontMetrics().height();
-    const Quality quality = isUp ? Quality::Good : Quality::Bad;
-    m_linkSign->setPixmap(signPixmap(signOf(quality), colourOf(meaningOf(quality), palette()), size,
-                                     devicePixelRatioF()));
+    m_linkQuality = isUp ? Quality::Good : Quality::Bad;
+    showLinkSign();
     m_linkText->setText(isUp ? tr("%1 answers").arg(m_source.name())
                              : tr("%1 does not answer").arg(m_source.name()));
     m_valuesPage->writeBar().setLinkUp(isUp);
@@ -262,6 +268,20 @@ void MainWindow::showLink(bool isUp, const QString& reason)
                            "the window goes on trying.")
                             .arg(m_source.name(), reason));
     }
+}
+
+void MainWindow::showLinkSign()
+{
+    const Quality quality = *m_linkQuality;
+    m_linkSign->setPixmap(signPixmap(signOf(quality), colourOf(meaningOf(quality), palette()),
+                                     fontMetrics().height(), devicePixelRatioF()));
+}
+
+void MainWindow::changeEvent(QEvent* event)
+{
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && m_linkQuality)
+        showLinkSign();
 }
 
 void MainWindow::tellThatNothingStarts(const QString& reason)

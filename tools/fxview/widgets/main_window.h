@@ -47,6 +47,7 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
     void layOut();
@@ -58,6 +59,7 @@ private:
     void goOnClosing();
     void take(const QVector<Reading>& readings);
     void showLink(bool isUp, const QString& reason);
+    void showLinkSign();
 
     PlcSource& m_source;
     Clock m_clock;
@@ -76,6 +78,7 @@ private:
     AlarmPage* m_alarmPage;
     RecipePage* m_recipePage;
     LinePage* m_linePage;
+    std::optional<Quality> m_linkQuality;  // nothing until it is known
     QLabel* m_linkSign;
     QLabel* m_linkText;
     QLabel* m_lineText;

@@ -41,11 +41,6 @@ constexpr std::array<Colours, 8> curves = {{
     {0xFF882255, 0xFFFF9999},
 }};
 
-bool isDark(const QPalette& palette)
-{
-    return palette.color(QPalette::Window).lightness() < 128;
-}
-
 QPalette darkPalette()
 {
     QPalette palette;
@@ -70,6 +65,11 @@ QPalette darkPalette()
 }
 
 }  // namespace
+
+bool isDark(const QPalette& palette)
+{
+    return palette.color(QPalette::Window).lightness() < 128;
+}
 
 void applyTheme(QApplication& application, bool isDark)
 {

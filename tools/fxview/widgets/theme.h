@@ -35,6 +35,7 @@ enum class Meaning
     LampOn,
 };
 
+bool isDark(const QPalette& palette);
 void applyTheme(QApplication& application, bool isDark);
 
 QColor colourOf(Meaning meaning, const QPalette& palette);

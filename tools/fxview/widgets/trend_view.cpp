@@ -125,9 +125,11 @@ void TrendView::paintTimes(QPainter& painter, const Plot& plot) const
         painter.setPen(line);
         painter.drawLine(QPointF(x, plot.area.top()), QPointF(x, plot.area.bottom()));
         painter.setPen(palette().color(QPalette::Text));
-        painter.drawText(QRectF(x - width / 2.0, plot.area.bottom(), width,
-                                painter.fontMetrics().height() * 1.5),
-                         Qt::AlignCenter, clockText(mark, spanMs));
+        // Half of the box is text; the last one is not to be cut at the edge.
+        const double left = std::min(x - width / 2.0, this->width() - width * 0.75);
+        painter.drawText(
+            QRectF(left, plot.area.bottom(), width, painter.fontMetrics().height() * 1.5),
+            Qt::AlignCenter, clockText(mark, spanMs));
     }
     painter.setPen(line);
     painter.drawRect(plot.area);
