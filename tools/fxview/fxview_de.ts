@@ -98,6 +98,37 @@
     </message>
 </context>
 <context>
+    <name>fxview::ElementView</name>
+    <message>
+        <source>Not written</source>
+        <translation>Nicht geschrieben</translation>
+    </message>
+    <message>
+        <source>NOT as wanted</source>
+        <translation>NICHT wie gewollt</translation>
+    </message>
+    <message>
+        <source>UNKNOWN</source>
+        <translation>UNBEKANNT</translation>
+    </message>
+    <message>
+        <source>ALARM low</source>
+        <translation>ALARM tief</translation>
+    </message>
+    <message>
+        <source>ALARM high</source>
+        <translation>ALARM hoch</translation>
+    </message>
+    <message>
+        <source>RELEASE not confirmed</source>
+        <translation>LOSLASSEN nicht bestätigt</translation>
+    </message>
+    <message>
+        <source>writing…</source>
+        <translation>schreibt …</translation>
+    </message>
+</context>
+<context>
     <name>fxview::FaultPanel</name>
     <message>
         <source>Faults of the simulated line</source>
@@ -244,6 +275,33 @@
         <source>&amp;Recipes</source>
         <translation>&amp;Rezepte</translation>
     </message>
+    <message>
+        <source>S&amp;creen</source>
+        <translation>&amp;Bild</translation>
+    </message>
+    <message>
+        <source>%1 is still on, though the release of its push button was sent three times: the program of the PLC may hold it.</source>
+        <translation>%1 ist noch ein, obwohl das Loslassen des Tasters dreimal gesendet wurde: das Programm der SPS hält es vielleicht.</translation>
+    </message>
+    <message>
+        <source>%1 (the first of %2 mistakes; the page Screen lists them)</source>
+        <translation>%1 (der erste von %2 Fehlern; die Seite Bild zeigt sie)</translation>
+    </message>
+    <message>
+        <source>%1 may still be on: the PLC has not confirmed the release of the push button. It is sent again as soon as the PLC answers; until then, stop the machine by its own switches.</source>
+        <translation>%1 ist vielleicht noch ein: die SPS hat das Loslassen des Tasters nicht bestätigt. Es wird wieder gesendet, sobald die SPS antwortet; bis dahin die Maschine mit ihren eigenen Schaltern anhalten.</translation>
+    </message>
+</context>
+<context>
+    <name>fxview::NumericEntryView</name>
+    <message>
+        <source>New value: %1</source>
+        <translation>Neuer Wert: %1</translation>
+    </message>
+    <message>
+        <source>new value</source>
+        <translation>neuer Wert</translation>
+    </message>
 </context>
 <context>
     <name>fxview::PlanView</name>
@@ -275,10 +333,6 @@
 <context>
     <name>fxview::ProblemBar</name>
     <message>
-        <source>&amp;Close</source>
-        <translation>S&amp;chließen</translation>
-    </message>
-    <message>
         <source>What is wrong</source>
         <translation>Was nicht stimmt</translation>
     </message>
@@ -288,6 +342,10 @@
             <numerusform>%1 (und %n weiteres)</numerusform>
             <numerusform>%1 (und %n weitere)</numerusform>
         </translation>
+    </message>
+    <message>
+        <source>Cl&amp;ose</source>
+        <translation>S&amp;chließen</translation>
     </message>
 </context>
 <context>
@@ -321,7 +379,7 @@
     </message>
     <message>
         <source>Canc&amp;el</source>
-        <translation>Abbre&amp;chen</translation>
+        <translation>Abbrec&amp;hen</translation>
     </message>
     <message>
         <source>&amp;Yes, write</source>
@@ -549,6 +607,17 @@
     <message>
         <source>State</source>
         <translation>Zustand</translation>
+    </message>
+</context>
+<context>
+    <name>fxview::ScreenPage</name>
+    <message>
+        <source>Pages of the screen</source>
+        <translation>Seiten des Bildes</translation>
+    </message>
+    <message>
+        <source>Mistakes in the screen file</source>
+        <translation>Fehler in der Bilddatei</translation>
     </message>
 </context>
 <context>
