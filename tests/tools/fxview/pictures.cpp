@@ -14,6 +14,7 @@
 #include <QComboBox>
 #include <QDir>
 #include <QFontInfo>
+#include <QTemporaryFile>
 #include <QTest>
 
 #include <cmath>
@@ -38,6 +39,101 @@ const char* const plantRows =
     "door.closed,X0,,,,,,200,,,,,,,\n"
     "valve.open,Y1,,,,,,200,,,,,,,\n"
     "program,D200:8,text,,,,,5000,ro,,,,,,\n";
+
+const char* const screenOfThePlant = R"([[page]]
+title = "Oven"
+[[page.text]]
+row = 1
+column = 1
+width = 5
+text = "Baking line"
+[[page.text]]
+tag = "program"
+row = 1
+column = 8
+width = 5
+label = "Program"
+[[page.dial]]
+tag = "oven.temperature"
+row = 2
+column = 1
+width = 4
+height = 4
+label = "Oven"
+[[page.trend]]
+tag = "oven.temperature"
+row = 2
+column = 5
+width = 8
+height = 4
+label = "Oven, last minute"
+min = 100
+max = 200
+[[page.bar]]
+tag = "oil.pressure"
+row = 6
+column = 1
+width = 4
+label = "Oil pressure"
+min = 0
+max = 5
+[[page.bar]]
+tag = "oil.level"
+row = 6
+column = 5
+width = 4
+label = "Oil level"
+min = 0
+max = 100
+[[page.numeric-display]]
+tag = "conveyor.speed"
+row = 6
+column = 9
+width = 4
+label = "Conveyor"
+[[page.numeric-entry]]
+tag = "oven.setpoint"
+row = 7
+column = 1
+width = 4
+label = "Set the oven to"
+[[page.switch]]
+tag = "conveyor.run"
+row = 7
+column = 5
+width = 4
+label = "Conveyor"
+on-text = "runs"
+off-text = "stands"
+[[page.numeric-display]]
+tag = "conveyor.parts"
+row = 7
+column = 9
+width = 4
+label = "Loaves"
+[[page.lamp]]
+tag = "door.closed"
+row = 8
+column = 1
+width = 4
+label = "Door"
+on-text = "closed"
+off-text = "open"
+[[page.lamp]]
+tag = "valve.open"
+row = 8
+column = 5
+width = 4
+label = "Steam valve"
+on-colour = "yellow"
+[[page.push-button]]
+tag = "conveyor.run"
+row = 8
+column = 9
+width = 4
+label = "Stop"
+action = "reset"
+)";
 
 QVector<fxtools::Tag> manyTags()
 {
@@ -237,6 +333,17 @@ void drawRecipes(const QString& folder)
     scene.save(folder, "recipes");
 }
 
+void drawScreen(const QString& folder)
+{
+    QTemporaryFile file;
+    if (!file.open() || file.write(screenOfThePlant) < 0 || !file.flush())
+        qFatal("no place for a screen");
+    Scene scene;
+    scene.window.openScreen(file.fileName(), true);
+    scene.run();
+    scene.save(folder, "screen");
+}
+
 }  // namespace
 
 int main(int argumentCount, char** arguments)
@@ -260,6 +367,7 @@ int main(int argumentCount, char** arguments)
     drawTrends(folder);
     drawLine(folder);
     drawRecipes(folder);
+    drawScreen(folder);
     applyTheme(application, true);
     QApplication::setFont(font);
     drawValues(folder, "dark");
