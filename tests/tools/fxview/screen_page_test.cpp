@@ -5,6 +5,7 @@
 
 #include "tests/tools/fxview/window_support.h"
 #include "tools/fxview/screens/widgets/element_controls.h"
+#include "tools/fxview/screens/widgets/hold_button.h"
 
 #include <QFile>
 #include <QPlainTextEdit>
@@ -174,11 +175,13 @@ TEST_F(ScreenPageInWindow, SaysOfEveryElementWhenItsValueIsOldOrBad)
         EXPECT_EQ(shown(label), "–, bad: refused") << label;
 }
 
-// By its shape too, not by its colour alone: the same pictures without colours must differ.
+// Below the face, by its shape and not by its colour alone: pictures without colours must differ.
 TEST_F(ScreenPageInWindow, PaintsGoodStaleAndBadDifferently)
 {
     const auto picture = [](QWidget* of) {
-        return of->grab().toImage().convertToFormat(QImage::Format_Mono, Qt::ThresholdDither);
+        const int line = of->fontMetrics().height();
+        const QRect area(0, of->height() - line, of->width(), line);
+        return of->grab(area).toImage().convertToFormat(QImage::Format_Mono, Qt::ThresholdDither);
     };
     for (int page = 0; page < 2; ++page) {
         inner->setCurrentIndex(page);
@@ -229,6 +232,8 @@ TEST_F(ScreenPageInWindow, HoldsABitWhileTheSpaceKeyIsDown)
     QTest::keyPress(jog, Qt::Key_Space);
     QTest::keyClick(jog, Qt::Key_Escape);
     EXPECT_EQ(sent(), "1010");
+    QKeyEvent repeat(QEvent::KeyPress, Qt::Key_Space, Qt::NoModifier, " ", true);
+    QApplication::sendEvent(jog, &repeat);
     QTest::keyRelease(jog, Qt::Key_Space);
     EXPECT_EQ(sent(), "1010");
 }
@@ -290,6 +295,38 @@ TEST_F(ScreenPageInWindow, ReleasesWhenTheWindowIsHidden)
     press();
     window.hide();
     EXPECT_EQ(sent(), "10");
+}
+
+TEST_F(ScreenPageInWindow, ReleasesWhenTheWindowEndsWithoutBeingClosed)
+{
+    auto other = std::make_unique<MainWindow>(plc, [this] { return nowMs; });
+    other->openScreen(screenFile, true);
+    emit plc.linkChanged(true, {});
+    QTest::mousePress(other->findChild<HoldButton*>(), Qt::LeftButton);
+    EXPECT_EQ(sent(), "1");
+    other.reset();
+    EXPECT_EQ(sent(), "10");
+}
+
+// Each reason by itself: elsewhere the focus goes at the same time.
+TEST_F(ScreenPageInWindow, LetsGoOfAButtonThatNeverHadTheFocus)
+{
+    HoldButton button;
+    button.setFocusPolicy(Qt::NoFocus);
+    int held = 0, letGo = 0;
+    QObject::connect(&button, &HoldButton::held, [&] { ++held; });
+    QObject::connect(&button, &HoldButton::letGo, [&] { ++letGo; });
+    button.show();
+    QTest::mousePress(&button, Qt::LeftButton);
+    EXPECT_TRUE(button.isHeld());
+    button.setEnabled(false);
+    EXPECT_EQ(letGo, 1);
+    button.setEnabled(true);
+    EXPECT_FALSE(button.isHeld());
+    QTest::mousePress(&button, Qt::LeftButton);
+    button.hide();
+    EXPECT_EQ(held, 2);
+    EXPECT_EQ(letGo, 2);
 }
 
 TEST_F(ScreenPageInWindow, ReleasesAfterALostLinkWithABarUntilItIsConfirmed)
@@ -375,6 +412,22 @@ TEST_F(ScreenPageInWindow, FollowsAFileThatAnEditorReplaces)
         ASSERT_TRUE(QTest::qWaitFor([&] { return view(label) != nullptr; }, 30000)) << label;
         EXPECT_EQ(inner->currentIndex(), 1);
     }
+    path = screenFile;
+    write(panel);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return view("Curve") != nullptr; }, 30000))
+        << "changed in its place";
+}
+
+TEST_F(ScreenPageInWindow, TakesAFileThatIsThereAgain)
+{
+    auto* list = find<QPlainTextEdit>("Mistakes in the screen file");
+    QFile::remove(screenFile);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return list->isVisible(); }, 30000));
+    EXPECT_EQ(list->toPlainText(), screenFile + ": No such file or directory");
+    EXPECT_TRUE(view("Jog")) << "the last screen stays";
+    write(QByteArray(panel).replace("Jog", "Inch"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return view("Inch") != nullptr; }, 30000));
+    EXPECT_FALSE(list->isVisible());
 }
 
 TEST_F(ScreenPageInWindow, ListsTheMistakesOfItsFileAndShowsTheRest)
@@ -422,6 +475,9 @@ TEST_F(ScreenPageInWindow, SetsAndSwitchesAtOnce)
     QKeyEvent repeat(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, "", true);
     QApplication::sendEvent(motor, &repeat);
     EXPECT_EQ(sent(), "1100");
+    answer(3, Outcome::Done, 0);
+    QApplication::sendEvent(motor, &repeat);
+    EXPECT_EQ(sent(), "1100") << "a key that is held";
 }
 
 TEST_F(ScreenPageInWindow, WritesANumberOnEnterWithinItsLimits)
@@ -450,7 +506,8 @@ TEST_F(ScreenPageInWindow, WritesANumberOnEnterWithinItsLimits)
     answer(2, Outcome::Done, 80);
     EXPECT_EQ(said(), "Done: oven.temp was 1 °C, is now 80 °C (read back)");
     EXPECT_EQ(field->text(), "");
-    EXPECT_EQ(texts("writeBar"), "") << "that of the values was not asked";
+    pages->setCurrentIndex(1);
+    EXPECT_EQ(texts("writeBar"), "Choose a row to write its value") << "it was not asked";
 }
 
 TEST_F(ScreenPageInWindow, WritesNothingWhileThePlcIsSilent)

@@ -89,6 +89,7 @@ TEST_F(ScreenWritesTest, SendsAReleaseAgainThatTheLostLinkSwallowed)
     writes->press(motor);
     writes->release(motor);
     emit plc.linkChanged(false, "no answer");
+    EXPECT_EQ(writes->overdue(), QVector<int>{motor});
     answer(1, Outcome::Unknown);
     EXPECT_EQ(writes->overdue(), QVector<int>{motor});
     pass(60000);

@@ -123,7 +123,7 @@ void ScreenWrites::take(const WriteResult& result)
 void ScreenWrites::noteRelease(const WriteResult& result)
 {
     const auto found = m_pressed.find(result.tag);
-    if (found == m_pressed.end() || found->isHeld || found->releaseId != result.id)
+    if (found == m_pressed.end() || found->releaseId != result.id)
         return;
     found->releaseId = 0;
     const bool isFailure = result.outcome == WriteResult::Outcome::Failed;

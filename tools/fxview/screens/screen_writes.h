@@ -49,7 +49,7 @@ private:
     struct Press
     {
         bool isHeld = true;
-        int releaseId = 0;  // awaited; 0: to be sent
+        int releaseId = 0;  // awaited; 0: held, or to be sent
         bool isOverdue = false;
         int failures = 0;  // in a row
         qint64 letGoMs = 0;

@@ -48,6 +48,8 @@ MainWindow::MainWindow(PlcSource& source, const Clock& clock)
 // The pages look into the books, which end before what a window owns.
 MainWindow::~MainWindow()
 {
+    m_screenWrites.disconnect();  // from what ends now
+    m_screenWrites.releaseAll();
     delete takeCentralWidget();
 }
 

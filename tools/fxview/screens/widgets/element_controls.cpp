@@ -3,6 +3,7 @@
 
 #include "tools/fxview/screens/widgets/element_controls.h"
 
+#include "tools/fxview/screens/widgets/hold_button.h"
 #include "tools/fxview/widgets/theme.h"
 #include "tools/fxview/widgets/write_bar.h"
 
@@ -18,11 +19,10 @@ PushButtonView::PushButtonView(const Element& element, const ValueBook& book, Sc
 {
     const int tag = element.tag;
     if (element.action == ButtonAction::Momentary) {
-        m_holdButton = new HoldButton(this);
-        m_button = m_holdButton;
-        connect(m_holdButton, &HoldButton::held, this, [this, tag] { this->writes().press(tag); });
-        connect(m_holdButton, &HoldButton::letGo, this,
-                [this, tag] { this->writes().release(tag); });
+        auto* button = new HoldButton(this);
+        m_button = button;
+        connect(button, &HoldButton::held, this, [this, tag] { this->writes().press(tag); });
+        connect(button, &HoldButton::letGo, this, [this, tag] { this->writes().release(tag); });
     } else {
         const QString text = element.action == ButtonAction::Set ? "1" : "0";
         m_button = new QPushButton(this);
@@ -32,12 +32,6 @@ PushButtonView::PushButtonView(const Element& element, const ValueBook& book, Sc
     }
     m_button->setText(QString(element.label).replace('&', QLatin1String("&&")));
     m_button->setAccessibleName(element.label);
-}
-
-PushButtonView::~PushButtonView()
-{
-    if (m_holdButton && m_holdButton->isHeld())
-        writes().release(element().tag);
 }
 
 void PushButtonView::showMoment(qint64 nowMs)

@@ -7,9 +7,9 @@
 #pragma once
 
 #include "tools/fxview/screens/widgets/element_view.h"
-#include "tools/fxview/screens/widgets/hold_button.h"
 
 #include <QLineEdit>
+#include <QPushButton>
 
 namespace fxview {
 
@@ -20,7 +20,6 @@ class PushButtonView : public ElementView
 public:
     PushButtonView(const Element& element, const ValueBook& book, ScreenWrites& writes,
                    QWidget* parent);
-    ~PushButtonView() override;  // lets go
 
     void showMoment(qint64 nowMs) override;
 
@@ -31,7 +30,6 @@ protected:
 
 private:
     QPushButton* m_button;
-    HoldButton* m_holdButton = nullptr;  // the same, if it is a momentary one
 };
 
 // A rail with a knob, on the right when it is on.

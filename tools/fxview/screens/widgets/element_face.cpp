@@ -137,7 +137,7 @@ void paintDial(QPainter& painter, const QRectF& area, const Face& face, const QP
     const QRectF text(centre.x() - width / 2, centre.y() + radius * 0.12, width,
                       std::min(area.bottom() - centre.y() - radius * 0.12, 2 * letter));
     paintLargeText(painter, text, faceText(face));
-    const QRectF ends(area.left(), centre.y() + radius * 0.5, area.width(), letter);
+    const QRectF ends(area.left(), area.bottom() - letter, area.width(), letter);
     painter.setPen(palette.color(QPalette::Text));
     if (area.width() > 4 * radius) {
         const double side = area.width() / 2 - radius;

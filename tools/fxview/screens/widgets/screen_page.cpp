@@ -36,6 +36,7 @@ ScreenPage::ScreenPage(const ValueBook& book, ScreenWrites& writes, QWidget* par
     m_pages->tabBar()->setAccessibleName(tr("Pages of the screen"));
     m_said->setTextFormat(Qt::PlainText);
     m_said->setWordWrap(true);
+    m_said->setMinimumHeight(fontMetrics().lineSpacing());  // no button moves under the mouse
     m_mistakes->setReadOnly(true);
     m_mistakes->setTabChangesFocus(true);
     m_mistakes->setAccessibleName(tr("Mistakes in the screen file"));
