@@ -92,6 +92,8 @@ TEST_F(Recordings, NameTheLineOfAMistake)
 {
     const std::string good = R"({"answer":1,"handed":"","sent":"02","text":""})";
     EXPECT_EQ(errorOf(head + "\n" + good + "\n" + good + "\n"), "no error");
+    const std::string least = R"({"addresses":[],"fxhost":1,"property":"1#0#0#1#1"})";
+    EXPECT_EQ(errorOf(least + "\n" + good + "\n"), "no error");
     const struct
     {
         std::string content;

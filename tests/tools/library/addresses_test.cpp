@@ -196,6 +196,10 @@ TEST(Ranges, AreCutAndNamed)
     EXPECT_EQ(part.text(), "2#X10:3");
     EXPECT_EQ(part.first, 8);
     EXPECT_EQ(part.part(2, 1).text(), "2#X12");
+    const QVector<RegisterRange> parts = range("D0:40").cut(32);
+    ASSERT_EQ(parts.size(), 2);
+    EXPECT_EQ(parts[0].text(), "D0:32");
+    EXPECT_EQ(parts[1].text(), "D32:8");
 }
 
 // Bits go into the plan from the first of their byte on.

@@ -246,6 +246,8 @@ TEST_F(TagFiles, NameTagsWithHarmlessCharactersOnly)
     }
     EXPECT_FALSE(nameMistake("-a", catalogue()).isEmpty());
     EXPECT_FALSE(nameMistake(QString("a\u202Eb"), catalogue()).isEmpty());
+    EXPECT_EQ(nameMistake(QString(64, 'a'), catalogue()), "");
+    EXPECT_EQ(nameMistake(QString(65, 'a'), catalogue()), "is longer than 64 characters");
 }
 
 TEST_F(TagFiles, HoldNothingThatControlsTheScreen)

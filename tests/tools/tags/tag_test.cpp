@@ -201,6 +201,21 @@ TEST(Tags, RememberAValueAsItWasWritten)
     EXPECT_EQ(assignmentOf(tagAt("D0", 0.1), " 71.50 ", catalogue()).written, "71.50");
 }
 
+TEST(Tag, HasAWritableValueWhereALimitIsOneOrARawValueLiesBetween)
+{
+    Tag tag = tagAt("D0", 7, 1);  // ... 1, 8, 15 ...
+    tag.min = 9;
+    tag.max = 14;
+    EXPECT_FALSE(tag.hasWritable());
+    tag.max = 15;
+    EXPECT_TRUE(tag.hasWritable());
+    tag.min = 2;
+    tag.max = 8;
+    EXPECT_TRUE(tag.hasWritable());
+    tag.max = 7;
+    EXPECT_FALSE(tag.hasWritable());
+}
+
 TEST(ShortestDecimal, IsWithinTheTolerance)
 {
     EXPECT_EQ(shortestDecimal(100.1 - 100, 1e-13), 0.1);

@@ -329,6 +329,9 @@ TEST(Session, EverythingIsCounted)
     EXPECT_TRUE(counted.text().contains("refused: wrong checksum       1\n")) << counted.text();
     EXPECT_TRUE(counted.text().contains("fault: wrong-sum              1\n")) << counted.text();
     EXPECT_FALSE(counted.text().contains("silence"));
+    Statistics first;
+    first.faults[0] = 1;
+    EXPECT_TRUE(first.text().contains("fault: power-cycle")) << first.text();
 }
 
 TEST(Session, TraceTellsRequestsFaultsAndReplies)

@@ -35,6 +35,7 @@ TEST(PlcMemory, HasWholeRangesOnly)
     memory.setMissing({{0x1010, 0x1013}});
     EXPECT_TRUE(memory.has(0x1000, 16));
     EXPECT_FALSE(memory.has(0x0FFF, 2));
+    EXPECT_TRUE(memory.has(0x0FFF, 0));
     EXPECT_FALSE(memory.has(0x1000, 17));
     EXPECT_TRUE(memory.has(0x1014, 1));
     EXPECT_TRUE(memory.has(0x1FFF, 1));
