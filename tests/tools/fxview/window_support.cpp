@@ -32,12 +32,6 @@ const auto* const screenless = testing::AddGlobalTestEnvironment(new Screenless)
 
 }  // namespace
 
-// What Qt's platform without a screen never frees.
-extern "C" const char* __lsan_default_suppressions()  // NOLINT(bugprone-reserved-identifier)
-{
-    return "leak:libQt5Core\nleak:libQt5Gui\nleak:libQt5Widgets\n";
-}
-
 QPushButton* Window::button(const char* text) const
 {
     for (QPushButton* button : window.findChildren<QPushButton*>()) {
