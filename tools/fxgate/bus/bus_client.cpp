@@ -234,6 +234,8 @@ void BusClient::watchConnection()
 {
     if (m_isUp && m_outbox.batchSize() > 0)
         sendBarrier();
+    else if (m_isUp && m_outbox.isAllConfirmed() && m_form.confirmed())
+        m_isMemoryDue = true;
     const qint64 now = steadyMs();
     if (m_isUp ? m_outbox.oldestBarrierMs(now) < now - barrierTimeoutMs
                : m_attemptMs < now - connectTimeoutMs)

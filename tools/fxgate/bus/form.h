@@ -63,6 +63,7 @@ public:
     virtual QStringList subscriptions() const = 0;
     virtual Messages connected(qint64 nowMs) = 0;  // and subscribed
     virtual void disconnected() = 0;
+    virtual bool confirmed() { return false; }  // all that was sent; true: memory() has changed
     virtual Messages leaving(qint64 nowMs) = 0;
 
     virtual Messages linkChanged(const QString& link, qint64 nowMs) = 0;  // its state or its tags

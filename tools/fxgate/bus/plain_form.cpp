@@ -124,16 +124,39 @@ QStringList PlainForm::subscriptions() const
 
 Message PlainForm::linkState(const QString& link, qint64 nowMs) const
 {
-    const QString topic = m_root + link + "/state";
-    if (!m_plant.contains(link))
-        return {topic, {}, 1, true};  // deletes what the broker has
     const LinkView view = m_plant.value(link);
     QJsonObject object = {
         {QStringLiteral("state"), view.isUp ? QStringLiteral("up") : QStringLiteral("down")},
         {QStringLiteral("t"), timeText(view.sinceMs == 0 ? nowMs : view.sinceMs)}};
     if (!view.isUp)
         object.insert(QStringLiteral("why"), view.reason);
-    return {topic, compact(object), 1, true};
+    return {m_root + link + '/' + stateTopic, compact(object), 1, true};
+}
+
+void PlainForm::disconnected()
+{
+    m_told.clear();
+    m_deleted.clear();
+}
+
+// What was deleted stays known until then: the broker may have gone before it read that.
+bool PlainForm::confirmed()
+{
+    const bool hasChanged = !m_deleted.isEmpty();
+    for (const QString& topic : qAsConst(m_deleted)) {
+        const QString link = topic.section('/', 0, 0);
+        m_retained[link].remove(topic.section('/', 1));
+        if (m_retained[link].isEmpty())
+            m_retained.remove(link);
+    }
+    m_deleted.clear();
+    return hasChanged;
+}
+
+void PlainForm::retain(const QString& link, const QString& tag)
+{
+    m_retained[link].insert(tag);
+    m_deleted.remove(link + '/' + tag);
 }
 
 // The broker still has values of former runs: those of tags that are gone are deleted, those of
@@ -142,19 +165,23 @@ Messages PlainForm::outdated(const QString& link, qint64 nowMs)
 {
     const LinkView view = m_plant.value(link);
     QSet<QString> configured;
+    if (m_plant.contains(link))
+        configured.insert(stateTopic);
     for (const ServedTag& tag : view.tags)
         configured.insert(tag.name);
     const bool isStarting = m_plant.contains(link) && view.tags.isEmpty();
     const Sample starting = {{}, Quality::Bad, QStringLiteral("the link is starting"), nowMs};
     Messages messages;
     for (const QString& tag : m_retained.value(link) - configured) {
-        const QString topic = m_root + link + '/' + tag;
+        const QString topic = link + '/' + tag;
+        if (m_deleted.contains(topic))
+            continue;
+        if (!isStarting)
+            m_deleted.insert(topic);
         const QByteArray payload = isStarting ? compact(sampleObject(starting)) : QByteArray();
-        messages.append({topic, payload, 1, true});
-        m_told.remove(topic);
+        messages.append({m_root + topic, payload, 1, true});
+        m_told.remove(m_root + topic);
     }
-    if (!isStarting)
-        m_retained[link].intersect(configured);
     return messages;
 }
 
@@ -176,7 +203,14 @@ Messages PlainForm::connected(qint64 nowMs)
 
 Messages PlainForm::linkChanged(const QString& link, qint64 nowMs)
 {
-    return Messages{linkState(link, nowMs)} + outdated(link, nowMs);
+    const Messages messages = outdated(link, nowMs);
+    const auto view = m_plant.find(link);
+    if (view == m_plant.end())
+        return messages;
+    retain(link, stateTopic);
+    for (const ServedTag& tag : view->tags)
+        retain(link, tag.name);
+    return Messages{linkState(link, nowMs)} + messages;
 }
 
 Messages PlainForm::dropped(qint64 changes, qint64 nowMs)
@@ -200,7 +234,6 @@ Messages PlainForm::values(const QVector<Change>& changes, qint64 /*nowMs*/)
                                          told.reason == change.sample.reason))
             continue;
         m_told.insert(topic, change.sample);
-        m_retained[change.link].insert(change.tag);
         messages.append({topic, compact(sampleObject(change.sample)), 1, true});
     }
     return messages;

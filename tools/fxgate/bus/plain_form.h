@@ -35,7 +35,8 @@ public:
     bool wantsWillAfterLeaving() const override { return false; }
     QStringList subscriptions() const override;
     Messages connected(qint64 nowMs) override;
-    void disconnected() override { m_told.clear(); }
+    void disconnected() override;
+    bool confirmed() override;
     Messages leaving(qint64 nowMs) override;
     Messages linkChanged(const QString& link, qint64 nowMs) override;
     Messages dropped(qint64 changes, qint64 nowMs) override;
@@ -50,13 +51,15 @@ private:
     Message state(const QString& state, qint64 nowMs) const;
     Message linkState(const QString& link, qint64 nowMs) const;
     Messages outdated(const QString& link, qint64 nowMs);
+    void retain(const QString& link, const QString& tag);
 
     QString m_gateway;
     QString m_root;  // with its "/"
     const Plant& m_plant;
     qint64 m_dropped = 0;
     QHash<QString, Sample> m_told;            // in this connection, by topic
-    QMap<QString, QSet<QString>> m_retained;  // by link: the tags of which the broker has a value
+    QMap<QString, QSet<QString>> m_retained;  // by link: tags of which the broker may have a value
+    QSet<QString> m_deleted;                  // of these, in this connection: "press1/flow"
 };
 
 // What becomes of a received write: a value, or why it is none.

@@ -136,12 +136,43 @@ TEST_F(PlainFormTest, ValuesOfTagsAndLinksThatAreGoneAreDeleted)
     m_plant["press1"].tags.removeFirst();
     EXPECT_NE(text(m_form.linkChanged("press1", noon)).find("fx/cabinet1/press1/flow r \n"),
               std::string::npos);
-    EXPECT_EQ(m_form.memory(), "press1/batch\npress1/count\npress1/pump");
+    EXPECT_EQ(m_form.linkChanged("press1", noon).size(), 1);  // once in a connection
+    EXPECT_TRUE(m_form.confirmed());
+    EXPECT_EQ(m_form.memory(), "press1/batch\npress1/count\npress1/pump\npress1/state");
+    EXPECT_FALSE(m_form.confirmed());
     m_plant.clear();
     const std::string told = text(m_form.connected(noon));
     EXPECT_NE(told.find("fx/cabinet1/press1/state r \n"), std::string::npos) << told;
     EXPECT_NE(told.find("fx/cabinet1/press1/pump r \n"), std::string::npos) << told;
+    m_form.confirmed();
     EXPECT_EQ(m_form.memory(), "");
+}
+
+// A broker that stood still when a link was taken out of the configuration had its values for ever.
+TEST_F(PlainFormTest, WhatIsGoneIsDeletedAgainUntilThatIsConfirmed)
+{
+    m_form.connected(noon);
+    m_plant.clear();
+    EXPECT_EQ(m_form.linkChanged("press1", noon).size(), 5);
+    m_form.disconnected();
+    PlainForm later("fx", "cabinet1", m_plant);
+    later.recall(m_form.memory());
+    EXPECT_EQ(later.connected(noon).size(), 1 + 5);
+    later.confirmed();
+    later.disconnected();
+    EXPECT_EQ(later.connected(noon).size(), 1);
+}
+
+TEST_F(PlainFormTest, ValueThatCameBackIsDeletedAgain)
+{
+    const Plant plant = m_plant;
+    m_form.connected(noon);
+    m_plant.clear();
+    m_form.linkChanged("press1", noon);
+    m_plant = plant;
+    m_form.linkChanged("press1", noon);
+    m_plant.clear();
+    EXPECT_EQ(m_form.linkChanged("press1", noon).size(), 5);
 }
 
 TEST_F(PlainFormTest, ValueThatWasDeletedIsToldAgain)
