@@ -44,13 +44,14 @@ Chaos::Chaos(unsigned int seed, const Note& note)
         return std::make_unique<SimulatedWorker>(m_timeline, m_random, m_witness,
                                                  m_links[static_cast<size_t>(link)]);
     };
-    m_environment.makeConnection = [this](const BrokerSettings&, const QString& clientId,
+    m_environment.makeConnection = [this](const BrokerSettings& settings, const QString& clientId,
                                           const Message& will) {
-        return m_broker.connectTo(clientId, will);
+        return m_broker.connectTo(settings, clientId, will);
     };
     m_broker.onMessage = [this](const Message& message, int session) {
         m_witness.read(message, session);
     };
+    chooseSettings();
     writeConfiguration();
     tellHost(true);
     startGateway();
@@ -76,29 +77,53 @@ void Chaos::note(const QString& text)
         m_note(m_timeline.steadyMs(), text);
 }
 
-void Chaos::writeConfiguration()
+void Chaos::chooseSettings()
 {
     m_limitBytes = happens(0.5) ? 1 << 20 : 100 << 20;
-    QByteArray text =
+    m_settings =
         "[gateway]\nname = \"cabinet1\"\naudit = \"audit.jsonl\"\nstore = \"/store.db\"\n"
         "store-limit = \"" +
         QByteArray::number(m_limitBytes >> 20) +
         "M\"\nhistory-per-second = " + QByteArray::number(some(50, 1000)) + "\nstore-age = \"" +
         QByteArray::number(some(60, 600000)) + "s\"\nrefresh = \"" +
         QByteArray::number(some(600, 7200)) +
-        "s\"\n[broker]\nurl = \"mqtt://localhost\"\n[writes]\nallowed = true\n"
-        "per-minute = 600\n[plain]\n[sparkplug]\ngroup = \"plant\"\n";
+        "s\"\n[broker]\nurl = \"mqtt://localhost\"\nprotocol = \"" +
+        (happens(0.3) ? "3.1.1" : "5") +
+        "\"\n[writes]\nallowed = true\nper-minute = 600\n[plain]\n[sparkplug]\ngroup = \"plant\"\n";
     if (m_hasHost)
-        text += "primary-host = \"scada\"\n";
-    for (const SimulatedLink& link : m_links)
-        text += "[link." + linkName(link.number).toUtf8() +
-                "]\nlink = \"sim:\"\ntags = \"tags.csv\"\nwrites = true\n";
-    for (const auto& [name, content] :
-         {std::pair<const char*, QByteArray>{"fxgate.toml", text}, {"tags.csv", "x"}}) {
+        m_settings += "primary-host = \"scada\"\n";
+}
+
+void Chaos::writeConfiguration()
+{
+    std::map<QString, QByteArray> files = {{"fxgate.toml", m_settings}};
+    for (const SimulatedLink& link : m_links) {
+        const QByteArray name = linkName(link.number).toUtf8();
+        files[name + ".csv"] = QByteArray::number(link.edition);
+        if (link.isServed)
+            files["fxgate.toml"] += "[link." + name + "]\nlink = \"sim:\"\ntags = \"" + name +
+                                    ".csv\"\nwrites = true\n";
+    }
+    for (const auto& [name, content] : files) {
         QFile file(m_folder.filePath(name));
         if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
             m_findings.append("cannot write " + file.fileName());
     }
+}
+
+// Takes a link out of the configuration, puts it in, or changes its tag file.
+void Chaos::changeLink(SimulatedLink& link, bool isServed)
+{
+    const QString name = linkName(link.number);
+    const char* const change = !link.isServed ? " started" : isServed ? " restarted" : " stopped";
+    note("reload: " + name + change);
+    link.isServed = isServed;
+    ++link.edition;
+    writeConfiguration();
+    const QString done = m_gateway->reload().text;
+    m_witness.linkConfigured(link.number, isServed);
+    if (done != "reload: " + name + change)
+        m_findings.append("reload of " + name + change + ", it says: " + done);
 }
 
 void Chaos::startGateway()
@@ -122,7 +147,6 @@ std::array<qint64, forms> Chaos::dropped() const
     return {m_forms[chaos::Plain]->status().dropped, m_forms[chaos::Sparkplug]->status().dropped};
 }
 
-// While the disk is bad, what cannot be stored is in memory.
 void Chaos::stopGateway()
 {
     m_gateway->stop();
@@ -204,6 +228,7 @@ void Chaos::run(qint64 stormMs)
     if (!findings().isEmpty())
         return;  // no need to look on
     stopGateway();
+    m_timeline.runUntil(m_timeline.steadyMs() + 10000);
     m_witness.finish();
 }
 
@@ -219,12 +244,14 @@ void Chaos::calmDown()
     for (SimulatedLink& link : m_links) {
         link.lostUntilMs = link.absentUntilMs = 0;
         link.badUntilMs = {};
+        if (!link.isServed)
+            changeLink(link, true);
     }
 }
 
 void Chaos::trouble()
 {
-    switch (below(m_random, 12)) {
+    switch (below(m_random, 13)) {
     case 0:
     case 1:
     case 2:
@@ -240,6 +267,11 @@ void Chaos::trouble()
         return troubleOfDisk(below(m_random, 5));
     case 10:
         return troubleOfClock();
+    case 11: {
+        SimulatedLink& link = m_links[static_cast<size_t>(below(m_random, int(m_links.size())))];
+        return changeLink(link, !link.isServed || m_links.size() == 1 || link.number == 0 ||
+                                    happens(0.5));
+    }
     default:
         break;
     }

@@ -37,6 +37,7 @@ public:
     QStringList findings() const { return m_findings + m_witness.findings(); }
 
 private:
+    void chooseSettings();
     void writeConfiguration();
     void startGateway();
     void stopGateway();
@@ -51,6 +52,7 @@ private:
     void troubleOfWorker(int kind);
     void troubleOfDisk(int kind);
     void troubleOfClock();
+    void changeLink(SimulatedLink& link, bool isServed);
     void command();
     void tellHost(bool isOnline);
     void calmDown();
@@ -71,6 +73,7 @@ private:
     std::unique_ptr<fxgate::Gateway> m_gateway;
     std::array<fxgate::Bus*, forms> m_forms = {};
     bool m_hasHost;
+    QByteArray m_settings;  // of the configuration, all but the links
     qint64 m_limitBytes = 0;
     qint64 m_diskGoodSinceMs = 0;
     qint64 m_writes = 0;

@@ -32,11 +32,13 @@ SimulatedBroker::SimulatedBroker(Timeline& timeline, Random& random)
     : m_timeline(timeline), m_random(random)
 {}
 
-std::unique_ptr<fxgate::Connection> SimulatedBroker::connectTo(const QString& clientId,
-                                                               const Message& will)
+std::unique_ptr<fxgate::Connection>
+SimulatedBroker::connectTo(const fxgate::BrokerSettings& settings, const QString& clientId,
+                           const Message& will)
 {
     auto session = std::make_shared<Session>();
     session->number = ++m_lastSession;
+    session->isVersion5 = settings.isVersion5;
     session->clientId = clientId;
     session->will = will;
     auto connection = std::make_unique<SimulatedConnection>(*this, session);
@@ -274,7 +276,9 @@ int SimulatedConnection::barrier()
 void SimulatedConnection::close(bool withWill)
 {
     if (!m_hasEnded)
-        m_broker.send(m_session, {SimulatedBroker::Packet::Kind::Disconnect, 0, {}, withWill});
+        m_broker.send(
+            m_session,
+            {SimulatedBroker::Packet::Kind::Disconnect, 0, {}, withWill && m_session->isVersion5});
 }
 
 void SimulatedConnection::end(const QString& reason)

@@ -31,7 +31,8 @@ public:
     // will it is 0.
     std::function<void(const fxgate::Message& message, int session)> onMessage;
 
-    std::unique_ptr<fxgate::Connection> connectTo(const QString& clientId,
+    std::unique_ptr<fxgate::Connection> connectTo(const fxgate::BrokerSettings& settings,
+                                                  const QString& clientId,
                                                   const fxgate::Message& will);
     void publish(const fxgate::Message& message);  // somebody else does
 
@@ -72,6 +73,7 @@ private:
     struct Session
     {
         int number = 0;
+        bool isVersion5 = true;
         QString clientId;
         fxgate::Message will;
         QStringList topics;

@@ -23,7 +23,9 @@ struct SimulatedLink
     std::array<qint64, tagsOfLink> badUntilMs = {};
     qint64 lostUntilMs = 0;
     qint64 absentUntilMs = 0;  // the program of its worker
-    double deafness = 0;       // of writes that are not answered, or twice
+    bool isServed = true;
+    int edition = 0;      // of its tag file
+    double deafness = 0;  // of writes that are not answered, or twice
     SimulatedWorker* worker = nullptr;
 };
 

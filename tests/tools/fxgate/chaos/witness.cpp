@@ -130,6 +130,15 @@ void Witness::workerGone(int link)
     m_links[link].steadySinceMs = m_timeline.steadyMs();
 }
 
+// Its values are not known any more.
+void Witness::linkConfigured(int link, bool isServed)
+{
+    m_links[link].isServed = isServed;
+    for (Told& told : m_links[link].tags)
+        told.number = -1;
+    disturbed();
+}
+
 void Witness::setHostOnline(bool isOnline)
 {
     m_isHostOnline = isOnline;
@@ -205,7 +214,7 @@ void Witness::readPlain(const QStringList& levels, const Message& message, int s
         return arrived(Plain, link, tag, object["v"], quality, timeMs,
                        object["repeat"].toBool() ? Marked : Historical);
     }
-    if (object["why"] == "the link is starting")
+    if (message.payload.isEmpty() || object["why"] == "the link is starting")
         return static_cast<void>(view.shown[{link, tag}].quality = Quality::Bad);
     const bool isFirst = view.announced.insert({session, link, tag}).second;
     arrived(Plain, link, tag, object["v"], quality, timeMs, isFirst ? Announced : Live);
@@ -351,9 +360,15 @@ void Witness::lookAt(FormIndex form)
     }
     if (now - m_disturbedMs < settledMs || now - view.sinceMs < graceMs)
         return;
-    for (int link = 0; link < m_links.size(); ++link)
+    for (int link = 0; link < m_links.size(); ++link) {
         for (int tag = 0; tag < tagsOfLink; ++tag)
             lookAtTag(form, link, tag);
+        const QString topics = "fx/cabinet1/" + linkName(link) + '/';
+        const auto kept = m_broker.retained().lowerBound(topics);
+        if (!m_links[link].isServed && kept != m_broker.retained().end() &&
+            kept.key().startsWith(topics) && !kept.key().endsWith("/set"))
+            find("of a link that is not served the broker has " + kept.key());
+    }
 }
 
 void Witness::lookAtTag(FormIndex form, int link, int tag)
@@ -410,6 +425,8 @@ void Witness::gatewayGone(qint64 keptSinceMs, const std::array<qint64, forms>& d
 void Witness::finish()
 {
     for (size_t form = 0; form < forms; ++form) {
+        if (m_views[form].session != 0)
+            find(QStringLiteral("%1 has ended and did not say so").arg(formNames[form]));
         qint64 missing = 0;
         QString first;
         for (const auto& [key, fate] : m_fates) {

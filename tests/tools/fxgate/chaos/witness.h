@@ -69,6 +69,7 @@ public:
     qint64 droppedTold(size_t form) const { return m_views[form].droppedTold; }
     void disturbed() { m_disturbedMs = m_timeline.steadyMs(); }
     void setHostOnline(bool isOnline);
+    void linkConfigured(int link, bool isServed);  // anew
 
     // The gateway is gone. What it had told nobody and could not store yet may be lost.
     void gatewayGone(qint64 keptSinceMs, const std::array<qint64, forms>& dropped);
@@ -113,7 +114,7 @@ private:
     };
     struct LinkTruth
     {
-        bool isAlive = false, isUp = false;
+        bool isAlive = false, isUp = false, isServed = true;
         qint64 heardMs = 0;
         qint64 steadySinceMs = 0;  // no gap, no change of state since
         std::array<Told, tagsOfLink> tags;
