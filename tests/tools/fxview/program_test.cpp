@@ -117,3 +117,30 @@ TEST(FxviewPictures, EndInAnErrorWithoutAPlc)
     EXPECT_EQ(nowhere.code, 7);
     EXPECT_TRUE(nowhere.err.endsWith("fxview: could not write /dev/null/pictures/page-1.png\n"));
 }
+
+TEST(FxviewScreens, AreWrittenNewAndNeverOverAnother)
+{
+    const QTemporaryDir folder;
+    const QString screen = folder.filePath("screen.toml");
+    const QStringList write{"--link", "sim:", "--tags", FX_SAMPLE_TAGS, "--new-screen", screen};
+    EXPECT_EQ(runFxview(write).code, 0);
+    const QString written = contentOf(screen.toUtf8());
+    EXPECT_TRUE(written.contains("[[page.switch]]\ntag = \"button\"\n")) << qPrintable(written);
+    const Ended again = runFxview(write);
+    EXPECT_EQ(again.code, 7);
+    EXPECT_TRUE(again.err.contains(screen)) << qPrintable(again.err);
+    EXPECT_EQ(contentOf(screen.toUtf8()), written);
+    const Ended shown = runFxview({"--link", "sim:", "--pictures", folder.path(), screen});
+    EXPECT_EQ(shown.code, 0);
+    EXPECT_FALSE(shown.err.contains("screen.toml")) << qPrintable(shown.err);
+}
+
+TEST(FxviewScreens, HaveTheirMistakesOnStandardError)
+{
+    const QTemporaryDir folder;
+    const QString screen = folder.filePath("none.toml");
+    const Ended ended = runFxview({"--link", "sim:", "--pictures", folder.path(), screen});
+    EXPECT_TRUE(ended.err.contains("fxview: " + screen + ": No such file or directory\n"))
+        << qPrintable(ended.err);
+    EXPECT_EQ(runFxview({"--new-screen", "a.toml", "b.toml"}).code, 2);
+}

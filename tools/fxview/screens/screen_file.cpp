@@ -200,13 +200,14 @@ private:
         for (int row = element.row; row < element.row + element.height; ++row) {
             for (int column = element.column; column < element.column + element.width; ++column) {
                 const QPair<int, int> cell(row, column);
-                if (m_users.contains(cell))
+                if (m_users.contains(cell)) {
                     return section.rejectAll(
                         QStringLiteral("row %1, column %2 is taken by the element of line %3; "
                                        "expected an empty place")
                             .arg(row)
                             .arg(column)
                             .arg(m_users[cell]));
+                }
             }
         }
         for (int row = element.row; row < element.row + element.height; ++row) {
