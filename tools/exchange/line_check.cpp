@@ -85,7 +85,7 @@ int LineCheck::measured() const
 int LineCheck::goodPercent() const
 {
     const int all = measured();
-    return all > 0 ? 100 * exchanges.value(ReplyVerdict::Good) / all : 0;
+    return all > 0 ? static_cast<int>(qint64(100) * exchanges.value(ReplyVerdict::Good) / all) : 0;
 }
 
 int LineCheck::words() const
@@ -96,6 +96,11 @@ int LineCheck::words() const
             words = block.byteCount / wordBytes;
     }
     return words;
+}
+
+bool LineCheck::blocksFail() const
+{
+    return !blocks.isEmpty() && blocks.last().verdict != ReplyVerdict::Good;
 }
 
 ReplyVerdict LineCheck::worst() const

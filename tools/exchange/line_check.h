@@ -42,6 +42,7 @@ struct LineCheck
     int measured() const;
     int goodPercent() const;     // 100 only if every one is good
     int words() const;           // of the largest block that works
+    bool blocksFail() const;     // the largest that was tried
     ReplyVerdict worst() const;  // what was most often wrong; Good if nothing was
 };
 

@@ -4,7 +4,7 @@
 // Lines and PLCs as a check finds them.
 
 #include "tests/tools/support/virtual_line.h"
-#include "tools/exchange/line_check.h"
+#include "tools/exchange/diagnosis.h"
 
 #include <gtest/gtest.h>
 
@@ -154,4 +154,26 @@ TEST(LineChecks, CountEvenOneExchange)
     EXPECT_EQ(check.goodPercent(), 0);
     check.exchanges[ReplyVerdict::Good] = 1;
     EXPECT_EQ(check.goodPercent(), 100);
+}
+
+TEST(LineInUse, IsJudgedByAllItsExchanges)
+{
+    Statistics statistics;
+    const auto meaningNow = [&statistics](bool isDown) {
+        return meaning({{}, "press1", true, false, checkOf(statistics, isDown)});
+    };
+    EXPECT_TRUE(meaningNow(false).startsWith("No reply at all."));
+    statistics.kinds[ExchangeKind::CyclicRead].accepted = 30000000;
+    statistics.verdicts[ReplyVerdict::Good] = 30000000;
+    EXPECT_EQ(meaningNow(false), "The PLC answers (press1). All is well.");
+    statistics.verdicts[ReplyVerdict::Interrupted] = 3;
+    EXPECT_EQ(meaningNow(false), "The PLC answers (press1). All is well.") << "by the user";
+    EXPECT_TRUE(meaningNow(true).startsWith("The PLC answered (press1), then no more."));
+    statistics.verdicts[ReplyVerdict::WrongSum] = 1;
+    EXPECT_EQ(meaningNow(false),
+              "The PLC answers (press1). Only 99 % of 30000001 exchanges were good; the most "
+              "frequent error is '" +
+                  verdictText(ReplyVerdict::WrongSum) +
+                  "'. Replies are damaged. Check the baud rate, the parity and the cable, and look "
+                  "for electrical interference.");
 }

@@ -6,7 +6,7 @@
 // nothing does, it asks the likeliest one with patience. It measures the line that works.
 
 #include "tools/fxhost/commands/connection.h"
-#include "tools/fxhost/views/diagnosis.h"
+#include "tools/fxhost/views/command_line.h"
 
 namespace fxtools {
 

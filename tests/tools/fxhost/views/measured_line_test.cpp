@@ -3,7 +3,7 @@
 //
 // What is told of a line that was measured, by stats and by doctor.
 
-#include "tools/fxhost/views/diagnosis.h"
+#include "tools/fxhost/views/command_line.h"
 #include "tools/fxhost/views/statistics_report.h"
 
 #include <gtest/gtest.h>

@@ -1,8 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// What `doctor` tells of what it measured: what is the matter, what to do, and the command line
-// that works.
+// What is told of a line that was measured: what is the matter, and what to do.
 
 #pragma once
 
@@ -36,7 +35,7 @@ QString measurementText(const LineCheck& check);
 // All that there is to say, in sentences. "All is well" stands for a line without any fault.
 QString meaning(const Finding& finding);
 
-// The command line that works, for a person to copy.
-QString commandLine(const Finding& finding);
+// What the exchanges tell of a line that is in use.
+LineCheck checkOf(const Statistics& statistics, bool isDown);
 
 }  // namespace fxtools

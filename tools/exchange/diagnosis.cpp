@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 
-#include "tools/fxhost/views/diagnosis.h"
+#include "tools/exchange/diagnosis.h"
 
 #include "tools/quoted.h"
 
@@ -11,16 +11,9 @@ namespace fxtools {
 
 namespace {
 
-constexpr int slowReplyMs = 1000;  // slower ones need a longer time-out from the start
-
 bool plcIsThere(ReplyVerdict verdict)
 {
     return verdict == ReplyVerdict::Good || verdict == ReplyVerdict::Refused;
-}
-
-bool blocksFail(const LineCheck& check)
-{
-    return !check.blocks.isEmpty() && check.blocks.last().verdict != ReplyVerdict::Good;
 }
 
 QString silenceAdvice(const Finding& finding)
@@ -93,7 +86,7 @@ QStringList troubles(const Finding& finding)
                 .arg(check.measured())
                 .arg(verdictText(check.worst()), advice(check.worst(), finding));
     }
-    if (blocksFail(check)) {
+    if (check.blocksFail()) {
         troubles += QStringLiteral("Blocks of %1 bytes fail (%2): use at most %3 words in a frame.")
                         .arg(check.blocks.last().byteCount)
                         .arg(verdictText(check.blocks.last().verdict))
@@ -170,19 +163,21 @@ QString meaning(const Finding& finding)
            (wrong.isEmpty() ? QStringLiteral("All is well.") : wrong.join(' '));
 }
 
-QString commandLine(const Finding& finding)
+LineCheck checkOf(const Statistics& statistics, bool isDown)
 {
-    LinkSettings link = finding.link;
-    const LineCheck& check = finding.check;
-    if (blocksFail(check))
-        plcSettings(link).words = std::max(check.words(), leastWordsPerFrame);
-    QString line = "fxhost --link '" + linkText(link) + '\'';
-    const qint64 slowestMs = check.responses.largestUs() / 1000;
-    if (slowestMs > slowReplyMs)
-        line += QStringLiteral(" --timeout %1").arg((2 * slowestMs + 99) / 100 * 100);
-    if (finding.needsTolerance || check.worst() == ReplyVerdict::Surrounded)
-        line += QStringLiteral(" --tolerant");
-    return line + " read D0:8";
+    LineCheck check;
+    for (auto row = statistics.verdicts.cbegin(); row != statistics.verdicts.cend(); ++row) {
+        if (row.key() != ReplyVerdict::Interrupted)  // says nothing of the line
+            check.exchanges.insert(row.key(), static_cast<int>(row.value()));
+    }
+    check.answersEnquiry = statistics.enquiriesAnswered > 0;
+    check.responses = statistics.responses;
+    const bool hasAnswered = statistics.plcHasAnswered();
+    check.wentSilent = hasAnswered && isDown;
+    check.verdict = hasAnswered            ? ReplyVerdict::Good
+                    : check.measured() > 0 ? check.worst()
+                                           : ReplyVerdict::Silence;
+    return check;
 }
 
 }  // namespace fxtools
