@@ -85,6 +85,17 @@ TEST_F(LineInWindow, ShowsResponseTimesAndErrorsByCause)
     EXPECT_GT(bars[17], 90);  // 19 to 22.6 ms
 }
 
+TEST_F(LineInWindow, SaysWhatIsTheMatterWithEachReport)
+{
+    LineReport report;
+    report.verdict = "The PLC answers (press1). All is well.";
+    emit plc.lineReport(report);
+    EXPECT_EQ(page->findChild<QLabel*>("verdict")->text(), report.verdict);
+    report.verdict = "Something on this line sends by itself.";
+    emit plc.lineReport(report);
+    EXPECT_EQ(page->findChild<QLabel*>("verdict")->text(), report.verdict);
+}
+
 TEST_F(LineInWindow, ShowsFramesWhileItIsLookedAt)
 {
     auto* frames = find<QPlainTextEdit>("Frames");
@@ -104,6 +115,7 @@ TEST_F(LineInWindow, ShowsFramesWhileItIsLookedAt)
 TEST_F(LineInWindow, HasNoFaultsToGiveARealPlc)
 {
     EXPECT_FALSE(window.findChild<FaultPanel*>());
+    EXPECT_FALSE(window.findChild<InputPanel*>());
 }
 
 TEST(Faults, AreGivenToASimulatedPlc)
@@ -120,4 +132,82 @@ TEST(Faults, AreGivenToASimulatedPlc)
     EXPECT_EQ(plc.benchCommands,
               QStringList({"faults silence=5%", "faults silence=5%,delay:400=20%", "faults none"}));
     EXPECT_EQ(sliders[4]->value(), 0);
+}
+
+struct SimulatedInputs : testing::Test
+{
+    SimulatedInputs()
+    {
+        plc.simulated = true;
+        window = std::make_unique<MainWindow>(plc, [this] { return now; });
+        window->show();
+        panel = window->findChild<InputPanel*>();
+        window->findChild<QTabWidget*>()->setCurrentWidget(window->findChild<LinePage*>());
+        window->findChild<LinePage*>()->findChild<QTabWidget*>()->setCurrentWidget(panel);
+    }
+
+    template <typename Widget>
+    Widget* find(const char* name) const
+    {
+        for (Widget* widget : panel->findChildren<Widget*>()) {
+            if (widget->accessibleName() == QLatin1String(name))
+                return widget;
+        }
+        return nullptr;
+    }
+
+    bool shows(const char* text)
+    {
+        window->showMoment();
+        for (const QLabel* label : panel->findChildren<QLabel*>()) {
+            if (label->isVisible() && label->text() == QString::fromUtf8(text))
+                return true;
+        }
+        return false;
+    }
+
+    qint64 now = nowMs;
+    FakePlc plc{someTags()};
+    std::unique_ptr<MainWindow> window;
+    InputPanel* panel = nullptr;
+};
+
+TEST_F(SimulatedInputs, AreSwitchedByMouseAndKeyboard)
+{
+    ASSERT_TRUE(panel);
+    EXPECT_TRUE(find<QPushButton>("X0 Program")->isChecked());
+    QTest::mouseClick(find<QPushButton>("X0 On"), Qt::LeftButton);
+    find<QPushButton>("X0 Off")->setFocus();
+    QTest::keyClick(find<QPushButton>("X0 Off"), Qt::Key_Space);
+    EXPECT_TRUE(find<QPushButton>("X0 Off")->isChecked());
+    EXPECT_FALSE(find<QPushButton>("X0 On")->isChecked());
+    find<QPushButton>("X0 Program")->click();
+    EXPECT_EQ(plc.benchCommands, QStringList({"switch X0 on", "switch X0 off", "switch X0 auto"}));
+}
+
+TEST_F(SimulatedInputs, AreShownAsThePlcTellsThem)
+{
+    EXPECT_TRUE(shows("– (not read yet)"));
+    find<QPushButton>("X0 On")->click();
+    EXPECT_FALSE(shows("on")) << "that is only what was asked for";
+    emit plc.readings({good(2, 1)});
+    EXPECT_TRUE(shows("on"));
+    emit plc.readings({good(2, 0)});
+    EXPECT_TRUE(shows("off"));
+    now += 60000;
+    EXPECT_TRUE(shows("off (no newer reading)"));
+    emit plc.readings({bad(2, "no reply in time", now)});
+    EXPECT_TRUE(shows("– (no reply in time)"));
+}
+
+TEST_F(SimulatedInputs, GoWithARegisterToSet)
+{
+    QTest::keyClicks(find<QLineEdit>("Register to set"), "D100");
+    QTest::keyClick(find<QLineEdit>("Value to set"), Qt::Key_Return);
+    EXPECT_TRUE(plc.benchCommands.isEmpty()) << "to what?";
+    QTest::keyClicks(find<QLineEdit>("Value to set"), "815");
+    QTest::keyClick(find<QLineEdit>("Value to set"), Qt::Key_Return);
+    EXPECT_EQ(plc.benchCommands, QStringList("poke D100 815"));
+    emit plc.benchRefused("poke D100 x", "invalid value");
+    EXPECT_TRUE(window->findChild<ProblemBar*>()->isVisible());
 }

@@ -293,6 +293,30 @@ TEST_F(PlcThreadTest, KeepsEveryReadingForAWindowThatIsBusy)
     EXPECT_GT(m_readings.size(), 1) << "all of them at once";
 }
 
+TEST_F(PlcThreadTest, ReadsTheInputsThatAreSwitched)
+{
+    start("sim:", "name,address\ndoor,X0\n");
+    ASSERT_TRUE(waitUntil([this] { return last(0).has_value(); }));
+    for (const int position : {1, 0}) {
+        m_plc->benchCommand(position == 1 ? "switch X0 on" : "switch X0 off");
+        EXPECT_TRUE(waitUntil([this, position] { return last(0)->value == position; }));
+    }
+}
+
+TEST_F(PlcThreadTest, JudgesItsLineAndCallsNoDamageWell)
+{
+    start();
+    ASSERT_TRUE(waitUntil([this] { return m_report.has_value(); }));
+    EXPECT_EQ(m_report->verdict, "The PLC answers (sim:). All is well.");
+    m_plc->benchCommand("faults wrong-sum=0.2");
+    EXPECT_TRUE(waitUntil([this] { return !m_report->verdict.endsWith("All is well."); }));
+    EXPECT_TRUE(m_report->verdict.contains("Replies are damaged."))
+        << qPrintable(m_report->verdict);
+    m_plc->benchCommand("faults silence=1");
+    EXPECT_TRUE(waitUntil(
+        [this] { return m_report->verdict.startsWith("The PLC answered (sim:), then no more."); }));
+}
+
 TEST_F(PlcThreadTest, RefusesCommandsThatNoSimulatedPlcKnows)
 {
     start();

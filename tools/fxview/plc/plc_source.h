@@ -10,6 +10,7 @@
 
 #include "tools/exchange/statistics.h"
 #include "tools/library/register_file.h"
+#include "tools/service/tag_service.h"
 #include "tools/tags/shortest_plan.h"
 #include "tools/tags/tag.h"
 
@@ -35,13 +36,7 @@ struct Reading
 
 struct WriteResult
 {
-    enum class Outcome
-    {
-        Done,     // read back, and there
-        Refused,  // by the limits of the tag, or by the PLC: nothing was changed
-        Failed,   // sent, but something else was read back
-        Unknown,  // the PLC may have it: no answer, or not read back
-    };
+    using Outcome = fxtools::WriteAnswer::Outcome;
 
     int id = 0;
     int tag = 0;
@@ -60,6 +55,7 @@ struct BlockOfPlan
 struct LineReport
 {
     fxtools::Statistics statistics;
+    QString verdict;   // what is the matter with the line and what to do, in a sentence or two
     QString load;      // how much of the line the periods need, in a sentence
     QStringList late;  // the periods that the line cannot keep, each in a sentence
     QVector<BlockOfPlan> blocks;

@@ -3,6 +3,7 @@
 
 #include "tools/fxview/plc/plc_thread.h"
 
+#include "tools/exchange/diagnosis.h"
 #include "tools/fxview/plc/recipe_orders.h"
 
 #include <QMutexLocker>
@@ -32,22 +33,6 @@ Quality qualityOf(fxtools::Quality quality)
         break;
     }
     return Quality::Bad;
-}
-
-WriteResult::Outcome outcomeOf(fxtools::WriteAnswer::Outcome outcome)
-{
-    using Outcome = fxtools::WriteAnswer::Outcome;
-    switch (outcome) {
-    case Outcome::Done:
-        return WriteResult::Outcome::Done;
-    case Outcome::Refused:
-        return WriteResult::Outcome::Refused;
-    case Outcome::Failed:
-        return WriteResult::Outcome::Failed;
-    case Outcome::Unknown:
-        break;
-    }
-    return WriteResult::Outcome::Unknown;
 }
 
 }  // namespace
@@ -102,7 +87,9 @@ void PlcThread::add(const Order& order)
 
 void PlcThread::run()
 {
-    m_service = std::make_unique<fxtools::TagService>(m_settings, m_tags);
+    fxtools::ConnectionSettings settings = m_settings;
+    settings.onBabble = [this](const QByteArray& heard) { m_heard = heard; };
+    m_service = std::make_unique<fxtools::TagService>(settings, m_tags);
     m_service->onTick = [this] { return tick(); };
     m_service->onPause = [this] { noteChanges(); };
     m_service->wait = [this](qint64 timeMs) { wait(timeMs); };
@@ -263,6 +250,10 @@ LineReport PlcThread::report()
     LineReport report;
     fxtools::Connection& connection = *m_service->connection();
     report.statistics = connection.loop().statistics();
+    fxtools::LineCheck check =
+        fxtools::checkOf(report.statistics, m_service->link() == fxtools::LinkState::Down);
+    check.unasked = m_heard;
+    report.verdict = fxtools::meaning({m_settings.link, m_name, true, false, check});
     const QString load = m_service->polling()->loadText();  // "line load 153 %: a; b"
     report.load = load.section(QStringLiteral(": "), 0, 0);
     report.late = m_service->polling()->late();
@@ -283,12 +274,8 @@ void PlcThread::noteResult(int id, int tag, const fxtools::WriteAnswer& answer)
     const auto asNumber = [](const QJsonValue& value) {
         return value.isBool() ? QJsonValue(value.toBool() ? 1 : 0) : value;
     };
-    const WriteResult result = {id,
-                                tag,
-                                outcomeOf(answer.outcome),
-                                asNumber(answer.before),
-                                asNumber(answer.after),
-                                answer.reason};
+    const WriteResult result = {
+        id, tag, answer.outcome, asNumber(answer.before), asNumber(answer.after), answer.reason};
     tell([&result](News& news) { news.results.append(result); });
 }
 

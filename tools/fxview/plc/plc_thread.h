@@ -108,6 +108,7 @@ private:
     std::unique_ptr<fxtools::TagService> m_service;
     qint64 m_changesMs = 0;
     qint64 m_reportMs = 0;
+    QByteArray m_heard;           // that something on the line sent by itself
     std::optional<int> m_recipe;  // the one whose transfer may be cancelled now
     QElapsedTimer m_clock;
     QElapsedTimer m_ending;

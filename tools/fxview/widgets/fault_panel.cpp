@@ -15,7 +15,7 @@ constexpr int mostPercent = 100;
 
 }  // namespace
 
-FaultPanel::FaultPanel(QWidget* parent) : QGroupBox(tr("Faults of the simulated line"), parent)
+FaultPanel::FaultPanel(QWidget* parent) : QWidget(parent)
 {
     new QGridLayout(this);
     addFault(tr("No answer"), QStringLiteral("silence"));

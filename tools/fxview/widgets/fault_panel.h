@@ -5,13 +5,13 @@
 
 #pragma once
 
-#include <QGroupBox>
 #include <QSlider>
 #include <QVector>
+#include <QWidget>
 
 namespace fxview {
 
-class FaultPanel : public QGroupBox
+class FaultPanel : public QWidget
 {
     Q_OBJECT
 

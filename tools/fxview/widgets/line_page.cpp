@@ -4,6 +4,7 @@
 #include "tools/fxview/widgets/line_page.h"
 
 #include <QFontDatabase>
+#include <QTabWidget>
 #include <QVBoxLayout>
 
 namespace fxview {
@@ -59,10 +60,10 @@ QString exchangeText(const fxtools::Exchange& exchange)
              fxtools::verdictText(exchange.verdict), msText(exchange.tookUs));
 }
 
-LinePage::LinePage(bool isSimulated, QWidget* parent)
-    : QWidget(parent), m_load(new QLabel(this)), m_plan(new PlanView(this)),
-      m_responses(new HistogramView(this)), m_times(new QLabel(this)), m_causes(new QLabel(this)),
-      m_frames(new QPlainTextEdit(this))
+LinePage::LinePage(const ValueBook& book, bool isSimulated, QWidget* parent)
+    : QWidget(parent), m_verdict(new QLabel(this)), m_load(new QLabel(this)),
+      m_plan(new PlanView(this)), m_responses(new HistogramView(this)), m_times(new QLabel(this)),
+      m_causes(new QLabel(this)), m_frames(new QPlainTextEdit(this))
 {
     m_frames->setReadOnly(true);
     m_frames->setTabChangesFocus(true);
@@ -70,7 +71,7 @@ LinePage::LinePage(bool isSimulated, QWidget* parent)
     m_frames->setMaximumBlockCount(mostFrames);
     m_frames->setLineWrapMode(QPlainTextEdit::NoWrap);
     m_frames->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-    for (QLabel* label : {m_load, m_times, m_causes}) {
+    for (QLabel* label : {m_verdict, m_load, m_times, m_causes}) {
         label->setWordWrap(true);
         label->setTextFormat(Qt::PlainText);
     }
@@ -84,19 +85,28 @@ LinePage::LinePage(bool isSimulated, QWidget* parent)
     if (isSimulated) {
         auto* faults = new FaultPanel(this);
         connect(faults, &FaultPanel::commanded, this, &LinePage::commanded);
-        right->addWidget(faults);
+        m_inputs = new InputPanel(book, this);
+        connect(m_inputs, &InputPanel::commanded, this, &LinePage::commanded);
+        auto* bench = new QTabWidget(this);
+        bench->setAccessibleName(tr("The simulated PLC"));
+        bench->addTab(faults, tr("&Faults"));
+        bench->addTab(m_inputs, tr("&Inputs"));
+        right->addWidget(bench);
     }
     auto* top = new QHBoxLayout;
     top->addLayout(left, 1);
     top->addLayout(right, 1);
     auto* rows = new QVBoxLayout(this);
+    rows->addWidget(m_verdict);
     rows->addLayout(top, 2);
     rows->addWidget(m_frames, 1);
-    m_load->setText(tr("Nothing is known of the line yet"));
+    m_verdict->setObjectName(QStringLiteral("verdict"));
+    m_verdict->setText(tr("Nothing is known of the line yet"));
 }
 
 void LinePage::take(const LineReport& report)
 {
+    m_verdict->setText(report.verdict);
     m_load->setText((QStringList(report.load) + report.late).join('\n'));
     m_plan->show(report.blocks);
     const fxtools::Histogram& responses = report.statistics.responses;
@@ -106,6 +116,12 @@ void LinePage::take(const LineReport& report)
                          .arg(msText(responses.percentileUs(50)),
                               msText(responses.percentileUs(99)), msText(responses.largestUs())));
     showCauses(report.statistics);
+}
+
+void LinePage::showMoment(qint64 nowMs)
+{
+    if (m_inputs)
+        m_inputs->showMoment(nowMs);
 }
 
 void LinePage::showCauses(const fxtools::Statistics& statistics)

@@ -2,12 +2,14 @@
 // SPDX-License-Identifier: MIT
 //
 // The page of the line: what the polling plan reads and costs, how long answers take, what goes
-// wrong and how often, and the frames. A simulated line can be given faults here.
+// wrong and how often, what that means, and the frames. A simulated PLC can be given faults and
+// inputs here.
 
 #pragma once
 
 #include "tools/fxview/widgets/fault_panel.h"
 #include "tools/fxview/widgets/histogram_view.h"
+#include "tools/fxview/widgets/input_panel.h"
 #include "tools/fxview/widgets/plan_view.h"
 
 #include <QLabel>
@@ -20,10 +22,12 @@ class LinePage : public QWidget
     Q_OBJECT
 
 public:
-    explicit LinePage(bool isSimulated, QWidget* parent = nullptr);
+    LinePage(const ValueBook& book, bool isSimulated, QWidget* parent = nullptr);
 
     void take(const LineReport& report);
     void take(const QVector<fxtools::Exchange>& exchanges);
+
+    void showMoment(qint64 nowMs);
 
 signals:
     void commanded(const QString& command);  // for the simulated PLC
@@ -31,11 +35,13 @@ signals:
 private:
     void showCauses(const fxtools::Statistics& statistics);
 
+    QLabel* m_verdict;
     QLabel* m_load;
     PlanView* m_plan;
     HistogramView* m_responses;
     QLabel* m_times;
     QLabel* m_causes;
+    InputPanel* m_inputs = nullptr;  // of a simulated PLC
     QPlainTextEdit* m_frames;
 };
 

@@ -29,7 +29,7 @@ MainWindow::MainWindow(PlcSource& source, const Clock& clock)
       m_valuesPage(new ValuesPage(m_values)),
       m_screenPage(new ScreenPage(m_values, m_screenWrites)), m_trendPage(new TrendPage(m_values)),
       m_alarmPage(new AlarmPage(m_alarms)), m_recipePage(new RecipePage(source.tags())),
-      m_linePage(new LinePage(source.isSimulated())), m_linkSign(new QLabel),
+      m_linePage(new LinePage(m_values, source.isSimulated())), m_linkSign(new QLabel),
       m_linkText(new QLabel), m_lineText(new QLabel)
 {
     setWindowTitle(source.isSimulated() ? tr("%1 (a simulated PLC) – fxview").arg(source.name())
@@ -314,6 +314,7 @@ void MainWindow::showMoment()
     else if (m_pages->currentWidget() == m_trendPage)
         m_trendPage->showMoment(nowMs);
     m_recipePage->showMoment(nowMs);
+    m_linePage->showMoment(nowMs);
     m_alarmPage->showMoment(nowMs);  // its bell is heard on every page
 }
 
