@@ -54,10 +54,12 @@ void RecipePage::layOut()
     m_said->setTextFormat(Qt::PlainText);
     m_progress->setAccessibleName(tr("Progress"));
     auto* files = new QHBoxLayout;
+    files->addWidget(new QLabel(tr("File"), this));
     files->addWidget(m_file, 1);
     files->addWidget(m_browse);
     files->addWidget(m_open);
     auto* acts = new QHBoxLayout;
+    acts->addWidget(new QLabel(tr("Registers"), this));
     acts->addWidget(m_registers, 1);
     for (QPushButton* button : {m_compare, m_download, m_upload})
         acts->addWidget(button);
