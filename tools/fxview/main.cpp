@@ -7,6 +7,7 @@
 
 #include "tools/failure.h"
 #include "tools/fxview/options.h"
+#include "tools/fxview/plc/chosen_plc.h"
 #include "tools/fxview/plc/plc_thread.h"
 #include "tools/fxview/plc/recipe_orders.h"
 #include "tools/fxview/widgets/language.h"
@@ -50,14 +51,16 @@ std::unique_ptr<fxtools::AddressServices> servicesOf(const ChosenPlc& chosen)
 }
 
 // Also the screen to show.
-std::unique_ptr<PlcThread> plcOf(Options& options)
+std::unique_ptr<PlcThread> plcOf(Options& options, QString& mistakes)
 {
-    const ChosenPlc chosen = choosePlc(options);
+    const ChosenPlc chosen = choosePlc(options.plc, options.tags);
     if (options.screen.isEmpty() && areSampleTags(chosen))
         options.screen = QStringLiteral(":/sample_screen.toml");
     std::unique_ptr<fxtools::AddressServices> services = servicesOf(chosen);
-    const QVector<fxtools::Tag> tags = tagsOf(*services);
-    return std::make_unique<PlcThread>(chosen.settings, chosen.name, std::move(services), tags);
+    const ChosenTags tags = tagsOf(*services);
+    mistakes = tags.mistakes;
+    return std::make_unique<PlcThread>(chosen.settings, chosen.name, std::move(services),
+                                       tags.tags);
 }
 
 // Among other data of the user: "alarms-press1.csv".
@@ -74,10 +77,14 @@ QString dataFileOf(const QString& plc, const QString& kind, const QString& suffi
 int writeNewScreen(const Options& options)
 {
     try {
-        const std::unique_ptr<fxtools::AddressServices> services = servicesOf(choosePlc(options));
+        const std::unique_ptr<fxtools::AddressServices> services =
+            servicesOf(choosePlc(options.plc, options.tags));
+        const ChosenTags tags = tagsOf(*services);
+        if (!tags.mistakes.isEmpty())
+            qWarning("fxview: %s", qPrintable(tags.mistakes));
         fxtools::OutputFile file(options.newScreen, fxtools::OutputFile::Mode::New,
                                  services->catalogue);
-        file.write(plainScreenText(tagsOf(*services)).toUtf8());
+        file.write(plainScreenText(tags.tags).toUtf8());
         file.commit();
         return static_cast<int>(fxtools::ExitCode::Good);
     } catch (const Failure& failure) {
@@ -104,9 +111,9 @@ int show(Options options)
     const bool isGiven = !options.screen.isEmpty();
     std::unique_ptr<PlcThread> plc;
     NoPlc noPlc;
-    QString problem;
+    QString problem, mistakes;
     try {
-        plc = plcOf(options);
+        plc = plcOf(options, mistakes);
     } catch (const Failure& failure) {
         problem = failure.text();
         qWarning("fxview: %s", qPrintable(problem));
@@ -119,6 +126,8 @@ int show(Options options)
         window.openScreen(options.screen, isGiven);
     closeOnSignals(window);
     window.show();
+    if (!mistakes.isEmpty())
+        window.tellOfMistakes(mistakes);
     if (plc)
         plc->start();
     else

@@ -4,8 +4,6 @@
 #include "tools/fxview/options.h"
 
 #include "tools/command_help.h"
-#include "tools/service/configuration.h"
-#include "tools/service/limits.h"
 
 #include <iostream>
 
@@ -26,9 +24,6 @@ the window shows a simulated PLC, and says so.
 Exit status:
   0 success                          2 mistake at the command line
   1 --pictures: tags are not good    7 error with a file)";
-
-const QString sampleTags = QStringLiteral(":/sample.csv");
-constexpr int simulatedBaud = 38400;
 
 QString text(const std::string& option)
 {
@@ -85,59 +80,13 @@ std::optional<Options> readOptions(int argumentCount, char** arguments, int& exi
             std::cerr << "fxview: " << qPrintable(fxtools::usageMistake(app, error)) << '\n';
         return std::nullopt;
     }
-    return Options{text(link),     text(plc), text(configuration), text(tags),     text(pictures),
-                   text(language), isDark,    text(screen),        text(newScreen)};
-}
-
-ChosenPlc choosePlc(const Options& options)
-{
-    const std::optional<fxtools::ConfiguredPlc> plc =
-        fxtools::meantPlc({options.link, options.plc, options.configuration});
-    ChosenPlc chosen;
-    fxtools::ConnectionSettings& settings = chosen.settings;
-    settings.link = plc ? plc->link : fxtools::SimulatedSettings{{}, simulatedBaud, {}};
-    const fxtools::PlcSettings& asked = fxtools::plcSettings(settings.link);
-    settings.station = asked.station;
-    settings.session.wordsPerFrame = asked.words.value_or(settings.session.wordsPerFrame);
-    settings.session.failLimit = fxtools::usualRetries + 1;
-    settings.tags.file = options.tags;
-    if (plc) {
-        settings.tags.plc = plc->name;
-        if (options.tags.isEmpty())
-            settings.tags.file = plc->tags;
-        settings.session.failLimit = plc->retries.value_or(fxtools::usualRetries) + 1;
-        if (plc->timeoutMs)
-            settings.loop.timeout = fxtools::TimeoutLimits::fixed(*plc->timeoutMs);
-        settings.reconnectS = plc->reconnectS;
-    }
-    const bool isSimulated = std::holds_alternative<fxtools::SimulatedSettings>(settings.link);
-    if (settings.tags.file.isEmpty() && isSimulated)
-        settings.tags.file = sampleTags;
-    if (settings.tags.file.isEmpty())
-        throw fxtools::Failure(fxtools::ExitCode::Usage,
-                               QStringLiteral("no tag file: start fxview with --tags FILE, or put "
-                                              "tags = \"FILE\" into the configuration file"));
-    chosen.name =
-        settings.tags.plc.isEmpty() ? fxtools::linkText(settings.link) : settings.tags.plc;
-    return chosen;
-}
-
-bool areSampleTags(const ChosenPlc& chosen)
-{
-    return chosen.settings.tags.file == sampleTags;
-}
-
-QVector<fxtools::Tag> tagsOf(const fxtools::AddressServices& services)
-{
-    QVector<fxtools::Tag> tags;
-    for (const fxtools::Tag& tag : services.tags()) {
-        if (tag.link.isEmpty() || services.source.plc.isEmpty() || tag.link == services.source.plc)
-            tags.append(tag);
-    }
-    if (tags.isEmpty())
-        throw fxtools::Failure(fxtools::ExitCode::File,
-                               services.source.file + ": no tag of " + services.source.plc);
-    return tags;
+    return Options{{text(link), text(plc), text(configuration)},
+                   text(tags),
+                   text(pictures),
+                   text(language),
+                   isDark,
+                   text(screen),
+                   text(newScreen)};
 }
 
 }  // namespace fxview

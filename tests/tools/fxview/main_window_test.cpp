@@ -61,6 +61,21 @@ TEST_F(MainWindowInFrontOfAPlc, TellsWhyNothingStarts)
     EXPECT_FALSE(button("Close"));
 }
 
+TEST_F(MainWindowInFrontOfAPlc, TellsOfMistakesInTheTagFileBesideItsValues)
+{
+    window.tellOfMistakes("tags.csv, line 3: unknown address (and 2 more in this file)");
+    EXPECT_EQ(
+        texts("problemBar").toStdString(),
+        "tags.csv, line 3: unknown address (and 2 more in this file). Rows with a mistake are "
+        "left out: there is no value, no alarm for them. Mend the file and start fxview "
+        "again.");
+    emit plc.readings({good(0, 71.5)});
+    passMs(0);
+    EXPECT_EQ(find<QTableView>("Values")->model()->index(0, ValueTable::Value).data(), "71.5 °C");
+    button("Close")->click();
+    EXPECT_FALSE(window.findChild<QWidget*>("problemBar")->isVisible());
+}
+
 TEST_F(MainWindowInFrontOfAPlc, CountsAgesWhileNothingComes)
 {
     emit plc.readings({good(0, 71.5)});

@@ -302,6 +302,13 @@ QStringList MainWindow::tagsNotGood() const
     return names;
 }
 
+void MainWindow::tellOfMistakes(const QString& mistakes)
+{
+    m_problems->set(Problem::TagFile, tr("%1. Rows with a mistake are left out: there is no value, "
+                                         "no alarm for them. Mend the file and start fxview again.")
+                                          .arg(mistakes));
+}
+
 void MainWindow::showMoment()
 {
     const qint64 nowMs = m_clock();

@@ -42,6 +42,7 @@ public:
     void keepAlarmsIn(const QString& file);
     void keepRecipeNotesIn(const QString& file);
     void tellThatNothingStarts(const QString& reason);
+    void tellOfMistakes(const QString& mistakes);  // in the tag file
     QStringList tagsNotGood() const;
     QTabWidget& pages() { return *m_pages; }
 

@@ -19,7 +19,8 @@ enum class Problem
     Start,    // of all
     Release,  // of a push button, not confirmed
     LinkLost,
-    Recipe,  // in the PLC by half
+    Recipe,   // in the PLC by half
+    TagFile,  // has mistakes
     AlarmFile,
     StillOn,  // though its push button was released
     Screen,   // mistakes in its file
