@@ -70,7 +70,6 @@ bool taken;
 #define earlyAsks 16384    /* an early reply is settled as a time-out is */
 #define acksAwaited 32768  /* while an ACK is owed only the same read goes out, and is confirmed */
 #define alsoBad 262144     /* also a NAK or a bad reply; and ENQ is sent anew for it */
-#define owedBefore 131072  /* also when it comes in the moment before a frame */
 #define greeted 1048576    /* before its first frame the host sends ENQ, */
 #define twice 2097152      /* until two ACKs in a row have come, */
 #define alone 4194304      /* and nothing else between; */
@@ -154,7 +153,7 @@ inline put(what, whose)
 {
     if
     :: line!what, whose, value, 0
-    :: !calm && len(line) < LINE - 1 && (what != acknowledge || !holds(ackOnce)) -> line!what, whose, value, 0; line!what, whose, value, 1
+    :: !calm && len(line) < LINE - 1 -> line!what, whose, value, 0; line!what, whose, value, 1
     fi
 }
 
@@ -175,6 +174,9 @@ inline answerEnquiry()
     value = 0;
     if
     :: answersEnq -> copy = !isEmpty; line!acknowledge, nobody, 0, copy
+    :: answersEnq && !calm && !holds(ackOnce) && len(line) < LINE - 1 ->
+       line!acknowledge, nobody, 0, !isEmpty;
+       line!acknowledge, nobody, 0, 1
     :: !answersEnq || !calm
     fi
 }
@@ -388,7 +390,7 @@ inline judge()
 
 inline forget()  /* what the next exchange does not depend on */
 {
-    taken = false; owes = false; atOnce = false; noise = false; heard = false; early = false; answered = false;
+    taken = false; atOnce = false; noise = false; heard = false; early = false; answered = false;
     isSilent = false; front = nothing;
     bad = false; kind = nothing; first = nothing; length = 0;
     name = nobody; tookName = nobody; value = 0; tookValue = 0; copy = 0
@@ -397,7 +399,7 @@ inline forget()  /* what the next exchange does not depend on */
 active proctype host()
 {
     bool answersEnq;  /* this PLC */
-    bool met = true, lonely, unsure, owes, strayed, waitsForOther, atOnce, noise, heard, isSilent, early, bad, answered, everAnswered;
+    bool met = true, lonely, unsure, strayed, waitsForOther, atOnce, noise, heard, isSilent, early, bad, answered, everAnswered;
     mtype kind, first, front, lastKind = nothing;
     byte dice, frames, acks, wanted, lastWanted = nobody, name, tookName, length, unanswered, silences, owed, held, lastSent = nobody;
     bit value, copy, tookValue, lastValue;
@@ -441,7 +443,6 @@ running:
        fi;
 #endif
        atOnce = !strayed;
-       owes = owed > 0;
        if
        :: isFirstWrite -> waitsForOther = false; drain(quiet, quiet)
        :: !isFirstWrite && waitsForOther && !isRepeated -> waitsForOther = false; drain(another, quiet)
@@ -449,7 +450,7 @@ running:
        :: else
        fi;
        if
-       :: (owes && holds(owedBefore) || owed > 0) && holds(acksAwaited) && !isRepeated -> outwaitAcks(); drain(lateQuiet, lateQuiet)
+       :: owed > 0 && holds(acksAwaited) && !isRepeated -> outwaitAcks(); drain(lateQuiet, lateQuiet)
        :: else
        fi;
        heard = false;
@@ -461,6 +462,9 @@ running:
 #ifdef FRAMES
        frames++;
 #endif
+#ifdef TROUBLED
+       frames = frames + !calm;
+#endif
        answerRequest();
        receive();
        judge();
@@ -468,7 +472,11 @@ running:
 #ifndef RESTLESS
        if
        :: calm = true
+#ifdef TROUBLED  /* things go wrong in so many frames at most */
+       :: frames < TROUBLED
+#else
        :: true
+#endif
        fi
 #endif
     od

@@ -99,12 +99,11 @@ void ExchangeLoop::send(Exchange& exchange)
     if (m_lastRequest.isEmpty() && exchange.frame.isRead == 0)
         m_waitBeforeOtherMs = m_line.quietMs();
     const bool repeatsRead = exchange.frame.isRead != 0 && request == m_lastRequest;
-    const bool mustOutwait = m_line.owesAcks() && !repeatsRead;
     QByteArray junk;
     const int waitMs = repeatsRead ? 0 : std::exchange(m_waitBeforeOtherMs, 0);
     bool mayBeSent = waitMs > 0 ? m_line.drain(waitMs, junk)
                                 : m_line.drainBeforeFrame(characterUs(m_lastAnswer), junk);
-    if (mayBeSent && mustOutwait) {
+    if (mayBeSent && m_line.owesAcks() && !repeatsRead) {
         m_line.outwaitAcks(junk);
         mayBeSent = m_line.drain(m_line.quietMs(), junk);
     }
