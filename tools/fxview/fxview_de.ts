@@ -131,10 +131,6 @@
 <context>
     <name>fxview::FaultPanel</name>
     <message>
-        <source>Faults of the simulated line</source>
-        <translation>Fehler der simulierten Leitung</translation>
-    </message>
-    <message>
         <source>No answer</source>
         <translation>Keine Antwort</translation>
     </message>
@@ -179,6 +175,53 @@
     </message>
 </context>
 <context>
+    <name>fxview::InputPanel</name>
+    <message>
+        <source>On</source>
+        <translation>Ein</translation>
+    </message>
+    <message>
+        <source>Off</source>
+        <translation>Aus</translation>
+    </message>
+    <message>
+        <source>Program</source>
+        <translation>Programm</translation>
+    </message>
+    <message>
+        <source>&amp;Set</source>
+        <translation>&amp;Setzen</translation>
+    </message>
+    <message>
+        <source>Inputs</source>
+        <translation>Eingänge</translation>
+    </message>
+    <message>
+        <source>No tag is an input (X)</source>
+        <translation>Keine Variable ist ein Eingang (X)</translation>
+    </message>
+    <message>
+        <source>Register to set</source>
+        <translation>Register, das gesetzt wird</translation>
+    </message>
+    <message>
+        <source>register, D100</source>
+        <translation>Register, D100</translation>
+    </message>
+    <message>
+        <source>Value to set</source>
+        <translation>Wert, der gesetzt wird</translation>
+    </message>
+    <message>
+        <source>value</source>
+        <translation type="unfinished">Wert</translation>
+    </message>
+    <message>
+        <source>%1 (%2)</source>
+        <translation type="unfinished">%1 (%2)</translation>
+    </message>
+</context>
+<context>
     <name>fxview::LinePage</name>
     <message>
         <source>Frames</source>
@@ -207,6 +250,18 @@
     <message>
         <source>Errors: %1</source>
         <translation>Fehler: %1</translation>
+    </message>
+    <message>
+        <source>The simulated PLC</source>
+        <translation>Die simulierte SPS</translation>
+    </message>
+    <message>
+        <source>&amp;Faults</source>
+        <translation>&amp;Fehler</translation>
+    </message>
+    <message>
+        <source>&amp;Inputs</source>
+        <translation>&amp;Eingänge</translation>
     </message>
 </context>
 <context>
@@ -290,6 +345,10 @@
     <message>
         <source>%1 may still be on: the PLC has not confirmed the release of the push button. It is sent again as soon as the PLC answers; until then, stop the machine by its own switches.</source>
         <translation>%1 ist vielleicht noch ein: die SPS hat das Loslassen des Tasters nicht bestätigt. Es wird wieder gesendet, sobald die SPS antwortet; bis dahin die Maschine mit ihren eigenen Schaltern anhalten.</translation>
+    </message>
+    <message>
+        <source>%1. Rows with a mistake are left out: there is no value, no alarm for them. Mend the file and start fxview again.</source>
+        <translation>%1. Zeilen mit einem Fehler fehlen: für sie gibt es keinen Wert und keinen Alarm. Die Datei berichtigen und fxview neu starten.</translation>
     </message>
 </context>
 <context>
@@ -500,6 +559,14 @@
     <message>
         <source>%1. May not be downloaded: %2</source>
         <translation>%1. Darf nicht in die SPS geladen werden: %2</translation>
+    </message>
+    <message>
+        <source>File</source>
+        <translation type="unfinished">Datei</translation>
+    </message>
+    <message>
+        <source>Registers</source>
+        <translation>Register</translation>
     </message>
 </context>
 <context>
