@@ -167,7 +167,7 @@ void NumericEntryView::noteResult(const WriteResult& result)
 
 QString NumericEntryView::hint() const
 {
-    const QString objection = limitObjection(tag(), m_field->text().trimmed());
+    QString objection = limitObjection(tag(), m_field->text().trimmed());
     if (!objection.isEmpty())
         return objection;
     return m_field->hasFocus() ? limitsText(tag()) : QString();
