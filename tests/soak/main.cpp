@@ -88,8 +88,9 @@ void printCounts(const fxsoak::SoakCounts& counts)
                 "carried out and said to be uncertain, none open\n",
                 counts.writesConfirmed, counts.writesFailed, counts.writesReplaced,
                 counts.writesUncertain);
-    std::printf("recipes: %lld done, %lld failed; %lld plans; %lld callbacks\n", counts.recipesDone,
-                counts.recipesFailed, counts.plans, counts.changes);
+    std::printf("recipes: %lld done, %lld failed, %lld abandoned; %lld plans; %lld callbacks\n",
+                counts.recipesDone, counts.recipesFailed, counts.recipesAbandoned, counts.plans,
+                counts.changes);
     std::printf("line: %lld frames, %lld exchanges failed, %lld links lost, %lld cut in the middle "
                 "of a call to send, %lld in one to receive\n",
                 counts.framesSent, counts.failed, counts.linksLost, counts.cutsWhileSending,

@@ -17,6 +17,7 @@ constexpr double plcChanges = 0.1;
 constexpr double hostWrites = 0.08;
 constexpr double oneOffReads = 0.05;
 constexpr double recipes = 0.02;
+constexpr double recipesAbandoned = 0.02;
 constexpr double plansAnew = 0.005;
 constexpr double writesInCallback = 0.01;
 
@@ -184,6 +185,8 @@ void Soak::act()
         queueRead();
     if (!m_recipe && happens(recipes))
         startRecipe();
+    else if (m_recipe && !m_othersFrameRepeats && happens(recipesAbandoned))
+        abandonRecipe();
 }
 
 // All registers, or some.
@@ -248,6 +251,16 @@ void Soak::startRecipe()
     m_recipe = recipe;
     m_session->startRecipe(recipe.direction, recipe.entries);
     note(QStringLiteral("a recipe of %1 entries").arg(recipe.entries.size()));
+}
+
+// No frame of it follows, not even one that would have been sent again.
+void Soak::abandonRecipe()
+{
+    note(QStringLiteral("the recipe is abandoned"));
+    m_loop->abandonRecipe(m_recipe->direction);
+    m_line.forgetAttempts();
+    m_recipe.reset();
+    ++m_counts.recipesAbandoned;
 }
 
 // Bits start with a byte, since a one-off read does not look for the byte that holds its first.

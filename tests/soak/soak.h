@@ -29,6 +29,7 @@ struct SoakCounts
     qint64 writesReplaced = 0;
     qint64 recipesDone = 0;
     qint64 recipesFailed = 0;
+    qint64 recipesAbandoned = 0;
     qint64 changes = 0;  // callbacks
     qint64 framesSent = 0;
     qint64 linksLost = 0;
@@ -87,6 +88,7 @@ private:
     void write();
     void queueRead();
     void startRecipe();
+    void abandonRecipe();
     void calmDown();
     bool waitsForNothing() const { return m_book.isEmpty() && !m_recipe; }
     std::optional<fxtools::Exchange> exchange();
@@ -123,6 +125,7 @@ private:
     int m_blocks = 0;  // of the plan
     int m_readsQueued = 0;
     bool m_isStorm = true;
+    bool m_othersFrameRepeats = false;  // one of no recipe, which is not to be given up with it
     bool m_isWriting = false;
     bool m_isInterrupted = false;
     bool m_sumIsForged = false;  // a spoilt sum can be the right one of the flipped bits

@@ -48,6 +48,9 @@ void Soak::check(const fxtools::Exchange& exchange)
            QStringLiteral("the driver takes a reply otherwise than it is"));
     if (!isAccepted)
         checkUncertainty(exchange);
+    m_othersFrameRepeats = !exchange.hasEnded() &&
+                           exchange.kind != fxtools::ExchangeKind::RecipeDownload &&
+                           exchange.kind != fxtools::ExchangeKind::RecipeUpload;
     if (!exchange.hasEnded())
         return;
     ++m_counts.ended;
@@ -227,6 +230,7 @@ void SoakCounts::add(const SoakCounts& more)
                              &SoakCounts::writesReplaced,
                              &SoakCounts::recipesDone,
                              &SoakCounts::recipesFailed,
+                             &SoakCounts::recipesAbandoned,
                              &SoakCounts::changes,
                              &SoakCounts::framesSent,
                              &SoakCounts::linksLost,
