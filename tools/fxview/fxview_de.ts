@@ -148,7 +148,7 @@
     </message>
     <message>
         <source>0.4 s late</source>
-        <translation>0,4 s zu spät</translation>
+        <translation>400 ms zu spät</translation>
     </message>
     <message>
         <source>No &amp;faults</source>

@@ -4,6 +4,7 @@
 #include "tools/fxview/widgets/alarm_page.h"
 
 #include "tools/fxview/models/value_book.h"
+#include "tools/fxview/widgets/scrolled.h"
 #include "tools/fxview/widgets/theme.h"
 
 #include <QDateTime>
@@ -77,7 +78,7 @@ AlarmPage::AlarmPage(AlarmBook& book, QWidget* parent)
     m_history->setAccessibleName(tr("History of alarms"));
     m_history->setReadOnly(true);
     m_history->setTabChangesFocus(true);
-    auto* rows = new QVBoxLayout(this);
+    auto* rows = new QVBoxLayout(scrolledIn(this));
     rows->addLayout(buttons());
     rows->addWidget(m_view, 2);
     rows->addWidget(new QLabel(tr("What happened, the newest first:"), this));

@@ -65,7 +65,9 @@ void HistogramView::paintEvent(QPaintEvent*)
             curveColour(0, palette()));
     }
     painter.setPen(palette().color(QPalette::Text));
-    for (int doubling = 0; doubling < doublings; doubling += 2) {
+    const double room = 2 * barsPerDoubling * width;
+    const int step = room < fontMetrics().horizontalAdvance(tr("%1 ms").arg(2560)) ? 4 : 2;
+    for (int doubling = 0; doubling < doublings; doubling += step) {
         const double x = area.left() + doubling * barsPerDoubling * width;
         const int ms = 1 << doubling;
         painter.drawLine(QPointF(x, area.bottom()), QPointF(x, area.bottom() + 3));

@@ -3,6 +3,8 @@
 
 #include "tools/fxview/widgets/line_page.h"
 
+#include "tools/fxview/widgets/scrolled.h"
+
 #include <QFontDatabase>
 #include <QTabWidget>
 #include <QVBoxLayout>
@@ -96,7 +98,7 @@ LinePage::LinePage(const ValueBook& book, bool isSimulated, QWidget* parent)
     auto* top = new QHBoxLayout;
     top->addLayout(left, 1);
     top->addLayout(right, 1);
-    auto* rows = new QVBoxLayout(this);
+    auto* rows = new QVBoxLayout(scrolledIn(this));
     rows->addWidget(m_verdict);
     rows->addLayout(top, 2);
     rows->addWidget(m_frames, 1);

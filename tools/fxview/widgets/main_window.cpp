@@ -8,7 +8,6 @@
 #include <QCloseEvent>
 #include <QEvent>
 #include <QScreen>
-#include <QScrollArea>
 #include <QStatusBar>
 #include <QTabBar>
 #include <QTimer>
@@ -59,12 +58,7 @@ void MainWindow::layOut()
     auto* rows = new QVBoxLayout(centre);
     rows->setContentsMargins(0, 0, 0, 0);
     rows->addWidget(m_problems);
-    auto* scroll = new QScrollArea;  // for large letters on a small screen
-    scroll->setWidgetResizable(true);
-    scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setFocusPolicy(Qt::NoFocus);
-    scroll->setWidget(m_pages);
-    rows->addWidget(scroll, 1);
+    rows->addWidget(m_pages, 1);
     setCentralWidget(centre);
     m_pages->setDocumentMode(true);
     m_pages->setAccessibleName(tr("Pages"));

@@ -3,6 +3,8 @@
 
 #include "tools/fxview/widgets/recipe_page.h"
 
+#include "tools/fxview/widgets/scrolled.h"
+
 #include "tools/service/recipe.h"
 
 #include <QFileDialog>
@@ -68,7 +70,7 @@ void RecipePage::layOut()
     bottom->addWidget(m_progress, 1);
     for (QPushButton* button : {m_cancel, m_yes, m_no})
         bottom->addWidget(button);
-    auto* rows = new QVBoxLayout(this);
+    auto* rows = new QVBoxLayout(scrolledIn(this));
     rows->addLayout(files);
     rows->addLayout(acts);
     rows->addWidget(m_view, 1);

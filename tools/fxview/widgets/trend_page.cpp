@@ -3,6 +3,7 @@
 
 #include "tools/fxview/widgets/trend_page.h"
 
+#include "tools/fxview/widgets/scrolled.h"
 #include "tools/fxview/widgets/theme.h"
 
 #include <QBuffer>
@@ -53,7 +54,7 @@ TrendPage::TrendPage(const ValueBook& book, QWidget* parent)
       m_length(new QComboBox(this)), m_stop(new QPushButton(tr("&Stop"), this)),
       m_legend(new QTableWidget(0, legendColumns, this)), m_said(new QLabel(this))
 {
-    auto* rows = new QVBoxLayout(this);
+    auto* rows = new QVBoxLayout(scrolledIn(this));
     rows->addLayout(topRow());
     rows->addWidget(m_view, 1);
     rows->addWidget(m_legend);

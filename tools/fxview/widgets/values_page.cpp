@@ -3,6 +3,7 @@
 
 #include "tools/fxview/widgets/values_page.h"
 
+#include "tools/fxview/widgets/scrolled.h"
 #include "tools/fxview/widgets/value_delegate.h"
 
 #include <QAction>
@@ -27,7 +28,7 @@ ValuesPage::ValuesPage(const ValueBook& book, QWidget* parent)
     auto* top = new QHBoxLayout;
     top->addWidget(m_filter, 1);
     top->addWidget(m_shown);
-    auto* rows = new QVBoxLayout(this);
+    auto* rows = new QVBoxLayout(scrolledIn(this));
     rows->addLayout(top);
     rows->addWidget(m_view, 1);
     rows->addWidget(m_writeBar);
