@@ -102,6 +102,7 @@ if(TARGET fxview)
     install(FILES packaging/desktop/fxview.svg COMPONENT view
         DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
     install(FILES docs/window.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT view)
+    install(DIRECTORY docs/pictures DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT view)
     install(DIRECTORY examples/screens
         DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT view)
 endif()
