@@ -186,7 +186,7 @@ TEST_F(FxgateTest, TakesItsWorkersAlongWhenItIsKilled)
     ASSERT_TRUE(waitUntil([this] { return link(1)["up"].toBool(); }));
     const auto deaf = static_cast<pid_t>(link(1)["worker"].toInt());
     stop(SIGKILL);
-    EXPECT_TRUE(waitUntil([deaf] {
+    ASSERT_TRUE(waitUntil([deaf] {
         QFile status(QString("/proc/%1/stat").arg(deaf));
         return !status.open(QIODevice::ReadOnly) || status.readAll().contains(") Z ");
     }));

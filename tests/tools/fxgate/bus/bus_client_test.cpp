@@ -102,11 +102,11 @@ TEST_F(BusTest, ValuesArriveWithMqtt5AndWithMqtt311)
         settings.isVersion5 = isVersion5;
         startAndConnect(m_plain, settings);
         publish(1, 3);
-        EXPECT_TRUE(waitUntil([&] { return other.with("press1/count").size() == 4; }));
+        ASSERT_TRUE(waitUntil([&] { return other.with("press1/count").size() == 4; }));
         EXPECT_EQ(numbers(other.with("press1/count")), "-2 1 2 3");
         EXPECT_EQ(other.received()[0].topic, "fx/cabinet1/state");
         m_bus->stop();
-        EXPECT_TRUE(waitUntil([&] { return other.with("cabinet1/state").size() == 2; }));
+        ASSERT_TRUE(waitUntil([&] { return other.with("cabinet1/state").size() == 2; }));
         EXPECT_TRUE(other.with("cabinet1/state")[1].payload.contains("offline"));
         EXPECT_EQ(m_store->rows("plain"), 0);
     }
@@ -118,7 +118,7 @@ TEST_F(BusTest, DeathOfTheProgramIsTold)
     OtherClient other(broker, "fx/cabinet1/state");
     startAndConnect(m_plain, broker.settings());
     m_bus.reset();  // without a disconnect, as after kill -9
-    EXPECT_TRUE(waitUntil([&] { return other.received().size() == 2; }));
+    ASSERT_TRUE(waitUntil([&] { return other.received().size() == 2; }));
     EXPECT_TRUE(other.received()[1].payload.contains("offline"));
 }
 
@@ -128,21 +128,21 @@ TEST_F(BusTest, StoredArrivesOnceInOrderAfterTheBrokerDied)
     auto before = std::make_unique<OtherClient>(broker, "fx/#");
     startAndConnect(m_plain, broker.settings());
     publish(1, 5);
-    EXPECT_TRUE(waitUntil([&] { return before->with("press1/count").size() == 6; }));
-    EXPECT_TRUE(waitUntil([this] { return m_bus->status().unconfirmed == 0; }));
+    ASSERT_TRUE(waitUntil([&] { return before->with("press1/count").size() == 6; }));
+    ASSERT_TRUE(waitUntil([this] { return m_bus->status().unconfirmed == 0; }));
     broker.kill();
-    EXPECT_TRUE(waitUntil([this] { return !isConnected(); }));
+    ASSERT_TRUE(waitUntil([this] { return !isConnected(); }));
     publish(6, 1205);
     before.reset();
     broker.start();
     OtherClient after(broker, "fx/#");
-    EXPECT_TRUE(waitUntil([this] { return isConnected(); })) << allLines();
+    ASSERT_TRUE(waitUntil([this] { return isConnected(); })) << allLines();
     publish(1206, 1210);
-    EXPECT_TRUE(waitUntil([&] { return after.with(history).size() == 1200; }));
+    ASSERT_TRUE(waitUntil([&] { return after.with(history).size() == 1200; }));
     EXPECT_EQ(numbers(after.with(history)), numbersFrom(6, 1205));
     // Values of now are not held up by it.
     EXPECT_EQ(numbers(after.with("press1/count").mid(0, 6)), "-2 " + numbersFrom(1206, 1210));
-    EXPECT_TRUE(waitUntil([this] { return m_bus->status().waiting == 0; }));
+    ASSERT_TRUE(waitUntil([this] { return m_bus->status().waiting == 0; }));
 }
 
 // What was written to the socket of a broker that no longer reads is lost, though nobody is told.
@@ -152,21 +152,21 @@ TEST_F(BusTest, WhatADyingBrokerDidNotReadIsSentAgain)
         Broker broker;
         startAndConnect(*form, broker.settings());
         publish(1, 5);
-        EXPECT_TRUE(waitUntil([this] { return m_bus->status().unconfirmed == 0; }));
+        ASSERT_TRUE(waitUntil([this] { return m_bus->status().unconfirmed == 0; }));
         broker.pause();
         publish(6, 605);
         broker.kill();
-        EXPECT_TRUE(waitUntil([this] { return !isConnected(); }));
+        ASSERT_TRUE(waitUntil([this] { return !isConnected(); }));
         broker.start();
         if (form == &m_plain) {
             OtherClient other(broker, "fx/#");
-            EXPECT_TRUE(waitUntil([&] { return other.with(history).size() == 600; }));
+            ASSERT_TRUE(waitUntil([&] { return other.with(history).size() == 600; }));
             EXPECT_EQ(numbers(other.with(history)), numbersFrom(6, 605, "r"));
             continue;
         }
         OtherClient other(broker, "spBv1.0/#");
         QVector<int> found;
-        EXPECT_TRUE(waitUntil([&] {
+        ASSERT_TRUE(waitUntil([&] {
             found.clear();
             for (const Message& message : other.with("DDATA")) {
                 const SparkplugPayload payload = *decoded(message.payload);
@@ -193,7 +193,7 @@ TEST_F(BusTest, StoredOutlivesTheProgram)
     broker.start();
     OtherClient other(broker, "fx/#");
     startAndConnect(m_plain, broker.settings());
-    EXPECT_TRUE(waitUntil([&] { return other.with(history).size() == 20; }));
+    ASSERT_TRUE(waitUntil([&] { return other.with(history).size() == 20; }));
     EXPECT_EQ(numbers(other.with(history)), numbersFrom(1, 20));
 }
 
@@ -208,9 +208,9 @@ TEST_F(BusTest, SparkplugIsBornAndDies)
     publish(2, 2);  // kept until the device is born again
     m_plant["press1"].isUp = true;
     m_bus->linkChanged("press1");
-    EXPECT_TRUE(waitUntil([&] { return other.with("DDATA").size() == 2; }));
+    ASSERT_TRUE(waitUntil([&] { return other.with("DDATA").size() == 2; }));
     m_bus->stop();
-    EXPECT_TRUE(waitUntil([&] { return other.with("NDEATH").size() == 2; }));
+    ASSERT_TRUE(waitUntil([&] { return other.with("NDEATH").size() == 2; }));
     QStringList types;
     for (const Message& message : other.received())
         types.append(message.topic.section('/', 2, 2));
@@ -225,7 +225,7 @@ TEST_F(BusTest, SparkplugDeathOfTheProgramIsTheWill)
     OtherClient other(broker, "spBv1.0/#");
     startAndConnect(m_sparkplug, broker.settings());
     m_bus.reset();
-    EXPECT_TRUE(waitUntil([&] { return other.with("NDEATH").size() == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return other.with("NDEATH").size() == 1; }));
     EXPECT_EQ(other.with("NDEATH")[0].payload.toHex(), "120b0a05626453657120045800");
 }
 
@@ -239,13 +239,13 @@ TEST_F(BusTest, RebirthAndWritesComeFromTheBus)
     rebirth.datatype = Datatype::Boolean;
     rebirth.value = true;
     other.publish({"spBv1.0/plant/NCMD/cabinet1", encoded({noon, {}, {rebirth}})});
-    EXPECT_TRUE(waitUntil([&] { return other.received().size() == 2; }));
+    ASSERT_TRUE(waitUntil([&] { return other.received().size() == 2; }));
     Metric count;
     count.name = "count";
     count.datatype = Datatype::Int64;
     count.value = 5;
     other.publish({"spBv1.0/plant/DCMD/cabinet1/press1", encoded({noon, {}, {count}})});
-    EXPECT_TRUE(waitUntil([&] { return other.received().size() == 2 && m_writes.size() == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return other.received().size() == 2 && m_writes.size() == 1; }));
     EXPECT_EQ(m_writes[0].tag, "count");
 }
 
@@ -259,12 +259,12 @@ TEST_F(BusTest, WriteIsAnsweredToItsSender)
     write.correlation = "c1";
     write.user = "anna";
     other.publish(write);
-    EXPECT_TRUE(waitUntil([&] { return other.received().isEmpty() && m_writes.size() == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return other.received().isEmpty() && m_writes.size() == 1; }));
     EXPECT_EQ(m_writes[0].who, "anna");
     EXPECT_EQ(m_writes[0].value, 5);
     EXPECT_FALSE(m_writes[0].isRetained);
     m_bus->answer(m_writes[0], {WriteResult::Outcome::Done, 4, 5, {}, noon});
-    EXPECT_TRUE(waitUntil([&] { return other.received().size() == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return other.received().size() == 1; }));
     EXPECT_EQ(other.received()[0].topic, "replies/me");
     EXPECT_EQ(other.received()[0].correlation, "c1");
     EXPECT_TRUE(other.received()[0].payload.contains(R"("outcome":"done")"));
@@ -277,7 +277,7 @@ TEST_F(BusTest, RetainedWriteIsKnownAsOne)
     other.publish({"fx/cabinet1/press1/count/set", "5", 0, true});
     other.received();
     startAndConnect(m_plain, broker.settings());
-    EXPECT_TRUE(waitUntil([this] { return m_writes.size() == 1; }));
+    ASSERT_TRUE(waitUntil([this] { return m_writes.size() == 1; }));
     EXPECT_TRUE(m_writes[0].isRetained);
 }
 
@@ -293,7 +293,7 @@ TEST_F(BusTest, RetainedValuesOfAFormerRunAreReplaced)
     startAndConnect(later, broker.settings());
     m_bus->stop();
     OtherClient other(broker, "fx/#");
-    EXPECT_TRUE(waitUntil([&] { return other.with("press1/batch").size() == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return other.with("press1/batch").size() == 1; }));
     EXPECT_EQ(other.with("press1/flow").size(), 0);
     EXPECT_TRUE(other.with("press1/count")[0].payload.contains("stale"));
 }
@@ -303,13 +303,13 @@ TEST_F(BusTest, SlowBrokerGetsAllThatWasSentBeforeTheEnd)
     Broker broker;
     OtherClient other(broker, "fx/cabinet1/press1/state");
     startAndConnect(m_plain, broker.settings());
-    EXPECT_TRUE(waitUntil([&] { return other.received().size() == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return other.received().size() == 1; }));
     broker.pause();
     for (int change = 0; change < 50; ++change)
         m_bus->linkChanged("press1");
     broker.goOnSoon();
     m_bus->stop();
-    EXPECT_TRUE(waitUntil([&] { return other.received().size() == 51; }));
+    ASSERT_TRUE(waitUntil([&] { return other.received().size() == 51; }));
 }
 
 TEST_F(BusTest, BrokerThatStopsReadingIsLeft)
@@ -318,7 +318,7 @@ TEST_F(BusTest, BrokerThatStopsReadingIsLeft)
     startAndConnect(m_plain, broker.settings());
     broker.pause();
     publish(1, 3);
-    EXPECT_TRUE(waitForLine("the broker does not answer"));
+    ASSERT_TRUE(waitForLine("the broker does not answer"));
     EXPECT_EQ(m_bus->status().waiting, 3);
     broker.kill();
 }
@@ -328,10 +328,10 @@ TEST_F(BusTest, LineOfEachChangeIsSaidOnce)
     Broker broker;
     broker.kill();
     start(m_plain, broker.settings());
-    EXPECT_TRUE(waitUntil([this] { return m_bus->status().attempts == 2; }));
+    ASSERT_TRUE(waitUntil([this] { return m_bus->status().attempts == 2; }));
     EXPECT_EQ(allLines(), "plain: not connected to 127.0.0.1: Connection refused");
     broker.start();
-    EXPECT_TRUE(waitForLine("plain: connected to 127.0.0.1")) << allLines();
+    ASSERT_TRUE(waitForLine("plain: connected to 127.0.0.1")) << allLines();
     EXPECT_EQ(m_lines.size(), 2);
 }
 

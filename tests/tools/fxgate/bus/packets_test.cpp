@@ -119,9 +119,9 @@ protected:
         const Ticker ticker([&bus] { bus.tick(); });
         bus.onState = [](const QString& /*line*/) {};
         bus.start();
-        EXPECT_TRUE(waitUntil([this] { return m_broker.packets(publishKind).size() == 2; }));
+        ASSERT_TRUE(waitUntil([this] { return m_broker.packets(publishKind).size() == 2; }));
         bus.stop();
-        EXPECT_TRUE(waitUntil([this] { return m_broker.packets(disconnectKind).size() == 1; }));
+        ASSERT_TRUE(waitUntil([this] { return m_broker.packets(disconnectKind).size() == 1; }));
     }
 };
 
