@@ -214,7 +214,7 @@
     </message>
     <message>
         <source>value</source>
-        <translation type="unfinished">Wert</translation>
+        <translation>Wert</translation>
     </message>
     <message>
         <source>%1 (%2)</source>
