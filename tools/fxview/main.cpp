@@ -36,6 +36,7 @@ public:
     bool isSimulated() const override { return false; }
     QVector<fxtools::Tag> tags() const override { return {}; }
     void write(int /*id*/, int /*tag*/, const QString& /*text*/) override {}
+    void writeSoon(int /*id*/, int /*tag*/, const QString& /*text*/) override {}
     void benchCommand(const QString& /*command*/) override {}
     void order(const RecipeOrder& order) override
     {

@@ -17,7 +17,6 @@ namespace {
 constexpr int forEverS = std::numeric_limits<int>::max();
 constexpr int badUntilDown = 3;  // attempts in a row that the PLC did not answer
 constexpr int mostWaitingJobs = 64;
-constexpr qint64 longestWaitUs = 10000000;  // of a write
 constexpr qint64 tickEveryMs = 100;
 
 WantedPeriods wantedOf(const QVector<Tag>& tags)
@@ -128,12 +127,13 @@ void TagService::pause(qint64 timeMs)
     }
 }
 
-void TagService::write(const QString& id, int tag, const Assignment& assignment)
+void TagService::write(const QString& id, int tag, const Assignment& assignment, qint64 withinMs)
 {
     perform({[this, id, tag, assignment](Connection&) {
                  onWritten(id, tag, writeNow(tag, assignment));
              },
-             [this, id, tag](const QString& reason) { onWritten(id, tag, refusal(reason)); }});
+             [this, id, tag](const QString& reason) { onWritten(id, tag, refusal(reason)); },
+             withinMs});
 }
 
 void TagService::perform(const Job& job)
@@ -151,9 +151,13 @@ void TagService::refuseJobs()
         return;
     if (m_link == LinkState::Down || !m_connection)
         refuseAll("not sent: " + (m_reason.isEmpty() ? "the link is not open yet" : m_reason));
-    while (!m_jobs.isEmpty() && now().us - m_jobs.head().sinceUs > longestWaitUs) {
-        const WaitingJob late = m_jobs.dequeue();
-        late.job.refuse(QStringLiteral("not sent within %1 s").arg(longestWaitUs / 1000000));
+    for (int index = 0; index < m_jobs.size();) {
+        const qint64 withinMs = m_jobs[index].job.withinMs;
+        if (now().us - m_jobs[index].sinceUs <= withinMs * 1000)
+            ++index;
+        else
+            m_jobs.takeAt(index).job.refuse(
+                QStringLiteral("not sent within %1 s").arg(withinMs / 1000));
     }
 }
 

@@ -50,6 +50,8 @@ WriteAnswer answerOf(const Tag& tag, const CheckedWrite& write);
 class TagService
 {
 public:
+    static constexpr qint64 usualWaitMs = 10000;
+
     // Called wherever something is awaited, at least every tenth of a second, also while a lost
     // link is. Returns whether to end.
     std::function<bool()> onTick;
@@ -73,13 +75,15 @@ public:
     RoundEnd run();
 
     // Each is answered once, by onWritten.
-    void write(const QString& id, int tag, const Assignment& assignment);
+    void write(const QString& id, int tag, const Assignment& assignment,
+               qint64 withinMs = usualWaitMs);
 
     // One of the two is called, once. A lost link is not waited for while it runs.
     struct Job
     {
         std::function<void(Connection&)> run;
         std::function<void(const QString& reason)> refuse;
+        qint64 withinMs = usualWaitMs;  // it begins by then, or is refused
     };
     void perform(const Job& job);
 

@@ -242,6 +242,24 @@ TEST_F(PlcThreadTest, WritesAndTellsWhatWasReadBack)
     EXPECT_EQ(last(1)->raw, 715);
 }
 
+// A read of these words takes 2 s at this speed.
+TEST_F(PlcThreadTest, SendsNothingLateThatIsToMoveSomething)
+{
+    start("sim:?baud=600", "name,address,type\nlong,D200:32,text\nlamp,M50,\n");
+    ASSERT_TRUE(waitUntil([this] { return last(1).has_value(); }));
+    const auto refused = [this] {
+        m_results.clear();
+        m_plc->writeSoon(7, 1, "1");
+        EXPECT_TRUE(waitUntil([this] { return !m_results.isEmpty(); }));
+        return m_results.value(0).reason == "not sent within 1 s";
+    };
+    bool isRefused = false;
+    for (int tries = 0; tries < 20 && !isRefused; ++tries)
+        isRefused = refused();
+    EXPECT_TRUE(isRefused);
+    EXPECT_EQ(written(1, "1").outcome, WriteResult::Outcome::Done) << "it has ten seconds";
+}
+
 TEST_F(PlcThreadTest, ShowsBitsAsNumbers)
 {
     start();

@@ -57,6 +57,8 @@ TEST_F(ScreenWritesTest, SendsOneWriteForAPressAndOneForItsRelease)
     writes->release(motor);
     writes->release(motor);
     EXPECT_EQ(sent(), "10");
+    EXPECT_TRUE(plc.writes[0].isSoon) << "nobody holds the button any more";
+    EXPECT_FALSE(plc.writes[1].isSoon) << "better late than never";
     EXPECT_FALSE(writes->isReleased());
     answer(0, Outcome::Done, 1);
     EXPECT_FALSE(writes->isReleased()) << "the press, not the release";

@@ -29,6 +29,7 @@ public:
         int id;
         int tag;
         QString text;
+        bool isSoon;
     };
 
     explicit FakePlc(const QVector<fxtools::Tag>& tags) : m_tags(tags) {}
@@ -36,7 +37,11 @@ public:
     QString name() const override { return QStringLiteral("press1"); }
     bool isSimulated() const override { return simulated; }
     QVector<fxtools::Tag> tags() const override { return m_tags; }
-    void write(int id, int tag, const QString& text) override { writes += {id, tag, text}; }
+    void write(int id, int tag, const QString& text) override { writes += {id, tag, text, false}; }
+    void writeSoon(int id, int tag, const QString& text) override
+    {
+        writes += {id, tag, text, true};
+    }
     void benchCommand(const QString& command) override { benchCommands += command; }
     void order(const fxview::RecipeOrder& order) override { recipes += order; }
     void cancelRecipe(int id) override { cancelled += id; }

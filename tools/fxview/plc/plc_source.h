@@ -124,6 +124,9 @@ public:
     // of the write bar they count up from 1, of the screens down from -1.
     virtual void write(int id, int tag, const QString& text) = 0;
 
+    // The same for what moves something: it is sent within a second, or refused.
+    virtual void writeSoon(int id, int tag, const QString& text) = 0;
+
     // A command for a simulated PLC, such as "faults silence=0.1" or "poke D100 5".
     virtual void benchCommand(const QString& command) = 0;
 

@@ -19,6 +19,7 @@ constexpr qint64 betweenNewsMs = 16;
 constexpr qint64 betweenChangesMs = 100;
 constexpr qint64 betweenReportsMs = 1000;
 constexpr qint64 longestEndMs = 3000;  // of writes that wait when the program ends
+constexpr qint64 soonMs = 1000;
 constexpr int mostExchanges = 1000;
 
 Quality qualityOf(fxtools::Quality quality)
@@ -71,6 +72,11 @@ bool PlcThread::isSimulated() const
 void PlcThread::write(int id, int tag, const QString& text)
 {
     add(WriteOrder{id, tag, text});
+}
+
+void PlcThread::writeSoon(int id, int tag, const QString& text)
+{
+    add(WriteOrder{id, tag, text, soonMs});
 }
 
 void PlcThread::benchCommand(const QString& command)
@@ -166,7 +172,7 @@ void PlcThread::obey(const WriteOrder& order)
     const fxtools::Assignment assignment =
         fxtools::assignmentOf(m_tags.at(order.tag), order.text, m_services->catalogue);
     fxtools::requireOwnMemory(assignment.asked.range, m_services->catalogue);
-    m_service->write(QString::number(order.id), order.tag, assignment);
+    m_service->write(QString::number(order.id), order.tag, assignment, order.withinMs);
 }
 
 void PlcThread::obey(const BenchOrder& order)

@@ -39,6 +39,7 @@ public:
     bool isSimulated() const override;
     QVector<fxtools::Tag> tags() const override { return m_tags; }
     void write(int id, int tag, const QString& text) override;
+    void writeSoon(int id, int tag, const QString& text) override;
     void benchCommand(const QString& command) override;
     void order(const RecipeOrder& order) override;
     void cancelRecipe(int id) override;
@@ -49,6 +50,7 @@ private:
         int id;
         int tag;
         QString text;
+        qint64 withinMs = fxtools::TagService::usualWaitMs;
     };
     struct BenchOrder
     {

@@ -26,14 +26,13 @@ ScreenWrites::~ScreenWrites()
 {
     for (auto each = m_pressed.cbegin(); each != m_pressed.cend(); ++each) {
         if (each->releaseId == 0)
-            send(each.key(), QStringLiteral("0"));
+            m_source.write(expect(each.key()), each.key(), QStringLiteral("0"));
     }
 }
 
-int ScreenWrites::send(int tag, const QString& text)
+int ScreenWrites::expect(int tag)
 {
     m_waiting.insert(--m_lastId, tag);
-    m_source.write(m_lastId, tag, text);
     return m_lastId;
 }
 
@@ -41,7 +40,7 @@ void ScreenWrites::write(int tag, const QString& text)
 {
     if (!mayWrite() || isWaiting(tag))
         return;
-    send(tag, text);
+    m_source.writeSoon(expect(tag), tag, text);
     emit changed();
 }
 
@@ -52,7 +51,7 @@ void ScreenWrites::press(int tag)
     if (!mayWrite() || (found != m_pressed.cend() && found->isHeld))
         return;
     m_pressed.insert(tag, {});
-    send(tag, QStringLiteral("1"));
+    m_source.writeSoon(expect(tag), tag, QStringLiteral("1"));
     emit changed();
 }
 
@@ -72,7 +71,8 @@ void ScreenWrites::release(int tag)
 void ScreenWrites::sendRelease(int tag, Press& press)
 {
     press.sentMs = m_nowMs;
-    press.releaseId = send(tag, QStringLiteral("0"));
+    press.releaseId = expect(tag);
+    m_source.write(press.releaseId, tag, QStringLiteral("0"));
 }
 
 void ScreenWrites::releaseAll()

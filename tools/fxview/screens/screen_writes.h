@@ -56,7 +56,7 @@ private:
         qint64 sentMs = 0;
     };
 
-    int send(int tag, const QString& text);
+    int expect(int tag);  // the id of a write of this tag
     void sendRelease(int tag, Press& press);
     void noteRelease(const WriteResult& result);
 
