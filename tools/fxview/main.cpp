@@ -22,6 +22,7 @@
 #include <QTimer>
 
 #include <csignal>
+#include <tuple>
 
 namespace {
 
@@ -98,7 +99,7 @@ int writeNewScreen(const Options& options)
 void closeOnSignals(MainWindow& window)
 {
     fxtools::catchSignals();
-    std::signal(SIGHUP, [](int) { std::raise(SIGTERM); });
+    std::ignore = std::signal(SIGHUP, [](int) { std::ignore = std::raise(SIGTERM); });
     auto* timer = new QTimer(&window);
     QObject::connect(timer, &QTimer::timeout, &window, [&window] {
         if (fxtools::interrupted())

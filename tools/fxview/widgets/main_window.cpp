@@ -173,15 +173,16 @@ void MainWindow::listenToScreen()
     connect(m_screenPage, &ScreenPage::mistakesFound, this, [this](const QStringList& mistakes) {
         for (const QString& mistake : mistakes)
             qWarning("fxview: %s", qPrintable(mistake));
-        if (mistakes.isEmpty())
+        if (mistakes.isEmpty()) {
             m_problems->clear(Problem::Screen);
-        else if (mistakes.size() == 1)
+        } else if (mistakes.size() == 1) {
             m_problems->set(Problem::Screen, mistakes.first());
-        else
+        } else {
             m_problems->set(Problem::Screen, tr("%1 (the first of %2 mistakes; the page Screen "
                                                 "lists them)")
                                                  .arg(mistakes.first())
                                                  .arg(mistakes.size()));
+        }
     });
 }
 
@@ -199,16 +200,17 @@ void MainWindow::showReleases()
     QStringList names;
     for (const int tag : m_screenWrites.overdue())
         names += m_values.tag(tag).name;
-    if (names.isEmpty())
+    if (names.isEmpty()) {
         m_problems->clear(Problem::Release);
-    else
+    } else {
         m_problems->set(Problem::Release,
                         tr("%1 may still be on: the PLC has not confirmed the release of the push "
                            "button. It is sent again as soon as the PLC answers; until then, stop "
                            "the machine by its own switches.")
                             .arg(names.join(QStringLiteral(", "))));
+    }
     if (m_closingMs && m_screenWrites.isReleased())
-        QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
+        QTimer::singleShot(0, this, &QWidget::close);
 }
 
 // What cannot be released in this time is told to whoever started the program.
@@ -217,9 +219,10 @@ void MainWindow::goOnClosing()
     if (!m_closingMs || !isVisible())
         return;
     if (std::abs(m_clock() - *m_closingMs) >= longestClosingMs) {
-        for (const int tag : m_screenWrites.overdue())
+        for (const int tag : m_screenWrites.overdue()) {
             qWarning("fxview: %s may still be on: its release was not confirmed",
                      qPrintable(m_values.tag(tag).name));
+        }
         close();
     }
 }
