@@ -23,10 +23,10 @@ int syncs = 0;
 }  // namespace
 
 // Instead of the system's: nothing else shows whether a file was synchronised.
-extern "C" int fdatasync(int file)
+extern "C" int fdatasync(int fildes)
 {
     ++syncs;
-    return static_cast<int>(::syscall(SYS_fdatasync, file));
+    return static_cast<int>(::syscall(SYS_fdatasync, fildes));
 }
 
 namespace {
