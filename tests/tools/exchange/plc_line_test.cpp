@@ -45,7 +45,7 @@ public:
             return {};
         }
         nowMs = std::max(nowMs, arrivals.front().first);
-        const QByteArray bytes = arrivals.front().second;
+        QByteArray bytes = arrivals.front().second;
         arrivals.pop_front();
         return bytes;
     }
