@@ -210,7 +210,7 @@ void MainWindow::showReleases()
                             .arg(names.join(QStringLiteral(", "))));
     }
     if (m_closingMs && m_screenWrites.isReleased())
-        QTimer::singleShot(0, this, &QWidget::close);
+        QMetaObject::invokeMethod(this, "close", Qt::QueuedConnection);
 }
 
 // What cannot be released in this time is told to whoever started the program.
