@@ -119,6 +119,8 @@ int show(Options options)
     } catch (const Failure& failure) {
         problem = failure.text();
         qWarning("fxview: %s", qPrintable(problem));
+        if (!options.pictures.isEmpty())
+            return static_cast<int>(failure.code());  // nothing that could be good
     }
     PlcSource& source = plc ? static_cast<PlcSource&>(*plc) : noPlc;
     MainWindow window(source, QDateTime::currentMSecsSinceEpoch);

@@ -18,6 +18,8 @@
 
 #include <csignal>
 
+#include <sys/stat.h>
+
 using namespace tool_tests;
 
 namespace {
@@ -356,9 +358,10 @@ TEST_F(Serve, TellsTheNewestToASupervisorThatDidNotRead)
     QProcess process;  // with nobody who empties the pipe
     process.setProcessEnvironment(hostEnvironment());
     const QString fifo = folder.filePath("pipe");
-    process.start("/bin/bash", {"-c", "mkfifo \"$1\"; exec 3<>\"$1\"; shift; exec \"$@\" >&3", "sh",
-                                fifo, FXHOST_FILE, "serve", "--link", plc.link(), "--tags",
-                                newFile(folder, "many.csv", rows)});
+    ASSERT_EQ(mkfifo(qPrintable(fifo), 0600), 0);
+    process.start("/bin/bash",
+                  {"-c", "exec 3<>\"$1\"; shift; exec \"$@\" >&3", "sh", fifo, FXHOST_FILE, "serve",
+                   "--link", plc.link(), "--tags", newFile(folder, "many.csv", rows)});
     ASSERT_TRUE(process.waitForStarted());
     for (int round = 1; round <= 60; ++round) {
         for (int number = 0; number < 200; number += 50)

@@ -97,7 +97,7 @@ TEST(FxviewCommandLine, TellsMistakes)
 TEST(FxviewPictures, ShowThatAllTagsAreGood)
 {
     const QTemporaryDir folder;
-    const Ended ended = runFxview({"--link", "sim:?baud=0", "--pictures", folder.path()});
+    const Ended ended = runFxview({"--link", "sim:", "--pictures", folder.path()});
     EXPECT_EQ(ended.code, 0) << ended.err.toStdString();
     EXPECT_TRUE(ended.out.endsWith("fxview: all tags are good\n"));
     const QImage first(folder.filePath("page-1.png"));
@@ -113,6 +113,9 @@ TEST(FxviewPictures, EndInAnErrorWithoutAPlc)
     EXPECT_EQ(silent.code, 1);
     EXPECT_TRUE(silent.err.contains("fxview: not good: seconds, triangle"))
         << silent.err.toStdString();
+    const Ended nothing = runFxview({"--link", "sim:?baud=0", "--pictures", folder.path()});
+    EXPECT_EQ(nothing.code, 2);
+    EXPECT_FALSE(nothing.out.contains("good")) << nothing.out.toStdString();
     const Ended nowhere = runFxview({"--pictures", "/dev/null/pictures"});
     EXPECT_EQ(nowhere.code, 7);
     EXPECT_TRUE(nowhere.err.endsWith("fxview: could not write /dev/null/pictures/page-1.png\n"));

@@ -13,12 +13,6 @@ namespace view_tests {
 using fxview::Quality;
 using fxview::Reading;
 
-// What Qt's platform without a screen never frees.
-extern "C" const char* __lsan_default_suppressions()  // NOLINT(bugprone-reserved-identifier)
-{
-    return "leak:libQt5Core\nleak:libQt5Gui\nleak:libQt5Widgets\n";
-}
-
 QVector<fxtools::Tag> tagsOf(const QByteArray& rows)
 {
     QTemporaryFile file;
