@@ -6,6 +6,7 @@
 
 #include "tests/tools/fxview/view_support.h"
 #include "tests/tools/support/loaded_driver.h"
+#include "tools/exchange/diagnosis.h"
 #include "tools/fxview/plc/recipe_orders.h"
 #include "tools/fxview/widgets/language.h"
 #include "tools/fxview/widgets/main_window.h"
@@ -299,6 +300,8 @@ void drawLine(const QString& folder)
         report.statistics.responses.add(17000 + number * number % 9100 + (number % 40 ? 0 : 60000));
     report.statistics.verdicts[ReplyVerdict::Good] = 900;
     report.statistics.verdicts[ReplyVerdict::Silence] = 3;
+    report.verdict =
+        fxtools::meaning({{}, "press1", true, false, fxtools::checkOf(report.statistics, false)});
     report.blocks = {
         {{range("D100:31"), {range("D100:2"), range("D110:2"), range("D120"), range("D130")}},
          141.5},
