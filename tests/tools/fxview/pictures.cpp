@@ -298,6 +298,7 @@ void drawLine(const QString& folder)
     report.load = "line load 43 %";
     for (int number = 0; number < 900; ++number)
         report.statistics.responses.add(17000 + number * number % 9100 + (number % 40 ? 0 : 60000));
+    report.statistics.kinds[fxtools::ExchangeKind::CyclicRead] = {903, 900, 3, 0};
     report.statistics.verdicts[ReplyVerdict::Good] = 900;
     report.statistics.verdicts[ReplyVerdict::Silence] = 3;
     report.verdict =
