@@ -269,11 +269,12 @@ void addBench(OptionGroup group, Options& options, bool& faultHelpAsked)
 QString usageMistake(const CLI::App& app, const CLI::ParseError& error)
 {
     const std::vector<std::string> strange = app.remaining();
-    if (strange.empty())
+    if (strange.empty()) {
         return quotable(QString::fromUtf8(error.what()))
             .replace(QRegularExpression("1 required (\\S+) missing"), "\\1 missing")
             .replace(QRegularExpression("^(\\S+) was given a disallowed flag override$"),
                      "--\\1 takes no value");
+    }
     QStringList names;
     for (const CLI::Option* option : app.get_options())
         names.append(QString::fromStdString(option->get_name()));

@@ -87,11 +87,12 @@ QString countedText(const QString& what, const QVector<fxtools::RegisterRange>& 
 QString wholeText(const QString& recipe, const RecipeResult& result)
 {
     const int all = result.values.size();
-    if (!result.notCompared.isEmpty())
+    if (!result.notCompared.isEmpty()) {
         return RecipeTable::tr("All %1 values of %2 were written, but not all could be read back: "
                                "%3. Compare again.")
             .arg(all)
             .arg(recipe, result.notCompared);
+    }
     const QVector<fxtools::RegisterRange> other = differing(result.values);
     if (other.isEmpty())
         return RecipeTable::tr("Done: all %1 values of %2 are in the PLC, read back")

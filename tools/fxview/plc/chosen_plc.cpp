@@ -75,13 +75,13 @@ ChosenTags tagsOf(const fxtools::AddressServices& services)
         if (tag.link.isEmpty() || services.source.plc.isEmpty() || tag.link == services.source.plc)
             chosen.tags.append(tag);
     }
-    if (chosen.tags.isEmpty())
-        throw fxtools::Failure(fxtools::ExitCode::File,
-                               !chosen.mistakes.isEmpty() ? chosen.mistakes
-                               : services.source.plc.isEmpty()
-                                   ? path + ": no tags in this file"
-                                   : path + ": no tag of " + services.source.plc);
-    return chosen;
+    if (!chosen.tags.isEmpty())
+        return chosen;
+    const QString& plc = services.source.plc;
+    const QString none =
+        plc.isEmpty() ? path + ": no tags in this file" : path + ": no tag of " + plc;
+    throw fxtools::Failure(fxtools::ExitCode::File,
+                           chosen.mistakes.isEmpty() ? none : chosen.mistakes);
 }
 
 }  // namespace fxview
