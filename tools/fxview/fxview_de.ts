@@ -350,6 +350,14 @@
         <source>%1. Rows with a mistake are left out: there is no value, no alarm for them. Mend the file and start fxview again.</source>
         <translation>%1. Zeilen mit einem Fehler fehlen: für sie gibt es keinen Wert und keinen Alarm. Die Datei berichtigen und fxview neu starten.</translation>
     </message>
+    <message>
+        <source>a push button is not released yet</source>
+        <translation>ein Taster ist noch nicht losgelassen</translation>
+    </message>
+    <message>
+        <source>%1: no new values</source>
+        <translation>%1: keine neuen Werte</translation>
+    </message>
 </context>
 <context>
     <name>fxview::NumericEntryView</name>

@@ -79,6 +79,9 @@ QString dataFileOf(const QString& plc, const QString& kind, const QString& suffi
 int writeNewScreen(const Options& options)
 {
     try {
+        if (QFile::exists(options.newScreen))
+            throw Failure(fxtools::ExitCode::File,
+                          options.newScreen + " exists; choose another name");
         const std::unique_ptr<fxtools::AddressServices> services =
             servicesOf(choosePlc(options.plc, options.tags));
         const ChosenTags tags = tagsOf(*services);
@@ -103,7 +106,7 @@ void closeOnSignals(MainWindow& window)
     auto* timer = new QTimer(&window);
     QObject::connect(timer, &QTimer::timeout, &window, [&window] {
         if (fxtools::interrupted())
-            window.close();
+            window.closeSoon();
     });
     timer->start(100);
 }
@@ -130,8 +133,12 @@ int show(Options options)
         window.openScreen(options.screen, isGiven);
     closeOnSignals(window);
     window.show();
-    if (!mistakes.isEmpty())
+    if (!mistakes.isEmpty()) {
+        qWarning("fxview: %s", qPrintable(mistakes));
         window.tellOfMistakes(mistakes);
+        if (!options.pictures.isEmpty())
+            return static_cast<int>(fxtools::ExitCode::File);
+    }
     if (plc)
         plc->start();
     else

@@ -79,12 +79,19 @@ RegisterFile writableRegistersOf(const QString& path, const RegisterCatalogue& c
                                  int wordsPerFrame, bool force)
 {
     RegisterFile file = registersOf(path, catalogue, wordsPerFrame);
-    checkWritable(path, file.runs);
-    for (const RegisterRun& run : file.runs) {
-        if (!force)
-            requireOwnMemory(run.range, catalogue);
-    }
+    if (force)
+        checkWritable(path, file.runs);
+    else
+        requireWritable(path, file.runs, catalogue);
     return file;
+}
+
+void requireWritable(const QString& path, const QVector<RegisterRun>& runs,
+                     const RegisterCatalogue& catalogue)
+{
+    checkWritable(path, runs);
+    for (const RegisterRun& run : runs)
+        requireOwnMemory(run.range, catalogue);
 }
 
 Comparison compareWithPlc(Connection& connection, const QVector<RegisterRun>& runs,

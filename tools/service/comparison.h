@@ -43,6 +43,11 @@ RegisterFile registersOf(const QString& path, const RegisterCatalogue& catalogue
 RegisterFile writableRegistersOf(const QString& path, const RegisterCatalogue& catalogue,
                                  int wordsPerFrame, bool force);
 
+// Throws Failure, which names the file, unless all are writable and none is on an address of
+// others.
+void requireWritable(const QString& path, const QVector<RegisterRun>& runs,
+                     const RegisterCatalogue& catalogue);
+
 Comparison compareWithPlc(Connection& connection, const QVector<RegisterRun>& runs,
                           const Progress& progress);
 

@@ -24,16 +24,22 @@ int wordsPerRegister(const RegisterRange& range)
     return range.type.driverCount(1);
 }
 
+void requireRoom(const QVector<RegisterRange>& entries, const std::vector<quint16>& memory)
+{
+    qint64 words = 0;
+    for (const RegisterRange& entry : entries)
+        words += qint64(wordsPerRegister(entry)) * entry.count;
+    if (words > static_cast<qint64>(memory.size()))
+        throw Failure(ExitCode::File,
+                      QStringLiteral("the recipe is too long: the recipe memory holds %1 words")
+                          .arg(memory.size()));
+}
+
 void loadWords(const QVector<RegisterRun>& runs, std::vector<quint16>& memory)
 {
     size_t word = 0;
     for (const RegisterRun& run : runs) {
         const int words = wordsPerRegister(run.range);
-        if (memory.size() - word <
-            static_cast<size_t>(words) * static_cast<size_t>(run.values.size()))
-            throw Failure(ExitCode::File,
-                          QStringLiteral("the recipe is too long: the recipe memory holds %1 words")
-                              .arg(memory.size()));
         for (const quint32 value : run.values) {
             memory[word++] = static_cast<quint16>(value & 0xFFFF);
             if (words == 2)
@@ -131,13 +137,16 @@ QVector<RecipeObjection> objectionsTo(const QVector<RegisterRun>& recipe, const 
 RecipeOutcome downloadRecipe(Connection& connection, const QVector<RegisterRun>& recipe,
                              const Progress& progress)
 {
-    loadWords(recipe, connection.session().recipeWords());
+    std::vector<quint16>& memory = connection.session().recipeWords();
+    requireRoom(rangesOf(recipe), memory);
+    loadWords(recipe, memory);
     return transferRecipe(connection.loop(), RecipeDirection::Download, rangesOf(recipe), progress);
 }
 
 RecipeOutcome uploadRecipe(Connection& connection, const QVector<RegisterRange>& entries,
                            QVector<RegisterRun>& recipe, const Progress& progress)
 {
+    requireRoom(entries, connection.session().recipeWords());
     RecipeOutcome outcome =
         transferRecipe(connection.loop(), RecipeDirection::Upload, entries, progress);
     if (outcome.isGood())

@@ -22,7 +22,7 @@ QVector<RegisterRange> recipeEntries(const QVector<RegisterRange>& registers, in
 RecipeOutcome downloadRecipe(Connection& connection, const QVector<RegisterRun>& recipe,
                              const Progress& progress);
 
-// The recipe is empty unless all of it was read: half of one would look like a whole one.
+// The same. The recipe is empty unless all of it was read: half of one would look like a whole one.
 RecipeOutcome uploadRecipe(Connection& connection, const QVector<RegisterRange>& entries,
                            QVector<RegisterRun>& recipe, const Progress& progress);
 

@@ -62,6 +62,7 @@ WriteAnswer answerOf(const Tag& tag, const CheckedWrite& write)
         return answer;
     }
     const bool isKnown = !write.after.isEmpty();
+    answer.isAcknowledged = outcome.isGood();
     answer.outcome = isKnown ? WriteAnswer::Outcome::Failed : WriteAnswer::Outcome::Unknown;
     answer.reason = outcome.problem ? verdictText(*outcome.problem)
                     : isKnown ? QStringLiteral("acknowledged, but read back with another value")
@@ -170,6 +171,7 @@ void TagService::refuseAll(const QString& reason)
 void TagService::runJob(const Job& job)
 {
     m_isBusy = true;
+    m_connection->loop().forgetEverything();  // a job that was cancelled may have left a frame
     job.run(*m_connection);
     m_isBusy = false;
     m_mustLookAgain = m_link == LinkState::Down;

@@ -42,6 +42,7 @@ struct WriteAnswer
     QString reason;     // unless it is simply done
     QJsonValue before;  // null: not known
     QJsonValue after;
+    bool isAcknowledged = false;  // where it failed: the PLC took it, and holds another value
 };
 
 WriteAnswer refusal(const QString& reason);

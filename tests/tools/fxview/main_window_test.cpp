@@ -46,6 +46,24 @@ TEST_F(MainWindowInFrontOfAPlc, HasOneBarForALostLink)
     EXPECT_FALSE(bar->isVisible());
 }
 
+TEST_F(MainWindowInFrontOfAPlc, DoesNotSayThatThePlcAnswersWhenAllIsOld)
+{
+    const auto says = [this](const char* text) {
+        const QList<QLabel*> labels = window.statusBar()->findChildren<QLabel*>();
+        return std::any_of(labels.begin(), labels.end(),
+                           [&](const QLabel* label) { return label->text() == text; });
+    };
+    emit plc.linkChanged(true, {});
+    emit plc.readings({good(0, 71)});
+    passMs(0);
+    EXPECT_TRUE(says("press1 answers"));
+    passMs(60000);
+    EXPECT_TRUE(says("press1: no new values"));
+    emit plc.readings({good(0, 72, nowMs)});
+    passMs(0);
+    EXPECT_TRUE(says("press1 answers"));
+}
+
 TEST_F(MainWindowInFrontOfAPlc, ShowsTheFirstReadingsAtOnce)
 {
     const QSignalSpy shown(find<QTableView>("Values")->model(), &QAbstractItemModel::dataChanged);

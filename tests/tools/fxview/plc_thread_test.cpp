@@ -70,9 +70,10 @@ protected:
             [this](const QString&, const QString& reason) { m_refusals.append(reason); });
         QObject::connect(m_plc.get(), &PlcSource::recipeEnded,
                          [this](const RecipeResult& result) { m_recipes.append(result); });
-        QObject::connect(m_plc.get(), &PlcSource::recipeMoved, [this](int id, int done, int total) {
-            m_moves += QString("%1: %2 of %3").arg(id).arg(done).arg(total);
-        });
+        QObject::connect(m_plc.get(), &PlcSource::recipeMoved,
+                         [this](int id, int done, int total, bool) {
+                             m_moves += QString("%1: %2 of %3").arg(id).arg(done).arg(total);
+                         });
         m_plc->start();
     }
 
@@ -165,6 +166,14 @@ protected:
         order.act = act;
         order.recipe = recipe;
         return order;
+    }
+
+    RecipeResult uploaded(const QString& from)
+    {
+        RecipeOrder order = orderFor(RecipeOrder::Act::Upload, {});
+        order.file = m_folder.filePath("up.csv");
+        order.registers = from;
+        return ended(order);
     }
 
     RecipeResult downloaded(const char* faults)
@@ -440,7 +449,7 @@ TEST_F(RecipeInThread, EndsWhereItIsCancelled)
 {
     m_failLimit = forEver;
     startQuietly();
-    QObject::connect(m_plc.get(), &PlcSource::recipeMoved, [this](int id, int done, int) {
+    QObject::connect(m_plc.get(), &PlcSource::recipeMoved, [this](int id, int done, int, bool) {
         if (done == 2) {
             m_plc->cancelRecipe(id);
             m_plc->benchCommand("faults none");
@@ -452,6 +461,44 @@ TEST_F(RecipeInThread, EndsWhereItIsCancelled)
     EXPECT_EQ(read(result), registers);
     EXPECT_EQ(written(2, "7").outcome, WriteResult::Outcome::Done) << "polling goes on";
     EXPECT_EQ(m_links, QStringList("up"));
+}
+
+// Nothing else is due in this time, so what was cancelled is still in flight.
+TEST_F(RecipeInThread, IsReadAnewAfterOneThatWasCancelled)
+{
+    startQuietly();
+    const RecipeResult file = opened(recipeFile());
+    RecipeOrder order = orderFor(RecipeOrder::Act::Download, file.recipe);
+    EXPECT_EQ(same(ended(order)), registers);
+    order.act = RecipeOrder::Act::Compare;
+    order.id = 3;
+    QObject::connect(m_plc.get(), &PlcSource::recipeMoved, [this](int id, int done, int, bool) {
+        if (id == 3 && done == 2)
+            m_plc->cancelRecipe(id);
+    });
+    m_plc->benchCommand("faults silence@3-");
+    EXPECT_LT(read(ended(order)), registers);
+    m_plc->benchCommand("faults none");
+    m_plc->benchCommand("poke D1003 77");
+    order.id = 4;
+    const RecipeResult again = ended(order);
+    EXPECT_EQ(read(again), registers);
+    EXPECT_EQ(again.values[3].inPlc, 77U);
+}
+
+TEST_F(RecipeInThread, ThatCameUpIsJudgedBeforeItGoesDown)
+{
+    startQuietly();
+    const RecipeResult up = uploaded("SD8130");
+    ASSERT_EQ(up.problem, "");
+    const RecipeResult result = ended(orderFor(RecipeOrder::Act::Download, up.recipe));
+    EXPECT_TRUE(result.problem.contains("SD8130")) << qPrintable(result.problem);
+}
+
+TEST_F(RecipeInThread, ThatIsTooLongIsRefused)
+{
+    startQuietly();
+    EXPECT_TRUE(uploaded(QString("D0:8000 ").repeated(9)).problem.contains("too long"));
 }
 
 TEST_F(RecipeInThread, ThatIsCancelledBeforeItBeginsSendsNothing)

@@ -170,10 +170,10 @@ TEST_F(RecipeInWindow, GoesDownWhenThatIsConfirmed)
     button("Yes, write")->click();
     ASSERT_EQ(plc.recipes.size(), before + 1);
     EXPECT_EQ(order().recipe.size(), 2);
-    emit plc.recipeMoved(order().id, 1, 2);
+    emit plc.recipeMoved(order().id, 1, 2, false);
     EXPECT_EQ(page->findChild<QProgressBar*>()->value(), 1);
-    emit plc.recipeMoved(order().id, 2, 2);
-    emit plc.recipeMoved(order().id, 0, 2);
+    emit plc.recipeMoved(order().id, 2, 2, false);
+    emit plc.recipeMoved(order().id, 0, 2, true);
     EXPECT_EQ(said(), QString::fromUtf8("Reading oven.csv back…"));
     emit plc.recipeEnded(wholeDone());
     EXPECT_EQ(said(), "Done: all 6 values of oven.csv are in the PLC, read back");
@@ -252,13 +252,25 @@ TEST_F(RecipeInWindow, IsAnsweredByItsOwnResultOnly)
     EXPECT_TRUE(page->isDownloading());
 }
 
+TEST_F(RecipeInWindow, IsStillThereByHalfWhenTheNextAttemptWritesNothing)
+{
+    startDownload();
+    emit plc.recipeEnded(halfDone("no reply in time"));
+    const QString half = bar();
+    button("Download…")->click();
+    button("Yes, write")->click();
+    RecipeResult nothing = refusedRecipe(order(), "refused by the PLC (NAK)");
+    emit plc.recipeEnded(nothing);
+    EXPECT_EQ(bar(), said() + ' ' + half);
+}
+
 TEST_F(RecipeInWindow, KeepsTheWindowThatIsClosedInTheMiddle)
 {
     QTemporaryDir folder;
     const QString notes = folder.filePath("recipes.txt");
     window.keepRecipeNotesIn(notes);
     startDownload();
-    emit plc.recipeMoved(order().id, 1, 2);
+    emit plc.recipeMoved(order().id, 1, 2, false);
     EXPECT_FALSE(window.close());
     EXPECT_EQ(plc.cancelled.size(), 1);
     const QString known = QString::fromUtf8(

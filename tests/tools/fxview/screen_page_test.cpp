@@ -120,7 +120,7 @@ struct ScreenPageInWindow : Window
     {
         const FakePlc::Write& sent = plc.writes[write];
         emit plc.written(
-            {sent.id, sent.tag, outcome, 1, after, outcome == Outcome::Done ? "" : "why"});
+            {sent.id, sent.tag, outcome, 1, after, outcome == Outcome::Done ? "" : "why", true});
     }
     void press() { QTest::mousePress(jog, Qt::LeftButton); }
 
@@ -346,6 +346,19 @@ TEST_F(ScreenPageInWindow, ReleasesAfterALostLinkWithABarUntilItIsConfirmed)
     answer(1, Outcome::Done, 0);
     EXPECT_FALSE(window.findChild<QWidget*>("problemBar")->isVisible());
     EXPECT_EQ(sent(), "10");
+}
+
+TEST_F(ScreenPageInWindow, LetsNoRecipeBeginBeforeTheRelease)
+{
+    RecipeOrder order;
+    order.act = RecipeOrder::Act::Compare;
+    press();
+    emit window.findChild<RecipePage*>()->ordered(order);
+    EXPECT_TRUE(plc.recipes.isEmpty());
+    QTest::mouseRelease(jog, Qt::LeftButton);
+    answer(1, Outcome::Done, 0);
+    emit window.findChild<RecipePage*>()->ordered(order);
+    EXPECT_EQ(plc.recipes.size(), 1);
 }
 
 TEST_F(ScreenPageInWindow, TellsWhenThePlcHoldsABitThatWasReleased)

@@ -26,9 +26,10 @@ struct ScreenWritesTest : testing::Test
 
     void pass(qint64 ms) { writes->showMoment(clockMs += ms); }
 
-    void answer(int write, Outcome outcome, const QJsonValue& after = 0)
+    void answer(int write, Outcome outcome, const QJsonValue& after = 0, bool isAcknowledged = true)
     {
-        emit plc.written({plc.writes[write].id, plc.writes[write].tag, outcome, 1, after, {}});
+        emit plc.written(
+            {plc.writes[write].id, plc.writes[write].tag, outcome, 1, after, {}, isAcknowledged});
     }
 
     // What was sent, in order: "1" and "0".
@@ -135,6 +136,18 @@ TEST_F(ScreenWritesTest, DoesNotFightThePlcsOwnProgram)
     EXPECT_EQ(sent(), "1000");
     EXPECT_EQ(stillOn, QVector<int>{motor});
     EXPECT_TRUE(writes->isReleased());
+}
+
+TEST_F(ScreenWritesTest, GoesOnReleasingWhereNothingArrives)
+{
+    writes->press(motor);
+    writes->release(motor);
+    for (int write = 1; write <= 10; ++write) {
+        answer(write, Outcome::Failed, 1, false);
+        pass(1000);
+    }
+    EXPECT_EQ(sent(), "100000000000");
+    EXPECT_EQ(writes->overdue(), QVector<int>{motor});
 }
 
 TEST_F(ScreenWritesTest, SaysWhenAReleaseTakesLong)

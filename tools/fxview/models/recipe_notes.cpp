@@ -4,6 +4,7 @@
 #include "tools/fxview/models/recipe_notes.h"
 
 #include <QCoreApplication>
+#include <QFile>
 #include <QSaveFile>
 
 namespace fxview {
@@ -15,20 +16,25 @@ RecipeNotes::RecipeNotes(const QString& path) : m_path(path)
         return;
     for (const QString& line : QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts))
         m_texts.insert(line.section('\t', 0, 0), line.section('\t', 1));
+    m_written = m_texts;
 }
 
-QString RecipeNotes::set(const QString& recipe, const QString& text)
+QString RecipeNotes::set(const QString& recipe, const QString& text, bool isNothingWritten)
 {
+    const QString line = QString(text).replace('\n', ' ');
+    if (!isNothingWritten)
+        m_written.insert(recipe, line);
+    const QString known = isNothingWritten ? m_written.value(recipe) : QString();
+    m_texts.insert(recipe, known.isEmpty() ? line : line + ' ' + known);
     if (text.isEmpty())
         m_texts.remove(recipe);
-    else
-        m_texts.insert(recipe, QString(text).replace('\n', ' '));
     return write();
 }
 
 QString RecipeNotes::clear()
 {
     m_texts.clear();
+    m_written.clear();
     return write();
 }
 

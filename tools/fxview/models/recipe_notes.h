@@ -19,9 +19,9 @@ public:
     // Reads what the file holds from before.
     explicit RecipeNotes(const QString& path);
 
-    // What is said of a recipe replaces what was; empty: it is whole. Returns why it cannot be
-    // kept, or nothing.
-    QString set(const QString& recipe, const QString& text);
+    // What is said of a recipe replaces what was; empty: it is whole. Where nothing was written,
+    // it stands before what was known already. Returns why it cannot be kept, or nothing.
+    QString set(const QString& recipe, const QString& text, bool isNothingWritten = false);
     QString clear();
 
     QString text() const;  // of all recipes, a line each
@@ -30,7 +30,8 @@ private:
     QString write() const;
 
     QString m_path;
-    QMap<QString, QString> m_texts;  // by recipe
+    QMap<QString, QString> m_texts;    // by recipe
+    QMap<QString, QString> m_written;  // the newest of an attempt that wrote something
 };
 
 }  // namespace fxview

@@ -41,8 +41,9 @@ struct WriteResult
     int id = 0;
     int tag = 0;
     Outcome outcome = Outcome::Unknown;
-    QJsonValue before, after;  // scaled; null: not read
-    QString reason;            // why it is not done
+    QJsonValue before, after;     // scaled; null: not read
+    QString reason;               // why it is not done
+    bool isAcknowledged = false;  // where it failed: the PLC took it, and holds another value
 };
 
 // A block of the polling plan and what a read of it costs on the line.
@@ -131,7 +132,8 @@ public:
     virtual void benchCommand(const QString& command) = 0;
 
     // recipeEnded() tells the result of each order once; one that is cancelled ends early. Before
-    // and after each entry of a transfer, recipeMoved() tells how many registers are over.
+    // and after each entry of a transfer, recipeMoved() tells how many are over: of those written,
+    // and after a download of those read back.
     virtual void order(const RecipeOrder& order) = 0;
     virtual void cancelRecipe(int id) = 0;
 
@@ -144,7 +146,7 @@ signals:
 
     void lineReport(const LineReport& report);  // once a second
     void written(const WriteResult& result);
-    void recipeMoved(int id, int done, int total);
+    void recipeMoved(int id, int done, int total, bool isReadingBack);
     void recipeEnded(const RecipeResult& result);
     void benchRefused(const QString& command, const QString& reason);
 };

@@ -71,12 +71,12 @@ bool PlcThread::isSimulated() const
 
 void PlcThread::write(int id, int tag, const QString& text)
 {
-    add(WriteOrder{id, tag, text});
+    add(WriteOrder{id, tag, text, m_clock.elapsed(), fxtools::TagService::usualWaitMs});
 }
 
 void PlcThread::writeSoon(int id, int tag, const QString& text)
 {
-    add(WriteOrder{id, tag, text, soonMs});
+    add(WriteOrder{id, tag, text, m_clock.elapsed(), soonMs});
 }
 
 void PlcThread::benchCommand(const QString& command)
@@ -172,6 +172,8 @@ void PlcThread::obey(const WriteOrder& order)
     const fxtools::Assignment assignment =
         fxtools::assignmentOf(m_tags.at(order.tag), order.text, m_services->catalogue);
     fxtools::requireOwnMemory(assignment.asked.range, m_services->catalogue);
+    if (m_clock.elapsed() - order.sinceMs > order.withinMs)  // the line was being opened
+        throw Failure(fxtools::ExitCode::Silence, QStringLiteral("not sent: it would be too late"));
     m_service->write(QString::number(order.id), order.tag, assignment, order.withinMs);
 }
 
@@ -280,8 +282,13 @@ void PlcThread::noteResult(int id, int tag, const fxtools::WriteAnswer& answer)
     const auto asNumber = [](const QJsonValue& value) {
         return value.isBool() ? QJsonValue(value.toBool() ? 1 : 0) : value;
     };
-    const WriteResult result = {
-        id, tag, answer.outcome, asNumber(answer.before), asNumber(answer.after), answer.reason};
+    const WriteResult result = {id,
+                                tag,
+                                answer.outcome,
+                                asNumber(answer.before),
+                                asNumber(answer.after),
+                                answer.reason,
+                                answer.isAcknowledged};
     tell([&result](News& news) { news.results.append(result); });
 }
 
@@ -320,8 +327,8 @@ void PlcThread::giveNews()
     for (const WriteResult& result : qAsConst(news.results))
         emit written(result);
     if (news.recipeMoved) {
-        const auto& [id, done, total] = *news.recipeMoved;
-        emit recipeMoved(id, done, total);
+        const RecipeProgress& moved = *news.recipeMoved;
+        emit recipeMoved(moved.id, moved.done, moved.total, moved.isReadingBack);
     }
     for (const RecipeResult& result : qAsConst(news.recipes))
         emit recipeEnded(result);

@@ -50,7 +50,13 @@ private:
         int id;
         int tag;
         QString text;
-        qint64 withinMs = fxtools::TagService::usualWaitMs;
+        qint64 sinceMs;  // by m_clock
+        qint64 withinMs;
+    };
+    struct RecipeProgress
+    {
+        int id, done, total;
+        bool isReadingBack;
     };
     struct BenchOrder
     {
@@ -66,7 +72,7 @@ private:
         QVector<fxtools::Exchange> exchanges;
         std::optional<LineReport> report;
         QVector<WriteResult> results;
-        std::optional<std::array<int, 3>> recipeMoved;
+        std::optional<RecipeProgress> recipeMoved;
         QVector<RecipeResult> recipes;
         QVector<QPair<QString, QString>> refusals;  // of commands
     };
@@ -85,7 +91,7 @@ private:
     void noteResult(int id, int tag, const fxtools::WriteAnswer& answer);
     LineReport report();
     bool isRecipeCancelled();
-    fxtools::Progress progressOf(int id);
+    fxtools::Progress progressOf(int id, bool isReadingBack = false);
     void transfer(const RecipeOrder& order, fxtools::Connection& connection);
     void openRecipe(RecipeResult& result, const QString& file) const;
     void compareRecipe(RecipeResult& result, fxtools::Connection& connection,

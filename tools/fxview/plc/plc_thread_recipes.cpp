@@ -47,10 +47,10 @@ bool PlcThread::isRecipeCancelled()
     return m_recipe && (m_mustEnd || m_cancelledRecipe == m_recipe);
 }
 
-fxtools::Progress PlcThread::progressOf(int id)
+fxtools::Progress PlcThread::progressOf(int id, bool isReadingBack)
 {
-    return [this, id](int done, int total) {
-        tell([=](News& news) { news.recipeMoved = {{id, done, total}}; });
+    return [this, id, isReadingBack](int done, int total) {
+        tell([=](News& news) { news.recipeMoved = {id, done, total, isReadingBack}; });
     };
 }
 
@@ -118,12 +118,14 @@ void PlcThread::downloadRecipe(RecipeResult& result, fxtools::Connection& connec
         fxtools::objectionsTo(result.recipe, m_tags, m_services->catalogue);
     if (!objections.isEmpty())
         throw fxtools::Failure(fxtools::ExitCode::Usage, objections.first().text);
+    // A recipe that came up from the PLC has not been judged yet.
+    fxtools::requireWritable(QStringLiteral("the recipe"), result.recipe, m_services->catalogue);
     noteOutcome(result, fxtools::downloadRecipe(connection, result.recipe, progress));
     {
         const QMutexLocker locker(&m_mutex);
         m_cancelledRecipe.reset();  // the next cancel is for the reading
     }
-    compareRecipe(result, connection, progress);
+    compareRecipe(result, connection, progressOf(result.id, true));
 }
 
 void PlcThread::uploadRecipe(RecipeResult& result, fxtools::Connection& connection,

@@ -126,8 +126,8 @@ void ScreenWrites::noteRelease(const WriteResult& result)
     if (found == m_pressed.end() || found->releaseId != result.id)
         return;
     found->releaseId = 0;
-    const bool isFailure = result.outcome == WriteResult::Outcome::Failed;
-    found->failures = isFailure ? found->failures + 1 : 0;
+    const bool isHeldOn = result.outcome == WriteResult::Outcome::Failed && result.isAcknowledged;
+    found->failures = isHeldOn ? found->failures + 1 : 0;
     const bool isGivenUp = found->failures == mostFailures;
     if (result.outcome == WriteResult::Outcome::Done || isGivenUp)
         m_pressed.erase(found);

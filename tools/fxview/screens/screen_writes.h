@@ -51,7 +51,7 @@ private:
         bool isHeld = true;
         int releaseId = 0;  // awaited; 0: held, or to be sent
         bool isOverdue = false;
-        int failures = 0;  // in a row
+        int failures = 0;  // in a row, of acknowledged releases
         qint64 letGoMs = 0;
         qint64 sentMs = 0;
     };

@@ -110,12 +110,18 @@ void MainWindow::listen()
 
 void MainWindow::listenToRecipes()
 {
-    connect(m_recipePage, &RecipePage::ordered, &m_source, &PlcSource::order);
+    connect(m_recipePage, &RecipePage::ordered, this, [this](const RecipeOrder& order) {
+        // A release that is owed must not wait for a transfer of minutes.
+        if (m_screenWrites.isReleased() || order.act == RecipeOrder::Act::Open)
+            m_source.order(order);
+        else
+            m_recipePage->take(refusedRecipe(order, tr("a push button is not released yet")));
+    });
     connect(m_recipePage, &RecipePage::cancelled, &m_source, &PlcSource::cancelRecipe);
     connect(&m_source, &PlcSource::recipeMoved, m_recipePage, &RecipePage::showProgress);
     connect(m_recipePage, &RecipePage::stated, this,
-            [this](const QString& recipe, const QString& text) {
-                showRecipeNotes(m_recipeNotes.set(recipe, text));
+            [this](const QString& recipe, const QString& text, bool isNothingWritten) {
+                showRecipeNotes(m_recipeNotes.set(recipe, text, isNothingWritten));
             });
     connect(&m_source, &PlcSource::recipeEnded, this, [this](const RecipeResult& result) {
         m_recipePage->take(result);
@@ -161,10 +167,18 @@ void MainWindow::closeEvent(QCloseEvent* event)
     event->setAccepted(m_screenWrites.isReleased() || isTooLate);
 }
 
+// As by a person who closes it, and once more when what is written by then is known.
+void MainWindow::closeSoon()
+{
+    if (!m_mustClose || !m_recipePage->isDownloading())
+        close();
+}
+
 void MainWindow::listenToScreen()
 {
     connect(&m_screenWrites, &ScreenWrites::changed, this, &MainWindow::showReleases);
     connect(&m_screenWrites, &ScreenWrites::stillOn, this, [this](int tag) {
+        qWarning("fxview: %s is still on", qPrintable(m_values.tag(tag).name));
         m_problems->set(Problem::StillOn,
                         tr("%1 is still on, though the release of its push button was sent three "
                            "times: the program of the PLC may hold it.")
@@ -251,12 +265,30 @@ void MainWindow::keepAlarmsIn(const QString& file)
     });
 }
 
+// A PLC that falls silent counts as one that answers for a few attempts more; its values do not.
+void MainWindow::showQuality()
+{
+    Quality best = m_values.size() == 0 || !m_hasReadings ? Quality::Good : Quality::Stale;
+    for (int tag = 0; tag < m_values.size() && best != Quality::Good; ++tag) {
+        if (m_values.qualityAt(tag, m_clock()) == Quality::Good)
+            best = Quality::Good;
+    }
+    if (m_linkQuality && *m_linkQuality != Quality::Bad && *m_linkQuality != best)
+        showLinkAs(best);
+}
+
+void MainWindow::showLinkAs(Quality quality)
+{
+    m_linkQuality = quality;
+    showLinkSign();
+    m_linkText->setText(quality == Quality::Good  ? tr("%1 answers").arg(m_source.name())
+                        : quality == Quality::Bad ? tr("%1 does not answer").arg(m_source.name())
+                                                  : tr("%1: no new values").arg(m_source.name()));
+}
+
 void MainWindow::showLink(bool isUp, const QString& reason)
 {
-    m_linkQuality = isUp ? Quality::Good : Quality::Bad;
-    showLinkSign();
-    m_linkText->setText(isUp ? tr("%1 answers").arg(m_source.name())
-                             : tr("%1 does not answer").arg(m_source.name()));
+    showLinkAs(isUp ? Quality::Good : Quality::Bad);
     m_valuesPage->writeBar().setLinkUp(isUp);
     m_recipePage->setLinkUp(isUp);
     if (isUp) {
@@ -311,6 +343,7 @@ void MainWindow::showMoment()
     const qint64 nowMs = m_clock();
     m_screenWrites.showMoment(nowMs);
     goOnClosing();
+    showQuality();
     if (m_pages->currentWidget() == m_valuesPage)
         m_valuesPage->showMoment(nowMs);
     else if (m_pages->currentWidget() == m_screenPage)

@@ -38,6 +38,7 @@ public:
     MainWindow& operator=(const MainWindow&) = delete;
 
     void showMoment();
+    void closeSoon();  // to be called until it is closed
     void openScreen(const QString& file, bool isFirstPage);
     void keepAlarmsIn(const QString& file);
     void keepRecipeNotesIn(const QString& file);
@@ -60,7 +61,9 @@ private:
     void goOnClosing();
     void take(const QVector<Reading>& readings);
     void showLink(bool isUp, const QString& reason);
+    void showLinkAs(Quality quality);
     void showLinkSign();
+    void showQuality();
 
     PlcSource& m_source;
     Clock m_clock;

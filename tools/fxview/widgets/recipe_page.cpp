@@ -146,13 +146,12 @@ void RecipePage::start(RecipeOrder::Act act, bool mayReplace)
     m_order.recipe =
         act == Act::Compare || act == Act::Download ? m_runs : QVector<fxtools::RegisterRun>();
     m_order.mayReplace = mayReplace;
-    m_entriesWritten = 0;
-    m_isReadingBack = false;
+    m_readingMs = m_nowMs;
     m_progress->reset();
     setStep(Step::Busy);
     if (act == Act::Download) {
         say(tr("Writing %1 to the PLC…").arg(nameOf(m_recipe)));
-        showProgress(m_order.id, 0, m_runs.size());
+        showProgress(m_order.id, 0, m_runs.size(), false);
     } else {
         say(act == Act::Upload ? tr("Reading from the PLC…") : tr("Comparing…"));
     }
@@ -160,7 +159,7 @@ void RecipePage::start(RecipeOrder::Act act, bool mayReplace)
 }
 
 // What is known now is told before more is written.
-void RecipePage::showProgress(int id, int done, int total)
+void RecipePage::showProgress(int id, int done, int total, bool isReadingBack)
 {
     if (id != m_order.id || m_step != Step::Busy)
         return;
@@ -168,20 +167,20 @@ void RecipePage::showProgress(int id, int done, int total)
     m_progress->setValue(done);
     if (!isDownloading())
         return;
-    if (done < m_entriesWritten)
-        m_isReadingBack = true;
-    if (m_isReadingBack) {
+    if (isReadingBack) {
+        if (!std::exchange(m_isReadingBack, true))
+            m_readingMs = m_nowMs;
         say(tr("Reading %1 back…").arg(nameOf(m_recipe)));
         return;
     }
-    m_entriesWritten = done;
     const QVector<fxtools::RegisterRange> all = fxtools::rangesOf(m_runs);
     const QString unknown = rangesText(all.mid(done));
     emit stated(m_recipe,
                 tr("The window ended while %1 was written to the PLC. Written: %2. "
                    "UNKNOWN whether written: %3. Download it again, or compare.")
                     .arg(nameOf(m_recipe), done == 0 ? tr("none") : rangesText(all.mid(0, done)),
-                         unknown.isEmpty() ? tr("none") : unknown));
+                         unknown.isEmpty() ? tr("none") : unknown),
+                done == 0);
 }
 
 QString RecipePage::objection() const
@@ -245,7 +244,7 @@ void RecipePage::take(const RecipeResult& result)
         takeDownload(result);
         return;
     case Act::Compare:
-        m_table->show(result.values, m_nowMs);
+        m_table->show(result.values, m_readingMs);
         if (result.problem.isEmpty() && result.notCompared.isEmpty())
             sayDifferences();
         else
@@ -258,7 +257,7 @@ void RecipePage::take(const RecipeResult& result)
         }
         m_recipe = m_order.file;
         m_runs = result.recipe;
-        m_table->show(result.values, m_nowMs);
+        m_table->show(result.values, m_readingMs);
         say(tr("Done: %1 values of the PLC are in %2").arg(m_table->rowCount()).arg(m_recipe));
         break;
     }
@@ -269,7 +268,7 @@ void RecipePage::takeOpened(const RecipeResult& result)
 {
     m_recipe = result.problem.isEmpty() ? m_order.file : QString();
     m_runs = result.recipe;
-    m_table->show(result.values, m_nowMs);
+    m_table->show(result.values, m_readingMs);
     setStep(Step::Idle);
     if (!result.problem.isEmpty()) {
         say(tr("Not opened: %1").arg(result.problem));
@@ -287,11 +286,15 @@ void RecipePage::takeOpened(const RecipeResult& result)
 
 void RecipePage::takeDownload(const RecipeResult& result)
 {
-    m_table->show(result.values, m_nowMs);
+    m_table->show(result.values, m_readingMs);
     setStep(Step::Idle);
     const QString text = downloadText(nameOf(m_recipe), result);
     say(text);
-    emit stated(m_recipe, isWhole(result) ? QString() : text);
+    const bool isNothing =
+        std::all_of(result.values.begin(), result.values.end(), [](const RecipeValue& value) {
+            return value.state == RecipeValue::State::NotWritten;
+        });
+    emit stated(m_recipe, isWhole(result) ? QString() : text, isNothing);
 }
 
 void RecipePage::sayDifferences()

@@ -24,7 +24,7 @@ public:
     explicit RecipePage(const QVector<fxtools::Tag>& tags, QWidget* parent = nullptr);
 
     void take(const RecipeResult& result);
-    void showProgress(int id, int done, int total);
+    void showProgress(int id, int done, int total, bool isReadingBack);
     void showMoment(qint64 nowMs);
     void setLinkUp(bool isUp);
 
@@ -36,7 +36,8 @@ signals:
     void cancelled(int id);
 
     // What is to be known of a recipe that is in the PLC by half, or may be; empty: it is whole.
-    void stated(const QString& recipe, const QString& text);
+    // Where nothing was written, what was known before still holds.
+    void stated(const QString& recipe, const QString& text, bool isNothingWritten);
 
 private:
     enum class Step
@@ -68,7 +69,7 @@ private:
     QString m_recipe;     // the file that the table shows
     QVector<fxtools::RegisterRun> m_runs;
     qint64 m_nowMs = 0;
-    int m_entriesWritten = 0;
+    qint64 m_readingMs = 0;  // when the reading of the PLC began
     bool m_isReadingBack = false;
     bool m_isLinkUp = false;
     QLineEdit* m_file;
