@@ -1036,5 +1036,9 @@
         <source>Write to %1 (%2): now %3, new %4?</source>
         <translation>%1 (%2) schreiben: jetzt %3, neu %4?</translation>
     </message>
+    <message>
+        <source>%1, rounded to steps of %2</source>
+        <translation>%1, gerundet auf Schritte von %2</translation>
+    </message>
 </context>
 </TS>

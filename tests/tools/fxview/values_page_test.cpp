@@ -55,6 +55,16 @@ TEST_F(ValuesPageInWindow, WritesAfterOneQuestionAndShowsWhatWasReadBack)
     EXPECT_EQ(field->text(), "");
 }
 
+TEST_F(ValuesPageInWindow, SaysBeforeThatAValueIsRounded)
+{
+    emit plc.readings({good(0, 71.5)});
+    window.showMoment();
+    choose(0);
+    type("42.26");
+    QTest::keyClick(field, Qt::Key_Return);
+    EXPECT_NE(said().find("new 42.26 °C, rounded to steps of 0.1?"), std::string::npos) << said();
+}
+
 TEST_F(ValuesPageInWindow, TellsWhenAWriteDidNotDoWhatWasWanted)
 {
     const auto resultOf = [this](WriteResult::Outcome outcome, const char* reason) {

@@ -27,6 +27,19 @@ void clickByEnter(QPushButton* button)
     }
 }
 
+// Registers hold whole raw values: what lies between two is written as one of them.
+QString wantedText(const fxtools::Tag& tag, const QString& text)
+{
+    if (tag.isOneBit())
+        return valueWithUnit(tag, text.toInt());
+    const QString wanted = valueWithUnit(tag, text);
+    const double raw = (text.toDouble() - tag.offset) / tag.scale;
+    const bool isWhole = std::abs(raw - std::round(raw)) < 1e-6;
+    return isWhole || !tag.isNumber() || tag.style.format == fxtools::ValueFormat::Float
+               ? wanted
+               : WriteBar::tr("%1, rounded to steps of %2").arg(wanted).arg(std::abs(tag.scale));
+}
+
 }  // namespace
 
 QString resultText(const fxtools::Tag& tag, const WriteResult& result)
@@ -249,9 +262,7 @@ void WriteBar::showMoment(qint64 nowMs)
     m_now->setText(tr("%1 is %2").arg(tag.name, shown));
     if (m_step == Step::Asking) {
         m_said->setText(tr("Write to %1 (%2): now %3, new %4?")
-                            .arg(tag.name, tag.asked.text(), shown,
-                                 valueWithUnit(tag, tag.isOneBit() ? QJsonValue(newText().toInt())
-                                                                   : QJsonValue(newText()))));
+                            .arg(tag.name, tag.asked.text(), shown, wantedText(tag, newText())));
     }
 }
 
