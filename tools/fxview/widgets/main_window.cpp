@@ -3,6 +3,7 @@
 
 #include "tools/fxview/widgets/main_window.h"
 
+#include "tools/fxview/plc/recipe_orders.h"
 #include "tools/fxview/widgets/theme.h"
 
 #include <QCloseEvent>
