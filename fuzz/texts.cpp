@@ -32,17 +32,15 @@ void readLink(const QString& text)
             "a link changes when it is written");
 }
 
-void readAddresses(const QString& text)
+void readAddress(const QString& text)
 {
-    for (const AskedAddress& asked : askedAddresses(text, catalogue())) {
-        requireInRange(asked.range);
-        const AskedAddress again =
-            readAgain([&] { return askedAddress(takeApart(asked.text()), catalogue()); });
-        require(again.text() == asked.text() && again.bit == asked.bit &&
-                    again.range.first == asked.range.first &&
-                    again.range.count == asked.range.count,
-                "an address changes when it is written");
-    }
+    const AskedAddress asked = askedAddress(takeApart(text), catalogue());
+    requireInRange(asked.range);
+    const AskedAddress again =
+        readAgain([&] { return askedAddress(takeApart(asked.text()), catalogue()); });
+    require(again.text() == asked.text() && again.bit == asked.bit &&
+                again.range.first == asked.range.first && again.range.count == asked.range.count,
+            "an address changes when it is written");
 }
 
 void readAssignment(const QString& text)
@@ -119,7 +117,7 @@ void readAs(int kind, const QString& text)
         readLink(text);
         break;
     case 1:
-        readAddresses(text);
+        readAddress(text);
         break;
     case 2:
         readAssignment(text);

@@ -207,14 +207,6 @@ AskedAddress askedAddress(const AddressParts& parts, const RegisterCatalogue& ca
     return asked;
 }
 
-QVector<AskedAddress> askedAddresses(const QString& list, const RegisterCatalogue& catalogue)
-{
-    QVector<AskedAddress> asked;
-    for (const QString& address : list.split(','))
-        asked.append(askedAddress(takeApart(address), catalogue));
-    return asked;
-}
-
 RegisterRange parseAddress(const QString& text, const RegisterCatalogue& catalogue)
 {
     return askedAddress(takeApart(text), catalogue).range;

@@ -50,7 +50,6 @@ struct AskedAddress
 // All throw Failure with what is wrong and what to write instead.
 AddressParts takeApart(const QString& text);
 AskedAddress askedAddress(const AddressParts& parts, const RegisterCatalogue& catalogue);
-QVector<AskedAddress> askedAddresses(const QString& list, const RegisterCatalogue& catalogue);
 
 // The registers of one address.
 RegisterRange parseAddress(const QString& text, const RegisterCatalogue& catalogue);

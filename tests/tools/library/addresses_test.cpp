@@ -118,15 +118,6 @@ TEST(BadAddresses, AreToldWithWhatWouldBeRight)
                   "'" + std::string(text) + "' " + says);
 }
 
-TEST(Addresses, MayBeAList)
-{
-    QStringList names;
-    for (const AskedAddress& asked : askedAddresses("D1, D8000,X0-X7", catalogue()))
-        names += asked.text();
-    EXPECT_EQ(names.join(' ').toStdString(), "D1 D8000 X0:8");
-    EXPECT_THROW(askedAddresses("D1,", catalogue()), Failure);
-}
-
 TEST(Addresses, AreOfTheLinksOwnStationOrRefused)
 {
     const RegisterCatalogue ofStation2(driver(), 2);

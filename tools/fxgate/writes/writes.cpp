@@ -318,12 +318,6 @@ void Writes::stop(Moment now)
     }
 }
 
-bool Writes::isIdle() const
-{
-    return std::none_of(m_queues.begin(), m_queues.end(),
-                        [](const auto& queue) { return queue.second.isSent; });
-}
-
 void Writes::refuse(const Pending& write, const QString& reason, Moment now)
 {
     WriteResult result;
