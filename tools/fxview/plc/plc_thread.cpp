@@ -41,7 +41,8 @@ Quality qualityOf(fxtools::Quality quality)
 PlcThread::PlcThread(const fxtools::ConnectionSettings& settings, const QString& name,
                      std::unique_ptr<fxtools::AddressServices> services,
                      const QVector<fxtools::Tag>& tags)
-    : m_settings(settings), m_name(name), m_tags(tags), m_services(std::move(services))
+    : m_settings(settings), m_name(name), m_tags(tags), m_services(std::move(services)),
+      m_readings(tags)
 {
     m_clock.start();
 }
@@ -226,7 +227,7 @@ void PlcThread::noteReadings(const QVector<int>& tags)
         m_service->tags().noteTold({tag, state});
         readings.append(readingOf(tag, state));
     }
-    tell([&readings](News& news) { news.readings += readings; });
+    tell(readings);
 }
 
 // What became old, was refused or was lost with the link.
@@ -241,7 +242,7 @@ void PlcThread::noteChanges()
         readings.last().timeMs = now.utc;
     }
     if (!readings.isEmpty())
-        tell([&readings](News& news) { news.readings += readings; });
+        tell(readings);
     if (m_service->polling() != nullptr && m_changesMs - m_reportMs >= betweenReportsMs)
         noteReport();
 }
@@ -292,6 +293,14 @@ void PlcThread::noteResult(int id, int tag, const fxtools::WriteAnswer& answer)
     tell([&result](News& news) { news.results.append(result); });
 }
 
+void PlcThread::tell(const QVector<Reading>& readings)
+{
+    tell([&](News&) {
+        for (const Reading& reading : readings)
+            m_readings.add(reading);
+    });
+}
+
 // The window is told once that there is something, and takes all there is then.
 void PlcThread::tell(const std::function<void(News&)>& add)
 {
@@ -311,13 +320,15 @@ void PlcThread::giveNews()
     }
     m_given.start();
     News news;
+    QVector<Reading> newReadings;
     {
         const QMutexLocker locker(&m_mutex);
         std::swap(news, m_news);
+        newReadings = m_readings.take();
         m_isNewsAnnounced = false;
     }
-    if (!news.readings.isEmpty())
-        emit readings(news.readings);
+    if (!newReadings.isEmpty())
+        emit readings(newReadings);
     if (news.link)
         emit linkChanged(news.link->first, news.link->second);
     if (!news.exchanges.isEmpty())

@@ -7,6 +7,7 @@
 
 #pragma once
 
+#include "tools/fxview/plc/pending_readings.h"
 #include "tools/fxview/plc/plc_source.h"
 #include "tools/service/tag_service.h"
 
@@ -68,7 +69,6 @@ private:
     struct News
     {
         std::optional<QPair<bool, QString>> link;
-        QVector<Reading> readings;
         QVector<fxtools::Exchange> exchanges;
         std::optional<LineReport> report;
         QVector<WriteResult> results;
@@ -103,6 +103,7 @@ private:
     void noteRecipe(const RecipeResult& result);
     Reading readingOf(int tag, const fxtools::TagState& state) const;
     void tell(const std::function<void(News&)>& add);
+    void tell(const QVector<Reading>& readings);
     void add(const Order& order);
     void giveNews();
 
@@ -127,6 +128,7 @@ private:
     bool m_mustEnd = false;
     std::optional<int> m_cancelledRecipe;
     News m_news;
+    PendingReadings m_readings;
     bool m_isNewsAnnounced = false;
 
     QElapsedTimer m_given;  // when the window got news last
