@@ -33,16 +33,6 @@ int decimalsOf(double number)
     return text.contains('.') ? text.size() - text.indexOf('.') - 1 : 0;
 }
 
-// As many as the product has; where that are too many, two more than tell raw values apart.
-int decimalsOf(const Tag& tag)
-{
-    const int exact = std::max(decimalsOf(tag.scale), decimalsOf(tag.offset));
-    if (exact <= mostExactDecimals)
-        return exact;
-    return std::clamp(static_cast<int>(std::ceil(-std::log10(std::abs(tag.scale)))) + 2, 0,
-                      mostDecimals);
-}
-
 int bitsOf(const Tag& tag)
 {
     const RegisterRange& range = tag.asked.range;
@@ -173,6 +163,16 @@ bool Tag::isNumber() const
            style.format != ValueFormat::Text;
 }
 
+// As many as the product has; where that are too many, two more than tell raw values apart.
+int Tag::decimals() const
+{
+    const int exact = std::max(decimalsOf(scale), decimalsOf(offset));
+    if (exact <= mostExactDecimals)
+        return exact;
+    return std::clamp(static_cast<int>(std::ceil(-std::log10(std::abs(scale)))) + 2, 0,
+                      mostDecimals);
+}
+
 QJsonValue Tag::rawOf(const QVector<quint32>& registers) const
 {
     return fxtools::valueOf(registers, asked, style);
@@ -183,9 +183,8 @@ QJsonValue Tag::valueOf(const QJsonValue& raw) const
     if (!isScaled() || !raw.isDouble())
         return raw;
     const double value = raw.toDouble() * scale + offset;
-    return style.format == ValueFormat::Float
-               ? roundedTo(value, digitsOfFloat)
-               : QString::number(value, 'f', decimalsOf(*this)).toDouble();
+    return style.format == ValueFormat::Float ? roundedTo(value, digitsOfFloat)
+                                              : QString::number(value, 'f', decimals()).toDouble();
 }
 
 bool Tag::isFinite() const
@@ -229,7 +228,7 @@ bool Tag::isExact() const
         return !isScaled();
     const double arithmetic =
         4 * std::numeric_limits<double>::epsilon() * (largestValue(*this) + std::abs(offset));
-    const int decimals = decimalsOf(*this);
+    const int decimals = this->decimals();
     const double rounding = decimals == mostDecimals ? std::pow(10, -decimals) : 0;
     return arithmetic + rounding < std::abs(scale) / 4;
 }

@@ -49,6 +49,7 @@ struct Tag
     bool isOneBit() const;
     bool isNumber() const;  // not a bit, a text or digits
     bool isScaled() const { return scale != 1 || offset != 0; }
+    int decimals() const;  // that a value has at most; a float may have more
 
     QJsonValue rawOf(const QVector<quint32>& registers) const;
     QJsonValue valueOf(const QJsonValue& raw) const;

@@ -191,7 +191,8 @@ TEST_F(AlarmsInWindow, ShowThreeStates)
     EXPECT_EQ(state(), "");
     read(185);
     EXPECT_EQ(state(), "ACTIVE");
-    EXPECT_EQ(table->model()->index(0, AlarmTable::Value).data(), "too high: 185 °C, limit 180");
+    EXPECT_EQ(table->model()->index(0, AlarmTable::Value).data(),
+              "too high: 185.0 °C, limit 180.0");
     EXPECT_EQ(pages->tabText(pages->indexOf(page)), "&Alarms (1)");
     read(100);
     EXPECT_EQ(state(), "cleared, not acknowledged");
@@ -203,7 +204,7 @@ TEST_F(AlarmsInWindow, ShowThreeStates)
     EXPECT_EQ(state(), "");
     const QString history = find<QPlainTextEdit>("History of alarms")->toPlainText();
     EXPECT_EQ(history.count('\n'), 4);
-    EXPECT_TRUE(history.section('\n', 0, 0).endsWith("oven.temp  too high cleared  100 °C"));
+    EXPECT_TRUE(history.section('\n', 0, 0).endsWith("oven.temp  too high cleared  100.0 °C"));
 }
 
 TEST_F(AlarmsInWindow, AreAcknowledgedByKeyboard)

@@ -513,11 +513,11 @@ TEST_F(ScreenPageInWindow, WritesANumberOnEnterWithinItsLimits)
     EXPECT_EQ(view("Temperature")->stateText(), "Not written");
     QTest::keyClick(field, Qt::Key_Return);
     answer(1, Outcome::Failed, 70);
-    EXPECT_EQ(said(), "NOT as wanted: oven.temp is now 70 °C; why");
+    EXPECT_EQ(said(), "NOT as wanted: oven.temp is now 70.0 °C; why");
     EXPECT_EQ(field->text(), " 80 ");
     QTest::keyClick(field, Qt::Key_Return);
     answer(2, Outcome::Done, 80);
-    EXPECT_EQ(said(), "Done: oven.temp was 1 °C, is now 80 °C (read back)");
+    EXPECT_EQ(said(), "Done: oven.temp was 1.0 °C, is now 80.0 °C (read back)");
     EXPECT_EQ(field->text(), "");
     pages->setCurrentIndex(1);
     EXPECT_EQ(texts("writeBar"), "Choose a row to write its value") << "it was not asked";

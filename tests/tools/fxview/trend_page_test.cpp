@@ -53,7 +53,7 @@ QByteArray contentOf(const QString& path)
 TEST_F(TrendsInWindow, ShowTheNewestValuesAndThoseAtTheCursors)
 {
     EXPECT_EQ(cell(0, 0), "oven.temp in °C");
-    EXPECT_EQ(cell(0, 1), "600");
+    EXPECT_EQ(cell(0, 1), "600.0");
     EXPECT_EQ(cell(0, 4), "–");
     QTest::mouseClick(view, Qt::LeftButton, {}, at(0.5));
     QTest::mouseClick(view, Qt::LeftButton, Qt::ShiftModifier, at(0.75));

@@ -51,7 +51,7 @@ TEST_F(ValuesPageInWindow, WritesAfterOneQuestionAndShowsWhatWasReadBack)
     EXPECT_FALSE(field->isEnabled());
     answer(WriteResult::Outcome::Done, 80);
     EXPECT_EQ(said(), "oven.temp is 71.5 °C | 0 °C to 200 °C | "
-                      "Done: oven.temp was 71.5 °C, is now 80 °C (read back)");
+                      "Done: oven.temp was 71.5 °C, is now 80.0 °C (read back)");
     EXPECT_EQ(field->text(), "");
 }
 
@@ -78,7 +78,7 @@ TEST_F(ValuesPageInWindow, TellsWhenAWriteDidNotDoWhatWasWanted)
     EXPECT_EQ(resultOf(WriteResult::Outcome::Refused, "refused by the PLC"),
               "Not written: refused by the PLC");
     EXPECT_EQ(resultOf(WriteResult::Outcome::Failed, "the program holds it"),
-              "NOT as wanted: oven.temp is now 70 °C; the program holds it");
+              "NOT as wanted: oven.temp is now 70.0 °C; the program holds it");
     EXPECT_EQ(resultOf(WriteResult::Outcome::Unknown, "no answer"),
               "UNKNOWN whether oven.temp was written: no answer");
     EXPECT_EQ(plc.writes.size(), 3);

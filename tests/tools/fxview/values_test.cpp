@@ -71,6 +71,21 @@ TEST_F(Values, AreShownWithUnitAndAge)
     EXPECT_FALSE(table.index(Temp, 0).data(ValueTable::LampRole).isValid());
 }
 
+TEST_F(Values, KeepTheirDecimals)
+{
+    const QVector<fxtools::Tag> tags = tagsOf("level,D1,signed,0.25,,l,,,,,,,,,\n"
+                                              "count,D2,signed,,,,,,,,,,,,\n"
+                                              "speed,D4,float,,,,,,,,,,,,\n");
+    EXPECT_EQ(valueWithUnit(tags[0], 7), "7.00 l");
+    EXPECT_EQ(valueWithUnit(tags[0], -0.5), "-0.50 l");
+    EXPECT_EQ(valueWithUnit(tags[0], 6.75), "6.75 l");
+    EXPECT_EQ(valueText(tags[0], 0.125), "0.125") << "no digit is lost";
+    EXPECT_EQ(valueText(tags[0], "7"), "7") << "a text stays as it is";
+    EXPECT_EQ(valueText(tags[1], 7), "7");
+    EXPECT_EQ(valueText(tags[2], 7.5), "7.5") << "a float has no number of its own";
+    EXPECT_EQ(valueText(tags[2], 1e30), "1e+30");
+}
+
 TEST_F(Values, AgeByThemselvesAndBecomeStale)
 {
     book.take(good(Temp, 71.5));

@@ -22,6 +22,16 @@ QString told(const char* text)
     return QCoreApplication::translate("fxview::ValueBook", text);
 }
 
+// With zeros at the end, so that a value that changes keeps its width. It loses no digit.
+QString padded(const QString& number, int decimals)
+{
+    const int point = number.indexOf('.');
+    const int has = point < 0 ? 0 : number.size() - point - 1;
+    if (has >= decimals || number.contains('e'))
+        return number;
+    return (point < 0 ? number + '.' : number) + QString(decimals - has, '0');
+}
+
 }  // namespace
 
 ValueBook::ValueBook(const QVector<fxtools::Tag>& tags)
@@ -120,7 +130,8 @@ QString valueText(const fxtools::Tag& tag, const QJsonValue& value)
     if (tag.isOneBit() && value.isDouble())
         return value.toDouble() != 0 ? told(QT_TRANSLATE_NOOP("fxview::ValueBook", "on"))
                                      : told(QT_TRANSLATE_NOOP("fxview::ValueBook", "off"));
-    return value.toVariant().toString();
+    const QString text = value.toVariant().toString();
+    return value.isDouble() ? padded(text, tag.decimals()) : text;
 }
 
 QString valueWithUnit(const fxtools::Tag& tag, const QJsonValue& value)

@@ -53,7 +53,8 @@ private:
 
 bool isReadOnly(const fxtools::Tag& tag);  // by its file or by its type
 
-// How values are written everywhere: "71.5 °C", "on", "0x1F".
+// How values are written everywhere: "71.5 °C", "on", "0x1F"; numbers always with as many decimals
+// as scaling can give them.
 QString valueText(const fxtools::Tag& tag, const QJsonValue& value);
 QString valueWithUnit(const fxtools::Tag& tag, const QJsonValue& value);
 

@@ -12,9 +12,10 @@ namespace fxview {
 
 namespace {
 
+// As in the tag file, where 200 is not 200.0.
 QString limitText(const fxtools::Tag& tag, double limit)
 {
-    return valueWithUnit(tag, limit);
+    return valueWithUnit(tag, QJsonValue(limit).toVariant().toString());
 }
 
 // The Enter that asks in the field must not, passed on or held down, be the answer too.
