@@ -174,7 +174,7 @@ enum FxSendResult
 /// next block of the plan. While an exchange is in flight it gives the same frame again. With an
 /// empty plan only #fxMaxBurst writes and one-off reads are sent in all; the others wait for a
 /// plan.
-/// @param[out] out  the frame
+/// @param[out] out  the frame; null: the call does nothing and gives #fxNothingToSend
 /// @return an FxSendResult
 FX_ENTRY_POINT int intf_getSendFrame(FRAME_PRO* out);
 
