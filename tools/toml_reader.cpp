@@ -5,8 +5,6 @@
 
 #include "tools/failure.h"
 #include "tools/quoted.h"
-#include "tools/toml_text.h"
-#include "tools/words.h"
 
 #include <QDir>
 #include <QFile>
@@ -36,6 +34,32 @@ QString contentOf(const QString& path)
     if (content.size() > largestFile)
         throw Failure(ExitCode::File, path + ": larger than 1 MiB; not a configuration file");
     return QString::fromUtf8(content);
+}
+
+struct Place
+{
+    int line;    // from 1 on
+    int column;  // from 1 on
+    QString character;
+};
+
+// Outside of texts and comments TOML is ASCII. For some other characters there toml++ 3.3 runs into
+// what its compiler may take for impossible, so a text that has one must not be parsed.
+std::optional<Place> letterOutsideTexts(const QString& toml)
+{
+    static const QRegularExpression form(
+        QStringLiteral(R"form("{3}(?:[^"\\]|\\.|"(?!""))*+"{3}|'{3}(?:[^']|'(?!''))*+'{3}|)form"
+                       R"form("(?:[^"\\\n]|\\.)*+"|'[^'\n]*+'|#[^\n]*+|([^\x00-\x7F]))form"),
+        QRegularExpression::DotMatchesEverythingOption);
+    QRegularExpressionMatchIterator found = form.globalMatch(toml);
+    while (found.hasNext()) {
+        const QRegularExpressionMatch match = found.next();
+        if (match.capturedLength(1) <= 0)
+            continue;
+        const QStringList lines = toml.left(match.capturedStart()).split('\n');
+        return Place{lines.size(), lines.last().size() + 1, match.captured()};
+    }
+    return std::nullopt;
 }
 
 // As it stands in the file, or what it is.
@@ -84,6 +108,15 @@ QString Mistake::in(const QString& path) const
     return line == 0 ? path + ": " + text : place.arg(path).arg(line).arg(column).arg(text);
 }
 
+void requireNone(const QVector<Mistake>& mistakes, const QString& path)
+{
+    QStringList lines;
+    for (const Mistake& mistake : mistakes)
+        lines += mistake.in(path);
+    if (!lines.isEmpty())
+        throw Failure(ExitCode::File, lines.join('\n'));
+}
+
 TomlSection::TomlSection(TomlReader& reader, const toml::table* table, const QString& name)
     : m_reader(reader), m_table(table), m_name(name)
 {}
@@ -96,6 +129,11 @@ const toml::node* TomlSection::node(const char* key) const
 bool TomlSection::has(const char* key) const
 {
     return node(key) != nullptr;
+}
+
+bool TomlSection::hasText(const char* key) const
+{
+    return has(key) && node(key)->is_string();
 }
 
 QStringList TomlSection::names() const

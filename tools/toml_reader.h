@@ -6,6 +6,8 @@
 
 #pragma once
 
+#include "tools/words.h"
+
 #include <QStringList>
 #include <QVector>
 
@@ -21,12 +23,6 @@
 
 namespace fxtools {
 
-struct Range
-{
-    qint64 least;
-    qint64 most;
-};
-
 struct Mistake
 {
     int line = 0;  // 0: something is missing
@@ -35,6 +31,9 @@ struct Mistake
 
     QString in(const QString& path) const;  // "fxgate.toml, line 3, column 8: ..."
 };
+
+// Throws Failure with all of them, unless there are none.
+void requireNone(const QVector<Mistake>& mistakes, const QString& path);
 
 class TomlReader;
 
@@ -46,6 +45,7 @@ public:
 
     QStringList names() const;
     bool has(const char* key) const;
+    bool hasText(const char* key) const;
     TomlSection inner(const QString& key);
     QVector<TomlSection> each(const char* key);  // of a list of tables: [[page]]
     int line() const;                            // where it begins

@@ -13,6 +13,13 @@
 
 namespace fxtools {
 
+// What a number may be; both ends are allowed.
+struct Range
+{
+    qint64 least;
+    qint64 most;
+};
+
 // "500", "500ms", "1.5s", "10min", "8h" or "1d"; nothing if `text` is not a time.
 std::optional<qint64> parseTimeMs(const std::string& text);
 

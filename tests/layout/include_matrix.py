@@ -18,7 +18,7 @@ SIMULATED_PLC = ["tools/fxsim/plc/*", "tools/fxsim/line/*", "tools/fxsim/faults/
 
 # What every tool but the simulator may include.
 COMMON = ["tools/command_help.h", "tools/failure.h", "tools/quoted.h", "tools/table.h",
-          "tools/toml_reader.h", "tools/toml_text.h", "tools/words.h"]
+          "tools/toml_reader.h", "tools/words.h"]
 
 # What the sources of each folder may include of the project.
 ALLOWED = {

@@ -300,11 +300,7 @@ ConfigurationFile readConfigurationFile(const QString& path)
 Configuration readConfiguration(const QString& path)
 {
     const ConfigurationFile file = readConfigurationFile(path);
-    QStringList lines;
-    for (const Mistake& mistake : file.mistakes)
-        lines += mistake.in(path);
-    if (!lines.isEmpty())
-        throw fxtools::Failure(fxtools::ExitCode::File, lines.join('\n'));
+    fxtools::requireNone(file.mistakes, path);
     return file.configuration;
 }
 

@@ -3,18 +3,12 @@
 
 #include "tools/service/configuration.h"
 
-#include "tools/quoted.h"
+#include "tools/failure.h"
 #include "tools/service/limits.h"
-#include "tools/toml_text.h"
+#include "tools/toml_reader.h"
 
-#include <QDir>
 #include <QFile>
 #include <QStandardPaths>
-
-// A wrong file gets its message in every build: toml++ 3.3 asserts that no table's name begins with
-// ",".
-#define TOML_ASSERT(expr) static_assert(true)
-#include <toml++/toml.h>
 
 #include <algorithm>
 
@@ -22,156 +16,51 @@ namespace fxtools {
 
 namespace {
 
-constexpr qint64 largestFile = 1 << 20;
-constexpr Limits stationLimits{1, 255};
-constexpr Limits wordLimits{leastWordsPerFrame, mostWordsPerFrame};
+constexpr Range stationLimits{1, 255};
+constexpr Range wordLimits{leastWordsPerFrame, mostWordsPerFrame};
 
-QString textOf(std::string_view text)
+std::optional<int> numberIn(TomlSection& section, const char* key, Range limits)
 {
-    return QString::fromUtf8(text.data(), static_cast<int>(text.size()));
+    if (!section.has(key))
+        return std::nullopt;
+    return section.number(key, limits, 0);
 }
 
-// The file, and how its mistakes are told.
-class Reader
+// 500, or a text with a unit: "0.5s".
+std::optional<int> timeIn(TomlSection& section, const char* key, Range limits)
 {
-public:
-    explicit Reader(const QString& file) : m_file(file) {}
+    if (!section.hasText(key))
+        return numberIn(section, key, limits);
+    return static_cast<int>(section.timeMs(key, limits, 0));
+}
 
-    [[noreturn]] void reject(const toml::source_region& at, const QString& reason) const
-    {
-        throw Failure(ExitCode::File, QStringLiteral("%1, line %2, column %3: %4")
-                                          .arg(m_file)
-                                          .arg(at.begin.line)
-                                          .arg(at.begin.column)
-                                          .arg(reason));
-    }
-
-    void checkKeys(const toml::table& table, const QStringList& known) const
-    {
-        for (const auto& [key, node] : table) {
-            const QString name = textOf(key.str());
-            if (!known.contains(name))
-                reject(key.source(), unknownName("key", name, known));
-        }
-    }
-
-    QString text(const toml::node& node, const char* key) const
-    {
-        if (!node.is_string())
-            reject(node.source(), QStringLiteral("%1 must be a text in quotes").arg(key));
-        return textOf(node.as_string()->get());
-    }
-
-    // Beside the configuration, unless it has a whole path.
-    std::optional<QString> file(const toml::table& table, const char* key) const
-    {
-        const toml::node* const node = table.get(key);
-        if (!node)
-            return std::nullopt;
-        return QFileInfo(QFileInfo(m_file).dir(), text(*node, key)).filePath();
-    }
-
-    const toml::table& table(const toml::node& node, const QString& key) const
-    {
-        if (!node.is_table())
-            reject(node.source(), key + " must be a table: [plc.press1] and its keys below");
-        return *node.as_table();
-    }
-
-    std::optional<int> number(const toml::table& table, const char* key, Limits limits) const
-    {
-        const toml::node* const node = table.get(key);
-        if (!node)
-            return std::nullopt;
-        const std::optional<int64_t> value = node->value_exact<int64_t>();
-        if (!value || *value < limits.least || *value > limits.most) {
-            reject(node->source(), QStringLiteral("%1 must be a whole number from %2 to %3")
-                                       .arg(key)
-                                       .arg(limits.least)
-                                       .arg(limits.most));
-        }
-        return static_cast<int>(*value);
-    }
-
-    // 500, or a text with a unit: "0.5s".
-    std::optional<int> time(const toml::table& table, const char* key, Limits limits) const
-    {
-        const toml::node* const node = table.get(key);
-        if (!node || !node->is_string())
-            return number(table, key, limits);
-        const std::optional<qint64> timeMs = parseTimeMs(node->as_string()->get());
-        if (!timeMs || *timeMs < limits.least || *timeMs > limits.most) {
-            reject(node->source(), QStringLiteral("%1 must be a time from %2 ms to %3 s: 500 or "
-                                                  "\"0.5s\"")
-                                       .arg(key)
-                                       .arg(limits.least)
-                                       .arg(limits.most / 1000));
-        }
-        return static_cast<int>(*timeMs);
-    }
-
-private:
-    QString m_file;
-};
-
-LinkSettings linkIn(const Reader& reader, const toml::table& table)
+LinkSettings linkIn(TomlSection& section)
 {
-    const toml::node* const node = table.get("link");
-    if (!node)
-        reader.reject(table.source(), QStringLiteral("link is missing; for example link = "
-                                                     "\"serial:/dev/ttyUSB0?baud=9600\""));
-    const QString text = reader.text(*node, "link");
+    section.missing("link", "link = \"serial:/dev/ttyUSB0?baud=9600\"");
     try {
-        return parseLink(text);
+        const QString text = section.text("link");
+        return text.isEmpty() ? LinkSettings() : parseLink(text);
     } catch (const Failure& failure) {
-        reader.reject(node->source(), failure.text());
+        section.reject("link", failure.text());
+        return {};
     }
 }
 
-ConfiguredPlc plcIn(const Reader& reader, const QString& name, const toml::table& table,
-                    const QString& tags)
+ConfiguredPlc plcIn(const QString& name, TomlSection section, const QString& tags)
 {
-    reader.checkKeys(table,
-                     {"link", "timeout", "retries", "reconnect-s", "station", "words", "tags"});
-    ConfiguredPlc plc{name, linkIn(reader, table), {}, {}, {}};
-    plc.timeoutMs = reader.time(table, "timeout", timeoutLimitsMs);
-    plc.retries = reader.number(table, "retries", retryLimits);
-    plc.reconnectS = reader.number(table, "reconnect-s", reconnectLimitsS);
-    plc.tags = reader.file(table, "tags").value_or(tags);
+    section.allowOnly({"link", "timeout", "retries", "reconnect-s", "station", "words", "tags"});
+    ConfiguredPlc plc{name, linkIn(section), {}, {}, {}};
+    plc.timeoutMs = timeIn(section, "timeout", timeoutLimitsMs);
+    plc.retries = numberIn(section, "retries", retryLimits);
+    plc.reconnectS = numberIn(section, "reconnect-s", reconnectLimitsS);
+    plc.tags = section.file("tags");
+    if (plc.tags.isEmpty())
+        plc.tags = tags;
     PlcSettings& ofLink = plcSettings(plc.link);
-    ofLink.station = reader.number(table, "station", stationLimits).value_or(ofLink.station);
-    if (const std::optional<int> words = reader.number(table, "words", wordLimits))
+    ofLink.station = section.number("station", stationLimits, ofLink.station);
+    if (const std::optional<int> words = numberIn(section, "words", wordLimits))
         ofLink.words = words;
     return plc;
-}
-
-void requireAsciiOutsideTexts(const QByteArray& content, const Reader& reader)
-{
-    const std::optional<TomlPlace> letter = letterOutsideTexts(QString::fromUtf8(content));
-    if (!letter)
-        return;
-    toml::source_region at;
-    at.begin = {static_cast<toml::source_index>(letter->line),
-                static_cast<toml::source_index>(letter->column)};
-    reader.reject(at, quoted(letter->character) + " must stand in quotes");
-}
-
-toml::table parsed(const QString& path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        throw Failure(ExitCode::File, path + ": " + file.errorString());
-    const QByteArray content = file.read(largestFile + 1);
-    if (content.size() > largestFile)
-        throw Failure(ExitCode::File, path + ": larger than 1 MiB; not a configuration file");
-    const Reader reader(path);
-    requireAsciiOutsideTexts(content, reader);
-    try {
-        return toml::parse(
-            std::string_view(content.constData(), static_cast<size_t>(content.size())));
-    } catch (const toml::parse_error& error) {
-        reader.reject(error.source(), textOf(error.description()));
-    }
 }
 
 LinkSettings linkOfEnvironment(const QString& text)
@@ -209,23 +98,18 @@ const ConfiguredPlc* Configuration::find(const QString& name) const
 
 Configuration readConfiguration(const QString& file)
 {
-    const Reader reader(file);
-    const toml::table root = parsed(file);
-    reader.checkKeys(root, {"default", "plc", "tags"});
+    TomlReader reader(file);
     Configuration configuration{file, {}, {}};
-    const QString tags = reader.file(root, "tags").value_or(QString());
-    if (const toml::node* const plcs = root.get("plc")) {
-        for (const auto& [key, node] : reader.table(*plcs, QStringLiteral("plc"))) {
-            const QString name = textOf(key.str());
-            configuration.plcs.append(plcIn(reader, name, reader.table(node, "plc." + name), tags));
-        }
-    }
-    if (const toml::node* const chosen = root.get("default")) {
-        configuration.defaultPlc = reader.text(*chosen, "default");
-        if (!configuration.find(configuration.defaultPlc))
-            reader.reject(chosen->source(),
-                          unknownName("PLC", configuration.defaultPlc, configuration.names()));
-    }
+    TomlSection root = reader.root();
+    root.allowOnly({"default", "plc", "tags"});
+    const QString tags = root.file("tags");
+    TomlSection plcs = root.inner("plc");
+    for (const QString& name : plcs.names())
+        configuration.plcs.append(plcIn(name, plcs.inner(name), tags));
+    configuration.defaultPlc = root.text("default");
+    if (root.hasText("default") && !configuration.find(configuration.defaultPlc))
+        root.reject("default", unknownName("PLC", configuration.defaultPlc, configuration.names()));
+    requireNone(reader.mistakes(), file);
     return configuration;
 }
 

@@ -9,15 +9,9 @@
 
 namespace fxtools {
 
-struct Limits
-{
-    qint64 least;
-    qint64 most;
-};
-
-constexpr Limits timeoutLimitsMs{10, 60000};  // in less no serial line brings a reply
-constexpr Limits retryLimits{0, 100};
-constexpr Limits reconnectLimitsS{0, 86400};
+constexpr Range timeoutLimitsMs{10, 60000};  // in less no serial line brings a reply
+constexpr Range retryLimits{0, 100};
+constexpr Range reconnectLimitsS{0, 86400};
 
 constexpr int usualRetries = 2;
 

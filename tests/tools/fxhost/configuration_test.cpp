@@ -90,21 +90,22 @@ TEST(ConfigurationFile, NamesThePlaceOfAMistake)
         std::string says;  // behind the file's name
     };
     const Row rows[] = {
-        {"[plc.a]\nlnk = 'sim:'\n", "2, column 1: unknown key 'lnk'; did you mean 'link'?\n"},
+        {"[plc.a]\nlink = 'sim:'\nword = 4\n",
+         "3, column 1: unknown key 'word'; did you mean 'words'?\n"},
         {"[press]\nlink = 'sim:'\n",
          "1, column 2: unknown key 'press'; known: default, plc, tags\n"},
-        {"[plc.a]\nwords = 16\n",
-         "1, column 1: link is missing; for example link = \"serial:/dev/ttyUSB0?baud=9600\"\n"},
+        {"[plc.a]\nwords = 16\n", "1, column 1: link is missing below [plc.a]; for example link = "
+                                  "\"serial:/dev/ttyUSB0?baud=9600\"\n"},
         {"[plc.a]\nlink = 'usb:1'\n",
          "2, column 8: invalid link 'usb:1': expected sim:, serial:/dev/ttyUSB0?baud=9600, "
          "tcp:HOST:PORT or pty:PATH\n"},
-        {"[plc.a]\nlink = 5\n", "2, column 8: link must be a text in quotes\n"},
+        {"[plc.a]\nlink = 5\n", "2, column 8: link must be a text in quotes, not 5\n"},
         {"[plc.a]\nlink = 'sim:'\nwords = 300\n",
-         "3, column 9: words must be a whole number from 2 to 253\n"},
+         "3, column 9: words must be a whole number from 2 to 253, not 300\n"},
         {"[plc.a]\nlink = 'sim:'\ntimeout = '5m'\n",
-         "3, column 11: timeout must be a time from 10 ms to 60 s: 500 or \"0.5s\"\n"},
+         "3, column 11: timeout must be a time from \"10ms\" to \"1min\", in quotes, not '5m'\n"},
         {"default = 'b'\n[plc.a]\nlink = 'sim:'\n", "1, column 11: unknown PLC 'b'; known: a\n"},
-        {"plc = 5\n", "1, column 7: plc must be a table: [plc.press1] and its keys below\n"},
+        {"plc = 5\n", "1, column 7: plc must be a table: [plc] and its keys below\n"},
         {"[plc.a]\nlink = sim:\n", "2, column 8: "},  // and what the parser says
         {"[,\"a\":1]\n", "1, column 2: "},  // found by fuzzing: it was an assertion of the parser
         // Found by fuzzing: the parser is undefined there.
@@ -119,6 +120,23 @@ TEST(ConfigurationFile, NamesThePlaceOfAMistake)
         const std::string whole = "fxhost: " + file.toStdString() + ", line " + says;
         EXPECT_EQ(says.back() == '\n' ? ended.err : ended.err.substr(0, whole.size()), whole);
     }
+}
+
+TEST(ConfigurationFile, HasAllItsMistakesToldAtOnce)
+{
+    const QTemporaryDir folder;
+    const QString file = newFile(folder, "plcs.toml",
+                                 "tags = 1\n[plc.a]\nlnk = 'sim:'\n"
+                                 "[plc.b]\nlink = 'sim:'\nretries = -1\ntimeout = 5\n");
+    const Ended ended = fxhost({"--config", file, "--plc", "a", "read", "D0"});
+    EXPECT_EQ(ended.code, 7);
+    EXPECT_EQ(QString::fromStdString(ended.err).remove("fxhost: " + file).toStdString(),
+              ", line 1, column 8: tags must be a text in quotes, not 1\n"
+              ", line 2, column 1: link is missing below [plc.a]; for example link = "
+              "\"serial:/dev/ttyUSB0?baud=9600\"\n"
+              ", line 3, column 1: unknown key 'lnk'; did you mean 'link'?\n"
+              ", line 6, column 11: retries must be a whole number from 0 to 100, not -1\n"
+              ", line 7, column 11: timeout must be a whole number from 10 to 60000, not 5\n");
 }
 
 TEST(ConfigurationFile, ThatIsMissingIsNamed)

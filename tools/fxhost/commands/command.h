@@ -96,8 +96,8 @@ void demandNamedLink(const CommonOptions& common);
 void showPorts(const OutputOptions& output);
 
 // Accepts "1000", "1000ms", "1.5s", "10min", "8h" and "1d", and makes milliseconds of it.
-CLI::Validator timeWithin(Limits limitsMs);
-CLI::Validator within(Limits limits);
+CLI::Validator timeWithin(Range limitsMs);
+CLI::Validator within(Range limits);
 CLI::Validator numberWithin(int least, int most);  // also a fraction
 CLI::Validator oneOf(const QStringList& words);
 

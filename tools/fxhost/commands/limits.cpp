@@ -20,7 +20,7 @@ std::string isNot(const std::string& text, const QString& wanted)
 
 }  // namespace
 
-CLI::Validator within(Limits limits)
+CLI::Validator within(Range limits)
 {
     return checked([limits](std::string& text) {
         bool isNumber = false;
@@ -53,7 +53,7 @@ CLI::Validator oneOf(const QStringList& words)
     });
 }
 
-CLI::Validator timeWithin(Limits limitsMs)
+CLI::Validator timeWithin(Range limitsMs)
 {
     return checked([limitsMs](std::string& text) {
         const std::optional<qint64> timeMs = parseTimeMs(text);
