@@ -55,7 +55,7 @@ TEST(WriteBook, WordsAreCutByTheFrame)
 {
     WriteBook book(32);
     book.add(words(10, 40), QVector<quint32>(40, 7));
-    ASSERT_EQ(book.size(), 2U);
+    ASSERT_EQ(book.size(), 2);
     EXPECT_EQ(book.next().first, 10);
     EXPECT_EQ(book.next().count, 32);
     book.endNext();
@@ -70,7 +70,7 @@ TEST(WriteBook, ALaterWriteTakesThePlaceOfAllButTheNextOne)
     book.add(words(10, 1), {2});
     book.add(words(20, 1), {3});
     book.add(words(10, 1), {4});
-    ASSERT_EQ(book.size(), 3U);
+    ASSERT_EQ(book.size(), 3);
     EXPECT_EQ(book.replaced(), 1);
     EXPECT_EQ(book.next().values, QVector<quint32>{1});
     book.endNext();
@@ -86,4 +86,18 @@ TEST(WriteBook, AWaitingBitCoversItsByte)
     EXPECT_TRUE(book.mayCover(bits(0, 1).type, 8));
     EXPECT_TRUE(book.mayCover(bits(0, 1).type, 15));
     EXPECT_FALSE(book.mayCover(words(0, 1).type, 9));
+}
+
+TEST(ReadBook, BitsCountBytesAndAnEqualReadDoesNotWaitTwice)
+{
+    ReadBook book;
+    book.add(words(10, 3));
+    book.add(bits(8, 9));
+    book.add(bits(8, 9));
+    ASSERT_EQ(book.size(), 2);
+    EXPECT_EQ(book.next().count, 3);
+    book.endNext();
+    EXPECT_EQ(book.next().count, 2);
+    book.keepFirst(0);
+    EXPECT_TRUE(book.isEmpty());
 }

@@ -9,8 +9,8 @@ namespace fxsoak {
 
 namespace {
 
-constexpr std::size_t mostBookedWrites = 200;  // below the driver's 513, which drops the last
-constexpr int startedAgainMs = 1000;           // at most
+constexpr int mostBookedWrites = 200;  // below the driver's 513, which drops the last
+constexpr int startedAgainMs = 1000;   // at most
 
 // How often the host does something between two exchanges, and the PLC's program within them.
 constexpr double plcChanges = 0.1;
@@ -78,7 +78,7 @@ void Soak::restartHost()
     m_library.reset();
     m_book = WriteBook(m_world.session.wordsPerFrame);
     m_recipe.reset();
-    m_readsQueued = 0;
+    m_reads = {};
     m_line.forgetAttempts();
     m_isInterrupted = false;
     m_line.close(below(m_random, 2) * below(m_random, startedAgainMs) * fxsim::usPerMs);
@@ -112,8 +112,7 @@ void Soak::calmDown()
     m_isStorm = false;
     m_line.plc().setFaults({});
     m_line.plc().setRunning(true, m_line.nowUs());
-    const auto waiting =
-        static_cast<int>(m_book.size()) + m_readsQueued + (m_recipe ? m_recipe->entries.size() : 0);
+    const int waiting = m_book.size() + m_reads.size() + (m_recipe ? m_recipe->entries.size() : 0);
     const int enough = 2 * waiting + 3 * m_blocks + 30;
     int goodReads = 0;
     for (int step = 0; step < enough && m_findings.isEmpty(); ++step) {
@@ -234,7 +233,7 @@ void Soak::queueRead()
 {
     const fxtools::RegisterRange range = someRange(someRun());
     m_session->queueRead(range);
-    m_readsQueued += range.count;  // in as many pieces at most
+    m_reads.add(range);
     note(QStringLiteral("a one-off read of ") + range.text());
 }
 

@@ -4,7 +4,8 @@
 // One seed: a host that polls, writes, queues one-off reads and moves recipes while line, PLC and
 // user interfere, all of it on simulated time and in an order that the seed alone decides. After
 // each exchange what the driver says is compared with what the PLC held when a frame of it came
-// there, and with the book of writes. At the end all troubles stop, and what waits must end.
+// there, and with the books of writes and one-off reads. At the end all troubles stop, and what
+// waits must end.
 
 #pragma once
 
@@ -30,6 +31,8 @@ struct SoakCounts
     qint64 recipesDone = 0;
     qint64 recipesFailed = 0;
     qint64 recipesAbandoned = 0;
+    qint64 oneOffsDone = 0;
+    qint64 oneOffsFailed = 0;
     qint64 changes = 0;  // callbacks
     qint64 framesSent = 0;
     qint64 linksLost = 0;
@@ -90,14 +93,15 @@ private:
     void startRecipe();
     void abandonRecipe();
     void calmDown();
-    bool waitsForNothing() const { return m_book.isEmpty() && !m_recipe; }
+    bool waitsForNothing() const { return m_book.isEmpty() && m_reads.isEmpty() && !m_recipe; }
     std::optional<fxtools::Exchange> exchange();
 
     // What must hold
     void check(const fxtools::Exchange& exchange);
+    void checkOneOffRead(const fxtools::Exchange& exchange);
     void checkRead(const fxtools::Exchange& exchange);
     void checkWrite(const fxtools::Exchange& exchange);
-    void checkConfirmed(const BookedWrite& write);
+    void checkConfirmed(const BookedRequest& write);
     void checkRecipe(const fxtools::Exchange& exchange);
     void checkRecipeWords(const fxtools::RegisterRange& entry, Side side);
     void checkCache(const fxtools::RegisterRange& range);
@@ -122,8 +126,8 @@ private:
     std::optional<fxtools::DriverSession> m_session;
     std::optional<fxtools::ExchangeLoop> m_loop;
     WriteBook m_book;
+    ReadBook m_reads;
     int m_blocks = 0;  // of the plan
-    int m_readsQueued = 0;
     bool m_isStorm = true;
     bool m_othersFrameRepeats = false;  // one of no recipe, which is not to be given up with it
     bool m_isWriting = false;

@@ -59,7 +59,7 @@ void Soak::check(const fxtools::Exchange& exchange)
     case fxtools::ExchangeKind::Write:
         return checkWrite(exchange);
     case fxtools::ExchangeKind::ConditionalRead:
-        m_readsQueued = exchange.hasFailed() ? 0 : std::max(0, m_readsQueued - 1);
+        checkOneOffRead(exchange);
         return checkRead(exchange);
     case fxtools::ExchangeKind::CyclicRead:
         return checkRead(exchange);
@@ -81,6 +81,17 @@ void Soak::checkUncertainty(const fxtools::Exchange& exchange)
            QStringLiteral("a write was carried out, and is said not to be"));
 }
 
+// One that fails takes all that wait along.
+void Soak::checkOneOffRead(const fxtools::Exchange& exchange)
+{
+    if (m_reads.isEmpty() || !m_reads.next().isFor(exchange.frame.variable))
+        return expect(false, QStringLiteral("a one-off read went out of turn"));
+    m_reads.endNext();
+    ++(exchange.hasFailed() ? m_counts.oneOffsFailed : m_counts.oneOffsDone);
+    if (exchange.hasFailed())
+        m_reads.keepFirst(0);
+}
+
 void Soak::checkRead(const fxtools::Exchange& exchange)
 {
     if (exchange.hasFailed())
@@ -93,11 +104,9 @@ void Soak::checkRead(const fxtools::Exchange& exchange)
 
 void Soak::checkWrite(const fxtools::Exchange& exchange)
 {
-    const VARIABLE& request = exchange.frame.variable;
-    if (m_book.isEmpty() || m_book.next().type != request.registerType ||
-        m_book.next().first != request.addressIndex || m_book.next().count != request.count)
+    if (m_book.isEmpty() || !m_book.next().isFor(exchange.frame.variable))
         return expect(false, QStringLiteral("a write went out of turn"));
-    const BookedWrite write = m_book.next();
+    const BookedRequest write = m_book.next();
     m_book.endNext();
     ++(exchange.hasFailed() ? m_counts.writesFailed : m_counts.writesConfirmed);
     if (!exchange.hasFailed())
@@ -106,7 +115,7 @@ void Soak::checkWrite(const fxtools::Exchange& exchange)
 
 // The PLC holds what the frame carried. The cache holds what the host wrote last to the register:
 // the same, unless a later write took an earlier place in the queue; then the next poll mends it.
-void Soak::checkConfirmed(const BookedWrite& write)
+void Soak::checkConfirmed(const BookedRequest& write)
 {
     QVector<HeldValue> written;
     for (int i = 0; i < write.values.size(); ++i)
@@ -231,6 +240,8 @@ void SoakCounts::add(const SoakCounts& more)
                              &SoakCounts::recipesDone,
                              &SoakCounts::recipesFailed,
                              &SoakCounts::recipesAbandoned,
+                             &SoakCounts::oneOffsDone,
+                             &SoakCounts::oneOffsFailed,
                              &SoakCounts::changes,
                              &SoakCounts::framesSent,
                              &SoakCounts::linksLost,

@@ -9,14 +9,35 @@
 
 namespace fxsoak {
 
-namespace {
-
-bool isSameRequest(const BookedWrite& a, const BookedWrite& b)
+bool BookedRequest::isFor(const VARIABLE& request) const
 {
-    return a.type == b.type && a.first == b.first && a.count == b.count;
+    return type == request.registerType && first == request.addressIndex && count == request.count;
 }
 
-}  // namespace
+void RequestBook::keepFirst(int requests)
+{
+    m_requests.resize(std::min(m_requests.size(), static_cast<std::size_t>(requests)));
+}
+
+void RequestBook::queue(const BookedRequest& request)
+{
+    for (std::size_t i = m_requests.size(); i-- > 1;) {
+        BookedRequest& waiting = m_requests[i];
+        if (waiting.type == request.type && waiting.first == request.first &&
+            waiting.count == request.count) {
+            waiting = request;
+            ++m_replaced;
+            return;
+        }
+    }
+    m_requests.push_back(request);
+}
+
+void ReadBook::add(const fxtools::RegisterRange& range)
+{
+    const int bytes = (range.count + bitsPerByte - 1) / bitsPerByte;
+    queue({range.type.name, range.first, range.type.isBit() ? bytes : range.count, {}});
+}
 
 void WriteBook::add(const fxtools::RegisterRange& range, const QVector<quint32>& values)
 {
@@ -29,18 +50,6 @@ void WriteBook::add(const fxtools::RegisterRange& range, const QVector<quint32>&
     }
 }
 
-void WriteBook::queue(const BookedWrite& write)
-{
-    for (std::size_t i = m_writes.size(); i-- > 1;) {
-        if (isSameRequest(m_writes[i], write)) {
-            m_writes[i] = write;
-            ++m_replaced;
-            return;
-        }
-    }
-    m_writes.push_back(write);
-}
-
 quint32 WriteBook::lastWritten(const QString& type, int number) const
 {
     return m_lastWritten.at({type, number});
@@ -48,7 +57,7 @@ quint32 WriteBook::lastWritten(const QString& type, int number) const
 
 bool WriteBook::mayCover(const fxtools::RegisterType& type, int number) const
 {
-    return std::any_of(m_writes.begin(), m_writes.end(), [&](const BookedWrite& write) {
+    return std::any_of(m_requests.begin(), m_requests.end(), [&](const BookedRequest& write) {
         if (write.type != type.name)
             return false;
         if (type.isBit())
