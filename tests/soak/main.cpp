@@ -91,7 +91,8 @@ void printCounts(const fxsoak::SoakCounts& counts)
     std::printf("recipes: %lld done, %lld failed, %lld abandoned; %lld plans; %lld callbacks\n",
                 counts.recipesDone, counts.recipesFailed, counts.recipesAbandoned, counts.plans,
                 counts.changes);
-    std::printf("one-off reads: %lld done, %lld failed\n", counts.oneOffsDone,
+    std::printf("commands: %lld succeeded, %lld failed; one-off reads: %lld done, %lld failed\n",
+                counts.commandsDone, counts.commandsFailed, counts.oneOffsDone,
                 counts.oneOffsFailed);
     std::printf("line: %lld frames, %lld exchanges failed, %lld links lost, %lld cut in the middle "
                 "of a call to send, %lld in one to receive\n",

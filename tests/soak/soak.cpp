@@ -10,7 +10,8 @@ namespace fxsoak {
 namespace {
 
 constexpr int mostBookedWrites = 200;  // below the driver's 513, which drops the last
-constexpr int startedAgainMs = 1000;   // at most
+constexpr size_t mostRecipeWords = 6 * 32;
+constexpr int startedAgainMs = 1000;  // at most
 
 // How often the host does something between two exchanges, and the PLC's program within them.
 constexpr double plcChanges = 0.1;
@@ -19,6 +20,7 @@ constexpr double oneOffReads = 0.05;
 constexpr double recipes = 0.02;
 constexpr double recipesAbandoned = 0.02;
 constexpr double plansAnew = 0.005;
+constexpr double commands = 0.01;
 constexpr double writesInCallback = 0.01;
 
 bool met(fxsim::FaultKind kind, const fxsim::Statistics& before, const fxsim::Statistics& after)
@@ -53,8 +55,13 @@ void Soak::startHost()
     m_session.emplace(*m_library, m_world.session);
     fxtools::LoopSettings settings = m_line.loopSettings();
     settings.timeout = m_world.timeout;
-    settings.isInterrupted = [this] { return m_isInterrupted; };
+    settings.isInterrupted = [this] { return m_isInterrupted || !m_findings.isEmpty(); };
     m_loop.emplace(*m_session, m_line, settings);
+    m_loop->onExchange = [this](const fxtools::Exchange& exchange) { meet(exchange); };
+    m_loop->onLinkLost = [this] {
+        reconnect();
+        return m_line.isOpen();
+    };
     // The queue ends the writes of a callback as any others.
     m_session->onValueChanged = [this](const QString&, int, int) {
         ++m_counts.changes;
@@ -81,7 +88,7 @@ void Soak::restartHost()
     m_reads = {};
     m_line.forgetAttempts();
     m_isInterrupted = false;
-    m_line.close(below(m_random, 2) * below(m_random, startedAgainMs) * fxsim::usPerMs);
+    m_line.close(fxsim::usPerMs * below(m_random, 2) * below(m_random, startedAgainMs));
     m_line.open();
     startHost();
 }
@@ -121,7 +128,7 @@ void Soak::calmDown()
                                 last->kind == fxtools::ExchangeKind::CyclicRead;
         goodReads = isGoodRead ? goodReads + 1 : 0;
         if (goodReads >= m_blocks && waitsForNothing())
-            return;
+            return runEveryCommand();
     }
     expect(false, QStringLiteral("no progress in %1 exchanges without a fault: %2 writes wait")
                       .arg(enough)
@@ -130,23 +137,27 @@ void Soak::calmDown()
 
 std::optional<fxtools::Exchange> Soak::exchange()
 {
-    const fxsim::Statistics before = m_line.plc().statistics();
-    const std::optional<fxtools::Exchange> exchange = m_loop->step();
-    m_line.forgetSent();
-    const fxsim::Statistics& after = m_line.plc().statistics();
-    m_sumIsForged = met(fxsim::FaultKind::WrongSum, before, after) &&
-                    met(fxsim::FaultKind::FlippedBits, before, after);
+    std::optional<fxtools::Exchange> exchange = m_loop->step();
     expect(exchange.has_value(), QStringLiteral("there is a plan, and nothing to send"));
-    if (!exchange)
-        return exchange;
-    check(*exchange);
-    if (exchange->hasEnded())
-        m_line.forgetAttempts();
-    if (exchange->verdict == fxtools::ReplyVerdict::LinkLost)
+    if (exchange && exchange->verdict == fxtools::ReplyVerdict::LinkLost)
         reconnect();
     if (m_isInterrupted)
         restartHost();
     return exchange;
+}
+
+void Soak::meet(const fxtools::Exchange& exchange)
+{
+    m_line.forgetSent();
+    const fxsim::Statistics after = m_line.plc().statistics();
+    m_sumIsForged = met(fxsim::FaultKind::WrongSum, m_before, after) &&
+                    met(fxsim::FaultKind::FlippedBits, m_before, after);
+    m_before = after;
+    check(exchange);
+    if (exchange.hasEnded())
+        m_line.forgetAttempts();
+    if (m_commandEndsBy)
+        expect(--*m_commandEndsBy > 0, QStringLiteral("a command does not end"));
 }
 
 // At each call of the host to its link.
@@ -186,6 +197,8 @@ void Soak::act()
         startRecipe();
     else if (m_recipe && !m_othersFrameRepeats && happens(recipesAbandoned))
         abandonRecipe();
+    if (!m_recipe && happens(commands))
+        command(static_cast<Command>(below(m_random, commandCount)));
 }
 
 // All registers, or some.
@@ -237,7 +250,7 @@ void Soak::queueRead()
     note(QStringLiteral("a one-off read of ") + range.text());
 }
 
-void Soak::startRecipe()
+Soak::RunningRecipe Soak::someRecipe()
 {
     RunningRecipe recipe;
     recipe.direction =
@@ -245,11 +258,16 @@ void Soak::startRecipe()
     for (int entries = 1 + below(m_random, 6); entries > 0; --entries)
         recipe.entries.append(someRange(someWritableRun(true)));
     std::vector<quint16>& words = m_session->recipeWords();
-    for (size_t at = 0; at < 6 * 32; ++at)
+    for (size_t at = 0; at < mostRecipeWords; ++at)
         words[at] = static_cast<quint16>(m_random());
-    m_recipe = recipe;
-    m_session->startRecipe(recipe.direction, recipe.entries);
     note(QStringLiteral("a recipe of %1 entries").arg(recipe.entries.size()));
+    return recipe;
+}
+
+void Soak::startRecipe()
+{
+    m_recipe = someRecipe();
+    m_session->startRecipe(m_recipe->direction, m_recipe->entries);
 }
 
 // No frame of it follows, not even one that would have been sent again.
@@ -271,6 +289,14 @@ fxtools::RegisterRange Soak::someRange(const PlcRun& run)
     const int most = std::min(
         {run.count - offset, type.mostInFrame(m_world.session.wordsPerFrame), bitsPerWord});
     return {type, 1, run.first + offset, 1 + below(m_random, most)};
+}
+
+// In several frames.
+fxtools::RegisterRange Soak::someLongRange(const PlcRun& run)
+{
+    fxtools::RegisterRange range = someRange(run);
+    range.count = 1 + below(m_random, run.first + run.count - range.first);
+    return range;
 }
 
 const PlcRun& Soak::someRun()

@@ -4,8 +4,9 @@
 // One seed: a host that polls, writes, queues one-off reads and moves recipes while line, PLC and
 // user interfere, all of it on simulated time and in an order that the seed alone decides. After
 // each exchange what the driver says is compared with what the PLC held when a frame of it came
-// there, and with the books of writes and one-off reads. At the end all troubles stop, and what
-// waits must end.
+// there, and with the books of writes and one-off reads. Now and then the host runs a whole command
+// as fxhost does, whose outcome must be what has happened. At the end all troubles stop: what waits
+// must end, and every command must succeed.
 
 #pragma once
 
@@ -31,8 +32,11 @@ struct SoakCounts
     qint64 recipesDone = 0;
     qint64 recipesFailed = 0;
     qint64 recipesAbandoned = 0;
+    qint64 recipeEntries = 0;
     qint64 oneOffsDone = 0;
     qint64 oneOffsFailed = 0;
+    qint64 commandsDone = 0;
+    qint64 commandsFailed = 0;
     qint64 changes = 0;  // callbacks
     qint64 framesSent = 0;
     qint64 linksLost = 0;
@@ -80,6 +84,13 @@ private:
         size_t nextWord = 0;  // in the recipe memory
     };
 
+    struct EndedWrite
+    {
+        BookedRequest write;
+        bool isConfirmed = false;
+        bool isCarriedOut = false;  // as far as the PLC knows
+    };
+
     // What happens
     void startHost();
     void restartHost();
@@ -90,13 +101,30 @@ private:
     void changePlc();
     void write();
     void queueRead();
+    RunningRecipe someRecipe();
     void startRecipe();
     void abandonRecipe();
     void calmDown();
     bool waitsForNothing() const { return m_book.isEmpty() && m_reads.isEmpty() && !m_recipe; }
     std::optional<fxtools::Exchange> exchange();
 
+    // Whole commands; whether they succeeded
+    enum class Command
+    {
+        Read,
+        ReadBack,
+        Write,
+        Recipe,
+    };
+    static constexpr int commandCount = 4;
+    bool command(Command command);
+    void runEveryCommand();
+    bool readCommand(Command command);
+    bool writeCommand();
+    bool recipeCommand();
+
     // What must hold
+    void meet(const fxtools::Exchange& exchange);
     void check(const fxtools::Exchange& exchange);
     void checkOneOffRead(const fxtools::Exchange& exchange);
     void checkRead(const fxtools::Exchange& exchange);
@@ -106,6 +134,9 @@ private:
     void checkRecipeWords(const fxtools::RegisterRange& entry, Side side);
     void checkCache(const fxtools::RegisterRange& range);
     void checkUncertainty(const fxtools::Exchange& exchange);
+    void checkOutcome(const fxtools::RegisterRange& range, const fxtools::WriteOutcome& outcome,
+                      int frames);
+    bool wasCarriedOut() const;
     void expect(bool good, const QString& finding);
     void expectHeld(const QVector<HeldValue>& values, Side side, const QString& what);
 
@@ -114,6 +145,7 @@ private:
     const PlcRun& someRun();
     const PlcRun& someWritableRun(bool wordsOnly);
     fxtools::RegisterRange someRange(const PlcRun& run);
+    fxtools::RegisterRange someLongRange(const PlcRun& run);
     QVector<quint32> someValues(const fxtools::RegisterRange& range);
     void note(const QString& text) const;
 
@@ -127,10 +159,14 @@ private:
     std::optional<fxtools::ExchangeLoop> m_loop;
     WriteBook m_book;
     ReadBook m_reads;
-    int m_blocks = 0;  // of the plan
+    int m_blocks = 0;                       // of the plan
+    QVector<EndedWrite> m_endedWrites;      // of a command
+    std::optional<qint64> m_commandEndsBy;  // so many tries of frames
+    fxsim::Statistics m_before;             // the exchange
     bool m_isStorm = true;
     bool m_othersFrameRepeats = false;  // one of no recipe, which is not to be given up with it
     bool m_isWriting = false;
+    bool m_isCarriedOut = false;  // what was just sent, and not taken for done
     bool m_isInterrupted = false;
     bool m_sumIsForged = false;  // a spoilt sum can be the right one of the flipped bits
     std::optional<RunningRecipe> m_recipe;

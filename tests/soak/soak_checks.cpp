@@ -46,6 +46,7 @@ void Soak::check(const fxtools::Exchange& exchange)
          fxtools::verdictText(exchange.verdict));
     expect(isAccepted == (exchange.verdict == fxtools::ReplyVerdict::Good),
            QStringLiteral("the driver takes a reply otherwise than it is"));
+    m_isCarriedOut = !isAccepted && wasCarriedOut();
     if (!isAccepted)
         checkUncertainty(exchange);
     m_othersFrameRepeats = !exchange.hasEnded() &&
@@ -72,13 +73,16 @@ void Soak::check(const fxtools::Exchange& exchange)
 // A write that was carried out without an ACK that the host could take is said to be uncertain.
 void Soak::checkUncertainty(const fxtools::Exchange& exchange)
 {
-    const std::vector<ShakenLine::Attempt>& attempts = m_line.attempts();
-    const bool isDone =
-        std::any_of(attempts.begin(), attempts.end(),
-                    [](const ShakenLine::Attempt& attempt) { return attempt.wasWritten; });
-    m_counts.writesUncertain += isDone && exchange.mayBeDone;
-    expect(!isDone || exchange.mayBeDone,
+    m_counts.writesUncertain += m_isCarriedOut && exchange.mayBeDone;
+    expect(!m_isCarriedOut || exchange.mayBeDone,
            QStringLiteral("a write was carried out, and is said not to be"));
+}
+
+bool Soak::wasCarriedOut() const
+{
+    const std::vector<ShakenLine::Attempt>& attempts = m_line.attempts();
+    return std::any_of(attempts.begin(), attempts.end(),
+                       [](const ShakenLine::Attempt& attempt) { return attempt.wasWritten; });
 }
 
 // One that fails takes all that wait along.
@@ -108,6 +112,8 @@ void Soak::checkWrite(const fxtools::Exchange& exchange)
         return expect(false, QStringLiteral("a write went out of turn"));
     const BookedRequest write = m_book.next();
     m_book.endNext();
+    if (m_commandEndsBy)
+        m_endedWrites.append({write, !exchange.hasFailed(), wasCarriedOut()});
     ++(exchange.hasFailed() ? m_counts.writesFailed : m_counts.writesConfirmed);
     if (!exchange.hasFailed())
         checkConfirmed(write);
@@ -148,6 +154,7 @@ void Soak::checkRecipe(const fxtools::Exchange& exchange)
             checkRecipeWords(entry, isDownload ? Side::Written : Side::Read);
         if (!isDownload)
             checkCache(entry);
+        ++m_counts.recipeEntries;
         m_recipe->nextWord += static_cast<size_t>(entry.type.driverCount(entry.count));
         if (++m_recipe->next < m_recipe->entries.size())
             return expect(m_session->recipeRuns(m_recipe->direction),
@@ -240,8 +247,11 @@ void SoakCounts::add(const SoakCounts& more)
                              &SoakCounts::recipesDone,
                              &SoakCounts::recipesFailed,
                              &SoakCounts::recipesAbandoned,
+                             &SoakCounts::recipeEntries,
                              &SoakCounts::oneOffsDone,
                              &SoakCounts::oneOffsFailed,
+                             &SoakCounts::commandsDone,
+                             &SoakCounts::commandsFailed,
                              &SoakCounts::changes,
                              &SoakCounts::framesSent,
                              &SoakCounts::linksLost,
