@@ -44,6 +44,7 @@ TEST_F(ValuesPageInWindow, WritesAfterOneQuestionAndShowsWhatWasReadBack)
     EXPECT_EQ(said(), "oven.temp is 71.5 °C | 0 °C to 200 °C | "
                       "Write to oven.temp (D100): now 71.5 °C, new 80 °C?");
     EXPECT_TRUE(plc.writes.isEmpty());
+    button("Yes, write")->setFocus();
     QTest::keyClick(button("Yes, write"), Qt::Key_Return);
     ASSERT_EQ(plc.writes.size(), 1);
     EXPECT_EQ(plc.writes[0].tag, 0);
@@ -129,6 +130,25 @@ TEST_F(ValuesPageInWindow, SendsNothingWhenTheAnswerIsNo)
     QTest::keyClick(button("Yes, write"), Qt::Key_Escape);
     EXPECT_FALSE(button("Yes, write"));
     EXPECT_TRUE(plc.writes.isEmpty());
+}
+
+TEST_F(ValuesPageInWindow, WritesNothingWhenAKeyIsPressedAgainAndAgain)
+{
+    for (const int row : {0, 1}) {
+        choose(row);
+        table->setFocus();
+        QTest::keyClick(table, Qt::Key_Return);
+        QTest::keyClicks(window.focusWidget(), row == 0 ? "80" : "");
+        for (const Qt::Key key :
+             {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Return, Qt::Key_Return, Qt::Key_Return,
+              Qt::Key_Space, Qt::Key_Return, Qt::Key_Space, Qt::Key_Return})
+            QTest::keyClick(window.focusWidget(), key);
+        EXPECT_TRUE(plc.writes.isEmpty()) << row;
+    }
+    EXPECT_TRUE(button("Yes, write")) << "it did ask";
+    QTest::keyClick(window.focusWidget(), Qt::Key_Y, Qt::AltModifier);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return plc.writes.size() == 1; }, 30000));
+    EXPECT_EQ(plc.writes[0].text, "1");
 }
 
 TEST_F(ValuesPageInWindow, StaysWithAWriteUntilItsResultIsKnown)

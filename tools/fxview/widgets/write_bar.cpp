@@ -172,7 +172,7 @@ void WriteBar::ask()
         return;
     m_step = Step::Asking;
     showStep();
-    m_yes->setFocus();
+    m_no->setFocus();  // whoever presses Enter or Space twice writes nothing
 }
 
 void WriteBar::confirm()
