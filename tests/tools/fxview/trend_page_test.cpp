@@ -171,6 +171,17 @@ TEST(Curves, ArePaintedFromTheLowestToTheHighestOfEachColumn)
     EXPECT_EQ(blackIn(3), 1);
 }
 
+TEST(Curves, InLanesTakeTheirPartOfTheHeight)
+{
+    const auto heightOf = [](int lane, double value) {
+        return curveLines({0, 0, 1, 300}, {{value, value}}, inLane({0, 10}, lane, 3))[0][0].y();
+    };
+    EXPECT_EQ(heightOf(0, 10), 0);
+    EXPECT_EQ(heightOf(0, 0), 100);
+    EXPECT_EQ(heightOf(1, 5), 150);
+    EXPECT_EQ(heightOf(2, 0), 300);
+}
+
 TEST(Curves, HaveRoomAlsoWhereNothingChanges)
 {
     EXPECT_LT(roomFor({{5, 5}}).lowest, 5);

@@ -37,6 +37,12 @@ Extent roomFor(const QVector<Extent>& columns)
     return {range.lowest - margin, range.highest + margin};
 }
 
+Extent inLane(const Extent& range, int lane, int lanes)
+{
+    const double width = range.highest - range.lowest;
+    return {range.lowest - width * (lanes - 1 - lane), range.highest + width * lane};
+}
+
 QVector<QPolygonF> curveLines(const QRectF& area, const QVector<Extent>& columns,
                               const Extent& range)
 {

@@ -17,7 +17,7 @@ namespace fxview {
 namespace {
 
 constexpr int mostCsvRows = 100000;
-constexpr int lettersPerAxis = 8;
+constexpr int lettersPerAxis = 10;
 constexpr qint64 withoutSecondsMs = 600000;
 
 QString clockText(qint64 timeMs, qint64 spanMs)
@@ -65,6 +65,11 @@ double TrendView::Plot::xOf(qint64 timeMs) const
 {
     return area.left() + area.width() * static_cast<double>(timeMs - beginMs) /
                              static_cast<double>(endMs - beginMs);
+}
+
+double TrendView::Plot::yOf(double value, const Extent& range) const
+{
+    return area.bottom() - (value - range.lowest) / (range.highest - range.lowest) * area.height();
 }
 
 TrendView::Plot TrendView::plotIn(const QRect& whole) const
@@ -135,16 +140,59 @@ void TrendView::paintTimes(QPainter& painter, const Plot& plot) const
     painter.drawRect(plot.area);
 }
 
+// Each bit, and each value that does not change, has a lane of its own: none hides another.
+Extent TrendView::rangeOf(int number, const QVector<Extent>& columns) const
+{
+    if (m_book.tag(m_tags[number]).isOneBit())
+        return inLane(roomForBit, number, m_tags.size());
+    Extent all;
+    for (const Extent& column : columns)
+        all.include(column);
+    const Extent room = roomFor(columns);
+    return all.lowest < all.highest ? room : inLane(room, number, m_tags.size());
+}
+
 void TrendView::paintTag(QPainter& painter, const Plot& plot, int number) const
 {
     const History* history = m_book.state(m_tags[number]).history.get();
     const QVector<Extent> columns =
         history ? history->columns(plot.beginMs, plot.endMs, static_cast<int>(plot.area.width()))
                 : QVector<Extent>();
-    const Extent range = roomFor(columns);
-    paintAxis(painter, plot, number, range);
+    const Extent range = rangeOf(number, columns);
     painter.setPen(curveColour(number, palette()));
+    paintAxis(painter, plot, number, range);
     paintCurve(painter, plot.area, columns, range);
+    paintNumber(painter, plot, number, range, columns);
+}
+
+// At the end of the curve, since a colour alone says nothing to some eyes and printers.
+void TrendView::paintNumber(QPainter& painter, const Plot& plot, int number, const Extent& range,
+                            const QVector<Extent>& columns) const
+{
+    int end = columns.size() - 1;
+    while (end >= 0 && columns[end].isEmpty())
+        --end;
+    if (end < 0)
+        return;
+    const int letter = painter.fontMetrics().height();
+    const double y = std::max(plot.yOf(columns[end].highest, range) - letter, plot.area.top());
+    const double perColumn = plot.area.width() / columns.size();
+    painter.drawText(QRectF(plot.area.left(), y, (end + 1) * perColumn - 2, letter),
+                     Qt::AlignRight | Qt::AlignVCenter, QString::number(number + 1));
+}
+
+QVector<double> TrendView::marksOf(int number, const Extent& range, int most) const
+{
+    return m_book.tag(m_tags[number]).isOneBit() ? QVector<double>{0, 1}
+                                                 : marksBetween(range.lowest, range.highest, most);
+}
+
+QString TrendView::titleOf(int number) const
+{
+    const fxtools::Tag& tag = m_book.tag(m_tags[number]);
+    return QStringLiteral("%1: %2")
+        .arg(number + 1)
+        .arg(tag.unit.isEmpty() ? tag.name : tr("%1 in %2").arg(tag.name, tag.unit));
 }
 
 void TrendView::paintAxis(QPainter& painter, const Plot& plot, int number,
@@ -152,17 +200,23 @@ void TrendView::paintAxis(QPainter& painter, const Plot& plot, int number,
 {
     const int letter = painter.fontMetrics().height();
     const double right = plot.area.left() - axisWidth() * (m_tags.size() - 1 - number) - 3;
-    painter.setPen(curveColour(number, palette()));
     painter.drawLine(QPointF(right, plot.area.top()), QPointF(right, plot.area.bottom()));
+    const fxtools::Tag& tag = m_book.tag(m_tags[number]);
     const int most = std::clamp(static_cast<int>(plot.area.height()) / (2 * letter), 2, 10);
-    for (const double mark : marksBetween(range.lowest, range.highest, most)) {
-        const double y = plot.area.bottom() - (mark - range.lowest) /
-                                                  (range.highest - range.lowest) *
-                                                  plot.area.height();
+    for (const double mark : marksOf(number, range, most)) {
+        const double y = plot.yOf(mark, range);
         painter.drawLine(QPointF(right - 3, y), QPointF(right, y));
         painter.drawText(QRectF(right - axisWidth(), y - letter / 2.0, axisWidth() - 5, letter),
-                         Qt::AlignRight | Qt::AlignVCenter, QString::number(mark, 'g', 6));
+                         Qt::AlignRight | Qt::AlignVCenter,
+                         tag.isOneBit() ? valueText(tag, mark) : QString::number(mark, 'g', 6));
     }
+    painter.save();
+    painter.translate(right - axisWidth(), plot.area.bottom());
+    painter.rotate(-90);
+    const auto height = static_cast<int>(plot.area.height());
+    painter.drawText(QRectF(0, 0, height, letter), Qt::AlignCenter,
+                     painter.fontMetrics().elidedText(titleOf(number), Qt::ElideRight, height));
+    painter.restore();
 }
 
 void TrendView::paintCursors(QPainter& painter, const Plot& plot) const

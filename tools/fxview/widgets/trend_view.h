@@ -37,6 +37,7 @@ public:
 
     void showMoment(qint64 nowMs);
     Extent valueAt(int tag, qint64 timeMs) const;
+    QString titleOf(int number) const;  // "2: oven.temp in °C"
 
     // The same picture on anything else.
     void paintOn(QPainter& painter, const QRect& area) const;
@@ -64,6 +65,7 @@ private:
         qint64 endMs;
 
         double xOf(qint64 timeMs) const;
+        double yOf(double value, const Extent& range) const;
     };
 
     Plot plotIn(const QRect& whole) const;
@@ -71,6 +73,10 @@ private:
     void paintTimes(QPainter& painter, const Plot& plot) const;
     void paintTag(QPainter& painter, const Plot& plot, int number) const;
     void paintAxis(QPainter& painter, const Plot& plot, int number, const Extent& range) const;
+    void paintNumber(QPainter& painter, const Plot& plot, int number, const Extent& range,
+                     const QVector<Extent>& columns) const;
+    Extent rangeOf(int number, const QVector<Extent>& columns) const;
+    QVector<double> marksOf(int number, const Extent& range, int most) const;
     void paintCursors(QPainter& painter, const Plot& plot) const;
     bool moveCursor(QKeyEvent& event);
     void placeCursor(bool isSecond, qint64 timeMs);

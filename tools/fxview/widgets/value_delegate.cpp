@@ -95,7 +95,7 @@ void ValueDelegate::paintSparkline(QPainter& painter, const QRect& area, int tag
     const qint64 endMs = m_table.nowMs();
     const QVector<Extent> columns =
         state.history->columns(endMs - sparklineMs, endMs, area.width());
-    const Extent range = roomFor(columns);
+    const Extent range = m_table.book().tag(tag).isOneBit() ? roomForBit : roomFor(columns);
     painter.save();
     painter.setPen(colour);
     paintCurve(painter, area, columns, range);

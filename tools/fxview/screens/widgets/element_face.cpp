@@ -160,8 +160,9 @@ void paintTrend(QPainter& painter, const QRectF& area, const Face& face, const Q
         face.history ? face.history->columns(face.nowMs - face.element.spanMs, face.nowMs,
                                              static_cast<int>(plot.width()))
                      : QVector<Extent>();
-    const Extent range =
-        face.element.min ? Extent{*face.element.min, *face.element.max} : roomFor(columns);
+    const Extent range = face.element.min       ? Extent{*face.element.min, *face.element.max}
+                         : face.tag->isOneBit() ? Extent{0, 1}
+                                                : roomFor(columns);
     painter.setPen(faceColour(face, palette));
     const auto mark = [&](double value, double y) {
         painter.drawText(QRectF(area.left(), y - letter / 2, axis - 4, letter),
