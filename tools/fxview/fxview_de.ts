@@ -722,10 +722,6 @@
         <translation>1 Tag</translation>
     </message>
     <message>
-        <source>&amp;Stop</source>
-        <translation>An&amp;halten</translation>
-    </message>
-    <message>
         <source>Values at the cursors</source>
         <translation>Werte an den Marken</translation>
     </message>
@@ -767,11 +763,7 @@
     </message>
     <message>
         <source>&amp;Follow</source>
-        <translation>&amp;Folgen</translation>
-    </message>
-    <message>
-        <source>%1 in %2</source>
-        <translation>%1 in %2</translation>
+        <translation>&amp;Mitlaufen</translation>
     </message>
     <message>
         <source>B − A, in %1 s</source>
@@ -807,6 +799,10 @@
     <message>
         <source>%1 highest</source>
         <translation>%1 größter</translation>
+    </message>
+    <message>
+        <source>%1 in %2</source>
+        <translation>%1 in %2</translation>
     </message>
 </context>
 <context>

@@ -19,6 +19,7 @@ struct TrendsInWindow : Window
     TrendPage* page = window.findChild<TrendPage*>();
     TrendView* view = &page->view();
     QTableWidget* legend = find<QTableWidget>("Values at the cursors");
+    QCheckBox* follow = page->findChild<QCheckBox*>();
 
     TrendsInWindow()
     {
@@ -27,7 +28,7 @@ struct TrendsInWindow : Window
         for (int at = 0; at <= 600; ++at)
             readings += good(0, at, view_tests::nowMs - 60000 + at * 100);
         emit plc.readings(readings);
-        page->add(0);
+        view->setTags({0});
         window.showMoment();
     }
 
@@ -52,7 +53,7 @@ QByteArray contentOf(const QString& path)
 
 TEST_F(TrendsInWindow, ShowTheNewestValuesAndThoseAtTheCursors)
 {
-    EXPECT_EQ(cell(0, 0), "oven.temp in °C");
+    EXPECT_EQ(cell(0, 0), "1: oven.temp in °C");
     EXPECT_EQ(cell(0, 1), "600.0");
     EXPECT_EQ(cell(0, 4), "–");
     QTest::mouseClick(view, Qt::LeftButton, {}, at(0.5));
@@ -70,10 +71,11 @@ TEST_F(TrendsInWindow, ShowTheNewestValuesAndThoseAtTheCursors)
 
 TEST_F(TrendsInWindow, StopAndFollow)
 {
-    button("Stop")->click();
+    EXPECT_TRUE(follow->isChecked());
+    follow->click();
     passMs(5000);
     EXPECT_EQ(view->span().endMs(nowMs), nowMs - 5000);
-    button("Follow")->click();
+    follow->click();
     EXPECT_EQ(view->span().endMs(nowMs), nowMs);
 }
 
@@ -81,14 +83,19 @@ TEST_F(TrendsInWindow, ZoomAndPanByMouseAndKeyboard)
 {
     QTest::keyClick(view, Qt::Key_Plus);
     EXPECT_EQ(view->span().lengthMs(), 48000);
-    EXPECT_EQ(find<QComboBox>("How much time")->currentIndex(), -1);
+    EXPECT_EQ(find<QComboBox>("How much time")->currentText(), "48 s");
+    QTest::keyClick(view, Qt::Key_Plus);
+    EXPECT_EQ(find<QComboBox>("How much time")->currentText(), "38.4 s");
+    EXPECT_EQ(find<QComboBox>("How much time")->findText("48 s"), -1);
+    QTest::keyClick(view, Qt::Key_Minus);
     QTest::keyClick(view, Qt::Key_Minus);
     EXPECT_EQ(find<QComboBox>("How much time")->currentText(), "1 minute");
     QTest::keyClick(view, Qt::Key_Left);
     EXPECT_EQ(view->span().endMs(nowMs), nowMs - 6000);
-    EXPECT_TRUE(button("Follow"));
+    EXPECT_FALSE(follow->isChecked());
     QTest::keyClick(view, Qt::Key_Right);
     EXPECT_FALSE(view->span().isStopped());
+    EXPECT_TRUE(follow->isChecked());
     QTest::mousePress(view, Qt::LeftButton, {}, at(0.5));
     QMouseEvent move(QEvent::MouseMove, at(0.7), Qt::NoButton, Qt::LeftButton, {});
     QApplication::sendEvent(view, &move);
@@ -120,6 +127,34 @@ TEST_F(TrendsInWindow, AreChosenByNameAndFromTheValues)
     QTest::keyClick(table, Qt::Key_Space);
     EXPECT_EQ(view->tags(), QVector<int>({4, 5}));
     EXPECT_TRUE(view->isVisible());
+}
+
+TEST_F(TrendsInWindow, BeginWithTheFirstNumbersOrBits)
+{
+    const MainWindow other(plc, [] { return view_tests::nowMs; });
+    EXPECT_EQ(other.findChild<TrendPage*>()->view().tags(), QVector<int>({0, 4, 5}));
+    FakePlc bits(someTags().mid(1, 3));
+    const MainWindow ofBits(bits, [] { return view_tests::nowMs; });
+    EXPECT_EQ(ofBits.findChild<TrendPage*>()->view().tags(), QVector<int>({0, 1}));
+}
+
+TEST_F(TrendsInWindow, SayOnAndOffOfBits)
+{
+    view->setTags({1});
+    QVector<Reading> readings;
+    for (int second = 60; second >= 0; --second)
+        readings += good(1, second < 30 ? 1 : 0, nowMs - second * 1000);
+    emit plc.readings(readings);
+    QTest::mouseClick(view, Qt::LeftButton, {}, at(0.3));
+    QTest::mouseClick(view, Qt::LeftButton, Qt::ShiftModifier, at(0.8));
+    EXPECT_EQ(cell(0, 1), "on");
+    EXPECT_EQ(cell(0, 2), "off");
+    EXPECT_EQ(cell(0, 3), "on");
+    EXPECT_EQ(cell(0, 4), "–");
+    const QTemporaryDir folder;
+    const QByteArray svg = contentOf(page->exportTo(folder.path(), "svg"));
+    EXPECT_TRUE(svg.contains(">off</text>"));
+    EXPECT_TRUE(svg.contains(">1: motor.run</text>"));
 }
 
 TEST_F(TrendsInWindow, AreExported)

@@ -22,6 +22,7 @@ namespace fxview {
 namespace {
 
 constexpr int legendColumns = 5;
+constexpr int firstCurves = 3;
 
 struct Length
 {
@@ -37,21 +38,39 @@ constexpr std::array<Length, 6> lengths = {{
     {QT_TRANSLATE_NOOP("fxview::TrendPage", "1 day"), TrendSpan::longestMs},
 }};
 
-QString extentText(const Extent& extent)
+QString extentText(const fxtools::Tag& tag, const Extent& extent)
 {
     if (extent.isEmpty())
         return QStringLiteral("–");
-    const QString lowest = QString::number(extent.lowest, 'g', 10);
+    const auto text = [&tag](double value) {
+        return tag.isOneBit() ? valueText(tag, value) : QString::number(value, 'g', 10);
+    };
     return extent.lowest == extent.highest
-               ? lowest
-               : lowest + QStringLiteral(" … ") + QString::number(extent.highest, 'g', 10);
+               ? text(extent.lowest)
+               : text(extent.lowest) + QStringLiteral(" … ") + text(extent.highest);
+}
+
+QString differenceText(const fxtools::Tag& tag, double difference)
+{
+    return tag.isOneBit() ? QStringLiteral("–") : extentText(tag, {difference, difference});
+}
+
+// "48 s", "2.5 min", "19.2 h".
+QString lengthText(qint64 lengthMs)
+{
+    constexpr double second = 1000, minute = 60 * second, hour = 60 * minute;
+    const auto length = static_cast<double>(lengthMs);
+    if (length < 2 * minute)
+        return QString::number(length / second, 'g', 3) + " s";
+    return length < 2 * hour ? QString::number(length / minute, 'g', 3) + " min"
+                             : QString::number(length / hour, 'g', 3) + " h";
 }
 
 }  // namespace
 
 TrendPage::TrendPage(const ValueBook& book, QWidget* parent)
     : QWidget(parent), m_book(book), m_view(new TrendView(book, this)), m_add(new QLineEdit(this)),
-      m_length(new QComboBox(this)), m_stop(new QPushButton(tr("&Stop"), this)),
+      m_length(new QComboBox(this)), m_follow(new QCheckBox(tr("&Follow"), this)),
       m_legend(new QTableWidget(0, legendColumns, this)), m_said(new QLabel(this))
 {
     auto* rows = new QVBoxLayout(scrolledIn(this));
@@ -75,7 +94,22 @@ TrendPage::TrendPage(const ValueBook& book, QWidget* parent)
         showSpan();
         showLegend();
     });
+    addFirst();
     showSpan();
+}
+
+// Something to look at from the beginning: numbers, or bits where there are none.
+void TrendPage::addFirst()
+{
+    for (const bool isBit : {false, true}) {
+        for (int tag = 0; tag < m_book.size() && m_view->tags().size() < firstCurves; ++tag) {
+            const fxtools::Tag& each = m_book.tag(tag);
+            if (isBit ? each.isOneBit() : each.isNumber())
+                add(tag);
+        }
+        if (!m_view->tags().isEmpty())
+            return;
+    }
 }
 
 QLayout* TrendPage::topRow()
@@ -96,17 +130,16 @@ QLayout* TrendPage::topRow()
     for (const Length& length : lengths)
         m_length->addItem(tr(length.text), length.ms);
     connect(m_length, qOverload<int>(&QComboBox::activated), this, [this](int index) {
-        m_view->span().setLength(lengths[static_cast<size_t>(index)].ms);
+        m_view->span().setLength(m_length->itemData(index).toLongLong());
         m_view->update();
         showSpan();
     });
-    m_stop->setCheckable(true);
-    connect(m_stop, &QPushButton::clicked, this, [this](bool isStopped) {
-        if (isStopped)
-            m_view->span().stop(m_view->nowMs());
-        else
+    connect(m_follow, &QCheckBox::clicked, this, [this](bool isFollowing) {
+        if (isFollowing)
             m_view->span().follow();
-        showSpan();
+        else
+            m_view->span().stop(m_view->nowMs());
+        m_view->update();
     });
     auto* save = new QPushButton(tr("&Export"), this);
     save->setMenu(new QMenu(save));
@@ -115,7 +148,7 @@ QLayout* TrendPage::topRow()
                                 [this, form] { exportAs(QString::fromLatin1(form)); });
     auto* row = new QHBoxLayout;
     row->addWidget(m_add, 1);
-    for (QWidget* widget : QList<QWidget*>{remove, m_length, m_stop, save})
+    for (QWidget* widget : QList<QWidget*>{remove, m_length, m_follow, save})
         row->addWidget(widget);
     return row;
 }
@@ -160,12 +193,15 @@ void TrendPage::showMoment(qint64 nowMs)
     showLegend();
 }
 
-// A length that was zoomed to is none of the list.
+// A length that was zoomed to stands in the list until another one is chosen.
 void TrendPage::showSpan()
 {
-    m_length->setCurrentIndex(m_length->findData(m_view->span().lengthMs()));
-    m_stop->setChecked(m_view->span().isStopped());
-    m_stop->setText(m_view->span().isStopped() ? tr("&Follow") : tr("&Stop"));
+    const qint64 lengthMs = m_view->span().lengthMs();
+    m_length->removeItem(lengths.size());
+    if (m_length->findData(lengthMs) < 0)
+        m_length->addItem(lengthText(lengthMs), lengthMs);
+    m_length->setCurrentIndex(m_length->findData(lengthMs));
+    m_follow->setChecked(!m_view->span().isStopped());
 }
 
 void TrendPage::showLegend()
@@ -182,12 +218,12 @@ void TrendPage::showLegend()
         const Extent first = at(cursors.first);
         const Extent second = at(cursors.second);
         const fxtools::Tag& each = m_book.tag(tag);
-        const QStringList cells = {
-            each.unit.isEmpty() ? each.name : tr("%1 in %2").arg(each.name, each.unit),
-            m_book.hasValue(tag, m_view->nowMs()) ? valueText(each, m_book.state(tag).value)
-                                                  : QStringLiteral("–"),
-            extentText(first), extentText(second),
-            extentText({second.highest - first.highest, second.highest - first.highest})};
+        const QStringList cells = {m_view->titleOf(row),
+                                   m_book.hasValue(tag, m_view->nowMs())
+                                       ? valueText(each, m_book.state(tag).value)
+                                       : QStringLiteral("–"),
+                                   extentText(each, first), extentText(each, second),
+                                   differenceText(each, second.highest - first.highest)};
         for (int column = 0; column < legendColumns; ++column) {
             if (!m_legend->item(row, column))
                 m_legend->setItem(row, column, new QTableWidgetItem);

@@ -7,6 +7,7 @@
 
 #include "tools/fxview/widgets/trend_view.h"
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -35,6 +36,7 @@ signals:
 
 private:
     QLayout* topRow();
+    void addFirst();
     void addTyped();
     void removeChosen();
     void exportAs(const QString& form);
@@ -46,7 +48,7 @@ private:
     TrendView* m_view;
     QLineEdit* m_add;
     QComboBox* m_length;
-    QPushButton* m_stop;
+    QCheckBox* m_follow;
     QTableWidget* m_legend;
     QLabel* m_said;
 };
