@@ -81,6 +81,18 @@ TagService::TagService(const ConnectionSettings& settings, const QVector<Tag>& t
 
 RoundEnd TagService::run()
 {
+    try {
+        return poll();
+    } catch (const Failure& failure) {
+        m_polling = nullptr;
+        m_connection = nullptr;
+        refuseAll(failure.text());
+        throw;
+    }
+}
+
+RoundEnd TagService::poll()
+{
     Connection connection(m_settings);
     m_connection = &connection;
     ExchangeLoop& loop = connection.loop();
@@ -102,8 +114,9 @@ RoundEnd TagService::run()
 
 bool TagService::tick()
 {
+    const bool mustEnd = onTick();
     refuseJobs();
-    return onTick();
+    return mustEnd;
 }
 
 // Between two exchanges nothing is in flight: the time for a job.

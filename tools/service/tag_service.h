@@ -79,7 +79,8 @@ public:
     void write(const QString& id, int tag, const Assignment& assignment,
                qint64 withinMs = usualWaitMs);
 
-    // One of the two is called, once. A lost link is not waited for while it runs.
+    // One of the two is called, once, also if run() throws. A lost link is not waited for while it
+    // runs.
     struct Job
     {
         std::function<void(Connection&)> run;
@@ -107,6 +108,7 @@ private:
         qint64 sinceUs;
     };
 
+    RoundEnd poll();
     bool tick();
     void pause(qint64 timeMs);
     void refuseJobs();
