@@ -18,6 +18,7 @@ constexpr int forEverS = std::numeric_limits<int>::max();
 constexpr int badUntilDown = 3;  // attempts in a row that the PLC did not answer
 constexpr int mostWaitingJobs = 64;
 constexpr qint64 tickEveryMs = 100;
+constexpr qint64 retryEveryMs = 1000;  // a PLC that is down, also where nothing is due for long
 
 WantedPeriods wantedOf(const QVector<Tag>& tags)
 {
@@ -131,6 +132,11 @@ void TagService::pause(qint64 timeMs)
         now());
     m_tags.setPeriods(m_polling->load());
     onPause();
+    const bool isDown = m_link == LinkState::Down;
+    if (std::exchange(m_mustReadAll, isDown)) {
+        m_polling->poller().readEverythingAgain();
+        timeMs = isDown ? std::min(timeMs, retryEveryMs) : 0;
+    }
     while (!tick()) {
         if (!m_jobs.isEmpty())
             runJob(m_jobs.dequeue().job);
@@ -187,7 +193,7 @@ void TagService::runJob(const Job& job)
     m_connection->loop().forgetEverything();  // a job that was cancelled may have left a frame
     job.run(*m_connection);
     m_isBusy = false;
-    m_mustLookAgain = m_link == LinkState::Down;
+    m_mustLookAgain = std::exchange(m_mustReadAll, false);
     if (m_mustLookAgain)
         m_polling->poller().readEverythingAgain();
     else
@@ -246,8 +252,10 @@ void TagService::setLink(LinkState link, const QString& reason)
 {
     if (link == m_link && (reason == m_reason || link == LinkState::Down))
         return;
-    if (link == LinkState::Down)
+    if (link == LinkState::Down) {
         m_tags.noteDown(reason, now());
+        m_mustReadAll = true;
+    }
     m_link = link;
     m_reason = reason;
     onLinkChanged();

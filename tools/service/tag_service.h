@@ -131,6 +131,7 @@ private:
     int m_badInARow = 0;
     QQueue<WaitingJob> m_jobs;
     bool m_isBusy = false;
+    bool m_mustReadAll = false;    // nothing that was read before counts any more
     bool m_mustLookAgain = false;  // a job has lost the PLC: is it back?
     qint64 m_cycleBeganUs = 0;
     qint64 m_cycleUs = 0;

@@ -56,8 +56,16 @@ protected:
                 [this](const QString& reason) { m_answers += reason; }};
     }
 
+    static TagService::Job reading()
+    {
+        return {
+            [](Connection& connection) { readBack(connection.loop(), tool_tests::range("D0")); },
+            [](const QString&) {}};
+    }
+
     bool isUp() const { return m_service.link() == LinkState::Up; }
     bool isDown() const { return m_service.link() == LinkState::Down; }
+    Quality quality(int tag) { return m_service.tags().stateOf(tag, m_service.now()).quality; }
 
     static constexpr const char* hourly = "slow,D0,3600000\n";
     static constexpr qint64 longestMs = 60000;
@@ -115,4 +123,28 @@ TEST_F(FastAndSlow, RunsNoJobWhileThePlcIsSilent)
     });
     EXPECT_TRUE(m_answers.contains("not sent: no reply"));
     EXPECT_FALSE(m_answers.contains("run"));
+}
+
+TEST_F(TagServiceTest, LooksForASilentPlcAlsoWhereNothingIsDueForAnHour)
+{
+    runUntil([this] {
+        if (isUp() && m_links.size() == 1)
+            command("faults silence=1");
+        if (m_links.size() == 1)
+            m_service.perform(reading());
+        if (isDown())
+            command("faults none");
+        return m_links.size() >= 3 && quality(0) == Quality::Good;
+    });
+}
+
+TEST_F(FastAndSlow, ReadsEverythingWhenThePlcIsBack)
+{
+    runUntil([this] {
+        if (m_links.size() == 1 && quality(0) == Quality::Good)
+            command("faults silence=1");
+        if (isDown())
+            command("faults none");
+        return m_links.size() >= 3 && quality(0) == Quality::Good;
+    });
 }
