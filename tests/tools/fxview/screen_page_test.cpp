@@ -554,6 +554,19 @@ TEST_F(ScreenPageInWindow, HasNamesAndStatesOnEverythingForScreenReaders)
     EXPECT_EQ(find<QLineEdit>("New value: Temperature")->accessibleDescription(), "71.5 °C");
 }
 
+TEST_F(ScreenPageInWindow, HasCellsOfOneSize)
+{
+    inner->setCurrentIndex(1);
+    for (const int height : {600, 300, 1080}) {
+        window.resize(800, height);
+        QApplication::processEvents();
+        const int row = view("Dial")->y() - view("Bar")->y();
+        EXPECT_EQ(view("Curve")->y() - view("Dial")->y(), 3 * row);
+        EXPECT_EQ(view("Dial")->height() - view("Bar")->height(), 2 * row);
+        EXPECT_GE(view("Bar")->height(), view("Bar")->minimumSizeHint().height());
+    }
+}
+
 TEST_F(ScreenPageInWindow, GrowsWithTheFont)
 {
     const int before = view("Oven")->minimumSizeHint().height();

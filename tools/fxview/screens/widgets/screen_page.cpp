@@ -4,9 +4,9 @@
 #include "tools/fxview/screens/widgets/screen_page.h"
 
 #include "tools/fxview/screens/widgets/element_controls.h"
+#include "tools/fxview/screens/widgets/element_grid.h"
 #include "tools/fxview/widgets/write_bar.h"
 
-#include <QGridLayout>
 #include <QScrollArea>
 #include <QTabBar>
 #include <QVBoxLayout>
@@ -114,17 +114,10 @@ void ScreenPage::fill(int number)
         return;
     if (!scroll->widget()) {
         const GridPage& page = m_screen.pages[number];
-        auto* grid = new QWidget;
-        auto* cells = new QGridLayout(grid);
-        cells->setSpacing(4);
-        for (int row = 0; row < page.rows; ++row)
-            cells->setRowStretch(row, 1);
-        for (int column = 0; column < page.columns; ++column)
-            cells->setColumnStretch(column, 1);
+        auto* grid = new ElementGrid(page.columns, page.rows);
         for (const Element& element : page.elements) {
             ElementView* view = makeElementView(element, m_book, m_writes, grid);
-            cells->addWidget(view, element.row - 1, element.column - 1, element.height,
-                             element.width);
+            grid->add(view);
             m_views[number].append(view);
         }
         scroll->setWidget(grid);
