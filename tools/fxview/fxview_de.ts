@@ -127,6 +127,10 @@
         <source>writing…</source>
         <translation>schreibt …</translation>
     </message>
+    <message>
+        <source>STILL ON?</source>
+        <translation>NOCH EIN?</translation>
+    </message>
 </context>
 <context>
     <name>fxview::FaultPanel</name>

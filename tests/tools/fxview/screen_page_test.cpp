@@ -554,6 +554,47 @@ TEST_F(ScreenPageInWindow, HasNamesAndStatesOnEverythingForScreenReaders)
     EXPECT_EQ(find<QLineEdit>("New value: Temperature")->accessibleDescription(), "71.5 °C");
 }
 
+// "RELEASE not confirmed" in the smallest place, where the label makes room for it.
+TEST_F(ScreenPageInWindow, NeverCutsAWordThatMustBeKnown)
+{
+    emit plc.readings({good(0, 250), good(1, 1)});
+    press();
+    emit plc.linkChanged(false, "no answer");
+    for (const double scale : {1.0, 2.5}) {
+        QFont font;
+        font.setPointSizeF(font.pointSizeF() * scale);
+        for (const char* const label : {"Jog", "Motor", "Temperature", "Oven"}) {
+            view(label)->setFont(font);
+            view(label)->resize(view(label)->minimumSizeHint());
+            const QString lines = view(label)->shownLines().join(' ');
+            EXPECT_TRUE(lines.startsWith("STILL ON?") || lines.startsWith("ALARM high"))
+                << lines.toStdString();
+            EXPECT_LE(view(label)->shownLines().size(), 2);
+            for (const QString& line : view(label)->shownLines())
+                EXPECT_LE(QFontMetrics(font).horizontalAdvance(line),
+                          view(label)->width() - QFontMetrics(font).height());
+        }
+        EXPECT_FALSE(view("Oven")->showsLabelAbove());
+    }
+    view("Jog")->setFont(QFont());
+    view("Jog")->resize(1000, 100);
+    EXPECT_EQ(view("Jog")->shownLines(), QStringList("on, RELEASE not confirmed"));
+    view("Oven")->resize(1000, 200);
+    EXPECT_TRUE(view("Oven")->showsLabelAbove());
+}
+
+TEST_F(ScreenPageInWindow, LeavesOutTheReasonWhereItHasNoRoom)
+{
+    emit plc.readings({bad(0, "the cable of this machine is broken somewhere")});
+    passMs(0);
+    view("Oven")->resize(view("Oven")->minimumSizeHint());
+    EXPECT_EQ(view("Oven")->shownLines(), QStringList("bad"));
+    EXPECT_TRUE(view("Oven")->toolTip().endsWith("bad: the cable of this machine is broken "
+                                                 "somewhere"));
+    view("Oven")->resize(300, 100);
+    EXPECT_EQ(view("Oven")->shownLines().join(' '), view("Oven")->stateText());
+}
+
 TEST_F(ScreenPageInWindow, HasCellsOfOneSize)
 {
     inner->setCurrentIndex(1);

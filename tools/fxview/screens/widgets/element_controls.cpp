@@ -44,12 +44,6 @@ void PushButtonView::showMoment(qint64 nowMs)
     announce(*m_button);
 }
 
-QString PushButtonView::stateLine() const
-{
-    const QString state = stateText();
-    return state.isEmpty() ? faceText(face()) : faceText(face()) + ", " + state;
-}
-
 void PushButtonView::place(const QRect& middle)
 {
     m_button->setGeometry(middle);
@@ -141,7 +135,7 @@ NumericEntryView::NumericEntryView(const Element& element, const ValueBook& book
     m_field->setMaxLength(200);
     m_field->installEventFilter(this);
     connect(m_field, &QLineEdit::returnPressed, this, &NumericEntryView::write);
-    connect(m_field, &QLineEdit::textEdited, this, [this] { update(); });
+    connect(m_field, &QLineEdit::textEdited, this, [this] { refresh(); });
 }
 
 void NumericEntryView::showMoment(qint64 nowMs)
@@ -178,7 +172,7 @@ bool NumericEntryView::eventFilter(QObject* watched, QEvent* event)
     const bool isKey = event->type() == QEvent::KeyPress;
     if (isKey && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
         m_field->clear();
-        update();
+        refresh();
         return true;
     }
     return ElementView::eventFilter(watched, event);

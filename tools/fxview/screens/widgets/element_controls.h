@@ -25,7 +25,7 @@ public:
 
 protected:
     void place(const QRect& middle) override;
-    QString stateLine() const override;
+    QString stateWord() const override { return faceText(face()); }
     bool hasLabelAbove() const override { return false; }
 
 private:

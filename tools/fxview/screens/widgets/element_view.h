@@ -3,6 +3,7 @@
 //
 // One element on a screen: its label, its face, and below it in words and with a sign what must be
 // known of it: a quality that is not good, a write under way or one that was not done, an alarm.
+// These words are never cut: they take several lines, and the place of the label.
 
 #pragma once
 
@@ -26,6 +27,8 @@ public:
     const Element& element() const { return m_element; }
     virtual void showMoment(qint64 nowMs);
     QString stateText() const;  // "stale: no newer reading"; empty: nothing to say
+    const QStringList& shownLines() const { return m_lines; }  // of it
+    bool showsLabelAbove() const;
     QSize minimumSizeHint() const override;
 
     virtual void noteResult(const WriteResult& result);
@@ -34,10 +37,11 @@ protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
-    virtual void place(const QRect& middle);     // between label and state
-    virtual QString hint() const { return {}; }  // if there is no more to say
-    virtual QString stateLine() const { return stateText(); }
+    virtual void place(const QRect& middle);          // between label and state
+    virtual QString hint() const { return {}; }       // if there is no more to say
+    virtual QString stateWord() const { return {}; }  // of the value, where the face has none
     virtual bool hasLabelAbove() const { return true; }
+    void refresh();
     void announce(QWidget& control);  // its name and its value, for screen readers
 
     Face face() const { return faceOf(m_element, m_book, m_nowMs); }
@@ -48,14 +52,26 @@ protected:
     QRect m_faceArea;
 
 private:
-    QRect middle() const;
+    struct State
+    {
+        QStringList words;  // the gravest first
+        QString reason;
+    };
+
+    State state() const;
+    QStringList stateLines() const;
     Sign stateSign() const;
+    bool isOverdue() const { return m_writes.overdue().contains(m_element.tag); }
+    QStringList gravestTexts() const;
+    int linesHigh(int lines) const { return lines * fontMetrics().height(); }
+    QRect middle() const;
 
     const Element m_element;
     const ValueBook& m_book;
     ScreenWrites& m_writes;
     qint64 m_nowMs = 0;
     QString m_lastResult;  // that was not Done
+    QStringList m_lines;   // of the state
 };
 
 }  // namespace fxview
