@@ -6,6 +6,7 @@
 #include "tests/tools/fxview/window_support.h"
 
 #include <QClipboard>
+#include <QHeaderView>
 
 using namespace fxview;
 using namespace view_tests;
@@ -100,6 +101,41 @@ TEST_F(ValuesPageInWindow, AsksNothingThatIsBeyondTheLimits)
     field->clear();
     type("0");
     EXPECT_TRUE(button("Write…")->isEnabled());
+}
+
+TEST_F(ValuesPageInWindow, SaysHowLongATextMayBe)
+{
+    emit plc.readings({good(3, "")});
+    window.showMoment();
+    choose(3);
+    EXPECT_EQ(said(), "recipe.name is \"\" | up to 8 characters");
+    type("WHEAT 123");
+    EXPECT_EQ(said(), "recipe.name is \"\" | up to 8 characters – 9 characters are too many");
+    EXPECT_FALSE(button("Write…")->isEnabled());
+    QTest::keyClick(field, Qt::Key_Backspace);
+    QTest::keyClick(field, Qt::Key_Return);
+    EXPECT_NE(said().find("now \"\", new WHEAT 12?"), std::string::npos) << said();
+    button("Yes, write")->click();
+    emit plc.written({1, 3, WriteResult::Outcome::Done, "", "WHEAT 12", {}});
+    EXPECT_NE(said().find("was \"\", is now WHEAT 12"), std::string::npos) << said();
+}
+
+TEST_F(ValuesPageInWindow, ShowsDescriptionsAndHidesAColumn)
+{
+    EXPECT_EQ(table->model()->index(0, ValueTable::Description).data(), "Temperature of the oven");
+    EXPECT_FALSE(table->isColumnHidden(ValueTable::Description));
+    const QList<QAction*> columns = table->horizontalHeader()->actions();
+    EXPECT_EQ(columns.first()->text(), "Value");
+    columns.last()->trigger();
+    EXPECT_TRUE(table->isColumnHidden(ValueTable::Description));
+    table->sortByColumn(ValueTable::Description, Qt::DescendingOrder);
+    EXPECT_EQ(table->model()->index(0, 0).data(), "oven.temp");
+    EXPECT_EQ(table->model()->index(1, 0).data(), "door");
+    FakePlc other(someTags().mid(4));
+    const MainWindow withoutDescriptions(other, [] { return view_tests::nowMs; });
+    EXPECT_TRUE(
+        withoutDescriptions.findChild<ValuesPage*>()->findChild<QTableView*>()->isColumnHidden(
+            ValueTable::Description));
 }
 
 TEST_F(ValuesPageInWindow, SwitchesBitsAndLeavesWhatIsReadOnly)

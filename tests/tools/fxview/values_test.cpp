@@ -188,9 +188,9 @@ TEST_F(Values, AreCopiedAsCsv)
     book.take(bad(Motor, "refused, as it says"));
     table.showMoment(nowMs);
     EXPECT_EQ(table.csv({Temp, Motor}).toStdString(),
-              "name,address,value,unit,state,read (UTC)\n"
-              "oven.temp,D100,71.5,°C,good,2023-11-14T22:13:20.000Z\n"
-              "motor.run,M0,,,\"bad: refused, as it says\",\n");
+              "name,address,value,unit,state,read (UTC),description\n"
+              "oven.temp,D100,71.5,°C,good,2023-11-14T22:13:20.000Z,Temperature of the oven\n"
+              "motor.run,M0,,,\"bad: refused, as it says\",,\n");
 }
 
 TEST_F(Values, HaveAHistoryOfNumbersOnly)

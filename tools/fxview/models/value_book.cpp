@@ -137,6 +137,8 @@ QString valueText(const fxtools::Tag& tag, const QJsonValue& value)
 QString valueWithUnit(const fxtools::Tag& tag, const QJsonValue& value)
 {
     const QString text = valueText(tag, value);
+    if (text.isEmpty())
+        return QStringLiteral("\"\"");
     return tag.unit.isEmpty() || value.isNull() ? text : text + ' ' + tag.unit;
 }
 

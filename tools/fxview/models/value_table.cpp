@@ -96,8 +96,10 @@ QVariant ValueTable::headerData(int section, Qt::Orientation orientation, int ro
         return tr("Age");
     case State:
         return tr("State");
-    default:
+    case Address:
         return tr("Address");
+    default:
+        return tr("Description");
     }
 }
 
@@ -138,8 +140,10 @@ QString ValueTable::text(int tag, int column) const
         return ageText(m_book.ageMs(tag, m_nowMs));
     case State:
         return stateText(tag);
-    default:
+    case Address:
         return m_book.tag(tag).asked.text();
+    default:
+        return m_book.tag(tag).description;
     }
 }
 
@@ -196,7 +200,7 @@ void ValueTable::sort(int column, Qt::SortOrder order)
 // As people sort names: pump2 before pump10.
 const QVector<int>& ValueTable::places(int column)
 {
-    QVector<int>& places = column == Name ? m_namePlaces : m_addressPlaces;
+    QVector<int>& places = m_places[static_cast<size_t>(column)];
     if (!places.isEmpty())
         return places;
     QCollator collator(QLocale{QLocale::English});  // the plain locale counts no numbers
@@ -227,7 +231,7 @@ void ValueTable::order()
         std::sort(m_rows.begin(), m_rows.end());
         return;
     }
-    const bool isText = m_sortColumn == Name || m_sortColumn == Address;
+    const bool isText = m_sortColumn == Name || m_sortColumn > State;
     std::vector<SortKey> keys;
     keys.reserve(static_cast<size_t>(m_rows.size()));
     for (const int tag : qAsConst(m_rows))
@@ -274,7 +278,7 @@ void ValueTable::showMoment(qint64 nowMs)
 QString ValueTable::csv(const QVector<int>& rows) const
 {
     QString csv = fxtools::csvLine({tr("name"), tr("address"), tr("value"), tr("unit"), tr("state"),
-                                    tr("read (UTC)")}) +
+                                    tr("read (UTC)"), tr("description")}) +
                   '\n';
     for (const int row : rows) {
         const int tag = m_rows[row];
@@ -286,7 +290,8 @@ QString ValueTable::csv(const QVector<int>& rows) const
                     each.unit, stateText(tag),
                     state.readMs == 0 ? QString()
                                       : QDateTime::fromMSecsSinceEpoch(state.readMs, Qt::UTC)
-                                            .toString(Qt::ISODateWithMs)}) +
+                                            .toString(Qt::ISODateWithMs),
+                    each.description}) +
                '\n';
     }
     return csv;

@@ -10,6 +10,8 @@
 
 #include <QAbstractTableModel>
 
+#include <array>
+
 namespace fxview {
 
 class ValueTable : public QAbstractTableModel
@@ -25,6 +27,7 @@ public:
         Age,
         State,
         Address,
+        Description,
         columns
     };
     enum Role
@@ -69,7 +72,7 @@ private:
 
     const ValueBook& m_book;
     QVector<QString> m_searched;                 // of each tag
-    QVector<int> m_namePlaces, m_addressPlaces;  // of each tag, once they were asked for
+    std::array<QVector<int>, columns> m_places;  // of each tag, once they were asked for
     QVector<QString> m_words;
     QVector<int> m_rows;
     int m_sortColumn = -1;

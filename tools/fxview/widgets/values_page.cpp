@@ -33,6 +33,7 @@ ValuesPage::ValuesPage(const ValueBook& book, QWidget* parent)
     rows->addWidget(m_view, 1);
     rows->addWidget(m_writeBar);
     setUpTable();
+    letColumnsBeHidden();
     addActions();
     filter({});
 }
@@ -55,7 +56,7 @@ void ValuesPage::setUpTable()
     header.setHighlightSections(false);
     m_view->setSortingEnabled(true);
     const int letter = fontMetrics().averageCharWidth();
-    const std::array<int, ValueTable::columns> letters = {22, 18, 18, 9, 34, 10};
+    const std::array<int, ValueTable::columns> letters = {22, 18, 16, 8, 24, 10, 24};
     for (int column = 0; column < ValueTable::columns; ++column)
         header.resizeSection(column, letters[static_cast<size_t>(column)] * letter);
     header.setSectionResizeMode(ValueTable::State, QHeaderView::Stretch);
@@ -65,6 +66,27 @@ void ValuesPage::setUpTable()
                     m_writeBar->choose(m_table->tagAt(index.row()));
             });
     connect(m_writeBar, &WriteBar::left, m_view, [this] { m_view->setFocus(); });
+}
+
+// By a menu on the headings. Without a description there is nothing to see of them.
+void ValuesPage::letColumnsBeHidden()
+{
+    QHeaderView& header = *m_view->horizontalHeader();
+    header.setContextMenuPolicy(Qt::ActionsContextMenu);
+    for (int column = ValueTable::Value; column < ValueTable::columns; ++column) {
+        auto* action = new QAction(
+            m_table->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString(), &header);
+        action->setCheckable(true);
+        action->setChecked(true);
+        connect(action, &QAction::toggled, &header,
+                [&header, column](bool isShown) { header.setSectionHidden(column, !isShown); });
+        header.addAction(action);
+    }
+    const ValueBook& book = m_table->book();
+    bool isDescribed = false;
+    for (int tag = 0; tag < book.size(); ++tag)
+        isDescribed = isDescribed || !book.tag(tag).description.isEmpty();
+    header.actions().last()->setChecked(isDescribed);
 }
 
 void ValuesPage::addActions()

@@ -29,6 +29,7 @@ signals:
 private:
     void setUpTable();
     void addActions();
+    void letColumnsBeHidden();
     void filter(const QString& words);
     void copy() const;
     int currentTag() const;

@@ -18,6 +18,11 @@ QString limitText(const fxtools::Tag& tag, double limit)
     return valueWithUnit(tag, QJsonValue(limit).toVariant().toString());
 }
 
+int mostCharacters(const fxtools::Tag& tag)
+{
+    return tag.asked.range.type.valueBytes() * tag.asked.range.count;
+}
+
 // The Enter that asks in the field must not, passed on or held down, be the answer too.
 void clickByEnter(QPushButton* button)
 {
@@ -64,6 +69,8 @@ QString limitsText(const fxtools::Tag& tag)
 {
     if (isReadOnly(tag))
         return WriteBar::tr("read-only");
+    if (tag.style.format == fxtools::ValueFormat::Text)
+        return WriteBar::tr("up to %1 characters").arg(mostCharacters(tag));
     if (!tag.isNumber())
         return {};
     if (tag.min && tag.max)
@@ -78,6 +85,8 @@ QString limitsText(const fxtools::Tag& tag)
 
 QString limitObjection(const fxtools::Tag& tag, const QString& text)
 {
+    if (tag.style.format == fxtools::ValueFormat::Text && text.size() > mostCharacters(tag))
+        return WriteBar::tr("%1 characters are too many").arg(text.size());
     bool isNumber = false;
     const double value = text.toDouble(&isNumber);
     if (!tag.isNumber() || !isNumber)
@@ -237,7 +246,7 @@ void WriteBar::showStep()
     m_yes->setEnabled(objection.isEmpty());
     m_yes->setVisible(m_step == Step::Asking);
     m_no->setVisible(!isEditing);
-    m_no->setText(m_step == Step::Waiting ? tr("Do not &wait") : tr("&No"));
+    m_no->setText(m_step == Step::Waiting ? tr("Do not wa&it") : tr("N&o"));
     m_limits->setText(!hasTag               ? QString()
                       : objection.isEmpty() ? limitsText(m_book.tag(m_tag))
                                             : limitsText(m_book.tag(m_tag)) + " – " + objection);
