@@ -5,11 +5,18 @@
 
 #include "tools/quoted.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 
 namespace fxtools {
 
 namespace {
+
+struct Diagnosis
+{
+    Q_DECLARE_TR_FUNCTIONS(fxtools::Diagnosis)
+};
 
 bool plcIsThere(ReplyVerdict verdict)
 {
@@ -19,17 +26,17 @@ bool plcIsThere(ReplyVerdict verdict)
 QString silenceAdvice(const Finding& finding)
 {
     if (finding.check.answersEnquiry)
-        return QStringLiteral("The PLC answers ENQ but no request. Is another program using this "
-                              "port? Is it an FX programming port?");
-    return QStringLiteral("No reply at all. Is the PLC on? Is the cable in the programming port? "
-                          "Are the send and receive lines swapped?");
+        return Diagnosis::tr("The PLC answers ENQ but no request. Is another program using this "
+                             "port? Is it an FX programming port?");
+    return Diagnosis::tr("No reply at all. Is the PLC on? Is the cable in the programming port? "
+                         "Are the send and receive lines swapped?");
 }
 
 QString babbleAdvice(const LineCheck& check)
 {
-    return "Something on this line sends by itself: " +
-           quoted(QString::fromLatin1(check.unasked).simplified()) +
-           ". Is it a scale or a code reader? Is it the right port?";
+    return Diagnosis::tr("Something on this line sends by itself: %1. Is it a scale or a code "
+                         "reader? Is it the right port?")
+        .arg(quoted(QString::fromLatin1(check.unasked).simplified()));
 }
 
 QString advice(ReplyVerdict verdict, const Finding& finding)
@@ -38,35 +45,35 @@ QString advice(ReplyVerdict verdict, const Finding& finding)
     case ReplyVerdict::Good:
         return {};
     case ReplyVerdict::Refused:
-        return QStringLiteral("The PLC answers, but refuses the request (NAK). Line settings and "
-                              "wiring are correct. Try to read another register.");
+        return Diagnosis::tr("The PLC answers, but refuses the request (NAK). Line settings and "
+                             "wiring are correct. Try to read another register.");
     case ReplyVerdict::Silence:
         return silenceAdvice(finding);
     case ReplyVerdict::LinkLost:
-        return QStringLiteral("The link was lost. Was the adapter unplugged, or did the server "
-                              "close the connection?");
+        return Diagnosis::tr("The link was lost. Was the adapter unplugged, or did the server "
+                             "close the connection?");
     case ReplyVerdict::Interrupted:
-        return QStringLiteral("Interrupted before there was a result.");
+        return Diagnosis::tr("Interrupted before there was a result.");
     case ReplyVerdict::Late:
-        return QStringLiteral("The replies are right but late. Set a longer --timeout, or leave "
-                              "it out: then it adapts.");
+        return Diagnosis::tr("The replies are right but late. Set a longer --timeout, or leave "
+                             "it out: then it adapts.");
     case ReplyVerdict::HighBits:
-        return QStringLiteral("Received characters have bit 7 set: the data bits or the parity "
-                              "of the two ends differ. FX ports use 7E1.");
+        return Diagnosis::tr("Received characters have bit 7 set: the data bits or the parity "
+                             "of the two ends differ. FX ports use 7E1.");
     case ReplyVerdict::Echo:
-        return QStringLiteral("The request comes back. Either the adapter echoes, or its send and "
-                              "receive lines are connected.");
+        return Diagnosis::tr("The request comes back. Either the adapter echoes, or its send and "
+                             "receive lines are connected.");
     case ReplyVerdict::Surrounded:
-        return QStringLiteral("The right reply comes with extra characters. Check the converter "
-                              "on this line; --tolerant accepts such replies.");
+        return Diagnosis::tr("The right reply comes with extra characters. Check the converter "
+                             "on this line; --tolerant accepts such replies.");
     case ReplyVerdict::Babble:
         return babbleAdvice(finding.check);
     case ReplyVerdict::Incomplete:
     case ReplyVerdict::TooLong:
     case ReplyVerdict::NotAFrame:
     case ReplyVerdict::WrongSum:
-        return QStringLiteral("Replies are damaged. Check the baud rate, the parity and the "
-                              "cable, and look for electrical interference.");
+        return Diagnosis::tr("Replies are damaged. Check the baud rate, the parity and the "
+                             "cable, and look for electrical interference.");
     }
     return {};
 }
@@ -79,15 +86,14 @@ QStringList troubles(const Finding& finding)
     if (finding.needsTolerance)
         troubles += advice(ReplyVerdict::Surrounded, finding);
     if (check.worst() != ReplyVerdict::Good) {
-        troubles +=
-            QStringLiteral("Only %1 % of %2 exchanges were good; the most frequent error is "
-                           "'%3'. %4")
-                .arg(check.goodPercent())
-                .arg(check.measured())
-                .arg(verdictText(check.worst()), advice(check.worst(), finding));
+        troubles += Diagnosis::tr("Only %1 % of %2 exchanges were good; the most frequent error is "
+                                  "'%3'. %4")
+                        .arg(check.goodPercent())
+                        .arg(check.measured())
+                        .arg(verdictText(check.worst()), advice(check.worst(), finding));
     }
     if (check.blocksFail()) {
-        troubles += QStringLiteral("Blocks of %1 bytes fail (%2): use at most %3 words in a frame.")
+        troubles += Diagnosis::tr("Blocks of %1 bytes fail (%2): use at most %3 words in a frame.")
                         .arg(check.blocks.last().byteCount)
                         .arg(verdictText(check.blocks.last().verdict))
                         .arg(check.words());
@@ -156,11 +162,12 @@ QString meaning(const Finding& finding)
     if (check.verdict != ReplyVerdict::Good)
         return advice(check.verdict, finding);
     if (check.wentSilent)
-        return "The PLC answered (" + finding.setting +
-               "), then no more. Was it switched off, or is a plug loose?";
+        return Diagnosis::tr("The PLC answered (%1), then no more. Was it switched off, or is a "
+                             "plug loose?")
+            .arg(finding.setting);
     const QStringList wrong = troubles(finding);
-    return "The PLC answers (" + finding.setting + "). " +
-           (wrong.isEmpty() ? QStringLiteral("All is well.") : wrong.join(' '));
+    return Diagnosis::tr("The PLC answers (%1). %2")
+        .arg(finding.setting, wrong.isEmpty() ? Diagnosis::tr("All is well.") : wrong.join(' '));
 }
 
 LineCheck checkOf(const Statistics& statistics, bool isDown)

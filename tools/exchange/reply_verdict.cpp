@@ -3,6 +3,8 @@
 
 #include "tools/exchange/reply_verdict.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <iterator>
 
@@ -21,20 +23,30 @@ struct VerdictRow
 };
 
 constexpr VerdictRow verdictRows[] = {
-    {ReplyVerdict::Good, "good", "good"},
-    {ReplyVerdict::Silence, "silence", "no reply"},
-    {ReplyVerdict::Refused, "refused", "refused by the PLC (NAK)"},
-    {ReplyVerdict::Incomplete, "incomplete", "incomplete reply"},
-    {ReplyVerdict::TooLong, "too-long", "reply too long"},
-    {ReplyVerdict::HighBits, "high-bits", "bit 7 set: check data bits and parity"},
-    {ReplyVerdict::Echo, "echo", "echo of the request"},
-    {ReplyVerdict::NotAFrame, "not-a-frame", "not a frame"},
-    {ReplyVerdict::Surrounded, "surrounded", "right reply among extra characters"},
-    {ReplyVerdict::Babble, "babble", "something on this line sends by itself"},
-    {ReplyVerdict::WrongSum, "wrong-sum", "damaged: wrong checksum"},
-    {ReplyVerdict::Late, "late", "late reply"},
-    {ReplyVerdict::LinkLost, "link-lost", "the link was lost"},
-    {ReplyVerdict::Interrupted, "interrupted", "interrupted"},
+    {ReplyVerdict::Good, "good", QT_TRANSLATE_NOOP("fxtools::ReplyVerdict", "good")},
+    {ReplyVerdict::Silence, "silence", QT_TRANSLATE_NOOP("fxtools::ReplyVerdict", "no reply")},
+    {ReplyVerdict::Refused, "refused",
+     QT_TRANSLATE_NOOP("fxtools::ReplyVerdict", "refused by the PLC (NAK)")},
+    {ReplyVerdict::Incomplete, "incomplete",
+     QT_TRANSLATE_NOOP("fxtools::ReplyVerdict", "incomplete reply")},
+    {ReplyVerdict::TooLong, "too-long",
+     QT_TRANSLATE_NOOP("fxtools::ReplyVerdict", "reply too long")},
+    {ReplyVerdict::HighBits, "high-bits",
+     QT_TRANSLATE_NOOP("fxtools::ReplyVerdict", "bit 7 set: check data bits and parity")},
+    {ReplyVerdict::Echo, "echo", QT_TRANSLATE_NOOP("fxtools::ReplyVerdict", "echo of the request")},
+    {ReplyVerdict::NotAFrame, "not-a-frame",
+     QT_TRANSLATE_NOOP("fxtools::ReplyVerdict", "not a frame")},
+    {ReplyVerdict::Surrounded, "surrounded",
+     QT_TRANSLATE_NOOP("fxtools::ReplyVerdict", "right reply among extra characters")},
+    {ReplyVerdict::Babble, "babble",
+     QT_TRANSLATE_NOOP("fxtools::ReplyVerdict", "something on this line sends by itself")},
+    {ReplyVerdict::WrongSum, "wrong-sum",
+     QT_TRANSLATE_NOOP("fxtools::ReplyVerdict", "damaged: wrong checksum")},
+    {ReplyVerdict::Late, "late", QT_TRANSLATE_NOOP("fxtools::ReplyVerdict", "late reply")},
+    {ReplyVerdict::LinkLost, "link-lost",
+     QT_TRANSLATE_NOOP("fxtools::ReplyVerdict", "the link was lost")},
+    {ReplyVerdict::Interrupted, "interrupted",
+     QT_TRANSLATE_NOOP("fxtools::ReplyVerdict", "interrupted")},
 };
 
 const VerdictRow& rowOf(ReplyVerdict verdict)
@@ -127,7 +139,7 @@ const QVector<ReplyVerdict>& allVerdicts()
 
 QString verdictText(ReplyVerdict verdict)
 {
-    return QString::fromLatin1(rowOf(verdict).text);
+    return QCoreApplication::translate("fxtools::ReplyVerdict", rowOf(verdict).text);
 }
 
 QString verdictName(ReplyVerdict verdict)

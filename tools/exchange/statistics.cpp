@@ -3,6 +3,8 @@
 
 #include "tools/exchange/statistics.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <cmath>
 
@@ -20,15 +22,15 @@ QString kindText(ExchangeKind kind)
 {
     switch (kind) {
     case ExchangeKind::Write:
-        return "write";
+        return QCoreApplication::translate("fxtools::ExchangeKind", "write");
     case ExchangeKind::ConditionalRead:
-        return "one-off read";
+        return QCoreApplication::translate("fxtools::ExchangeKind", "one-off read");
     case ExchangeKind::CyclicRead:
-        return "cyclic read";
+        return QCoreApplication::translate("fxtools::ExchangeKind", "cyclic read");
     case ExchangeKind::RecipeDownload:
-        return "recipe download";
+        return QCoreApplication::translate("fxtools::ExchangeKind", "recipe download");
     case ExchangeKind::RecipeUpload:
-        return "recipe upload";
+        return QCoreApplication::translate("fxtools::ExchangeKind", "recipe upload");
     }
     return {};
 }

@@ -2,6 +2,155 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de" sourcelanguage="en">
 <context>
+    <name>fxtools::Diagnosis</name>
+    <message>
+        <source>The PLC answers ENQ but no request. Is another program using this port? Is it an FX programming port?</source>
+        <translation>Die SPS antwortet auf ENQ, aber auf keine Anfrage. Benutzt ein anderes Programm diese Schnittstelle? Ist es die Programmierschnittstelle einer FX?</translation>
+    </message>
+    <message>
+        <source>No reply at all. Is the PLC on? Is the cable in the programming port? Are the send and receive lines swapped?</source>
+        <translation>Gar keine Antwort. Ist die SPS eingeschaltet? Steckt das Kabel in der Programmierschnittstelle? Sind Sende- und Empfangsleitung vertauscht?</translation>
+    </message>
+    <message>
+        <source>Something on this line sends by itself: %1. Is it a scale or a code reader? Is it the right port?</source>
+        <translation>Etwas an dieser Leitung sendet von sich aus: %1. Ist es eine Waage oder ein Codeleser? Ist es die richtige Schnittstelle?</translation>
+    </message>
+    <message>
+        <source>The PLC answers, but refuses the request (NAK). Line settings and wiring are correct. Try to read another register.</source>
+        <translation>Die SPS antwortet, lehnt die Anfrage aber ab (NAK). Einstellungen und Verdrahtung der Leitung stimmen. Ein anderes Register lesen.</translation>
+    </message>
+    <message>
+        <source>The link was lost. Was the adapter unplugged, or did the server close the connection?</source>
+        <translation>Die Verbindung ging verloren. Wurde der Adapter abgezogen, oder hat der Server die Verbindung geschlossen?</translation>
+    </message>
+    <message>
+        <source>Interrupted before there was a result.</source>
+        <translation>Abgebrochen, bevor es ein Ergebnis gab.</translation>
+    </message>
+    <message>
+        <source>The replies are right but late. Set a longer --timeout, or leave it out: then it adapts.</source>
+        <translation>Die Antworten sind richtig, kommen aber zu spät. Mit --timeout länger warten oder es weglassen: dann passt sich die Wartezeit an.</translation>
+    </message>
+    <message>
+        <source>Received characters have bit 7 set: the data bits or the parity of the two ends differ. FX ports use 7E1.</source>
+        <translation>In empfangenen Zeichen ist Bit 7 gesetzt: Datenbits oder Parität der beiden Enden sind verschieden. FX-Schnittstellen benutzen 7E1.</translation>
+    </message>
+    <message>
+        <source>The request comes back. Either the adapter echoes, or its send and receive lines are connected.</source>
+        <translation>Die Anfrage kommt zurück. Entweder gibt der Adapter ein Echo, oder seine Sende- und Empfangsleitung sind verbunden.</translation>
+    </message>
+    <message>
+        <source>The right reply comes with extra characters. Check the converter on this line; --tolerant accepts such replies.</source>
+        <translation>Die richtige Antwort kommt mit überzähligen Zeichen. Den Umsetzer an dieser Leitung prüfen; --tolerant nimmt solche Antworten an.</translation>
+    </message>
+    <message>
+        <source>Replies are damaged. Check the baud rate, the parity and the cable, and look for electrical interference.</source>
+        <translation>Antworten sind beschädigt. Baudrate, Parität und Kabel prüfen und nach elektrischen Störquellen suchen.</translation>
+    </message>
+    <message>
+        <source>Only %1 % of %2 exchanges were good; the most frequent error is &apos;%3&apos;. %4</source>
+        <translation>Nur %1 % von %2 Abfragen waren gut; der häufigste Fehler ist „%3“. %4</translation>
+    </message>
+    <message>
+        <source>Blocks of %1 bytes fail (%2): use at most %3 words in a frame.</source>
+        <translation>Blöcke von %1 Byte schlagen fehl (%2): höchstens %3 Wörter in einem Telegramm benutzen.</translation>
+    </message>
+    <message>
+        <source>The PLC answered (%1), then no more. Was it switched off, or is a plug loose?</source>
+        <translation>Die SPS hat geantwortet (%1), dann nicht mehr. Wurde sie ausgeschaltet, oder ist ein Stecker lose?</translation>
+    </message>
+    <message>
+        <source>The PLC answers (%1). %2</source>
+        <translation>Die SPS antwortet (%1). %2</translation>
+    </message>
+    <message>
+        <source>All is well.</source>
+        <translation>Alles ist in Ordnung.</translation>
+    </message>
+</context>
+<context>
+    <name>fxtools::ExchangeKind</name>
+    <message>
+        <source>write</source>
+        <translation>Schreiben</translation>
+    </message>
+    <message>
+        <source>one-off read</source>
+        <translation>einmaliges Lesen</translation>
+    </message>
+    <message>
+        <source>cyclic read</source>
+        <translation>zyklisches Lesen</translation>
+    </message>
+    <message>
+        <source>recipe download</source>
+        <translation>Rezept schreiben</translation>
+    </message>
+    <message>
+        <source>recipe upload</source>
+        <translation>Rezept lesen</translation>
+    </message>
+</context>
+<context>
+    <name>fxtools::ReplyVerdict</name>
+    <message>
+        <source>good</source>
+        <translation>gut</translation>
+    </message>
+    <message>
+        <source>no reply</source>
+        <translation>keine Antwort</translation>
+    </message>
+    <message>
+        <source>refused by the PLC (NAK)</source>
+        <translation>von der SPS abgelehnt (NAK)</translation>
+    </message>
+    <message>
+        <source>incomplete reply</source>
+        <translation>unvollständige Antwort</translation>
+    </message>
+    <message>
+        <source>reply too long</source>
+        <translation>zu lange Antwort</translation>
+    </message>
+    <message>
+        <source>bit 7 set: check data bits and parity</source>
+        <translation>Bit 7 gesetzt: Datenbits und Parität prüfen</translation>
+    </message>
+    <message>
+        <source>echo of the request</source>
+        <translation>Echo der Anfrage</translation>
+    </message>
+    <message>
+        <source>not a frame</source>
+        <translation>kein Telegramm</translation>
+    </message>
+    <message>
+        <source>right reply among extra characters</source>
+        <translation>richtige Antwort zwischen überzähligen Zeichen</translation>
+    </message>
+    <message>
+        <source>something on this line sends by itself</source>
+        <translation>etwas an dieser Leitung sendet von sich aus</translation>
+    </message>
+    <message>
+        <source>damaged: wrong checksum</source>
+        <translation>beschädigt: falsche Prüfsumme</translation>
+    </message>
+    <message>
+        <source>late reply</source>
+        <translation>verspätete Antwort</translation>
+    </message>
+    <message>
+        <source>the link was lost</source>
+        <translation>die Verbindung ging verloren</translation>
+    </message>
+    <message>
+        <source>interrupted</source>
+        <translation>abgebrochen</translation>
+    </message>
+</context>
+<context>
     <name>fxview::AlarmBook</name>
     <message>
         <source>raised</source>
@@ -46,11 +195,11 @@
         <translation>Was geschah, das Neueste zuerst:</translation>
     </message>
     <message>
-        <source>&amp;Acknowledge</source>
+        <source>Ac&amp;knowledge</source>
         <translation>&amp;Quittieren</translation>
     </message>
     <message>
-        <source>Acknowledge a&amp;ll</source>
+        <source>Acknowle&amp;dge all</source>
         <translation>Alle q&amp;uittieren</translation>
     </message>
 </context>
@@ -155,12 +304,12 @@
         <translation>400 ms zu spät</translation>
     </message>
     <message>
-        <source>No &amp;faults</source>
-        <translation>&amp;Keine Fehler</translation>
-    </message>
-    <message>
         <source>%1 %</source>
         <translation>%1 %</translation>
+    </message>
+    <message>
+        <source>&amp;No faults</source>
+        <translation>&amp;Keine Störungen</translation>
     </message>
 </context>
 <context>
@@ -193,10 +342,6 @@
         <translation>Programm</translation>
     </message>
     <message>
-        <source>&amp;Set</source>
-        <translation>&amp;Setzen</translation>
-    </message>
-    <message>
         <source>Inputs</source>
         <translation>Eingänge</translation>
     </message>
@@ -223,6 +368,10 @@
     <message>
         <source>%1 (%2)</source>
         <translation>%1 (%2)</translation>
+    </message>
+    <message>
+        <source>S&amp;et</source>
+        <translation>Set&amp;zen</translation>
     </message>
 </context>
 <context>
@@ -261,11 +410,30 @@
     </message>
     <message>
         <source>&amp;Faults</source>
-        <translation>&amp;Fehler</translation>
+        <translation>&amp;Störungen</translation>
     </message>
     <message>
         <source>&amp;Inputs</source>
         <translation>&amp;Eingänge</translation>
+    </message>
+    <message>
+        <source>All tags are read as often as they should be</source>
+        <translation>Alle Variablen werden so oft gelesen, wie sie sollen</translation>
+    </message>
+    <message numerus="yes">
+        <source>The line is too slow for %1 and %n more</source>
+        <translation>
+            <numerusform>Die Leitung ist zu langsam für %1 und eine weitere</numerusform>
+            <numerusform>Die Leitung ist zu langsam für %1 und %n weitere</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>The line is too slow for %1</source>
+        <translation>Die Leitung ist zu langsam für %1</translation>
+    </message>
+    <message>
+        <source>Line load %1 %</source>
+        <translation>Leitung zu %1 % ausgelastet</translation>
     </message>
 </context>
 <context>
@@ -352,7 +520,7 @@
     </message>
     <message>
         <source>%1. Rows with a mistake are left out: there is no value, no alarm for them. Mend the file and start fxview again.</source>
-        <translation>%1. Zeilen mit einem Fehler fehlen: für sie gibt es keinen Wert und keinen Alarm. Die Datei berichtigen und fxview neu starten.</translation>
+        <translation>Zeilen mit einem Fehler fehlen: für sie gibt es keinen Wert und keinen Alarm. Die Datei berichtigen und fxview neu starten. Der erste Fehler: %1</translation>
     </message>
     <message>
         <source>a push button is not released yet</source>
@@ -415,7 +583,7 @@
         </translation>
     </message>
     <message>
-        <source>Cl&amp;ose</source>
+        <source>Clo&amp;se</source>
         <translation>S&amp;chließen</translation>
     </message>
 </context>
@@ -442,11 +610,11 @@
     </message>
     <message>
         <source>&amp;Download…</source>
-        <translation>In die S&amp;PS laden …</translation>
+        <translation>In die S&amp;PS schreiben …</translation>
     </message>
     <message>
         <source>&amp;Upload…</source>
-        <translation>A&amp;us der SPS laden …</translation>
+        <translation>A&amp;us der SPS lesen …</translation>
     </message>
     <message>
         <source>Canc&amp;el</source>
@@ -462,7 +630,7 @@
     </message>
     <message>
         <source>Open a file with a line ADDRESS,VALUE for each register, or name registers and a new file to upload into</source>
-        <translation>Eine Datei mit einer Zeile ADRESSE,WERT für jedes Register öffnen, oder Register und eine neue Datei nennen, in die aus der SPS geladen wird</translation>
+        <translation>Eine Datei mit einer Zeile ADRESSE,WERT für jedes Register öffnen, oder Register und eine neue Datei nennen, in die aus der SPS gelesen wird</translation>
     </message>
     <message>
         <source>Recipe file</source>
@@ -474,11 +642,11 @@
     </message>
     <message>
         <source>Registers to upload</source>
-        <translation>Register, die geladen werden</translation>
+        <translation>Register, die gelesen werden</translation>
     </message>
     <message>
         <source>registers to upload, for example D1000:64 D200</source>
-        <translation>Register zum Laden aus der SPS, zum Beispiel D1000:64 D200</translation>
+        <translation>Register, die aus der SPS gelesen werden, zum Beispiel D1000:64 D200</translation>
     </message>
     <message>
         <source>From the file to the PLC</source>
@@ -522,7 +690,7 @@
     </message>
     <message>
         <source>The window ended while %1 was written to the PLC. Written: %2. UNKNOWN whether written: %3. Download it again, or compare.</source>
-        <translation>Das Fenster endete, während %1 in die SPS geschrieben wurde. Geschrieben: %2. UNBEKANNT, ob geschrieben: %3. Noch einmal laden oder vergleichen.</translation>
+        <translation>Das Fenster endete, während %1 in die SPS geschrieben wurde. Geschrieben: %2. UNBEKANNT, ob geschrieben: %3. Noch einmal schreiben oder vergleichen.</translation>
     </message>
     <message>
         <source>none</source>
@@ -542,7 +710,7 @@
     </message>
     <message>
         <source>Nothing was uploaded</source>
-        <translation>Nichts wurde aus der SPS geladen</translation>
+        <translation>Nichts wurde aus der SPS gelesen</translation>
     </message>
     <message>
         <source>Nothing was written</source>
@@ -554,7 +722,7 @@
     </message>
     <message>
         <source>Nothing was uploaded: %1. The file is as it was.</source>
-        <translation>Nichts wurde aus der SPS geladen: %1. Die Datei ist, wie sie war.</translation>
+        <translation>Nichts wurde aus der SPS gelesen: %1. Die Datei ist, wie sie war.</translation>
     </message>
     <message>
         <source>Done: %1 values of the PLC are in %2</source>
@@ -570,7 +738,7 @@
     </message>
     <message>
         <source>%1. May not be downloaded: %2</source>
-        <translation>%1. Darf nicht in die SPS geladen werden: %2</translation>
+        <translation>%1. Darf nicht in die SPS geschrieben werden: %2</translation>
     </message>
     <message>
         <source>File</source>
@@ -657,7 +825,7 @@
     </message>
     <message>
         <source>Only a part of %1 is in the PLC (%2). %3. Download it again, or write the old values back.</source>
-        <translation>Nur ein Teil von %1 ist in der SPS (%2). %3. Noch einmal laden oder die alten Werte zurückschreiben.</translation>
+        <translation>Nur ein Teil von %1 ist in der SPS (%2). %3. Noch einmal schreiben oder die alten Werte zurückschreiben.</translation>
     </message>
     <message>
         <source>Address</source>
@@ -754,10 +922,6 @@
         <translation>Variable hinzufügen</translation>
     </message>
     <message>
-        <source>&amp;Remove</source>
-        <translation>E&amp;ntfernen</translation>
-    </message>
-    <message>
         <source>How much time</source>
         <translation>Wie viel Zeit</translation>
     </message>
@@ -780,6 +944,10 @@
     <message>
         <source>Saved as %1</source>
         <translation>Gespeichert als %1</translation>
+    </message>
+    <message>
+        <source>Re&amp;move</source>
+        <translation>E&amp;ntfernen</translation>
     </message>
 </context>
 <context>
@@ -898,6 +1066,14 @@
         <source>read (UTC)</source>
         <translation>gelesen (UTC)</translation>
     </message>
+    <message>
+        <source>Description</source>
+        <translation>Beschreibung</translation>
+    </message>
+    <message>
+        <source>description</source>
+        <translation>Beschreibung</translation>
+    </message>
 </context>
 <context>
     <name>fxview::ValuesPage</name>
@@ -1009,14 +1185,6 @@
         <translation>UNBEKANNT, ob %1 geschrieben wurde: noch kein Ergebnis</translation>
     </message>
     <message>
-        <source>Do not &amp;wait</source>
-        <translation>Nicht war&amp;ten</translation>
-    </message>
-    <message>
-        <source>&amp;No</source>
-        <translation>&amp;Nein</translation>
-    </message>
-    <message>
         <source>Writing %1; waiting for what the PLC has then…</source>
         <translation>Schreibe %1 und warte, was die SPS dann hat …</translation>
     </message>
@@ -1039,6 +1207,22 @@
     <message>
         <source>%1, rounded to steps of %2</source>
         <translation>%1, gerundet auf Schritte von %2</translation>
+    </message>
+    <message>
+        <source>up to %1 characters</source>
+        <translation>bis zu %1 Zeichen</translation>
+    </message>
+    <message>
+        <source>%1 characters are too many</source>
+        <translation>%1 Zeichen sind zu viele</translation>
+    </message>
+    <message>
+        <source>Do not wa&amp;it</source>
+        <translation>Nicht war&amp;ten</translation>
+    </message>
+    <message>
+        <source>N&amp;o</source>
+        <translation>&amp;Nein</translation>
     </message>
 </context>
 </TS>

@@ -7,6 +7,8 @@
 #include "tests/tools/support/loaded_driver.h"
 #include "tools/fxview/widgets/line_page.h"
 
+#include <QStatusBar>
+
 using namespace fxview;
 using namespace view_tests;
 using tool_tests::range;
@@ -46,8 +48,8 @@ fxtools::Exchange exchangeWith(fxtools::ReplyVerdict verdict)
 TEST_F(LineInWindow, ShowsThePlanWithItsGapsAndCosts)
 {
     LineReport report;
-    report.load = "line load 12 %";
-    report.late = QStringList{"D0 each 100 ms: every 150 ms"};
+    report.loadPercent = 112;
+    report.late = QStringList{"D0", "D1", "D2", "D3", "D4"};
     report.blocks = {{{range("D0:8"), {range("D0:2"), range("D6:2")}}, 41.26}};
     emit plc.lineReport(report);
     auto* plan = find<QTableWidget>("Polling plan");
@@ -57,11 +59,16 @@ TEST_F(LineInWindow, ShowsThePlanWithItsGapsAndCosts)
     EXPECT_EQ(plan->item(0, 3)->text(), "41.3");
     EXPECT_EQ(neededIn(report.blocks[0].block),
               QVector<bool>({true, true, false, false, false, false, true, true}));
-    EXPECT_TRUE(says("line load 12 %\nD0 each 100 ms: every 150 ms"));
+    EXPECT_TRUE(says("Line load 112 %\nThe line is too slow for D0, D1, D2, D3, D4"));
+    EXPECT_TRUE(window.statusBar()->findChildren<QLabel*>().last()->text() == "Line load 112 %");
     EXPECT_TRUE(says("No errors"));
+    report.late += {"D5", "D6"};
     report.blocks.clear();
     emit plc.lineReport(report);
     EXPECT_EQ(plan->rowCount(), 0);
+    EXPECT_TRUE(says("Line load 112 %\nThe line is too slow for D0, D1, D2, D3, D4 and 2 more"));
+    emit plc.lineReport({});
+    EXPECT_TRUE(says("Line load 0 %\nAll tags are read as often as they should be"));
 }
 
 TEST_F(LineInWindow, ShowsResponseTimesAndErrorsByCause)

@@ -230,7 +230,7 @@ void LongRun::actAsPerson()
     switch (draw(7)) {
     case 0:
         for (QPushButton* button : m_window->findChildren<QPushButton*>()) {
-            if (button->text() == QLatin1String("Acknowledge a&ll"))
+            if (button->text().remove('&') == QLatin1String("Acknowledge all"))
                 button->click();
         }
         break;

@@ -295,7 +295,7 @@ void drawLine(const QString& folder)
     scene.turnTo<LinePage>();
     scene.run();
     LineReport report;
-    report.load = "line load 43 %";
+    report.loadPercent = 43;
     for (int number = 0; number < 900; ++number)
         report.statistics.responses.add(17000 + number * number % 9100 + (number % 40 ? 0 : 60000));
     report.statistics.kinds[fxtools::ExchangeKind::CyclicRead] = {903, 900, 3, 0};

@@ -56,9 +56,9 @@ struct BlockOfPlan
 struct LineReport
 {
     fxtools::Statistics statistics;
-    QString verdict;   // what is the matter with the line and what to do, in a sentence or two
-    QString load;      // how much of the line the periods need, in a sentence
-    QStringList late;  // the periods that the line cannot keep, each in a sentence
+    QString verdict;      // what is the matter with the line and what to do, in a sentence or two
+    int loadPercent = 0;  // how much of the line the periods need
+    QStringList late;     // the tags whose periods the line cannot keep
     QVector<BlockOfPlan> blocks;
 };
 

@@ -263,8 +263,7 @@ LineReport PlcThread::report()
         fxtools::checkOf(report.statistics, m_service->link() == fxtools::LinkState::Down);
     check.unasked = m_heard;
     report.verdict = fxtools::meaning({m_settings.link, m_name, true, false, check});
-    const QString load = m_service->polling()->loadText();  // "line load 153 %: a; b"
-    report.load = load.section(QStringLiteral(": "), 0, 0);
+    report.loadPercent = qRound(100 * m_service->polling()->load().used);
     report.late = m_service->polling()->late();
     QVector<fxtools::RegisterRange> ranges;
     for (const fxtools::Tag& tag : m_tags)

@@ -88,8 +88,8 @@ AlarmPage::AlarmPage(AlarmBook& book, QWidget* parent)
 
 QLayout* AlarmPage::buttons()
 {
-    auto* one = new QPushButton(tr("&Acknowledge"), this);
-    auto* all = new QPushButton(tr("Acknowledge a&ll"), this);
+    auto* one = new QPushButton(tr("Ac&knowledge"), this);
+    auto* all = new QPushButton(tr("Acknowle&dge all"), this);
     connect(one, &QPushButton::clicked, this, &AlarmPage::acknowledgeChosen);
     connect(all, &QPushButton::clicked, this, [this] {
         m_book.acknowledgeAll(m_nowMs);

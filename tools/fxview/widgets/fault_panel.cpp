@@ -23,7 +23,7 @@ FaultPanel::FaultPanel(QWidget* parent) : QWidget(parent)
     addFault(tr("Wrong sum"), QStringLiteral("wrong-sum"));
     addFault(tr("Flipped bits"), QStringLiteral("flipped-bits"));
     addFault(tr("0.4 s late"), QStringLiteral("delay:400"));
-    auto* none = new QPushButton(tr("No &faults"), this);
+    auto* none = new QPushButton(tr("&No faults"), this);
     connect(none, &QPushButton::clicked, this, [this] {
         for (const Fault& fault : qAsConst(m_faults)) {
             const QSignalBlocker once(fault.slider);

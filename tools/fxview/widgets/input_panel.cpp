@@ -33,7 +33,7 @@ bool isInput(const fxtools::Tag& tag)
 
 InputPanel::InputPanel(const ValueBook& book, QWidget* parent)
     : QWidget(parent), m_book(book), m_address(new QLineEdit(this)), m_value(new QLineEdit(this)),
-      m_set(new QPushButton(tr("&Set"), this))
+      m_set(new QPushButton(tr("S&et"), this))
 {
     auto* rows = new QVBoxLayout(this);
     auto* scroll = new QScrollArea(this);

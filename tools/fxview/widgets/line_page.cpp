@@ -14,6 +14,7 @@ namespace fxview {
 namespace {
 
 constexpr int mostFrames = 1000;
+constexpr int mostLate = 5;  // that are named
 
 // Control characters by their names, since few fonts have pictures of them.
 QString visible(char byte)
@@ -46,6 +47,17 @@ QString visible(const QByteArray& bytes)
     return text;
 }
 
+QString periodsText(const QStringList& late)
+{
+    if (late.isEmpty())
+        return LinePage::tr("All tags are read as often as they should be");
+    const int more = late.size() - mostLate;
+    const QString names = QStringList(late.mid(0, mostLate)).join(QStringLiteral(", "));
+    return more > 0
+               ? LinePage::tr("The line is too slow for %1 and %n more", nullptr, more).arg(names)
+               : LinePage::tr("The line is too slow for %1").arg(names);
+}
+
 QString msText(qint64 us)
 {
     return QString::number(static_cast<double>(us) / 1000, 'f', 1);
@@ -60,6 +72,11 @@ QString exchangeText(const fxtools::Exchange& exchange)
         .arg(static_cast<double>(exchange.startedUs) / 1e6, 9, 'f', 3)
         .arg(fxtools::kindText(exchange.kind), visible(sent), visible(exchange.reply),
              fxtools::verdictText(exchange.verdict), msText(exchange.tookUs));
+}
+
+QString loadText(const LineReport& report)
+{
+    return LinePage::tr("Line load %1 %").arg(report.loadPercent);
 }
 
 LinePage::LinePage(const ValueBook& book, bool isSimulated, QWidget* parent)
@@ -109,7 +126,7 @@ LinePage::LinePage(const ValueBook& book, bool isSimulated, QWidget* parent)
 void LinePage::take(const LineReport& report)
 {
     m_verdict->setText(report.verdict);
-    m_load->setText((QStringList(report.load) + report.late).join('\n'));
+    m_load->setText(loadText(report) + '\n' + periodsText(report.late));
     m_plan->show(report.blocks);
     const fxtools::Histogram& responses = report.statistics.responses;
     m_responses->show(responses);

@@ -48,4 +48,6 @@ private:
 // "12.345  cyclic read  <STX>0100...  →  <STX>0000...  good, 21.3 ms".
 QString exchangeText(const fxtools::Exchange& exchange);
 
+QString loadText(const LineReport& report);  // "Line load 43 %"
+
 }  // namespace fxview

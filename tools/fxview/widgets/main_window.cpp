@@ -83,7 +83,7 @@ void MainWindow::listen()
     connect(&m_source, &PlcSource::readings, this, &MainWindow::take);
     connect(&m_source, &PlcSource::linkChanged, this, &MainWindow::showLink);
     connect(&m_source, &PlcSource::lineReport, this, [this](const LineReport& report) {
-        m_lineText->setText(report.load);
+        m_lineText->setText(loadText(report));
         m_linePage->take(report);
     });
     connect(&m_source, &PlcSource::exchanges, this,

@@ -11,7 +11,7 @@ namespace fxview {
 
 ProblemBar::ProblemBar(QWidget* parent)
     : QFrame(parent), m_sign(new QLabel(this)), m_text(new QLabel(this)),
-      m_close(new QPushButton(tr("Cl&ose"), this))
+      m_close(new QPushButton(tr("Clo&se"), this))
 {
     setObjectName(QStringLiteral("problemBar"));
     setAccessibleName(tr("What is wrong"));

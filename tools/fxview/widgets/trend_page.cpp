@@ -124,7 +124,7 @@ QLayout* TrendPage::topRow()
     m_add->setPlaceholderText(tr("Add a tag"));
     m_add->setAccessibleName(tr("Add a tag"));
     connect(m_add, &QLineEdit::returnPressed, this, &TrendPage::addTyped);
-    auto* remove = new QPushButton(tr("&Remove"), this);
+    auto* remove = new QPushButton(tr("Re&move"), this);
     connect(remove, &QPushButton::clicked, this, &TrendPage::removeChosen);
     m_length->setAccessibleName(tr("How much time"));
     for (const Length& length : lengths)
