@@ -17,8 +17,8 @@ SIMULATED_PLC = ["tools/fxsim/plc/*", "tools/fxsim/line/*", "tools/fxsim/faults/
                  "tools/fxsim/control/control.h"]
 
 # What every tool but the simulator may include.
-COMMON = ["tools/command_help.h", "tools/failure.h", "tools/quoted.h", "tools/table.h",
-          "tools/toml_reader.h", "tools/words.h"]
+COMMON = ["tools/command_help.h", "tools/failure.h", "tools/quoted.h", "tools/standard_streams.h",
+          "tools/table.h", "tools/toml_reader.h", "tools/words.h"]
 
 # What the sources of each folder may include of the project.
 ALLOWED = {
@@ -42,7 +42,7 @@ ALLOWED = {
     "tools/fxgate": [*COMMON, "tools/link/*", "tools/library/*", "tools/tags/*", "tools/fxgate/*"],
     "tools/fxview": [*COMMON, "driver/intf.h", "tools/link/*", "tools/library/*",
                      "tools/exchange/*", "tools/tags/*", "tools/service/*", "tools/fxview/*"],
-    "tools/fxsim": ["tools/fxsim/*"],
+    "tools/fxsim": ["tools/fxsim/*", "tools/standard_streams.h"],
 }
 
 DIRECTIVE = re.compile(r"\s*#\s*include")

@@ -6,6 +6,7 @@
 
 #include "tools/command_help.h"
 #include "tools/fxgate/commands/commands.h"
+#include "tools/standard_streams.h"
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -136,6 +137,7 @@ int runCommandLine(int argumentCount, char** arguments)
 
 int main(int argumentCount, char** arguments)
 {
+    fxtools::openClosedStreams();
     const QCoreApplication application(argumentCount, arguments);
     try {
         return runCommandLine(argumentCount, arguments);

@@ -7,6 +7,7 @@
 #include "tools/fxhost/commands/command.h"
 #include "tools/fxhost/views/console.h"
 #include "tools/link/interrupt.h"
+#include "tools/standard_streams.h"
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -137,6 +138,7 @@ int runCommandLine(int argumentCount, char** arguments)
 
 int main(int argumentCount, char** arguments)
 {
+    fxtools::openClosedStreams();
     const QCoreApplication application(argumentCount, arguments);
     try {
         return runCommandLine(argumentCount, arguments);

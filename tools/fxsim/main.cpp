@@ -11,6 +11,7 @@
 #include "tools/fxsim/plc/sample_program.h"
 #include "tools/fxsim/plc/script_program.h"
 #include "tools/fxsim/view/view.h"
+#include "tools/standard_streams.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -310,5 +311,6 @@ ExitCode runCommandLine(int argumentCount, char** arguments)
 
 int main(int argumentCount, char** arguments)
 {
+    fxtools::openClosedStreams();
     return static_cast<int>(fxsim::runCommandLine(argumentCount, arguments));
 }

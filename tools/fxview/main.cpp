@@ -15,6 +15,7 @@
 #include "tools/fxview/widgets/theme.h"
 #include "tools/library/output_file.h"
 #include "tools/link/interrupt.h"
+#include "tools/standard_streams.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -172,6 +173,7 @@ int runCommandLine(int argumentCount, char** arguments)
 
 int main(int argumentCount, char** arguments)
 {
+    fxtools::openClosedStreams();
     try {
         return runCommandLine(argumentCount, arguments);
     } catch (const std::exception& error) {

@@ -196,6 +196,19 @@ TEST(Usage, FullOutputIsNoSuccess)
     }
 }
 
+// The link got the number of standard error, and the remark that M1536 is C0 was sent to the PLC.
+TEST(Usage, WithoutStandardStreamsNothingIsPrintedToThePlc)
+{
+    RunningSimulator plc(Road::PseudoTerminal, quickPlc);
+    ChildProcess shell;
+    shell.start("/bin/sh",
+                {"-c", QStringLiteral("FX_DRIVER=%1 %2 --link %3 read M1536 0<&- 1>&- 2>&-")
+                           .arg(FX_DRIVER_FILE, FXHOST_FILE, plc.link())});
+    ASSERT_TRUE(shell.waitForFinished());
+    EXPECT_EQ(shell.exitCode(), 7);
+    EXPECT_TRUE(plc.command("stats").simplified().contains("junk characters 0"));
+}
+
 // The system takes a name without a leading slash for one in /dev.
 TEST(Usage, ALinkMayBeNamedFromWhereTheUserStands)
 {
