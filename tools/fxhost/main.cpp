@@ -12,8 +12,6 @@
 #include <QCoreApplication>
 #include <QDebug>
 
-#include <iostream>
-
 namespace {
 
 using namespace fxtools;
@@ -41,10 +39,10 @@ man fxhost.)";
 int outputWritten(int code)
 {
     Console::settle();
-    std::cout.flush();
-    if (std::cout.good() || code == static_cast<int>(ExitCode::File))  // already told
+    const std::string problem = outputProblem();
+    if (problem.empty() || code == static_cast<int>(ExitCode::File))  // already told
         return code;
-    complain(QStringLiteral("could not write all output"));
+    complain(QString::fromStdString(problem));
     return static_cast<int>(ExitCode::File);
 }
 

@@ -186,13 +186,16 @@ TEST(UnnamedLink, ASimulatedPlcSaysSoOnce)
 
 TEST(Usage, FullOutputIsNoSuccess)
 {
-    for (const char* const command : {"types", "watch D0 -l 0", "monitor D0 -n 0", "stats D0"}) {
+    for (const char* const command :
+         {"types", "series D0 -n 65536", "watch D0 -l 0", "monitor D0 -n 0", "stats D0"}) {
         ChildProcess shell;
         shell.start("/bin/sh", {"-c", QStringLiteral("FX_DRIVER=%1 %2 -q %3 > /dev/full")
                                           .arg(FX_DRIVER_FILE, FXHOST_FILE, command)});
         ASSERT_TRUE(shell.waitForFinished()) << command;
         EXPECT_EQ(shell.exitCode(), 7) << command;
-        EXPECT_EQ(shell.readAllStandardError(), "fxhost: could not write all output\n") << command;
+        EXPECT_EQ(shell.readAllStandardError(),
+                  "fxhost: could not write all output: No space left on device\n")
+            << command;
     }
 }
 
@@ -206,7 +209,7 @@ TEST(Usage, WithoutStandardStreamsNothingIsPrintedToThePlc)
                            .arg(FX_DRIVER_FILE, FXHOST_FILE, plc.link())});
     ASSERT_TRUE(shell.waitForFinished());
     EXPECT_EQ(shell.exitCode(), 7);
-    EXPECT_TRUE(plc.command("stats").simplified().contains("junk characters 0"));
+    EXPECT_FALSE(plc.command("stats").contains("junk"));
 }
 
 // The system takes a name without a leading slash for one in /dev.

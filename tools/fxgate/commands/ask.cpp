@@ -6,6 +6,7 @@
 #include "tools/fxgate/commands/commands.h"
 #include "tools/fxgate/status/control_socket.h"
 #include "tools/fxgate/status/status.h"
+#include "tools/standard_streams.h"
 
 #include <QFile>
 #include <QJsonDocument>
@@ -50,10 +51,9 @@ fxtools::ExitCode showStatus(const QString& socket, const StatusOptions& options
         if (isRedrawn)
             std::cout << "\x1b[H\x1b[2J";
         print(status, options.isJson);
-        std::cout.flush();
-        if (!std::cout.good())
-            throw fxtools::Failure(fxtools::ExitCode::File,
-                                   QStringLiteral("could not write all output"));
+        const std::string problem = fxtools::outputProblem();
+        if (!problem.empty())
+            throw fxtools::Failure(fxtools::ExitCode::File, QString::fromStdString(problem));
         if (options.isWatched)
             QThread::sleep(1);
     } while (options.isWatched);

@@ -5,6 +5,7 @@
 
 #include "tools/failure.h"
 #include "tools/link/interrupt.h"
+#include "tools/standard_streams.h"
 #include "tools/table.h"
 
 #include <QMap>
@@ -68,8 +69,9 @@ void put(const QString& text)
 // Without a reader or with a full disk, a view would otherwise run on for ever.
 void flush()
 {
-    if (!std::cout.flush())
-        throw Failure(ExitCode::File, QStringLiteral("could not write all output"));
+    const std::string problem = outputProblem();
+    if (!problem.empty())
+        throw Failure(ExitCode::File, QString::fromStdString(problem));
 }
 
 // As many lines as leave room for the cursor below them; the last one is always there.
