@@ -153,6 +153,13 @@ CV 0..199 base 10, 16 bits, writable
     EXPECT_EQ(catalogue().find("x"), nullptr);
 }
 
+TEST(Catalogue, LeavesTheDriverEmpty)
+{
+    const RegisterCatalogue made(driver());
+    FRAME_PRO frame;
+    EXPECT_EQ(driver().getSendFrame(&frame), fxNothingToSend);
+}
+
 TEST(RegisterTypes, CountAsTheDriverDoes)
 {
     struct Row

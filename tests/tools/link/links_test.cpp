@@ -4,6 +4,7 @@
 // Bytes over real links: a TCP connection to this machine, and a pseudo-terminal.
 
 #include "tests/tools/support/child_process.h"
+#include "tools/link/interrupt.h"
 #include "tools/link/link_keeper.h"
 #include "tools/link/links.h"
 #include "tools/link/ports.h"
@@ -13,7 +14,15 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <csignal>
+#include <thread>
+
+#include <poll.h>
 #include <pty.h>
+#include <sys/socket.h>
+#include <sys/time.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 using namespace fxtools;
@@ -108,6 +117,28 @@ TEST_F(TcpLinks, NoticeThatThePeerHungUpAndOpenAgain)
     EXPECT_FALSE(link.send("request"));
     open();
     EXPECT_TRUE(link.send("request"));
+}
+
+// More than the kernel takes at once, to a peer that reads it only by and by.
+TEST_F(TcpLinks, WaitUntilThePeerHasRoom)
+{
+    open();
+    const int most = 32 << 20;
+    std::atomic<int> read = 0;
+    const int peerSocket = static_cast<int>(peer->socketDescriptor());
+    std::thread reader([&] {
+        QByteArray bytes(1 << 20, 0);
+        pollfd waited = {peerSocket, POLLIN, 0};
+        while (read<most&& ::poll(&waited, 1, patienceMs)> 0) {
+            const ssize_t some = ::recv(peerSocket, bytes.data(), 1 << 20, 0);
+            if (some <= 0 && errno != EAGAIN)
+                break;
+            read += static_cast<int>(std::max<ssize_t>(some, 0));
+        }
+    });
+    EXPECT_TRUE(link.send(QByteArray(most, 'x')));
+    reader.join();
+    EXPECT_EQ(read, most);
 }
 
 TEST_F(TcpLinks, NameWhyTheyDoNotOpen)
@@ -295,4 +326,83 @@ TEST(LinkKeepers, DoNotWaitForALostLinkIfTheyAreNotToWait)
     EXPECT_FALSE(keeper.reopen(0));
     EXPECT_EQ(states.join(", "), "the link was lost");
     EXPECT_EQ(cable.attempts, 0);
+}
+
+TEST(LinkKeepers, SayHowLongTheyHaveWaited)
+{
+    PulledCable cable;
+    cable.pluggedInMs = 1;  // and time stands still
+    LinkKeeper keeper(cable, 1);
+    QStringList states;
+    keeper.onState = [&states](const QString& text) { states += text; };
+    EXPECT_FALSE(keeper.reopen(0));
+    EXPECT_EQ(states.join(", "), "the link was lost, the link did not come back within 1 s");
+    EXPECT_GT(cable.attempts, 0);
+}
+
+// What a signal does is tried in a process of its own, since the answer holds until it ends.
+
+namespace {
+
+int statusOf(const std::function<bool()>& isRight)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        catchSignals();
+        _exit(isRight() ? 0 : 1);
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    return status;
+}
+
+bool raises(int signalNumber)
+{
+    static_cast<void>(raise(signalNumber));
+    return interrupted() && interruptSignal() == signalNumber;
+}
+
+}  // namespace
+
+TEST(Interrupts, AreNoticedWhereverTheyComeFrom)
+{
+    EXPECT_EQ(statusOf([] { return !interrupted(); }), 0);
+    for (const int signalNumber : {SIGINT, SIGTERM, SIGALRM})
+        EXPECT_EQ(statusOf([signalNumber] { return raises(signalNumber); }), 0) << signalNumber;
+    EXPECT_EQ(statusOf([] { return !takeContinued() && raise(SIGCONT) == 0 && takeContinued(); }),
+              0);
+}
+
+TEST(Interrupts, ComeAfterAGivenTime)
+{
+    EXPECT_EQ(statusOf([] {
+                  interruptAfter(1);
+                  return !sleepUnlessInterrupted(patienceMs, interrupted);
+              }),
+              0);
+    for (const qint64 timeMs : {60000, 60059, 59999}) {
+        EXPECT_EQ(statusOf([timeMs] {
+                      interruptAfter(timeMs);
+                      itimerval left = {};
+                      return getitimer(ITIMER_REAL, &left) == 0 && left.it_value.tv_sec > 29 &&
+                             left.it_value.tv_sec <= 60;
+                  }),
+                  0)
+            << timeMs;
+    }
+}
+
+// The second of one key is not meant: a terminal may send both at once.
+TEST(Interrupts, EndTheProgramWhenTheyComeAgain)
+{
+    const int status = statusOf([] {
+        static_cast<void>(raise(SIGINT));
+        static_cast<void>(raise(SIGALRM));
+        usleep(600000);
+        static_cast<void>(raise(SIGALRM));
+        static_cast<void>(raise(SIGINT));
+        return true;
+    });
+    EXPECT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(WTERMSIG(status), SIGINT);
 }

@@ -120,6 +120,16 @@ TEST(ForeignTags, ControlNoScreenWithTheirTitles)
               "name,address\na,D0\nline 1, column '?[2J': is not imported");
 }
 
+TEST(ForeignTags, NameTheFirstColumnTooIfItIsNotImported)
+{
+    const QTemporaryDir folder;
+    QFile file(folder.filePath("list.csv"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("No,Device,Label\n1,D0,a\n");
+    file.close();
+    EXPECT_EQ(importOf(file.fileName()), "name,address\na,D0\nline 1, column No: is not imported");
+}
+
 TEST(ForeignTags, NeedTheirTitles)
 {
     EXPECT_THROW(importTags(golden("scada.csv"), ForeignForm::Comments, catalogue()), Failure);
@@ -139,6 +149,13 @@ TEST(ForeignTags, ComeBackFromAnExportExactly)
         EXPECT_EQ(tagFileText(importTags(golden(name), std::nullopt, catalogue()).tags),
                   tagFileText(tags));
     }
+}
+
+TEST(ForeignTags, KeepASingleLimitInAnExport)
+{
+    const QVector<Tag> tags = tagsOf("name,address,min,max\nlow,D0,0,\nhigh,D1,,0\n");
+    const QByteArray text = exportTags(tags, ForeignForm::Scada, catalogue()).text;
+    EXPECT_EQ(text.count("Linear"), 2) << text.data();
 }
 
 TEST(ForeignTags, TellWhatAnExportLoses)

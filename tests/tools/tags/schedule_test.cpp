@@ -300,6 +300,23 @@ TEST(Schedule, KeepsTogetherWhatFillsAFrame)
     EXPECT_EQ(line.read(), "D100:32");
 }
 
+TEST(Schedule, ReadsAValueWithinAnother)
+{
+    RegisterRange text = range("D0:8");
+    text.together = 8;
+    Line line({{text, second}, every(1000, "D2")});
+    EXPECT_EQ(line.read(), "D0:8 D2");
+}
+
+// Its registers are read one by one, so that a block may end anywhere in it.
+TEST(Schedule, FillsAFrameWithWhatIsLongerThanOne)
+{
+    RegisterRange text = range("D100:40");
+    text.together = 40;
+    Line line({{range("D99"), second}, {text, second}});
+    EXPECT_EQ(line.read(), "D99:32");
+}
+
 TEST(Schedule, ReadsBitsByTheirBytes)
 {
     Line line({every(100, "M0:4"), every(5000, "M4:8")});
