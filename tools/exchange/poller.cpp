@@ -36,8 +36,6 @@ bool isIndivisible(const RegisterRange& range)
 // The registers before the middle of a range that is divisible.
 int halfOf(const RegisterRange& range)
 {
-    if (range.together > 1)
-        return (range.count / range.together + 1) / 2 * range.together;
     const Units units(range);
     return (units.first + units.last + 1) / 2 * units.size - range.first;
 }

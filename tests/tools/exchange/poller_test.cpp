@@ -112,6 +112,19 @@ TEST_F(Polling, AsksForNoMoreThanAFrameOfCounters)
     EXPECT_EQ(framesOfACycle(), 4);
 }
 
+TEST(PollingOfSingleWords, LosesNoNeighbourOfARefusedOne)
+{
+    Bench bench(badLine(0, ""), SessionSettings{2, 1});
+    bench.refuseD(1, 1);
+    Poller poller(bench.loop, catalogue(), {range("D0:3")});
+    poller.poll();
+    bench.setD(0, 7);
+    bench.setD(2, 9);
+    poller.poll();
+    EXPECT_EQ(poller.values(range("D0:3")), (QVector<quint32>{7, 0, 9}));
+    EXPECT_EQ(poller.problemOf(range("D0:3"), 1), ReplyVerdict::Refused);
+}
+
 // A block holds 32 registers: the hole stands in the first, in the middle and in the last one.
 TEST_F(Polling, KeepsTheRegistersBesideARefusedBlockInThePlan)
 {
@@ -123,6 +136,15 @@ TEST_F(Polling, KeepsTheRegistersBesideARefusedBlockInThePlan)
         const std::string refused = "D" + std::to_string(hole) + " refused";
         expectProblems(refused, 3);
     }
+}
+
+// One-off reads are for pieces of the refused block: the others stay in the plan.
+TEST_F(Polling, TakesNothingBehindARefusedBlockOutOfThePlan)
+{
+    bench.refuseD(5, 5);
+    start({"D0:40"});
+    poll();
+    EXPECT_EQ(framesOfACycle(), 7);
 }
 
 TEST_F(Polling, SeeksAHoleAmongTheWantedRegistersOnly)
@@ -263,6 +285,8 @@ TEST_F(Polling, TakesRegistersBackWhenAllWereRefused)
     bench.line.refuseNothing();
     poll(cyclesUntilAskedAgain);
     EXPECT_EQ(problemsAfterPolling(), "");
+    poll(cyclesUntilAskedAgain - 2);
+    EXPECT_EQ(framesOfACycle(), 1) << "nothing is left to ask again";
 }
 
 // What was read before the link went is not old; the rest is.
@@ -333,6 +357,18 @@ TEST_F(Polling, NamesABlockThatGotNoGoodAnswerInThisCycleOnly)
     bench.line.setFaults("wrong-sum@1-2");
     EXPECT_EQ(problemsAfterPolling(), "D0 wrong-sum, D1 wrong-sum");
     EXPECT_EQ(problemsAfterPolling(), "");
+}
+
+TEST_F(Polling, SaysOfThisCycleWhyNothingWasRead)
+{
+    start({"D0:2", "D100:2"});
+    bench.line.setFaults("wrong-sum@3-4");
+    poll();
+    EXPECT_EQ(poll(), RoundEnd::Done);
+    EXPECT_EQ(problems(), "D0 wrong-sum, D1 wrong-sum");
+    bench.line.setFaults("link-drop@1");
+    EXPECT_EQ(poll(), RoundEnd::LinkLost);
+    EXPECT_EQ(problems(), "D0 link-lost, D1 link-lost, D100 link-lost, D101 link-lost");
 }
 
 TEST_F(Polling, NamesAPieceThatGotNoGoodAnswerAndKeepsIt)
