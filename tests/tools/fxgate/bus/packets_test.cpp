@@ -75,7 +75,7 @@ private:
             do {
                 length |= (m_bytes.at(at) & 0x7F) << shift;
                 shift += 7;
-            } while (m_bytes.at(at++) < 0 && at < m_bytes.size());
+            } while ((m_bytes.at(at++) & 0x80) != 0 && at < m_bytes.size());
             if (m_bytes.size() < at + length)
                 return;
             const int first = static_cast<unsigned char>(m_bytes.at(0));
