@@ -13,20 +13,16 @@ namespace fxtools {
 
 namespace {
 
-// Sorted; those that share a number are one where a block takes both.
-QVector<Span> disentangled(QVector<Span> values, int mostNumbers)
+// Sorted, without those that lie in another: each begins and ends behind the one before.
+QVector<Span> outermost(QVector<Span> values)
 {
-    std::sort(values.begin(), values.end(),
-              [](const Span& one, const Span& other) { return one.first < other.first; });
+    std::sort(values.begin(), values.end(), [](const Span& one, const Span& other) {
+        return std::tie(one.first, other.last) < std::tie(other.first, one.last);
+    });
     QVector<Span> kept;
     kept.reserve(values.size());
     for (const Span& value : qAsConst(values)) {
-        const bool isShared = !kept.isEmpty() && value.first <= kept.last().last;
-        const Span both =
-            isShared ? Span{kept.last().first, std::max(kept.last().last, value.last)} : value;
-        if (isShared && both.width() <= mostNumbers)
-            kept.last() = both;
-        else
+        if (kept.isEmpty() || value.last > kept.last().last)
             kept.append(value);
     }
     return kept;
@@ -115,7 +111,7 @@ QVector<PlannedBlock> planOfGroup(const QVector<RegisterRange>& due, int wordsPe
 
 QVector<Span> shortestCover(QVector<Span> values, const BlockCost& cost)
 {
-    values = disentangled(std::move(values), cost.mostNumbers);
+    values = outermost(std::move(values));
     QVector<Cover> covers = {Cover()};
     covers.reserve(values.size() + 1);
     for (int end = 1; end <= values.size(); ++end)

@@ -31,8 +31,7 @@ struct BlockCost
 };
 
 // The cheapest cover of `values`, each of them whole in one block; of equally cheap ones that with
-// the fewest blocks. Values that share a number count as one as far as a block takes them. A value
-// is at most `mostNumbers` wide.
+// the fewest blocks. Values may share numbers; each is at most `mostNumbers` wide.
 QVector<Span> shortestCover(QVector<Span> values, const BlockCost& cost);
 
 // A block, and what is due in it.

@@ -3,7 +3,8 @@
 //
 // The shortest cover of every set of up to twelve numbers in a row of places, against a table that
 // knows nothing of runs: its row for a set of places is the least, over all blocks that cover the
-// lowest of them, of the block's cost and the row for the places that the block leaves.
+// lowest of them, of the block's cost and the row for the places that the block leaves. The same
+// for every set of values of up to three numbers, which may share some, in a row of six.
 
 #include "tests/support/times_shorter.h"
 #include "tools/tags/shortest_plan.h"
@@ -23,6 +24,7 @@ using Places = std::uint32_t;  // a bit each
 constexpr int placeCount = timesShorter > 1 ? 16 : 24;
 constexpr int mostInSet = 12;
 constexpr Places setCount = Places(1) << placeCount;
+constexpr int sharedPlaces = 6;
 
 Places block(int first, int width)
 {
@@ -48,6 +50,33 @@ int costOfBlocks(const QVector<Span>& blocks, const BlockCost& cost)
     for (const Span& one : blocks)
         sum += static_cast<int>(cost.fixed + cost.perNumber * one.width());
     return sum;
+}
+
+bool isWhole(const Span& value, const QVector<Span>& blocks)
+{
+    return std::any_of(blocks.begin(), blocks.end(), [&value](const Span& one) {
+        return one.first <= value.first && value.last <= one.last;
+    });
+}
+
+// The same for a set of values, a bit each.
+int leastCost(Places wanted, const QVector<Span>& all, const BlockCost& cost,
+              const std::vector<int>& least)
+{
+    const Span& lowest = all[__builtin_ctz(wanted)];
+    int best = std::numeric_limits<int>::max();
+    for (int first = 0; first <= lowest.first; ++first) {
+        for (int last = lowest.last; last < first + cost.mostNumbers; ++last) {
+            Places left = wanted;
+            for (int value = 0; value < all.size(); ++value) {
+                if (isWhole(all[value], {{first, last}}))
+                    left &= ~(Places(1) << value);
+            }
+            const Span read = {first, last};
+            best = std::min(best, costOfBlocks({read}, cost) + least[left]);
+        }
+    }
+    return best;
 }
 
 Places covered(const QVector<Span>& blocks)
@@ -91,6 +120,28 @@ TEST_P(EveryCover, CostsNoMoreThanAnyOther)
         ASSERT_TRUE(allFit(blocks, cost.mostNumbers)) << "places " << std::hex << wanted;
         ASSERT_EQ(wanted & ~covered(blocks), 0U) << "places " << std::hex << wanted;
         ASSERT_EQ(costOfBlocks(blocks, cost), least[wanted]) << "places " << std::hex << wanted;
+    }
+}
+
+TEST_P(EveryCover, OfValuesThatShareNumbersCostsNoMoreThanAnyOther)
+{
+    const BlockCost cost = {GetParam().fixed, GetParam().perNumber, 5};
+    QVector<Span> all;
+    for (int first = 0; first < sharedPlaces; ++first) {
+        for (int last = first; last < qMin(first + 3, sharedPlaces); ++last)
+            all.append({first, last});
+    }
+    std::vector<int> least(size_t(1) << all.size(), 0);
+    for (Places wanted = 1; wanted < least.size(); ++wanted) {
+        least[wanted] = leastCost(wanted, all, cost, least);
+        QVector<Span> values;
+        for (Places left = wanted; left != 0; left &= left - 1)
+            values.append(all[__builtin_ctz(left)]);
+        const QVector<Span> blocks = shortestCover(values, cost);
+        ASSERT_TRUE(allFit(blocks, cost.mostNumbers)) << "values " << std::hex << wanted;
+        for (const Span& value : values)
+            ASSERT_TRUE(isWhole(value, blocks)) << "values " << std::hex << wanted;
+        ASSERT_EQ(costOfBlocks(blocks, cost), least[wanted]) << "values " << std::hex << wanted;
     }
 }
 

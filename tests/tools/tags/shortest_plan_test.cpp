@@ -111,15 +111,6 @@ TEST(ShortestPlan, TearsNoValueOfSeveralWords)
     EXPECT_EQ(text(shortestPlan({groups}, 4, line9600)), "M0:24 M16:24 M32:24 M48:24");
 }
 
-// Apart they would fit into two blocks that both read number 2, at two times.
-TEST(ShortestPlan, KeepsValuesThatShareANumberTogether)
-{
-    const QVector<Span> blocks = shortestCover({{2, 3}, {0, 0}, {4, 4}, {1, 2}}, {1, 1, 3});
-    ASSERT_EQ(blocks.size(), 3);
-    EXPECT_EQ(blocks[1].first, 1);
-    EXPECT_EQ(blocks[1].last, 3);
-}
-
 TEST(ShortestPlan, KeepsAValueWholeThatHoldsAnother)
 {
     const QVector<Span> blocks = shortestCover({{0, 3}, {1, 2}, {1, 1}}, {1, 1, 4});
