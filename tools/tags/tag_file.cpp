@@ -245,6 +245,7 @@ private:
     const RegisterCatalogue& m_catalogue;
     QHash<QString, int> m_lineOf;  // by the tag's name
     int m_line;
+    bool m_isGood = true;  // the row, so far
     TagFile m_file;
 };
 
@@ -284,12 +285,13 @@ void Reader::warn(const QString& column, const QString& text)
 void Reader::fail(const QString& column, const QString& text)
 {
     m_file.remarks.append({TagRemark::Kind::Error, m_line, column, text});
+    m_isGood = false;
 }
 
 void Reader::read(const CsvRow& row)
 {
     m_line = row.line;
-    const int errorsBefore = m_file.errors();
+    m_isGood = true;
     Tag tag;
     tag.line = row.line;
     checkFields(row);
@@ -303,9 +305,9 @@ void Reader::read(const CsvRow& row)
     } else {
         m_lineOf.insert(tag.name, row.line);
     }
-    if (m_file.errors() == errorsBefore)
+    if (m_isGood)
         checkWhole(row.fields, tag);
-    if (m_file.errors() == errorsBefore)
+    if (m_isGood)
         m_file.tags.append(tag);
 }
 
