@@ -106,6 +106,28 @@ TEST_F(NamedTags, SayWhereRestoreGoesOn)
               "fxhost: 'b*' means 3 tags; give one of them\n");
 }
 
+// A file that names a register twice cannot be restored.
+TEST_F(NamedTags, AreSavedOnceWhereTheyShareRegisters)
+{
+    for (const QStringList& save : {QStringList{"dump"}, QStringList{"recipe", "upload"}}) {
+        const QString saved = folder.filePath("saved.csv");
+        ASSERT_EQ(run(save + QStringList{saved, "boiler.flow", "D1:4", "D3", "--force"}).code, 0);
+        EXPECT_EQ(contentOf(saved), "address,value\nD2,0\nD3,0\nD1,0\nD4,0\n");
+        EXPECT_EQ(run({"compare", saved, "-q"}).code, 0);
+    }
+}
+
+TEST_F(NamedTags, AreSavedInPartWhereOneRegisterIsRefused)
+{
+    const RunningSimulator partial(Road::PseudoTerminal,
+                                   {"--baud", "0", "--program", "none", "--holes", "D11"});
+    const QString saved = folder.filePath("saved.csv");
+    EXPECT_EQ(
+        fxhost({"--link", partial.link(), "--tags", file, "dump", saved, "product", "-q"}).code, 1);
+    EXPECT_EQ(contentOf(saved),
+              "address,value\nD10,0\n# D11: refused by the PLC (NAK)\nD12,0\nD13,0\n");
+}
+
 TEST_F(NamedTags, AreFoundByPatterns)
 {
     const Ended ended = run({"read", "boiler.*,p*[pt]", "--csv", "-q"});

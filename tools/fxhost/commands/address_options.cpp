@@ -7,6 +7,7 @@
 #include "tools/service/limits.h"
 
 #include <QRegularExpression>
+#include <QSet>
 
 #include <fnmatch.h>
 
@@ -136,6 +137,28 @@ QVector<RegisterRange> rangesOf(const QVector<Tag>& asked)
 QVector<RegisterRange> rangesOf(const AddressOptions& options, const AddressServices& services)
 {
     return rangesOf(askedOf(options, services));
+}
+
+QVector<RegisterRange> registersOnce(const AddressOptions& options, const AddressServices& services)
+{
+    QSet<QString> known;
+    QVector<RegisterRange> once;
+    for (RegisterRange range : rangesOf(options, services)) {
+        range.together = 1;
+        int begin = 0;
+        const auto takeUpTo = [&](int end) {
+            if (end > begin)
+                once.append(range.part(begin, end - begin));
+            begin = end + 1;
+        };
+        for (int index = 0; index < range.count; ++index) {
+            if (known.contains(range.identity(index)))
+                takeUpTo(index);
+            known.insert(range.identity(index));
+        }
+        takeUpTo(range.count);
+    }
+    return once;
 }
 
 RegisterRange addressIn(const QString& text, const AddressServices& services)

@@ -49,6 +49,10 @@ QVector<Tag> askedOf(const AddressOptions& options, const AddressServices& servi
 QVector<RegisterRange> rangesOf(const QVector<Tag>& asked);
 QVector<RegisterRange> rangesOf(const AddressOptions& options, const AddressServices& services);
 
+// The same for a file: each register once, and for itself.
+QVector<RegisterRange> registersOnce(const AddressOptions& options,
+                                     const AddressServices& services);
+
 // One address, or the registers of one tag. Throws Failure.
 RegisterRange addressIn(const QString& text, const AddressServices& services);
 

@@ -154,7 +154,7 @@ ExitCode runDump(const CommonOptions& common, const DumpOptions& options)
                     connection.catalogue());
     const QVector<RegisterRange> portions =
         cutToFrames(options.isBackup ? restorableRanges(connection.catalogue())
-                                     : rangesOf(options.addresses, connection.services()),
+                                     : registersOnce(options.addresses, connection.services()),
                     connection.session().settings().wordsPerFrame);
     Dumper dumper(connection, file, options.resume ? namesIn(path, connection) : QSet<QString>());
     const OutputOptions output = besides(options.file, common.output);

@@ -80,7 +80,7 @@ ExitCode runUpload(const CommonOptions& common, const UploadOptions& options)
     CommandConnection connection(common);
     OutputFile file(options.file.name(), options.file.mode(), connection.catalogue());
     const QVector<RegisterRange> entries = recipeEntries(
-        rangesOf(options.addresses, connection.services()), connection.wordsPerFrame());
+        registersOnce(options.addresses, connection.services()), connection.wordsPerFrame());
     const OutputOptions output = besides(options.file, common.output);
     QVector<RegisterRun> recipe;
     const RecipeOutcome outcome =
