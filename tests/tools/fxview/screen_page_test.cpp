@@ -6,6 +6,7 @@
 #include "tests/tools/fxview/window_support.h"
 #include "tools/fxview/screens/widgets/element_controls.h"
 #include "tools/fxview/screens/widgets/hold_button.h"
+#include "tools/fxview/screens/widgets/scale_face.h"
 
 #include <QFile>
 #include <QPlainTextEdit>
@@ -593,6 +594,58 @@ TEST_F(ScreenPageInWindow, LeavesOutTheReasonWhereItHasNoRoom)
                                                  "somewhere"));
     view("Oven")->resize(300, 100);
     EXPECT_EQ(view("Oven")->shownLines().join(' '), view("Oven")->stateText());
+}
+
+TEST(ScalesOfElements, HaveRoundNumbersBetweenTheirEnds)
+{
+    const auto texts = [](double least, double most, int upTo) {
+        QStringList all;
+        for (const ScaleMark& mark : scaleMarks(least, most, upTo))
+            all += mark.text;
+        return all.join(' ').toStdString();
+    };
+    EXPECT_EQ(texts(0, 1000, 11), "0 100 200 300 400 500 600 700 800 900 1000");
+    EXPECT_EQ(texts(0, 1000, 6), "0 200 400 600 800 1000");
+    EXPECT_EQ(texts(0, 1000, 3), "0 500 1000");
+    EXPECT_EQ(texts(0, 1000, 2), "0 1000");
+    EXPECT_EQ(texts(-10, 250.5, 6), "-10 100 200 250.5") << "none close to an end";
+    EXPECT_EQ(texts(-0.3, 0.3, 7), "-0.3 -0.2 -0.1 0 0.1 0.2 0.3");
+    EXPECT_EQ(texts(1e17, 1e17 + 16, 5), "1e+17 1e+17");
+    EXPECT_EQ(texts(-1.7e308, 1.7e308, 5), "-1.7e+308 1.7e+308");
+    EXPECT_EQ(scaleMarks(100, 300, 3)[1].part, 0.5);
+}
+
+// Nothing but the numbers tells one scale from another while there is no value.
+TEST(ScalesOfElements, ShowTheirNumbersWhereTheyHaveRoom)
+{
+    ValueBook book(someTags());
+    const auto isNumbered = [&](ElementKind kind, QSize size, double scale) {
+        QVector<QImage> images;
+        for (const double most : {100.0, 1000.0}) {
+            Element element;
+            element.kind = kind;
+            element.tag = 5;
+            element.min = 0;
+            element.max = most;
+            QImage image(size, QImage::Format_RGB32);
+            image.fill(Qt::white);
+            QPainter painter(&image);
+            QFont font = painter.font();
+            font.setPointSizeF(font.pointSizeF() * scale);
+            painter.setFont(font);
+            paintFace(painter, image.rect(), faceOf(element, book, nowMs), QPalette());
+            images += image;
+        }
+        return images[0] != images[1];
+    };
+    for (const ElementKind kind : {ElementKind::Bar, ElementKind::Dial}) {
+        EXPECT_TRUE(isNumbered(kind, {300, 150}, 1)) << int(kind);
+        EXPECT_TRUE(isNumbered(kind, {750, 400}, 2.5)) << int(kind);
+        EXPECT_FALSE(isNumbered(kind, {60, 24}, 1)) << int(kind);
+    }
+    EXPECT_TRUE(isNumbered(ElementKind::Bar, {80, 200}, 1)) << "upright";
+    EXPECT_FALSE(isNumbered(ElementKind::Bar, {30, 200}, 1));
+    EXPECT_FALSE(isNumbered(ElementKind::Bar, {80, 200}, 2.5));
 }
 
 TEST_F(ScreenPageInWindow, HasCellsOfOneSize)

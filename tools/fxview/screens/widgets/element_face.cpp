@@ -3,21 +3,17 @@
 
 #include "tools/fxview/screens/widgets/element_face.h"
 
+#include "tools/fxview/screens/widgets/scale_face.h"
 #include "tools/fxview/widgets/curve.h"
 #include "tools/fxview/widgets/theme.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace fxview {
 
 namespace {
 
-constexpr double largestText = 3;    // times the font
-constexpr double dialBegin = 210;    // degrees, against the clock from the right
-constexpr double dialDegrees = 240;  // with the clock
-constexpr int qtDegree = 16;
-constexpr double pi = 3.14159265358979323846;
+constexpr double largestText = 3;  // times the font
 
 QColor lampColour(const QString& name, bool isDark)
 {
@@ -48,14 +44,6 @@ QColor bitColour(const Face& face, const QPalette& palette)
                       palette.color(QPalette::Window).lightness() < 128);
 }
 
-// From 0 to 1 between the ends of the scale.
-double partOfScale(const Face& face, double value)
-{
-    const double least = face.element.min.value_or(0);
-    const double most = face.element.max.value_or(least + 1);
-    return std::clamp((value - least) / (most - least), 0.0, 1.0);
-}
-
 void paintLamp(QPainter& painter, const QRectF& area, const Face& face, const QPalette& palette)
 {
     const double size = std::min(area.height(), area.width() / 3);
@@ -64,88 +52,6 @@ void paintLamp(QPainter& painter, const QRectF& area, const Face& face, const QP
     painter.setPen(faceColour(face, palette));
     paintLargeText(painter, area.adjusted(size * 1.2, 0, 0, 0), faceText(face),
                    Qt::AlignVCenter | Qt::AlignLeft);
-}
-
-// A limit of the tag, if it is on the scale.
-void paintLimits(QPainter& painter, const Face& face, const QPalette& palette,
-                 const std::function<QLineF(double part)>& lineAt)
-{
-    painter.setPen(QPen(colourOf(Meaning::Alarm, palette), 2));
-    for (const std::optional<double>& limit : {face.tag->alarmLow, face.tag->alarmHigh}) {
-        if (limit && *limit > *face.element.min && *limit < *face.element.max)
-            painter.drawLine(lineAt(partOfScale(face, *limit)));
-    }
-}
-
-void paintBar(QPainter& painter, const QRectF& area, const Face& face, const QPalette& palette)
-{
-    const double letter = painter.fontMetrics().height();
-    const bool isUpright = area.height() > area.width();
-    QRectF bar = isUpright ? area.adjusted(0, 0, 0, -1.5 * letter)
-                           : area.adjusted(0, 0, -std::min(9 * letter, area.width() / 2), 0);
-    const QRectF text =
-        isUpright ? QRectF(area.left(), bar.bottom(), area.width(), 1.5 * letter)
-                  : QRectF(bar.right(), area.top(), area.right() - bar.right(), area.height());
-    bar = bar.adjusted(1, 2, -1, -2);
-    const auto lineAt = [&](double part) {
-        const double x = bar.left() + part * bar.width();
-        const double y = bar.bottom() - part * bar.height();
-        return isUpright ? QLineF(bar.left(), y, bar.right(), y)
-                         : QLineF(x, bar.top(), x, bar.bottom());
-    };
-    painter.setPen(palette.color(QPalette::Mid));
-    painter.setBrush(palette.base());
-    painter.drawRect(bar);
-    if (face.hasValue) {
-        const QLineF end = lineAt(partOfScale(face, face.value.toDouble()));
-        const QRectF filled =
-            isUpright ? QRectF(end.p1(), bar.bottomRight()) : QRectF(bar.topLeft(), end.p2());
-        const bool isPlain = face.quality == Quality::Good && face.alarm.isEmpty();
-        painter.fillRect(
-            filled, QBrush(isPlain ? curveColour(0, palette) : faceColour(face, palette),
-                           face.quality == Quality::Good ? Qt::SolidPattern : Qt::BDiagPattern));
-    }
-    paintLimits(painter, face, palette, lineAt);
-    painter.setPen(faceColour(face, palette));
-    paintLargeText(painter, text, faceText(face));
-}
-
-void paintDial(QPainter& painter, const QRectF& area, const Face& face, const QPalette& palette)
-{
-    const double letter = painter.fontMetrics().height();
-    const double radius = std::max(std::min(area.width() / 2, area.height() / 1.55) - 3, 4.0);
-    const QPointF centre(area.center().x(), area.top() + radius + 2);
-    const auto lineAt = [&](double part, double from, double to) {
-        const double angle = (dialBegin - part * dialDegrees) * pi / 180;
-        const QPointF direction(std::cos(angle), -std::sin(angle));
-        return QLineF(centre + direction * (radius * from), centre + direction * (radius * to));
-    };
-    const QRectF circle(centre.x() - radius, centre.y() - radius, 2 * radius, 2 * radius);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setBrush(Qt::NoBrush);
-    painter.setPen(QPen(palette.color(QPalette::Mid), 2));
-    painter.drawArc(circle, static_cast<int>((dialBegin - dialDegrees) * qtDegree),
-                    static_cast<int>(dialDegrees * qtDegree));
-    constexpr int marks = 10;
-    for (int mark = 0; mark <= marks; ++mark)
-        painter.drawLine(lineAt(mark / double(marks), 0.88, 1));
-    paintLimits(painter, face, palette, [&](double part) { return lineAt(part, 0.8, 1.05); });
-    painter.setPen(QPen(faceColour(face, palette), std::max(radius / 18, 2.0)));
-    if (face.hasValue)
-        painter.drawLine(lineAt(partOfScale(face, face.value.toDouble()), 0, 0.82));
-    const double width = 2 * radius;
-    const QRectF text(centre.x() - width / 2, centre.y() + radius * 0.12, width,
-                      std::min(area.bottom() - centre.y() - radius * 0.12, 2 * letter));
-    paintLargeText(painter, text, faceText(face));
-    const QRectF ends(area.left(), area.bottom() - letter, area.width(), letter);
-    painter.setPen(palette.color(QPalette::Text));
-    if (area.width() > 4 * radius) {
-        const double side = area.width() / 2 - radius;
-        painter.drawText(QRectF(ends.left(), ends.top(), side, letter), Qt::AlignRight,
-                         QString::number(*face.element.min));
-        painter.drawText(QRectF(centre.x() + radius, ends.top(), side, letter), Qt::AlignLeft,
-                         QString::number(*face.element.max));
-    }
 }
 
 void paintTrend(QPainter& painter, const QRectF& area, const Face& face, const QPalette& palette)
