@@ -121,10 +121,15 @@ RegisterFile readRegisterFile(const QString& path, const RegisterCatalogue& cata
     return reader.file();
 }
 
-void checkWritable(const QString& path, const QVector<RegisterRun>& runs)
+void requireRegisters(const QString& path, const QVector<RegisterRun>& runs)
 {
     if (runs.isEmpty())
         throw Failure(ExitCode::File, path + ": no registers in this file");
+}
+
+void checkWritable(const QString& path, const QVector<RegisterRun>& runs)
+{
+    requireRegisters(path, runs);
     for (const RegisterRun& run : runs) {
         if (!run.range.type.writable) {
             throw Failure(ExitCode::File,

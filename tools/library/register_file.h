@@ -32,6 +32,9 @@ struct RegisterFile
 RegisterFile readRegisterFile(const QString& path, const RegisterCatalogue& catalogue,
                               int mostRegisters);
 
+// Throws Failure if there are none.
+void requireRegisters(const QString& path, const QVector<RegisterRun>& runs);
+
 // Throws Failure if there are none or one of them is read-only.
 void checkWritable(const QString& path, const QVector<RegisterRun>& runs);
 

@@ -72,7 +72,9 @@ QVector<RegisterRun> Comparison::changes(int mostRegisters) const
 
 RegisterFile registersOf(const QString& path, const RegisterCatalogue& catalogue, int wordsPerFrame)
 {
-    return readRegisterFile(path, catalogue, wordsPerFrame / 2);
+    RegisterFile file = readRegisterFile(path, catalogue, wordsPerFrame / 2);
+    requireRegisters(path, file.runs);
+    return file;
 }
 
 RegisterFile writableRegistersOf(const QString& path, const RegisterCatalogue& catalogue,

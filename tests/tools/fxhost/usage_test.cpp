@@ -131,6 +131,7 @@ TEST(Usage, ABadFileIsNamedWithTheLine)
          ", line 3: value 'x' is not a number; use 123, -5, 0x1F or 0b101"},
         {"restore", "X0,1\n", ": X0 is read-only; remove it"},
         {"recipe download", "", ": no registers in this file"},
+        {"compare", "# nothing was read\n", ": no registers in this file"},
         {"replay", "{}\n", ", line 1: not a recording made by fxhost"},
     };
     const QTemporaryDir folder;
