@@ -22,9 +22,6 @@
 #include <QStandardPaths>
 #include <QTimer>
 
-#include <csignal>
-#include <tuple>
-
 namespace {
 
 using namespace fxview;
@@ -103,7 +100,6 @@ int writeNewScreen(const Options& options)
 void closeOnSignals(MainWindow& window)
 {
     fxtools::catchSignals();
-    std::ignore = std::signal(SIGHUP, [](int) { std::ignore = std::raise(SIGTERM); });
     auto* timer = new QTimer(&window);
     QObject::connect(timer, &QTimer::timeout, &window, [&window] {
         if (fxtools::interrupted())

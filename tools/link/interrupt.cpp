@@ -63,6 +63,10 @@ void catchSignals()
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
     sigaction(SIGALRM, &action, nullptr);
+    struct sigaction onHangUp = {};
+    sigaction(SIGHUP, nullptr, &onHangUp);
+    if (onHangUp.sa_handler != SIG_IGN)  // as nohup leaves it
+        sigaction(SIGHUP, &action, nullptr);
     action.sa_handler = noteContinued;
     sigaction(SIGCONT, &action, nullptr);
 }

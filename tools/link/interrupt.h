@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The mitsubishi_fx1s authors
 // SPDX-License-Identifier: MIT
 //
-// Signals as flags that loops check: SIGINT, SIGTERM and the end of a given time, so that work in
-// progress ends cleanly, and SIGCONT after a stop.
+// Signals as flags that loops check: SIGINT, SIGTERM, SIGHUP of a terminal that is gone, and the
+// end of a given time, so that work in progress ends cleanly, and SIGCONT after a stop.
 
 #pragma once
 
@@ -14,7 +14,7 @@ namespace fxtools {
 
 void catchSignals();
 bool interrupted();
-int interruptSignal();  // SIGINT, SIGTERM or SIGALRM; 0 before the interrupt
+int interruptSignal();  // SIGINT, SIGTERM, SIGHUP or SIGALRM; 0 before the interrupt
 
 // Ends the work in `timeMs` as an interrupt would.
 void interruptAfter(qint64 timeMs);

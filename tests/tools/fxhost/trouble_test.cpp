@@ -196,6 +196,21 @@ TEST_P(UnplannedEnd, AnInterruptedDumpIsResumed)
     EXPECT_EQ(contentOf(file).count('\n') - 1, before + 5);
 }
 
+// A terminal that was closed, or a connection over the network that broke, is no reason to forget
+// what was read.
+TEST_P(UnplannedEnd, ADumpWhoseTerminalIsGoneIsResumed)
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("plc.csv");
+    RunningHost dump({"--link", plc.link(), "dump", file, "D0:8000", "--json"});
+    while (contentOf(file).count('\n') < 2)
+        QThread::msleep(1);
+    dump.send(SIGHUP);
+    const Ended ended = dump.end();
+    EXPECT_EQ(ended.code, 130);
+    EXPECT_TRUE(holds(ended.err, "continue with --resume")) << ended.err;
+}
+
 TEST(InterruptedDemo, SaysHowFarItCame)
 {
     RunningHost demo({"demo"});
