@@ -101,8 +101,7 @@ QString rejectionLine(const Statistics& statistics)
     QStringList causes;
     for (const ReplyVerdict verdict : allVerdicts()) {
         if (verdict != ReplyVerdict::Good && statistics.of(verdict) > 0)
-            causes +=
-                QStringLiteral("%1 (%2)").arg(verdictText(verdict)).arg(statistics.of(verdict));
+            causes += QStringLiteral("%1 %2").arg(verdictText(verdict)).arg(statistics.of(verdict));
     }
     return "  rejected replies: " +
            (causes.isEmpty() ? QStringLiteral("none") : causes.join(QStringLiteral(", ")));

@@ -62,7 +62,7 @@ TEST(LineReports, NameErrorsInPerCent)
     const QStringList lines = statisticsLines(statistics, 1000000);
     EXPECT_EQ(lines[0], "  exchanges    frames  good  retried  given up  errors");
     EXPECT_EQ(lines[1], "  cyclic read      40    38        1         1     5 %");
-    EXPECT_EQ(lines[3], "  rejected replies: no reply (1), damaged: wrong checksum (2)");
+    EXPECT_EQ(lines[3], "  rejected replies: no reply 1, damaged: wrong checksum 2");
     EXPECT_EQ(lines[5], "  response time: median 0.512 ms, 95 % in 25 ms, longest 25 ms");
 }
 
