@@ -19,10 +19,19 @@ namespace {
 
 const QString standardOutput = QStringLiteral("-");
 
-[[noreturn]] void fail(const QFileDevice& file)
+[[noreturn]] void fail(const QFileDevice& file, const QString& whatNow = {})
 {
     const QString name = file.fileName().isEmpty() ? "standard output" : file.fileName();
-    throw Failure(ExitCode::File, name + ": " + file.errorString());
+    throw Failure(ExitCode::File, name + ": " + file.errorString() + whatNow);
+}
+
+// Such as a disk that is full; there is no room for the old file and the new one.
+[[noreturn]] void failInTheMiddle(const QFileDevice& file)
+{
+    const bool replacesAnother = qobject_cast<const QSaveFile*>(&file) != nullptr;
+    fail(file, replacesAnother ? QStringLiteral("; the old file is unchanged, and what was read is "
+                                                "lost: make room or name another file")
+                               : QString());
 }
 
 // What an interrupted program wrote of its last line is dropped.
@@ -85,7 +94,7 @@ bool OutputFile::isStandardOutput() const
 void OutputFile::write(const QByteArray& bytes)
 {
     if (m_file->write(bytes) != bytes.size() || !(m_file->flush() || m_file->flush()))
-        fail(*m_file);
+        failInTheMiddle(*m_file);
     m_isEmpty = false;
 }
 
@@ -100,7 +109,7 @@ void OutputFile::commit()
 {
     auto* const beside = qobject_cast<QSaveFile*>(m_file.get());
     if (beside && !beside->commit())
-        fail(*beside);
+        failInTheMiddle(*beside);
     m_isCommitted = true;
 }
 
