@@ -10,6 +10,7 @@
 #include "tools/fxview/plc/chosen_plc.h"
 #include "tools/fxview/plc/plc_thread.h"
 #include "tools/fxview/plc/recipe_orders.h"
+#include "tools/fxview/screens/plain_screen.h"
 #include "tools/fxview/widgets/language.h"
 #include "tools/fxview/widgets/page_pictures.h"
 #include "tools/fxview/widgets/theme.h"

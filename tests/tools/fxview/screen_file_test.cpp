@@ -5,6 +5,7 @@
 
 #include "tests/tools/fxview/view_support.h"
 #include "tests/tools/support/loaded_driver.h"
+#include "tools/fxview/screens/plain_screen.h"
 #include "tools/fxview/screens/screen_file.h"
 #include "tools/tags/tag_file.h"
 

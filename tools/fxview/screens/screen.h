@@ -74,5 +74,6 @@ constexpr int mostGridCells = 50;  // in a row or a column
 extern const QStringList lampColours;
 
 bool isWriting(ElementKind kind);
+QString nameOf(ElementKind kind);  // as in a screen file
 
 }  // namespace fxview

@@ -27,11 +27,6 @@ constexpr int mostDecimals = 9;
 const QStringList actionNames{QStringLiteral("momentary"), QStringLiteral("set"),
                               QStringLiteral("reset")};
 
-QString nameOf(ElementKind kind)
-{
-    return QLatin1String(elementNames[static_cast<size_t>(kind)]);
-}
-
 QString tagKindText(const Tag& tag)
 {
     return tag.isOneBit()   ? QStringLiteral("a bit")
@@ -278,37 +273,7 @@ private:
     QHash<QPair<int, int>, int> m_users;  // the line of the element in a cell of the page
 };
 
-ElementKind plainKind(const Tag& tag)
-{
-    const bool mayWrite = !isReadOnly(tag);
-    if (tag.isOneBit())
-        return mayWrite ? ElementKind::Switch : ElementKind::Lamp;
-    if (!tag.isNumber())
-        return ElementKind::Text;
-    return mayWrite ? ElementKind::NumericEntry : ElementKind::NumericDisplay;
-}
-
-QString inToml(QString text)
-{
-    text.replace('\\', QLatin1String("\\\\")).replace('"', QLatin1String("\\\""));
-    for (QChar& character : text) {
-        if (character.category() == QChar::Other_Control)
-            character = ' ';
-    }
-    return '"' + text + '"';
-}
-
 }  // namespace
-
-const QStringList lampColours{QStringLiteral("green"),  QStringLiteral("red"),
-                              QStringLiteral("yellow"), QStringLiteral("blue"),
-                              QStringLiteral("white"),  QStringLiteral("grey")};
-
-bool isWriting(ElementKind kind)
-{
-    return kind == ElementKind::PushButton || kind == ElementKind::Switch ||
-           kind == ElementKind::NumericEntry;
-}
 
 ScreenFile readScreenFile(const QString& path, const QVector<Tag>& tags)
 {
@@ -322,46 +287,6 @@ ScreenFile readScreenFile(const QString& path, const QVector<Tag>& tags)
         file.mistakes.append({0, 0, failure.text().mid(path.size() + 2)});
     }
     return file;
-}
-
-Screen plainScreen(const QVector<Tag>& tags)
-{
-    constexpr int columns = 4, rows = 6, most = columns * rows * 20;
-    Screen screen;
-    for (int index = 0; index < std::min(tags.size(), most); ++index) {
-        const int place = index % (columns * rows);
-        if (place == 0)
-            screen.pages.append({QString::number(screen.pages.size() + 1), columns, rows, {}});
-        const Tag& tag = tags[index];
-        Element element;
-        element.kind = plainKind(tag);
-        element.tag = index;
-        element.row = place / columns + 1;
-        element.column = place % columns + 1;
-        element.label = tag.name;
-        screen.pages.last().elements.append(element);
-    }
-    return screen;
-}
-
-QString plainScreenText(const QVector<Tag>& tags)
-{
-    QString text;
-    for (const GridPage& page : plainScreen(tags).pages) {
-        text += QStringLiteral("[[page]]\ntitle = %1\ncolumns = %2\nrows = %3\n")
-                    .arg(inToml(page.title))
-                    .arg(page.columns)
-                    .arg(page.rows);
-        for (const Element& element : page.elements) {
-            text += QStringLiteral("\n[[page.%1]]\ntag = %2\nrow = %3\ncolumn = %4\nlabel = %5\n")
-                        .arg(nameOf(element.kind), inToml(tags[element.tag].name))
-                        .arg(element.row)
-                        .arg(element.column)
-                        .arg(inToml(element.label));
-        }
-        text += '\n';
-    }
-    return text;
 }
 
 }  // namespace fxview

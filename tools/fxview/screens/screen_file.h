@@ -31,9 +31,4 @@ struct ScreenFile
 
 ScreenFile readScreenFile(const QString& path, const QVector<fxtools::Tag>& tags);
 
-// Made of the tags alone, in their order: what can be written as switches and numeric entries, all
-// else as lamps, numeric displays and texts. Of very many tags the first. Also as a file.
-Screen plainScreen(const QVector<fxtools::Tag>& tags);
-QString plainScreenText(const QVector<fxtools::Tag>& tags);
-
 }  // namespace fxview

@@ -3,14 +3,12 @@
 
 #include "tools/fxview/widgets/main_window.h"
 
-#include "tools/fxview/plc/recipe_orders.h"
 #include "tools/fxview/widgets/theme.h"
 
 #include <QCloseEvent>
 #include <QEvent>
 #include <QScreen>
 #include <QStatusBar>
-#include <QTabBar>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -48,8 +46,6 @@ MainWindow::MainWindow(PlcSource& source, const Clock& clock)
 // The pages look into the books, which end before what a window owns.
 MainWindow::~MainWindow()
 {
-    m_screenWrites.disconnect();  // from what ends now
-    m_screenWrites.releaseAll();
     delete takeCentralWidget();
 }
 
@@ -109,47 +105,6 @@ void MainWindow::listen()
     connect(&m_source, &PlcSource::written, &writeBar, &WriteBar::take);
 }
 
-void MainWindow::listenToRecipes()
-{
-    connect(m_recipePage, &RecipePage::ordered, this, [this](const RecipeOrder& order) {
-        // A release that is owed must not wait for a transfer of minutes.
-        if (m_screenWrites.isReleased() || order.act == RecipeOrder::Act::Open)
-            m_source.order(order);
-        else
-            m_recipePage->take(refusedRecipe(order, tr("a push button is not released yet")));
-    });
-    connect(m_recipePage, &RecipePage::cancelled, &m_source, &PlcSource::cancelRecipe);
-    connect(&m_source, &PlcSource::recipeMoved, m_recipePage, &RecipePage::showProgress);
-    connect(m_recipePage, &RecipePage::stated, this,
-            [this](const QString& recipe, const QString& text, bool isNothingWritten) {
-                showRecipeNotes(m_recipeNotes.set(recipe, text, isNothingWritten));
-            });
-    connect(&m_source, &PlcSource::recipeEnded, this, [this](const RecipeResult& result) {
-        m_recipePage->take(result);
-        m_mustClose = false;
-    });
-    connect(m_problems, &ProblemBar::closed, this, [this](Problem problem) {
-        if (problem == Problem::Recipe)
-            showRecipeNotes(m_recipeNotes.clear());
-    });
-}
-
-// While a download runs, the page says how far it is.
-void MainWindow::showRecipeNotes(const QString& problem)
-{
-    const QString text = m_recipePage->isDownloading() ? QString() : m_recipeNotes.text();
-    if (problem.isEmpty() && text.isEmpty())
-        m_problems->clear(Problem::Recipe);
-    else
-        m_problems->set(Problem::Recipe, problem.isEmpty() ? text : text + ' ' + problem);
-}
-
-void MainWindow::keepRecipeNotesIn(const QString& file)
-{
-    m_recipeNotes = RecipeNotes(file);
-    showRecipeNotes({});
-}
-
 // The one who closes the window in the middle of a download sees first what is in the PLC by then.
 // Who closes it once more sees it at the next start. It closes when all push buttons are known to
 // be released, or after a while.
@@ -173,59 +128,6 @@ void MainWindow::closeSoon()
 {
     if (!m_mustClose || !m_recipePage->isDownloading())
         close();
-}
-
-void MainWindow::listenToScreen()
-{
-    connect(&m_screenWrites, &ScreenWrites::changed, this, &MainWindow::showReleases);
-    connect(&m_screenWrites, &ScreenWrites::stillOn, this, [this](int tag) {
-        qWarning("fxview: %s is still on", qPrintable(m_values.tag(tag).name));
-        m_problems->set(Problem::StillOn,
-                        tr("%1 is still on, though the release of its push button was sent three "
-                           "times: the program of the PLC may hold it.")
-                            .arg(m_values.tag(tag).name));
-    });
-    connect(m_screenPage, &ScreenPage::mistakesFound, this, [this](const QStringList& mistakes) {
-        for (const QString& mistake : mistakes)
-            qWarning("fxview: %s", qPrintable(mistake));
-        if (mistakes.isEmpty()) {
-            m_problems->clear(Problem::Screen);
-        } else if (mistakes.size() == 1) {
-            m_problems->set(Problem::Screen, mistakes.first());
-        } else {
-            m_problems->set(Problem::Screen, tr("%1 (the first of %2 mistakes; the page Screen "
-                                                "lists them)")
-                                                 .arg(mistakes.first())
-                                                 .arg(mistakes.size()));
-        }
-    });
-}
-
-void MainWindow::openScreen(const QString& file, bool isFirstPage)
-{
-    if (isFirstPage) {
-        m_pages->tabBar()->moveTab(m_pages->indexOf(m_screenPage), 0);
-        m_pages->setCurrentWidget(m_screenPage);
-    }
-    m_screenPage->open(file);
-}
-
-void MainWindow::showReleases()
-{
-    QStringList names;
-    for (const int tag : m_screenWrites.overdue())
-        names += m_values.tag(tag).name;
-    if (names.isEmpty()) {
-        m_problems->clear(Problem::Release);
-    } else {
-        m_problems->set(Problem::Release,
-                        tr("%1 may still be on: the PLC has not confirmed the release of the push "
-                           "button. It is sent again as soon as the PLC answers; until then, stop "
-                           "the machine by its own switches.")
-                            .arg(names.join(QStringLiteral(", "))));
-    }
-    if (m_closingMs && m_screenWrites.isReleased())
-        QMetaObject::invokeMethod(this, "close", Qt::QueuedConnection);
 }
 
 // What cannot be released in this time is told to whoever started the program.

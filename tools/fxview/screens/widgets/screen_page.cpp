@@ -3,6 +3,7 @@
 
 #include "tools/fxview/screens/widgets/screen_page.h"
 
+#include "tools/fxview/screens/plain_screen.h"
 #include "tools/fxview/screens/widgets/element_controls.h"
 #include "tools/fxview/screens/widgets/element_grid.h"
 #include "tools/fxview/widgets/write_bar.h"
