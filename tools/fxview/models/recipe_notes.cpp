@@ -19,12 +19,12 @@ RecipeNotes::RecipeNotes(const QString& path) : m_path(path)
     m_written = m_texts;
 }
 
-QString RecipeNotes::set(const QString& recipe, const QString& text, bool isNothingWritten)
+QString RecipeNotes::set(const QString& recipe, const QString& text, bool isNoneKnownWritten)
 {
     const QString line = QString(text).replace('\n', ' ');
-    if (!isNothingWritten)
+    if (!isNoneKnownWritten)
         m_written.insert(recipe, line);
-    const QString known = isNothingWritten ? m_written.value(recipe) : QString();
+    const QString known = isNoneKnownWritten ? m_written.value(recipe) : QString();
     m_texts.insert(recipe, known.isEmpty() ? line : line + ' ' + known);
     if (text.isEmpty())
         m_texts.remove(recipe);

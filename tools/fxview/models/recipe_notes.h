@@ -19,9 +19,9 @@ public:
     // Reads what the file holds from before.
     explicit RecipeNotes(const QString& path);
 
-    // What is said of a recipe replaces what was; empty: it is whole. Where nothing was written,
-    // it stands before what was known already. Returns why it cannot be kept, or nothing.
-    QString set(const QString& recipe, const QString& text, bool isNothingWritten = false);
+    // What is said of a recipe replaces what was; empty: it is whole. Where nothing is known to be
+    // written, it stands before what was known already. Returns why it cannot be kept, or nothing.
+    QString set(const QString& recipe, const QString& text, bool isNoneKnownWritten = false);
     QString clear();
 
     QString text() const;  // of all recipes, a line each

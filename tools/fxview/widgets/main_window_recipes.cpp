@@ -19,8 +19,8 @@ void MainWindow::listenToRecipes()
     connect(m_recipePage, &RecipePage::cancelled, &m_source, &PlcSource::cancelRecipe);
     connect(&m_source, &PlcSource::recipeMoved, m_recipePage, &RecipePage::showProgress);
     connect(m_recipePage, &RecipePage::stated, this,
-            [this](const QString& recipe, const QString& text, bool isNothingWritten) {
-                showRecipeNotes(m_recipeNotes.set(recipe, text, isNothingWritten));
+            [this](const QString& recipe, const QString& text, bool isNoneKnownWritten) {
+                showRecipeNotes(m_recipeNotes.set(recipe, text, isNoneKnownWritten));
             });
     connect(&m_source, &PlcSource::recipeEnded, this, [this](const RecipeResult& result) {
         m_recipePage->take(result);

@@ -37,7 +37,7 @@ signals:
 
     // What is to be known of a recipe that is in the PLC by half, or may be; empty: it is whole.
     // Where nothing was written, what was known before still holds.
-    void stated(const QString& recipe, const QString& text, bool isNothingWritten);
+    void stated(const QString& recipe, const QString& text, bool isNoneKnownWritten);
 
 private:
     enum class Step
