@@ -3,14 +3,10 @@
 
 #include "tools/fxview/widgets/recipe_page.h"
 
-#include "tools/fxview/widgets/scrolled.h"
-
 #include "tools/service/recipe.h"
 
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QHeaderView>
-#include <QVBoxLayout>
 
 namespace fxview {
 
@@ -26,103 +22,40 @@ QString nameOf(const QString& file)
 }  // namespace
 
 RecipePage::RecipePage(const QVector<fxtools::Tag>& tags, QWidget* parent)
-    : QWidget(parent), m_table(new RecipeTable(tags, this)), m_file(new QLineEdit(this)),
-      m_browse(new QPushButton(tr("&Browse…"), this)), m_open(new QPushButton(tr("&Open"), this)),
-      m_registers(new QLineEdit(this)), m_compare(new QPushButton(tr("Co&mpare"), this)),
-      m_download(new QPushButton(tr("&Download…"), this)),
-      m_upload(new QPushButton(tr("&Upload…"), this)), m_view(new QTableView(this)),
-      m_said(new QLabel(this)), m_progress(new QProgressBar(this)),
-      m_cancel(new QPushButton(tr("Canc&el"), this)),
-      m_yes(new QPushButton(tr("&Yes, write"), this)), m_no(new QPushButton(tr("&No"), this))
+    : QWidget(parent), m_table(new RecipeTable(tags, this)), m_controls(*this, *m_table)
 {
-    setUpTable();
-    layOut();
     listen();
     say(tr("Open a file with a line ADDRESS,VALUE for each register, or name registers and a new "
            "file to upload into"));
     setStep(Step::Idle);
 }
 
-void RecipePage::layOut()
-{
-    m_file->setAccessibleName(tr("Recipe file"));
-    m_file->setPlaceholderText(tr("recipe file"));
-    m_registers->setAccessibleName(tr("Registers to upload"));
-    m_registers->setPlaceholderText(tr("registers to upload, for example D1000:64 D200"));
-    m_download->setToolTip(tr("From the file to the PLC"));
-    m_upload->setToolTip(tr("From the PLC to the file"));
-    m_said->setObjectName(QStringLiteral("recipeSaid"));
-    m_said->setWordWrap(true);
-    m_said->setTextFormat(Qt::PlainText);
-    m_progress->setAccessibleName(tr("Progress"));
-    auto* files = new QHBoxLayout;
-    files->addWidget(new QLabel(tr("File"), this));
-    files->addWidget(m_file, 1);
-    files->addWidget(m_browse);
-    files->addWidget(m_open);
-    auto* acts = new QHBoxLayout;
-    acts->addWidget(new QLabel(tr("Registers"), this));
-    acts->addWidget(m_registers, 1);
-    for (QPushButton* button : {m_compare, m_download, m_upload})
-        acts->addWidget(button);
-    auto* bottom = new QHBoxLayout;
-    bottom->addWidget(m_said, 2);
-    bottom->addWidget(m_progress, 1);
-    for (QPushButton* button : {m_cancel, m_yes, m_no})
-        bottom->addWidget(button);
-    auto* rows = new QVBoxLayout(scrolledIn(this));
-    rows->addLayout(files);
-    rows->addLayout(acts);
-    rows->addWidget(m_view, 1);
-    rows->addLayout(bottom);
-}
-
-void RecipePage::setUpTable()
-{
-    m_view->setModel(m_table);
-    m_view->setAccessibleName(tr("Recipe"));
-    m_view->setSelectionBehavior(QAbstractItemView::SelectRows);
-    m_view->setAlternatingRowColors(true);
-    m_view->setTabKeyNavigation(false);
-    m_view->setWordWrap(false);
-    m_view->verticalHeader()->hide();
-    m_view->verticalHeader()->setDefaultSectionSize(fontMetrics().height() * 3 / 2);
-    QHeaderView& header = *m_view->horizontalHeader();
-    const int letter = fontMetrics().averageCharWidth();
-    const std::array<int, RecipeTable::columns> letters = {12, 20, 12, 20, 30, 10};
-    for (int column = 0; column < RecipeTable::columns; ++column)
-        header.resizeSection(column, letters[static_cast<size_t>(column)] * letter);
-    header.setSectionResizeMode(RecipeTable::State, QHeaderView::Stretch);
-}
-
 void RecipePage::listen()
 {
-    connect(m_browse, &QPushButton::clicked, this, &RecipePage::browse);
-    connect(m_open, &QPushButton::clicked, this, [this] { start(Act::Open); });
-    connect(m_file, &QLineEdit::returnPressed, m_open, &QPushButton::click);
-    connect(m_file, &QLineEdit::textChanged, this, [this] { setStep(m_step); });
-    connect(m_registers, &QLineEdit::textChanged, this, [this] { setStep(m_step); });
-    connect(m_compare, &QPushButton::clicked, this, [this] { start(Act::Compare); });
-    connect(m_download, &QPushButton::clicked, this, &RecipePage::askToDownload);
-    connect(m_upload, &QPushButton::clicked, this, &RecipePage::upload);
-    connect(m_cancel, &QPushButton::clicked, this, &RecipePage::cancel);
-    connect(m_yes, &QPushButton::clicked, this, [this] { answer(true); });
-    connect(m_no, &QPushButton::clicked, this, [this] { answer(false); });
-    for (QPushButton* button : findChildren<QPushButton*>())
-        button->setAutoDefault(true);  // Enter presses it
+    connect(m_controls.browse, &QPushButton::clicked, this, &RecipePage::browse);
+    connect(m_controls.open, &QPushButton::clicked, this, [this] { start(Act::Open); });
+    connect(m_controls.file, &QLineEdit::returnPressed, m_controls.open, &QPushButton::click);
+    connect(m_controls.file, &QLineEdit::textChanged, this, [this] { setStep(m_step); });
+    connect(m_controls.registers, &QLineEdit::textChanged, this, [this] { setStep(m_step); });
+    connect(m_controls.compare, &QPushButton::clicked, this, [this] { start(Act::Compare); });
+    connect(m_controls.download, &QPushButton::clicked, this, &RecipePage::askToDownload);
+    connect(m_controls.upload, &QPushButton::clicked, this, &RecipePage::upload);
+    connect(m_controls.cancel, &QPushButton::clicked, this, &RecipePage::cancel);
+    connect(m_controls.yes, &QPushButton::clicked, this, [this] { answer(true); });
+    connect(m_controls.no, &QPushButton::clicked, this, [this] { answer(false); });
 }
 
 // A window beside this one, which goes on.
 void RecipePage::browse()
 {
-    auto* dialog = new QFileDialog(this, tr("Recipe file"), m_file->text(),
+    auto* dialog = new QFileDialog(this, tr("Recipe file"), m_controls.file->text(),
                                    tr("Recipes (*.csv);;All files (*)"));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setModal(false);
     dialog->setOption(QFileDialog::DontUseNativeDialog);
     dialog->setFileMode(QFileDialog::AnyFile);
     dialog->setLabelText(QFileDialog::Accept, tr("Choose"));
-    connect(dialog, &QFileDialog::fileSelected, m_file, &QLineEdit::setText);
+    connect(dialog, &QFileDialog::fileSelected, m_controls.file, &QLineEdit::setText);
     dialog->show();
 }
 
@@ -141,13 +74,13 @@ void RecipePage::start(RecipeOrder::Act act, bool mayReplace)
 {
     m_order.id += 1;
     m_order.act = act;
-    m_order.file = m_file->text();
-    m_order.registers = m_registers->text();
+    m_order.file = m_controls.file->text();
+    m_order.registers = m_controls.registers->text();
     m_order.recipe =
         act == Act::Compare || act == Act::Download ? m_runs : QVector<fxtools::RegisterRun>();
     m_order.mayReplace = mayReplace;
     m_readingMs = m_nowMs;
-    m_progress->reset();
+    m_controls.progress->reset();
     setStep(Step::Busy);
     if (act == Act::Download) {
         say(tr("Writing %1 to the PLC…").arg(nameOf(m_recipe)));
@@ -163,8 +96,8 @@ void RecipePage::showProgress(int id, int done, int total, bool isReadingBack)
 {
     if (id != m_order.id || m_step != Step::Busy)
         return;
-    m_progress->setRange(0, total);
-    m_progress->setValue(done);
+    m_controls.progress->setRange(0, total);
+    m_controls.progress->setValue(done);
     if (!isDownloading())
         return;
     if (isReadingBack) {
@@ -195,26 +128,26 @@ QString RecipePage::objection() const
 void RecipePage::askToDownload()
 {
     setStep(Step::AskingToDownload);
-    m_yes->setText(tr("&Yes, write"));
+    m_controls.yes->setText(tr("&Yes, write"));
     say(tr("Write %1 values of %2 to the PLC? %3 differ from what it held, %4 were not read.")
             .arg(m_table->rowCount())
             .arg(nameOf(m_recipe))
             .arg(m_table->different())
             .arg(m_table->unread()));
-    m_no->setFocus();
+    m_controls.no->setFocus();
 }
 
 void RecipePage::upload()
 {
-    if (!QFileInfo::exists(m_file->text())) {
+    if (!QFileInfo::exists(m_controls.file->text())) {
         start(Act::Upload);
         return;
     }
     setStep(Step::AskingToReplace);
-    m_yes->setText(tr("&Yes, replace"));
+    m_controls.yes->setText(tr("&Yes, replace"));
     say(tr("%1 exists. Replace it by the values that the PLC holds in %2?")
-            .arg(m_file->text(), m_registers->text()));
-    m_no->setFocus();
+            .arg(m_controls.file->text(), m_controls.registers->text()));
+    m_controls.no->setFocus();
 }
 
 void RecipePage::answer(bool isYes)
@@ -228,7 +161,7 @@ void RecipePage::answer(bool isYes)
         start(Act::Download);
     else if (asked == Step::AskingToReplace)
         start(Act::Upload, true);
-    (asked == Step::AskingToReplace ? m_upload : m_download)->setFocus();
+    (asked == Step::AskingToReplace ? m_controls.upload : m_controls.download)->setFocus();
 }
 
 void RecipePage::take(const RecipeResult& result)
@@ -277,7 +210,7 @@ void RecipePage::takeOpened(const RecipeResult& result)
     QStringList registers;
     for (const fxtools::RegisterRange& range : fxtools::rangesOf(m_runs))
         registers += range.text();
-    m_registers->setText(registers.join(' '));
+    m_controls.registers->setText(registers.join(' '));
     if (m_isLinkUp)
         start(Act::Compare);
     else
@@ -309,7 +242,7 @@ void RecipePage::sayDifferences()
 
 void RecipePage::say(const QString& text)
 {
-    m_said->setText(text);
+    m_controls.said->setText(text);
 }
 
 void RecipePage::setLinkUp(bool isUp)
@@ -323,21 +256,13 @@ void RecipePage::setLinkUp(bool isUp)
 void RecipePage::setStep(Step step)
 {
     m_step = step;
-    const bool isIdle = step == Step::Idle;
-    const bool hasFile = !m_file->text().trimmed().isEmpty();
-    const bool isAsking = step == Step::AskingToDownload || step == Step::AskingToReplace;
-    for (QWidget* widget : {static_cast<QWidget*>(m_file), static_cast<QWidget*>(m_browse),
-                            static_cast<QWidget*>(m_registers)})
-        widget->setEnabled(isIdle);
-    m_open->setEnabled(isIdle && hasFile);
-    m_compare->setEnabled(isIdle && m_isLinkUp && !m_runs.isEmpty());
-    m_download->setEnabled(isIdle && m_isLinkUp && !m_runs.isEmpty() && objection().isEmpty());
-    m_upload->setEnabled(isIdle && m_isLinkUp && hasFile &&
-                         !m_registers->text().trimmed().isEmpty());
-    m_progress->setVisible(step == Step::Busy);
-    m_cancel->setVisible(step == Step::Busy);
-    m_yes->setVisible(isAsking);
-    m_no->setVisible(isAsking);
+    RecipeControls::Possible possible;
+    possible.isIdle = step == Step::Idle;
+    possible.isAsking = step == Step::AskingToDownload || step == Step::AskingToReplace;
+    possible.isLinkUp = m_isLinkUp;
+    possible.isOpen = !m_runs.isEmpty();
+    possible.isAllowed = objection().isEmpty();
+    m_controls.enable(possible);
 }
 
 void RecipePage::showMoment(qint64 nowMs)

@@ -7,12 +7,7 @@
 #pragma once
 
 #include "tools/fxview/models/recipe_table.h"
-
-#include <QLabel>
-#include <QLineEdit>
-#include <QProgressBar>
-#include <QPushButton>
-#include <QTableView>
+#include "tools/fxview/widgets/recipe_controls.h"
 
 namespace fxview {
 
@@ -48,8 +43,6 @@ private:
         Busy,
     };
 
-    void layOut();
-    void setUpTable();
     void listen();
     void browse();
     void start(RecipeOrder::Act act, bool mayReplace = false);
@@ -64,6 +57,7 @@ private:
     QString objection() const;  // why nothing may be downloaded
 
     RecipeTable* m_table;
+    RecipeControls m_controls;
     Step m_step = Step::Idle;
     RecipeOrder m_order;  // the last one
     QString m_recipe;     // the file that the table shows
@@ -72,19 +66,6 @@ private:
     qint64 m_readingMs = 0;  // when the reading of the PLC began
     bool m_isReadingBack = false;
     bool m_isLinkUp = false;
-    QLineEdit* m_file;
-    QPushButton* m_browse;
-    QPushButton* m_open;
-    QLineEdit* m_registers;
-    QPushButton* m_compare;
-    QPushButton* m_download;
-    QPushButton* m_upload;
-    QTableView* m_view;
-    QLabel* m_said;
-    QProgressBar* m_progress;
-    QPushButton* m_cancel;
-    QPushButton* m_yes;
-    QPushButton* m_no;
 };
 
 }  // namespace fxview
