@@ -26,7 +26,7 @@ public:
 
     // Throws Failure, also if the name is an address: then the file was forgotten.
     OutputFile(const QString& name, Mode mode, const RegisterCatalogue& catalogue);
-    ~OutputFile();  // removes a new file that nothing was written to
+    ~OutputFile();  // removes a new file that nothing was written to, or that is discarded
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
 
@@ -36,6 +36,7 @@ public:
     void write(const QByteArray& bytes);  // all of them, to the system; throws Failure
     void sync();                          // a power cut no longer costs them; throws Failure
     void commit();                        // the file is complete; throws Failure
+    void discard() { m_isEmpty = true; }  // unless it is: a part of it is of no use
 
 private:
     std::unique_ptr<QFileDevice> openedFile(Mode mode) const;

@@ -154,6 +154,19 @@ RecipeOutcome uploadRecipe(Connection& connection, const QVector<RegisterRange>&
     return outcome;
 }
 
+void saveRecipe(OutputFile& file, const QVector<RegisterRun>& recipe)
+{
+    RegisterFileWriter writer(file);
+    try {
+        for (const RegisterRun& run : recipe)
+            writer.add(run);
+        writer.finish();
+    } catch (const Failure&) {
+        file.discard();
+        throw;
+    }
+}
+
 // An entry that was sent without a clear reply is "possibly written".
 QString stoppedText(const RecipeOutcome& outcome, RecipeDirection direction,
                     const QVector<RegisterRange>& entries)

@@ -26,6 +26,9 @@ RecipeOutcome downloadRecipe(Connection& connection, const QVector<RegisterRun>&
 RecipeOutcome uploadRecipe(Connection& connection, const QVector<RegisterRange>& entries,
                            QVector<RegisterRun>& recipe, const Progress& progress);
 
+// All of it or nothing: of a new file that does not fit the disk nothing stays. Throws Failure.
+void saveRecipe(OutputFile& file, const QVector<RegisterRun>& recipe);
+
 // "D32 … D63: no reply in time; 1 of 3 entries transferred, up to D0 … D31; D32 … D63 possibly
 // written".
 QString stoppedText(const RecipeOutcome& outcome, RecipeDirection direction,

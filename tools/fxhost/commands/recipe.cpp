@@ -85,12 +85,8 @@ ExitCode runUpload(const CommonOptions& common, const UploadOptions& options)
     QVector<RegisterRun> recipe;
     const RecipeOutcome outcome =
         uploadRecipe(connection, entries, recipe, progressOf(output, "upload"));
-    if (outcome.isGood()) {
-        RegisterFileWriter writer(file);
-        for (const RegisterRun& run : qAsConst(recipe))
-            writer.add(run);
-        writer.finish();
-    }
+    if (outcome.isGood())
+        saveRecipe(file, recipe);
     return finish(output, RecipeDirection::Upload, outcome, entries);
 }
 
