@@ -725,10 +725,6 @@
         <translation>Nichts wurde aus der SPS gelesen: %1. Die Datei ist, wie sie war.</translation>
     </message>
     <message>
-        <source>Done: %1 values of the PLC are in %2</source>
-        <translation>Fertig: %1 Werte der SPS sind in %2</translation>
-    </message>
-    <message>
         <source>Not opened: %1</source>
         <translation>Nicht geöffnet: %1</translation>
     </message>
@@ -747,6 +743,10 @@
     <message>
         <source>Registers</source>
         <translation>Register</translation>
+    </message>
+    <message>
+        <source>Open the file first: the table still shows %1</source>
+        <translation>Öffnen Sie zuerst die Datei: Die Tabelle zeigt noch %1</translation>
     </message>
 </context>
 <context>
@@ -854,6 +854,18 @@
     <message>
         <source>State</source>
         <translation>Zustand</translation>
+    </message>
+    <message>
+        <source>%1 values of the PLC are in %2, but not all could be compared afterwards: %3</source>
+        <translation>%1 Werte der SPS sind in %2, aber nicht alle konnten danach verglichen werden: %3</translation>
+    </message>
+    <message>
+        <source>Done: %1 values of the PLC are in %2, compared</source>
+        <translation>Fertig: %1 Werte der SPS sind in %2, verglichen</translation>
+    </message>
+    <message>
+        <source>%1 values of the PLC are in %2, but the PLC now holds others in %3. Does its program write there?</source>
+        <translation>%1 Werte der SPS sind in %2, aber die SPS enthält jetzt andere in %3. Schreibt ihr Programm dort?</translation>
     </message>
 </context>
 <context>

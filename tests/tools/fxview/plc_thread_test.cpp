@@ -12,6 +12,7 @@
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 using namespace fxview;
 using fxtools::AddressServices;
@@ -495,6 +496,29 @@ TEST_F(RecipeInThread, ThatCameUpIsJudgedBeforeItGoesDown)
     EXPECT_TRUE(result.problem.contains("SD8130")) << qPrintable(result.problem);
 }
 
+TEST_F(RecipeInThread, ThatHasChangedOnTheDiskIsNotWrittenAsItWas)
+{
+    startQuietly();
+    const RecipeResult file = opened(newFile("oven.csv", "D1000,1\nD1001,2\n"));
+    RecipeOrder order = orderFor(RecipeOrder::Act::Download, file.recipe);
+    order.file = newFile("oven.csv", "D1000,1\nD1001,3\n");
+    RecipeResult result = ended(order);
+    EXPECT_EQ(result.problem, order.file + " has changed since it was opened; open it again");
+    EXPECT_EQ(states(result), "0 written, 0 unknown, 2 not written");
+    newFile("oven.csv", "# the same\nD1000,1\nD1001,2\n");
+    EXPECT_EQ(ended(order).problem, "");
+}
+
+TEST_F(RecipeInThread, ThatCameUpIsComparedOnceMore)
+{
+    startQuietly();
+    m_plc->benchCommand("faults nak@2-");
+    const RecipeResult result = uploaded("D1000:2");
+    EXPECT_EQ(result.problem, "") << "the file is whole";
+    EXPECT_EQ(result.notCompared, "refused by the PLC (NAK)");
+    EXPECT_EQ(read(result), 0) << "nothing is shown that was not read";
+}
+
 TEST_F(RecipeInThread, ThatIsTooLongIsRefused)
 {
     startQuietly();
@@ -542,6 +566,10 @@ TEST_F(RecipeInThread, NamesTheLineOfAMistakeInItsFile)
     const QString file = newFile("wrong.csv", "D1,1\nD2,x\n");
     EXPECT_TRUE(opened(file).problem.startsWith(file + ", line 2: "));
     EXPECT_EQ(opened(newFile("bits.csv", "M1,1\n")).problem, "M1: recipes hold words, not bits");
+    const QString pipe = m_folder.filePath("pipe.csv");
+    ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    EXPECT_EQ(opened(pipe).problem, pipe + ": not a regular file") << "it would wait for a writer";
+    EXPECT_TRUE(opened(m_folder.path()).problem.startsWith(m_folder.path() + ": "));
 }
 
 TEST_F(RecipeInThread, ComesUpIntoANewFile)

@@ -344,9 +344,53 @@ TEST_F(RecipeInWindow, ComesUpIntoAFileThatIsNew)
     RecipeResult up = result();
     up.recipe = ovenRecipe();
     up.values = valuesOf(up.recipe);
+    for (RecipeValue& value : up.values)
+        value.inPlc = value.inFile;
     emit plc.recipeEnded(up);
-    EXPECT_EQ(said(), "Done: 6 values of the PLC are in " + folder.filePath("new.csv"));
+    EXPECT_EQ(said(), "Done: 6 values of the PLC are in " + order().file + ", compared");
     EXPECT_EQ(table->model()->rowCount(), 6);
+}
+
+TEST_F(RecipeInWindow, ThatChangedWhileItCameUpIsTold)
+{
+    RecipeResult up;
+    up.recipe = ovenRecipe();
+    up.values = valuesOf(up.recipe);
+    up.notCompared = "no reply";
+    EXPECT_EQ(uploadText("up.csv", up), "6 values of the PLC are in up.csv, but not all could be "
+                                        "compared afterwards: no reply");
+    up.notCompared.clear();
+    up.values[5].inPlc = 7;
+    EXPECT_EQ(uploadText("up.csv", up), "6 values of the PLC are in up.csv, but the PLC now holds "
+                                        "others in D11. Does its program write there?");
+}
+
+TEST_F(RecipeInWindow, IsTheFileThatIsNamed)
+{
+    openAndCompare();
+    QTest::keyClicks(find<QLineEdit>("Recipe file"), "2");
+    EXPECT_FALSE(button("Download…")->isEnabled()) << "it would write the other one";
+    EXPECT_FALSE(button("Compare")->isEnabled());
+    EXPECT_EQ(said(), "Open the file first: the table still shows " + fileName);
+    QTest::keyClick(find<QLineEdit>("Recipe file"), Qt::Key_Backspace);
+    EXPECT_TRUE(button("Download…")->isEnabled());
+}
+
+TEST_F(RecipeInWindow, HasTheAgeOfItsOwnReadingBack)
+{
+    const auto readBackAfter12s = [this] {
+        button("Download…")->click();
+        button("Yes, write")->click();
+        passMs(12000);
+        emit plc.recipeMoved(order().id, 0, 2, true);
+        emit plc.recipeEnded(wholeDone());
+        return table->model()->headerData(RecipeTable::InPlc, Qt::Horizontal).toString();
+    };
+    openAndCompare();
+    EXPECT_EQ(readBackAfter12s(), "PLC, 0 s ago");
+    EXPECT_EQ(readBackAfter12s(), "PLC, 0 s ago");
+    passMs(1000);
+    EXPECT_EQ(table->model()->headerData(RecipeTable::InPlc, Qt::Horizontal), "PLC, 1 s ago");
 }
 
 TEST_F(RecipeInWindow, AsksBeforeItReplacesAFile)

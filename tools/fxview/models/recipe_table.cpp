@@ -151,6 +151,25 @@ QString downloadText(const QString& recipe, const RecipeResult& result)
         .arg(recipe, result.problem, parts.join(QStringLiteral("; ")));
 }
 
+QString uploadText(const QString& file, const RecipeResult& result)
+{
+    const int all = result.values.size();
+    const QVector<fxtools::RegisterRange> other = differing(result.values);
+    if (!result.notCompared.isEmpty()) {
+        return RecipeTable::tr("%1 values of the PLC are in %2, but not all could be compared "
+                               "afterwards: %3")
+            .arg(all)
+            .arg(file, result.notCompared);
+    }
+    if (other.isEmpty())
+        return RecipeTable::tr("Done: %1 values of the PLC are in %2, compared").arg(all).arg(file);
+    return RecipeTable::tr(
+               "%1 values of the PLC are in %2, but the PLC now holds others in %3. Does "
+               "its program write there?")
+        .arg(all)
+        .arg(file, rangesText(other));
+}
+
 RecipeTable::RecipeTable(const QVector<fxtools::Tag>& tags, QObject* parent)
     : QAbstractTableModel(parent)
 {

@@ -55,6 +55,9 @@ private:
 // What a download has left in the PLC, in sentences; of one that is not whole, which values.
 QString downloadText(const QString& recipe, const RecipeResult& result);
 
+// What an upload has brought into its file.
+QString uploadText(const QString& file, const RecipeResult& result);
+
 // Whether all of it is in the PLC, and was seen there.
 bool isWhole(const RecipeResult& result);
 

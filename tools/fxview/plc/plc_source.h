@@ -69,13 +69,13 @@ struct RecipeOrder
         Open,      // of a file
         Compare,   // with the PLC
         Download,  // to the PLC, then compared
-        Upload,    // from the PLC to a file
+        Upload,    // from the PLC to a file, then compared
     };
 
     int id = 0;
     Act act = Act::Open;
     QVector<fxtools::RegisterRun> recipe;  // to compare or to download
-    QString file;                          // to open, or to upload into
+    QString file;                          // to open or to upload into; of the recipe
     QString registers;                     // to upload: "D1000:64 32CV210:4"
     bool mayReplace = false;               // an existing file
 };

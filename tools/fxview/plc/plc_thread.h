@@ -96,10 +96,11 @@ private:
     void openRecipe(RecipeResult& result, const QString& file) const;
     void compareRecipe(RecipeResult& result, fxtools::Connection& connection,
                        const fxtools::Progress& progress);
+    void requireUnchanged(const QString& file, const QVector<fxtools::RegisterRun>& recipe) const;
     void downloadRecipe(RecipeResult& result, fxtools::Connection& connection,
-                        const fxtools::Progress& progress);
+                        const RecipeOrder& order, const fxtools::Progress& progress);
     void uploadRecipe(RecipeResult& result, fxtools::Connection& connection,
-                      const RecipeOrder& order, const fxtools::Progress& progress) const;
+                      const RecipeOrder& order, const fxtools::Progress& progress);
     void noteRecipe(const RecipeResult& result);
     Reading readingOf(int tag, const fxtools::TagState& state) const;
     void tell(const std::function<void(News&)>& add);

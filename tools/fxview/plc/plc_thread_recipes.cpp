@@ -11,6 +11,8 @@
 #include <QFileInfo>
 #include <QMutexLocker>
 
+#include <algorithm>
+
 namespace fxview {
 
 namespace {
@@ -81,7 +83,7 @@ void PlcThread::transfer(const RecipeOrder& order, fxtools::Connection& connecti
         if (order.act == Act::Compare)
             compareRecipe(result, connection, progress);
         else if (order.act == Act::Download)
-            downloadRecipe(result, connection, progress);
+            downloadRecipe(result, connection, order, progress);
         else
             uploadRecipe(result, connection, order, progress);
     } catch (const fxtools::Failure& failure) {
@@ -105,6 +107,23 @@ void PlcThread::openRecipe(RecipeResult& result, const QString& file) const
     }
 }
 
+// Who has changed the file since it was opened wants the new values in the PLC.
+void PlcThread::requireUnchanged(const QString& file,
+                                 const QVector<fxtools::RegisterRun>& recipe) const
+{
+    const QVector<RecipeValue> now = valuesOf(
+        fxtools::registersOf(file, m_services->catalogue, m_settings.session.wordsPerFrame).runs);
+    const QVector<RecipeValue> opened = valuesOf(recipe);
+    const bool isSame = std::equal(now.begin(), now.end(), opened.begin(), opened.end(),
+                                   [](const RecipeValue& one, const RecipeValue& other) {
+                                       return one.one.identity(0) == other.one.identity(0) &&
+                                              one.inFile == other.inFile;
+                                   });
+    if (!isSame)
+        throw fxtools::Failure(fxtools::ExitCode::File,
+                               file + " has changed since it was opened; open it again");
+}
+
 void PlcThread::compareRecipe(RecipeResult& result, fxtools::Connection& connection,
                               const fxtools::Progress& progress)
 {
@@ -112,12 +131,14 @@ void PlcThread::compareRecipe(RecipeResult& result, fxtools::Connection& connect
 }
 
 void PlcThread::downloadRecipe(RecipeResult& result, fxtools::Connection& connection,
-                               const fxtools::Progress& progress)
+                               const RecipeOrder& order, const fxtools::Progress& progress)
 {
     const QVector<fxtools::RecipeObjection> objections =
         fxtools::objectionsTo(result.recipe, m_tags, m_services->catalogue);
     if (!objections.isEmpty())
         throw fxtools::Failure(fxtools::ExitCode::Usage, objections.first().text);
+    if (!order.file.isEmpty())
+        requireUnchanged(order.file, result.recipe);
     // A recipe that came up from the PLC has not been judged yet.
     fxtools::requireWritable(QStringLiteral("the recipe"), result.recipe, m_services->catalogue);
     noteOutcome(result, fxtools::downloadRecipe(connection, result.recipe, progress));
@@ -129,7 +150,7 @@ void PlcThread::downloadRecipe(RecipeResult& result, fxtools::Connection& connec
 }
 
 void PlcThread::uploadRecipe(RecipeResult& result, fxtools::Connection& connection,
-                             const RecipeOrder& order, const fxtools::Progress& progress) const
+                             const RecipeOrder& order, const fxtools::Progress& progress)
 {
     const QVector<fxtools::RegisterRange> entries = fxtools::recipeEntries(
         registersIn(order.registers, m_services->catalogue), connection.wordsPerFrame());
@@ -144,13 +165,9 @@ void PlcThread::uploadRecipe(RecipeResult& result, fxtools::Connection& connecti
         result.problem = fxtools::verdictText(*outcome.problem);
         return;
     }
-    fxtools::RegisterFileWriter writer(file);
-    for (const fxtools::RegisterRun& run : qAsConst(result.recipe))
-        writer.add(run);
-    writer.finish();
+    fxtools::saveRecipe(file, result.recipe);
     result.values = valuesOf(result.recipe);
-    for (RecipeValue& value : result.values)
-        value.inPlc = value.inFile;
+    compareRecipe(result, connection, progressOf(result.id, true));
 }
 
 void PlcThread::noteRecipe(const RecipeResult& result)

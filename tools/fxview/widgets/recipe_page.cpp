@@ -35,7 +35,7 @@ void RecipePage::listen()
     connect(m_controls.browse, &QPushButton::clicked, this, &RecipePage::browse);
     connect(m_controls.open, &QPushButton::clicked, this, [this] { start(Act::Open); });
     connect(m_controls.file, &QLineEdit::returnPressed, m_controls.open, &QPushButton::click);
-    connect(m_controls.file, &QLineEdit::textChanged, this, [this] { setStep(m_step); });
+    connect(m_controls.file, &QLineEdit::textChanged, this, &RecipePage::nameFile);
     connect(m_controls.registers, &QLineEdit::textChanged, this, [this] { setStep(m_step); });
     connect(m_controls.compare, &QPushButton::clicked, this, [this] { start(Act::Compare); });
     connect(m_controls.download, &QPushButton::clicked, this, &RecipePage::askToDownload);
@@ -43,6 +43,19 @@ void RecipePage::listen()
     connect(m_controls.cancel, &QPushButton::clicked, this, &RecipePage::cancel);
     connect(m_controls.yes, &QPushButton::clicked, this, [this] { answer(true); });
     connect(m_controls.no, &QPushButton::clicked, this, [this] { answer(false); });
+}
+
+// What is compared and downloaded is what the table shows, so that must be the file that is named.
+void RecipePage::nameFile()
+{
+    setStep(m_step);
+    if (m_step == Step::Idle && !m_runs.isEmpty() && !isOpen())
+        say(tr("Open the file first: the table still shows %1").arg(m_recipe));
+}
+
+bool RecipePage::isOpen() const
+{
+    return !m_runs.isEmpty() && m_controls.file->text() == m_recipe;
 }
 
 // A window beside this one, which goes on.
@@ -80,6 +93,7 @@ void RecipePage::start(RecipeOrder::Act act, bool mayReplace)
         act == Act::Compare || act == Act::Download ? m_runs : QVector<fxtools::RegisterRun>();
     m_order.mayReplace = mayReplace;
     m_readingMs = m_nowMs;
+    m_isReadingBack = false;
     m_controls.progress->reset();
     setStep(Step::Busy);
     if (act == Act::Download) {
@@ -98,14 +112,12 @@ void RecipePage::showProgress(int id, int done, int total, bool isReadingBack)
         return;
     m_controls.progress->setRange(0, total);
     m_controls.progress->setValue(done);
-    if (!isDownloading())
-        return;
-    if (isReadingBack) {
-        if (!std::exchange(m_isReadingBack, true))
-            m_readingMs = m_nowMs;
-        say(tr("Reading %1 back…").arg(nameOf(m_recipe)));
-        return;
+    if (isReadingBack && !std::exchange(m_isReadingBack, true)) {
+        m_readingMs = m_nowMs;
+        say(isDownloading() ? tr("Reading %1 back…").arg(nameOf(m_recipe)) : tr("Comparing…"));
     }
+    if (!isDownloading() || isReadingBack)
+        return;
     const QVector<fxtools::RegisterRange> all = fxtools::rangesOf(m_runs);
     const QString unknown = rangesText(all.mid(done));
     emit stated(m_recipe,
@@ -191,7 +203,7 @@ void RecipePage::take(const RecipeResult& result)
         m_recipe = m_order.file;
         m_runs = result.recipe;
         m_table->show(result.values, m_readingMs);
-        say(tr("Done: %1 values of the PLC are in %2").arg(m_table->rowCount()).arg(m_recipe));
+        say(uploadText(m_recipe, result));
         break;
     }
     setStep(Step::Idle);
@@ -260,7 +272,7 @@ void RecipePage::setStep(Step step)
     possible.isIdle = step == Step::Idle;
     possible.isAsking = step == Step::AskingToDownload || step == Step::AskingToReplace;
     possible.isLinkUp = m_isLinkUp;
-    possible.isOpen = !m_runs.isEmpty();
+    possible.isOpen = isOpen();
     possible.isAllowed = objection().isEmpty();
     m_controls.enable(possible);
 }

@@ -44,6 +44,7 @@ private:
     };
 
     void listen();
+    void nameFile();
     void browse();
     void start(RecipeOrder::Act act, bool mayReplace = false);
     void askToDownload();
@@ -54,6 +55,7 @@ private:
     void sayDifferences();
     void say(const QString& text);
     void setStep(Step step);
+    bool isOpen() const;        // what the file's name stands for
     QString objection() const;  // why nothing may be downloaded
 
     RecipeTable* m_table;
