@@ -7,7 +7,6 @@
 #include "tools/fxview/plc/recipe_orders.h"
 
 #include <QMutexLocker>
-#include <QTimer>
 
 namespace fxview {
 
@@ -15,12 +14,10 @@ namespace {
 
 using fxtools::Failure;
 
-constexpr qint64 betweenNewsMs = 16;
 constexpr qint64 betweenChangesMs = 100;
 constexpr qint64 betweenReportsMs = 1000;
 constexpr qint64 longestEndMs = 3000;  // of writes that wait when the program ends
 constexpr qint64 soonMs = 1000;
-constexpr int mostExchanges = 1000;
 
 Quality qualityOf(fxtools::Quality quality)
 {
@@ -42,7 +39,7 @@ PlcThread::PlcThread(const fxtools::ConnectionSettings& settings, const QString&
                      std::unique_ptr<fxtools::AddressServices> services,
                      const QVector<fxtools::Tag>& tags)
     : m_settings(settings), m_name(name), m_tags(tags), m_services(std::move(services)),
-      m_readings(tags)
+      m_news(*this, tags)
 {
     m_clock.start();
 }
@@ -104,14 +101,10 @@ void PlcThread::run()
     m_service->onLinkChanged = [this] {
         const QPair<bool, QString> link = {m_service->link() == fxtools::LinkState::Up,
                                            m_service->reason()};
-        tell([&link](News& news) { news.link = link; });
+        m_news.tell([&link](News& news) { news.link = link; });
     };
     m_service->onExchange = [this](const fxtools::Exchange& exchange) {
-        tell([&exchange](News& news) {
-            if (news.exchanges.size() >= mostExchanges)
-                news.exchanges.removeFirst();
-            news.exchanges.append(exchange);
-        });
+        m_news.tell([&exchange](News& news) { news.add(exchange); });
     };
     m_service->onWritten = [this](const QString& id, int tag, const fxtools::WriteAnswer& answer) {
         noteResult(id.toInt(), tag, answer);
@@ -122,7 +115,7 @@ void PlcThread::run()
     } catch (const Failure& failure) {
         reason = failure.text();
     }
-    tell([&reason](News& news) { news.link = {false, reason}; });
+    m_news.tell([&reason](News& news) { news.link = {false, reason}; });
     refuseUntilEnd(reason);
     m_service.reset();
 }
@@ -192,7 +185,7 @@ void PlcThread::refuse(const Order& order, const QString& reason)
     if (const auto* const write = std::get_if<WriteOrder>(&order))
         noteResult(write->id, write->tag, fxtools::refusal(reason));
     else if (const auto* const bench = std::get_if<BenchOrder>(&order))
-        tell([&](News& news) { news.refusals.append({bench->command, reason}); });
+        m_news.tell([&](News& news) { news.refusals.append({bench->command, reason}); });
     else
         noteRecipe(refusedRecipe(std::get<RecipeOrder>(order), reason));
 }
@@ -227,7 +220,7 @@ void PlcThread::noteReadings(const QVector<int>& tags)
         m_service->tags().noteTold({tag, state});
         readings.append(readingOf(tag, state));
     }
-    tell(readings);
+    m_news.tell(readings);
 }
 
 // What became old, was refused or was lost with the link.
@@ -242,7 +235,7 @@ void PlcThread::noteChanges()
         readings.last().timeMs = now.utc;
     }
     if (!readings.isEmpty())
-        tell(readings);
+        m_news.tell(readings);
     if (m_service->polling() != nullptr && m_changesMs - m_reportMs >= betweenReportsMs)
         noteReport();
 }
@@ -251,7 +244,7 @@ void PlcThread::noteReport()
 {
     m_reportMs = m_changesMs;
     const LineReport line = report();
-    tell([&line](News& news) { news.report = line; });
+    m_news.tell([&line](News& news) { news.report = line; });
 }
 
 LineReport PlcThread::report()
@@ -289,61 +282,7 @@ void PlcThread::noteResult(int id, int tag, const fxtools::WriteAnswer& answer)
                                 asNumber(answer.after),
                                 answer.reason,
                                 answer.isAcknowledged};
-    tell([&result](News& news) { news.results.append(result); });
-}
-
-void PlcThread::tell(const QVector<Reading>& readings)
-{
-    tell([&](News&) {
-        for (const Reading& reading : readings)
-            m_readings.add(reading);
-    });
-}
-
-// The window is told once that there is something, and takes all there is then.
-void PlcThread::tell(const std::function<void(News&)>& add)
-{
-    const QMutexLocker locker(&m_mutex);
-    add(m_news);
-    if (!std::exchange(m_isNewsAnnounced, true))
-        QMetaObject::invokeMethod(
-            this, [this] { giveNews(); }, Qt::QueuedConnection);
-}
-
-void PlcThread::giveNews()
-{
-    const qint64 leftMs = m_given.isValid() ? betweenNewsMs - m_given.elapsed() : 0;
-    if (leftMs > 0) {
-        QTimer::singleShot(static_cast<int>(leftMs), this, [this] { giveNews(); });
-        return;
-    }
-    m_given.start();
-    News news;
-    QVector<Reading> newReadings;
-    {
-        const QMutexLocker locker(&m_mutex);
-        std::swap(news, m_news);
-        newReadings = m_readings.take();
-        m_isNewsAnnounced = false;
-    }
-    if (!newReadings.isEmpty())
-        emit readings(newReadings);
-    if (news.link)
-        emit linkChanged(news.link->first, news.link->second);
-    if (!news.exchanges.isEmpty())
-        emit exchanges(news.exchanges);
-    if (news.report)
-        emit lineReport(*news.report);
-    for (const WriteResult& result : qAsConst(news.results))
-        emit written(result);
-    if (news.recipeMoved) {
-        const RecipeProgress& moved = *news.recipeMoved;
-        emit recipeMoved(moved.id, moved.done, moved.total, moved.isReadingBack);
-    }
-    for (const RecipeResult& result : qAsConst(news.recipes))
-        emit recipeEnded(result);
-    for (const auto& [command, reason] : qAsConst(news.refusals))
-        emit benchRefused(command, reason);
+    m_news.tell([&result](News& news) { news.results.append(result); });
 }
 
 }  // namespace fxview

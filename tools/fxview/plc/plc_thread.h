@@ -7,7 +7,7 @@
 
 #pragma once
 
-#include "tools/fxview/plc/pending_readings.h"
+#include "tools/fxview/plc/news_for_window.h"
 #include "tools/fxview/plc/plc_source.h"
 #include "tools/service/tag_service.h"
 
@@ -16,7 +16,6 @@
 #include <QThread>
 #include <QWaitCondition>
 
-#include <array>
 #include <memory>
 #include <variant>
 
@@ -54,28 +53,11 @@ private:
         qint64 sinceMs;  // by m_clock
         qint64 withinMs;
     };
-    struct RecipeProgress
-    {
-        int id, done, total;
-        bool isReadingBack;
-    };
     struct BenchOrder
     {
         QString command;
     };
     using Order = std::variant<WriteOrder, BenchOrder, RecipeOrder>;
-
-    // What the window has not taken yet.
-    struct News
-    {
-        std::optional<QPair<bool, QString>> link;
-        QVector<fxtools::Exchange> exchanges;
-        std::optional<LineReport> report;
-        QVector<WriteResult> results;
-        std::optional<RecipeProgress> recipeMoved;
-        QVector<RecipeResult> recipes;
-        QVector<QPair<QString, QString>> refusals;  // of commands
-    };
 
     void run();
     bool tick();
@@ -103,10 +85,7 @@ private:
                       const RecipeOrder& order, const fxtools::Progress& progress);
     void noteRecipe(const RecipeResult& result);
     Reading readingOf(int tag, const fxtools::TagState& state) const;
-    void tell(const std::function<void(News&)>& add);
-    void tell(const QVector<Reading>& readings);
     void add(const Order& order);
-    void giveNews();
 
     const fxtools::ConnectionSettings m_settings;
     const QString m_name;
@@ -123,16 +102,13 @@ private:
     QElapsedTimer m_clock;
     QElapsedTimer m_ending;
 
+    NewsForWindow m_news;
+
     QMutex m_mutex;  // for the rest
     QWaitCondition m_hasOrders;
     QVector<Order> m_orders;
     bool m_mustEnd = false;
     std::optional<int> m_cancelledRecipe;
-    News m_news;
-    PendingReadings m_readings;
-    bool m_isNewsAnnounced = false;
-
-    QElapsedTimer m_given;  // when the window got news last
 };
 
 }  // namespace fxview

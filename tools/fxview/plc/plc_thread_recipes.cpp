@@ -52,7 +52,7 @@ bool PlcThread::isRecipeCancelled()
 fxtools::Progress PlcThread::progressOf(int id, bool isReadingBack)
 {
     return [this, id, isReadingBack](int done, int total) {
-        tell([=](News& news) { news.recipeMoved = {id, done, total, isReadingBack}; });
+        m_news.tell([=](News& news) { news.recipeMoved = {id, done, total, isReadingBack}; });
     };
 }
 
@@ -172,7 +172,7 @@ void PlcThread::uploadRecipe(RecipeResult& result, fxtools::Connection& connecti
 
 void PlcThread::noteRecipe(const RecipeResult& result)
 {
-    tell([&result](News& news) { news.recipes.append(result); });
+    m_news.tell([&result](News& news) { news.recipes.append(result); });
 }
 
 }  // namespace fxview
