@@ -120,6 +120,20 @@ TEST_P(Misbehaving, ADumpKeepsAGoodFileWhenThePlcIsSilent)
     EXPECT_FALSE(QFile::exists(other));
 }
 
+// Nothing is to be measured there, with or without periods.
+TEST_P(Misbehaving, StatsEndWithTheFirstCycleOfSilence)
+{
+    const RunningSimulator plc(GetParam(), {"--baud", "0", "--faults", "silence=1"});
+    for (const char* const period : {"D0=0", "D0=20"}) {
+        const Ended ended = run(plc, {"-o", "20", "--retries", "0", "stats", "D0", "D90",
+                                      "--period", period, "-n", "50", "--json"});
+        EXPECT_EQ(ended.code, 4);
+        const QJsonObject stats =
+            QJsonDocument::fromJson(QByteArray::fromStdString(ended.out)).object();
+        EXPECT_EQ(stats["exchanges"].toObject()["cyclicRead"].toObject()["frames"].toInt(), 2);
+    }
+}
+
 TEST_P(Misbehaving, ARecordingOfSilenceIsToldAsSuch)
 {
     const RunningSimulator plc(GetParam(), {"--baud", "0", "--faults", "silence=1"});

@@ -134,10 +134,14 @@ ExitCode pollAtPeriods(Connection& connection, Polling& polling, int cycles,
     ExchangeLoop& loop = connection.loop();
     connection.waitForLinkWithoutEnd();
     qint64 beganUs = loop.elapsedUs();
-    const RoundEnd end = polling.run(cycles, [&] {
+    const auto note = [&] {
         const qint64 endedUs = loop.elapsedUs();
         onCycle(endedUs - std::exchange(beganUs, endedUs));
-    });
+    };
+    RoundEnd end = polling.run(1, note);
+    const bool goesOn = cycles == 0 || (cycles > 1 && loop.statistics().plcHasAnswered());
+    if (end == RoundEnd::Done && goesOn)
+        end = polling.run(std::max(cycles - 1, 0), note);
     return end == RoundEnd::Done ? exitCodeOf(loop.statistics()) : exitCodeOf(verdictOf(end));
 }
 
