@@ -45,6 +45,8 @@ COMMANDS = [
     ("replay", "replay session.jsonl"),
     ("ports", "ports"),
     ("tags", "tags check tags.csv"),
+    ("tags", "tags export tags.csv --to comments --output comments.csv"),
+    ("tags", "tags import comments.csv --output imported.csv"),
     ("log", "log D0:2 M0 -n 2 -l 1"),
     ("log", "log D0 -n 1 --link sim:?faults=nak=1"),
 ]

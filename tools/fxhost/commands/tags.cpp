@@ -50,13 +50,18 @@ ExitCode checkTagFile(const CommonOptions& common, const TagsOptions& options)
     return errors == 0 ? ExitCode::Good : ExitCode::SomeFailed;
 }
 
-// Writes a file, and tells on standard error what it lacks.
+// Writes a file, and tells what it lacks: on standard error, or to a program.
 void convert(const CommonOptions& common, const TagsOptions& options, const QByteArray& text,
              const QVector<TagRemark>& remarks, const RegisterCatalogue& catalogue)
 {
     OutputFile file(options.to.name(), options.to.mode(), catalogue);
     file.write(text);
     file.commit();
+    const OutputOptions output = besides(options.to, common.output);
+    if (output.mode != OutputMode::People) {
+        showRemarks(remarks, output);
+        return;
+    }
     for (const TagRemark& remark : remarks) {
         if (!common.output.quiet)
             complain(QString::fromStdString(options.from) + ", " + remark.place() + ": " +
