@@ -2,8 +2,10 @@
 // SPDX-License-Identifier: MIT
 //
 // Draws the window in the states that docs/window.md shows, in front of a plant that a clock alone
-// moves, so that each run draws the same: view_pictures FOLDER. scripts/window-pictures starts it.
+// moves, so that each run draws the same: view_pictures FOLDER. With --check it says which pictures
+// of the folder are not what it draws. scripts/window-pictures draws those of the documents.
 
+#include "tests/tools/fxview/compared_pictures.h"
 #include "tests/tools/fxview/view_support.h"
 #include "tests/tools/support/loaded_driver.h"
 #include "tools/exchange/diagnosis.h"
@@ -15,10 +17,12 @@
 #include <QComboBox>
 #include <QDir>
 #include <QFontInfo>
+#include <QTemporaryDir>
 #include <QTemporaryFile>
 #include <QTest>
 
 #include <cmath>
+#include <cstdio>
 
 using namespace fxview;
 using namespace view_tests;
@@ -348,20 +352,14 @@ void drawScreen(const QString& folder)
     scene.save(folder, "screen");
 }
 
-}  // namespace
-
-int main(int argumentCount, char** arguments)
+void drawAll(QApplication& application, const QString& folder)
 {
-    qputenv("QT_FONT_DPI", "96");
-    QApplication application(argumentCount, arguments);
-    if (argumentCount != 2)
-        qFatal("usage: view_pictures FOLDER");
-    const QString folder = QString::fromLocal8Bit(arguments[1]);
     const QFont font(QStringLiteral("DejaVu Sans"), 9);
-    if (QFontInfo(font).family() != font.family())
-        qFatal("the font DejaVu Sans is not installed");
-    applyTheme(application, false);
-    QApplication::setFont(font);
+    const auto usePalette = [&](bool isDark) {
+        applyTheme(application, isDark);
+        QApplication::setFont(font);
+    };
+    usePalette(false);
     drawEmpty(folder);
     drawValues(folder, "values");
     drawValues(folder, "narrow", {560, 420});
@@ -372,12 +370,40 @@ int main(int argumentCount, char** arguments)
     drawLine(folder);
     drawRecipes(folder);
     drawScreen(folder);
-    applyTheme(application, true);
-    QApplication::setFont(font);
+    usePalette(true);
     drawValues(folder, "dark");
-    applyTheme(application, false);
-    QApplication::setFont(font);
+    usePalette(false);
     useLanguage(application, "de");
     drawValues(folder, "german");
-    return 0;
+}
+
+}  // namespace
+
+int main(int argumentCount, char** arguments)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_FONT_DPI", "96");
+    qputenv("LC_ALL", "C.UTF-8");
+    qputenv("TZ", "UTC");
+    QApplication application(argumentCount, arguments);
+    const QStringList words = QApplication::arguments().mid(1);
+    const bool mustCheck = words.value(0) == QLatin1String("--check");
+    if (words.size() != (mustCheck ? 2 : 1))
+        qFatal("usage: view_pictures [--check] FOLDER");
+    if (QFontInfo(QFont(QStringLiteral("DejaVu Sans"))).family() != QLatin1String("DejaVu Sans")) {
+        std::puts("the font DejaVu Sans is not installed");
+        return 77;
+    }
+    if (!mustCheck) {
+        drawAll(application, words[0]);
+        return 0;
+    }
+    const QTemporaryDir folder;
+    drawAll(application, folder.path());
+    const QStringList different = differentPictures(folder.path(), words[1]);
+    for (const QString& line : different)
+        std::puts(qPrintable(line));
+    if (!different.isEmpty())
+        std::puts("If that is wanted: scripts/window-pictures BUILD");
+    return different.isEmpty() ? 0 : 1;
 }
