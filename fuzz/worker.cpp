@@ -25,7 +25,10 @@ public:
         if (const auto* const hello = std::get_if<HelloLine>(&line))
             m_values.begin(hello->tags);
         if (const auto* const values = std::get_if<ValuesLine>(&line)) {
+            QMap<QString, Change> last;  // a line may name a tag as good, as stale and as bad
             for (const Change& change : m_values.take(*values))
+                last[change.tag] = change;
+            for (const Change& change : qAsConst(last))
                 requireRight(change);
         }
     }
