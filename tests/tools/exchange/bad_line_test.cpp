@@ -143,6 +143,7 @@ TEST_F(TalkingLine, CanBeOverheard)
 {
     EXPECT_EQ(loop.overhear(300), "  12.5 kg\r\n  12.5 kg\r\n  12.5 kg\r\n");
     EXPECT_EQ(scale.nowUs, 300000);
+    EXPECT_EQ(loop.statistics().bytesReceived, 33);
     EXPECT_EQ(loop.statistics().bytesThrownAway, 33);
 }
 

@@ -381,6 +381,16 @@ TEST_F(Polling, NamesAPieceThatGotNoGoodAnswerAndKeepsIt)
     EXPECT_EQ(problemsAfterPolling(), "D5 refused");
 }
 
+TEST_F(Polling, EndsWhenThePlcIsSwitchedOffWhilePiecesAreRead)
+{
+    bench.refuseD(5, 5);
+    start({"D0:8"});
+    problemsAfterPolling();
+    bench.line.setFaults("power-cycle:600000@1");
+    EXPECT_EQ(poll(), RoundEnd::NoAnswer);
+    EXPECT_EQ(poller->problemOf(ranges[0], 7), ReplyVerdict::Silence);
+}
+
 TEST_F(Polling, DoesNotAskASilentPlcForEverything)
 {
     start({"D0:2000"});

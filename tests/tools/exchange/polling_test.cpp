@@ -256,3 +256,15 @@ TEST(Rounds, AnInterruptedReadIsNotGood)
     bench.session.setPlan({range("D0")});
     EXPECT_EQ(readOnce(loop, range("D100:64")), ReplyVerdict::Interrupted);
 }
+
+TEST(RecipeOutcomes, AreGoodWithEveryEntryAndWithoutAProblem)
+{
+    RecipeOutcome outcome;
+    outcome.entries = 2;
+    outcome.transferred = 1;
+    EXPECT_FALSE(outcome.isGood());
+    outcome.transferred = 2;
+    EXPECT_TRUE(outcome.isGood());
+    outcome.problem = ReplyVerdict::Interrupted;
+    EXPECT_FALSE(outcome.isGood());
+}

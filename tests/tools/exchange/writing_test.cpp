@@ -68,6 +68,21 @@ TEST(WordWrites, OfAnyNumberOfFramesChangeTheirRegistersAndNothingElse)
 }
 
 // An odd limit and one below a counter's two words.
+// Without one the driver sends three frames.
+TEST(WordWrites, PollTheirFirstRegisterAlone)
+{
+    Bench bench(badLine(0, ""), SessionSettings{3, 1});
+    EXPECT_TRUE(writeRegisters(bench.loop, range("D100:5"), {1, 2, 3, 4, 5}).isGood());
+    int reads = 0;
+    for (const QByteArray& frame : bench.line.framesSent()) {
+        if (frame[1] != '0')
+            continue;
+        ++reads;
+        EXPECT_EQ(frame.mid(2, 4), "10C8");
+    }
+    EXPECT_GT(reads, 0);
+}
+
 TEST(CounterWrites, AreNeverCutWithinACounter)
 {
     for (const int wordsPerFrame : {2, 3, 31, 33}) {

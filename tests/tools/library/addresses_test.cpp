@@ -153,6 +153,11 @@ CV 0..199 base 10, 16 bits, writable
     EXPECT_EQ(catalogue().find("x"), nullptr);
 }
 
+TEST(DriverLibrary, HasEntryPointsThatNoToolCalls)
+{
+    EXPECT_NE(driver().getProtocolType, nullptr);
+}
+
 TEST(Catalogue, LeavesTheDriverEmpty)
 {
     const RegisterCatalogue made(driver());

@@ -392,6 +392,30 @@ TEST(Interrupts, ComeAfterAGivenTime)
     }
 }
 
+TEST(Interrupts, LeaveAReadThatWaitsAlone)
+{
+    EXPECT_EQ(statusOf([] {
+                  int ends[2] = {};
+                  if (pipe(ends) != 0)
+                      return false;
+                  sigset_t all;
+                  sigfillset(&all);
+                  std::thread writer([&] {
+                      pthread_sigmask(SIG_BLOCK, &all, nullptr);
+                      while (!interrupted())
+                          usleep(1000);
+                      usleep(10000);  // the read goes on
+                      static_cast<void>(!write(ends[1], "x", 1));
+                  });
+                  interruptAfter(20);
+                  char byte = 0;
+                  const bool isRead = read(ends[0], &byte, 1) == 1;
+                  writer.join();
+                  return isRead && interrupted();
+              }),
+              0);
+}
+
 // The second of one key is not meant: a terminal may send both at once.
 TEST(Interrupts, EndTheProgramWhenTheyComeAgain)
 {

@@ -158,6 +158,12 @@ TEST(ForeignTags, KeepASingleLimitInAnExport)
     EXPECT_EQ(text.count("Linear"), 2) << text.data();
 }
 
+TEST(Tags, MayBeATextThatFillsAFrame)
+{
+    EXPECT_EQ(tagsOf("name,address,type\ntext,D0:32,text\n").size(), 1);
+    EXPECT_THROW(tagsOf("name,address,type\ntext,D0:33,text\n"), Failure);
+}
+
 TEST(ForeignTags, TellWhatAnExportLoses)
 {
     const QVector<Tag> tags = tagsOf("name,address,type,deadband,alarm_low,link\n"
