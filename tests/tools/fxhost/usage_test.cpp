@@ -231,6 +231,18 @@ TEST(Usage, WithoutStandardStreamsNothingIsPrintedToThePlc)
     EXPECT_FALSE(plc.command("stats").contains("junk"));
 }
 
+// "--link $PRESS1" with a variable that is not set: FX_LINK names another PLC.
+TEST(Usage, AnEmptyNameIsNotTheDefault)
+{
+    const RunningSimulator plc(Road::Tcp, quickPlc);
+    for (const char* const option : {"--link", "--plc", "--config", "--tags"}) {
+        const Ended ended = fxhost({"write", "D0=1", option, ""}, withLink(plc.link()));
+        EXPECT_EQ(ended.code, 2) << option;
+        EXPECT_EQ(ended.err, std::string("fxhost: ") + option +
+                                 ": the value is empty; see fxhost write --help\n");
+    }
+}
+
 // The system takes a name without a leading slash for one in /dev.
 TEST(Usage, ALinkMayBeNamedFromWhereTheUserStands)
 {

@@ -97,6 +97,7 @@ void showPorts(const OutputOptions& output);
 
 // Accepts "1000", "1000ms", "1.5s", "10min", "8h" and "1d", and makes milliseconds of it.
 CLI::Validator timeWithin(Range limitsMs);
+CLI::Validator notEmpty();
 CLI::Validator within(Range limits);
 CLI::Validator numberWithin(int least, int most);  // also a fraction
 CLI::Validator oneOf(const QStringList& words);

@@ -25,14 +25,17 @@ void addNamingOptions(CLI::App& app, LinkOptions& options)
                        "serial:PATH?baud=9600, tcp:HOST:PORT, pty:PATH or sim: "
                        "(default: FX_LINK, then the configuration file, then sim:)")
             ->type_name("LINK")
+            ->check(notEmpty())
             ->group(linkGroup);
     app.add_option("--plc", options.plc, "The link of this name in the configuration file")
         ->type_name("NAME")
+        ->check(notEmpty())
         ->excludes(link)
         ->group(linkGroup);
     app.add_option("--config", options.config,
                    "Configuration file (default: ~/.config/fxhost/config.toml)")
         ->type_name("FILE")
+        ->check(notEmpty())
         ->group(linkGroup);
 }
 
@@ -41,6 +44,7 @@ void addTagsOption(CLI::App& app, CommonOptions& common)
     app.add_option("--tags", common.tags,
                    "Tag file: names for addresses (default: that of the configuration file)")
         ->type_name("FILE")
+        ->check(notEmpty())
         ->group(linkGroup);
 }
 

@@ -20,6 +20,11 @@ std::string isNot(const std::string& text, const QString& wanted)
 
 }  // namespace
 
+CLI::Validator notEmpty()
+{
+    return checked([](std::string& text) { return text.empty() ? "the value is empty" : ""; });
+}
+
 CLI::Validator within(Range limits)
 {
     return checked([limits](std::string& text) {
