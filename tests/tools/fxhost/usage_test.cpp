@@ -231,6 +231,20 @@ TEST(Usage, WithoutStandardStreamsNothingIsPrintedToThePlc)
     EXPECT_FALSE(plc.command("stats").contains("junk"));
 }
 
+TEST(Usage, ServingIntoAFullFileIsNoSuccess)
+{
+    const QTemporaryDir folder;
+    ChildProcess shell;
+    shell.start("/bin/sh",
+                {"-c", QStringLiteral("FX_DRIVER=%1 %2 --link sim: --tags %3 serve >/dev/full")
+                           .arg(FX_DRIVER_FILE, FXHOST_FILE,
+                                newFile(folder, "t.csv", "name,address\na,D0\n"))});
+    ASSERT_TRUE(shell.waitForFinished());
+    EXPECT_EQ(shell.exitCode(), 7);
+    EXPECT_EQ(shell.readAllStandardError(),
+              "fxhost: could not write all output: No space left on device\n");
+}
+
 // "--link $PRESS1" with a variable that is not set: FX_LINK names another PLC.
 TEST(Usage, AnEmptyNameIsNotTheDefault)
 {

@@ -121,6 +121,8 @@ ExitCode Server::run()
             throw;
     }
     m_channel.finish(graceMs);
+    if (!m_channel.problem().isEmpty())
+        throw Failure(ExitCode::File, "could not write all output: " + m_channel.problem());
     if (end == RoundEnd::LinkLost)
         return ExitCode::LinkNotOpened;
     return interruptSignal() == SIGINT ? ExitCode::Interrupted : ExitCode::Good;

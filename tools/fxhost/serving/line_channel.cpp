@@ -9,6 +9,7 @@
 #include <array>
 #include <cerrno>
 #include <climits>
+#include <cstring>
 
 #include <poll.h>
 #include <unistd.h>
@@ -90,6 +91,8 @@ void LineChannel::flush()
         const ssize_t written = write(m_out, m_kept.constData() + sent, static_cast<size_t>(bytes));
         if (written < 0 && errno != EINTR && errno != EAGAIN) {  // nobody will ever read it
             m_hasEnded = true;
+            if (errno != EPIPE)
+                m_problem = QString::fromLocal8Bit(strerror(errno));
             sent = m_kept.size();
         } else if (written <= 0) {
             break;

@@ -9,6 +9,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QString>
 
 #include <optional>
 
@@ -31,8 +32,9 @@ public:
     std::optional<Line> next();                   // the next whole line that has come
     bool hasEnded() const { return m_hasEnded; }  // no line comes any more
 
-    void send(const QByteArray& line);  // without its end
-    bool isTaken();                     // whether all that was sent is on its way
+    void send(const QByteArray& line);             // without its end
+    bool isTaken();                                // whether all that was sent is on its way
+    QString problem() const { return m_problem; }  // why lines were lost though somebody reads
 
     // Until something comes, something that was kept can go, or the time is over.
     void wait(qint64 timeMs);
@@ -49,6 +51,7 @@ private:
     int m_lines = 0;
     bool m_isInLongLine = false;
     bool m_hasEnded = false;
+    QString m_problem;
 };
 
 }  // namespace fxtools
