@@ -7,6 +7,7 @@
 #include "tools/fxhost/commands/command.h"
 #include "tools/fxhost/views/console.h"
 #include "tools/link/interrupt.h"
+#include "tools/quoted.h"
 #include "tools/standard_streams.h"
 
 #include <QCoreApplication>
@@ -106,6 +107,19 @@ void addCommands(CLI::App& app, CommonOptions& common, Action& action)
     }
 }
 
+// A name that is not text in UTF-8 would become that of another file.
+void requireText(int argumentCount, char** arguments)
+{
+    for (int number = 1; number < argumentCount; ++number) {
+        const QByteArray argument = arguments[number];
+        const QString text = QString::fromUtf8(argument);
+        if (text.toUtf8() != argument)
+            throw Failure(
+                ExitCode::Usage,
+                QStringLiteral("argument %1 is not UTF-8: %2").arg(number).arg(quoted(text)));
+    }
+}
+
 int runCommandLine(int argumentCount, char** arguments)
 {
     CommonOptions common;
@@ -119,7 +133,11 @@ int runCommandLine(int argumentCount, char** arguments)
     app.set_version_flag("-V,--version", "fxhost " FX_VERSION, "Print the version");
     app.footer(footer);
     try {
+        requireText(argumentCount, arguments);
         app.parse(argumentCount, arguments);
+    } catch (const Failure& failure) {
+        complain(failure.text());
+        return static_cast<int>(failure.code());
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0)
             return outputWritten(app.exit(error));  // help and version

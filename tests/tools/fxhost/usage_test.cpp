@@ -245,6 +245,20 @@ TEST(Usage, ServingIntoAFullFileIsNoSuccess)
               "fxhost: could not write all output: No space left on device\n");
 }
 
+// A file of that name would have got another one.
+TEST(Usage, AnArgumentThatIsNotTextIsAMistake)
+{
+    ChildProcess shell;
+    shell.start(
+        "/bin/bash",
+        {"-c",
+         QStringLiteral("FX_DRIVER=%1 %2 dump $'a\\xFF.csv' D0").arg(FX_DRIVER_FILE, FXHOST_FILE)});
+    ASSERT_TRUE(shell.waitForFinished());
+    EXPECT_EQ(shell.exitCode(), 2);
+    EXPECT_EQ(shell.readAllStandardError(),
+              "fxhost: argument 2 is not UTF-8: 'a\xEF\xBF\xBD.csv'\n");
+}
+
 // "--link $PRESS1" with a variable that is not set: FX_LINK names another PLC.
 TEST(Usage, AnEmptyNameIsNotTheDefault)
 {
