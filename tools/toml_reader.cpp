@@ -62,6 +62,31 @@ std::optional<Place> letterOutsideTexts(const QString& toml)
     return std::nullopt;
 }
 
+// What is wrong with a line, and what would be right, for whoever does not know the parser's words.
+QString noTomlText(const QString& parserText, const QString& line)
+{
+    const QPair<const char*, const char*> texts[] = {
+        {"saw ','", "a number has a point before its decimals, such as 1.5"},
+        {"could not determine value type", "a text stands in quotes, such as \"Press 1\""},
+        {"number", "a number is written like 12 or 1.5, a text in quotes"},
+        {"integer: ", "a number is written like 12 or 1.5, a text in quotes"},
+        {"float", "a number is written like 12 or 1.5, a text in quotes"},
+        {"escape sequence", "in a text, a backslash is written as \\\\"},
+        {"string", "a text ends with the quote that it begins with, on the same line"},
+        {"cannot redefine", "each name stands once"},
+        {"array: ", "a list stands in brackets, with commas: [1, 2]"},
+        {"expected ']'", "a heading stands in brackets, such as [name] or [[name]]"},
+        {"expected '='", "a name and its value have = between them: name = value"},
+        {"expected value", "after = stands a value: name = value"},
+        {"comment or whitespace", "each name = value and each heading has its own line"}};
+    const auto* const found = std::find_if(
+        std::begin(texts), std::end(texts), [&](const QPair<const char*, const char*>& each) {
+            return parserText.contains(QLatin1String(each.first));
+        });
+    return "cannot read " + quoted(line.trimmed()) + ": " +
+           (found == std::end(texts) ? parserText : QLatin1String(found->second));
+}
+
 // As it stands in the file, or what it is.
 QString readText(const toml::node& node)
 {
@@ -320,7 +345,9 @@ TomlReader::TomlReader(const QString& path) : m_path(path)
         m_root = std::make_unique<toml::table>(toml::parse(content.toStdString()));
     } catch (const toml::parse_error& error) {
         const toml::source_position at = error.source().begin;
-        note(static_cast<int>(at.line), static_cast<int>(at.column), textOf(error.description()));
+        const int line = static_cast<int>(at.line);
+        note(line, static_cast<int>(at.column),
+             noTomlText(textOf(error.description()), content.section('\n', line - 1, line - 1)));
     }
 }
 

@@ -133,12 +133,16 @@ TEST_F(ScreenFileTest, TakesScalesFromTheLimitsOfTheTag)
     EXPECT_EQ(*file.screen->pages[0].elements[0].min, 0);
     EXPECT_EQ(*file.screen->pages[0].elements[0].max, 150);
     EXPECT_EQ(mistakesOf("bar", "tag = \"pump2\"\n"),
-              "f, line 2, column 1: min is missing below [[page.bar]]; for example min = 0\n"
+              "f, line 2, column 1: min is missing below [[page.bar]]; for example min = 0 and "
+              "max = 100: the tag has no limits\n");
+    EXPECT_EQ(mistakesOf("bar", "tag = \"pump2\"\nmin = 1\n"),
               "f, line 2, column 1: max is missing below [[page.bar]]; for example max = 100\n");
+    EXPECT_EQ(mistakesOf("bar", "tag = \"pump2\"\nmax = 1\n"),
+              "f, line 2, column 1: min is missing below [[page.bar]]; for example min = 0\n");
     EXPECT_EQ(mistakesOf("dial", "tag = \"oven.temp\"\nmin = 200\n"),
               "f, line 2, column 1: max must be more than min, not 200 and 200\n");
     EXPECT_EQ(mistakesOf("trend", "tag = \"pump2\"\nmin = 0\n"),
-              "f, line 2, column 1: min and max belong together\n");
+              "f, line 2, column 1: min and max belong together; expected both or none\n");
 }
 
 TEST_F(ScreenFileTest, TellsAllMistakesAndKeepsTheOtherElements)
@@ -229,6 +233,33 @@ TEST_F(ScreenFileTest, HasNoScreenForWhatIsNoToml)
     EXPECT_FALSE(none.screen);
     ASSERT_EQ(none.mistakes.size(), 1);
     EXPECT_EQ(none.mistakes[0].in("f").toStdString(), "f: No such file or directory");
+}
+
+TEST_F(ScreenFileTest, SaysWhatIsWrongWithALineThatIsNoToml)
+{
+    const auto wordsOf = [this](const char* line) {
+        const std::string all = mistakesIn(QByteArray("[[page]]\n") + line + "\ncolumns = 3\n");
+        return all.substr(0, all.find('\n'));
+    };
+    EXPECT_EQ(wordsOf("title = Press"),
+              "f, line 2, column 9: cannot read 'title = Press': a text stands in quotes, such as "
+              "\"Press 1\"");
+    for (const auto& [line, words] :
+         {std::pair("rows = 1,5", "a number has a point before its decimals, such as 1.5"),
+          {"rows = 12abc", "a number is written like 12 or 1.5, a text in quotes"},
+          {"rows = 01", "a number is written like 12 or 1.5, a text in quotes"},
+          {"title = \"a\\q\"", "in a text, a backslash is written as \\\\"},
+          {"title = \"Press", "a text ends with the quote that it begins with, on the same line"},
+          {"title = 'Press", "a text ends with the quote that it begins with, on the same line"},
+          {"rows = 1\nrows = 2", "each name stands once"},
+          {"rows = [1 2", "a list stands in brackets, with commas: [1, 2]"},
+          {"[[page.lamp]", "a heading stands in brackets, such as [name] or [[name]]"},
+          {"rows 1", "a name and its value have = between them: name = value"},
+          {"rows =", "after = stands a value: name = value"},
+          {"rows = 1 title = \"a\"", "each name = value and each heading has its own line"}}) {
+        const std::string said = wordsOf(line);
+        EXPECT_EQ(said.substr(said.rfind("': ") + 3), words) << said;
+    }
 }
 
 TEST_F(ScreenFileTest, MakesAPlainScreenThatReadsAsItsFile)

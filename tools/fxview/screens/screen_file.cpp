@@ -254,13 +254,17 @@ private:
                 element.min = tag->min;
             if (!section.has("max"))
                 element.max = tag->max;
-            if (!element.min && !section.has("min"))
+            const bool hasMin = element.min || section.has("min");
+            const bool hasMax = element.max || section.has("max");
+            if (!hasMin && !hasMax)
+                section.missing("min", "min = 0 and max = 100: the tag has no limits");
+            else if (!hasMin)
                 section.missing("min", "min = 0");
-            if (!element.max && !section.has("max"))
+            else if (!hasMax)
                 section.missing("max", "max = 100");
         }
         if (element.kind == ElementKind::Trend && section.has("min") != section.has("max"))
-            section.rejectAll(QStringLiteral("min and max belong together"));
+            section.rejectAll(QStringLiteral("min and max belong together; expected both or none"));
         if (element.min && element.max && *element.min >= *element.max)
             section.reject("max", QStringLiteral("max must be more than min, not %1 and %2")
                                       .arg(*element.max)
