@@ -530,6 +530,10 @@
         <source>%1: no new values</source>
         <translation>%1: keine neuen Werte</translation>
     </message>
+    <message>
+        <source>Simulated PLC</source>
+        <translation>Simulierte SPS</translation>
+    </message>
 </context>
 <context>
     <name>fxview::NumericEntryView</name>
@@ -877,6 +881,14 @@
     <message>
         <source>Mistakes in the screen file</source>
         <translation>Fehler in der Bilddatei</translation>
+    </message>
+    <message>
+        <source>%1. The last good screen is still shown.</source>
+        <translation>%1. Das letzte gute Bild wird weiter gezeigt.</translation>
+    </message>
+    <message>
+        <source>of the screen that is shown: %1</source>
+        <translation>zum gezeigten Bild: %1</translation>
     </message>
 </context>
 <context>

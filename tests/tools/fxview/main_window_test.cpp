@@ -25,6 +25,13 @@ TEST_F(MainWindowInFrontOfAPlc, SaysWhichPlcItShows)
     plc.simulated = true;
     const MainWindow other(plc, [] { return view_tests::nowMs; });
     EXPECT_EQ(other.windowTitle(), "press1 (a simulated PLC) – fxview");
+    const auto saysIt = [](const MainWindow& of) {
+        const QList<QLabel*> labels = of.findChild<QStatusBar*>()->findChildren<QLabel*>();
+        return std::any_of(labels.begin(), labels.end(),
+                           [](const QLabel* label) { return label->text() == "Simulated PLC"; });
+    };
+    EXPECT_TRUE(saysIt(other)) << "a panel shows no title";
+    EXPECT_FALSE(saysIt(window));
 }
 
 TEST_F(MainWindowInFrontOfAPlc, HasOneBarForALostLink)

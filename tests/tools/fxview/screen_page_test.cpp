@@ -109,7 +109,10 @@ struct ScreenPageInWindow : Window
     {
         return view(label)->accessibleDescription().toStdString();
     }
-    std::string said() const { return texts("screenPage").toStdString(); }
+    std::string said() const  // after the time
+    {
+        return texts("screenPage").section("  ", 1).toStdString();
+    }
     std::string sent() const
     {
         std::string texts;
@@ -437,7 +440,8 @@ TEST_F(ScreenPageInWindow, TakesAFileThatIsThereAgain)
     auto* list = find<QPlainTextEdit>("Mistakes in the screen file");
     QFile::remove(screenFile);
     ASSERT_TRUE(QTest::qWaitFor([&] { return list->isVisible(); }, 30000));
-    EXPECT_EQ(list->toPlainText(), screenFile + ": No such file or directory");
+    EXPECT_EQ(list->toPlainText(), screenFile + ": No such file or directory. The last good screen "
+                                                "is still shown.");
     EXPECT_TRUE(view("Jog")) << "the last screen stays";
     write(QByteArray(panel).replace("Jog", "Inch"));
     ASSERT_TRUE(QTest::qWaitFor([&] { return view("Inch") != nullptr; }, 30000));
@@ -459,9 +463,18 @@ TEST_F(ScreenPageInWindow, ListsTheMistakesOfItsFileAndShowsTheRest)
                                        " (the first of 2 mistakes; the page Screen lists them)");
     EXPECT_FALSE(view("Door"));
     EXPECT_TRUE(view("Oven"));
+    const QString before = list->toPlainText();
     write("[[page]]\ntitle = x\n");
-    ASSERT_TRUE(QTest::qWaitFor([&] { return list->toPlainText().contains("line 2"); }, 30000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return list->toPlainText() != before; }, 30000));
     EXPECT_TRUE(view("Oven")) << "the last screen stays";
+    const QString broken = screenFile + ", line 2, column 9: cannot read 'title = x': a text "
+                                        "stands in quotes, such as \"Press 1\". The last good "
+                                        "screen is still shown.";
+    const QString shown = "of the screen that is shown: ";
+    EXPECT_EQ(list->toPlainText(),
+              broken + '\n' + shown + QString(before).replace("\n", '\n' + shown));
+    EXPECT_EQ(texts("problemBar"),
+              broken + " (the first of 3 mistakes; the page Screen lists them)");
     write(panel);
     ASSERT_TRUE(QTest::qWaitFor([&] { return !list->isVisible(); }, 30000));
     EXPECT_FALSE(window.findChild<QWidget*>("problemBar")->isVisible());
@@ -522,6 +535,21 @@ TEST_F(ScreenPageInWindow, WritesANumberOnEnterWithinItsLimits)
     EXPECT_EQ(field->text(), "");
     pages->setCurrentIndex(1);
     EXPECT_EQ(texts("writeBar"), "Choose a row to write its value") << "it was not asked";
+}
+
+TEST_F(ScreenPageInWindow, SaysWhenAWriteWasDoneUntilTheLinkIsLost)
+{
+    button("Start")->click();
+    answer(0, Outcome::Done, 1);
+    const QString time = QDateTime::fromMSecsSinceEpoch(nowMs).time().toString("HH:mm:ss");
+    EXPECT_EQ(texts("screenPage"), time + "  Done: motor.run was on, is now on (read back)");
+    emit plc.linkChanged(false, "no answer");
+    EXPECT_EQ(texts("screenPage"), "");
+    emit plc.linkChanged(true, {});
+    button("Start")->click();
+    answer(1, Outcome::Unknown);
+    emit plc.linkChanged(false, "no answer");
+    EXPECT_EQ(said(), "UNKNOWN whether motor.run was written: why") << "must still be known";
 }
 
 TEST_F(ScreenPageInWindow, WritesNothingWhileThePlcIsSilent)

@@ -68,6 +68,8 @@ void MainWindow::layOut()
     m_alarmPage->bell = &QApplication::beep;
     statusBar()->addWidget(m_linkSign);
     statusBar()->addWidget(m_linkText, 1);
+    if (m_source.isSimulated())
+        statusBar()->addPermanentWidget(new QLabel(tr("Simulated PLC")));
     statusBar()->addPermanentWidget(m_lineText);
     resize(QSize(1024, 600).boundedTo(QGuiApplication::primaryScreen()->availableSize()));
     m_linkText->setTextFormat(Qt::PlainText);
@@ -197,6 +199,7 @@ void MainWindow::showLink(bool isUp, const QString& reason)
     if (isUp) {
         m_problems->clear(Problem::LinkLost);
     } else {
+        m_screenPage->forgetWhatWasDone();
         m_problems->set(Problem::LinkLost,
                         tr("%1 does not answer: %2. Check the cable and the power of the PLC; "
                            "the window goes on trying.")

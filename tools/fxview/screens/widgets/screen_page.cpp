@@ -8,11 +8,13 @@
 #include "tools/fxview/screens/widgets/element_grid.h"
 #include "tools/fxview/widgets/write_bar.h"
 
+#include <QDateTime>
 #include <QScrollArea>
 #include <QTabBar>
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <utility>
 
 namespace fxview {
 
@@ -46,7 +48,10 @@ ScreenPage::ScreenPage(const ValueBook& book, ScreenWrites& writes, QWidget* par
     connect(m_pages, &QTabWidget::currentChanged, this, &ScreenPage::fill);
     connect(&writes, &ScreenWrites::changed, this, [this] { showMoment(m_nowMs); });
     connect(&writes, &ScreenWrites::told, this, [this](const WriteResult& result) {
-        m_said->setText(resultText(m_book.tag(result.tag), result));
+        const QTime time = QDateTime::fromMSecsSinceEpoch(m_nowMs).time();
+        m_said->setText(time.toString(Qt::ISODate) + "  " +
+                        resultText(m_book.tag(result.tag), result));
+        m_saysDone = result.outcome == WriteResult::Outcome::Done;
         for (const QVector<ElementView*>& views : qAsConst(m_views)) {
             for (ElementView* view : views)
                 view->noteResult(result);
@@ -72,18 +77,31 @@ void ScreenPage::open(const QString& file)
     load();
 }
 
-// A file that cannot be read at all leaves what is shown.
+// A file that cannot be read at all leaves what is shown, and what is wrong with that.
 void ScreenPage::load()
 {
     const ScreenFile file = readScreenFile(m_file, tags());
-    if (file.screen)
-        showScreen(*file.screen);
     QStringList lines;
     for (const fxtools::Mistake& mistake : file.mistakes)
         lines += mistake.in(m_file);
+    if (file.screen) {
+        showScreen(*file.screen);
+        m_shownMistakes = lines;
+    } else if (!m_screen.pages.isEmpty()) {
+        lines.last() = tr("%1. The last good screen is still shown.").arg(lines.last());
+        for (const QString& mistake : qAsConst(m_shownMistakes))
+            lines += tr("of the screen that is shown: %1").arg(mistake);
+    }
     m_mistakes->setPlainText(lines.join('\n'));
     m_mistakes->setVisible(!lines.isEmpty());
     emit mistakesFound(lines);
+}
+
+// What was done before says nothing of values that are old now.
+void ScreenPage::forgetWhatWasDone()
+{
+    if (std::exchange(m_saysDone, false))
+        m_said->clear();
 }
 
 void ScreenPage::showScreen(const Screen& screen)

@@ -30,6 +30,7 @@ public:
     void open(const QString& file);
 
     void showMoment(qint64 nowMs);
+    void forgetWhatWasDone();  // the link is lost
 
 signals:
     void mistakesFound(const QStringList& mistakes);  // of the file; empty: none any more
@@ -45,6 +46,8 @@ private:
     QString m_file;
     std::unique_ptr<ScreenWatch> m_watch;
     Screen m_screen;
+    QStringList m_shownMistakes;  // of this screen
+    bool m_saysDone = false;
     qint64 m_nowMs = 0;
     QVector<QVector<ElementView*>> m_views;  // of each page; none before it is made
     QTabWidget* m_pages;
