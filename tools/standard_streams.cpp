@@ -4,7 +4,6 @@
 #include "tools/standard_streams.h"
 
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <iostream>
 
@@ -25,8 +24,8 @@ std::string fxtools::outputProblem()
     errno = 0;
     if (std::cout.flush())
         return {};
-    if (errno == 0)  // it failed before, for a reason that is gone: what is left fails again
-        std::fflush(stdout);
+    // If it failed before, the reason is gone, but one more byte fails for the same.
+    const bool isKnown = errno != 0 || write(STDOUT_FILENO, "\n", 1) < 0;
     const std::string problem = "could not write all output";
-    return errno == 0 ? problem : problem + ": " + std::strerror(errno);
+    return isKnown ? problem + ": " + std::strerror(errno) : problem;
 }

@@ -188,7 +188,7 @@ TEST(UnnamedLink, ASimulatedPlcSaysSoOnce)
 TEST(Usage, FullOutputIsNoSuccess)
 {
     for (const char* const command :
-         {"types", "series D0 -n 65536", "watch D0 -l 0", "monitor D0 -n 0", "stats D0"}) {
+         {"types", "help", "series D0 -n 65536", "watch D0 -l 0", "monitor D0 -n 0", "stats D0"}) {
         ChildProcess shell;
         shell.start("/bin/sh", {"-c", QStringLiteral("FX_DRIVER=%1 %2 -q %3 > /dev/full")
                                           .arg(FX_DRIVER_FILE, FXHOST_FILE, command)});
