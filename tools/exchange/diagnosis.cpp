@@ -78,6 +78,17 @@ QString advice(ReplyVerdict verdict, const Finding& finding)
     return {};
 }
 
+// A percentage hides one error among thousands.
+QString goodText(const LineCheck& check)
+{
+    constexpr int nearlyAllPercent = 99;
+    const int all = check.measured();
+    const int good = check.exchanges.value(ReplyVerdict::Good);
+    return check.goodPercent() < nearlyAllPercent
+               ? Diagnosis::tr("Only %1 % of %2").arg(check.goodPercent()).arg(all)
+               : Diagnosis::tr("All but %1 of %2").arg(all - good).arg(all);
+}
+
 // Of a PLC that answers.
 QStringList troubles(const Finding& finding)
 {
@@ -86,11 +97,9 @@ QStringList troubles(const Finding& finding)
     if (finding.needsTolerance)
         troubles += advice(ReplyVerdict::Surrounded, finding);
     if (check.worst() != ReplyVerdict::Good) {
-        troubles += Diagnosis::tr("Only %1 % of %2 exchanges were good; the most frequent error is "
-                                  "'%3'. %4")
-                        .arg(check.goodPercent())
-                        .arg(check.measured())
-                        .arg(verdictText(check.worst()), advice(check.worst(), finding));
+        troubles +=
+            Diagnosis::tr("%1 exchanges were good; the most frequent error is '%2'. %3")
+                .arg(goodText(check), verdictText(check.worst()), advice(check.worst(), finding));
     }
     if (check.blocksFail()) {
         troubles += Diagnosis::tr("Blocks of %1 bytes fail (%2): use at most %3 words in a frame.")

@@ -48,10 +48,6 @@
         <translation>Antworten sind beschädigt. Baudrate, Parität und Kabel prüfen und nach elektrischen Störquellen suchen.</translation>
     </message>
     <message>
-        <source>Only %1 % of %2 exchanges were good; the most frequent error is &apos;%3&apos;. %4</source>
-        <translation>Nur %1 % von %2 Abfragen waren gut; der häufigste Fehler ist „%3“. %4</translation>
-    </message>
-    <message>
         <source>Blocks of %1 bytes fail (%2): use at most %3 words in a frame.</source>
         <translation>Blöcke von %1 Byte schlagen fehl (%2): höchstens %3 Wörter in einem Telegramm benutzen.</translation>
     </message>
@@ -66,6 +62,18 @@
     <message>
         <source>All is well.</source>
         <translation>Alles ist in Ordnung.</translation>
+    </message>
+    <message>
+        <source>Only %1 % of %2</source>
+        <translation>Nur %1 % von %2</translation>
+    </message>
+    <message>
+        <source>All but %1 of %2</source>
+        <translation>Alle bis auf %1 von %2</translation>
+    </message>
+    <message>
+        <source>%1 exchanges were good; the most frequent error is &apos;%2&apos;. %3</source>
+        <translation>%1 Abfragen waren gut; der häufigste Fehler ist „%2“. %3</translation>
     </message>
 </context>
 <context>

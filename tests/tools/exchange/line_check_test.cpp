@@ -171,7 +171,7 @@ TEST(LineInUse, IsJudgedByAllItsExchanges)
     EXPECT_TRUE(meaningNow(true).startsWith("The PLC answered (press1), then no more."));
     statistics.verdicts[ReplyVerdict::WrongSum] = 1;
     EXPECT_EQ(meaningNow(false),
-              "The PLC answers (press1). Only 99 % of 30000001 exchanges were good; the most "
+              "The PLC answers (press1). All but 1 of 30000001 exchanges were good; the most "
               "frequent error is '" +
                   verdictText(ReplyVerdict::WrongSum) +
                   "'. Replies are damaged. Check the baud rate, the parity and the cable, and look "

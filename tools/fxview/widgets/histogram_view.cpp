@@ -25,7 +25,7 @@ double beginUs(int bar)
 
 HistogramView::HistogramView(QWidget* parent) : QWidget(parent), m_bars(bars)
 {
-    setMinimumHeight(fontMetrics().height() * 6);
+    setMinimumHeight(fontMetrics().height() * 4);
     setAccessibleName(tr("Response times"));
 }
 

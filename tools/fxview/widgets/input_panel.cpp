@@ -41,6 +41,8 @@ InputPanel::InputPanel(const ValueBook& book, QWidget* parent)
     scroll->setWidgetResizable(true);
     scroll->setAccessibleName(tr("Inputs"));
     scroll->setWidget(inputs());
+    scroll->viewport()->setAutoFillBackground(false);  // the ground of the tab it is in
+    scroll->widget()->setAutoFillBackground(false);
     rows->addWidget(scroll, 1);
     rows->addLayout(setter());
 }
