@@ -981,6 +981,10 @@
         <source>Re&amp;move</source>
         <translation>E&amp;ntfernen</translation>
     </message>
+    <message>
+        <source>The trend was not saved: %1: %2. Make room on the disk, or make the folder writable.</source>
+        <translation>Der Verlauf wurde nicht gespeichert: %1: %2. Auf der Platte Platz schaffen oder den Ordner beschreibbar machen.</translation>
+    </message>
 </context>
 <context>
     <name>fxview::TrendView</name>

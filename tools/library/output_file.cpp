@@ -113,4 +113,15 @@ void OutputFile::commit()
     m_isCommitted = true;
 }
 
+bool writeWhole(QFileDevice& file, const QByteArray& bytes)
+{
+    for (qint64 taken = 0; taken < bytes.size();) {
+        const qint64 more = file.write(bytes.constData() + taken, bytes.size() - taken);
+        if (more <= 0)
+            return false;
+        taken += more;
+    }
+    return true;
+}
+
 }  // namespace fxtools

@@ -48,4 +48,8 @@ private:
     std::unique_ptr<QFileDevice> m_file;
 };
 
+// All of it, to a file without a buffer. A disk that fills up takes a part, and says why no more
+// only when it is asked again.
+bool writeWhole(QFileDevice& file, const QByteArray& bytes);
+
 }  // namespace fxtools

@@ -5,6 +5,7 @@
 // before a person has seen it.
 
 #include "tests/tools/fxview/window_support.h"
+#include "tests/tools/support/full_disk.h"
 #include "tools/fxview/models/alarm_file.h"
 #include "tools/fxview/widgets/alarm_page.h"
 
@@ -145,6 +146,22 @@ TEST_F(Alarms, AreWrittenToAFileAndWaitForARoomyDisk)
     EXPECT_TRUE(text.startsWith("time (UTC),tag,alarm,event,value,unit\n"
                                 "2023-11-14T22:13:20.000Z,oven.temp,high,raised,185,°C\n"));
     EXPECT_TRUE(text.endsWith("2023-11-14T22:13:20.001Z,oven.temp,high,acknowledged,,°C\n"));
+}
+
+TEST_F(Alarms, StandInTheFileOnceThoughTheDiskWasFullInTheMiddleOfALine)
+{
+    const QTemporaryDir folder;
+    AlarmFile file(folder.filePath("alarms.csv"));
+    file.add({AlarmEvent::What::Raised, nowMs, 0, "high", 185}, someTags()[0]);
+    {
+        const tool_tests::FullDisk full(50);  // the heading and some of the line
+        EXPECT_TRUE(file.write().contains("File too large. Make room on the disk; 1 events wait"));
+    }
+    EXPECT_EQ(file.write(), "");
+    QFile written(folder.filePath("alarms.csv"));
+    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
+    EXPECT_EQ(written.readAll(), "time (UTC),tag,alarm,event,value,unit\n"
+                                 "2023-11-14T22:13:20.000Z,oven.temp,high,raised,185,°C\n");
 }
 
 TEST_F(Alarms, HaveAFileThatDoesNotGrowForEver)

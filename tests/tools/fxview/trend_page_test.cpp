@@ -4,9 +4,11 @@
 // The trends as a person uses them.
 
 #include "tests/tools/fxview/window_support.h"
+#include "tests/tools/support/full_disk.h"
 #include "tools/fxview/widgets/curve.h"
 #include "tools/fxview/widgets/trend_page.h"
 
+#include <QDir>
 #include <QTemporaryDir>
 
 using namespace fxview;
@@ -169,6 +171,22 @@ TEST_F(TrendsInWindow, AreExported)
     EXPECT_TRUE(contentOf(page->exportTo(folder.path(), "png")).startsWith("\x89PNG"));
     EXPECT_THROW(page->exportTo(folder.path(), "png"), fxtools::Failure);  // there is one already
     EXPECT_THROW(page->exportTo(folder.filePath("nowhere"), "csv"), fxtools::Failure);
+}
+
+TEST_F(TrendsInWindow, LeaveNoPartOfAFileOnAFullDisk)
+{
+    const QTemporaryDir folder;
+    {
+        const tool_tests::FullDisk full(100);
+        try {
+            page->exportTo(folder.path(), "csv");
+            ADD_FAILURE();
+        } catch (const fxtools::Failure& failure) {
+            EXPECT_TRUE(failure.text().contains("csv: File too large. Make room on the disk"))
+                << failure.text().toStdString();
+        }
+    }
+    EXPECT_TRUE(QDir(folder.path()).isEmpty());
 }
 
 TEST_F(TrendsInWindow, ExportNoMoreRowsThanASpreadsheetHolds)

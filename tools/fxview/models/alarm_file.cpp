@@ -4,6 +4,7 @@
 #include "tools/fxview/models/alarm_file.h"
 
 #include "tools/library/csv.h"
+#include "tools/library/output_file.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -90,10 +91,14 @@ QString AlarmFile::append(QVector<QByteArray>& lines) const
     QFile file(m_path);
     if (!file.open(QIODevice::Append | QIODevice::Unbuffered))
         return m_path + ": " + file.errorString();
-    const auto put = [&file](const QByteArray& line) {
+    QString reason;
+    const auto put = [&](const QByteArray& line) {
         const qint64 before = file.size();
-        const bool isWhole = file.write(line) == line.size();
-        return isWhole || (file.resize(before), false);
+        if (fxtools::writeWhole(file, line))
+            return true;
+        reason = file.errorString();  // which resize() forgets
+        file.resize(before);
+        return false;
     };
     bool isPut = file.size() > 0 || put("time (UTC),tag,alarm,event,value,unit\n");
     while (isPut && !lines.isEmpty()) {
@@ -101,9 +106,7 @@ QString AlarmFile::append(QVector<QByteArray>& lines) const
         if (isPut)
             lines.removeFirst();
     }
-    if (!isPut)
-        return m_path + ": " + file.errorString();
-    return {};
+    return isPut ? QString() : m_path + ": " + reason;
 }
 
 AlarmWriter::AlarmWriter(const QString& path)

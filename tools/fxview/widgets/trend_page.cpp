@@ -5,6 +5,7 @@
 
 #include "tools/fxview/widgets/scrolled.h"
 #include "tools/fxview/widgets/theme.h"
+#include "tools/library/output_file.h"
 
 #include <QBuffer>
 #include <QCompleter>
@@ -265,11 +266,19 @@ QString TrendPage::exportTo(const QString& folder, const QString& form) const
                                .toString(QStringLiteral("yyyyMMdd-hhmmss-zzz"));
     QFile file(QDir(folder).filePath(QStringLiteral("trend-%1.%2").arg(moment, form)));
     const QByteArray content = contentAs(form);
-    const bool isWritten = file.open(QIODevice::WriteOnly | QIODevice::NewOnly) &&
-                           file.write(content) == content.size() && file.flush();
-    if (!isWritten)
+    const auto fail = [&file](const QString& reason) {
         throw fxtools::Failure(fxtools::ExitCode::File,
-                               file.fileName() + ": " + file.errorString());
+                               tr("The trend was not saved: %1: %2. Make room on the disk, or make "
+                                  "the folder writable.")
+                                   .arg(file.fileName(), reason));
+    };
+    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered))
+        fail(file.errorString());
+    if (!fxtools::writeWhole(file, content)) {
+        const QString reason = file.errorString();
+        file.remove();  // a part of it
+        fail(reason);
+    }
     return file.fileName();
 }
 

@@ -4,6 +4,7 @@
 // Memory images as Intel HEX.
 
 #include "tests/tools/fxsim/support.h"
+#include "tests/tools/support/full_disk.h"
 #include "tools/fxsim/plc/memory_image.h"
 
 #include <QDir>
@@ -12,40 +13,11 @@
 
 #include <gtest/gtest.h>
 
-#include <csignal>
-
-#include <sys/resource.h>
-#include <sys/stat.h>
-
 using namespace fxsim;
 
 namespace {
 
 const QByteArray zeros(65536, '\0');
-
-// No file of this process grows beyond `bytes`, as on a disk that has no more room.
-class FullDisk
-{
-public:
-    explicit FullDisk(rlim_t bytes)
-    {
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limit = {bytes, m_before.rlim_max};
-        m_signalBefore = std::signal(SIGXFSZ, SIG_IGN);
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FullDisk()
-    {
-        setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_signalBefore);
-    }
-    FullDisk(const FullDisk&) = delete;
-    FullDisk& operator=(const FullDisk&) = delete;
-
-private:
-    rlimit m_before = {};
-    void (*m_signalBefore)(int) = SIG_DFL;
-};
 
 }  // namespace
 
@@ -147,7 +119,7 @@ TEST(MemoryImage, FullDiskLeavesTheOlderFile)
     const QString path = folder.filePath("plc.hex");
     saveImage(path, zeros);
     for (const rlim_t room : {0U, 5U, 20000U}) {
-        const FullDisk disk(room);
+        const tool_tests::FullDisk disk(room);
         const QByteArray image = room < 20000 ? zeros : QByteArray(65536, 'x');
         EXPECT_EQ(errorText([&] { saveImage(path, image); }), path + ": File too large");
         EXPECT_EQ(QFileInfo(path).size(), QByteArray(":00000001FF\n").size())
