@@ -84,6 +84,9 @@ TEST_F(NamedTags, AreCheckedAndBeginSeries)
     EXPECT_EQ(unknown.out, "pumpe,false,\"unknown tag 'pumpe'; did you mean 'pump'?\"\n");
     EXPECT_EQ(unknown.code, 1);
     EXPECT_EQ(run({"series", "pump", "-n", "2", "--csv", "-q"}).out, "1,M10\n2,M11\n");
+    EXPECT_EQ(run({"series", "product", "-n", "2", "--csv", "-q"}).out, "1,D10\n2,D14\n");
+    EXPECT_EQ(run({"series", "K4M0", "-n", "2", "--csv", "-q"}).out, "1,K4M0\n2,K4M16\n");
+    EXPECT_EQ(run({"series", "D0.5", "-n", "2", "--csv", "-q"}).out, "1,D0.5\n2,D1.5\n");
     EXPECT_EQ(errorOf({"series", "p*"}), "fxhost: 'p*' means 2 tags; give one of them\n");
 }
 
@@ -93,6 +96,16 @@ TEST_F(NamedTags, AreNotPlannedWhereNoReplyHoldsThem)
         errorOf({"plan", "product", "--words", "3"}),
         "fxhost: D10:4 is one value, and one reply brings at most 3 of its registers; read it "
         "in parts\n");
+}
+
+TEST_F(NamedTags, NameWhatACycleCouldDoWithout)
+{
+    const QByteArray plan =
+        QByteArray::fromStdString(run({"plan", "product", "pump", "D90", "--json"}).out);
+    EXPECT_EQ(QJsonDocument::fromJson(plan).object()["msLessWithout"].toObject().keys(),
+              QStringList({"D90", "product", "pump"}));
+    const std::string stats = run({"stats", "product", "pump", "-n", "2"}).out;
+    EXPECT_NE(stats.find("without product: "), std::string::npos) << stats;
 }
 
 TEST_F(NamedTags, SayWhereRestoreGoesOn)

@@ -126,6 +126,11 @@ QVector<Tag> askedOf(const AddressOptions& options, const AddressServices& servi
     return asked;
 }
 
+QString askedName(const Tag& asked)
+{
+    return asked.name.isEmpty() ? asked.asked.text() : asked.name;
+}
+
 QVector<RegisterRange> rangesOf(const QVector<Tag>& asked)
 {
     QVector<RegisterRange> ranges;
@@ -161,16 +166,16 @@ QVector<RegisterRange> registersOnce(const AddressOptions& options, const Addres
     return once;
 }
 
-RegisterRange addressIn(const QString& text, const AddressServices& services)
+AskedAddress addressIn(const QString& text, const AddressServices& services)
 {
     if (!isTagName(text, services))
-        return parseAddress(text, services.catalogue);
+        return askedAddress(takeApart(text), services.catalogue);
     const QVector<Tag> tags = tagsNamed(text, services);
     if (tags.size() > 1)
         throw Failure(ExitCode::Usage, QStringLiteral("%1 means %2 tags; give one of them")
                                            .arg(quoted(text))
                                            .arg(tags.size()));
-    return tags.first().asked.range;
+    return tags.first().asked;
 }
 
 TagWrite parseWrite(const QString& text, const AddressServices& services, ValueStyle style)

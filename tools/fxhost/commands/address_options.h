@@ -45,7 +45,10 @@ QVector<Tag> tagsNamed(const QString& name, const AddressServices& services);
 QVector<Tag> askedOf(const AddressOptions& options, const AddressServices& services,
                      ValueStyle style = {});
 
-// The registers of it.
+// The tag's name, or the address as it was asked for.
+QString askedName(const Tag& asked);
+
+// The registers of what was asked for.
 QVector<RegisterRange> rangesOf(const QVector<Tag>& asked);
 QVector<RegisterRange> rangesOf(const AddressOptions& options, const AddressServices& services);
 
@@ -53,8 +56,8 @@ QVector<RegisterRange> rangesOf(const AddressOptions& options, const AddressServ
 QVector<RegisterRange> registersOnce(const AddressOptions& options,
                                      const AddressServices& services);
 
-// One address, or the registers of one tag. Throws Failure.
-RegisterRange addressIn(const QString& text, const AddressServices& services);
+// One address, or that of one tag. Throws Failure.
+AskedAddress addressIn(const QString& text, const AddressServices& services);
 
 // A write, and how its values are shown.
 struct TagWrite : Assignment

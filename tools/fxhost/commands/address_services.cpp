@@ -96,7 +96,7 @@ struct SeriesOptions
 {
     std::string address;
     int copies = 10;
-    int step = 1;
+    std::optional<int> step;
 };
 
 ExitCode runSeries(const CommonOptions& common, const SeriesOptions& options)
@@ -104,24 +104,25 @@ ExitCode runSeries(const CommonOptions& common, const SeriesOptions& options)
     if (options.step == 0)  // which the driver takes as 1
         throw Failure(ExitCode::Usage,
                       QStringLiteral("invalid --step %1: use 1 or more, or -2 for 32-bit values")
-                          .arg(options.step));
+                          .arg(*options.step));
     const AddressServices services = addressServices(common);
-    const RegisterRange first = addressIn(QString::fromStdString(options.address), services);
+    AskedAddress asked = addressIn(QString::fromStdString(options.address), services);
+    RegisterRange& range = asked.range;
     QVector<QString> texts;
     QVector<int> numbers;
-    const int result = services.library.multiCopy(first.type.name, first.first, options.copies,
-                                                  options.step, texts, numbers);
+    const int result =
+        services.library.multiCopy(range.type.name, range.first, options.copies,
+                                   options.step.value_or(range.count), texts, numbers);
     Records records(common.output, {{"copy", Align::Right}, {"address"}});
     for (int copy = 0; copy < numbers.size(); ++copy) {
-        RegisterRange range = first;
         range.first = numbers[copy];
-        records.add({copy + 1, range.nameOf(0)});
+        records.add({copy + 1, asked.nameOf(0)});
     }
     records.finish();
     if (result == fxSeriesFitted)
         return ExitCode::Good;
     complain(QStringLiteral("the series runs past %1%2; every copy beyond it gets this address")
-                 .arg(first.type.name, first.type.numberText(first.type.highest)));
+                 .arg(range.type.name, range.type.numberText(range.type.highest)));
     return ExitCode::SomeFailed;
 }
 
@@ -158,9 +159,9 @@ void addSeriesCommand(CLI::App& app, const CommonOptions& common, Action& action
         ->type_name("N")
         ->check(within({1, mostCopies}));
     command
-        ->add_option(
-            "--step", options->step,
-            "Distance between copies (default: 1); -2 for 32-bit values: two words or one counter")
+        ->add_option("--step", options->step,
+                     "Distance between copies (default: the registers of ADDRESS, one for D100); "
+                     "-2 for 32-bit values: two words or one counter")
         ->type_name("N")
         ->check(within({fxStepOf32Bits, fxMaxElements}));
     addExamples(*command, {"fxhost series Y6 -n 5", "fxhost series D100 -n 4 --step 10"});

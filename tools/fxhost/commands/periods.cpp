@@ -56,7 +56,7 @@ WantedPeriods wantedOf(const QVector<Tag>& asked, const QVector<GivenPeriod>& gi
             if (period != given.crend())
                 wanted.add(part, period->name, period->periodUs);
             else
-                wanted.add(part, isTag ? tag.name : tag.asked.text(), qint64(1000) * unlessGivenMs);
+                wanted.add(part, askedName(tag), qint64(1000) * unlessGivenMs);
         }
     }
     return wanted;

@@ -64,14 +64,15 @@ void takeOrder(const QVector<PlannedBlock>& other, QVector<PlannedBlock>& blocks
 class BothPlans
 {
 public:
-    BothPlans(const AddressServices& services, const QVector<RegisterRange>& asked,
+    BothPlans(const AddressServices& services, const QVector<Tag>& asked,
               const SessionSettings& settings)
-        : m_catalogue(services.catalogue), m_asked(asked), m_words(settings.wordsPerFrame),
-          m_session(services.library, {1, settings.wordsPerFrame})
+        : m_catalogue(services.catalogue), m_asked(rangesOf(asked)),
+          m_words(settings.wordsPerFrame), m_session(services.library, {1, settings.wordsPerFrame})
     {
-        for (const RegisterRange& range : asked) {
-            if (range.together > 1)
-                requireOneReply(range, m_words);
+        for (const Tag& one : asked) {
+            m_names += askedName(one);
+            if (one.asked.range.together > 1)
+                requireOneReply(one.asked.range, m_words);
         }
     }
 
@@ -125,7 +126,7 @@ private:
         for (int index = 0; index < m_asked.size(); ++index) {
             QVector<RegisterRange> others = m_asked;
             others.removeAt(index);
-            savings.append({m_asked[index].text(), all - cycleMs(others, line)});
+            savings.append({m_names[index], all - cycleMs(others, line)});
         }
         std::stable_sort(
             savings.begin(), savings.end(),
@@ -135,6 +136,7 @@ private:
 
     const RegisterCatalogue& m_catalogue;
     QVector<RegisterRange> m_asked;
+    QStringList m_names;
     int m_words;
     DriverSession m_session;
 };
@@ -194,7 +196,7 @@ ExitCode runPlan(const CommonOptions& common, const PlanOptions& options)
     CommonOptions withoutBaud = common;
     withoutBaud.link.baud = 0;
     const ConnectionSettings settings = connectionSettings(withoutBaud);
-    BothPlans plans(services, rangesOf(options.addresses, services), settings.session);
+    BothPlans plans(services, askedOf(options.addresses, services), settings.session);
     const PlanReport report = plans.report(lineOf(common, settings, options.turnaroundMs));
     if (!options.svg.empty()) {
         OutputFile file(QString::fromStdString(options.svg),

@@ -127,8 +127,9 @@ RegisterFile checkedFile(const RestoreOptions& options, const Connection& connec
         writableRegistersOf(QString::fromStdString(options.file), connection.catalogue(),
                             connection.wordsPerFrame(), options.force);
     if (!options.from.empty())
-        file.runs = runsFrom(
-            file.runs, addressIn(QString::fromStdString(options.from), connection.services()));
+        file.runs =
+            runsFrom(file.runs,
+                     addressIn(QString::fromStdString(options.from), connection.services()).range);
     return file;
 }
 

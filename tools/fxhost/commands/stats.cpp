@@ -32,23 +32,24 @@ void showReport(const LineReport& report, const OutputOptions& output)
                                                        : lineReportLines(report));
 }
 
-// The address for which alone a block is read; empty if there are several.
-QString onlyAddressIn(const RegisterRange& block, const QVector<RegisterRange>& asked)
+// The name for which alone a block is read; empty if there are several.
+QString onlyNameIn(const RegisterRange& block, const QVector<Tag>& asked)
 {
     QString only;
-    for (const RegisterRange& range : asked) {
+    for (const Tag& one : asked) {
+        const RegisterRange& range = one.asked.range;
         if (!overlap(range, block))
             continue;
         if (!only.isEmpty() || !isInside(range, block))
             return {};
-        only = range.text();
+        only = askedName(one);
     }
     return only;
 }
 
 // Adds an exchange to the times of its block.
 void note(const Exchange& exchange, qint64 tookUs, const RegisterRange& block,
-          const QVector<RegisterRange>& asked, QVector<BlockTimes>& times)
+          const QVector<Tag>& asked, QVector<BlockTimes>& times)
 {
     const QString registers = fromToText(block);
     auto one = std::find_if(times.begin(), times.end(), [&registers](const BlockTimes& other) {
@@ -58,7 +59,7 @@ void note(const Exchange& exchange, qint64 tookUs, const RegisterRange& block,
         BlockTimes begun;
         begun.registers = registers;
         begun.registerCount = block.count;
-        begun.onlyFor = onlyAddressIn(block, asked);
+        begun.onlyFor = onlyNameIn(block, asked);
         times.append(begun);
         one = times.end() - 1;
     }
@@ -152,8 +153,7 @@ ExitCode runStats(const CommonOptions& common, const StatsOptions& options)
     const QVector<Tag> asked = askedOf(options.addresses, connection.services());
     const ConnectionSettings settings = connectionSettings(common);
     Polling polling = pollingOf(connection, settings, options.poll, asked);
-    const QVector<RegisterRange> inCycles =
-        polling.isPeriodic() ? QVector<RegisterRange>() : rangesOf(asked);
+    const QVector<Tag> inCycles = polling.isPeriodic() ? QVector<Tag>() : asked;
     QVector<BlockTimes> blocks;
     PeriodMeter meter(polling.wanted());
     Histogram cycleTimes;
@@ -177,7 +177,7 @@ ExitCode runStats(const CommonOptions& common, const StatsOptions& options)
         code = pollAtPeriods(connection, polling, options.cycles, onCycle);
     } else {
         PlanCycle plan(loop, plannerFor(loop, settings, options.poll.planning));
-        plan.plan(inCycles);
+        plan.plan(rangesOf(asked));
         code = pollCycles(connection, plan, options.cycles, onCycle);
     }
     showReport({blocks, loop.statistics(), cycleTimes, loop.elapsedUs(), loop.timeout(),

@@ -21,7 +21,7 @@ struct BlockTimes
 {
     QString registers;  // "D100 … D131"
     int registerCount = 0;
-    QString onlyFor;  // the address without which it would not be read; empty: several
+    QString onlyFor;  // the address or tag without which it would not be read; empty: several
     qint64 frames = 0;
     qint64 rejected = 0;
     qint64 totalUs = 0;  // from the request to the end of the reply, retries included
