@@ -290,12 +290,20 @@ ExitCode run(const Options& options)
     return application.finish();
 }
 
+// Help and version are all that was asked for.
+ExitCode textPrinted()
+{
+    const std::string problem = fxtools::outputProblem();
+    return problem.empty() ? ExitCode::Good
+                           : complain({ExitCode::File, QString::fromStdString(problem)});
+}
+
 ExitCode runCommandLine(int argumentCount, char** arguments)
 {
     try {
         const std::optional<Options> options = parseOptions(argumentCount, arguments);
         if (!options)
-            return ExitCode::Good;
+            return textPrinted();
         // GLib's event loop takes more turns and system calls for a request than Qt's own.
         qputenv("QT_NO_GLIB", "1");
         const QCoreApplication loop(argumentCount, arguments);

@@ -60,6 +60,17 @@ TEST(FxsimUsage, VersionIsPrinted)
     }
 }
 
+TEST(FxsimUsage, HelpThatFindsNoRoomIsNoSuccess)
+{
+    ChildProcess process;
+    process.setStandardOutputFile("/dev/full");
+    process.start(FXSIM_FILE, {"--help"});
+    ASSERT_TRUE(process.waitForFinished());
+    EXPECT_EQ(process.exitCode(), 7);
+    EXPECT_EQ(process.readAllStandardError(),
+              "fxsim: could not write all output: No space left on device\n");
+}
+
 TEST(FxsimUsage, HelpFitsEightyColumns)
 {
     FxsimProcess process({});
