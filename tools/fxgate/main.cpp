@@ -105,6 +105,16 @@ void addCommands(CLI::App& app, Options& options, Action& action)
                    "mistakes changes nothing.");
 }
 
+// Help and version are all that was asked for.
+int textPrinted(int code)
+{
+    const std::string problem = fxtools::outputProblem();
+    if (problem.empty())
+        return code;
+    complain(QString::fromStdString(problem));
+    return static_cast<int>(ExitCode::File);
+}
+
 int runCommandLine(int argumentCount, char** arguments)
 {
     Options options;
@@ -121,7 +131,7 @@ int runCommandLine(int argumentCount, char** arguments)
         app.parse(argumentCount, arguments);
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0)
-            return app.exit(error);  // help and version
+            return textPrinted(app.exit(error));  // help and version
         complain(fxtools::usageMistake(app, error));
         return static_cast<int>(ExitCode::Usage);
     }

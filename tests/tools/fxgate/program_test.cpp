@@ -360,6 +360,10 @@ TEST(FxgateCommandLine, TellsMistakesAndWhereHelpIs)
         EXPECT_EQ(ended.err, says);
     }
     EXPECT_EQ(runFxgate({"--version"}).out.substr(0, 7), "fxgate ");
+    ChildProcess full;
+    full.setStandardOutputFile("/dev/full");
+    full.start(FXGATE_FILE, {"--help"});
+    EXPECT_EQ(endOf(full).code, 7);
     for (const char* const command : {"run", "check", "status", "reload"})
         EXPECT_NE(runFxgate({command, "--help"}).out.find("Examples:\n  fxgate "),
                   std::string::npos);
