@@ -8,7 +8,9 @@
  * because the PLC answers in order. In each wait of the host something on the line arrives, or the
  * wait passes: what is assumed of times is said by which waits may pass.
  *
- * Run with -DDROP=NAME one assumption or rule is left out; docs/late-replies.md explains them.
+ * With -DINTACT nothing is damaged or sent twice, so that a restart of the host can be searched in
+ * more frames. With -DDROP=NAME one assumption or rule is left out; docs/late-replies.md explains
+ * them.
  */
 
 #define nobody 2
@@ -39,6 +41,11 @@ mtype = { nothing, data, refusal, damaged, cut, acknowledge };
 chan line = [LINE] of { mtype, byte, bit, bit };
 
 bool calm;  /* from now on nothing goes wrong */
+#ifdef INTACT  /* but for what is lost or late */
+#define spoils false
+#else
+#define spoils !calm
+#endif
 byte ended;  /* hosts, since the line was empty */
 bool taken;
 
@@ -55,7 +62,7 @@ bool taken;
 #define slowHasEnd 16      /* where ENQ gets no ACK, a reply comes within two time-outs */
 
 #define ackOnce 65536      /* the ACK to ENQ has no second copy */
-#define seldomEnded 524288 /* while replies are under way at most two hosts are started again */
+#define seldomEnded 524288 /* while replies are under way a host is started again once at most */
 
 /* Rules: */
 #define momentBefore 32    /* an early reply, or what comes in the moment before, does not count */
@@ -135,7 +142,7 @@ inline listen(wait)
        :: !holds(inOrder) -> line?kind, name, value, copy; line!kind, name, value, copy
        :: line?kind, name, value, copy; break
        od
-    :: !calm && !noise -> noise = true; kind = damaged; name = nobody; value = 0; copy = 0
+    :: spoils && !noise -> noise = true; kind = damaged; name = nobody; value = 0; copy = 0
     :: mayPass(wait) -> kind = nothing; name = nobody; value = 0; copy = 0
     fi;
     isSilent = isSilent && kind == nothing;
@@ -153,7 +160,7 @@ inline put(what, whose)
 {
     if
     :: line!what, whose, value, 0
-    :: !calm && len(line) < LINE - 1 -> line!what, whose, value, 0; line!what, whose, value, 1
+    :: spoils && len(line) < LINE - 1 -> line!what, whose, value, 0; line!what, whose, value, 1
     fi
 }
 
@@ -162,9 +169,9 @@ inline answerRequest()
     if
     :: value = 0; put(data, wanted)
     :: value = 1; put(data, wanted)
-    :: !calm -> put(refusal, nobody)
-    :: !calm -> put(damaged, nobody)
-    :: !calm -> put(cut, nobody)
+    :: spoils -> put(refusal, nobody)
+    :: spoils -> put(damaged, nobody)
+    :: spoils -> put(cut, nobody)
     :: !calm && (isEmpty || atOnce || !holds(copyWithoutLoss) || !holds(momentBefore))
     fi
 }
