@@ -3,7 +3,7 @@
 
 #include "tools/service/recipe.h"
 
-#include "tools/tags/tag_file.h"
+#include "tools/tags/tag_columns.h"
 
 #include <QHash>
 

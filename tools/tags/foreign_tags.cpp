@@ -7,6 +7,7 @@
 #include "tools/tags/foreign_tags.h"
 
 #include "tools/quoted.h"
+#include "tools/tags/tag_columns.h"
 
 #include <QSet>
 

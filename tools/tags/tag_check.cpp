@@ -4,6 +4,7 @@
 #include "tools/tags/tag_check.h"
 
 #include "tools/exchange/blocks.h"
+#include "tools/tags/tag_columns.h"
 
 #include <algorithm>
 

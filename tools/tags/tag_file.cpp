@@ -4,179 +4,24 @@
 #include "tools/tags/tag_file.h"
 
 #include "tools/quoted.h"
+#include "tools/tags/tag_columns.h"
 
 #include <QHash>
-#include <QLocale>
 #include <QRegularExpression>
 
-#include <cmath>
+#include <algorithm>
 
 namespace fxtools {
 
 namespace {
 
-constexpr int mostNameCharacters = 64;
-// Nothing that separates names, makes them patterns, or means something to a shell.
-const QRegularExpression notInNames(QStringLiteral("[\\s\\p{C},;='\"*?\\[\\]#$`()&|<>\\\\!{}~]+"));
 const QRegularExpression controls(QStringLiteral("[\\p{Cc}\\p{Cf}]"));
-const QString bitType = QStringLiteral("bit");  // only says what the address says
-constexpr int mostTextWords = 32;               // what one frame brings
-constexpr int longestPeriodMs = 86400000;
-
-// What a field is read with.
-struct Reading
-{
-    const RegisterCatalogue& catalogue;
-    bool hasDecimalComma;
-};
-
-QString limitText(const std::optional<double>& number)
-{
-    return number ? numberText(*number) : QString();
-}
-
-double number(const QString& text, const Reading& reading)
-{
-    bool isNumber = false;
-    const QString point = reading.hasDecimalComma ? QString(text).replace(',', '.') : text;
-    const double number = point.toDouble(&isNumber);
-    if (!isNumber || !std::isfinite(number))
-        reject(text, QStringLiteral("is not a number; use for example 0.1"));
-    return number;
-}
-
-void takeName(Tag& tag, const QString& text, const Reading& reading)
-{
-    const QString mistake = nameMistake(text, reading.catalogue);
-    if (!mistake.isEmpty())
-        reject(text, mistake);
-    tag.name = text;
-}
-
-void takeScale(Tag& tag, const QString& text, const Reading& reading)
-{
-    tag.scale = number(text, reading);
-    if (tag.scale == 0)
-        reject(text, QStringLiteral("makes every value the same; use for example 0.1"));
-}
-
-void takeDeadband(Tag& tag, const QString& text, const Reading& reading)
-{
-    tag.deadband = number(text, reading);
-    if (*tag.deadband < 0)
-        reject(text, QStringLiteral("is below 0"));
-}
-
-void takePeriod(Tag& tag, const QString& text, const Reading& /*reading*/)
-{
-    if (!isPeriod(text))
-        reject(text, QStringLiteral("is not a time in ms; use 1 to %1").arg(longestPeriodMs));
-    tag.periodMs = text.toInt();
-}
-
-void takeAccess(Tag& tag, const QString& text, const Reading& /*reading*/)
-{
-    const QString access = text.toLower().remove('/');
-    if (access == QLatin1String("ro") || access == QLatin1String("r"))
-        tag.access = TagAccess::ReadOnly;
-    else if (access == QLatin1String("rw"))
-        tag.access = TagAccess::ReadWrite;
-    else
-        reject(text, QStringLiteral("is not an access; use ro or rw"));
-}
-
-QString accessText(const Tag& tag)
-{
-    switch (tag.access) {
-    case TagAccess::NotSaid:
-        return {};
-    case TagAccess::ReadOnly:
-        return QStringLiteral("ro");
-    case TagAccess::ReadWrite:
-        return QStringLiteral("rw");
-    }
-    return {};
-}
-
-void takeType(Tag& tag, const QString& text, const Reading& /*reading*/)
-{
-    if (text.toLower() == bitType)
-        return;
-    const QStringList words = text.toLower().split(' ', Qt::SkipEmptyParts);
-    const std::optional<ValueFormat> format = formatNamed(words.value(0));
-    tag.style = {format.value_or(ValueFormat::Signed), words.value(1) == QLatin1String("swap")};
-    const bool isWide =
-        format == ValueFormat::Long || format == ValueFormat::ULong || format == ValueFormat::Float;
-    if (!format || words.size() > (isWide && tag.style.swap ? 2 : 1))
-        reject(text, "is not a type; use " + formatNames() +
-                         ", for two words with the high one first for example float swap");
-}
-
-template <std::optional<double> Tag::*member>
-void takeNumber(Tag& tag, const QString& text, const Reading& reading)
-{
-    tag.*member = number(text, reading);
-}
-
-template <std::optional<double> Tag::*member>
-QString textOfNumber(const Tag& tag)
-{
-    return limitText(tag.*member);
-}
-
-template <QString Tag::*member>
-void takeText(Tag& tag, const QString& text, const Reading& /*reading*/)
-{
-    tag.*member = text;
-}
-
-template <QString Tag::*member>
-QString textOf(const Tag& tag)
-{
-    return tag.*member;
-}
-
-struct Column
-{
-    const char* title;
-    bool needsNumber;  // means nothing for bits and texts
-    void (*take)(Tag& tag, const QString& text, const Reading& reading);
-    QString (*text)(const Tag& tag);
-};
-
-// In the order in which they are read: a type belongs to an address.
-const Column columns[] = {
-    {"name", false, takeName, textOf<&Tag::name>},
-    {"address", false,
-     [](Tag& tag, const QString& text, const Reading& reading) {
-         tag.asked = askedAddress(takeApart(text), reading.catalogue);
-     },
-     [](const Tag& tag) { return tag.asked.text(); }},
-    {"type", false, takeType, [](const Tag& tag) { return typeText(tag.style); }},
-    {"scale", true, takeScale,
-     [](const Tag& tag) { return tag.scale == 1 ? QString() : numberText(tag.scale); }},
-    {"offset", true,
-     [](Tag& tag, const QString& text, const Reading& reading) {
-         tag.offset = number(text, reading);
-     },
-     [](const Tag& tag) { return tag.offset == 0 ? QString() : numberText(tag.offset); }},
-    {"unit", false, takeText<&Tag::unit>, textOf<&Tag::unit>},
-    {"deadband", true, takeDeadband, textOfNumber<&Tag::deadband>},
-    {"period_ms", false, takePeriod,
-     [](const Tag& tag) { return tag.periodMs ? QString::number(*tag.periodMs) : QString(); }},
-    {"access", false, takeAccess, accessText},
-    {"min", true, takeNumber<&Tag::min>, textOfNumber<&Tag::min>},
-    {"max", true, takeNumber<&Tag::max>, textOfNumber<&Tag::max>},
-    {"alarm_low", true, takeNumber<&Tag::alarmLow>, textOfNumber<&Tag::alarmLow>},
-    {"alarm_high", true, takeNumber<&Tag::alarmHigh>, textOfNumber<&Tag::alarmHigh>},
-    {"link", false, takeText<&Tag::link>, textOf<&Tag::link>},
-    {"description", false, takeText<&Tag::description>, textOf<&Tag::description>},
-};
+constexpr int mostTextWords = 32;  // what one frame brings
 
 QString knownTitles()
 {
     QStringList titles;
-    for (const Column& column : columns)
+    for (const TagColumn& column : tagColumns())
         titles += QLatin1String(column.title);
     return titles.join(QStringLiteral(", "));
 }
@@ -253,9 +98,10 @@ Reader::Reader(const CsvRow& titles, QChar separator, const RegisterCatalogue& c
     : m_separator(separator), m_catalogue(catalogue), m_line(titles.line)
 {
     for (const QString& title : titles.fields) {
-        const bool isKnown = std::any_of(std::begin(columns), std::end(columns), [&](auto& column) {
-            return title.compare(QLatin1String(column.title), Qt::CaseInsensitive) == 0;
-        });
+        const bool isKnown =
+            std::any_of(tagColumns().begin(), tagColumns().end(), [&](auto& column) {
+                return title.compare(QLatin1String(column.title), Qt::CaseInsensitive) == 0;
+            });
         if (isKnown && m_titles.contains(title.toLower()))
             fail(title, QStringLiteral("appears twice"));
         else if (!isKnown && !title.isEmpty())
@@ -332,9 +178,10 @@ void Reader::checkFields(const CsvRow& row)
 
 void Reader::takeFields(const QStringList& fields, Tag& tag)
 {
-    for (const Column& column : columns) {
+    for (const TagColumn& column : tagColumns()) {
         const QString text = field(fields, column.title);
-        const bool isNeeded = column.take == takeName || qstrcmp(column.title, "address") == 0;
+        const bool isNeeded =
+            qstrcmp(column.title, "name") == 0 || qstrcmp(column.title, "address") == 0;
         if (text.isEmpty() && !isNeeded)
             continue;
         try {
@@ -353,9 +200,10 @@ void Reader::checkWhole(const QStringList& fields, Tag& tag)
         fail(QStringLiteral("address"), failure.text());
         return;
     }
-    if (field(fields, "type").toLower() == bitType && !tag.isOneBit())
-        fail(QStringLiteral("type"), quoted(bitType) + " is not the type of " + tag.asked.text());
-    for (const Column& column : columns) {
+    if (field(fields, "type").toLower() == QLatin1String(bitTypeText) && !tag.isOneBit())
+        fail(QStringLiteral("type"),
+             quoted(bitTypeText) + " is not the type of " + tag.asked.text());
+    for (const TagColumn& column : tagColumns()) {
         const QString text = field(fields, column.title);
         if (column.needsNumber && !text.isEmpty() && !tag.isNumber())
             fail(QLatin1String(column.title), quoted(text) + " has no meaning for a bit, a text, "
@@ -388,11 +236,6 @@ int rowAfter(const CsvFile& csv, int row)
 
 }  // namespace
 
-QString numberText(double number)
-{
-    return QString::number(number, 'g', QLocale::FloatingPointShortest);
-}
-
 QString shownTitle(const QString& title)
 {
     return title.contains(controls) ? quoted(title) : title;
@@ -409,30 +252,6 @@ int TagFile::errors() const
     return static_cast<int>(std::count_if(remarks.begin(), remarks.end(), [](const auto& remark) {
         return remark.kind == TagRemark::Kind::Error;
     }));
-}
-
-QString nameMistake(const QString& name, const RegisterCatalogue& catalogue)
-{
-    if (name.isEmpty() || name.startsWith('-') || name.contains(notInNames))
-        return QStringLiteral("is not a name; use letters, digits, dots, - and _");
-    if (name.size() > mostNameCharacters)
-        return QStringLiteral("is longer than %1 characters").arg(mostNameCharacters);
-    return isAddress(name, catalogue) ? QStringLiteral("is an address, so it cannot be a name")
-                                      : QString();
-}
-
-QString asName(const QString& text)
-{
-    QString name = text.trimmed();
-    name.replace(notInNames, QStringLiteral("_"));
-    return (name.startsWith('-') ? '_' + name : name).left(mostNameCharacters);
-}
-
-QString typeText(ValueStyle style)
-{
-    if (style.format == ValueFormat::Signed)
-        return {};
-    return formatName(style.format) + (style.swap ? " swap" : "");
 }
 
 TagFile readTagFile(const QString& path, const RegisterCatalogue& catalogue)
@@ -472,19 +291,19 @@ QVector<Tag> readTags(const QString& path, const RegisterCatalogue& catalogue)
 
 QByteArray tagFileText(const QVector<Tag>& tags)
 {
-    QVector<const Column*> used;
-    for (const Column& column : columns) {
+    QVector<const TagColumn*> used;
+    for (const TagColumn& column : tagColumns()) {
         if (std::any_of(tags.begin(), tags.end(),
                         [&column](const Tag& tag) { return !column.text(tag).isEmpty(); }))
             used.append(&column);
     }
     QStringList titles;
-    for (const Column* const column : used)
+    for (const TagColumn* const column : used)
         titles += QLatin1String(column->title);
     QString text = csvLine(titles) + '\n';
     for (const Tag& tag : tags) {
         QStringList fields;
-        for (const Column* const column : used)
+        for (const TagColumn* const column : used)
             fields += column->text(tag);
         text += csvLine(fields) + '\n';
     }
@@ -494,18 +313,11 @@ QByteArray tagFileText(const QVector<Tag>& tags)
 QVector<TagDifference> differences(const Tag& one, const Tag& other)
 {
     QVector<TagDifference> found;
-    for (const Column& column : columns) {
+    for (const TagColumn& column : tagColumns()) {
         if (column.text(one) != column.text(other))
             found.append({QLatin1String(column.title), column.text(one), column.text(other)});
     }
     return found;
-}
-
-bool isPeriod(const QString& text)
-{
-    bool isNumber = false;
-    const int periodMs = text.toInt(&isNumber);
-    return isNumber && periodMs >= 1 && periodMs <= longestPeriodMs;
 }
 
 }  // namespace fxtools

@@ -54,18 +54,6 @@ void requireNoErrors(const QString& path, const QVector<TagRemark>& remarks);
 // Throws Failure with all errors of the file.
 QVector<Tag> readTags(const QString& path, const RegisterCatalogue& catalogue);
 
-// Why this is not a name; empty if it is one.
-QString nameMistake(const QString& name, const RegisterCatalogue& catalogue);
-
-// A name made of a text: what a name cannot have becomes "_".
-QString asName(const QString& text);
-
-// A number as the file has it: with all its digits and no more.
-QString numberText(double number);
-
-// The type as the file has it: "float", or "float swap" with the high word first.
-QString typeText(ValueStyle style);
-
 // All columns that a tag needs.
 QByteArray tagFileText(const QVector<Tag>& tags);
 
@@ -77,8 +65,5 @@ struct TagDifference
     QString other;
 };
 QVector<TagDifference> differences(const Tag& one, const Tag& other);
-
-// Whether a number of milliseconds can be a period.
-bool isPeriod(const QString& text);
 
 }  // namespace fxtools

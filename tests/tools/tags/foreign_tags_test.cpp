@@ -7,6 +7,7 @@
 #include "tests/tools/support/loaded_driver.h"
 #include "tools/tags/foreign_tags.h"
 #include "tools/tags/tag_check.h"
+#include "tools/tags/tag_columns.h"
 
 #include <QFile>
 #include <QTemporaryDir>

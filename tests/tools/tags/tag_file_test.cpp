@@ -5,6 +5,7 @@
 
 #include "tests/support/times_shorter.h"
 #include "tests/tools/support/loaded_driver.h"
+#include "tools/tags/tag_columns.h"
 #include "tools/tags/tag_file.h"
 
 #include <QFile>

@@ -5,7 +5,7 @@
 
 #include "tools/fxhost/views/json_text.h"
 #include "tools/quoted.h"
-#include "tools/tags/tag_file.h"
+#include "tools/tags/tag_columns.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
