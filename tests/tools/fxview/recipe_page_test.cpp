@@ -223,6 +223,35 @@ TEST_F(RecipeInWindow, ThatCouldNotBeReadBackIsTold)
                      "reply in time. Compare again.");
 }
 
+TEST_F(RecipeInWindow, ThatIsSeenToBeWholeIsTroubleNoMore)
+{
+    startDownload();
+    emit plc.recipeEnded(halfDone("no reply in time"));
+    button("Compare")->click();
+    RecipeResult compared = comparison();
+    compared.values[0].inPlc = compared.values[0].inFile;
+    compared.notCompared = "no reply";
+    emit plc.recipeEnded(compared);
+    EXPECT_NE(bar(), "") << "not all was seen";
+    button("Compare")->click();
+    compared.id = order().id;
+    compared.notCompared.clear();
+    emit plc.recipeEnded(compared);
+    EXPECT_EQ(bar(), "");
+}
+
+TEST_F(RecipeInWindow, NamesNeighboursTogether)
+{
+    QTest::keyClicks(find<QLineEdit>("Recipe file"), fileName);
+    button("Open")->click();
+    RecipeResult opened = result();
+    opened.recipe = {{tool_tests::range("D100:2"), {1, 2}},
+                     {tool_tests::range("D102:3"), {3, 4, 5}}};
+    opened.values = valuesOf(opened.recipe);
+    emit plc.recipeEnded(opened);
+    EXPECT_EQ(find<QLineEdit>("Registers to upload")->text(), "D100:5");
+}
+
 TEST_F(RecipeInWindow, ThatWasRefusedAtOnceLeftNothing)
 {
     startDownload();

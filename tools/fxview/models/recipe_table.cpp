@@ -106,15 +106,21 @@ QString wholeText(const QString& recipe, const RecipeResult& result)
 
 }  // namespace
 
-QString rangesText(const QVector<fxtools::RegisterRange>& registers)
+QVector<fxtools::RegisterRange> joined(const QVector<fxtools::RegisterRange>& registers)
 {
     QVector<fxtools::RegisterRange> ranges;
-    for (const fxtools::RegisterRange& one : registers) {
-        if (!ranges.isEmpty() && ranges.last().isContinuedBy(one))
-            ranges.last().count += one.count;
+    for (const fxtools::RegisterRange& next : registers) {
+        if (!ranges.isEmpty() && ranges.last().isContinuedBy(next))
+            ranges.last().count += next.count;
         else
-            ranges.append(one);
+            ranges.append(next);
     }
+    return ranges;
+}
+
+QString rangesText(const QVector<fxtools::RegisterRange>& registers)
+{
+    const QVector<fxtools::RegisterRange> ranges = joined(registers);
     QStringList texts;
     for (const fxtools::RegisterRange& range : ranges.mid(0, mostRanges))
         texts += range.count == 1 ? range.nameOf(0)

@@ -61,6 +61,9 @@ QString uploadText(const QString& file, const RecipeResult& result);
 // Whether all of it is in the PLC, and was seen there.
 bool isWhole(const RecipeResult& result);
 
+// Neighbours as one range.
+QVector<fxtools::RegisterRange> joined(const QVector<fxtools::RegisterRange>& registers);
+
 // "D0 … D31, D40"
 QString rangesText(const QVector<fxtools::RegisterRange>& registers);
 

@@ -19,6 +19,15 @@ QString nameOf(const QString& file)
     return QFileInfo(file).fileName();
 }
 
+// "D100:40 D200", as a person writes it: where frames end is of no interest.
+QString addressesText(const QVector<fxtools::RegisterRun>& runs)
+{
+    QStringList texts;
+    for (const fxtools::RegisterRange& range : joined(fxtools::rangesOf(runs)))
+        texts += range.text();
+    return texts.join(' ');
+}
+
 }  // namespace
 
 RecipePage::RecipePage(const QVector<fxtools::Tag>& tags, QWidget* parent)
@@ -190,6 +199,8 @@ void RecipePage::take(const RecipeResult& result)
         return;
     case Act::Compare:
         m_table->show(result.values, m_readingMs);
+        if (isWhole(result))
+            emit stated(m_recipe, {}, false);
         if (result.problem.isEmpty() && result.notCompared.isEmpty())
             sayDifferences();
         else
@@ -219,10 +230,8 @@ void RecipePage::takeOpened(const RecipeResult& result)
         say(tr("Not opened: %1").arg(result.problem));
         return;
     }
-    QStringList registers;
-    for (const fxtools::RegisterRange& range : fxtools::rangesOf(m_runs))
-        registers += range.text();
-    m_controls.registers->setText(registers.join(' '));
+    m_controls.registers->setText(addressesText(m_runs));
+    m_controls.registers->setCursorPosition(0);
     if (m_isLinkUp)
         start(Act::Compare);
     else
