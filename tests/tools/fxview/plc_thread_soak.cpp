@@ -24,6 +24,7 @@ namespace {
 using Act = RecipeOrder::Act;
 
 constexpr int registers = 40;
+const fxtools::RegisterRange recipeRange = tool_tests::range("D1000:40");  // before any thread
 constexpr int writable = 0;                // the tag that is written
 constexpr qint64 longestAnswerMs = 60000;  // of an order, on a line without faults
 
@@ -130,7 +131,7 @@ private:
         } else {
             for (int first = 0; first < registers; first += registers / 4) {
                 fxtools::RegisterRun run;
-                run.range = tool_tests::range("D1000:40").part(first, registers / 4);
+                run.range = recipeRange.part(first, registers / 4);
                 for (int index = 0; index < run.range.count; ++index)
                     run.values.append(static_cast<quint32>(draw(30000)));
                 order.recipe.append(run);
