@@ -45,9 +45,12 @@ bool Soak::command(Command command)
     return isDone;
 }
 
-// At 1200 baud the time-out has to grow first.
+// On a slow line the time-out has to grow first: a request may take longer than a fixed one.
 void Soak::runEveryCommand()
 {
+    const int baud = m_world.plc.timing.baud;
+    if (baud > 0 && baud < 9600 && m_world.timeout.floorMs == m_world.timeout.ceilingMs)
+        return;
     for (int number = 0; number < commandCount; ++number) {
         bool isDone = false;
         for (int tries = 0; tries < mostTriesWithoutFault && !isDone; ++tries)
