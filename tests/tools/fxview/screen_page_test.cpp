@@ -10,6 +10,7 @@
 
 #include <QFile>
 #include <QPlainTextEdit>
+#include <QScrollArea>
 #include <QTemporaryDir>
 
 using namespace fxview;
@@ -622,6 +623,24 @@ TEST_F(ScreenPageInWindow, LeavesOutTheReasonWhereItHasNoRoom)
                                                  "somewhere"));
     view("Oven")->resize(300, 100);
     EXPECT_EQ(view("Oven")->shownLines().join(' '), view("Oven")->stateText());
+}
+
+TEST_F(ScreenPageInWindow, WritesLargeButtonsInLargeLetters)
+{
+    const auto sizeAt = [this](int width, int height) {
+        view("Jog")->resize(width, height);
+        return jog->font().pointSizeF() / window.font().pointSizeF();
+    };
+    EXPECT_DOUBLE_EQ(sizeAt(100, 50), 1);
+    EXPECT_DOUBLE_EQ(sizeAt(1000, 1000), 2);
+    EXPECT_DOUBLE_EQ(sizeAt(40, 1000), 1) << "its label must fit";
+}
+
+// Eight rows on a panel of 600 lines, below the tabs of several pages.
+TEST_F(ScreenPageInWindow, NeedsLittleHeightForARow)
+{
+    const QWidget* grid = inner->findChild<QScrollArea*>()->widget();
+    EXPECT_LT(grid->minimumSizeHint().height(), 8 * (3.3 * grid->fontMetrics().height() + 4));
 }
 
 TEST(ScalesOfElements, HaveRoundNumbersBetweenTheirEnds)

@@ -68,8 +68,11 @@ void MainWindow::layOut()
     m_alarmPage->bell = &QApplication::beep;
     statusBar()->addWidget(m_linkSign);
     statusBar()->addWidget(m_linkText, 1);
-    if (m_source.isSimulated())
-        statusBar()->addPermanentWidget(new QLabel(tr("Simulated PLC")));
+    if (m_source.isSimulated()) {
+        auto* simulated = new QLabel(tr("Simulated PLC"));
+        simulated->setContentsMargins(0, 0, fontMetrics().height(), 0);
+        statusBar()->addPermanentWidget(simulated);
+    }
     statusBar()->addPermanentWidget(m_lineText);
     resize(QSize(1024, 600).boundedTo(QGuiApplication::primaryScreen()->availableSize()));
     m_linkText->setTextFormat(Qt::PlainText);

@@ -38,15 +38,24 @@ void PushButtonView::showMoment(qint64 nowMs)
 {
     ElementView::showMoment(nowMs);
     m_button->setEnabled(writes().mayWrite());
-    const int size = fontMetrics().height();
+    const int size = m_button->fontMetrics().height();
     m_button->setIconSize({size, size});
     m_button->setIcon(bitPixmap(face(), palette(), size, devicePixelRatioF()));
     announce(*m_button);
 }
 
+// A large button has a large text.
 void PushButtonView::place(const QRect& middle)
 {
     m_button->setGeometry(middle);
+    const double letter = fontMetrics().height();
+    const double width = fontMetrics().horizontalAdvance(element().label) + 4 * letter;
+    QFont large = font();
+    large.setPointSizeF(
+        large.pointSizeF() *
+        std::clamp(std::min(middle.height() / (3 * letter), middle.width() / width), 1.0, 2.0));
+    if (m_button->font() != large)
+        m_button->setFont(large);
 }
 
 SwitchControl::SwitchControl(QWidget* parent) : QAbstractButton(parent)

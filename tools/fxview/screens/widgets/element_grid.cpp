@@ -35,12 +35,12 @@ QSize ElementGrid::minimumSizeHint() const
         cell = cell.expandedTo({cellOf(least.width(), view->element().width),
                                 cellOf(least.height(), view->element().height)});
     }
-    return {cell.width() * m_columns, cell.height() * m_rows};
+    return {cell.width() * m_columns - gap, cell.height() * m_rows - gap};
 }
 
 void ElementGrid::place()
 {
-    const QSize cell(width() / m_columns, height() / m_rows);
+    const QSize cell((width() + gap) / m_columns, (height() + gap) / m_rows);
     for (ElementView* view : qAsConst(m_views)) {
         const Element& element = view->element();
         view->setGeometry((element.column - 1) * cell.width(), (element.row - 1) * cell.height(),

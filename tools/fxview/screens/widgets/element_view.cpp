@@ -13,7 +13,7 @@ namespace fxview {
 namespace {
 
 constexpr int leastLetters = 6;         // that an element is wide
-constexpr double leastFaceLines = 1.3;  // that its face is high
+constexpr double leastFaceLines = 1.2;  // that its face is high
 constexpr int leastOtherLines = 2;      // label and state, or the state alone
 constexpr int margin = 2;               // left and right
 
