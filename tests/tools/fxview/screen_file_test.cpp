@@ -235,6 +235,22 @@ TEST_F(ScreenFileTest, HasNoScreenForWhatIsNoToml)
     EXPECT_EQ(none.mistakes[0].in("f").toStdString(), "f: No such file or directory");
 }
 
+TEST_F(ScreenFileTest, TellsOfWhatDoesNotBelongTogether)
+{
+    EXPECT_EQ(mistakesOf("text", "tag = \"door\"\ntext = \"Door\"\n"),
+              "f, line 6, column 8: a text shows either text or tag, not both\n");
+    EXPECT_EQ(mistakesOf("lamp", "tag = \"door\"\nheight = 9\n"),
+              "f, line 6, column 10: height must be a whole number from 1 to 8, not 9\n");
+    EXPECT_EQ(mistakesIn("colour = 1\n[[page]]\n").substr(0, 42),
+              "f, line 1, column 1: unknown key 'colour';");
+    EXPECT_NE(mistakesIn(QByteArray("[[page]]\n").repeated(101)), "");
+    EXPECT_EQ(mistakesIn(QByteArray("[[page]]\n[[page.text]]\ntext = \"a\"\nrow = 1\n"
+                                    "column = 1\n")
+                             .repeated(100)),
+              "")
+        << "each page has places of its own";
+}
+
 TEST_F(ScreenFileTest, SaysWhatIsWrongWithALineThatIsNoToml)
 {
     const auto wordsOf = [this](const char* line) {
