@@ -239,8 +239,9 @@ TEST_F(ScreenFileTest, TellsOfWhatDoesNotBelongTogether)
 {
     EXPECT_EQ(mistakesOf("text", "tag = \"door\"\ntext = \"Door\"\n"),
               "f, line 6, column 8: a text shows either text or tag, not both\n");
-    EXPECT_EQ(mistakesOf("lamp", "tag = \"door\"\nheight = 9\n"),
-              "f, line 6, column 10: height must be a whole number from 1 to 8, not 9\n");
+    EXPECT_EQ(mistakesIn("[[page]]\n[[page.text]]\ntext = \"a\"\nrow = 8\ncolumn = 1\n"
+                         "height = 2\n"),
+              "f, line 6, column 10: height must be a whole number from 1 to 1, not 2\n");
     EXPECT_EQ(mistakesIn("colour = 1\n[[page]]\n").substr(0, 42),
               "f, line 1, column 1: unknown key 'colour';");
     EXPECT_NE(mistakesIn(QByteArray("[[page]]\n").repeated(101)), "");
