@@ -10,7 +10,6 @@
 
 #include <QFile>
 #include <QPlainTextEdit>
-#include <QScrollArea>
 #include <QTemporaryDir>
 
 using namespace fxview;
@@ -639,7 +638,7 @@ TEST_F(ScreenPageInWindow, WritesLargeButtonsInLargeLetters)
 // Eight rows on a panel of 600 lines, below the tabs of several pages.
 TEST_F(ScreenPageInWindow, NeedsLittleHeightForARow)
 {
-    const QWidget* grid = inner->findChild<QScrollArea*>()->widget();
+    const QWidget* grid = view("Oven")->parentWidget();
     EXPECT_LT(grid->minimumSizeHint().height(), 8 * (3.3 * grid->fontMetrics().height() + 4));
 }
 
