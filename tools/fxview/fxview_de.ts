@@ -441,7 +441,7 @@
     </message>
     <message>
         <source>Line load %1 %</source>
-        <translation>Leitung zu %1 % ausgelastet</translation>
+        <translation>Leitungslast %1 %</translation>
     </message>
 </context>
 <context>

@@ -232,6 +232,17 @@ TEST_F(AlarmsInWindow, AreAcknowledgedByKeyboard)
     EXPECT_EQ(state(), "active, acknowledged");
 }
 
+TEST_F(AlarmsInWindow, AreAcknowledgedOnlyWhereTheyAreChosen)
+{
+    read(190);
+    read(5);
+    EXPECT_EQ(table->model()->rowCount(), 2);
+    table->selectRow(1);
+    button("Acknowledge")->click();
+    EXPECT_EQ(table->model()->rowCount(), 1);
+    EXPECT_EQ(state(), "ACTIVE");
+}
+
 TEST_F(AlarmsInWindow, RingUntilTheyAreAcknowledged)
 {
     read(100);

@@ -189,6 +189,13 @@ TEST_F(TrendsInWindow, LeaveNoPartOfAFileOnAFullDisk)
     EXPECT_TRUE(QDir(folder.path()).isEmpty());
 }
 
+TEST_F(TrendsInWindow, ExportTheLowestAndTheHighestOfEachStep)
+{
+    view->setTags({5});
+    emit plc.readings({good(5, 9, nowMs - 1000), good(5, 1, nowMs - 990), good(5, 4, nowMs - 980)});
+    EXPECT_TRUE(view->csv().contains("19.000Z,1,9\n")) << view->csv().toStdString();
+}
+
 TEST_F(TrendsInWindow, ExportNoMoreRowsThanASpreadsheetHolds)
 {
     view->span().setLength(TrendSpan::longestMs);

@@ -203,6 +203,56 @@ TEST_F(ValuesPageInWindow, StaysWithAWriteUntilItsResultIsKnown)
     EXPECT_NE(said().find("Done: oven.temp"), std::string::npos);
 }
 
+// That of the one before came while this one was on its way.
+TEST_F(ValuesPageInWindow, TakesTheResultOfAnotherWriteForNoneOfItsOwn)
+{
+    for (int write = 0; write < 2; ++write) {
+        choose(0);
+        field->clear();
+        type("80");
+        button("Write…")->click();
+        button("Yes, write")->click();
+        if (write == 0)
+            button("Do not wait")->click();
+    }
+    emit plc.written({1, 0, WriteResult::Outcome::Done, 70, 80, {}});
+    EXPECT_TRUE(button("Do not wait"));
+    EXPECT_NE(said().find("Writing oven.temp"), std::string::npos) << said();
+    answer(WriteResult::Outcome::Done, 80);
+    EXPECT_FALSE(button("Do not wait"));
+}
+
+TEST_F(ValuesPageInWindow, ShowsEachStateByAShapeOfItsOwn)
+{
+    const auto paintedAt = [this](int row, int column) {
+        window.showMoment();
+        const QRect cell = table->visualRect(table->model()->index(row, column));
+        const bool isState = column == ValueTable::State;
+        const QImage picture =
+            table->viewport()
+                ->grab(isState ? QRect(cell.topLeft(), QSize(24, cell.height())) : cell)
+                .toImage();
+        QVector<QPoint> points;
+        for (int x = 0; x < picture.width(); ++x) {
+            for (int y = 0; y < picture.height(); ++y) {
+                if (picture.pixel(x, y) != picture.pixel(0, 0))
+                    points += QPoint(x, y);
+            }
+        }
+        return points;
+    };
+    QVector<QVector<QPoint>> shapes;
+    for (const Reading& reading : {good(0, 71), stale(0, "?"), bad(0, "?"), good(0, 190)}) {
+        emit plc.readings({reading});
+        shapes += paintedAt(0, ValueTable::State);
+        EXPECT_EQ(shapes.indexOf(shapes.last()), shapes.size() - 1) << shapes.size();
+    }
+    emit plc.readings({good(1, 1), good(4, 1)});
+    const int on = paintedAt(1, ValueTable::Value).size();
+    emit plc.readings({good(1, 0), stale(4, "?")});
+    EXPECT_GT(on, paintedAt(1, ValueTable::Value).size());
+}
+
 TEST_F(ValuesPageInWindow, WritesNothingWhileThePlcIsSilent)
 {
     choose(0);
@@ -252,6 +302,8 @@ TEST_F(ValuesPageInWindow, SortsByAClickOnAHeading)
     EXPECT_EQ(table->model()->index(0, 0).data(), "oven.temp");
     table->sortByColumn(ValueTable::Name, Qt::AscendingOrder);
     EXPECT_EQ(table->model()->index(0, 0).data(), "door");
+    choose(0);
+    EXPECT_EQ(said(), "door is – (not read yet) | read-only");
     table->sortByColumn(-1, Qt::AscendingOrder);
     EXPECT_EQ(table->model()->index(0, 0).data(), "oven.temp");
 }
