@@ -44,7 +44,6 @@ public:
     void tick(Moment now);
     void stop(Moment now);  // what was sent is still answered; no other is
 
-
     using Counts = std::map<WriteResult::Outcome, qint64>;
     const Counts& counts() const { return m_counts; }  // of answers
 
