@@ -31,16 +31,19 @@ bool hasNoAnswer(const ExchangeLoop& loop, const Round& round)
 }
 
 // The registers that are handed to the driver at once. It cuts what is longer than a frame by
-// words and numbers the pieces by words, which is wrong for registers of two words each.
-int mostInPortion(const RegisterType& type, int wordsPerFrame)
+// words, whichever of them are one value, and numbers the pieces by words, which is wrong for
+// registers of two words each.
+int mostInPortion(const RegisterRange& range, int wordsPerFrame)
 {
-    switch (type.width) {
+    switch (range.type.width) {
     case RegisterWidth::Bit:
         return mostQueuedFrames;
     case RegisterWidth::Word:
-        return mostQueuedFrames * wordsPerFrame;
+        if (range.mostInFrame(wordsPerFrame) == wordsPerFrame)
+            return mostQueuedFrames * wordsPerFrame;
+        [[fallthrough]];
     case RegisterWidth::DoubleWord:
-        return type.mostInFrame(wordsPerFrame);
+        return range.mostInFrame(wordsPerFrame);
     }
     return 1;
 }
@@ -49,7 +52,7 @@ int framesFor(const RegisterRange& range, int wordsPerFrame)
 {
     if (range.type.isBit())
         return range.count;
-    const int most = range.type.mostInFrame(wordsPerFrame);
+    const int most = range.mostInFrame(wordsPerFrame);
     return (range.count + most - 1) / most;
 }
 
@@ -209,7 +212,7 @@ WriteOutcome writeRegisters(ExchangeLoop& loop, const RegisterRange& range,
     WriteOutcome outcome;
     outcome.frames = framesFor(range, wordsPerFrame);
     loop.session().setPlan({range.part(0, 1)});
-    for (const RegisterRange& part : range.cut(mostInPortion(range.type, wordsPerFrame))) {
+    for (const RegisterRange& part : range.cut(mostInPortion(range, wordsPerFrame))) {
         if (!outcome.isGood())
             break;
         loop.session().write(part, values.mid(part.first - range.first, part.count));

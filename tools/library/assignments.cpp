@@ -52,14 +52,14 @@ QVector<quint32> bitsOfNumber(quint32 number, int bits)
 
 void parseList(const QString& text, ValueStyle style, const QString& whole, Assignment& assignment)
 {
-    const AskedAddress& asked = assignment.asked;
+    AskedAddress& asked = assignment.asked;
     const bool isText = style.format == ValueFormat::Text;
     const QStringList values = isText ? QStringList{text} : text.split(',');
-    assignment.registersEach = registersEach(asked, values, style, whole);
+    asked.range.together = registersEach(asked, values, style, whole);
     for (const QString& value : values)
         assignment.values +=
             parseValue(isText ? value : value.trimmed(),
-                       asked.range.part(assignment.values.size(), assignment.registersEach), style);
+                       asked.range.part(assignment.values.size(), asked.range.together), style);
 }
 
 }  // namespace
@@ -76,7 +76,7 @@ Assignment assignmentOf(const AddressParts& address, const QString& values,
                         const RegisterCatalogue& catalogue, ValueStyle style)
 {
     const QString whole = address.written + '=' + values;
-    Assignment assignment{askedAddress(address, catalogue), {}, values, 1};
+    Assignment assignment{askedAddress(address, catalogue), {}, values};
     AskedAddress& asked = assignment.asked;
     if (!asked.range.type.writable)
         throw Failure(ExitCode::Usage,
@@ -85,7 +85,7 @@ Assignment assignmentOf(const AddressParts& address, const QString& values,
         assignment.values = {parseBit(values.trimmed())};
     } else if (asked.isGroup) {
         const int bits = asked.range.count;
-        assignment.registersEach = bits;
+        asked.range.together = bits;
         assignment.values = bitsOfNumber(parseNumber(values.trimmed(), bits, style.format), bits);
     } else {
         widen(asked, style);

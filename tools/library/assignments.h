@@ -21,7 +21,6 @@ struct Assignment
     AskedAddress asked;
     QVector<quint32> values;  // of its registers; of D100.5 the bit alone
     QString written;          // the values as the user wrote them
-    int registersEach = 1;    // of one value
 
     // What the registers will hold that hold `before` now; empty: nothing is known of them.
     QVector<quint32> valuesOver(const QVector<quint32>& before) const;

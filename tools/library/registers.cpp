@@ -150,6 +150,12 @@ QVector<RegisterRange> RegisterRange::cut(int mostRegisters) const
     return parts;
 }
 
+int RegisterRange::mostInFrame(int wordsPerFrame) const
+{
+    const int most = type.mostInFrame(wordsPerFrame);
+    return together > most ? most : most - most % together;
+}
+
 QString RegisterRange::nameOf(int index) const
 {
     const QString prefix = station == 1 ? QString() : QString::number(station) + '#';
@@ -233,7 +239,7 @@ QVector<RegisterRange> cutToFrames(const QVector<RegisterRange>& ranges, int wor
 {
     QVector<RegisterRange> parts;
     for (const RegisterRange& range : ranges)
-        parts += range.cut(range.type.mostInFrame(wordsPerFrame));
+        parts += range.cut(range.mostInFrame(wordsPerFrame));
     return parts;
 }
 

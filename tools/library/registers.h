@@ -58,6 +58,7 @@ struct RegisterRange
 
     RegisterRange part(int offset, int partCount) const;
     QVector<RegisterRange> cut(int mostRegisters) const;  // into parts; the last may be shorter
+    int mostInFrame(int wordsPerFrame) const;             // registers, of whole values if one fits
     QString nameOf(int index) const;    // as asked: "D100"; "2#D100" if the station is not 1
     QString identity(int index) const;  // the same for D8000 and SD8000, whichever was asked for
     bool isContinuedBy(const RegisterRange& next) const;

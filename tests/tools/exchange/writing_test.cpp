@@ -67,8 +67,7 @@ TEST(WordWrites, OfAnyNumberOfFramesChangeTheirRegistersAndNothingElse)
     }
 }
 
-// An odd limit and one below a counter's two words.
-// Without one the driver sends three frames.
+// Without a plan of its own the driver sends three frames.
 TEST(WordWrites, PollTheirFirstRegisterAlone)
 {
     Bench bench(badLine(0, ""), SessionSettings{3, 1});
@@ -83,6 +82,36 @@ TEST(WordWrites, PollTheirFirstRegisterAlone)
     EXPECT_GT(reads, 0);
 }
 
+// A PLC that runs its program between two frames would meet a value that is half old, half new.
+TEST(WideWrites, AreNeverCutWithinAValue)
+{
+    const struct
+    {
+        int wordsPerFrame;
+        int together;
+        QVector<int> words;  // of each frame
+    } rows[] = {
+        {3, 2, {2, 2, 2}}, {5, 2, {4, 2}}, {5, 3, {3, 3}}, {4, 2, {4, 2}}, {4, 6, {4, 2}},
+    };
+    for (const auto& row : rows) {
+        Bench bench(badLine(0, ""), SessionSettings{3, row.wordsPerFrame});
+        RegisterRange whole = range("D100:6");
+        whole.together = row.together;
+        const QVector<quint32> values = differentValues(6, 2);
+        const WriteOutcome outcome = writeRegisters(bench.loop, whole, values);
+        EXPECT_TRUE(outcome.isGood());
+        EXPECT_EQ(outcome.frames, row.words.size());
+        QVector<int> words;
+        for (const QByteArray& frame : bench.line.framesSent()) {
+            if (frame[1] == '1')
+                words += frame.mid(6, 2).toInt(nullptr, 16) / 2;
+        }
+        EXPECT_EQ(words, row.words) << row.wordsPerFrame << ' ' << row.together;
+        EXPECT_EQ(bench.line.memory().read(0x10C8, 12), asBytes(values, 2));
+    }
+}
+
+// An odd limit and one below a counter's two words.
 TEST(CounterWrites, AreNeverCutWithinACounter)
 {
     for (const int wordsPerFrame : {2, 3, 31, 33}) {

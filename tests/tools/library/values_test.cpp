@@ -300,10 +300,20 @@ TEST(Assignments, SayRegistersAndValues)
     }
 }
 
+TEST(Assignments, SayWhichRegistersAreOneValue)
+{
+    const auto together = [](const char* text, ValueFormat format) {
+        return parseAssignment(text, catalogue(), {format}).asked.range.together;
+    };
+    EXPECT_EQ(together("D0:6=1,2,3", ValueFormat::Long), 2);
+    EXPECT_EQ(together("D0:3=1,2,3", ValueFormat::Signed), 1);
+    EXPECT_EQ(together("D0:3=abcdef", ValueFormat::Text), 3);
+}
+
 TEST(Assignments, OfAGroupTakeAllOfItsBitsForOneValue)
 {
     const Assignment assignment = parseAssignment("K4M0=5", catalogue(), ValueStyle());
-    EXPECT_EQ(assignment.registersEach, 16);
+    EXPECT_EQ(assignment.asked.range.together, 16);
     EXPECT_EQ(assignment.values, QVector<quint32>({1, 0, 1}) + QVector<quint32>(13, 0));
 }
 

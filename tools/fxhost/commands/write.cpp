@@ -142,7 +142,7 @@ Result Writer::verified(const TagWrite& assignment, const CheckedWrite& write) c
                     ? QStringLiteral("verified")
                     : "verified, although not acknowledged: " + verdictText(*outcome.problem)};
     const ExitCode code = outcome.isGood() ? ExitCode::SomeFailed : exitCodeOf(*outcome.problem);
-    const bool isOne = range.count == assignment.registersEach;
+    const bool isOne = range.count == assignment.asked.range.together;
     const QString elsewhere = range.readElsewhereText();
     return {written + "the PLC holds " +
                 (isOne ? valuesText(assignment, write.after)
@@ -154,9 +154,9 @@ Result Writer::verified(const TagWrite& assignment, const CheckedWrite& write) c
 QJsonArray Writer::valuesOf(const TagWrite& assignment, const QVector<quint32>& registers) const
 {
     QJsonArray values;
-    for (int index = 0; index < registers.size(); index += assignment.registersEach)
+    for (int index = 0; index < registers.size(); index += assignment.asked.range.together)
         values.append(assignment.tag.valueOf(
-            assignment.tag.rawOf(registers.mid(index, assignment.registersEach))));
+            assignment.tag.rawOf(registers.mid(index, assignment.asked.range.together))));
     return values;
 }
 
