@@ -38,7 +38,7 @@ QStringList firstThatFits(const QVector<WrappedText>& texts, int width, const QF
         if (each.text.isEmpty())
             continue;
         last = each.text;
-        const QStringList lines = wrapped(last, width, metrics);
+        QStringList lines = wrapped(last, width, metrics);
         if (!lines.isEmpty() && lines.size() <= each.mostLines)
             return lines;
     }
