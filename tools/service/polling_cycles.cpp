@@ -44,8 +44,11 @@ int baudOf(const LinkSettings& link)
 void WantedPeriods::add(const RegisterRange& registers, const QString& name, qint64 periodUs)
 {
     ranges.append({registers, periodUs});
-    if (!names[periodUs].contains(name))
-        names[periodUs].append(name);
+    const QPair<qint64, QString> named(periodUs, name);
+    if (known.contains(named))
+        return;
+    known.insert(named);
+    names[periodUs].append(name);
 }
 
 QString WantedPeriods::namesOf(qint64 periodUs) const

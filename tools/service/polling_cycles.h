@@ -10,6 +10,8 @@
 #include "tools/tags/periodic_poller.h"
 
 #include <QMap>
+#include <QPair>
+#include <QSet>
 
 namespace fxtools {
 
@@ -22,7 +24,8 @@ int baudOf(const LinkSettings& link);
 struct WantedPeriods
 {
     QVector<PeriodicRange> ranges;
-    QMap<qint64, QStringList> names;  // by period
+    QMap<qint64, QStringList> names;  // by period, each once
+    QSet<QPair<qint64, QString>> known;
 
     void add(const RegisterRange& registers, const QString& name, qint64 periodUs);
     QString namesOf(qint64 periodUs) const;  // "D0, D100:4, boiler.flow and 12 more"
