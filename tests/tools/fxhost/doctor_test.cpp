@@ -119,7 +119,7 @@ TEST(Doctor, ShowsEachSettingAsItTriesIt)
 {
     const RunningSimulator wrong(Road::PseudoTerminal, {"--baud", "0", "--faults", "bit7@1-6"});
     const QString port = wrong.link().section(':', 1);
-    HostTerminal terminal({"--link", "serial:" + port, "-o", "100", "doctor"}, 70, 24);
+    HostTerminal terminal({"--link", "serial:" + port, "-o", "2000", "doctor"}, 70, 24);
     EXPECT_EQ(terminal.waitForEnd(), 0);
     const QStringList lines = terminal.screen().lines();
     EXPECT_EQ(lines.mid(1, 4),
