@@ -219,13 +219,15 @@ void Poller::halve(const RegisterRange& block)
         replan();
 }
 
-// A range may span several blocks; the parts outside this one stay in the plan.
+// A range may span several blocks; the parts outside this one stay in the plan, and so does a value
+// that only shares registers with this block: another block brings all of it.
 QVector<RegisterRange> Poller::takeFromPlan(const RegisterRange& block)
 {
     QVector<RegisterRange> taken;
     QVector<RegisterRange> left;
     for (const RegisterRange& range : m_planned) {
-        if (!overlap(range, block)) {
+        const bool isWide = range.together > 1;
+        if (isWide ? !isInside(range, block) : !overlap(range, block)) {
             left.append(range);
             continue;
         }

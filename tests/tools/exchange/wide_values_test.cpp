@@ -140,6 +140,23 @@ TEST_F(WideValues, ThatAreRefusedLeaveTheirPartsReadable)
     }
 }
 
+// The refused value shares its first registers with another that can be read.
+TEST_F(WideValues, ThatAreRefusedLeaveThoseThatShareTheirRegistersFresh)
+{
+    bench.refuseD(6, 6);
+    const RegisterRange readable = wide("D0:4", 4);
+    const RegisterRange refused = wide("D3:4", 4);
+    Poller poller(bench.loop, catalogue(), {readable, refused}, apart);
+    poller.poll();
+    for (int cycle = 1; cycle < 4; ++cycle) {
+        const quint32 held = poller.values(readable)[0];
+        poller.poll();
+        EXPECT_TRUE(isWhole(poller, readable)) << "in cycle " << cycle;
+        EXPECT_EQ(poller.problemOf(refused, 0), ReplyVerdict::Refused) << "in cycle " << cycle;
+        EXPECT_GT(poller.values(readable)[0], held) << "in cycle " << cycle;
+    }
+}
+
 TEST_F(WideValues, TooLongForOneReplyAreAnError)
 {
     const auto mistakeIn = [this](const RegisterRange& value) {
