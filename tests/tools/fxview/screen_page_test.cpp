@@ -656,6 +656,8 @@ TEST(ScalesOfElements, HaveRoundNumbersBetweenTheirEnds)
     EXPECT_EQ(texts(0, 1000, 2), "0 1000");
     EXPECT_EQ(texts(-10, 250.5, 6), "-10 100 200 250.5") << "none close to an end";
     EXPECT_EQ(texts(-0.3, 0.3, 7), "-0.3 -0.2 -0.1 0 0.1 0.2 0.3");
+    EXPECT_EQ(texts(0, 2000000, 3), "0 1000000 2000000");
+    EXPECT_EQ(texts(0, 1234567, 2), "0 1234567");
     EXPECT_EQ(texts(1e17, 1e17 + 16, 5), "1e+17 1e+17");
     EXPECT_EQ(texts(-1.7e308, 1.7e308, 5), "-1.7e+308 1.7e+308");
     EXPECT_EQ(scaleMarks(100, 300, 3)[1].part, 0.5);

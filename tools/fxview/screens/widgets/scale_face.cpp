@@ -22,6 +22,12 @@ constexpr double tick = 4;           // pixels between a scale and its numbers
 constexpr double leastRadius = 2.5;  // letters, of a dial with numbers
 constexpr double leastBreadth = 1;   // letters, of a bar with numbers
 
+// Counters of 32 bits in full.
+QString markText(double value)
+{
+    return QString::number(value, 'g', 10);
+}
+
 double partOfScale(const Face& face, double value)
 {
     const double least = face.element.min.value_or(0);
@@ -117,7 +123,7 @@ DialPlace dialPlace(const QRectF& area, const Face& face, const QFontMetrics& me
 
 QVector<ScaleMark> scaleMarks(double least, double most, int upTo)
 {
-    QVector<ScaleMark> marks{{0, QString::number(least, 'g', 6)}};
+    QVector<ScaleMark> marks{{0, markText(least)}};
     const double span = most - least;
     double step = std::pow(10, std::floor(std::log10(span)) - 1);
     for (int number = 0; span / step > upTo - 1; ++number)
@@ -126,9 +132,9 @@ QVector<ScaleMark> scaleMarks(double least, double most, int upTo)
     for (int number = 0; number < upTo; ++number) {
         const double value = (first + number) * step + 0.0;  // never "-0"
         if (value - least > step / 2 && most - value > step / 2)
-            marks.append({(value - least) / span, QString::number(value, 'g', 6)});
+            marks.append({(value - least) / span, markText(value)});
     }
-    marks.append({1, QString::number(most, 'g', 6)});
+    marks.append({1, markText(most)});
     return marks;
 }
 
