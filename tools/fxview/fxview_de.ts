@@ -758,7 +758,7 @@
     </message>
     <message>
         <source>Open the file first: the table still shows %1</source>
-        <translation>Öffnen Sie zuerst die Datei: Die Tabelle zeigt noch %1</translation>
+        <translation>Zuerst die Datei öffnen: die Tabelle zeigt noch %1</translation>
     </message>
 </context>
 <context>
