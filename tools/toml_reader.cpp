@@ -25,15 +25,15 @@ QString textOf(std::string_view text)
     return QString::fromUtf8(text.data(), static_cast<int>(text.size()));
 }
 
-QString contentOf(const QString& path)
+QByteArray contentOf(const QString& path)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         throw Failure(ExitCode::File, path + ": " + file.errorString());
-    const QByteArray content = file.read(largestFile + 1);
+    QByteArray content = file.read(largestFile + 1);
     if (content.size() > largestFile)
         throw Failure(ExitCode::File, path + ": larger than 1 MiB; not a configuration file");
-    return QString::fromUtf8(content);
+    return content;
 }
 
 struct Place
@@ -66,6 +66,7 @@ std::optional<Place> letterOutsideTexts(const QString& toml)
 QString noTomlText(const QString& parserText, const QString& line)
 {
     const QPair<const char*, const char*> texts[] = {
+        {"utf-8", "the file must be saved as UTF-8"},
         {"saw ','", "a number has a point before its decimals, such as 1.5"},
         {"could not determine value type", "a text stands in quotes, such as \"Press 1\""},
         {"number", "a number is written like 12 or 1.5, a text in quotes"},
@@ -336,8 +337,9 @@ qint64 TomlSection::bytes(const char* key, Range range, qint64 unlessSaid)
 
 TomlReader::TomlReader(const QString& path) : m_path(path)
 {
-    const QString content = contentOf(path);
-    if (const auto letter = letterOutsideTexts(content)) {
+    const QByteArray content = contentOf(path);
+    const QString text = QString::fromUtf8(content);
+    if (const auto letter = letterOutsideTexts(text)) {
         note(letter->line, letter->column, quoted(letter->character) + " must stand in quotes");
         return;
     }
@@ -347,7 +349,7 @@ TomlReader::TomlReader(const QString& path) : m_path(path)
         const toml::source_position at = error.source().begin;
         const int line = static_cast<int>(at.line);
         note(line, static_cast<int>(at.column),
-             noTomlText(textOf(error.description()), content.section('\n', line - 1, line - 1)));
+             noTomlText(textOf(error.description()), text.section('\n', line - 1, line - 1)));
     }
 }
 

@@ -107,6 +107,8 @@ TEST(ConfigurationFile, NamesThePlaceOfAMistake)
         {"default = 'b'\n[plc.a]\nlink = 'sim:'\n", "1, column 11: unknown PLC 'b'; known: a\n"},
         {"plc = 5\n", "1, column 7: plc must be a table: [plc] and its keys below\n"},
         {"[plc.a]\nlink = sim:\n", "2, column 8: "},  // and what the parser says
+        {"[plc.a]\nlink = 'sim:'\ntags = 'b\xFF.csv'\n",
+         "3, column 9: cannot read 'tags = 'b\uFFFD.csv'': the file must be saved as UTF-8\n"},
         {"[,\"a\":1]\n", "1, column 2: "},  // found by fuzzing: it was an assertion of the parser
         // Found by fuzzing: the parser is undefined there.
         {"# '\u00B0\n[plc.a]\nlink = \"\u00B0\\\"'\"\u00FC\n",
