@@ -152,8 +152,10 @@ int runCommandLine(int argumentCount, char** arguments)
     const std::optional<Options> options = readOptions(argumentCount, arguments, exitCode);
     if (!options)
         return exitCode;
-    if (!options->newScreen.isEmpty())
+    if (!options->newScreen.isEmpty()) {
+        const QCoreApplication application(argumentCount, arguments);  // knows the library's folder
         return writeNewScreen(*options);
+    }
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication application(argumentCount, arguments);

@@ -22,13 +22,13 @@ struct Ended
     QString err;
 };
 
-Ended runFxview(const QStringList& arguments)
+Ended runFxview(const QStringList& arguments, const QString& driver = FX_DRIVER_FILE)
 {
     const QTemporaryDir home;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert("QT_QPA_PLATFORM", "offscreen");
     environment.insert("HOME", home.path());
-    environment.insert("FX_DRIVER", FX_DRIVER_FILE);
+    environment.insert("FX_DRIVER", driver);
     environment.remove("FX_LINK");
     ChildProcess process;
     process.setProcessEnvironment(environment);
@@ -136,6 +136,17 @@ TEST(FxviewScreens, AreWrittenNewAndNeverOverAnother)
     const Ended shown = runFxview({"--link", "sim:", "--pictures", folder.path(), screen});
     EXPECT_EQ(shown.code, 0);
     EXPECT_FALSE(shown.err.contains("screen.toml")) << qPrintable(shown.err);
+}
+
+// As from a prefix: nobody says where the library is.
+TEST(FxviewScreens, AreWrittenWithTheLibraryBesideTheProgram)
+{
+    const QTemporaryDir folder;
+    const Ended written = runFxview({"--link", "sim:", "--tags", FX_SAMPLE_TAGS, "--new-screen",
+                                     folder.filePath("screen.toml")},
+                                    "");
+    EXPECT_EQ(written.code, 0);
+    EXPECT_EQ(written.err, "");
 }
 
 TEST(FxviewScreens, HaveTheirMistakesOnStandardError)
