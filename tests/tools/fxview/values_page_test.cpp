@@ -162,6 +162,8 @@ TEST_F(ValuesPageInWindow, SendsNothingWhenTheAnswerIsNo)
     button("No")->click();
     EXPECT_EQ(field->text(), "80");
     EXPECT_EQ(window.focusWidget(), field);
+    QTest::keyClicks(field, "9");
+    EXPECT_EQ(field->text(), "9") << "not 809";
     button("Write…")->click();
     QTest::keyClick(button("Yes, write"), Qt::Key_Escape);
     EXPECT_FALSE(button("Yes, write"));
@@ -185,6 +187,8 @@ TEST_F(ValuesPageInWindow, WritesNothingWhenAKeyIsPressedAgainAndAgain)
     QTest::keyClick(window.focusWidget(), Qt::Key_Y, Qt::AltModifier);
     ASSERT_TRUE(QTest::qWaitFor([this] { return plc.writes.size() == 1; }, 30000));
     EXPECT_EQ(plc.writes[0].text, "1");
+    answer(WriteResult::Outcome::Done, 1);
+    EXPECT_EQ(window.focusWidget(), table);
 }
 
 TEST_F(ValuesPageInWindow, StaysWithAWriteUntilItsResultIsKnown)

@@ -162,9 +162,10 @@ void WriteBar::choose(int tag)
 
 void WriteBar::edit()
 {
-    if (m_field->isVisible() && m_field->isEnabled())
+    if (m_field->isVisible() && m_field->isEnabled()) {
         m_field->setFocus();
-    else if (m_on->isVisible() && m_on->isEnabled())
+        m_field->selectAll();  // what is typed now does not lengthen an older number
+    } else if (m_on->isVisible() && m_on->isEnabled())
         m_on->setFocus();
 }
 
@@ -216,6 +217,8 @@ void WriteBar::take(const WriteResult& result)
     if (result.id == m_lastId && m_step == Step::Waiting) {
         m_step = Step::Editing;
         m_field->clear();
+        if (window()->focusWidget() == m_no)
+            emit left();  // a hidden button would hand the keyboard to the tabs
         showStep();
     }
     if (m_step == Step::Editing)
