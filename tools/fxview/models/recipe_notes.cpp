@@ -25,8 +25,8 @@ QString RecipeNotes::set(const QString& recipe, const QString& text, bool isNone
     if (!isNoneKnownWritten)
         m_written.insert(recipe, line);
     const QString known = isNoneKnownWritten ? m_written.value(recipe) : QString();
-    m_texts.insert(recipe, known.isEmpty() ? line : line + ' ' + known);
-    if (text.isEmpty())
+    m_texts.insert(recipe, (line + ' ' + known).trimmed());
+    if (m_texts.value(recipe).isEmpty())
         m_texts.remove(recipe);
     return write();
 }

@@ -20,7 +20,8 @@ public:
     explicit RecipeNotes(const QString& path);
 
     // What is said of a recipe replaces what was; empty: it is whole. Where nothing is known to be
-    // written, it stands before what was known already. Returns why it cannot be kept, or nothing.
+    // written, it stands before what was known already; empty: nothing was. Returns why it cannot
+    // be kept, or nothing.
     QString set(const QString& recipe, const QString& text, bool isNoneKnownWritten = false);
     QString clear();
 

@@ -248,7 +248,7 @@ void RecipePage::takeDownload(const RecipeResult& result)
         std::all_of(result.values.begin(), result.values.end(), [](const RecipeValue& value) {
             return value.state == RecipeValue::State::NotWritten;
         });
-    emit stated(m_recipe, isWhole(result) ? QString() : text, isNothing);
+    emit stated(m_recipe, isWhole(result) || isNothing ? QString() : text, isNothing);
 }
 
 void RecipePage::sayDifferences()
