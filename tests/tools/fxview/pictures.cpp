@@ -227,11 +227,10 @@ void drawStale(const QString& folder)
 {
     Scene scene;
     scene.run();
-    emit scene.plc.linkChanged(false, "no reply in time");
     scene.nowMs += 12000;
     QVector<Reading> readings;
     for (int tag = 0; tag < 9; ++tag)
-        readings += stale(tag, "no reply in time", scene.nowMs - 3000);
+        readings += stale(tag, "not read for 3 periods", scene.nowMs - 3000);
     emit scene.plc.readings(readings << bad(9, "refused by the PLC", scene.nowMs));
     scene.save(folder, "stale");
 }
